@@ -1,0 +1,47 @@
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <variant>
+
+#include <QStringList>
+
+namespace vantoro {
+
+struct RecordCommand {
+    std::optional<double> seconds; ///< above 0; absent: until a signal
+    std::optional<std::filesystem::path> folder;
+    bool systemAudio = true;
+    bool microphone = true;
+    std::optional<std::string> microphoneID;
+    float systemVolume = 0.9F; ///< linear gains, 0 and above
+    float microphoneVolume = 1.0F;
+
+    friend bool operator==(const RecordCommand&, const RecordCommand&) = default;
+};
+
+struct DevicesCommand {
+    friend bool operator==(const DevicesCommand&, const DevicesCommand&) = default;
+};
+
+/// Print this text on standard output, and that is all.
+struct PrintCommand {
+    std::string text;
+
+    friend bool operator==(const PrintCommand&, const PrintCommand&) = default;
+};
+
+/// The words make no sense: one line that says why.
+struct UsageError {
+    std::string text;
+
+    friend bool operator==(const UsageError&, const UsageError&) = default;
+};
+
+using Command = std::variant<RecordCommand, DevicesCommand, PrintCommand, UsageError>;
+
+/// `arguments` without the program's own name.
+Command parseCommandLine(const QStringList& arguments);
+
+} // namespace vantoro

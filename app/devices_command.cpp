@@ -1,0 +1,14 @@
+#include "app/devices_command.h"
+
+namespace vantoro {
+
+std::string devicesText(const std::vector<AudioInputDevice>& microphones,
+                        const std::optional<std::string>& defaultID) {
+    std::string text;
+    for (const auto& [id, name] : microphones) {
+        text += (id == defaultID ? "* " : "  ") + id + "\t" + name + "\n";
+    }
+    return text;
+}
+
+} // namespace vantoro

@@ -1,0 +1,134 @@
+// Measures what exporting a recording costs, side by side with the `ffmpeg` program making the same
+// mix with its default coder, and how peak memory grows with length.
+
+#include <cstdlib>
+#include <exception>
+#include <filesystem>
+#include <iomanip>
+#include <iostream>
+#include <span>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+#include "bench/export/child_process.h"
+#include "bench/export/test_movie.h"
+#include "engine/track_mixing.h"
+#include "platform/ffmpeg/toolkit.h"
+#include "platform/posix/posix_file_system.h"
+
+namespace vantoro::bench {
+
+namespace {
+
+constexpr float systemVolume = 0.9F;
+constexpr float microphoneVolume = 1.0F;
+
+class TemporaryFolder {
+public:
+    TemporaryFolder() {
+        std::string name =
+            (std::filesystem::temp_directory_path() / "vantoro-bench-XXXXXX").string();
+        if (mkdtemp(name.data()) == nullptr) {
+            throw std::runtime_error("no temporary folder can be made");
+        }
+        path_ = name;
+    }
+
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+
+    ~TemporaryFolder() {
+        std::error_code ignored;
+        std::filesystem::remove_all(path_, ignored);
+    }
+
+    std::filesystem::path operator/(const char* name) const { return path_ / name; }
+
+private:
+    std::filesystem::path path_;
+};
+
+void exportMovie(const std::filesystem::path& movie, const std::filesystem::path& destination) {
+    posix::PosixFileSystem files;
+    ffmpeg::FfmpegToolkit toolkit(files);
+    const auto asset = toolkit.openAsset(movie);
+    mixTracks(toolkit, files, *asset, destination,
+              recordingVolumes(true, systemVolume, microphoneVolume), {});
+}
+
+/// In a process of its own, whose memory then is the export's alone.
+ProcessCost measureExport(const std::string& self, const std::filesystem::path& movie,
+                          const std::filesystem::path& destination) {
+    return runProcess({self, "--export", movie.string(), destination.string()});
+}
+
+ProcessCost measureFfmpeg(const std::filesystem::path& movie,
+                          const std::filesystem::path& destination) {
+    const std::string graph = "[0:a:0]volume=0.9[a];[0:a:1]volume=1.0[b];"
+                              "[a][b]amix=inputs=2:duration=longest:normalize=0";
+    return runProcess({"ffmpeg", "-nostdin", "-v", "error", "-y", "-i", movie.string(),
+                       "-filter_complex", graph, "-c:a", "aac", "-b:a", "256k", "-ac", "2",
+                       destination.string()});
+}
+
+void printHeader() {
+    std::cout << std::left << std::setw(44) << "" << std::right << std::setw(10) << "ours"
+              << std::setw(11) << "other" << std::setw(9) << "ratio" << '\n'
+              << std::flush;
+}
+
+void printRow(const std::string& name, double ours, double other) {
+    std::cout << std::fixed << std::setprecision(2) << std::left << std::setw(44) << name
+              << std::right << std::setw(10) << ours << std::setw(11) << other << std::setw(9)
+              << ours / other << '\n'
+              << std::flush;
+}
+
+void compare(const std::string& self, int minutes) {
+    const TemporaryFolder folder;
+    const std::string length = std::to_string(minutes) + " min";
+    recordTestMovie(folder / "short.mov", minutes);
+    const ProcessCost ours = measureExport(self, folder / "short.mov", folder / "ours.m4a");
+    const ProcessCost theirs = measureFfmpeg(folder / "short.mov", folder / "theirs.m4a");
+    printHeader();
+    printRow("export of " + length + ", ffmpeg program: wall s", ours.wallSeconds,
+             theirs.wallSeconds);
+    printRow("export of " + length + ", ffmpeg program: CPU s", ours.cpuSeconds, theirs.cpuSeconds);
+    recordTestMovie(folder / "long.mov", 4 * minutes);
+    const ProcessCost longer = measureExport(self, folder / "long.mov", folder / "long.m4a");
+    printRow("memory at most: MB; other: four times as long", ours.peakMegabytes,
+             longer.peakMegabytes);
+}
+
+int run(std::span<char*> arguments) {
+    if (arguments.size() == 4 && std::string_view(arguments[1]) == "--export") {
+        exportMovie(arguments[2], arguments[3]);
+        return EXIT_SUCCESS;
+    }
+    int minutes = 60;
+    if (arguments.size() == 3 && std::string_view(arguments[1]) == "--minutes") {
+        minutes = std::atoi(arguments[2]);
+    } else if (arguments.size() != 1) {
+        minutes = 0;
+    }
+    if (minutes < 1) {
+        std::cerr << "usage: " << arguments[0] << " [--minutes N]\n";
+        return 2;
+    }
+    compare(arguments[0], minutes);
+    return EXIT_SUCCESS;
+}
+
+} // namespace
+
+} // namespace vantoro::bench
+
+int main(int argumentCount, char** arguments) {
+    try {
+        return vantoro::bench::run({arguments, static_cast<std::size_t>(argumentCount)});
+    } catch (const std::exception& error) {
+        std::cerr << error.what() << '\n';
+        return EXIT_FAILURE;
+    }
+}

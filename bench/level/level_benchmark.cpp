@@ -1,0 +1,34 @@
+#include <array>
+#include <cmath>
+#include <numbers>
+
+#include <benchmark/benchmark.h>
+
+#include "engine/audio_level.h"
+
+namespace {
+
+constexpr std::size_t frames = 1024;
+constexpr std::size_t channels = 2;
+
+/// What the capture queue pays for one reading of a meter.
+void levelOfOneStereoBuffer(benchmark::State& state) {
+    std::array<float, frames * channels> samples{};
+    for (std::size_t i = 0; i < samples.size(); ++i) {
+        samples.at(i) = 0.5F * std::sin(static_cast<float>(i) * std::numbers::pi_v<float> / 48);
+    }
+    const vantoro::SampleBuffer buffer{
+        .dataIsReady = true,
+        .frameCount = frames,
+        .presentationTime = {0, 48000},
+        .format =
+            vantoro::AudioStreamDescription{.sampleRate = 48000, .channelsPerFrame = channels},
+        .samples = std::span<const float>(samples)};
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(vantoro::audioLevel(buffer));
+    }
+}
+
+BENCHMARK(levelOfOneStereoBuffer);
+
+} // namespace

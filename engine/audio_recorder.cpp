@@ -1,0 +1,231 @@
+#include "engine/audio_recorder.h"
+
+#include <algorithm>
+#include <future>
+#include <utility>
+
+#include "engine/file_names.h"
+#include "engine/track_mixing.h"
+
+namespace vantoro {
+
+namespace {
+
+constexpr AudioTrackSettings systemAudioTrack{.channels = 2, .bitRate = 192000};
+constexpr AudioTrackSettings microphoneTrack{.channels = 1, .bitRate = 96000};
+
+FileWriterInput& makeWriterInput(FileWriter& writer, const AudioTrackSettings& settings) {
+    if (!writer.canAdd(settings)) {
+        throw RecordingError(RecordingError::Case::writerSetupFailed);
+    }
+    return writer.add(settings);
+}
+
+StreamConfiguration streamConfiguration(const RecordingOptions& options) {
+    StreamConfiguration configuration;
+    configuration.capturesAudio = options.captureSystemAudio;
+    configuration.captureMicrophone = options.captureMicrophone;
+    if (options.captureMicrophone) {
+        configuration.microphoneCaptureDeviceID = options.microphoneDeviceID;
+    }
+    return configuration;
+}
+
+} // namespace
+
+AudioRecorder::AudioRecorder(const RecorderPlatform& platform)
+    : platform_(platform), samplePath_(platform.clock, onAudioLevel, onCaptureInterrupted) {}
+
+AudioRecorder::~AudioRecorder() {
+    captureQueue_.sync([this] { stream_.reset(); });
+}
+
+void AudioRecorder::start(const RecordingOptions& options) {
+    checkPermissions(options);
+    platform_.fileSystem.createFolders(options.outputDirectory);
+    const Display display = chooseDisplay();
+    try {
+        prepareWriter(options);
+        startStream(options, display);
+    } catch (...) {
+        resetKeepingWhatWasWritten();
+        throw;
+    }
+}
+
+void AudioRecorder::checkPermissions(const RecordingOptions& options) {
+    if (!options.captureSystemAudio && !options.captureMicrophone) {
+        throw RecordingError(RecordingError::Case::noAudioSource);
+    }
+    if (!platform_.screenCaptureAccess.preflight() && !platform_.screenCaptureAccess.request()) {
+        throw RecordingError(RecordingError::Case::screenPermissionDenied);
+    }
+    if (options.captureMicrophone && !requestMicrophonePermission()) {
+        throw RecordingError(RecordingError::Case::microphonePermissionDenied);
+    }
+}
+
+bool AudioRecorder::requestMicrophonePermission() {
+    switch (platform_.microphoneAccess.status()) {
+    case AuthorizationStatus::authorized:
+        return true;
+    case AuthorizationStatus::notDetermined:
+        return platform_.microphoneAccess.request();
+    case AuthorizationStatus::restricted:
+    case AuthorizationStatus::denied:
+        break;
+    }
+    return false;
+}
+
+Display AudioRecorder::chooseDisplay() {
+    const auto displays = platform_.shareableContent.displays();
+    if (displays.empty()) {
+        throw RecordingError(RecordingError::Case::noDisplayAvailable);
+    }
+    const Display main{platform_.shareableContent.mainDisplayID()};
+    const auto found = std::ranges::find(displays, main);
+    return found != displays.end() ? *found : displays.front();
+}
+
+void AudioRecorder::prepareWriter(const RecordingOptions& options) {
+    const auto temporaryURL = options.outputDirectory / temporaryFileName();
+    auto writer = platform_.mediaToolkit.makeWriter(temporaryURL);
+    writer->setMovieFragmentInterval(checkpointInterval);
+    writer->setInitialMovieFragmentInterval(initialCheckpointInterval);
+    FileWriterInput* const systemAudioInput =
+        options.captureSystemAudio ? &makeWriterInput(*writer, systemAudioTrack) : nullptr;
+    FileWriterInput* const microphoneInput =
+        options.captureMicrophone ? &makeWriterInput(*writer, microphoneTrack) : nullptr;
+
+    temporaryURL_ = temporaryURL;
+    outputDirectory_ = options.outputDirectory;
+    hasSystemAudioTrack_ = options.captureSystemAudio;
+    captureQueue_.sync(
+        [&] { samplePath_.arm(std::move(writer), systemAudioInput, microphoneInput); });
+}
+
+void AudioRecorder::startStream(const RecordingOptions& options, Display display) {
+    const ContentFilter filter{
+        .display = display, .excludedApplications = {}, .exceptedWindows = {}};
+    auto stream = platform_.captureService.makeStream(filter, streamConfiguration(options), *this);
+    if (options.captureSystemAudio) {
+        stream->addOutput(StreamOutputType::audio, captureQueue_);
+    }
+    if (options.captureMicrophone) {
+        stream->addOutput(StreamOutputType::microphone, captureQueue_);
+    }
+    captureQueue_.sync([&] { stream_ = stream; });
+    stream->startCapture();
+}
+
+std::filesystem::path AudioRecorder::stop(float systemVolume, float microphoneVolume) {
+    stopStream();
+    try {
+        finishWriting();
+    } catch (...) {
+        resetKeepingWhatWasWritten();
+        throw;
+    }
+    try {
+        auto destination = exportFinal(systemVolume, microphoneVolume);
+        removeIgnoringErrors(platform_.fileSystem, temporaryURL_);
+        reset(false);
+        return destination;
+    } catch (...) {
+        reset(false);
+        throw;
+    }
+}
+
+void AudioRecorder::stopStream() {
+    auto stream = captureQueue_.sync([this] { return stream_; });
+    if (!stream) {
+        if (!captureQueue_.sync([this] { return samplePath_.isArmed(); })) {
+            throw RecordingError(RecordingError::Case::noAudioCaptured);
+        }
+        return;
+    }
+    try {
+        stream->stopCapture();
+    } catch (...) {
+        // What was captured is saved all the same.
+        captureQueue_.sync([&] { samplePath_.recordErrorIfNone(std::current_exception()); });
+    }
+    captureQueue_.sync([this] { stream_.reset(); });
+}
+
+void AudioRecorder::finishWriting() {
+    // Shared with the completion, which may still be returning when the result is there.
+    const auto done = std::make_shared<std::promise<void>>();
+    captureQueue_.async([this, done] {
+        samplePath_.finish([done](std::exception_ptr error) {
+            if (error) {
+                done->set_exception(std::move(error));
+            } else {
+                done->set_value();
+            }
+        });
+    });
+    done->get_future().get();
+}
+
+std::filesystem::path AudioRecorder::exportFinal(float systemVolume, float microphoneVolume) {
+    if (outputDirectory_.empty()) {
+        throw RecordingError(RecordingError::Case::exportFailed);
+    }
+    auto destination = uniqueOutputURL(outputDirectory_, platform_.fileSystem, platform_.clock);
+    try {
+        const auto asset = platform_.mediaToolkit.openAsset(temporaryURL_);
+        mixTracks(platform_.mediaToolkit, platform_.fileSystem, *asset, destination,
+                  recordingVolumes(hasSystemAudioTrack_, systemVolume, microphoneVolume),
+                  onExportProgress);
+    } catch (...) {
+        removeIgnoringErrors(platform_.fileSystem, destination);
+        throw;
+    }
+    return destination;
+}
+
+void AudioRecorder::resetKeepingWhatWasWritten() {
+    const bool started = captureQueue_.sync([this] { return samplePath_.hasStartedWriting(); });
+    reset(!started);
+}
+
+void AudioRecorder::reset(bool removeTemporaryFile) {
+    if (removeTemporaryFile && !temporaryURL_.empty()) {
+        removeIgnoringErrors(platform_.fileSystem, temporaryURL_);
+    }
+    temporaryURL_.clear();
+    outputDirectory_.clear();
+    hasSystemAudioTrack_ = false;
+    std::shared_ptr<CaptureStream> stream;
+    std::unique_ptr<FileWriter> writer;
+    captureQueue_.sync([&] {
+        stream = std::move(stream_);
+        writer = samplePath_.disarm();
+    });
+    // Both end here, on this thread, which may wait for them.
+}
+
+void AudioRecorder::didOutputSampleBuffer(const SampleBuffer& buffer, StreamOutputType type) {
+    switch (type) {
+    case StreamOutputType::audio:
+        samplePath_.append(buffer, AudioLevelSource::systemAudio);
+        break;
+    case StreamOutputType::microphone:
+        samplePath_.append(buffer, AudioLevelSource::microphone);
+        break;
+    case StreamOutputType::screen:
+        break;
+    }
+}
+
+void AudioRecorder::streamDidStop(std::exception_ptr error) {
+    captureQueue_.async([this, error = std::move(error)] {
+        stream_.reset();
+        samplePath_.interrupt(error);
+    });
+}
+
+} // namespace vantoro

@@ -1,0 +1,58 @@
+#include "engine/file_names.h"
+
+#include <array>
+#include <cstdint>
+#include <ctime>
+#include <random>
+
+namespace vantoro {
+
+namespace {
+
+std::string randomUUID() {
+    std::random_device random;
+    std::array<std::uint8_t, 16> bytes{};
+    for (auto& byte : bytes) {
+        byte = static_cast<std::uint8_t>(random() & 0xFFU);
+    }
+    bytes[6] = static_cast<std::uint8_t>((bytes[6] & 0x0FU) | 0x40U); // version 4: random
+    bytes[8] = static_cast<std::uint8_t>((bytes[8] & 0x3FU) | 0x80U);
+    std::string text;
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
+        if (i == 4 || i == 6 || i == 8 || i == 10) {
+            text += '-';
+        }
+        constexpr const char* digits = "0123456789ABCDEF";
+        text += digits[bytes.at(i) >> 4U];
+        text += digits[bytes.at(i) & 0x0FU];
+    }
+    return text;
+}
+
+std::string timeStamp(const std::tm& time) {
+    std::array<char, 32> text{};
+    const std::size_t length = std::strftime(text.data(), text.size(), "%Y-%m-%d-%H%M%S", &time);
+    return {text.data(), length};
+}
+
+} // namespace
+
+std::string temporaryFileName() {
+    return ".Vantoro-" + randomUUID() + ".partial.mov";
+}
+
+std::filesystem::path uniqueOutputURL(const std::filesystem::path& folder,
+                                      const FileSystem& fileSystem, const Clock& clock) {
+    const std::string base = "Vantoro-" + timeStamp(clock.localTime());
+    auto candidate = folder / (base + ".m4a");
+    for (std::int64_t counter = 2; fileSystem.exists(candidate); ++counter) {
+        candidate = folder / (base + "-" + std::to_string(counter) + ".m4a");
+    }
+    return candidate;
+}
+
+std::filesystem::path stagingURL(std::filesystem::path destination) {
+    return destination.replace_extension("exporting.m4a");
+}
+
+} // namespace vantoro

@@ -1,0 +1,65 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <span>
+
+namespace vantoro {
+
+/// A file being written. Used by one thread at a time. Everything throws std::system_error.
+class OutputFile {
+public:
+    /// Closes without a word; call `close` to learn whether it worked.
+    virtual ~OutputFile() = default;
+    /// Writes all of `bytes` at `offset`, or throws with any part of them written.
+    virtual void writeAt(std::uint64_t offset, std::span<const std::byte> bytes) = 0;
+    virtual void truncate(std::uint64_t size) = 0;
+    /// Returns when all that was written is on the disk, with what is needed to read it back.
+    virtual void sync() = 0;
+    /// Makes the file reachable at the path that it was created with, should its folder have been
+    /// removed or moved since: the folder is made again and the file's content copied into it.
+    virtual void ensureReachable() = 0;
+    /// Nothing may follow but destruction.
+    virtual void close() = 0;
+};
+
+/// A file being read, at any offset. Used by any number of threads at a time.
+class InputFile {
+public:
+    virtual ~InputFile() = default;
+    virtual std::uint64_t size() const = 0;
+    /// How many bytes were read: fewer than asked for only at the file's end. Throws on failure.
+    virtual std::size_t readAt(std::uint64_t offset, std::span<std::byte> into) const = 0;
+};
+
+/// Who may read a created file.
+enum class FileAudience : std::uint8_t {
+    userOnly,     ///< as the hidden temporary file: nobody else, whatever the user's mask
+    asUserPrefers ///< the user's mask decides
+};
+
+/// The folders and files that recordings live in. Every failure is a std::system_error (the
+/// standard file system's included) whose text names what could not be done. Any thread.
+class FileSystem {
+public:
+    virtual ~FileSystem() = default;
+    /// With its parents; a folder that exists is fine.
+    virtual void createFolders(const std::filesystem::path& folder) = 0;
+    /// Anything at all counts: a folder, a link that leads nowhere.
+    virtual bool exists(const std::filesystem::path& path) const = 0;
+    /// A file, or an empty folder: what holds something else is never removed. Throws when there is
+    /// nothing to remove.
+    virtual void remove(const std::filesystem::path& path) = 0;
+    /// Within one file system.
+    virtual void move(const std::filesystem::path& from, const std::filesystem::path& to) = 0;
+    /// Returns when the names in the folder (creations, moves, removals) are on the disk.
+    virtual void syncFolder(const std::filesystem::path& folder) = 0;
+    /// Fails when something exists there.
+    virtual std::unique_ptr<OutputFile> create(const std::filesystem::path& path,
+                                               FileAudience audience) = 0;
+    virtual std::unique_ptr<InputFile> open(const std::filesystem::path& path) = 0;
+};
+
+} // namespace vantoro

@@ -1,0 +1,83 @@
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "engine/media_time.h"
+#include "engine/ports/file_writer.h"
+
+namespace vantoro {
+
+// All of this is called on one task thread at a time; every operation throws where it fails,
+// with an error whose text can be shown to the user.
+
+class AssetTrack {
+public:
+    virtual ~AssetTrack() = default;
+    virtual TimeRange timeRange() const = 0;
+};
+
+/// A media file opened for reading.
+class Asset {
+public:
+    virtual ~Asset() = default;
+    /// In file order.
+    virtual std::vector<std::shared_ptr<const AssetTrack>> audioTracks() = 0;
+    /// Covered by what is whole in the file; the invalid time when that cannot be told.
+    virtual MediaTime duration() = 0;
+};
+
+class CompositionTrack {
+public:
+    virtual ~CompositionTrack() = default;
+    virtual void insert(TimeRange range, std::shared_ptr<const AssetTrack> source,
+                        MediaTime at) = 0;
+};
+
+/// A timeline on which tracks lie side by side.
+class Composition {
+public:
+    virtual ~Composition() = default;
+    /// Null when it takes no further track. Lives as long as the composition.
+    virtual CompositionTrack* addAudioTrack() = 0;
+};
+
+/// A constant gain (linear, unclamped) of one composition track, held from `time` on.
+struct AudioMixInput {
+    const CompositionTrack* track = nullptr;
+    float volume = 1.0F;
+    MediaTime time = zeroTime;
+};
+
+/// In the order in which the tracks were added.
+using AudioMix = std::vector<AudioMixInput>;
+
+/// Fraction done, 0 to 1, never falling; called on the exporting thread.
+using ExportProgress = std::function<void(double)>;
+
+/// Mixes a composition into one M4A file.
+class ExportSession {
+public:
+    virtual ~ExportSession() = default;
+    virtual void setAudioMix(AudioMix mix) = 0;
+    /// Returns when the file is complete and synced to disk. On failure a part of the file may be
+    /// left at the place. `progress` may be empty.
+    virtual void exportTo(const std::filesystem::path& destination,
+                          const ExportProgress& progress) = 0;
+};
+
+/// Writing, reading and mixing media files.
+class MediaToolkit {
+public:
+    virtual ~MediaToolkit() = default;
+    /// A writer over a QuickTime movie that does not exist yet.
+    virtual std::unique_ptr<FileWriter> makeWriter(const std::filesystem::path& location) = 0;
+    virtual std::unique_ptr<Asset> openAsset(const std::filesystem::path& location) = 0;
+    virtual std::unique_ptr<Composition> makeComposition() = 0;
+    /// Null when it cannot export this composition, which must outlive the session.
+    virtual std::unique_ptr<ExportSession> makeExportSession(const Composition& composition) = 0;
+};
+
+} // namespace vantoro

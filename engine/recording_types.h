@@ -1,0 +1,79 @@
+#pragma once
+
+#include <cstdint>
+#include <exception>
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <string>
+
+namespace vantoro {
+
+/// What one recording takes in and where it goes; copied into the recorder at each start.
+struct RecordingOptions {
+    bool captureSystemAudio; ///< record what the computer plays, this program excepted
+    bool captureMicrophone;
+    /// Absent: the default microphone. Consulted only when `captureMicrophone` is on.
+    std::optional<std::string> microphoneDeviceID;
+    /// Holds the temporary and the final file; created, with its parents, when the recording
+    /// starts.
+    std::filesystem::path outputDirectory;
+
+    friend bool operator==(const RecordingOptions&, const RecordingOptions&) = default;
+};
+
+/// The recorder's own failures. Their texts for the user are composed in l10n, each time anew.
+class RecordingError : public std::exception {
+public:
+    enum class Case : std::uint8_t {
+        writerFailed,
+        noAudioSource,
+        screenPermissionDenied,
+        microphonePermissionDenied,
+        noDisplayAvailable,
+        writerSetupFailed,
+        noAudioCaptured,
+        exportFailed,
+    };
+
+    /// Any case but `writerFailed`, which has a message: see the factory below.
+    explicit RecordingError(Case which);
+    static RecordingError writerFailed(std::string message);
+
+    Case which() const noexcept { return which_; }
+
+    /// The detail of `writerFailed`; empty for every other case.
+    const std::string& message() const noexcept { return message_; }
+
+    /// For developers, not for the user: the case's name, and the detail where there is one.
+    const char* what() const noexcept override;
+
+    friend bool operator==(const RecordingError& a, const RecordingError& b) {
+        return a.which_ == b.which_ && a.message_ == b.message_;
+    }
+
+private:
+    RecordingError(Case which, std::string message);
+
+    Case which_;
+    std::string message_;
+    std::string what_;
+};
+
+/// The two sources a level can belong to.
+enum class AudioLevelSource : std::uint8_t { systemAudio, microphone };
+
+/// One microphone as a list shows it.
+struct AudioInputDevice {
+    std::string id;   ///< what goes into `RecordingOptions::microphoneDeviceID`
+    std::string name; ///< for people
+
+    friend bool operator==(const AudioInputDevice&, const AudioInputDevice&) = default;
+};
+
+} // namespace vantoro
+
+template <>
+struct std::hash<vantoro::AudioInputDevice> {
+    std::size_t operator()(const vantoro::AudioInputDevice& device) const noexcept;
+};

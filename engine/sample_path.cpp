@@ -1,0 +1,109 @@
+#include "engine/sample_path.h"
+
+#include <utility>
+
+#include "engine/recording_types.h"
+
+namespace vantoro {
+
+SamplePath::SamplePath(const Clock& clock, const AudioLevelCallback& onAudioLevel,
+                       const CaptureInterruptedCallback& onCaptureInterrupted)
+    : onAudioLevel_(onAudioLevel),
+      onCaptureInterrupted_(onCaptureInterrupted),
+      levelMeter_(clock) {}
+
+void SamplePath::arm(std::unique_ptr<FileWriter> writer, FileWriterInput* systemAudioInput,
+                     FileWriterInput* microphoneInput) {
+    disarm();
+    writer_ = std::move(writer);
+    systemAudioInput_ = systemAudioInput;
+    microphoneInput_ = microphoneInput;
+}
+
+std::unique_ptr<FileWriter> SamplePath::disarm() {
+    systemAudioInput_ = nullptr;
+    microphoneInput_ = nullptr;
+    writerStarted_ = false;
+    sessionStartTime_ = {};
+    captureError_ = nullptr;
+    levelMeter_.reset();
+    return std::move(writer_);
+}
+
+void SamplePath::append(const SampleBuffer& buffer, AudioLevelSource source) {
+    FileWriterInput* const input = inputOf(source);
+    if (!buffer.dataIsReady || buffer.frameCount < 1 || input == nullptr || captureError_) {
+        return;
+    }
+    levelMeter_.publishAudioLevel(buffer, source, onAudioLevel_);
+    const MediaTime time = buffer.presentationTime;
+    if (!time.isValid()) {
+        return;
+    }
+    if (!writerStarted_ && !startWriting(time)) {
+        return;
+    }
+    // The other source's buffers from before the start, and what the disk cannot take, are left
+    // out.
+    if (time < sessionStartTime_ || !input->isReadyForMoreMediaData()) {
+        return;
+    }
+    if (!input->append(buffer)) {
+        reportWriterFailure("Unable to write an audio sample.");
+    }
+}
+
+bool SamplePath::startWriting(MediaTime sourceTime) {
+    if (!writer_ || !writer_->startWriting()) {
+        reportWriterFailure("Unable to start the file writer.");
+        return false;
+    }
+    writer_->startSession(sourceTime);
+    writerStarted_ = true;
+    sessionStartTime_ = sourceTime;
+    return true;
+}
+
+void SamplePath::reportWriterFailure(const char* text) {
+    const auto description = writer_ ? writer_->errorDescription() : std::nullopt;
+    interrupt(std::make_exception_ptr(RecordingError::writerFailed(description.value_or(text))));
+}
+
+void SamplePath::interrupt(std::exception_ptr error) {
+    captureError_ = error;
+    if (onCaptureInterrupted_) {
+        onCaptureInterrupted_(std::move(error));
+    }
+}
+
+void SamplePath::recordErrorIfNone(std::exception_ptr error) {
+    if (!captureError_) {
+        captureError_ = std::move(error);
+    }
+}
+
+void SamplePath::finish(std::function<void(std::exception_ptr)> completion) {
+    if (!writer_ || !writerStarted_) {
+        completion(std::make_exception_ptr(RecordingError(RecordingError::Case::noAudioCaptured)));
+        return;
+    }
+    for (FileWriterInput* input : {systemAudioInput_, microphoneInput_}) {
+        if (input != nullptr) {
+            input->markAsFinished();
+        }
+    }
+    writer_->finishWriting([&writer = *writer_, completion = std::move(completion)] {
+        if (writer.status() == FileWriterStatus::completed) {
+            completion(nullptr);
+            return;
+        }
+        completion(std::make_exception_ptr(RecordingError::writerFailed(
+            writer.errorDescription().value_or("Unable to finish the recording."))));
+    });
+}
+
+FileWriterInput* SamplePath::inputOf(AudioLevelSource source) const noexcept {
+    return source == AudioLevelSource::systemAudio ? systemAudioInput_ : microphoneInput_;
+}
+
+} // namespace vantoro

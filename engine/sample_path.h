@@ -1,0 +1,61 @@
+#pragma once
+
+#include <exception>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "engine/level_meter.h"
+#include "engine/ports/file_writer.h"
+
+namespace vantoro {
+
+/// Told that capture can no longer be trusted. Called on the capture queue.
+using CaptureInterruptedCallback = std::function<void(std::exception_ptr error)>;
+
+/// Takes a recording's buffers from the capture stream to the file: each is metered, the first one
+/// with a valid time starts the file, and all that follow are appended to their source's track.
+/// Used on the capture queue only.
+class SamplePath {
+public:
+    /// The callbacks are read at each use; they may be set, or be empty, at any time before.
+    SamplePath(const Clock& clock, const AudioLevelCallback& onAudioLevel,
+               const CaptureInterruptedCallback& onCaptureInterrupted);
+
+    /// Takes in the writer of a new recording; the inputs are the writer's, or null.
+    void arm(std::unique_ptr<FileWriter> writer, FileWriterInput* systemAudioInput,
+             FileWriterInput* microphoneInput);
+    /// Back to the initial state. Returns the writer, since destroying it may take its time.
+    std::unique_ptr<FileWriter> disarm();
+
+    void append(const SampleBuffer& buffer, AudioLevelSource source);
+    /// Every buffer from now on is dropped, and the receiver is told.
+    void interrupt(std::exception_ptr error);
+    /// As `interrupt`, but silent, and an earlier cause is kept.
+    void recordErrorIfNone(std::exception_ptr error);
+
+    /// Finishes the file behind all buffers so far, then calls `completion` exactly once, with no
+    /// error when the file is complete: here, or on a thread of the writer's.
+    void finish(std::function<void(std::exception_ptr)> completion);
+
+    bool isArmed() const noexcept { return writer_ != nullptr; }
+
+    bool hasStartedWriting() const noexcept { return writerStarted_; }
+
+private:
+    FileWriterInput* inputOf(AudioLevelSource source) const noexcept;
+    bool startWriting(MediaTime sourceTime);
+    void reportWriterFailure(const char* text);
+
+    const AudioLevelCallback& onAudioLevel_;
+    const CaptureInterruptedCallback& onCaptureInterrupted_;
+    LevelMeter levelMeter_;
+    std::unique_ptr<FileWriter> writer_;
+    FileWriterInput* systemAudioInput_ = nullptr;
+    FileWriterInput* microphoneInput_ = nullptr;
+    bool writerStarted_ = false;
+    MediaTime sessionStartTime_; // of the first buffer written; invalid until then
+    std::exception_ptr captureError_;
+};
+
+} // namespace vantoro

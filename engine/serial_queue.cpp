@@ -1,0 +1,102 @@
+#include "engine/serial_queue.h"
+
+#include <algorithm>
+
+namespace vantoro {
+
+SerialQueue::Source::Source(SerialQueue& queue, std::function<void()> handler)
+    : queue_(queue), handler_(std::move(handler)) {}
+
+void SerialQueue::Source::signal() noexcept {
+    if (!pending_.exchange(true, std::memory_order_acq_rel)) {
+        queue_.wake();
+    }
+}
+
+SerialQueue::SourceHandle& SerialQueue::SourceHandle::operator=(SourceHandle&& other) noexcept {
+    if (this != &other) {
+        release();
+        source_ = std::move(other.source_);
+    }
+    return *this;
+}
+
+SerialQueue::SourceHandle::~SourceHandle() {
+    release();
+}
+
+void SerialQueue::SourceHandle::release() noexcept {
+    if (source_) {
+        source_->queue_.removeSource(source_);
+        source_.reset();
+    }
+}
+
+SerialQueue::SerialQueue(std::string label)
+    : label_(std::move(label)), thread_([this] { run(); }) {}
+
+SerialQueue::~SerialQueue() {
+    stopping_.store(true, std::memory_order_release);
+    wake();
+    thread_.join();
+}
+
+void SerialQueue::async(std::function<void()> work) {
+    {
+        const std::lock_guard lock(mutex_);
+        work_.push_back(std::move(work));
+    }
+    wake();
+}
+
+SerialQueue::SourceHandle SerialQueue::addSource(std::function<void()> handler) {
+    std::shared_ptr<Source> source(new Source(*this, std::move(handler)));
+    async([this, source] { sources_.push_back(source); });
+    return SourceHandle(std::move(source));
+}
+
+void SerialQueue::removeSource(const std::shared_ptr<Source>& source) {
+    sync([this, &source] { std::erase(sources_, source); });
+}
+
+void SerialQueue::wake() noexcept {
+    wakes_.fetch_add(1, std::memory_order_acq_rel);
+    wakes_.notify_one();
+}
+
+void SerialQueue::run() {
+    while (!stopping_.load(std::memory_order_acquire)) {
+        const int seen = wakes_.load(std::memory_order_acquire);
+        if (!runPendingWork() && !stopping_.load(std::memory_order_acquire)) {
+            wakes_.wait(seen, std::memory_order_acquire);
+        }
+    }
+}
+
+bool SerialQueue::runPendingWork() {
+    bool ran = false;
+    // A handler may take any source off the list, its own included, so the list is walked by a
+    // copy.
+    for (const auto& source : std::vector(sources_)) {
+        if (source->pending_.exchange(false, std::memory_order_acq_rel) &&
+            std::ranges::find(sources_, source) != sources_.end()) {
+            source->handler_();
+            ran = true;
+        }
+    }
+    std::function<void()> next;
+    {
+        const std::lock_guard lock(mutex_);
+        if (!work_.empty()) {
+            next = std::move(work_.front());
+            work_.pop_front();
+        }
+    }
+    if (next) {
+        next();
+        ran = true;
+    }
+    return ran;
+}
+
+} // namespace vantoro

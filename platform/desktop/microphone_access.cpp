@@ -1,0 +1,42 @@
+#include "platform/desktop/microphone_access.h"
+
+#include <utility>
+
+#include "platform/desktop/microphone_policy.h"
+#include "platform/desktop/portal.h"
+#include "platform/desktop/privacy_settings.h"
+#include "platform/desktop/sandbox.h"
+
+namespace vantoro::desktop {
+
+DesktopMicrophoneAccess::DesktopMicrophoneAccess(std::function<bool()> openMicrophone,
+                                                 std::function<bool()> chosenSourceIsHidden,
+                                                 QDBusConnection sessionBus,
+                                                 std::filesystem::path sandboxDescription)
+    : openMicrophone_(std::move(openMicrophone)),
+      chosenSourceIsHidden_(std::move(chosenSourceIsHidden)),
+      sessionBus_(std::move(sessionBus)),
+      sandboxDescription_(std::move(sandboxDescription)) {}
+
+AuthorizationStatus DesktopMicrophoneAccess::status() {
+    MicrophoneFacts facts;
+    facts.disabledBySettings = microphoneDisabledBySettings();
+    facts.disabledByPortal = microphoneDisabledByPortal(sessionBus_);
+    if (const auto applicationID = sandboxedApplicationID(sandboxDescription_)) {
+        facts.sandboxed = true;
+        facts.stored = storedMicrophonePermission(sessionBus_, *applicationID);
+    }
+    facts.chosenSourceHidden = chosenSourceIsHidden_();
+    return microphoneAuthorization(facts);
+}
+
+bool DesktopMicrophoneAccess::request() {
+    const bool opened = openMicrophone_();
+    const auto afterwards = status();
+    // Nothing need have been written down: then what we could do is what we may do.
+    return afterwards == AuthorizationStatus::notDetermined
+               ? opened
+               : afterwards == AuthorizationStatus::authorized;
+}
+
+} // namespace vantoro::desktop

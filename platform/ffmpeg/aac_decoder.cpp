@@ -1,0 +1,63 @@
+#include "platform/ffmpeg/aac_decoder.h"
+
+#include <cmath>
+#include <numeric>
+#include <stdexcept>
+
+namespace vantoro::ffmpeg {
+
+namespace {
+
+CoderHandle openDecoder(const AVCodecParameters& parameters) {
+    const AVCodec* const codec = avcodec_find_decoder(AV_CODEC_ID_AAC);
+    if (codec == nullptr) {
+        throw std::runtime_error("There is no AAC decoder on this system.");
+    }
+    CoderHandle decoder(checkAllocated(avcodec_alloc_context3(codec)));
+    check(avcodec_parameters_to_context(decoder.get(), &parameters), "Opening the AAC decoder");
+    decoder->thread_count = 1;
+    check(avcodec_open2(decoder.get(), codec, nullptr), "Opening the AAC decoder");
+    return decoder;
+}
+
+std::span<const float, packetFrames> planeOf(const AVFrame& frame, int channel) {
+    // A plane is only known as bytes, but holds floats in this format.
+    const void* const samples = frame.extended_data[channel];
+    return std::span<const float, packetFrames>(static_cast<const float*>(samples), packetFrames);
+}
+
+/// A damaged packet may decode to what is no number, which would spoil all that is mixed with it.
+bool isFinite(std::span<const float> samples) {
+    return std::isfinite(std::accumulate(samples.begin(), samples.end(), 0.0F));
+}
+
+} // namespace
+
+AacDecoder::AacDecoder(const AVCodecParameters& parameters)
+    : decoder_(openDecoder(parameters)),
+      packet_(checkAllocated(av_packet_alloc())),
+      frame_(checkAllocated(av_frame_alloc())) {}
+
+std::optional<DecodedSound> AacDecoder::decode(std::span<const std::byte> packet) {
+    check(av_new_packet(packet_.get(), static_cast<int>(packet.size())), "Decoding sound");
+    std::ranges::copy(packet,
+                      std::as_writable_bytes(std::span(packet_->data, packet.size())).begin());
+    const int sent = avcodec_send_packet(decoder_.get(), packet_.get());
+    av_packet_unref(packet_.get());
+    if (sent < 0 || avcodec_receive_frame(decoder_.get(), frame_.get()) < 0) {
+        return std::nullopt;
+    }
+    const int channels = frame_->ch_layout.nb_channels;
+    if (frame_->format != AV_SAMPLE_FMT_FLTP || frame_->nb_samples != packetFrames ||
+        channels < 1) {
+        return std::nullopt;
+    }
+    const DecodedSound sound{.left = planeOf(*frame_, 0),
+                             .right = planeOf(*frame_, channels > 1 ? 1 : 0)};
+    if (!isFinite(sound.left) || !isFinite(sound.right)) {
+        return std::nullopt;
+    }
+    return sound;
+}
+
+} // namespace vantoro::ffmpeg

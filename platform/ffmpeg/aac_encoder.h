@@ -1,0 +1,61 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <span>
+#include <vector>
+
+#include "platform/ffmpeg/handles.h"
+
+namespace vantoro::ffmpeg {
+
+/// Takes a coded packet, whose content it may move out.
+using PacketSink = std::function<void(AVPacket&)>;
+
+/// Codes sound at 48 kHz into AAC packets, in a fraction of the time that the coder takes by
+/// default and without any tool whose decoding depends on more than the packet before.
+/// Packets cover 1024 frames each, the first of them the priming, the last what is left.
+/// Used by one thread at a time; every operation throws std::runtime_error where it fails.
+///
+/// The coder's fast method limits how finely a strong tone can be described: it overdrives one
+/// beyond -7 dB of full scale. So each channel is coded on its own, quieter, and the packets say
+/// that it is to be played as much louder again.
+class AacEncoder {
+public:
+    /// One or two channels.
+    AacEncoder(int channels, int bitRate);
+
+    /// Whether the library was built with the coder.
+    static bool isAvailable() noexcept;
+
+    int channels() const noexcept { return static_cast<int>(channels_.size()); }
+
+    /// What a container has to know about the packets.
+    const AVCodecParameters& parameters() const noexcept { return *parameters_; }
+
+    /// The sound of the next `encode`: 1024 frames of one channel, to be written before each.
+    std::span<float> plane(int channel) noexcept;
+
+    /// Codes the first `frames` of the planes: 1024, or fewer in the last call.
+    void encode(int frames, const PacketSink& sink);
+
+    /// Hands over what the coder still holds. Nothing may follow.
+    void finish(const PacketSink& sink);
+
+private:
+    struct Channel {
+        CoderHandle coder;
+        FrameHandle frame;
+        PacketHandle packet;
+    };
+
+    void receive(const PacketSink& sink);
+
+    std::vector<Channel> channels_;
+    ParametersHandle parameters_;
+    PacketHandle joined_;
+    std::int64_t position_ = 0; // frames given to the coder
+};
+
+} // namespace vantoro::ffmpeg

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "platform/ffmpeg/handles.h"
+
+namespace vantoro::ffmpeg {
+
+/// Puts coded tracks into the fragments of a QuickTime movie, as bytes in memory.
+/// Used by one thread at a time; throws std::runtime_error where it fails.
+class FragmentMuxer {
+public:
+    FragmentMuxer();
+    FragmentMuxer(const FragmentMuxer&) = delete;
+    FragmentMuxer& operator=(const FragmentMuxer&) = delete;
+    ~FragmentMuxer() = default;
+
+    /// Before `start`, in the order in which the tracks lie in the file.
+    void addTrack(const AVCodecParameters& parameters);
+    void start();
+
+    /// Takes the packet's content. Packets of a track come in order and without gaps.
+    void add(std::size_t track, AVPacket& packet);
+
+    /// How many of the track's frames lie in packets so far, from the session's start.
+    std::int64_t end(std::size_t track) const noexcept { return tracks_[track].end; }
+
+    bool hasPackets() const noexcept;
+
+    /// The bytes of the next fragment, the first with the movie's header before it: of all packets
+    /// that begin before `end`.
+    std::vector<std::byte> closeFragment(std::int64_t end);
+    /// The movie's last bytes, behind the last fragment.
+    std::vector<std::byte> finish();
+
+private:
+    struct Track {
+        std::vector<PacketHandle> packets; // not yet in a fragment
+        std::int64_t end = 0;
+    };
+
+    std::vector<std::byte> takeBytes();
+
+    std::vector<std::byte> bytes_; // written by the muxer, not yet taken
+    ByteStreamHandle stream_;
+    OutputHandle muxer_;
+    std::vector<Track> tracks_;
+    bool headerWritten_ = false;
+};
+
+} // namespace vantoro::ffmpeg

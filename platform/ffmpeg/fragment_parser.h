@@ -1,0 +1,37 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include "engine/ports/file_system.h"
+#include "platform/ffmpeg/movie_scan.h"
+
+namespace vantoro::ffmpeg {
+
+/// Where a packet lies in a file.
+struct PacketPlace {
+    std::uint64_t offset = 0;
+    std::uint32_t size = 0;
+    std::uint32_t duration = 0; ///< frames
+};
+
+/// A row of packets of one track.
+struct PacketRow {
+    std::size_t track = 0;
+    std::uint64_t start = 0; ///< frames before it, the priming counted
+    std::vector<PacketPlace> packets;
+};
+
+struct Fragment {
+    std::uint64_t end = 0; ///< offset behind it
+    std::vector<PacketRow> rows;
+};
+
+/// Reads the description of the fragment at `offset`. Throws DamagedMovie when that and all of the
+/// packets that it names do not lie inside the file, or are more than any recording has.
+Fragment readFragment(const InputFile& file, std::uint64_t offset,
+                      std::span<const TrackHeader> tracks);
+
+} // namespace vantoro::ffmpeg

@@ -1,0 +1,18 @@
+#include "platform/ffmpeg/handles.h"
+
+#include <array>
+#include <stdexcept>
+#include <string>
+
+namespace vantoro::ffmpeg {
+
+int check(int result, std::string_view action) {
+    if (result >= 0) {
+        return result;
+    }
+    std::array<char, AV_ERROR_MAX_STRING_SIZE> text{};
+    av_strerror(result, text.data(), text.size());
+    throw std::runtime_error(std::string(action) + ": " + text.data());
+}
+
+} // namespace vantoro::ffmpeg

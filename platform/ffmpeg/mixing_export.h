@@ -1,0 +1,37 @@
+#pragma once
+
+#include <filesystem>
+
+#include "engine/ports/file_system.h"
+#include "engine/ports/media_toolkit.h"
+#include "platform/ffmpeg/composition.h"
+
+namespace vantoro::ffmpeg {
+
+/// Mixes a composition's tracks into a stereo M4A file of 256 kb/s, as long as the longest track to
+/// the sample. The sum is limited to full scale only where it is coded. Needs the same memory for
+/// any length, but for four bytes a packet.
+class MixingExport final : public ExportSession {
+public:
+    /// Both outlive the session.
+    MixingExport(FileSystem& fileSystem, const MovieComposition& composition)
+        : fileSystem_(fileSystem), composition_(composition) {}
+
+    /// A track without an entry keeps its volume. Throws std::invalid_argument for a volume that is
+    /// no finite number, or one that does not hold from the beginning.
+    void setAudioMix(AudioMix mix) override;
+
+    /// Throws std::runtime_error for a composition without sound, DamagedMovie for a source that
+    /// was changed meanwhile, and what the file system throws.
+    void exportTo(const std::filesystem::path& destination,
+                  const ExportProgress& progress) override;
+
+private:
+    float volumeOf(const CompositionTrack& track) const noexcept;
+
+    FileSystem& fileSystem_;
+    const MovieComposition& composition_;
+    AudioMix mix_;
+};
+
+} // namespace vantoro::ffmpeg

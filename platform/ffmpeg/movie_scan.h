@@ -1,0 +1,43 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include "engine/ports/file_system.h"
+
+namespace vantoro::ffmpeg {
+
+/// What a movie's header says about one track.
+struct TrackHeader {
+    std::uint32_t id = 0;
+    bool isAudio = false;
+    std::uint32_t timescale = 0;       ///< units a second of all the track's times
+    std::uint32_t defaultDuration = 0; ///< of a packet, where its fragment does not say
+    std::uint32_t defaultSize = 0;
+};
+
+/// What a movie of fragments holds: where its whole fragments lie, and what begins where. Some 40
+/// bytes a fragment, whatever is in the fragments.
+///
+/// A fragment is whole when it lies inside the file and each track goes on in it just where it had
+/// ended before. What follows the first fragment that is not whole does not count.
+struct MovieScan {
+    std::vector<TrackHeader> tracks;      ///< in file order, at most 16
+    std::uint64_t headerEnd = 0;          ///< the header lies before this offset
+    std::vector<std::uint64_t> fragments; ///< offset of each whole fragment
+    std::vector<std::int64_t> starts; ///< fragments × tracks: frames before it, the priming counted
+    std::vector<std::int64_t> ends;   ///< of each track behind the last whole fragment
+
+    std::span<const std::int64_t> startsOf(std::size_t fragment) const noexcept {
+        return std::span(starts).subspan(fragment * tracks.size(), tracks.size());
+    }
+};
+
+/// Looks through a file whose bytes nobody vouches for, in a time bounded by the file's size and in
+/// little memory. Throws DamagedMovie when there is no movie in it at all, and what the file throws
+/// when it cannot be read.
+MovieScan scanMovie(const InputFile& file);
+
+} // namespace vantoro::ffmpeg

@@ -1,0 +1,218 @@
+#include "platform/ffmpeg/movie_writer.h"
+
+#include <algorithm>
+#include <exception>
+#include <limits>
+#include <utility>
+
+#include "platform/ffmpeg/aac.h"
+
+namespace vantoro::ffmpeg {
+
+class MovieWriter::Input final : public FileWriterInput {
+public:
+    Input(MovieWriter& writer, std::size_t index, const AudioTrackSettings& settings)
+        : writer_(writer), index_(index), encoder_(settings.channels, settings.bitRate) {}
+
+    bool isReadyForMoreMediaData() const override { return writer_.isReady(); }
+
+    bool append(const SampleBuffer& buffer) override { return writer_.append(*this, buffer); }
+
+    void markAsFinished() override { writer_.end(*this); }
+
+    std::size_t index() const noexcept { return index_; }
+
+    TrackEncoder& encoder() noexcept { return encoder_; }
+
+    bool hasEnded() const noexcept { return ended_; }
+
+    void setEnded() noexcept { ended_ = true; }
+
+private:
+    MovieWriter& writer_;
+    const std::size_t index_; // the track's place in the file
+    TrackEncoder encoder_;
+    bool ended_ = false;
+};
+
+MovieWriter::MovieWriter(FileSystem& fileSystem, std::filesystem::path location,
+                         std::size_t largestBacklog)
+    : fileSystem_(fileSystem), location_(std::move(location)), largestBacklog_(largestBacklog) {}
+
+MovieWriter::~MovieWriter() = default;
+
+void MovieWriter::setMovieFragmentInterval(MediaTime interval) {
+    interval_ = interval;
+}
+
+void MovieWriter::setInitialMovieFragmentInterval(MediaTime interval) {
+    initialInterval_ = interval;
+}
+
+bool MovieWriter::canAdd(const AudioTrackSettings& settings) const {
+    return status() == FileWriterStatus::unknown && AacEncoder::isAvailable() &&
+           settings.sampleRate == framesPerSecond && settings.bitRate > 0 &&
+           (settings.channels == 1 || settings.channels == 2);
+}
+
+FileWriterInput& MovieWriter::add(const AudioTrackSettings& settings) {
+    inputs_.push_back(std::make_unique<Input>(*this, inputs_.size(), settings));
+    muxer_.addTrack(inputs_.back()->encoder().parameters());
+    return *inputs_.back();
+}
+
+bool MovieWriter::startWriting() {
+    return attempt([this] {
+        muxer_.start();
+        schedule_ = FragmentSchedule(initialInterval_.inUnitsOf(framesPerSecond),
+                                     interval_.inUnitsOf(framesPerSecond));
+        file_ = std::make_unique<FragmentFile>(
+            fileSystem_.create(location_, FileAudience::userOnly),
+            [this](const std::string& description) { fail(description); });
+        const std::lock_guard lock(mutex_);
+        status_ = FileWriterStatus::writing;
+    });
+}
+
+void MovieWriter::startSession(MediaTime sourceTime) {
+    sessionStart_ = sourceTime;
+}
+
+bool MovieWriter::isReady() const {
+    // A failed writer takes the buffer, in order to say that it failed.
+    return !file_ || file_->backlog() <= largestBacklog_ || status() != FileWriterStatus::writing;
+}
+
+bool MovieWriter::append(Input& input, const SampleBuffer& buffer) {
+    if (status() != FileWriterStatus::writing || input.hasEnded()) {
+        return false;
+    }
+    return attempt([&] {
+        const std::int64_t time = buffer.presentationTime.inUnitsOf(framesPerSecond) -
+                                  sessionStart_.inUnitsOf(framesPerSecond);
+        input.encoder().append(buffer, time, sinkOf(input));
+        closeFragments();
+    });
+}
+
+void MovieWriter::end(Input& input) {
+    if (!file_ || input.hasEnded()) {
+        return;
+    }
+    attempt([&] {
+        const PacketSink sink = sinkOf(input);
+        if (input.encoder().position() == 0) {
+            // A track that no sound ever came for is silent, not missing.
+            input.encoder().fillTo(longestTrack(), sink);
+        }
+        input.setEnded();
+        if (input.encoder().position() > 0) {
+            input.encoder().finish(sink);
+        }
+        closeFragments();
+    });
+}
+
+void MovieWriter::finishWriting(std::function<void()> completion) {
+    if (!file_) {
+        fail("Nothing was written.");
+        completion();
+        return;
+    }
+    for (const auto& input : inputs_) {
+        end(*input);
+    }
+    attempt([this] {
+        if (longestTrack() > 0) {
+            if (muxer_.hasPackets()) {
+                file_->append(muxer_.closeFragment(std::numeric_limits<std::int64_t>::max()));
+            }
+            file_->append(muxer_.finish());
+        }
+    });
+    file_->finish(
+        [this, completion = std::move(completion)](const std::optional<std::string>& failure) {
+            {
+                const std::lock_guard lock(mutex_);
+                status_ = failure ? FileWriterStatus::failed : FileWriterStatus::completed;
+                errorDescription_ = failure;
+            }
+            completion();
+        });
+}
+
+FileWriterStatus MovieWriter::status() const {
+    const std::lock_guard lock(mutex_);
+    return status_;
+}
+
+std::optional<std::string> MovieWriter::errorDescription() const {
+    const std::lock_guard lock(mutex_);
+    return errorDescription_;
+}
+
+bool MovieWriter::attempt(const std::function<void()>& work) {
+    try {
+        work();
+        return true;
+    } catch (const std::exception& error) {
+        fail(error.what());
+        return false;
+    }
+}
+
+void MovieWriter::fail(const std::string& description) {
+    const std::lock_guard lock(mutex_);
+    status_ = FileWriterStatus::failed;
+    errorDescription_ = description;
+}
+
+void MovieWriter::closeFragments() {
+    fillShortTracks();
+    while (coversFragment()) {
+        file_->append(muxer_.closeFragment(schedule_.end()));
+        schedule_.advance();
+        fillShortTracks();
+    }
+}
+
+void MovieWriter::fillShortTracks() {
+    std::vector<std::int64_t> positions;
+    for (const auto& input : inputs_) {
+        if (!input->hasEnded()) {
+            positions.push_back(input->encoder().position());
+        }
+    }
+    if (!schedule_.isHeldBack(positions)) {
+        return;
+    }
+    for (const auto& input : inputs_) {
+        if (!input->hasEnded()) {
+            input->encoder().fillTo(schedule_.framesToClose(), sinkOf(*input));
+        }
+    }
+}
+
+/// Whether no track has anything left to add to the fragment, and one goes beyond it.
+bool MovieWriter::coversFragment() const {
+    const auto covers = [this](const auto& input) {
+        return muxer_.end(input->index()) >= schedule_.end();
+    };
+    return std::ranges::any_of(inputs_, covers) &&
+           std::ranges::all_of(
+               inputs_, [&](const auto& input) { return input->hasEnded() || covers(input); });
+}
+
+std::int64_t MovieWriter::longestTrack() const {
+    std::int64_t longest = 0;
+    for (const auto& input : inputs_) {
+        longest = std::max(longest, input->encoder().position());
+    }
+    return longest;
+}
+
+PacketSink MovieWriter::sinkOf(const Input& input) {
+    return [this, index = input.index()](AVPacket& packet) { muxer_.add(index, packet); };
+}
+
+} // namespace vantoro::ffmpeg

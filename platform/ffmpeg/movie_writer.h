@@ -1,0 +1,78 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "engine/ports/file_system.h"
+#include "engine/ports/file_writer.h"
+#include "platform/ffmpeg/fragment_file.h"
+#include "platform/ffmpeg/fragment_muxer.h"
+#include "platform/ffmpeg/fragment_schedule.h"
+#include "platform/ffmpeg/track_encoder.h"
+
+namespace vantoro::ffmpeg {
+
+/// Writes a QuickTime movie of fragments. Sound is coded and put into fragments on the capture
+/// queue, in memory; a finished fragment goes to the file thread (`FragmentFile`).
+/// `finishWriting`'s completion comes on the file thread and must not destroy the writer there.
+class MovieWriter final : public FileWriter {
+public:
+    /// Some 15 minutes of both tracks.
+    static constexpr std::size_t usualLargestBacklog = 32U << 20U;
+
+    /// The inputs are not ready while more than `largestBacklog` bytes wait for the disk.
+    MovieWriter(FileSystem& fileSystem, std::filesystem::path location,
+                std::size_t largestBacklog = usualLargestBacklog);
+    MovieWriter(const MovieWriter&) = delete;
+    MovieWriter& operator=(const MovieWriter&) = delete;
+    ~MovieWriter() override;
+
+    void setMovieFragmentInterval(MediaTime interval) override;
+    void setInitialMovieFragmentInterval(MediaTime interval) override;
+    bool canAdd(const AudioTrackSettings& settings) const override;
+    FileWriterInput& add(const AudioTrackSettings& settings) override;
+    bool startWriting() override;
+    void startSession(MediaTime sourceTime) override;
+    void finishWriting(std::function<void()> completion) override;
+    FileWriterStatus status() const override;
+    std::optional<std::string> errorDescription() const override;
+
+private:
+    class Input;
+
+    bool isReady() const;
+    bool append(Input& input, const SampleBuffer& buffer);
+    void end(Input& input);
+    bool attempt(const std::function<void()>& work);
+    void fail(const std::string& description);
+    void closeFragments();
+    void fillShortTracks();
+    bool coversFragment() const;
+    std::int64_t longestTrack() const;
+    PacketSink sinkOf(const Input& input);
+
+    FileSystem& fileSystem_;
+    const std::filesystem::path location_;
+    const std::size_t largestBacklog_;
+    MediaTime initialInterval_{1, 1};
+    MediaTime interval_{10, 1};
+    FragmentSchedule schedule_; // begins anew when writing starts
+    MediaTime sessionStart_;
+    FragmentMuxer muxer_;
+    std::vector<std::unique_ptr<Input>> inputs_;
+
+    mutable std::mutex mutex_; // guards the two below, which the file thread sets too
+    FileWriterStatus status_ = FileWriterStatus::unknown;
+    std::optional<std::string> errorDescription_;
+
+    std::unique_ptr<FragmentFile> file_; // last: its thread calls back into the above
+};
+
+} // namespace vantoro::ffmpeg

@@ -1,0 +1,72 @@
+#include "platform/ffmpeg/packet_reader.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "platform/ffmpeg/aac.h"
+#include "platform/ffmpeg/box_reader.h"
+
+namespace vantoro::ffmpeg {
+
+namespace {
+
+// Holds a ten-second fragment of a track, and so is read once for it.
+constexpr std::uint64_t windowSize = 512U << 10U;
+
+} // namespace
+
+PacketReader::PacketReader(std::shared_ptr<const Movie> movie, std::size_t track)
+    : movie_(std::move(movie)), track_(track) {}
+
+void PacketReader::seek(std::int64_t packet) {
+    const MovieScan& scan = movie_->scan;
+    const std::int64_t frame = packet * packetFrames;
+    places_.clear();
+    nextPlace_ = 0;
+    // The last fragment that begins at or before the packet.
+    std::size_t begin = 0;
+    std::size_t end = scan.fragments.size();
+    while (end - begin > 1) {
+        const std::size_t middle = begin + ((end - begin) / 2);
+        (scan.startsOf(middle)[track_] <= frame ? begin : end) = middle;
+    }
+    nextFragment_ = begin;
+    if (begin < scan.fragments.size()) {
+        load(begin);
+        const std::int64_t first = scan.startsOf(begin)[track_] / packetFrames;
+        nextPlace_ = std::min(static_cast<std::size_t>(packet - first), places_.size());
+    }
+}
+
+std::optional<std::span<const std::byte>> PacketReader::next() {
+    while (nextPlace_ == places_.size()) {
+        if (nextFragment_ == movie_->scan.fragments.size()) {
+            return std::nullopt;
+        }
+        load(nextFragment_);
+    }
+    const PacketPlace& place = places_[nextPlace_++];
+    if (place.offset < windowOffset_ ||
+        place.offset + place.size > windowOffset_ + window_.size()) {
+        const PacketPlace& last = places_.back();
+        const std::uint64_t end = std::max(last.offset + last.size, place.offset + place.size);
+        window_.resize(std::min(windowSize, end - place.offset));
+        windowOffset_ = place.offset;
+        readExactly(*movie_->file, windowOffset_, window_);
+    }
+    return std::span(window_).subspan(place.offset - windowOffset_, place.size);
+}
+
+void PacketReader::load(std::size_t fragment) {
+    const MovieScan& scan = movie_->scan;
+    places_.clear();
+    nextPlace_ = 0;
+    for (PacketRow& row : readFragment(*movie_->file, scan.fragments[fragment], scan.tracks).rows) {
+        if (row.track == track_) {
+            places_.insert(places_.end(), row.packets.begin(), row.packets.end());
+        }
+    }
+    nextFragment_ = fragment + 1;
+}
+
+} // namespace vantoro::ffmpeg

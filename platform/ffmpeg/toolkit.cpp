@@ -1,0 +1,40 @@
+#include "platform/ffmpeg/toolkit.h"
+
+extern "C" {
+#include <libavutil/log.h>
+}
+
+#include "platform/ffmpeg/aac_encoder.h"
+#include "platform/ffmpeg/composition.h"
+#include "platform/ffmpeg/mixing_export.h"
+#include "platform/ffmpeg/movie_asset.h"
+#include "platform/ffmpeg/movie_writer.h"
+
+namespace vantoro::ffmpeg {
+
+FfmpegToolkit::FfmpegToolkit(FileSystem& fileSystem) : fileSystem_(fileSystem) {
+    av_log_set_level(AV_LOG_QUIET);
+}
+
+std::unique_ptr<FileWriter> FfmpegToolkit::makeWriter(const std::filesystem::path& location) {
+    return std::make_unique<MovieWriter>(fileSystem_, location);
+}
+
+std::unique_ptr<Asset> FfmpegToolkit::openAsset(const std::filesystem::path& location) {
+    return std::make_unique<MovieAsset>(fileSystem_, location);
+}
+
+std::unique_ptr<Composition> FfmpegToolkit::makeComposition() {
+    return std::make_unique<MovieComposition>();
+}
+
+std::unique_ptr<ExportSession> FfmpegToolkit::makeExportSession(const Composition& composition) {
+    const auto* const movieComposition = dynamic_cast<const MovieComposition*>(&composition);
+    if (movieComposition == nullptr || movieComposition->tracks().empty() ||
+        !AacEncoder::isAvailable()) {
+        return nullptr;
+    }
+    return std::make_unique<MixingExport>(fileSystem_, *movieComposition);
+}
+
+} // namespace vantoro::ffmpeg

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include "engine/sample_buffer.h"
+#include "platform/ffmpeg/aac.h"
+#include "platform/ffmpeg/aac_encoder.h"
+#include "platform/ffmpeg/track_timeline.h"
+
+namespace vantoro::ffmpeg {
+
+/// Turns one track's timed buffers into one unbroken row of packets. The coder gets whole packets'
+/// worth of frames only, since it silently pads a short one in mid-stream, and several packets at a
+/// time: one by one they cost a fifth more, since what the coder needs has left the caches
+/// meanwhile. Used by one thread at a time; throws std::runtime_error where it fails.
+class TrackEncoder {
+public:
+    /// How many frames wait to be coded together, at most.
+    static constexpr int batchFrames = 8 * packetFrames;
+
+    TrackEncoder(int channels, int bitRate);
+
+    const AVCodecParameters& parameters() const noexcept { return coder_.parameters(); }
+
+    /// Frames since the session's start that the track has by now.
+    std::int64_t position() const noexcept { return timeline_.position(); }
+
+    /// `time`: frames from the session's start to the buffer's first frame.
+    void append(const SampleBuffer& buffer, std::int64_t time, const PacketSink& sink);
+    /// Silence up to `position`, where the track is shorter. Every whole packet is handed over.
+    void fillTo(std::int64_t position, const PacketSink& sink);
+    /// Hands over all that is left. Nothing may follow.
+    void finish(const PacketSink& sink);
+
+private:
+    template <class Fill>
+    void add(std::int64_t frames, const Fill& fill, const PacketSink& sink);
+    void addSilence(std::int64_t frames, const PacketSink& sink);
+    std::span<float> batch(int channel) noexcept;
+    void code(int frames, const PacketSink& sink);
+    void codeWholePackets(const PacketSink& sink);
+
+    AacEncoder coder_;
+    TrackTimeline timeline_;
+    std::vector<float> batch_; // channels × batchFrames
+    int filled_ = 0;           // frames of the batch
+};
+
+} // namespace vantoro::ffmpeg

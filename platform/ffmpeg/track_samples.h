@@ -1,0 +1,42 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+
+#include "platform/ffmpeg/aac.h"
+#include "platform/ffmpeg/aac_decoder.h"
+#include "platform/ffmpeg/packet_reader.h"
+
+namespace vantoro::ffmpeg {
+
+/// Where sound is summed: one packet's worth of two channels.
+struct StereoBlock {
+    std::span<float, packetFrames> left;
+    std::span<float, packetFrames> right;
+};
+
+/// The decoded sound of a range of one track, read from its beginning to its end.
+/// Used by one thread at a time.
+class TrackSamples {
+public:
+    /// `start`: frames from the track's beginning (behind the priming). Throws as `addTo`.
+    TrackSamples(const MovieTrack& track, std::int64_t start, std::int64_t frames);
+
+    /// Adds the next 1024 frames times `gain`, or what is left of the range; a mono track to both
+    /// channels alike. Packets that cannot be decoded, or are missing, are silent. Throws when the
+    /// file cannot be read.
+    void addTo(const StereoBlock& block, float gain);
+
+private:
+    void loadPacket();
+
+    PacketReader packets_;
+    AacDecoder decoder_;
+    std::int64_t remaining_;            // frames of the range
+    std::optional<DecodedSound> sound_; // of the latest packet; none where it is silent
+    int position_ = packetFrames;       // in that packet
+};
+
+} // namespace vantoro::ffmpeg

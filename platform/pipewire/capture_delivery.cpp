@@ -1,0 +1,112 @@
+#include "platform/pipewire/capture_delivery.h"
+
+#include <utility>
+
+namespace vantoro::pipewire {
+
+namespace {
+
+CaptureTimeline::TapId tapId(const CaptureFeed* feed) {
+    return reinterpret_cast<std::uintptr_t>(feed);
+}
+
+std::int64_t gridNow() {
+    return gridPosition(nanosecondsOn(CLOCK_MONOTONIC));
+}
+
+} // namespace
+
+CaptureDelivery::CaptureDelivery(SerialQueue& queue, CaptureStreamReceiver& receiver,
+                                 DeliveredOutputs outputs)
+    : queue_(queue),
+      receiver_(receiver),
+      outputs_(outputs),
+      emit_([this](CaptureSource source, std::int64_t position, std::span<const float> planes,
+                   std::size_t frames) { deliver(source, position, planes, frames); }) {
+    source_ = queue.addSource([this] { pump(); });
+}
+
+void CaptureDelivery::addFeed(std::shared_ptr<CaptureFeed> feed) {
+    queue_.async([self = shared_from_this(), feed = std::move(feed), now = gridNow()] {
+        self->timeline_.addTap(tapId(feed.get()), feed->source, now);
+        self->inlets_.emplace(feed.get(), Inlet{.feed = feed, .steering = {}});
+    });
+}
+
+void CaptureDelivery::removeFeed(std::shared_ptr<CaptureFeed> feed) {
+    queue_.async([self = shared_from_this(), feed = std::move(feed)] {
+        if (self->delivering_) {
+            self->drain(self->inlets_.at(feed.get()));
+        }
+        self->timeline_.removeTap(tapId(feed.get()));
+        self->inlets_.erase(feed.get());
+    });
+}
+
+void CaptureDelivery::begin() {
+    queue_.async([self = shared_from_this(), now = gridNow()] {
+        self->timeline_.begin(now);
+        self->delivering_ = true;
+    });
+}
+
+void CaptureDelivery::finish() {
+    queue_.async([self = shared_from_this(), now = gridNow()] {
+        if (self->delivering_ && !self->finished_) {
+            self->drainAll();
+            self->timeline_.emitAll(self->timeline_.end(now), self->emit_);
+        }
+        self->finished_ = true;
+        self->source_ = {};
+    });
+}
+
+void CaptureDelivery::close() {
+    queue_.sync([this] {
+        finished_ = true;
+        source_ = {};
+    });
+}
+
+void CaptureDelivery::pump() {
+    if (!delivering_ || finished_) {
+        return;
+    }
+    // Read before the feeds are: what they get meanwhile is not taken for missing.
+    const std::int64_t now = gridNow();
+    drainAll();
+    timeline_.emitBlocks(timeline_.horizon(now), emit_);
+}
+
+void CaptureDelivery::drainAll() {
+    for (auto& [key, inlet] : inlets_) {
+        drain(inlet);
+    }
+}
+
+void CaptureDelivery::drain(Inlet& inlet) {
+    Stamp stamp;
+    while (inlet.feed->ring.read(stamp, samples_)) {
+        const auto behind = timeline_.place(tapId(inlet.feed.get()), stamp, samples_);
+        inlet.steering.observe(stamp.nanoseconds, stamp.clockId, behind);
+    }
+    inlet.feed->speed.store(inlet.steering.speed(), std::memory_order_relaxed);
+}
+
+void CaptureDelivery::deliver(CaptureSource source, std::int64_t position,
+                              std::span<const float> planes, std::size_t frames) {
+    const bool isAudio = source == CaptureSource::systemAudio;
+    if (!(isAudio ? outputs_.audio : outputs_.microphone)) {
+        return;
+    }
+    SampleBuffer buffer;
+    buffer.frameCount = static_cast<std::int64_t>(frames);
+    buffer.presentationTime = {.value = position, .timescale = framesPerSecond};
+    buffer.format = AudioStreamDescription{.sampleRate = framesPerSecond,
+                                           .channelsPerFrame = isAudio ? 2U : 1U};
+    buffer.samples = planes;
+    receiver_.didOutputSampleBuffer(buffer, isAudio ? StreamOutputType::audio
+                                                    : StreamOutputType::microphone);
+}
+
+} // namespace vantoro::pipewire

@@ -1,0 +1,83 @@
+#include "platform/pipewire/capture_service.h"
+
+#include <utility>
+
+#include "platform/pipewire/capture_error.h"
+#include "platform/pipewire/capture_session.h"
+
+namespace vantoro::pipewire {
+
+namespace {
+
+CaptureSettings settingsOf(const StreamConfiguration& configuration) {
+    return {.systemAudio = configuration.capturesAudio,
+            .microphone = configuration.captureMicrophone,
+            .microphoneName = configuration.microphoneCaptureDeviceID,
+            .excludesOwnSound = configuration.excludesCurrentProcessAudio};
+}
+
+class Stream final : public CaptureStream {
+public:
+    Stream(const StreamConfiguration& configuration, CaptureStreamReceiver& receiver)
+        : settings_(settingsOf(configuration)), receiver_(receiver) {}
+
+    Stream(const Stream&) = delete;
+    Stream& operator=(const Stream&) = delete;
+
+    ~Stream() override {
+        session_.reset();
+        if (delivery_) {
+            delivery_->close();
+        }
+    }
+
+    void addOutput(StreamOutputType type, SerialQueue& queue) override {
+        if (queue_ != nullptr && queue_ != &queue) {
+            throw CaptureError("Both outputs of a recording are delivered on one queue.");
+        }
+        if (type == StreamOutputType::audio && settings_.systemAudio) {
+            outputs_.audio = true;
+        } else if (type == StreamOutputType::microphone && settings_.microphone) {
+            outputs_.microphone = true;
+        } else {
+            throw CaptureError("The recording was not set up to deliver this output.");
+        }
+        queue_ = &queue;
+    }
+
+    void startCapture() override {
+        if (queue_ == nullptr || delivery_) {
+            throw CaptureError("The recording cannot be started.");
+        }
+        delivery_ = std::make_shared<CaptureDelivery>(*queue_, receiver_, outputs_);
+        session_ = std::make_unique<CaptureSession>(
+            settings_, delivery_,
+            [this](std::exception_ptr error) { receiver_.streamDidStop(std::move(error)); });
+        try {
+            session_->start();
+        } catch (...) {
+            session_.reset();
+            throw;
+        }
+    }
+
+    void stopCapture() override { session_.reset(); }
+
+private:
+    const CaptureSettings settings_;
+    CaptureStreamReceiver& receiver_;
+    SerialQueue* queue_ = nullptr;
+    DeliveredOutputs outputs_;
+    std::shared_ptr<CaptureDelivery> delivery_;
+    std::unique_ptr<CaptureSession> session_;
+};
+
+} // namespace
+
+std::shared_ptr<CaptureStream> CaptureService::makeStream(const ContentFilter& /*filter*/,
+                                                          const StreamConfiguration& configuration,
+                                                          CaptureStreamReceiver& receiver) {
+    return std::make_shared<Stream>(configuration, receiver);
+}
+
+} // namespace vantoro::pipewire

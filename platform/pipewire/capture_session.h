@@ -1,0 +1,87 @@
+#pragma once
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "platform/pipewire/capture_delivery.h"
+#include "platform/pipewire/connection.h"
+#include "platform/pipewire/event_flag.h"
+#include "platform/pipewire/graph_mirror.h"
+#include "platform/pipewire/input_stream.h"
+#include "platform/pipewire/linker.h"
+#include "platform/pipewire/loop_sources.h"
+#include "platform/pipewire/stall_watch.h"
+
+namespace vantoro::pipewire {
+
+struct CaptureSettings {
+    bool systemAudio = false;
+    bool microphone = false;
+    std::optional<std::string> microphoneName; ///< absent: the default one
+    bool excludesOwnSound = true;
+};
+
+/// One run of capture: the connection, the streams and the links, from start to stop.
+///
+/// Made, started and destroyed by a task thread, or the thread of a queue; everything else happens
+/// on the connection's loop.
+class CaptureSession {
+public:
+    /// Told, on the loop, why capture has stopped by itself; once at most.
+    using Stopped = std::function<void(std::exception_ptr error)>;
+
+    /// Throws `CaptureError` when there is no server. `delivery` is handed the feeds.
+    CaptureSession(CaptureSettings settings, std::shared_ptr<CaptureDelivery> delivery,
+                   Stopped stopped);
+    CaptureSession(const CaptureSession&) = delete;
+    CaptureSession& operator=(const CaptureSession&) = delete;
+    /// Stops where it has not stopped: `delivery` is told to finish. `stopped` is called no more.
+    ~CaptureSession();
+
+    /// Returns when capture runs. Throws `CaptureError` when it does not within 5 seconds or so.
+    void start();
+
+private:
+    enum class Phase : std::uint8_t { preparing, starting, running, ended };
+
+    // On the loop, or under its lock.
+    void open();
+    void openMicrophone();
+    std::unique_ptr<InputStream> makeStream(CaptureSource source);
+    void update();
+    void updateTaps();
+    void updateMicrophone();
+    void tick();
+    void checkStarted();
+    void checkStalls();
+    bool allRun() const;
+    OwnNodes ownNodes() const;
+    void fail(const std::string& sentence);
+    void endByItself();
+    void closeStreams();
+
+    const CaptureSettings settings_;
+    const std::shared_ptr<CaptureDelivery> delivery_;
+    const Stopped stopped_;
+    Phase phase_ = Phase::preparing;
+    std::string failure_; // empty: none
+    EventFlag settled_;   // started, or failed to
+    Deadline startedAt_;
+    ObjectId microphoneSource_ = SPA_ID_INVALID;
+    int ticksPaused_ = 0; // for how long the microphone has been paused
+    StallWatch systemWatch_;
+    StallWatch microphoneWatch_;
+
+    Connection connection_;
+    LoopEvent updateEvent_;
+    LoopTimer timer_;
+    GraphMirror mirror_;
+    Linker linker_;
+    std::map<ObjectId, std::unique_ptr<InputStream>> taps_; // by output
+    std::unique_ptr<InputStream> microphone_;
+};
+
+} // namespace vantoro::pipewire

@@ -1,0 +1,75 @@
+#include "platform/pipewire/channel_fold.h"
+
+#include <algorithm>
+
+namespace vantoro::pipewire {
+
+namespace {
+
+using Channels = std::vector<std::string_view>;
+
+bool hasNoPlace(std::string_view channel) {
+    return channel.empty() || channel == "UNK" || channel.starts_with("AUX");
+}
+
+bool isLow(std::string_view channel) {
+    return channel.starts_with("LFE");
+}
+
+Channels placedChannel(std::string_view channel, bool hasFrontPair) {
+    if (std::ranges::find(tapChannels, channel) != tapChannels.end() && channel != "FC") {
+        return {*std::ranges::find(tapChannels, channel)};
+    }
+    if (channel == "FC" || channel == "MONO") {
+        return hasFrontPair ? Channels{"FC"} : Channels{"FL", "FR"};
+    }
+    if (isLow(channel)) {
+        return {"LFE"};
+    }
+    if (channel == "FLC" || channel == "FLW" || channel == "FLH") {
+        return {"FL"};
+    }
+    if (channel == "FRC" || channel == "FRW" || channel == "FRH") {
+        return {"FR"};
+    }
+    if (channel.ends_with('L')) {
+        return {"SL"};
+    }
+    if (channel.ends_with('R')) {
+        return {"SR"};
+    }
+    return {"SL", "SR"}; // rear and top centres
+}
+
+} // namespace
+
+void foldToStereo(std::span<const float> surround, std::span<float> stereo) noexcept {
+    constexpr float minus3dB = 0.70710678F;
+    const float* in = surround.data();
+    float* out = stereo.data();
+    for (const float* const end = in + surround.size(); in != end;
+         in += tapChannels.size(), out += 2) {
+        out[0] = in[0] + (minus3dB * (in[2] + in[4] + in[6]));
+        out[1] = in[1] + (minus3dB * (in[2] + in[5] + in[7]));
+    }
+}
+
+std::vector<Channels> tapChannelsFor(const std::vector<std::string>& channels) {
+    const auto isFront = [](std::string_view c) { return c == "FL" || c == "FR"; };
+    const bool hasFrontPair = std::ranges::any_of(channels, isFront);
+    const auto unplaced = std::ranges::count_if(channels, hasNoPlace);
+    std::vector<Channels> result;
+    std::size_t seenUnplaced = 0;
+    for (const std::string& channel : channels) {
+        if (!hasNoPlace(channel)) {
+            result.push_back(placedChannel(channel, hasFrontPair));
+        } else if (unplaced == 1) {
+            result.push_back({"FL", "FR"});
+        } else {
+            result.push_back({seenUnplaced++ % 2 == 0 ? "FL" : "FR"});
+        }
+    }
+    return result;
+}
+
+} // namespace vantoro::pipewire

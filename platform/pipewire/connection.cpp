@@ -1,0 +1,122 @@
+#include "platform/pipewire/connection.h"
+
+#include <cerrno>
+#include <string>
+#include <utility>
+
+#include <unistd.h>
+
+#include "platform/pipewire/capture_error.h"
+#include "platform/pipewire/server_calls.h"
+
+namespace vantoro::pipewire {
+
+namespace {
+
+ContextPointer makeContext(pw_loop* loop) {
+    // Only the first of the two asks for real-time scheduling where PipeWire is old; where it is
+    // new there may be no such file, and the second does.
+    for (const char* const configuration : {"client-rt.conf", "client.conf"}) {
+        ContextPointer context(
+            pw_context_new(loop, pw_properties_new(PW_KEY_CONFIG_NAME, configuration, nullptr), 0));
+        if (context) {
+            return context;
+        }
+    }
+    throw CaptureError("The sound system could not be initialized.");
+}
+
+} // namespace
+
+const pw_core_events Connection::coreEvents = [] {
+    pw_core_events events{};
+    events.version = PW_VERSION_CORE_EVENTS;
+    events.done = coreDone;
+    events.error = coreError;
+    return events;
+}();
+
+const pw_client_events Connection::clientEvents = [] {
+    pw_client_events events{};
+    events.version = PW_VERSION_CLIENT_EVENTS;
+    events.info = clientInfo;
+    return events;
+}();
+
+Connection::Connection(Callbacks callbacks)
+    : callbacks_(std::move(callbacks)),
+      self_{.client = std::nullopt, .processId = std::to_string(getpid())},
+      threadLoop_(pw_thread_loop_new("vantoro-sound", nullptr)) {
+    if (!threadLoop_) {
+        throw CaptureError("The sound system could not be initialized.");
+    }
+    context_ = makeContext(loop());
+    connect();
+}
+
+void Connection::run() {
+    if (pw_thread_loop_start(threadLoop_.get()) < 0) {
+        throw CaptureError("The sound system could not be initialized.");
+    }
+}
+
+Connection::~Connection() {
+    end();
+    clientHook_.reset();
+    coreHook_.reset();
+}
+
+void Connection::connect() {
+    core_.reset(pw_context_connect(
+        context_.get(),
+        pw_properties_new(PW_KEY_APP_NAME, "Vantoro", PW_KEY_APP_ID, "vantoro", nullptr), 0));
+    if (!core_) {
+        throw CaptureError("The sound server cannot be reached.");
+    }
+    listen(core_.get(), coreHook_.emplace().get(), coreEvents, this);
+    listen(pw_core_get_client(core_.get()), clientHook_.emplace().get(), clientEvents, this);
+}
+
+void Connection::end() {
+    pw_thread_loop_stop(threadLoop_.get());
+}
+
+bool Connection::roundTrip(Deadline deadline) {
+    {
+        const LoopLock lock(threadLoop_.get());
+        if (lost_) {
+            return false;
+        }
+        answered_.clear();
+        awaitedSequence_ = sync(core_.get());
+    }
+    const bool answered = answered_.waitUntil(deadline);
+    const LoopLock lock(threadLoop_.get());
+    return answered && !lost_;
+}
+
+void Connection::coreDone(void* data, std::uint32_t id, int sequence) {
+    auto& self = *static_cast<Connection*>(data);
+    if (id == PW_ID_CORE && sequence == self.awaitedSequence_) {
+        self.answered_.set();
+    }
+}
+
+void Connection::coreError(void* data, std::uint32_t id, int /*sequence*/, int result,
+                           const char* /*message*/) {
+    auto& self = *static_cast<Connection*>(data);
+    // Errors about other objects come and go with them, and are told to their owners.
+    if (id == PW_ID_CORE && result == -EPIPE) {
+        self.lost_ = true;
+        self.answered_.set();
+        self.callbacks_.lost();
+    }
+}
+
+void Connection::clientInfo(void* data, const pw_client_info* info) {
+    auto& self = *static_cast<Connection*>(data);
+    self.self_.client = info->id;
+    self.callbacks_.identified();
+}
+
+} // namespace vantoro::pipewire

@@ -1,0 +1,26 @@
+#include "platform/pipewire/device_list.h"
+
+#include "platform/pipewire/graph_query.h"
+#include "platform/pipewire/graph_rules.h"
+
+namespace vantoro::pipewire {
+
+std::vector<AudioInputDevice> DeviceList::microphones() const {
+    const auto graph = queryGraph();
+    return graph ? pipewire::microphones(*graph) : std::vector<AudioInputDevice>();
+}
+
+std::optional<std::string> DeviceList::defaultMicrophone() const {
+    const auto graph = queryGraph();
+    if (!graph || !findMicrophone(*graph, graph->defaultMicrophone)) {
+        return std::nullopt;
+    }
+    return graph->defaultMicrophone;
+}
+
+bool DeviceList::isVisible(const std::string& microphone) const {
+    const auto graph = queryGraph();
+    return graph && findMicrophone(*graph, microphone).has_value();
+}
+
+} // namespace vantoro::pipewire

@@ -1,0 +1,43 @@
+#include "platform/pipewire/graph.h"
+
+#include <charconv>
+
+namespace vantoro::pipewire {
+
+namespace {
+
+void read(std::string& value, const Properties& properties, const char* key) {
+    if (const auto found = properties.find(key); found != properties.end()) {
+        value = found->second;
+    }
+}
+
+void read(bool& value, const Properties& properties, const char* key) {
+    if (const auto found = properties.find(key); found != properties.end()) {
+        value = found->second == "true" || found->second == "1";
+    }
+}
+
+} // namespace
+
+void readProperties(Node& node, const Properties& properties) {
+    read(node.mediaClass, properties, "media.class");
+    read(node.name, properties, "node.name");
+    read(node.description, properties, "node.description");
+    read(node.serial, properties, "object.serial");
+    read(node.linkGroup, properties, "node.link-group");
+    read(node.targetObject, properties, "node.target"); // the older name of the next one
+    read(node.targetObject, properties, "target.object");
+    read(node.processId, properties, "application.process.id");
+    read(node.autoconnect, properties, "node.autoconnect");
+    read(node.markedAsOwn, properties, ownSoundProperty);
+    if (const auto client = properties.find("client.id"); client != properties.end()) {
+        ObjectId id = 0;
+        const char* const end = client->second.data() + client->second.size();
+        if (std::from_chars(client->second.data(), end, id).ec == std::errc{}) {
+            node.client = id;
+        }
+    }
+}
+
+} // namespace vantoro::pipewire

@@ -1,0 +1,60 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+
+namespace vantoro::pipewire {
+
+using ObjectId = std::uint32_t;
+using Properties = std::map<std::string, std::string, std::less<>>;
+
+/// The property that marks everything that we start ourselves: its sound is our own.
+inline constexpr const char* ownSoundProperty = "vantoro.own";
+
+struct Node {
+    std::string mediaClass;
+    std::string name;
+    std::string description;
+    std::string serial;
+    std::string linkGroup;
+    std::string targetObject; ///< what it asks to be connected to: a name or a serial
+    std::string processId;
+    std::optional<ObjectId> client;
+    bool autoconnect = false;
+    bool markedAsOwn = false;
+
+    friend bool operator==(const Node&, const Node&) = default;
+};
+
+enum class PortDirection : std::uint8_t { input, output };
+
+struct Port {
+    ObjectId node = 0;
+    PortDirection direction = PortDirection::input;
+    std::string channel;
+};
+
+struct Link {
+    ObjectId outputNode = 0;
+    ObjectId inputNode = 0;
+};
+
+/// What we know of the sound server's objects, by their ids.
+struct Graph {
+    std::map<ObjectId, Node> nodes;
+    std::map<ObjectId, Port> ports; ///< of sound only
+    std::map<ObjectId, Link> links;
+    std::map<ObjectId, std::string> clientProcesses; ///< process ids of native clients
+    std::map<ObjectId, std::string> targets;         ///< where the user moved a stream to
+    std::string defaultOutput;
+    std::string defaultMicrophone;
+    bool mayExecute = false; ///< what we are permitted on the server's core
+    bool canMakeLinks = false;
+};
+
+/// Takes from an object's properties what a `Node` holds; what they do not name stays as it is.
+void readProperties(Node& node, const Properties& properties);
+
+} // namespace vantoro::pipewire

@@ -1,0 +1,225 @@
+#include "platform/pipewire/graph_mirror.h"
+
+#include <array>
+#include <charconv>
+#include <cstring>
+#include <string_view>
+#include <utility>
+
+#include <spa/utils/json.h>
+
+#include "platform/pipewire/graph_rules.h"
+#include "platform/pipewire/server_calls.h"
+
+namespace vantoro::pipewire {
+
+namespace {
+
+Properties propertiesOf(const spa_dict* dictionary) {
+    Properties result;
+    if (dictionary != nullptr) {
+        for (std::uint32_t i = 0; i < dictionary->n_items; ++i) {
+            const spa_dict_item& item = dictionary->items[i];
+            result[item.key] = item.value != nullptr ? item.value : "";
+        }
+    }
+    return result;
+}
+
+std::string text(const Properties& properties, const char* key) {
+    const auto found = properties.find(key);
+    return found != properties.end() ? found->second : std::string();
+}
+
+ObjectId number(const Properties& properties, const char* key) {
+    const std::string value = text(properties, key);
+    ObjectId result = SPA_ID_INVALID;
+    std::from_chars(value.data(), value.data() + value.size(), result);
+    return result;
+}
+
+} // namespace
+
+const pw_registry_events GraphMirror::registryEvents = [] {
+    pw_registry_events events{};
+    events.version = PW_VERSION_REGISTRY_EVENTS;
+    events.global = globalAdded;
+    events.global_remove = globalRemoved;
+    return events;
+}();
+
+const pw_node_events GraphMirror::nodeEvents = [] {
+    pw_node_events events{};
+    events.version = PW_VERSION_NODE_EVENTS;
+    events.info = nodeInfo;
+    return events;
+}();
+
+const pw_metadata_events GraphMirror::metadataEvents = [] {
+    pw_metadata_events events{};
+    events.version = PW_VERSION_METADATA_EVENTS;
+    events.property = metadataProperty;
+    return events;
+}();
+
+GraphMirror::GraphMirror(pw_core* core, std::function<void()> changed)
+    : changed_(std::move(changed)) {
+    auto* const registry = pw_core_get_registry(core, PW_VERSION_REGISTRY, 0);
+    registry_.reset(reinterpret_cast<pw_proxy*>(registry));
+    listen(registry, registryHook_.get(), registryEvents, this);
+}
+
+GraphMirror::~GraphMirror() = default;
+
+GraphMirror::Bound* GraphMirror::bind(ObjectId id, const char* type, std::uint32_t version) {
+    auto* const registry = reinterpret_cast<pw_registry*>(registry_.get());
+    void* const object = pipewire::bind(registry, id, type, version);
+    if (object == nullptr) {
+        return nullptr;
+    }
+    auto bound = std::make_unique<Bound>(*this, id, static_cast<pw_proxy*>(object));
+    return bound_.insert_or_assign(id, std::move(bound)).first->second.get();
+}
+
+void GraphMirror::addObject(ObjectId id, std::uint32_t permissions, const std::string& type,
+                            const Properties& properties) {
+    if (type == PW_TYPE_INTERFACE_Core) {
+        graph_.mayExecute = (permissions & PW_PERM_X) != 0;
+    } else if (type == PW_TYPE_INTERFACE_Factory &&
+               text(properties, "factory.name") == "link-factory") {
+        graph_.canMakeLinks = (permissions & PW_PERM_R) != 0;
+    } else if (type == PW_TYPE_INTERFACE_Client) {
+        graph_.clientProcesses[id] = text(properties, "pipewire.sec.pid");
+    } else if (type == PW_TYPE_INTERFACE_Node) {
+        addNode(id, properties);
+    } else if (type == PW_TYPE_INTERFACE_Port) {
+        addPort(id, properties);
+    } else if (type == PW_TYPE_INTERFACE_Link) {
+        addLink(id, properties);
+    } else if (type == PW_TYPE_INTERFACE_Metadata &&
+               text(properties, "metadata.name") == "default") {
+        if (Bound* const metadata = bind(id, PW_TYPE_INTERFACE_Metadata, PW_VERSION_METADATA)) {
+            listen(reinterpret_cast<pw_metadata*>(metadata->proxy.get()), metadata->hook.get(),
+                   metadataEvents, metadata);
+        }
+    }
+}
+
+void GraphMirror::addNode(ObjectId id, const Properties& properties) {
+    Node node;
+    readProperties(node, properties);
+    // Which group it belongs to and where it wants to go, only the node itself tells.
+    if (isPlaybackStream(node) || isOutput(node)) {
+        if (Bound* const bound = bind(id, PW_TYPE_INTERFACE_Node, PW_VERSION_NODE)) {
+            pw_proxy_add_object_listener(bound->proxy.get(), bound->hook.get(), &nodeEvents, bound);
+        }
+    }
+    graph_.nodes.insert_or_assign(id, std::move(node));
+}
+
+void GraphMirror::addPort(ObjectId id, const Properties& properties) {
+    if (text(properties, "format.dsp").find("audio") == std::string::npos) {
+        return; // MIDI, or an ability to take one stream as a whole
+    }
+    graph_.ports.insert_or_assign(id, Port{.node = number(properties, "node.id"),
+                                           .direction = text(properties, "port.direction") == "out"
+                                                            ? PortDirection::output
+                                                            : PortDirection::input,
+                                           .channel = text(properties, "audio.channel")});
+}
+
+void GraphMirror::addLink(ObjectId id, const Properties& properties) {
+    graph_.links.insert_or_assign(id, Link{.outputNode = number(properties, "link.output.node"),
+                                           .inputNode = number(properties, "link.input.node")});
+}
+
+void GraphMirror::removeObject(ObjectId id) {
+    bound_.erase(id);
+    graph_.nodes.erase(id);
+    graph_.ports.erase(id);
+    graph_.links.erase(id);
+    graph_.clientProcesses.erase(id);
+    graph_.targets.erase(id);
+}
+
+void GraphMirror::setMetadata(ObjectId subject, const char* key, const char* value) {
+    if (key == nullptr) { // all that was said of the subject is taken back
+        graph_.targets.erase(subject);
+        return;
+    }
+    const std::string_view name = key;
+    if (subject == PW_ID_CORE && name == "default.audio.sink") {
+        graph_.defaultOutput = defaultDeviceName(value);
+    } else if (subject == PW_ID_CORE && name == "default.audio.source") {
+        graph_.defaultMicrophone = defaultDeviceName(value);
+    } else if (name == "target.object") {
+        if (value != nullptr) {
+            graph_.targets[subject] = value;
+        } else {
+            graph_.targets.erase(subject);
+        }
+    }
+}
+
+void GraphMirror::globalAdded(void* data, std::uint32_t id, std::uint32_t permissions,
+                              const char* type, std::uint32_t /*version*/,
+                              const spa_dict* properties) {
+    auto& self = *static_cast<GraphMirror*>(data);
+    self.addObject(id, permissions, type, propertiesOf(properties));
+    self.changed_();
+}
+
+void GraphMirror::globalRemoved(void* data, std::uint32_t id) {
+    auto& self = *static_cast<GraphMirror*>(data);
+    self.removeObject(id);
+    self.changed_();
+}
+
+void GraphMirror::nodeInfo(void* data, const pw_node_info* info) {
+    const auto& bound = *static_cast<Bound*>(data);
+    const auto node = bound.mirror.graph_.nodes.find(bound.id);
+    if ((info->change_mask & PW_NODE_CHANGE_MASK_PROPS) == 0 ||
+        node == bound.mirror.graph_.nodes.end()) {
+        return;
+    }
+    const Node before = node->second;
+    readProperties(node->second, propertiesOf(info->props));
+    if (node->second != before) {
+        bound.mirror.changed_();
+    }
+}
+
+int GraphMirror::metadataProperty(void* data, std::uint32_t subject, const char* key,
+                                  const char* /*type*/, const char* value) {
+    GraphMirror& self = static_cast<Bound*>(data)->mirror;
+    self.setMetadata(subject, key, value);
+    self.changed_();
+    return 0;
+}
+
+std::string defaultDeviceName(const char* json) {
+    if (json == nullptr) {
+        return {};
+    }
+    spa_json document{};
+    spa_json object{};
+    spa_json_init(&document, json, std::strlen(json));
+    if (spa_json_enter_object(&document, &object) <= 0) {
+        return {};
+    }
+    std::array<char, 1024> key{};
+    std::array<char, 1024> value{};
+    while (spa_json_get_string(&object, key.data(), key.size()) > 0) {
+        if (std::string_view(key.data()) != "name") {
+            const char* ignored = nullptr;
+            if (spa_json_next(&object, &ignored) <= 0) {
+                break;
+            }
+        } else if (spa_json_get_string(&object, value.data(), value.size()) > 0) {
+            return value.data();
+        }
+    }
+    return {};
+}
+
+} // namespace vantoro::pipewire

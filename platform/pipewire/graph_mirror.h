@@ -1,0 +1,69 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+
+#include <pipewire/extensions/metadata.h>
+
+#include "platform/pipewire/graph.h"
+#include "platform/pipewire/handles.h"
+
+namespace vantoro::pipewire {
+
+/// Keeps a `Graph` as the server's registry tells it. On the loop, or under its lock, only.
+class GraphMirror {
+public:
+    /// `changed` comes on the loop after every change.
+    GraphMirror(pw_core* core, std::function<void()> changed);
+    GraphMirror(const GraphMirror&) = delete;
+    GraphMirror& operator=(const GraphMirror&) = delete;
+    ~GraphMirror();
+
+    const Graph& graph() const noexcept { return graph_; }
+
+private:
+    /// An object that tells more than the registry does.
+    struct Bound {
+        Bound(GraphMirror& owner, ObjectId objectId, pw_proxy* object)
+            : mirror(owner), id(objectId), proxy(object) {}
+
+        GraphMirror& mirror;
+        ObjectId id;
+        ProxyPointer proxy;
+        Hook hook; // after the proxy, so that it goes first
+    };
+
+    void addObject(ObjectId id, std::uint32_t permissions, const std::string& type,
+                   const Properties& properties);
+    void addNode(ObjectId id, const Properties& properties);
+    void addPort(ObjectId id, const Properties& properties);
+    void addLink(ObjectId id, const Properties& properties);
+    void removeObject(ObjectId id);
+    Bound* bind(ObjectId id, const char* type, std::uint32_t version);
+    void setMetadata(ObjectId subject, const char* key, const char* value);
+
+    static void globalAdded(void* data, std::uint32_t id, std::uint32_t permissions,
+                            const char* type, std::uint32_t version, const spa_dict* properties);
+    static void globalRemoved(void* data, std::uint32_t id);
+    static void nodeInfo(void* data, const pw_node_info* info);
+    static int metadataProperty(void* data, std::uint32_t subject, const char* key,
+                                const char* type, const char* value);
+
+    static const pw_registry_events registryEvents;
+    static const pw_node_events nodeEvents;
+    static const pw_metadata_events metadataEvents;
+
+    std::function<void()> changed_;
+    Graph graph_;
+    ProxyPointer registry_;
+    Hook registryHook_;
+    std::map<ObjectId, std::unique_ptr<Bound>> bound_;
+};
+
+/// The name in the metadata's way of naming a default device: {"name":"…"}. Empty without one.
+std::string defaultDeviceName(const char* json);
+
+} // namespace vantoro::pipewire

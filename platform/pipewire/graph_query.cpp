@@ -1,0 +1,37 @@
+#include "platform/pipewire/graph_query.h"
+
+#include <chrono>
+
+#include "platform/pipewire/capture_error.h"
+#include "platform/pipewire/connection.h"
+#include "platform/pipewire/graph_mirror.h"
+
+namespace vantoro::pipewire {
+
+namespace {
+
+std::optional<Graph> query(Connection& connection) {
+    std::optional<GraphMirror> mirror;
+    mirror.emplace(connection.core(), [] {});
+    connection.run();
+    const Deadline deadline = std::chrono::steady_clock::now() + std::chrono::seconds(2);
+    // The first answer comes behind all objects, the second behind what they tell of themselves.
+    const bool answered = connection.roundTrip(deadline) && connection.roundTrip(deadline);
+    const LoopLock lock(connection.threadLoop());
+    auto graph = answered ? std::optional(mirror->graph()) : std::nullopt;
+    mirror.reset();
+    return graph;
+}
+
+} // namespace
+
+std::optional<Graph> queryGraph() {
+    try {
+        Connection connection({.lost = [] {}, .identified = [] {}});
+        return query(connection);
+    } catch (const CaptureError&) {
+        return std::nullopt;
+    }
+}
+
+} // namespace vantoro::pipewire

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <optional>
+
+#include "platform/pipewire/graph.h"
+
+namespace vantoro::pipewire {
+
+/// The sound server's objects at this moment; nothing when it is not there, or has not answered
+/// within 2 seconds. Connects anew each time. Task threads, and the main thread.
+std::optional<Graph> queryGraph();
+
+} // namespace vantoro::pipewire

@@ -1,0 +1,198 @@
+#include "platform/pipewire/graph_rules.h"
+
+#include <algorithm>
+#include <string_view>
+
+#include "platform/pipewire/channel_fold.h"
+
+namespace vantoro::pipewire {
+
+namespace {
+
+constexpr std::string_view captureStreamClass = "Stream/Input/Audio";
+
+std::optional<ObjectId> findOutput(const Graph& graph, std::string_view nameOrSerial) {
+    for (const auto& [id, node] : graph.nodes) {
+        if (isOutput(node) && (node.name == nameOrSerial || node.serial == nameOrSerial)) {
+            return id;
+        }
+    }
+    return std::nullopt;
+}
+
+bool namesSomething(const std::string& target) {
+    return !target.empty() && target != "-1";
+}
+
+bool exists(const Graph& graph, std::string_view nameOrSerial) {
+    return std::ranges::any_of(graph.nodes, [&](const auto& entry) {
+        return entry.second.name == nameOrSerial || entry.second.serial == nameOrSerial;
+    });
+}
+
+/// Where the session manager is going to connect a stream: where the user moved it, else where it
+/// asks to go, else the default output; the last one also where nothing is there of that name.
+std::optional<ObjectId> predictedOutput(ObjectId stream, const Graph& graph) {
+    const Node& node = graph.nodes.at(stream);
+    if (!node.autoconnect) {
+        return std::nullopt;
+    }
+    const auto moved = graph.targets.find(stream);
+    const std::string target = moved != graph.targets.end() && namesSomething(moved->second)
+                                   ? moved->second
+                                   : node.targetObject;
+    if (namesSomething(target) && exists(graph, target)) {
+        return findOutput(graph, target);
+    }
+    return graph.defaultOutput.empty() ? std::nullopt : findOutput(graph, graph.defaultOutput);
+}
+
+std::vector<ObjectId> portsOf(const Graph& graph, ObjectId node, PortDirection direction) {
+    std::vector<ObjectId> result;
+    for (const auto& [id, port] : graph.ports) {
+        if (port.node == node && port.direction == direction) {
+            result.push_back(id);
+        }
+    }
+    return result;
+}
+
+std::map<std::string_view, ObjectId> inputsByChannel(const Graph& graph, ObjectId node) {
+    std::map<std::string_view, ObjectId> result;
+    for (const ObjectId port : portsOf(graph, node, PortDirection::input)) {
+        result.emplace(graph.ports.at(port).channel, port);
+    }
+    return result;
+}
+
+void addStreamLinks(std::set<PortLink>& links, const Graph& graph, ObjectId stream, ObjectId tap) {
+    const auto inputs = inputsByChannel(graph, tap);
+    const auto ports = portsOf(graph, stream, PortDirection::output);
+    std::vector<std::string> channels;
+    channels.reserve(ports.size());
+    for (const ObjectId port : ports) {
+        channels.push_back(graph.ports.at(port).channel);
+    }
+    const auto targets = tapChannelsFor(channels);
+    for (std::size_t i = 0; i < ports.size(); ++i) {
+        for (const std::string_view channel : targets[i]) {
+            if (const auto input = inputs.find(channel); input != inputs.end()) {
+                links.insert({ports[i], input->second});
+            }
+        }
+    }
+}
+
+void addMicrophoneLinks(std::set<PortLink>& links, const Graph& graph, const OwnNodes& own) {
+    if (!own.microphone || !own.microphoneStream) {
+        return;
+    }
+    const auto inputs = portsOf(graph, *own.microphoneStream, PortDirection::input);
+    if (!inputs.empty()) {
+        for (const ObjectId port : microphonePorts(graph, *own.microphone)) {
+            links.insert({port, inputs.front()});
+        }
+    }
+}
+
+} // namespace
+
+bool isOutput(const Node& node) {
+    return node.mediaClass == "Audio/Sink";
+}
+
+bool isMicrophone(const Node& node) {
+    return node.mediaClass == "Audio/Source" || node.mediaClass == "Audio/Source/Virtual" ||
+           node.mediaClass == "Audio/Duplex";
+}
+
+bool isPlaybackStream(const Node& node) {
+    return node.mediaClass == "Stream/Output/Audio";
+}
+
+bool isOwnSound(const Node& stream, const Graph& graph, const Self& self) {
+    if (stream.markedAsOwn || stream.processId == self.processId) {
+        return true;
+    }
+    if (!stream.client) {
+        return false;
+    }
+    const auto process = graph.clientProcesses.find(*stream.client);
+    return stream.client == self.client ||
+           (process != graph.clientProcesses.end() && process->second == self.processId);
+}
+
+bool passesOnAnOutput(const Node& stream, const Graph& graph) {
+    return !stream.linkGroup.empty() && std::ranges::any_of(graph.nodes, [&](const auto& entry) {
+        return isOutput(entry.second) && entry.second.linkGroup == stream.linkGroup;
+    });
+}
+
+std::optional<ObjectId> outputOf(ObjectId stream, const Graph& graph) {
+    bool playsElsewhere = false;
+    for (const auto& [id, link] : graph.links) {
+        const auto target = graph.nodes.find(link.inputNode);
+        if (link.outputNode != stream || target == graph.nodes.end()) {
+            continue;
+        }
+        if (isOutput(target->second)) {
+            return link.inputNode;
+        }
+        // Somebody else who listens in, as we do, says nothing about where the stream plays.
+        playsElsewhere = playsElsewhere || target->second.mediaClass != captureStreamClass;
+    }
+    return playsElsewhere ? std::nullopt : predictedOutput(stream, graph);
+}
+
+std::set<PortLink> wantedLinks(const Graph& graph, const Self& self, const OwnNodes& own,
+                               bool excludesOwnSound) {
+    std::set<PortLink> links;
+    for (const auto& [id, node] : graph.nodes) {
+        if (!isPlaybackStream(node) || passesOnAnOutput(node, graph) ||
+            (excludesOwnSound && isOwnSound(node, graph, self))) {
+            continue;
+        }
+        const auto output = outputOf(id, graph);
+        const auto tap = output ? own.tapOfOutput.find(*output) : own.tapOfOutput.end();
+        if (tap != own.tapOfOutput.end()) {
+            addStreamLinks(links, graph, id, tap->second);
+        }
+    }
+    addMicrophoneLinks(links, graph, own);
+    return links;
+}
+
+std::set<ObjectId> outputs(const Graph& graph) {
+    std::set<ObjectId> result;
+    for (const auto& [id, node] : graph.nodes) {
+        if (isOutput(node)) {
+            result.insert(id);
+        }
+    }
+    return result;
+}
+
+std::vector<AudioInputDevice> microphones(const Graph& graph) {
+    std::vector<AudioInputDevice> result;
+    for (const auto& [id, node] : graph.nodes) {
+        if (isMicrophone(node) && !node.name.empty()) {
+            result.push_back({node.name, node.description.empty() ? node.name : node.description});
+        }
+    }
+    return result;
+}
+
+std::optional<ObjectId> findMicrophone(const Graph& graph, const std::string& name) {
+    for (const auto& [id, node] : graph.nodes) {
+        if (isMicrophone(node) && !node.name.empty() && node.name == name) {
+            return id;
+        }
+    }
+    return std::nullopt;
+}
+
+std::vector<ObjectId> microphonePorts(const Graph& graph, ObjectId microphone) {
+    return portsOf(graph, microphone, PortDirection::output);
+}
+
+} // namespace vantoro::pipewire

@@ -1,0 +1,65 @@
+#pragma once
+
+#include <memory>
+
+#include <pipewire/pipewire.h>
+
+namespace vantoro::pipewire {
+
+/// Calls a C function to dispose of an object.
+template <auto function>
+struct Disposer {
+    template <class Object>
+    void operator()(Object* object) const noexcept {
+        function(object);
+    }
+};
+
+using ThreadLoopPointer = std::unique_ptr<pw_thread_loop, Disposer<pw_thread_loop_destroy>>;
+using ContextPointer = std::unique_ptr<pw_context, Disposer<pw_context_destroy>>;
+using CorePointer = std::unique_ptr<pw_core, Disposer<pw_core_disconnect>>;
+using ProxyPointer = std::unique_ptr<pw_proxy, Disposer<pw_proxy_destroy>>;
+using StreamPointer = std::unique_ptr<pw_stream, Disposer<pw_stream_destroy>>;
+using PropertiesPointer = std::unique_ptr<pw_properties, Disposer<pw_properties_free>>;
+
+/// The library itself, for as long as anything of it is used. It counts its users.
+class Library {
+public:
+    Library() { pw_init(nullptr, nullptr); }
+
+    Library(const Library&) = delete;
+    Library& operator=(const Library&) = delete;
+
+    ~Library() { pw_deinit(); }
+};
+
+/// The place of a callback table in an object's list. Must go before the object does.
+class Hook {
+public:
+    Hook() = default;
+    Hook(const Hook&) = delete;
+    Hook& operator=(const Hook&) = delete;
+
+    ~Hook() { spa_hook_remove(&hook_); }
+
+    spa_hook* get() noexcept { return &hook_; }
+
+private:
+    spa_hook hook_{};
+};
+
+/// Holds a thread loop's lock: none of its callbacks runs meanwhile.
+class LoopLock {
+public:
+    explicit LoopLock(pw_thread_loop* loop) : loop_(loop) { pw_thread_loop_lock(loop_); }
+
+    LoopLock(const LoopLock&) = delete;
+    LoopLock& operator=(const LoopLock&) = delete;
+
+    ~LoopLock() { pw_thread_loop_unlock(loop_); }
+
+private:
+    pw_thread_loop* loop_;
+};
+
+} // namespace vantoro::pipewire

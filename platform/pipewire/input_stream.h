@@ -1,0 +1,82 @@
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "platform/pipewire/capture_feed.h"
+#include "platform/pipewire/graph.h"
+#include "platform/pipewire/handles.h"
+
+namespace vantoro::pipewire {
+
+/// A capture node of ours. Nothing is connected to it but by us. It is either a tap, which hears
+/// applications in up to 8 channels, runs always, and gives stereo; or the microphone's, which runs
+/// while its source does, and gives one channel.
+///
+/// On the loop, or under its lock, only. Once it is destroyed its feed is written to no more.
+class InputStream {
+public:
+    enum class State : std::uint8_t { starting, paused, running, ended };
+
+    /// Called on the loop.
+    using StateChanged = std::function<void()>;
+    /// Called on the real-time thread when enough is waiting in the feed.
+    using Wake = void (*)(void* receiver) noexcept;
+
+    /// Throws `CaptureError`. `receiver` is what `wake` is called with.
+    InputStream(pw_core* core, std::shared_ptr<CaptureFeed> feed, Wake wake, void* receiver,
+                StateChanged stateChanged);
+    InputStream(const InputStream&) = delete;
+    InputStream& operator=(const InputStream&) = delete;
+    ~InputStream() = default;
+
+    /// Present once the server has made the node.
+    std::optional<ObjectId> node() const;
+
+    State state() const noexcept { return state_; }
+
+    /// What the server said when it ended the stream, if anything.
+    const std::string& reason() const noexcept { return reason_; }
+
+    const std::shared_ptr<CaptureFeed>& feed() const noexcept { return feed_; }
+
+    /// Several channels that end in one are added up by the server: this makes it their mean.
+    void setChannelsAddedUp(std::size_t count) noexcept;
+
+    /// Has the resampler follow the feed's `speed`.
+    void applySpeed();
+
+private:
+    static void stateChanged(void* data, pw_stream_state before, pw_stream_state now,
+                             const char* error);
+    static void ioChanged(void* data, std::uint32_t id, void* area, std::uint32_t size);
+    static void process(void* data);
+
+    void connect();
+    void setSpeed(double speed);
+    void activateResampler();
+    // All that follows runs on the real-time thread.
+    std::uint64_t cycleTime(std::uint32_t& clockId) const noexcept;
+    void takeIn(const spa_data& data) noexcept;
+
+    static const pw_stream_events events;
+
+    const std::shared_ptr<CaptureFeed> feed_;
+    const Wake wake_;
+    void* const receiver_;
+    const StateChanged stateChanged_;
+    State state_ = State::starting;
+    std::string reason_;
+    double appliedSpeed_ = 1;
+    bool resamplerIsActive_ = false;
+    std::atomic<const spa_io_position*> position_{nullptr};
+    std::atomic<float> gain_{1};
+    StreamPointer stream_;
+    Hook hook_; // after the stream, so that it goes first
+};
+
+} // namespace vantoro::pipewire

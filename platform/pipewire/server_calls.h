@@ -1,0 +1,47 @@
+#pragma once
+
+#include <cstdint>
+
+#include <pipewire/extensions/metadata.h>
+#include <pipewire/pipewire.h>
+
+// PipeWire's method calls are macros that cast as C does, at least in its older versions; our
+// compiler options would refuse them wherever they are used.
+
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wold-style-cast"
+
+namespace vantoro::pipewire {
+
+inline void listen(pw_core* core, spa_hook* hook, const pw_core_events& events, void* data) {
+    pw_core_add_listener(core, hook, &events, data);
+}
+
+inline void listen(pw_client* client, spa_hook* hook, const pw_client_events& events, void* data) {
+    pw_client_add_listener(client, hook, &events, data);
+}
+
+inline void listen(pw_registry* registry, spa_hook* hook, const pw_registry_events& events,
+                   void* data) {
+    pw_registry_add_listener(registry, hook, &events, data);
+}
+
+inline void listen(pw_metadata* metadata, spa_hook* hook, const pw_metadata_events& events,
+                   void* data) {
+    pw_metadata_add_listener(metadata, hook, &events, data);
+}
+
+/// The server answers with the number returned.
+inline int sync(pw_core* core) {
+    return pw_core_sync(core, PW_ID_CORE, 0);
+}
+
+/// Null when the server refuses.
+inline void* bind(pw_registry* registry, std::uint32_t id, const char* type,
+                  std::uint32_t version) {
+    return pw_registry_bind(registry, id, type, version, 0);
+}
+
+} // namespace vantoro::pipewire
+
+#pragma GCC diagnostic pop

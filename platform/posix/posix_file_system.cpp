@@ -1,0 +1,59 @@
+#include "platform/posix/posix_file_system.h"
+
+#include <cstdio>
+#include <system_error>
+
+#include "platform/posix/posix_input_file.h"
+#include "platform/posix/posix_output_file.h"
+#include "platform/posix/system_calls.h"
+
+namespace vantoro::posix {
+
+void PosixFileSystem::createFolders(const std::filesystem::path& folder) {
+    std::error_code error;
+    std::filesystem::create_directories(folder, error);
+    if (error) {
+        throwFailure("create the folder", folder, error.value());
+    }
+}
+
+bool PosixFileSystem::exists(const std::filesystem::path& path) const {
+    struct stat status{};
+
+    if (::lstat(path.c_str(), &status) == 0) {
+        return true;
+    }
+    if (errno != ENOENT && errno != ENOTDIR) {
+        throwFailure("find", path, errno);
+    }
+    return false;
+}
+
+void PosixFileSystem::remove(const std::filesystem::path& path) {
+    if (std::remove(path.c_str()) != 0) {
+        throwFailure("remove", path, errno);
+    }
+}
+
+void PosixFileSystem::move(const std::filesystem::path& from, const std::filesystem::path& to) {
+    if (std::rename(from.c_str(), to.c_str()) != 0) {
+        throwFailure("create", to, errno);
+    }
+}
+
+void PosixFileSystem::syncFolder(const std::filesystem::path& folder) {
+    // A path without a folder in it means the program's own.
+    const auto& path = folder.empty() ? std::filesystem::path(".") : folder;
+    syncNames(openFile(path, O_RDONLY | O_DIRECTORY, "open"), path);
+}
+
+std::unique_ptr<OutputFile> PosixFileSystem::create(const std::filesystem::path& path,
+                                                    FileAudience audience) {
+    return std::make_unique<PosixOutputFile>(path, audience);
+}
+
+std::unique_ptr<InputFile> PosixFileSystem::open(const std::filesystem::path& path) {
+    return std::make_unique<PosixInputFile>(path);
+}
+
+} // namespace vantoro::posix

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "engine/ports/file_system.h"
+
+namespace vantoro::posix {
+
+/// The machine's own file system. Has no state: every call, and every file, stands for itself.
+class PosixFileSystem final : public FileSystem {
+public:
+    void createFolders(const std::filesystem::path& folder) override;
+    bool exists(const std::filesystem::path& path) const override;
+    void remove(const std::filesystem::path& path) override;
+    /// What lies at `to` is replaced, but for a folder.
+    void move(const std::filesystem::path& from, const std::filesystem::path& to) override;
+    void syncFolder(const std::filesystem::path& folder) override;
+    std::unique_ptr<OutputFile> create(const std::filesystem::path& path,
+                                       FileAudience audience) override;
+    std::unique_ptr<InputFile> open(const std::filesystem::path& path) override;
+};
+
+} // namespace vantoro::posix

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <filesystem>
+
+#include "engine/ports/file_system.h"
+#include "platform/posix/file_descriptor.h"
+
+namespace vantoro::posix {
+
+/// Reads at offsets, without a position of its own: that is why threads may share it.
+class PosixInputFile final : public InputFile {
+public:
+    /// Throws where there is no regular file (a pipe would never answer).
+    explicit PosixInputFile(std::filesystem::path path);
+
+    /// As it is now: a file still being written grows.
+    std::uint64_t size() const override;
+    std::size_t readAt(std::uint64_t offset, std::span<std::byte> into) const override;
+
+private:
+    std::filesystem::path path_;
+    FileDescriptor file_;
+};
+
+} // namespace vantoro::posix

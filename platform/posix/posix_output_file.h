@@ -1,0 +1,33 @@
+#pragma once
+
+#include <filesystem>
+
+#include "engine/ports/file_system.h"
+#include "platform/posix/file_descriptor.h"
+
+namespace vantoro::posix {
+
+class PosixOutputFile final : public OutputFile {
+public:
+    /// Creates the file; throws when anything exists there, be it a link that leads nowhere.
+    PosixOutputFile(const std::filesystem::path& path, FileAudience audience);
+
+    void writeAt(std::uint64_t offset, std::span<const std::byte> bytes) override;
+    void truncate(std::uint64_t size) override;
+    /// The first time the file's name is put on the disk too: without it nobody finds the content.
+    void sync() override;
+    /// Leaves what may now lie at the path alone, and throws, when it is not our file.
+    void ensureReachable() override;
+    void close() override;
+
+private:
+    bool isReachable() const;
+    void copyContentTo(PosixOutputFile& target) const;
+
+    std::filesystem::path path_; // absolute: the program's folder may change
+    FileAudience audience_;
+    FileDescriptor folder_; // open until the name is on the disk, wherever it is moved to
+    FileDescriptor file_;
+};
+
+} // namespace vantoro::posix

@@ -1,0 +1,95 @@
+#include "platform/posix/system_calls.h"
+
+#include <string>
+#include <system_error>
+
+namespace vantoro::posix {
+
+namespace {
+
+std::string shownName(const std::filesystem::path& path) {
+    const auto name = path.has_filename() ? path.filename() : path.parent_path().filename();
+    return name.empty() ? path.string() : name.string();
+}
+
+} // namespace
+
+void throwFailure(std::string_view action, const std::filesystem::path& path, int errorNumber) {
+    throw std::system_error(errorNumber, std::system_category(),
+                            "Cannot " + std::string(action) + " " + shownName(path));
+}
+
+FileDescriptor openFile(const std::filesystem::path& path, int flags, std::string_view action,
+                        mode_t mode) {
+    const int number = uninterrupted([&] { return ::open(path.c_str(), flags | O_CLOEXEC, mode); });
+    if (number == -1) {
+        throwFailure(action, path, errno);
+    }
+    return FileDescriptor(number);
+}
+
+struct stat statusOf(const FileDescriptor& file, const std::filesystem::path& path) {
+    struct stat status{};
+
+    if (::fstat(file.get(), &status) != 0) {
+        throwFailure("examine", path, errno);
+    }
+    return status;
+}
+
+std::size_t readFully(const FileDescriptor& file, std::uint64_t offset, std::span<std::byte> into,
+                      const std::filesystem::path& path) {
+    std::size_t done = 0;
+    while (done < into.size()) {
+        const auto rest = into.subspan(done);
+        const ssize_t count = uninterrupted([&] {
+            return ::pread(file.get(), rest.data(), rest.size(), static_cast<off_t>(offset + done));
+        });
+        if (count == -1) {
+            throwFailure("read", path, errno);
+        }
+        if (count == 0) {
+            break;
+        }
+        done += static_cast<std::size_t>(count);
+    }
+    return done;
+}
+
+void writeFully(const FileDescriptor& file, std::uint64_t offset, std::span<const std::byte> bytes,
+                const std::filesystem::path& path) {
+    std::size_t done = 0;
+    while (done < bytes.size()) {
+        const auto rest = bytes.subspan(done);
+        const ssize_t count = uninterrupted([&] {
+            return ::pwrite(file.get(), rest.data(), rest.size(),
+                            static_cast<off_t>(offset + done));
+        });
+        if (count <= 0) { // nothing written and no reason given: it would never end
+            throwFailure("write", path, count == 0 ? EIO : errno);
+        }
+        done += static_cast<std::size_t>(count);
+    }
+}
+
+void syncContent(const FileDescriptor& file, const std::filesystem::path& path) {
+    if (uninterrupted([&] { return ::fdatasync(file.get()); }) != 0) {
+        throwFailure("write", path, errno);
+    }
+}
+
+void syncNames(const FileDescriptor& folder, const std::filesystem::path& path) {
+    const bool synced = uninterrupted([&] { return ::fsync(folder.get()); }) == 0;
+    if (!synced && errno != EINVAL && errno != ENOTSUP) {
+        throwFailure("write", path, errno);
+    }
+}
+
+void closeChecked(FileDescriptor file, const std::filesystem::path& path) {
+    // An interrupted close has closed all the same; once more might close somebody else's file.
+    if (::close(file.release()) != 0 && errno != EINTR) {
+        throwFailure("write", path, errno);
+    }
+}
+
+} // namespace vantoro::posix

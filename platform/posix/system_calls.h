@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cerrno>
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <span>
+#include <string_view>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/types.h>
+
+#include "platform/posix/file_descriptor.h"
+
+namespace vantoro::posix {
+
+/// Throws a std::system_error that reads "Cannot write NAME: REASON", NAME being the last part of
+/// the path and REASON the system's own words.
+[[noreturn]] void throwFailure(std::string_view action, const std::filesystem::path& path,
+                               int errorNumber);
+
+/// Repeats a system call for as long as a signal interrupts it.
+template <class Call>
+auto uninterrupted(Call call) {
+    auto result = call();
+    while (result == -1 && errno == EINTR) {
+        result = call();
+    }
+    return result;
+}
+
+/// Not inherited by programs that we start. Throws.
+FileDescriptor openFile(const std::filesystem::path& path, int flags, std::string_view action,
+                        mode_t mode = 0);
+
+struct stat statusOf(const FileDescriptor& file, const std::filesystem::path& path);
+
+/// As many bytes as there are, up to `into.size()`; fewer only at the file's end. Throws.
+std::size_t readFully(const FileDescriptor& file, std::uint64_t offset, std::span<std::byte> into,
+                      const std::filesystem::path& path);
+
+/// Throws with any part of the bytes written.
+void writeFully(const FileDescriptor& file, std::uint64_t offset, std::span<const std::byte> bytes,
+                const std::filesystem::path& path);
+
+/// The content, and its length. Throws.
+void syncContent(const FileDescriptor& file, const std::filesystem::path& path);
+
+/// The names in a folder, where its file system has a way to do that. Throws.
+void syncNames(const FileDescriptor& folder, const std::filesystem::path& path);
+
+/// Throws what the system had to say at last: some report a failed write only here.
+void closeChecked(FileDescriptor file, const std::filesystem::path& path);
+
+} // namespace vantoro::posix

@@ -1,0 +1,195 @@
+#include "engine/audio_recorder.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/engine/recorder_fixture.h"
+
+namespace vantoro::testing {
+namespace {
+
+using Case = RecordingError::Case;
+
+class AudioRecorderStart : public RecorderTest {
+protected:
+    static std::exception_ptr platformError() {
+        return std::make_exception_ptr(std::runtime_error("the platform's own"));
+    }
+
+    std::optional<Case> startError(const RecordingOptions& options) {
+        return errorOf([&] { recorder.start(options); });
+    }
+};
+
+TEST_F(AudioRecorderStart, takesItsStepsInOrder) {
+    recorder.start(bothSources());
+    auto calls = log.calls();
+    ASSERT_GE(calls.size(), 5U);
+    EXPECT_TRUE(calls[4].starts_with("makeWriter /recordings/.Vantoro-")) << calls[4];
+    calls[4] = "makeWriter";
+    EXPECT_EQ(calls, (std::vector<std::string>{"screen preflight", "microphone status",
+                                               "createFolders /recordings", "displays",
+                                               "makeWriter", "movieFragmentInterval 6000/600",
+                                               "initialMovieFragmentInterval 600/600",
+                                               "add 48000 Hz 2 ch 192000 b/s real-time",
+                                               "add 48000 Hz 1 ch 96000 b/s real-time",
+                                               "makeStream", "addOutput 1 com.vantoro.capture",
+                                               "addOutput 2 com.vantoro.capture", "startCapture"}));
+}
+
+TEST_F(AudioRecorderStart, asksForTheStreamThatRecordsSoundOnly) {
+    recorder.start({true, true, "usb-microphone", folder});
+    const auto& configuration = capture.configuration;
+    EXPECT_EQ(configuration.width, 2);
+    EXPECT_EQ(configuration.height, 2);
+    EXPECT_EQ(configuration.minimumFrameInterval.value, 1);
+    EXPECT_EQ(configuration.minimumFrameInterval.timescale, 1);
+    EXPECT_EQ(configuration.queueDepth, 3);
+    EXPECT_FALSE(configuration.showsCursor);
+    EXPECT_TRUE(configuration.capturesAudio);
+    EXPECT_TRUE(configuration.excludesCurrentProcessAudio);
+    EXPECT_EQ(configuration.sampleRate, 48000);
+    EXPECT_EQ(configuration.channelCount, 2);
+    EXPECT_TRUE(configuration.captureMicrophone);
+    EXPECT_EQ(configuration.microphoneCaptureDeviceID, "usb-microphone");
+    EXPECT_TRUE(capture.filter.excludedApplications.empty());
+    EXPECT_TRUE(capture.filter.exceptedWindows.empty());
+}
+
+TEST_F(AudioRecorderStart, bothSourcesOffFailsBeforeAnythingIsAsked) {
+    EXPECT_EQ(startError({false, false, std::nullopt, folder}), Case::noAudioSource);
+    EXPECT_TRUE(log.calls().empty());
+}
+
+TEST_F(AudioRecorderStart, screenPermissionIsRequestedOnlyWhenMissing) {
+    screen.allowed = false;
+    screen.grantedOnRequest = true;
+    EXPECT_EQ(startError(bothSources()), std::nullopt);
+    EXPECT_TRUE(log.contains("screen request"));
+}
+
+TEST_F(AudioRecorderStart, refusedScreenPermissionFailsEvenForTheMicrophoneAlone) {
+    screen.allowed = false;
+    EXPECT_EQ(startError(microphoneOnly()), Case::screenPermissionDenied);
+    EXPECT_EQ(log.calls(), (std::vector<std::string>{"screen preflight", "screen request"}));
+}
+
+TEST_F(AudioRecorderStart, microphonePermissionFollowsItsStatus) {
+    using enum AuthorizationStatus;
+
+    struct Row {
+        AuthorizationStatus status;
+        bool granted;
+        std::optional<Case> error;
+        bool asked;
+    };
+
+    for (const Row& row :
+         {Row{authorized, false, std::nullopt, false}, Row{notDetermined, true, std::nullopt, true},
+          Row{notDetermined, false, Case::microphonePermissionDenied, true},
+          Row{denied, true, Case::microphonePermissionDenied, false},
+          Row{restricted, true, Case::microphonePermissionDenied, false}}) {
+        CallLog rowLog;
+        FakeMicrophoneAccess access(rowLog);
+        access.current = row.status;
+        access.grantedOnRequest = row.granted;
+        AudioRecorder rowRecorder({screen, access, content, capture, toolkit, fileSystem, clock});
+        EXPECT_EQ(errorOf([&] { rowRecorder.start(microphoneOnly()); }), row.error)
+            << static_cast<int>(row.status);
+        EXPECT_EQ(rowLog.contains("microphone request"), row.asked);
+    }
+}
+
+TEST_F(AudioRecorderStart, systemAudioAloneNeverAsksForTheMicrophone) {
+    microphone.current = AuthorizationStatus::denied;
+    EXPECT_EQ(startError(systemAudioOnly()), std::nullopt);
+    EXPECT_FALSE(log.contains("microphone status"));
+    EXPECT_EQ(toolkit.inputCount, 1U);
+    EXPECT_TRUE(log.contains("add 48000 Hz 2 ch 192000 b/s real-time"));
+    EXPECT_FALSE(capture.configuration.captureMicrophone);
+}
+
+TEST_F(AudioRecorderStart, microphoneAloneHasOneTrackAndCapturesNoSystemAudio) {
+    EXPECT_EQ(startError(microphoneOnly()), std::nullopt);
+    EXPECT_EQ(toolkit.inputCount, 1U);
+    EXPECT_TRUE(log.contains("add 48000 Hz 1 ch 96000 b/s real-time"));
+    EXPECT_FALSE(capture.configuration.capturesAudio);
+    EXPECT_TRUE(capture.configuration.captureMicrophone);
+    EXPECT_TRUE(log.contains("addOutput 2 com.vantoro.capture"));
+    EXPECT_FALSE(log.contains("addOutput 1 com.vantoro.capture"));
+}
+
+TEST_F(AudioRecorderStart, microphoneIdentifierIsIgnoredWhileTheMicrophoneIsOff) {
+    recorder.start({true, false, "usb-microphone", folder});
+    EXPECT_EQ(capture.configuration.microphoneCaptureDeviceID, std::nullopt);
+}
+
+TEST_F(AudioRecorderStart, emptyMicrophoneIdentifierIsPassedOnAsItStands) {
+    recorder.start({false, true, "", folder});
+    EXPECT_EQ(capture.configuration.microphoneCaptureDeviceID, "");
+}
+
+TEST_F(AudioRecorderStart, folderThatCannotBeCreatedFailsWithThatError) {
+    fileSystem.createFoldersError = platformError();
+    EXPECT_EQ(textOf([&] { recorder.start(bothSources()); }), "the platform's own");
+    EXPECT_FALSE(log.contains("displays"));
+}
+
+TEST_F(AudioRecorderStart, unavailableContentFailsWithThatError) {
+    content.error = platformError();
+    EXPECT_EQ(textOf([&] { recorder.start(bothSources()); }), "the platform's own");
+    EXPECT_TRUE(log.startingWith("makeWriter").empty());
+}
+
+TEST_F(AudioRecorderStart, mainDisplayIsChosenElseTheFirst) {
+    recorder.start(bothSources());
+    EXPECT_EQ(capture.filter.display.displayID, 9U);
+    EXPECT_EQ(errorOf([&] { recorder.stop(1, 1); }), Case::noAudioCaptured);
+    content.main = 1;
+    recorder.start(bothSources());
+    EXPECT_EQ(capture.filter.display.displayID, 7U);
+}
+
+TEST_F(AudioRecorderStart, noDisplayFails) {
+    content.list.clear();
+    EXPECT_EQ(startError(bothSources()), Case::noDisplayAvailable);
+}
+
+TEST_F(AudioRecorderStart, writerThatCannotBeCreatedFailsWithThatErrorAndLeavesNothing) {
+    toolkit.writing.creationError = platformError();
+    EXPECT_EQ(textOf([&] { recorder.start(bothSources()); }), "the platform's own");
+    EXPECT_TRUE(fileSystem.entries.empty());
+    expectIdle();
+}
+
+TEST_F(AudioRecorderStart, refusedTrackFailsTheSetup) {
+    toolkit.writing.refusedChannelCounts = {2};
+    EXPECT_EQ(startError(bothSources()), Case::writerSetupFailed);
+    toolkit.writing.refusedChannelCounts = {1};
+    EXPECT_EQ(startError(bothSources()), Case::writerSetupFailed);
+    EXPECT_EQ(startError(systemAudioOnly()), std::nullopt);
+}
+
+TEST_F(AudioRecorderStart, outputThatCannotBeAddedFailsWithThatError) {
+    capture.addOutputError = platformError();
+    EXPECT_EQ(textOf([&] { recorder.start(bothSources()); }), "the platform's own");
+    expectIdle();
+}
+
+TEST_F(AudioRecorderStart, captureThatCannotStartFailsWithThatErrorAndLeavesNoFile) {
+    capture.startError = platformError();
+    EXPECT_EQ(textOf([&] { recorder.start(bothSources()); }), "the platform's own");
+    EXPECT_TRUE(fileSystem.temporaryFiles().empty());
+    expectIdle();
+}
+
+TEST_F(AudioRecorderStart, failureAfterAudioWasWrittenKeepsTheTemporaryFile) {
+    capture.startError = platformError();
+    capture.duringStart = [this] { capture.deliver(bufferAt(0), StreamOutputType::audio); };
+    EXPECT_EQ(textOf([&] { recorder.start(bothSources()); }), "the platform's own");
+    EXPECT_EQ(fileSystem.temporaryFiles().size(), 1U);
+    capture.duringStart = nullptr;
+    expectIdle();
+}
+
+} // namespace
+} // namespace vantoro::testing

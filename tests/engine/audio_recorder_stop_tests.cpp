@@ -1,0 +1,267 @@
+#include "engine/audio_recorder.h"
+
+#include <algorithm>
+#include <future>
+#include <thread>
+
+#include <gtest/gtest.h>
+
+#include "tests/engine/recorder_fixture.h"
+
+namespace vantoro::testing {
+namespace {
+
+using Case = RecordingError::Case;
+
+class AudioRecorderStop : public RecorderTest {
+protected:
+    std::vector<std::string> interruptions;
+
+    AudioRecorderStop() {
+        recorder.onCaptureInterrupted = [this](const std::exception_ptr& error) {
+            interruptions.push_back(messageOf(error));
+        };
+    }
+
+    static std::exception_ptr platformError(const char* text = "the platform's own") {
+        return std::make_exception_ptr(std::runtime_error(text));
+    }
+
+    void startAndCapture(const RecordingOptions& options) {
+        recorder.start(options);
+        if (options.captureSystemAudio) {
+            capture.deliver(bufferAt(0), StreamOutputType::audio);
+        }
+        if (options.captureMicrophone) {
+            capture.deliver(bufferAt(0, 1), StreamOutputType::microphone);
+        }
+    }
+};
+
+TEST_F(AudioRecorderStop, returnsTheFinalFileAndRemovesTheTemporaryOne) {
+    startAndCapture(bothSources());
+    EXPECT_EQ(fileSystem.temporaryFiles().size(), 1U);
+    EXPECT_EQ(recorder.stop(0.9F, 0.5F), finalFile);
+    EXPECT_EQ(fileSystem.entries, std::set<std::filesystem::path>{finalFile});
+    EXPECT_EQ(toolkit.exportedGains, (std::vector<float>{0.9F, 0.5F}));
+    expectIdle();
+}
+
+TEST_F(AudioRecorderStop, temporaryFileIsRemovedOnlyWhenTheFinalOnesNameIsOnTheDisk) {
+    startAndCapture(bothSources());
+    recorder.stop(1, 1);
+    const auto calls = log.calls();
+    const auto synced = std::ranges::find(calls, "syncFolder /recordings");
+    ASSERT_NE(synced, calls.end());
+    const auto removesTemporary = [](const std::string& call) {
+        return call.starts_with("remove .Vantoro-");
+    };
+    EXPECT_EQ(std::find_if(calls.begin(), synced, removesTemporary), synced);
+    EXPECT_NE(std::find_if(synced, calls.end(), removesTemporary), calls.end());
+}
+
+TEST_F(AudioRecorderStop, microphoneAloneIsExportedAtItsVolumeEvenWithTheSystemsAtZero) {
+    startAndCapture(microphoneOnly());
+    recorder.stop(0, 0.75F);
+    EXPECT_EQ(toolkit.exportedGains, std::vector<float>{0.75F});
+}
+
+TEST_F(AudioRecorderStop, systemAudioAloneIsExportedAtItsVolume) {
+    startAndCapture(systemAudioOnly());
+    recorder.stop(0.9F, 0);
+    EXPECT_EQ(toolkit.exportedGains, std::vector<float>{0.9F});
+}
+
+TEST_F(AudioRecorderStop, stopWithoutAStartFailsWithNoAudioCaptured) {
+    EXPECT_EQ(errorOf([&] { recorder.stop(1, 1); }), Case::noAudioCaptured);
+    EXPECT_TRUE(log.calls().empty());
+}
+
+TEST_F(AudioRecorderStop, stopBeforeAnyBufferFailsWithNoAudioCapturedAndLeavesNoFile) {
+    recorder.start(bothSources());
+    EXPECT_EQ(errorOf([&] { recorder.stop(1, 1); }), Case::noAudioCaptured);
+    EXPECT_TRUE(fileSystem.entries.empty());
+    EXPECT_TRUE(log.contains("stopCapture"));
+    expectIdle();
+}
+
+TEST_F(AudioRecorderStop, buffersThatWereQueuedAreWrittenBeforeTheFileIsFinished) {
+    startAndCapture(systemAudioOnly());
+    std::promise<void> gate;
+    capture.queue->async([&] { gate.get_future().wait(); });
+    capture.deliverLater(bufferAt(256), StreamOutputType::audio);
+    auto stopping = std::async(std::launch::async, [&] { return recorder.stop(1, 1); });
+    gate.set_value();
+    EXPECT_EQ(stopping.get(), finalFile);
+    const auto calls = log.calls();
+    EXPECT_LT(std::ranges::find(calls, "append system 256"),
+              std::ranges::find(calls, "markAsFinished system"));
+}
+
+TEST_F(AudioRecorderStop, failedStopOfTheCaptureIsNotTheStopsFailure) {
+    startAndCapture(bothSources());
+    capture.stopError = platformError();
+    EXPECT_EQ(recorder.stop(1, 1), finalFile);
+    EXPECT_TRUE(interruptions.empty());
+}
+
+TEST_F(AudioRecorderStop, streamThatStoppedByItselfIsReportedAndNotStoppedAgain) {
+    startAndCapture(bothSources());
+    const auto error = platformError("the sound server is gone");
+    capture.stopByItself(error);
+    EXPECT_EQ(interruptions, std::vector<std::string>{"the sound server is gone"});
+    EXPECT_EQ(capture.liveStreams, 0);
+    EXPECT_EQ(recorder.stop(1, 1), finalFile) << "what was captured is saved";
+    EXPECT_FALSE(log.contains("stopCapture"));
+    expectIdle();
+}
+
+TEST_F(AudioRecorderStop, interruptionPassesThePlatformsErrorOnAsItIs) {
+    std::exception_ptr reported;
+    recorder.onCaptureInterrupted = [&](std::exception_ptr error) { reported = std::move(error); };
+    startAndCapture(bothSources());
+    const auto error = platformError();
+    capture.stopByItself(error);
+    EXPECT_EQ(reported, error);
+}
+
+TEST_F(AudioRecorderStop, streamThatStopsBeforeAnyBufferLeavesNothingToSave) {
+    recorder.start(bothSources());
+    capture.stopByItself(platformError());
+    EXPECT_EQ(errorOf([&] { recorder.stop(1, 1); }), Case::noAudioCaptured);
+    EXPECT_TRUE(fileSystem.entries.empty());
+    expectIdle();
+}
+
+TEST_F(AudioRecorderStop, interruptionWithoutAReceiverIsNoProblem) {
+    recorder.onCaptureInterrupted = nullptr;
+    startAndCapture(bothSources());
+    capture.stopByItself(platformError());
+    EXPECT_EQ(recorder.stop(1, 1), finalFile);
+}
+
+TEST_F(AudioRecorderStop, writerThatCouldNotStartLeavesNoFile) {
+    toolkit.writing.startSucceeds = false;
+    startAndCapture(bothSources());
+    EXPECT_EQ(interruptions.size(), 1U);
+    EXPECT_EQ(capture.liveStreams, 1) << "the stream runs until the stop";
+    EXPECT_EQ(errorOf([&] { recorder.stop(1, 1); }), Case::noAudioCaptured);
+    EXPECT_TRUE(fileSystem.entries.empty());
+    expectIdle();
+}
+
+TEST_F(AudioRecorderStop, whatWasWrittenBeforeAWriterFailureIsExported) {
+    startAndCapture(bothSources());
+    toolkit.writing.appendSucceeds = false;
+    capture.deliver(bufferAt(256), StreamOutputType::audio);
+    EXPECT_EQ(interruptions.size(), 1U);
+    EXPECT_EQ(recorder.stop(1, 1), finalFile);
+    EXPECT_TRUE(fileSystem.temporaryFiles().empty());
+}
+
+TEST_F(AudioRecorderStop, fileThatCannotBeFinishedIsKept) {
+    startAndCapture(bothSources());
+    toolkit.writing.statusAfterFinish = FileWriterStatus::failed;
+    EXPECT_EQ(textOf([&] { recorder.stop(1, 1); }),
+              "writerFailed: Unable to finish the recording.");
+    EXPECT_EQ(fileSystem.temporaryFiles().size(), 1U);
+    EXPECT_TRUE(log.startingWith("openAsset").empty());
+    expectIdle();
+}
+
+TEST_F(AudioRecorderStop, fileThatCannotBeFinishedFailsWithTheWritersError) {
+    startAndCapture(bothSources());
+    toolkit.writing.statusAfterFinish = FileWriterStatus::failed;
+    toolkit.writing.error = "No space left on device";
+    EXPECT_EQ(textOf([&] { recorder.stop(1, 1); }), "writerFailed: No space left on device");
+}
+
+TEST_F(AudioRecorderStop, missingRecordingFolderFailsTheExportAndKeepsTheTemporaryFile) {
+    startAndCapture({true, true, std::nullopt, ""});
+    EXPECT_EQ(errorOf([&] { recorder.stop(1, 1); }), Case::exportFailed);
+    EXPECT_EQ(fileSystem.temporaryFiles().size(), 1U);
+    expectIdle();
+}
+
+TEST_F(AudioRecorderStop, failedExportKeepsTheTemporaryFileAndRemovesTheFinalOne) {
+    startAndCapture(bothSources());
+    toolkit.exporting.exportError = platformError();
+    toolkit.exporting.duringExport = [this] { fileSystem.entries.insert(finalFile); };
+    EXPECT_EQ(textOf([&] { recorder.stop(1, 1); }), "the platform's own");
+    EXPECT_EQ(fileSystem.entries.size(), 1U);
+    EXPECT_EQ(fileSystem.temporaryFiles().size(), 1U);
+    expectIdle();
+}
+
+TEST_F(AudioRecorderStop, finalFileWhoseNameCannotBeSyncedIsTakenBack) {
+    startAndCapture(bothSources());
+    fileSystem.syncFolderError = platformError();
+    EXPECT_EQ(textOf([&] { recorder.stop(1, 1); }), "the platform's own");
+    EXPECT_FALSE(fileSystem.entries.contains(finalFile));
+    EXPECT_EQ(fileSystem.temporaryFiles().size(), 1U);
+}
+
+TEST_F(AudioRecorderStop, temporaryFileThatCannotBeOpenedIsKept) {
+    startAndCapture(bothSources());
+    toolkit.exporting.openError = platformError();
+    EXPECT_EQ(textOf([&] { recorder.stop(1, 1); }), "the platform's own");
+    EXPECT_EQ(fileSystem.temporaryFiles().size(), 1U);
+}
+
+TEST_F(AudioRecorderStop, temporaryFileThatCannotBeRemovedIsNoFailure) {
+    startAndCapture(bothSources());
+    fileSystem.removeErrors[fileSystem.temporaryFiles().front()] = platformError();
+    EXPECT_EQ(recorder.stop(1, 1), finalFile);
+}
+
+TEST_F(AudioRecorderStop, twoRecordingsInARowHaveTheirOwnFilesAndLeaveNothingElse) {
+    startAndCapture(bothSources());
+    const auto first = fileSystem.temporaryFiles();
+    const auto firstFinal = recorder.stop(1, 1);
+    startAndCapture(bothSources());
+    const auto second = fileSystem.temporaryFiles();
+    const auto secondFinal = recorder.stop(1, 1);
+    ASSERT_EQ(first.size(), 1U);
+    ASSERT_EQ(second.size(), 1U);
+    EXPECT_NE(first, second);
+    EXPECT_EQ(secondFinal, folder / "Vantoro-2025-03-01-093015-2.m4a");
+    EXPECT_EQ(fileSystem.entries, (std::set<std::filesystem::path>{firstFinal, secondFinal}));
+}
+
+TEST_F(AudioRecorderStop, levelsAreFreshInEveryRecording) {
+    int levels = 0;
+    recorder.onAudioLevel = [&](AudioLevelSource, float) { ++levels; };
+    startAndCapture(bothSources());
+    recorder.stop(1, 1);
+    EXPECT_EQ(levels, 2);
+    startAndCapture(bothSources());
+    recorder.stop(1, 1);
+    EXPECT_EQ(levels, 4) << "the clock stood still, yet the first buffers are published";
+}
+
+TEST_F(AudioRecorderStop, screenBuffersAreIgnored) {
+    recorder.start(bothSources());
+    capture.deliver(bufferAt(0), StreamOutputType::screen);
+    EXPECT_EQ(errorOf([&] { recorder.stop(1, 1); }), Case::noAudioCaptured);
+}
+
+TEST_F(AudioRecorderStop, progressOfTheExportIsReported) {
+    double progress = 0;
+    recorder.onExportProgress = [&](double fraction) { progress = fraction; };
+    startAndCapture(bothSources());
+    recorder.stop(1, 1);
+    EXPECT_EQ(progress, 1);
+}
+
+TEST_F(AudioRecorderStop, destroyedWhileRecordingKeepsTheTemporaryFile) {
+    auto other = std::make_unique<AudioRecorder>(
+        RecorderPlatform{screen, microphone, content, capture, toolkit, fileSystem, clock});
+    other->start(bothSources());
+    capture.deliver(bufferAt(0), StreamOutputType::audio);
+    other.reset();
+    EXPECT_EQ(capture.liveStreams, 0);
+    EXPECT_EQ(fileSystem.temporaryFiles().size(), 1U);
+}
+
+} // namespace
+} // namespace vantoro::testing

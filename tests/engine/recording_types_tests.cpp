@@ -1,0 +1,42 @@
+#include "engine/recording_types.h"
+
+#include <unordered_set>
+
+#include <gtest/gtest.h>
+
+namespace vantoro {
+namespace {
+
+TEST(RecordingTypes, devicesOfOneIdentifierButTwoNamesDiffer) {
+    const AudioInputDevice one{"alsa_input.usb", "Headset"};
+    const AudioInputDevice other{"alsa_input.usb", "Headset Mono"};
+    EXPECT_NE(one, other);
+    EXPECT_NE(std::hash<AudioInputDevice>{}(one), std::hash<AudioInputDevice>{}(other));
+    EXPECT_EQ((std::unordered_set<AudioInputDevice>{one, other, one}.size()), 2U);
+}
+
+TEST(RecordingTypes, deviceHashFeedsIdentifierBeforeName) {
+    const std::hash<AudioInputDevice> hash;
+    EXPECT_NE(hash({"a", "b"}), hash({"b", "a"}));
+}
+
+TEST(RecordingTypes, optionsWithBothSourcesOffAreAValue) {
+    const RecordingOptions options{false, false, std::nullopt, "/recordings"};
+    const RecordingOptions copy = options;
+    EXPECT_EQ(copy, options);
+}
+
+TEST(RecordingTypes, onlyWriterFailedHasAMessage) {
+    EXPECT_EQ(RecordingError::writerFailed("disk").message(), "disk");
+    EXPECT_EQ(RecordingError(RecordingError::Case::exportFailed).message(), "");
+    EXPECT_NE(RecordingError::writerFailed("disk"), RecordingError::writerFailed("card"));
+}
+
+TEST(RecordingTypes, errorTellsDevelopersItsCaseAndDetail) {
+    EXPECT_STREQ(RecordingError::writerFailed("disk").what(), "writerFailed: disk");
+    EXPECT_STREQ(RecordingError(RecordingError::Case::noDisplayAvailable).what(),
+                 "noDisplayAvailable");
+}
+
+} // namespace
+} // namespace vantoro

@@ -1,0 +1,151 @@
+#include "engine/track_mixing.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/engine/recorder_fixture.h"
+
+namespace vantoro::testing {
+namespace {
+
+class TrackMixingTest : public ::testing::Test {
+protected:
+    CallLog log;
+    FakeFileSystem fileSystem{log};
+    FakeMediaToolkit toolkit{log, fileSystem};
+    const std::filesystem::path destination = "/recordings/Vantoro-2025-03-01-093015.m4a";
+    const std::filesystem::path staging = "/recordings/Vantoro-2025-03-01-093015.exporting.m4a";
+
+    void mix(std::size_t trackCount, bool hasSystemAudioTrack) {
+        toolkit.exporting.trackCount = trackCount;
+        const auto asset = toolkit.openAsset("/recordings/x.partial.mov");
+        mixTracks(toolkit, fileSystem, *asset, destination,
+                  recordingVolumes(hasSystemAudioTrack, 0.9F, 0.25F), {});
+    }
+
+    std::string failureOf(std::size_t trackCount = 2) {
+        try {
+            mix(trackCount, true);
+        } catch (const std::exception& error) {
+            return error.what();
+        }
+        return "none";
+    }
+
+    static std::exception_ptr platformError() {
+        return std::make_exception_ptr(std::runtime_error("the platform's own"));
+    }
+};
+
+TEST_F(TrackMixingTest, bothSourcesTakeTheirVolumesInTrackOrder) {
+    mix(2, true);
+    EXPECT_EQ(toolkit.exportedGains, (std::vector<float>{0.9F, 0.25F}));
+}
+
+TEST_F(TrackMixingTest, microphoneAloneTakesTheMicrophoneVolume) {
+    mix(1, false);
+    EXPECT_EQ(toolkit.exportedGains, std::vector<float>{0.25F});
+}
+
+TEST_F(TrackMixingTest, systemAudioAloneTakesTheSystemVolume) {
+    mix(1, true);
+    EXPECT_EQ(toolkit.exportedGains, std::vector<float>{0.9F});
+}
+
+TEST_F(TrackMixingTest, everyTrackAfterTheFirstTakesTheMicrophoneVolume) {
+    mix(4, true);
+    EXPECT_EQ(toolkit.exportedGains, (std::vector<float>{0.9F, 0.25F, 0.25F, 0.25F}));
+}
+
+TEST_F(TrackMixingTest, volumesAreNotClamped) {
+    toolkit.exporting.trackCount = 2;
+    const auto asset = toolkit.openAsset("/recordings/x.partial.mov");
+    mixTracks(toolkit, fileSystem, *asset, destination, recordingVolumes(true, 12.5F, 0), {});
+    EXPECT_EQ(toolkit.exportedGains, (std::vector<float>{12.5F, 0}));
+}
+
+TEST_F(TrackMixingTest, everyTrackIsLaidWholeFromTimeZero) {
+    mix(2, true);
+    EXPECT_EQ(log.startingWith("insert"),
+              (std::vector<std::string>{"insert 480/48000 + 48000/48000 at 0/1",
+                                        "insert 480/48000 + 48000/48000 at 0/1"}));
+}
+
+TEST_F(TrackMixingTest, fileWithoutAudioTracksFailsAndMakesNoFile) {
+    EXPECT_EQ(failureOf(0), "noAudioCaptured");
+    EXPECT_TRUE(fileSystem.entries.empty());
+}
+
+TEST_F(TrackMixingTest, compositionThatRefusesATrackFailsTheExport) {
+    toolkit.exporting.compositionTakesTracks = false;
+    EXPECT_EQ(failureOf(), "exportFailed");
+}
+
+TEST_F(TrackMixingTest, missingExportSessionFailsTheExport) {
+    toolkit.exporting.sessionCanBeMade = false;
+    EXPECT_EQ(failureOf(), "exportFailed");
+}
+
+TEST_F(TrackMixingTest, errorsOfThePlatformAreThrownUnchanged) {
+    for (const auto step : {&ExportBehaviour::tracksError, &ExportBehaviour::timeRangeError,
+                            &ExportBehaviour::insertError, &ExportBehaviour::exportError}) {
+        toolkit.exporting = {};
+        toolkit.exporting.*step = platformError();
+        EXPECT_EQ(failureOf(), "the platform's own");
+        EXPECT_TRUE(fileSystem.entries.empty()) << "no staging file is left";
+    }
+}
+
+TEST_F(TrackMixingTest, exportGoesThroughAStagingFileThatIsMovedAndSyncedAtTheEnd) {
+    mix(2, true);
+    const auto calls = log.calls();
+    const std::vector<std::string> end(calls.end() - 4, calls.end());
+    EXPECT_EQ(end,
+              (std::vector<std::string>{
+                  "export Vantoro-2025-03-01-093015.exporting.m4a",
+                  "move Vantoro-2025-03-01-093015.exporting.m4a Vantoro-2025-03-01-093015.m4a",
+                  "syncFolder /recordings", "remove Vantoro-2025-03-01-093015.exporting.m4a"}));
+    EXPECT_EQ(fileSystem.entries, std::set<std::filesystem::path>{destination});
+}
+
+TEST_F(TrackMixingTest, leftoverStagingFileIsReplaced) {
+    fileSystem.entries.insert(staging);
+    mix(2, true);
+    EXPECT_EQ(fileSystem.entries, std::set<std::filesystem::path>{destination});
+}
+
+TEST_F(TrackMixingTest, fileThatAppearedAtTheDestinationIsReplaced) {
+    toolkit.exporting.duringExport = [this] { fileSystem.entries.insert(destination); };
+    mix(2, true);
+    EXPECT_EQ(log.startingWith("remove Vantoro-2025-03-01-093015.m4a").size(), 1U);
+    EXPECT_EQ(fileSystem.entries, std::set<std::filesystem::path>{destination});
+}
+
+TEST_F(TrackMixingTest, destinationThatCannotBeRemovedFailsWithThatError) {
+    toolkit.exporting.duringExport = [this] { fileSystem.entries.insert(destination); };
+    fileSystem.removeErrors[destination] = platformError();
+    EXPECT_EQ(failureOf(), "the platform's own");
+    EXPECT_FALSE(fileSystem.entries.contains(staging));
+}
+
+TEST_F(TrackMixingTest, failedMoveFailsWithThatErrorAndLeavesNoStagingFile) {
+    fileSystem.moveError = platformError();
+    EXPECT_EQ(failureOf(), "the platform's own");
+    EXPECT_TRUE(fileSystem.entries.empty());
+}
+
+TEST_F(TrackMixingTest, folderThatCannotBeSyncedFailsTheExport) {
+    fileSystem.syncFolderError = platformError();
+    EXPECT_EQ(failureOf(), "the platform's own");
+}
+
+TEST_F(TrackMixingTest, progressReachesItsReceiver) {
+    toolkit.exporting.trackCount = 1;
+    const auto asset = toolkit.openAsset("/recordings/x.partial.mov");
+    double reported = 0;
+    mixTracks(toolkit, fileSystem, *asset, destination, recordingVolumes(true, 1, 1),
+              [&](double fraction) { reported = fraction; });
+    EXPECT_EQ(reported, 1);
+}
+
+} // namespace
+} // namespace vantoro::testing

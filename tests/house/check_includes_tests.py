@@ -1,0 +1,86 @@
+#!/usr/bin/python3
+"""The include check finds each forbidden arrow, and only those."""
+
+import subprocess
+import sys
+import tempfile
+import unittest
+from pathlib import Path
+
+ROOT = Path(__file__).resolve().parents[2]
+
+
+def check(root):
+    return subprocess.run(
+        [ROOT / "tools/check-includes", root], capture_output=True, text=True, timeout=60, check=False)
+
+
+class IncludeCheckTests(unittest.TestCase):
+    def complaint_about(self, path, include):
+        with tempfile.TemporaryDirectory() as root:
+            file = Path(root) / path
+            file.parent.mkdir(parents=True)
+            file.write_text(f"// fine\n#include {include}\n")
+            result = check(root)
+            self.assertEqual(result.returncode != 0, bool(result.stdout), result)
+            return result.stdout
+
+    def test_theRepositoryFollowsItsRules(self):
+        result = check(ROOT)
+        self.assertEqual((result.returncode, result.stdout), (0, ""))
+
+    def test_eachForbiddenArrowIsFound(self):
+        for path, include in (
+            ("engine/a.cpp", '"platform/posix/a.h"'),
+            ("engine/a.h", '"control/a.h"'),
+            ("engine/a.cpp", '"l10n/a.h"'),
+            ("engine/ports/a.h", "<QString>"),
+            ("engine/a.cpp", "<pipewire/pipewire.h>"),
+            ("engine/a.cpp", "<spa/utils/json.h>"),
+            ("engine/a.cpp", "<libavutil/mem.h>"),
+            ("engine/a.cpp", "<libswresample/swresample.h>"),
+            ("engine/a.cpp", "<glib.h>"),
+            ("engine/a.cpp", "<unistd.h>"),
+            ("engine/a.cpp", '"a.h"'),
+            ("l10n/a.cpp", '"control/a.h"'),
+            ("update/a.cpp", '"ui/a.h"'),
+            ("control/a.cpp", '"ui/a.h"'),
+            ("control/a.cpp", '"platform/desktop/a.h"'),
+            ("ui/a.cpp", '"app/a.h"'),
+            ("ui/a.cpp", '"platform/pipewire/a.h"'),
+            ("platform/ffmpeg/a.cpp", '"platform/posix/a.h"'),
+            ("platform/ffmpeg/a.cpp", "<QString>"),
+            ("platform/pipewire/a.cpp", '"control/a.h"'),
+            ("platform/desktop/a.cpp", '"l10n/a.h"'),
+            ("platform/desktop/a.cpp", "<libavformat/avformat.h>"),
+            ("platform/unknown/a.cpp", "<vector>"),
+            ("app/a.cpp", '"tests/support/a.h"'),
+            ("app/a.cpp", "<pipewire/pipewire.h>"),
+        ):
+            with self.subTest(path=path, include=include):
+                self.assertIn(path, self.complaint_about(path, include))
+
+    def test_whatTheArrowsAllowPasses(self):
+        for path, include in (
+            ("engine/a.cpp", '"engine/ports/a.h"'),
+            ("engine/a.cpp", "<stop_token>"),
+            ("l10n/a.cpp", '"engine/recording_types.h"'),
+            ("control/a.cpp", '"engine/a.h"'),
+            ("ui/a.cpp", '"control/a.h"'),
+            ("platform/pipewire/a.cpp", "<pipewire/pipewire.h>"),
+            ("platform/ffmpeg/a.cpp", "<libavformat/avformat.h>"),
+            ("platform/desktop/a.cpp", '"control/ports/a.h"'),
+            ("platform/desktop/a.cpp", "<gio/gio.h>"),
+            ("platform/posix/a.cpp", "<sys/stat.h>"),
+            ("app/a.cpp", '"platform/pipewire/a.h"'),
+        ):
+            with self.subTest(path=path, include=include):
+                self.assertEqual(self.complaint_about(path, include), "")
+
+    def test_aTreeWithoutSourcesIsNotAPass(self):
+        with tempfile.TemporaryDirectory() as root:
+            self.assertNotEqual(check(root).returncode, 0)
+
+
+if __name__ == "__main__":
+    unittest.main(argv=[sys.argv[0], *(f"IncludeCheckTests.test_{name}" for name in sys.argv[1:])])

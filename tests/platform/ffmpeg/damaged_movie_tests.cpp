@@ -1,0 +1,123 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include <random>
+#include <string_view>
+
+#include "platform/ffmpeg/box_reader.h"
+#include "tests/platform/ffmpeg/memory_file_system.h"
+#include "tests/platform/ffmpeg/movie_recording.h"
+
+namespace vantoro {
+
+namespace {
+
+constexpr std::int64_t second = 48000;
+
+/// Opens the bytes and mixes whatever they are said to hold.
+void readAll(const std::vector<std::byte>& movie) {
+    MemoryFileSystem files;
+    files.put("movie.mov", movie);
+    ffmpeg::FfmpegToolkit toolkit(files);
+    const auto asset = toolkit.openAsset("movie.mov");
+    const auto composition = toolkit.makeComposition();
+    for (const auto& track : asset->audioTracks()) {
+        composition->addAudioTrack()->insert(track->timeRange(), track, zeroTime);
+    }
+    if (const auto session = toolkit.makeExportSession(*composition)) {
+        session->exportTo("mix.m4a", {});
+    }
+}
+
+void setNumber(std::vector<std::byte>& movie, std::size_t offset, std::uint32_t value) {
+    for (std::size_t i = 0; i < 4; ++i) {
+        movie[offset + i] = static_cast<std::byte>(value >> (24 - 8 * i));
+    }
+}
+
+/// Where the content of the n-th box of a type begins.
+std::size_t findContent(const std::vector<std::byte>& movie, std::string_view type, int skip) {
+    const auto name = std::as_bytes(std::span(type));
+    auto from = movie.begin();
+    for (;; --skip) {
+        from = std::search(from, movie.end(), name.begin(), name.end());
+        EXPECT_NE(from, movie.end());
+        from += 4;
+        if (skip == 0) {
+            return static_cast<std::size_t>(from - movie.begin());
+        }
+    }
+}
+
+std::int64_t durationOf(const std::vector<std::byte>& movie) {
+    MemoryFileSystem files;
+    files.put("movie.mov", movie);
+    return ffmpeg::FfmpegToolkit(files).openAsset("movie.mov")->duration().inUnitsOf(48000);
+}
+
+TEST(DamagedMovie, aFragmentThatDoesNotAddUpEndsTheMovie) {
+    const auto movie = recordMovie(12 * second, tone(440, 0.5F));
+    ASSERT_EQ(durationOf(movie), 12 * second);
+
+    struct Case {
+        const char* box;
+        int skip; // boxes of the first fragment
+        std::size_t field;
+        std::uint32_t value;
+    };
+
+    const std::vector<Case> cases{
+        {"tfdt", 2, 4, 7},          // goes on elsewhere
+        {"tfhd", 2, 4, 9},          // belongs to no track
+        {"trun", 2, 4, 0x7fffffff}, // more packets than there is description of
+        {"trun", 2, 8, 0},          // packets before the content
+        {"trun", 2, 8, 0x10000000}, // packets behind it
+        {"trun", 2, 12, 0},         // an empty packet
+        {"trun", 2, 12, 0x00ffffff} // an endless one
+    };
+    for (const Case& test : cases) {
+        auto damaged = movie;
+        setNumber(damaged, findContent(damaged, test.box, test.skip) + test.field, test.value);
+        EXPECT_EQ(durationOf(damaged), 48128) << test.box << " " << test.field;
+    }
+}
+
+TEST(DamagedMovie, aFragmentWithoutPacketsEndsTheMovie) {
+    auto movie = recordMovie(12 * second, tone(440, 0.5F));
+    for (const int track : {2, 3}) {
+        setNumber(movie, findContent(movie, "trun", track) + 4, 0);
+    }
+    EXPECT_EQ(durationOf(movie), 48128);
+}
+
+TEST(DamagedMovie, aPacketThatCannotBeDecodedIsSilent) {
+    auto movie = recordMovie(2 * second, tone(440, 0.5F));
+    const auto boxes = topBoxes(movie);
+    std::ranges::fill(movie.begin() + static_cast<std::ptrdiff_t>(boxes[3].offset + 2000),
+                      movie.begin() + static_cast<std::ptrdiff_t>(boxes[3].offset + 4000),
+                      std::byte{0xff});
+    EXPECT_NO_THROW(readAll(movie));
+}
+
+TEST(DamagedMovie, anyDamageIsReadToTheEndOrRefused) {
+    const auto movie = recordMovie(3 * second, tone(440, 0.5F));
+    std::mt19937 random(42);
+    for (int round = 0; round < 300; ++round) {
+        auto damaged = movie;
+        // Mostly in the descriptions, where it hurts.
+        const std::size_t reach = round % 3 == 0 ? damaged.size() : 2500;
+        for (int i = 0; i < 1 + (round % 8); ++i) {
+            damaged[random() % reach] = static_cast<std::byte>(random());
+        }
+        try {
+            readAll(damaged);
+        } catch (const std::runtime_error& error) {
+            EXPECT_NE(std::string_view(error.what()), "");
+        }
+    }
+}
+
+} // namespace
+
+} // namespace vantoro

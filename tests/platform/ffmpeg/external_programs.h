@@ -1,0 +1,45 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <map>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace vantoro {
+
+/// A folder for one test, removed with all in it.
+class TemporaryFolder {
+public:
+    TemporaryFolder();
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+    ~TemporaryFolder();
+
+    const std::filesystem::path& path() const { return path_; }
+
+    /// Puts a file there, for programs that read no memory of ours.
+    std::filesystem::path put(const std::string& name, std::span<const std::byte> content) const;
+
+private:
+    std::filesystem::path path_;
+};
+
+/// Runs a shell command and returns its standard output; what it says on standard error, or a
+/// status other than 0, fails the test.
+std::string run(const std::string& command);
+
+/// What the `ffprobe` program says about the streams of a file and the file itself, each as "key"
+/// to "value"; the file itself comes last.
+std::vector<std::map<std::string, std::string>> probe(const std::filesystem::path& file);
+
+/// Where an audio track ends, in frames, as the `ffprobe` program tells it.
+std::int64_t framesOf(const std::filesystem::path& file, int track);
+
+/// One channel of an audio track from time zero on, as the `ffmpeg` program decodes it: whole
+/// packets, so up to 1023 frames longer than the track.
+std::vector<float> decode(const std::filesystem::path& file, int track, int channel = 0);
+
+} // namespace vantoro

@@ -1,0 +1,188 @@
+#include <gtest/gtest.h>
+
+#include <gmock/gmock.h>
+
+#include <array>
+
+#include "platform/ffmpeg/fragment_file.h"
+#include "platform/ffmpeg/movie_writer.h"
+#include "tests/platform/ffmpeg/external_programs.h"
+#include "tests/platform/ffmpeg/memory_file_system.h"
+#include "tests/platform/ffmpeg/movie_recording.h"
+
+namespace vantoro {
+
+namespace {
+
+using testing::HasSubstr;
+
+constexpr std::int64_t second = 48000;
+
+class WriteFailure : public testing::Test {
+protected:
+    /// Goes on recording until the writer refuses a buffer; how far it got.
+    std::int64_t recordUntilRefused(std::int64_t from) {
+        constexpr std::int64_t farEnough = 120 * second;
+        std::int64_t frame = from;
+        while (frame < farEnough &&
+               recording.appendAll(frame, frame + MovieRecording::bufferFrames, sound)) {
+            frame += MovieRecording::bufferFrames;
+        }
+        EXPECT_LT(frame, farEnough);
+        return frame;
+    }
+
+    std::int64_t framesOnDisk() {
+        return framesOf(folder.put("movie.mov", files.contentOf("movie.mov")), 1);
+    }
+
+    TemporaryFolder folder;
+    MemoryFileSystem files;
+    MovieRecording recording{files, "movie.mov"};
+    Sound sound = tone(440, 0.5F);
+};
+
+TEST_F(WriteFailure, aFullDiskIsToldByTheNextAppend) {
+    files.setCapacity(100'000);
+    recordUntilRefused(0);
+    EXPECT_EQ(recording.writer().status(), FileWriterStatus::failed);
+    EXPECT_THAT(recording.writer().errorDescription().value_or(""),
+                HasSubstr("No space left on device"));
+    EXPECT_TRUE(recording.input(0).isReadyForMoreMediaData());
+}
+
+TEST_F(WriteFailure, nothingIsLostWhenTheDiskHasRoomAgainAtTheEnd) {
+    files.setCapacity(100'000);
+    const std::int64_t recorded = recordUntilRefused(0);
+    files.setCapacity(10'000'000);
+    recording.finish();
+    EXPECT_EQ(recording.writer().status(), FileWriterStatus::completed);
+    EXPECT_EQ(recording.writer().errorDescription(), std::nullopt);
+    // The system track may have taken the buffer that the microphone's track refused.
+    EXPECT_EQ(framesOnDisk(), recorded);
+    EXPECT_EQ(topBoxes(files.contentOf("movie.mov")).back().type, "mfra");
+}
+
+TEST_F(WriteFailure, whatWasWrittenBeforeCountsWhenTheDiskStaysFull) {
+    files.setCapacity(100'000);
+    recordUntilRefused(0);
+    recording.finish();
+    EXPECT_EQ(recording.writer().status(), FileWriterStatus::completed);
+    // Cut back to the one whole fragment.
+    EXPECT_EQ(topBoxes(files.contentOf("movie.mov")).back().type, "mdat");
+    EXPECT_EQ(framesOnDisk(), 48128);
+    EXPECT_EQ(files.journalOf("movie.mov").back(), "close");
+}
+
+TEST_F(WriteFailure, withoutOneWholeFragmentFinishingFails) {
+    files.setCapacity(1'000);
+    recordUntilRefused(0);
+    recording.finish();
+    EXPECT_EQ(recording.writer().status(), FileWriterStatus::failed);
+    EXPECT_THAT(recording.writer().errorDescription().value_or(""),
+                HasSubstr("No space left on device"));
+    EXPECT_TRUE(files.contentOf("movie.mov").empty());
+}
+
+TEST_F(WriteFailure, aFailedSyncIsAFailedWrite) {
+    files.setSyncFails(true);
+    const std::int64_t recorded = recordUntilRefused(0);
+    EXPECT_THAT(recording.writer().errorDescription().value_or(""),
+                HasSubstr("Input/output error"));
+    files.setSyncFails(false);
+    recording.finish();
+    EXPECT_EQ(recording.writer().status(), FileWriterStatus::completed);
+    EXPECT_EQ(framesOnDisk(), recorded);
+}
+
+TEST_F(WriteFailure, aFileThatCannotBeReachedAtTheEndIsAFailure) {
+    ASSERT_TRUE(recording.appendAll(0, 2 * second, sound));
+    files.setUnreachable();
+    recording.finish();
+    EXPECT_EQ(recording.writer().status(), FileWriterStatus::failed);
+    EXPECT_THAT(recording.writer().errorDescription().value_or(""), HasSubstr("Permission denied"));
+}
+
+TEST_F(WriteFailure, aStuckDiskLosesNoFrameAndDelaysNobody) {
+    files.setStuck(true);
+    ASSERT_TRUE(recording.appendAll(0, 2 * second, sound));
+    ASSERT_TRUE(files.waitUntilStuck());
+    // Ten more seconds are taken in while not a byte reaches the disk.
+    for (std::int64_t frame = 2 * second; frame < 12 * second; frame += second) {
+        ASSERT_TRUE(recording.input(0).isReadyForMoreMediaData());
+        ASSERT_TRUE(recording.appendAll(frame, frame + second, sound));
+    }
+    EXPECT_TRUE(files.contentOf("movie.mov").empty());
+    files.setStuck(false);
+    recording.finish();
+    EXPECT_EQ(recording.writer().status(), FileWriterStatus::completed);
+    EXPECT_EQ(framesOnDisk(), 12 * second);
+}
+
+TEST_F(WriteFailure, nothingIsTakenInAfterTheEnd) {
+    ASSERT_TRUE(recording.appendAll(0, second, sound));
+    recording.input(1).markAsFinished();
+    EXPECT_FALSE(recording.append(1, second, 2 * second, sound));
+    recording.finish();
+    EXPECT_FALSE(recording.append(0, second, 2 * second, sound));
+    EXPECT_EQ(recording.writer().status(), FileWriterStatus::completed);
+}
+
+TEST_F(WriteFailure, noSoundAtAllIsAFailure) {
+    recording.finish();
+    EXPECT_EQ(recording.writer().status(), FileWriterStatus::failed);
+    EXPECT_TRUE(recording.writer().errorDescription().has_value());
+}
+
+TEST(WriterStart, failsWithTheSystemsTextWhenTheFileCannotBeCreated) {
+    MemoryFileSystem files;
+    files.put("movie.mov", {});
+    ffmpeg::FfmpegToolkit toolkit(files);
+    const auto writer = toolkit.makeWriter("movie.mov");
+    writer->add(systemTrack);
+    EXPECT_FALSE(writer->startWriting());
+    EXPECT_EQ(writer->status(), FileWriterStatus::failed);
+    EXPECT_THAT(writer->errorDescription().value_or(""), HasSubstr("File exists"));
+}
+
+TEST(WriterStart, finishingAWriterThatNeverStartedFails) {
+    MemoryFileSystem files;
+    ffmpeg::FfmpegToolkit toolkit(files);
+    const auto writer = toolkit.makeWriter("movie.mov");
+    int completions = 0;
+    writer->finishWriting([&completions] { ++completions; });
+    EXPECT_EQ(completions, 1);
+    EXPECT_EQ(writer->status(), FileWriterStatus::failed);
+}
+
+TEST(WriterBacklog, inputsAreNotReadyWhileTooMuchWaitsForTheDisk) {
+    MemoryFileSystem files;
+    ffmpeg::MovieWriter writer(files, "movie.mov", 10'000);
+    FileWriterInput& input = writer.add(microphoneTrack);
+    ASSERT_TRUE(writer.startWriting());
+    writer.startSession(SoundBuffer::sessionStart);
+    files.setStuck(true);
+    EXPECT_TRUE(input.isReadyForMoreMediaData());
+    ASSERT_TRUE(input.append(SoundBuffer(0, 12 * second, 1, tone(440, 0.5F)).buffer()));
+    EXPECT_FALSE(input.isReadyForMoreMediaData());
+    files.setStuck(false);
+    ASSERT_TRUE(files.waitForSyncedSize("movie.mov", 10'000));
+    EXPECT_TRUE(input.isReadyForMoreMediaData());
+}
+
+TEST(FragmentFile, countsWhatWaits) {
+    MemoryFileSystem files;
+    files.setStuck(true);
+    ffmpeg::FragmentFile file(files.create("movie.mov", FileAudience::userOnly),
+                              [](const std::string&) {});
+    file.append(std::vector<std::byte>(1000));
+    file.append(std::vector<std::byte>(500));
+    ASSERT_TRUE(files.waitUntilStuck());
+    EXPECT_EQ(file.backlog(), 1500U);
+    files.setStuck(false);
+    ASSERT_TRUE(files.waitForSyncedSize("movie.mov", 1500));
+}
+
+} // namespace
+
+} // namespace vantoro

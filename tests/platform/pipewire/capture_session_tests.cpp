@@ -1,0 +1,267 @@
+#include <algorithm>
+#include <cmath>
+
+#include "tests/platform/pipewire/capture_fixture.h"
+#include "tests/platform/pipewire/own_tone.h"
+
+namespace vantoro::testing {
+
+namespace {
+
+constexpr auto audio = StreamOutputType::audio;
+constexpr auto microphone = StreamOutputType::microphone;
+
+/// Where single loud samples are, in frames of the grid.
+std::vector<std::int64_t> clicks(const DeliveredTrack& track) {
+    std::vector<std::int64_t> result;
+    const auto& samples = track.channels.at(0);
+    for (std::size_t i = 0; i < samples.size(); ++i) {
+        const std::int64_t position = track.start + static_cast<std::int64_t>(i);
+        if (std::abs(samples[i]) > 0.2F && (result.empty() || position - result.back() > 4800)) {
+            result.push_back(position);
+        }
+    }
+    return result;
+}
+
+/// In how many tenths of a second, of the nine seconds from a frame on, a tone is not whole. On a
+/// busy machine an application itself may miss a cycle.
+std::size_t gaps(double frequency, const DeliveredTrack& track, std::size_t from) {
+    std::size_t count = 0;
+    for (std::size_t tenth = 0; tenth < 90; ++tenth) {
+        const auto part = std::span(track.channels[0]).subspan(from + (tenth * 4800), 4800);
+        count += std::abs(amplitudeOf(frequency, part) - 0.25) < 0.01 ? 0U : 1U;
+    }
+    return count;
+}
+
+TEST_F(Capture, hearsApplicationsOnAllOutputsAndTheMicrophone) {
+    const auto first = session.play("first-app", "vantoro-output-1", 440);
+    const auto second = session.play("second-app", "vantoro-output-2", 1000);
+    const auto voice = session.speak("voice", 300);
+    start();
+    ASSERT_TRUE(sound.waitForTone(audio, 440));
+    ASSERT_TRUE(sound.waitForTone(audio, 1000));
+    ASSERT_TRUE(sound.waitForTone(microphone, 300));
+    ASSERT_TRUE(sound.waitForMore(1.5));
+    stop();
+    const auto heard = sound.audio();
+    for (const auto& side : heard.channels) {
+        EXPECT_NEAR(amplitudeOf(440, lastSecond(side)), 0.25, 0.003);
+        EXPECT_NEAR(amplitudeOf(1000, lastSecond(side)), 0.25, 0.003);
+        EXPECT_LT(amplitudeOf(300, lastSecond(side)), 0.001);
+    }
+    const auto spoken = sound.microphone();
+    ASSERT_EQ(spoken.channels.size(), 1U);
+    EXPECT_NEAR(amplitudeOf(300, lastSecond(spoken.channels[0])), 0.25, 0.003);
+    EXPECT_LT(amplitudeOf(440, lastSecond(spoken.channels[0])), 0.001);
+    EXPECT_EQ(heard.discontinuities, 0U);
+    EXPECT_EQ(spoken.discontinuities, 0U);
+    EXPECT_EQ(heard.start, spoken.start);
+    EXPECT_EQ(heard.frames(), spoken.frames());
+    EXPECT_TRUE(sound.stops().empty());
+}
+
+TEST_F(Capture, leavesOutWhatOurOwnProcessPlays) {
+    const OwnTone own(2500);
+    const auto other = session.play("app", "vantoro-output-1", 440);
+    start();
+    ASSERT_TRUE(sound.waitForTone(audio, 440));
+    ASSERT_TRUE(sound.waitForMore(1.5));
+    stop();
+    EXPECT_LT(amplitudeOf(2500, lastSecond(sound.audio().channels[0])), 0.0001);
+}
+
+TEST_F(Capture, hearsOurOwnProcessWhereItIsToldTo) {
+    const OwnTone own(2500);
+    auto configuration = configurationFor(true, false);
+    configuration.excludesCurrentProcessAudio = false;
+    start(configuration);
+    EXPECT_TRUE(sound.waitForTone(audio, 2500));
+}
+
+TEST_F(Capture, leavesOutWhatIsMarkedAsOurOwn) {
+    const auto own = session.play("own", "vantoro-output-1", 2500, 2, 0.25, "vantoro.own = true");
+    const auto other = session.play("app", "vantoro-output-1", 440);
+    start(configurationFor(true, false));
+    ASSERT_TRUE(sound.waitForTone(audio, 440));
+    ASSERT_TRUE(sound.waitForMore(1.5));
+    stop();
+    EXPECT_LT(amplitudeOf(2500, lastSecond(sound.audio().channels[0])), 0.0001);
+}
+
+TEST_F(Capture, hearsAnApplicationForAsLongAsItPlays) {
+    start(configurationFor(true, false));
+    auto app = session.play("app", "vantoro-output-2", 440);
+    ASSERT_TRUE(sound.waitForTone(audio, 440));
+    app.reset();
+    ASSERT_TRUE(sound.waitForTone(audio, 440, false));
+    app = session.play("app-again", "vantoro-output-1", 440);
+    EXPECT_TRUE(sound.waitForTone(audio, 440));
+    EXPECT_EQ(sound.audio().discontinuities, 0U);
+}
+
+TEST_F(Capture, losesNothingOfTheFirstSound) {
+    start(configurationFor(true, false));
+    const auto app = session.play("app", "vantoro-output-1", 440);
+    ASSERT_TRUE(sound.waitForTone(audio, 440));
+    stop();
+    // The tone begins with a rising sine: what was cut off would begin elsewhere.
+    const auto samples = sound.audio().channels[0];
+    const auto begin = std::ranges::find_if(samples, [](float s) { return std::abs(s) > 0.001F; });
+    ASSERT_LT(begin, samples.end() - 30);
+    for (int i = 1; i < 25; ++i) {
+        EXPECT_GT(begin[i], begin[i - 1]);
+    }
+    EXPECT_LT(*begin, 0.02F);
+}
+
+TEST_F(Capture, followsAnApplicationToAnotherOutput) {
+    const auto app = session.play("app", "vantoro-output-1", 440);
+    start(configurationFor(true, false));
+    ASSERT_TRUE(sound.waitForTone(audio, 440));
+    SoundSession::move("app", "vantoro-output-2");
+    ASSERT_TRUE(SoundSession::waitForLink("app:output_FL", "vantoro-output-2:playback_FL"));
+    ASSERT_TRUE(sound.waitForMore(2));
+    stop();
+    EXPECT_NEAR(amplitudeOf(440, lastSecond(sound.audio().channels[0])), 0.25, 0.003);
+}
+
+TEST_F(Capture, hearsOutputsThatComeAndGo) {
+    start(configurationFor(true, false));
+    SoundSession::makeDevice("late-output", "Audio/Sink", "FL,FR");
+    const auto app = session.play("app", "late-output", 440);
+    ASSERT_TRUE(sound.waitForTone(audio, 440));
+    SoundSession::destroyNode("late-output");
+    ASSERT_TRUE(SoundSession::waitForLink("app:output_FL", "vantoro-output-1:playback_FL"));
+    ASSERT_TRUE(sound.waitForMore(2));
+    stop();
+    EXPECT_NEAR(amplitudeOf(440, lastSecond(sound.audio().channels[0])), 0.25, 0.003);
+    EXPECT_EQ(sound.audio().discontinuities, 0U);
+    EXPECT_TRUE(sound.stops().empty());
+}
+
+TEST_F(Capture, bringsAMonoApplicationToBothSidesAtFullLevel) {
+    SoundSession::makeDevice("mono-output", "Audio/Sink", "MONO");
+    const auto app = session.play("app", "mono-output", 440, 1);
+    start(configurationFor(true, false));
+    ASSERT_TRUE(sound.waitForTone(audio, 440));
+    ASSERT_TRUE(sound.waitForMore(1.5));
+    stop();
+    for (const auto& side : sound.audio().channels) {
+        EXPECT_NEAR(amplitudeOf(440, lastSecond(side)), 0.25, 0.003);
+    }
+}
+
+TEST_F(Capture, foldsSurroundSoundToBothSides) {
+    SoundSession::makeDevice("surround-output", "Audio/Sink", "FL,FR,FC,LFE,RL,RR");
+    const auto app = session.play("app", "surround-output", 440, 6, 0.1);
+    start(configurationFor(true, false));
+    ASSERT_TRUE(sound.waitForTone(audio, 440));
+    ASSERT_TRUE(sound.waitForMore(1.5));
+    stop();
+    for (const auto& side : sound.audio().channels) {
+        EXPECT_NEAR(amplitudeOf(440, lastSecond(side)), 0.1 * (1 + 0.707 + 0.707), 0.003);
+    }
+}
+
+TEST_F(Capture, hearsWhatPassesThroughAVirtualOutputOnce) {
+    const ChildProcess loopback(
+        {"pw-loopback", "--capture-props", "media.class=Audio/Sink node.name=virtual-output",
+         "--playback-props", "node.name=virtual-playback target.object=vantoro-output-1"});
+    ASSERT_TRUE(
+        SoundSession::waitForLink("virtual-playback:output_FL", "vantoro-output-1:playback_FL"));
+    const auto app = session.play("app", "virtual-output", 440);
+    start(configurationFor(true, false));
+    ASSERT_TRUE(sound.waitForTone(audio, 440));
+    ASSERT_TRUE(sound.waitForMore(1.5));
+    stop();
+    EXPECT_NEAR(amplitudeOf(440, lastSecond(sound.audio().channels[0])), 0.25, 0.003);
+}
+
+TEST_F(Capture, whatNobodyHearsIsNotCaptured) {
+    const auto voice = session.speak("voice", 300);
+    start();
+    ASSERT_TRUE(sound.waitForTone(microphone, 300));
+    ASSERT_TRUE(sound.waitForMore(1.5));
+    stop();
+    EXPECT_EQ(peakOf(sound.audio().channels[0]), 0);
+}
+
+TEST_F(Capture, withNothingPlayingGivesSilenceInStepWithTheMicrophone) {
+    start();
+    ASSERT_TRUE(sound.waitForMore(2));
+    stop();
+    const auto heard = sound.audio();
+    EXPECT_EQ(peakOf(heard.channels[0]), 0);
+    EXPECT_EQ(heard.discontinuities, 0U);
+    EXPECT_EQ(heard.start, sound.microphone().start);
+    EXPECT_EQ(heard.frames(), sound.microphone().frames());
+    EXPECT_LE(sound.largestLead(), 1024);
+}
+
+TEST_F(Capture, lastsAsLongAsItRan) {
+    start();
+    const auto began = std::chrono::steady_clock::now();
+    ASSERT_TRUE(sound.waitForMore(2));
+    const std::chrono::duration<double> ran = std::chrono::steady_clock::now() - began;
+    stop();
+    EXPECT_NEAR(static_cast<double>(sound.audio().frames()) / 48000, ran.count(), 0.06);
+}
+
+TEST_F(Capture, aClickIsAtOneTimeInOutputAndMicrophone) {
+    const auto app = session.click("app");
+    ASSERT_TRUE(SoundSession::link("app:output_FL", "vantoro-microphone:input_MONO"));
+    start();
+    ASSERT_TRUE(sound.waitForMore(4));
+    stop();
+    const auto heard = clicks(sound.audio());
+    const auto spoken = clicks(sound.microphone());
+    ASSERT_GE(heard.size(), 7U);
+    ASSERT_EQ(heard.size(), spoken.size());
+    for (std::size_t i = 0; i < heard.size(); ++i) {
+        EXPECT_LT(std::abs(heard[i] - spoken[i]), 960);
+    }
+}
+
+TEST_F(Capture, losesNotAFrameWhileTheQueueIsBlocked) {
+    const auto app = session.play("app", "vantoro-output-1", 440);
+    const auto voice = session.speak("voice", 300);
+    start();
+    ASSERT_TRUE(sound.waitForTone(audio, 440));
+    ASSERT_TRUE(sound.waitForTone(microphone, 300));
+    const std::size_t before = sound.audio().frames();
+    // The blockage itself: no event stands for a queue that does nothing for eight seconds.
+    queue.async([] { std::this_thread::sleep_for(std::chrono::seconds(8)); });
+    ASSERT_TRUE(sound.waitForMore(9));
+    stop();
+    const auto heard = sound.audio();
+    const auto spoken = sound.microphone();
+    EXPECT_LE(gaps(440, heard, before), 2U);
+    EXPECT_LE(gaps(300, spoken, before), 2U);
+    EXPECT_EQ(heard.discontinuities, 0U);
+    EXPECT_LE(sound.largestLead(), 1024);
+}
+
+TEST_F(Capture, takesTheMeanOfAMicrophonesChannels) {
+    SoundSession::makeDevice("stereo-microphone", "Audio/Source/Virtual", "FL,FR");
+    const auto voice = session.play("voice", "0", 300, 1);
+    ASSERT_TRUE(SoundSession::link("voice:output_MONO", "stereo-microphone:input_FL"));
+    startWithMicrophone("stereo-microphone");
+    ASSERT_TRUE(sound.waitForTone(microphone, 300));
+    ASSERT_TRUE(sound.waitForMore(1.5));
+    stop();
+    EXPECT_NEAR(amplitudeOf(300, lastSecond(sound.microphone().channels[0])), 0.125, 0.003);
+}
+
+TEST_F(Capture, deliversOneSourceAloneWhereOnlyOneIsWanted) {
+    start(configurationFor(false, true));
+    ASSERT_TRUE(sound.waitForMore(0.5));
+    stop();
+    EXPECT_EQ(sound.audio().frames(), 0U);
+    EXPECT_GT(sound.microphone().frames(), 20000U);
+}
+
+} // namespace
+
+} // namespace vantoro::testing

@@ -1,0 +1,200 @@
+#include "platform/pipewire/capture_timeline.h"
+
+#include <limits>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace vantoro::pipewire {
+
+namespace {
+
+constexpr std::int64_t start = 4800000;
+constexpr CaptureTimeline::TapId tapA = 1;
+constexpr CaptureTimeline::TapId tapB = 2;
+constexpr CaptureTimeline::TapId mic = 3;
+
+Stamp stampAt(std::int64_t position, std::uint32_t frames) {
+    return {.nanoseconds = static_cast<std::uint64_t>(position) * 62500 / 3, .frames = frames};
+}
+
+class Timeline : public ::testing::Test {
+protected:
+    struct Block {
+        CaptureSource source;
+        std::int64_t position;
+        std::size_t frames;
+    };
+
+    void SetUp() override { timeline.begin(start); }
+
+    std::int64_t place(CaptureTimeline::TapId tap, std::int64_t position, std::uint32_t frames,
+                       float value) {
+        const std::size_t channels = tap == mic ? 1 : 2;
+        return timeline.place(tap, stampAt(position, frames),
+                              std::vector<float>(frames * channels, value));
+    }
+
+    void emitAll(std::int64_t upTo) {
+        timeline.emitAll(upTo, [this](CaptureSource source, std::int64_t position,
+                                      std::span<const float> planes, std::size_t frames) {
+            blocks.push_back({source, position, frames});
+            auto& line = source == CaptureSource::systemAudio ? system : microphone;
+            line.insert(line.end(), planes.begin(),
+                        planes.begin() + static_cast<std::ptrdiff_t>(frames)); // the left side
+        });
+    }
+
+    CaptureTimeline timeline;
+    std::vector<Block> blocks;
+    std::vector<float> system; // from start on
+    std::vector<float> microphone;
+};
+
+TEST_F(Timeline, addsUpTapsWhereTheirStampsLie) {
+    timeline.addTap(tapA, CaptureSource::systemAudio, start);
+    timeline.addTap(tapB, CaptureSource::systemAudio, start);
+    place(tapA, start, 300, 1);
+    place(tapB, start + 100, 100, 2);
+    emitAll(start + 300);
+    ASSERT_EQ(system.size(), 300U);
+    EXPECT_EQ(system[99], 1);
+    EXPECT_EQ(system[100], 3);
+    EXPECT_EQ(system[199], 3);
+    EXPECT_EQ(system[200], 1);
+}
+
+TEST_F(Timeline, countsFramesWhileStampsTremble) {
+    timeline.addTap(tapA, CaptureSource::systemAudio, start);
+    place(tapA, start, 100, 1);
+    EXPECT_EQ(place(tapA, start + 190, 100, 1), 90);
+    EXPECT_EQ(place(tapA, start + 150, 100, 1), -50);
+    emitAll(start + 300);
+    EXPECT_EQ(system, std::vector<float>(300, 1));
+}
+
+TEST_F(Timeline, fillsALongGapWithSilence) {
+    timeline.addTap(tapA, CaptureSource::systemAudio, start);
+    place(tapA, start, 100, 1);
+    EXPECT_EQ(place(tapA, start + 100 + CaptureTimeline::tolerance + 1, 100, 1), 0);
+    emitAll(timeline.end(start));
+    ASSERT_EQ(system.size(), 201U + CaptureTimeline::tolerance);
+    EXPECT_EQ(system[100], 0);
+    EXPECT_EQ(system[100 + CaptureTimeline::tolerance], 0);
+    EXPECT_EQ(system[101 + CaptureTimeline::tolerance], 1);
+}
+
+TEST_F(Timeline, neverOverlapsSoundThatIsAheadOfItsStamps) {
+    timeline.addTap(tapA, CaptureSource::systemAudio, start);
+    place(tapA, start, 4000, 1);
+    place(tapA, start + 100, 100, 1);
+    emitAll(start + 4100);
+    EXPECT_EQ(system, std::vector<float>(4100, 1));
+}
+
+TEST_F(Timeline, shortensSilenceThatIsAheadOfItsStamps) {
+    timeline.addTap(tapA, CaptureSource::systemAudio, start);
+    place(tapA, start, 4000, 1);
+    EXPECT_EQ(place(tapA, start + 3000, 2000, 0), 0);
+    place(tapA, start + 5000, 100, 1);
+    emitAll(start + 5100);
+    EXPECT_EQ(system[3999], 1);
+    EXPECT_EQ(system[4000], 0);
+    EXPECT_EQ(system[4999], 0);
+    EXPECT_EQ(system[5000], 1);
+}
+
+TEST_F(Timeline, bringsSilenceThatIsBehindToItsStamps) {
+    timeline.addTap(tapA, CaptureSource::systemAudio, start);
+    place(tapA, start, 100, 1);
+    EXPECT_EQ(place(tapA, start + 100 + CaptureTimeline::toleranceInSilence + 1, 100, 0), 0);
+}
+
+TEST_F(Timeline, leavesOutWhatWasCapturedBeforeTheBeginning) {
+    timeline.addTap(tapA, CaptureSource::systemAudio, start - 500);
+    place(tapA, start - 60, 100, 1);
+    emitAll(start + 40);
+    EXPECT_EQ(system, std::vector<float>(40, 1));
+}
+
+TEST_F(Timeline, waitsForTheSlowestTap) {
+    timeline.addTap(tapA, CaptureSource::systemAudio, start);
+    timeline.addTap(mic, CaptureSource::microphone, start);
+    place(tapA, start, 1000, 1);
+    EXPECT_EQ(timeline.horizon(start + 1000), start);
+    place(mic, start, 400, 1);
+    EXPECT_EQ(timeline.horizon(start + 1000), start + 400);
+}
+
+TEST_F(Timeline, waitsNoLongerThanItsPatience) {
+    timeline.addTap(tapA, CaptureSource::systemAudio, start);
+    timeline.addTap(mic, CaptureSource::microphone, start);
+    place(tapA, start, 60000, 1);
+    EXPECT_EQ(timeline.horizon(start + CaptureTimeline::patience), start + 60000);
+    timeline.removeTap(tapA);
+    EXPECT_EQ(timeline.horizon(start + 90000), start + 90000 - CaptureTimeline::patience);
+}
+
+TEST_F(Timeline, goesOnInSilenceWithoutAnyTap) {
+    EXPECT_EQ(timeline.horizon(start + 60000), start + 60000 - CaptureTimeline::patience);
+    EXPECT_EQ(timeline.end(start + 60000), start + 60000);
+}
+
+TEST_F(Timeline, putsTheFirstSoundOfALateTapBehindRatherThanLosingIt) {
+    timeline.addTap(tapA, CaptureSource::systemAudio, start);
+    place(tapA, start, 2048, 0.5F);
+    emitAll(start + 2048);
+    timeline.addTap(tapB, CaptureSource::systemAudio, start + 2048);
+    place(tapB, start + 1500, 100, 1);
+    place(tapA, start + 2048, 200, 0.5F);
+    emitAll(start + 2248);
+    EXPECT_EQ(system[2047], 0.5F);
+    EXPECT_EQ(system[2048], 1.5F);
+    EXPECT_EQ(system[2147], 1.5F);
+    EXPECT_EQ(system[2148], 0.5F);
+}
+
+TEST_F(Timeline, emitsBothSourcesInTurnAndOfOneLength) {
+    timeline.addTap(mic, CaptureSource::microphone, start);
+    place(mic, start, 2500, 1);
+    emitAll(timeline.end(start + 2500));
+    ASSERT_EQ(blocks.size(), 6U);
+    for (std::size_t i = 0; i < blocks.size(); ++i) {
+        EXPECT_EQ(blocks[i].source,
+                  i % 2 == 0 ? CaptureSource::systemAudio : CaptureSource::microphone);
+        EXPECT_EQ(blocks[i].position, start + static_cast<std::int64_t>(i / 2 * 1024));
+    }
+    EXPECT_EQ(blocks[0].frames, 1024U);
+    EXPECT_EQ(blocks[5].frames, 452U);
+    EXPECT_EQ(system, std::vector<float>(2500, 0));
+    EXPECT_EQ(microphone, std::vector<float>(2500, 1));
+}
+
+TEST_F(Timeline, keepsWhatATapDeliveredBeforeItWent) {
+    timeline.addTap(tapA, CaptureSource::systemAudio, start);
+    place(tapA, start, 100, 1);
+    timeline.removeTap(tapA);
+    emitAll(start + 100);
+    EXPECT_EQ(system, std::vector<float>(100, 1));
+}
+
+TEST_F(Timeline, countsSamplesThatAreNoNumbersAsSilence) {
+    timeline.addTap(tapA, CaptureSource::systemAudio, start);
+    timeline.addTap(tapB, CaptureSource::systemAudio, start);
+    place(tapA, start, 10, std::numeric_limits<float>::quiet_NaN());
+    place(tapB, start, 10, 0.5F);
+    emitAll(start + 10);
+    EXPECT_EQ(system, std::vector<float>(10, 0.5F));
+}
+
+TEST(GridPosition, isTheNearestFrame) {
+    EXPECT_EQ(gridPosition(0), 0);
+    EXPECT_EQ(gridPosition(1'000'000'000), 48000);
+    EXPECT_EQ(gridPosition(20'833), 1);
+    EXPECT_EQ(gridPosition(10'416), 0);
+    EXPECT_EQ(gridPosition(10'417), 1);
+}
+
+} // namespace
+
+} // namespace vantoro::pipewire

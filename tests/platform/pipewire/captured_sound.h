@@ -1,0 +1,62 @@
+#pragma once
+
+#include <chrono>
+#include <condition_variable>
+#include <cstdint>
+#include <exception>
+#include <functional>
+#include <mutex>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "engine/ports/capture_stream.h"
+
+namespace vantoro::testing {
+
+/// One source as it was delivered.
+struct DeliveredTrack {
+    std::int64_t start = 0;                   ///< grid position of the first frame
+    std::vector<std::vector<float>> channels; ///< all of one length
+    std::size_t discontinuities = 0; ///< buffers that do not begin where the last one ended
+
+    std::size_t frames() const { return channels.empty() ? 0 : channels.front().size(); }
+};
+
+/// Keeps all that a capture stream delivers. Any thread.
+class CapturedSound final : public CaptureStreamReceiver {
+public:
+    void didOutputSampleBuffer(const SampleBuffer& buffer, StreamOutputType type) override;
+    void streamDidStop(std::exception_ptr error) override;
+
+    DeliveredTrack audio() const;
+    DeliveredTrack microphone() const;
+    /// By how many frames one source was ever delivered ahead of the other.
+    std::int64_t largestLead() const;
+    /// Texts of all the errors that the stream stopped with.
+    std::vector<std::string> stops() const;
+
+    /// Waits until the condition, looked at after each buffer, holds. False when it never does.
+    bool waitUntil(const std::function<bool()>& condition, std::chrono::seconds limit);
+    /// Waits for this much more sound.
+    bool waitForMore(double seconds);
+    /// Waits until the last 100 ms of left channel, or microphone, hold a tone, or do not.
+    bool waitForTone(StreamOutputType type, double frequency, bool present = true);
+
+private:
+    mutable std::mutex mutex_;
+    std::condition_variable changed_;
+    DeliveredTrack audio_;
+    DeliveredTrack microphone_;
+    std::int64_t largestLead_ = 0;
+    std::vector<std::string> stops_;
+};
+
+/// The amplitude of one frequency in samples of 48 kHz.
+double amplitudeOf(double frequency, std::span<const float> samples);
+
+/// The largest absolute sample.
+float peakOf(std::span<const float> samples);
+
+} // namespace vantoro::testing

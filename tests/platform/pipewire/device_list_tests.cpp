@@ -1,0 +1,61 @@
+#include "platform/pipewire/device_list.h"
+
+#include <csignal>
+#include <cstdlib>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "platform/pipewire/screen_capture_access.h"
+#include "tests/platform/pipewire/sound_session.h"
+
+namespace vantoro::testing {
+
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+TEST(DeviceList, listsTheMicrophonesAndTheDefaultOne) {
+    const pipewire::DeviceList list;
+    EXPECT_THAT(list.microphones(),
+                ElementsAre(AudioInputDevice{"vantoro-microphone", "Virtual Microphone"}));
+    EXPECT_EQ(list.defaultMicrophone(), "vantoro-microphone");
+    SoundSession::makeDevice("second-microphone", "Audio/Source/Virtual", "MONO");
+    EXPECT_EQ(list.microphones().size(), 2U);
+    EXPECT_TRUE(list.isVisible("second-microphone"));
+    EXPECT_FALSE(list.isVisible("vantoro-output-1"));
+}
+
+TEST(DeviceList, isEmptyWithoutASoundServer) {
+    ASSERT_EQ(setenv("PIPEWIRE_REMOTE", "no-such-server", 1), 0);
+    const pipewire::DeviceList list;
+    EXPECT_THAT(list.microphones(), IsEmpty());
+    EXPECT_EQ(list.defaultMicrophone(), std::nullopt);
+}
+
+TEST(ScreenCaptureAccess, isGrantedWhereTheSoundServerLetsUs) {
+    pipewire::ScreenCaptureAccess access;
+    EXPECT_TRUE(access.preflight());
+    EXPECT_TRUE(access.request());
+}
+
+TEST(ScreenCaptureAccess, isRefusedWithoutASoundServer) {
+    ASSERT_EQ(setenv("PIPEWIRE_REMOTE", "no-such-server", 1), 0);
+    pipewire::ScreenCaptureAccess access;
+    EXPECT_FALSE(access.preflight());
+    EXPECT_FALSE(access.request());
+}
+
+TEST(ScreenCaptureAccess, isRefusedAfterTwoSecondsWithoutAnAnswer) {
+    pipewire::ScreenCaptureAccess access;
+    SoundSession::signalServer(SIGSTOP);
+    const auto before = std::chrono::steady_clock::now();
+    EXPECT_FALSE(access.preflight());
+    EXPECT_LT(std::chrono::steady_clock::now() - before, std::chrono::seconds(3));
+    SoundSession::signalServer(SIGCONT);
+}
+
+} // namespace
+
+} // namespace vantoro::testing

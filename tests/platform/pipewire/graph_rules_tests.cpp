@@ -1,0 +1,232 @@
+#include "platform/pipewire/graph_rules.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "platform/pipewire/graph_mirror.h"
+
+namespace vantoro::pipewire {
+
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+constexpr ObjectId speakers = 10;
+constexpr ObjectId headphones = 11;
+constexpr ObjectId virtualMicrophone = 12;
+constexpr ObjectId microphone = 13;
+constexpr ObjectId speakersTap = 20;
+constexpr ObjectId headphonesTap = 21;
+constexpr ObjectId microphoneStream = 22;
+constexpr ObjectId application = 30;
+constexpr ObjectId applicationClient = 60;
+
+/// Two outputs with taps, two microphones, and one application that plays in stereo.
+class GraphRules : public ::testing::Test {
+protected:
+    void SetUp() override {
+        addNode(speakers, "Audio/Sink", "speakers");
+        addNode(headphones, "Audio/Sink", "headphones");
+        addNode(virtualMicrophone, "Audio/Source/Virtual", "virtual");
+        addNode(microphone, "Audio/Source", "mic");
+        addNode(speakersTap, "Stream/Input/Audio", "tap");
+        addNode(headphonesTap, "Stream/Input/Audio", "tap");
+        addNode(microphoneStream, "Stream/Input/Audio", "mic-stream");
+        addNode(application, "Stream/Output/Audio", "app");
+        graph.nodes[application].client = applicationClient;
+        graph.nodes[application].autoconnect = true;
+        graph.defaultOutput = "speakers";
+        addTapPorts(100, speakersTap);
+        addTapPorts(110, headphonesTap);
+        graph.ports[200] = {application, PortDirection::output, "FL"};
+        graph.ports[201] = {application, PortDirection::output, "FR"};
+        graph.ports[300] = {microphone, PortDirection::output, "FL"};
+        graph.ports[301] = {microphone, PortDirection::output, "FR"};
+        graph.ports[310] = {microphoneStream, PortDirection::input, "MONO"};
+        own.tapOfOutput = {{speakers, speakersTap}, {headphones, headphonesTap}};
+    }
+
+    void addNode(ObjectId id, const char* mediaClass, const char* name) {
+        Node node;
+        node.mediaClass = mediaClass;
+        node.name = name;
+        node.serial = std::to_string(id + 1000);
+        graph.nodes[id] = node;
+    }
+
+    void addTapPorts(ObjectId first, ObjectId tap) {
+        for (const char* channel : {"FL", "FR", "FC", "LFE", "RL", "RR", "SL", "SR"}) {
+            graph.ports[first++] = {tap, PortDirection::input, channel};
+        }
+    }
+
+    void connect(ObjectId from, ObjectId to) {
+        graph.links[static_cast<ObjectId>(400 + graph.links.size())] = {from, to};
+    }
+
+    std::set<PortLink> links(bool excludesOwnSound = true) {
+        return wantedLinks(graph, self, own, excludesOwnSound);
+    }
+
+    const std::set<PortLink> toSpeakersTap{{200, 100}, {201, 101}};
+    const std::set<PortLink> toHeadphonesTap{{200, 110}, {201, 111}};
+    Graph graph;
+    Self self{.client = 61, .processId = "4711"};
+    OwnNodes own;
+};
+
+TEST_F(GraphRules, anApplicationIsHeardOnTheOutputThatItPlaysOn) {
+    connect(application, headphones);
+    EXPECT_EQ(links(), toHeadphonesTap);
+}
+
+TEST_F(GraphRules, ourOwnLinksSayNothingAboutWhereAnApplicationPlays) {
+    connect(application, speakersTap);
+    connect(application, headphones);
+    EXPECT_EQ(links(), toHeadphonesTap);
+}
+
+TEST_F(GraphRules, beforeItIsConnectedAnApplicationIsExpectedOnTheDefaultOutput) {
+    EXPECT_EQ(links(), toSpeakersTap);
+    graph.defaultOutput = "headphones";
+    EXPECT_EQ(links(), toHeadphonesTap);
+    graph.defaultOutput = "";
+    EXPECT_THAT(links(), IsEmpty());
+}
+
+TEST_F(GraphRules, beforeItIsConnectedAnApplicationIsExpectedWhereItAsksToGo) {
+    graph.nodes[application].targetObject = "headphones";
+    EXPECT_EQ(links(), toHeadphonesTap);
+    graph.nodes[application].targetObject = "1011"; // the serial
+    EXPECT_EQ(links(), toHeadphonesTap);
+    graph.nodes[application].targetObject = "gone";
+    EXPECT_EQ(links(), toSpeakersTap);
+    graph.nodes[application].targetObject = "virtual";
+    EXPECT_THAT(links(), IsEmpty());
+}
+
+TEST_F(GraphRules, beforeItIsConnectedAnApplicationIsExpectedWhereTheUserMovedIt) {
+    graph.nodes[application].targetObject = "speakers";
+    graph.targets[application] = "headphones";
+    EXPECT_EQ(links(), toHeadphonesTap);
+    graph.targets[application] = "-1";
+    EXPECT_EQ(links(), toSpeakersTap);
+}
+
+TEST_F(GraphRules, nothingIsExpectedOfAStreamThatIsNotConnectedAutomatically) {
+    graph.nodes[application].autoconnect = false;
+    EXPECT_THAT(links(), IsEmpty());
+    connect(application, speakers);
+    EXPECT_EQ(links(), toSpeakersTap);
+}
+
+TEST_F(GraphRules, whatPlaysIntoAVirtualMicrophoneIsNotHeard) {
+    connect(application, virtualMicrophone);
+    EXPECT_THAT(links(), IsEmpty());
+    connect(application, speakers);
+    EXPECT_EQ(links(), toSpeakersTap);
+}
+
+TEST_F(GraphRules, anotherRecorderOfAnApplicationChangesNothing) {
+    addNode(50, "Stream/Input/Audio", "another-recorder");
+    connect(application, 50);
+    EXPECT_EQ(links(), toSpeakersTap);
+}
+
+TEST_F(GraphRules, anApplicationWithoutPortsOrTapWaits) {
+    connect(application, headphones);
+    own.tapOfOutput.erase(headphones);
+    EXPECT_THAT(links(), IsEmpty());
+}
+
+TEST_F(GraphRules, portsThatWereMadeAnewAreLinkedAnew) {
+    connect(application, speakers);
+    graph.ports.erase(200);
+    graph.ports.erase(201);
+    EXPECT_THAT(links(), IsEmpty());
+    graph.ports[205] = {application, PortDirection::output, "MONO"};
+    EXPECT_EQ(links(), (std::set<PortLink>{{205, 100}, {205, 101}}));
+}
+
+TEST_F(GraphRules, ourOwnSoundIsLeftOutHoweverItIsKnown) {
+    const Graph foreign = graph;
+    const auto expectOwn = [&] {
+        EXPECT_THAT(links(), IsEmpty());
+        EXPECT_EQ(links(false), toSpeakersTap);
+        graph = foreign;
+    };
+    graph.nodes[application].client = self.client;
+    expectOwn();
+    graph.clientProcesses[applicationClient] = "4711";
+    expectOwn();
+    graph.nodes[application].processId = "4711";
+    expectOwn();
+    graph.nodes[application].markedAsOwn = true;
+    expectOwn();
+    graph.clientProcesses[applicationClient] = "471";
+    EXPECT_EQ(links(), toSpeakersTap);
+}
+
+TEST_F(GraphRules, whatPassesOnAnOutputIsNotHeardTwice) {
+    graph.nodes[application].linkGroup = "loopback-1";
+    EXPECT_EQ(links(), toSpeakersTap);
+    graph.nodes[microphoneStream].linkGroup = "loopback-1";
+    EXPECT_EQ(links(), toSpeakersTap) << "a microphone that is played back is heard but once";
+    graph.nodes[headphones].linkGroup = "loopback-1";
+    EXPECT_THAT(links(), IsEmpty());
+}
+
+TEST_F(GraphRules, allChannelsOfTheMicrophoneReachItsStream) {
+    graph.nodes.erase(application);
+    own.microphone = microphone;
+    own.microphoneStream = microphoneStream;
+    EXPECT_EQ(links(), (std::set<PortLink>{{300, 310}, {301, 310}}));
+    own.microphoneStream = std::nullopt;
+    EXPECT_THAT(links(), IsEmpty());
+}
+
+TEST_F(GraphRules, outputsAreSinksOnly) {
+    EXPECT_THAT(outputs(graph), ElementsAre(speakers, headphones));
+}
+
+TEST_F(GraphRules, microphonesAreNamedByTheirDescription) {
+    graph.nodes[microphone].description = "Desk Microphone";
+    addNode(14, "Audio/Duplex", "interface");
+    EXPECT_THAT(microphones(graph), ElementsAre(AudioInputDevice{"virtual", "virtual"},
+                                                AudioInputDevice{"mic", "Desk Microphone"},
+                                                AudioInputDevice{"interface", "interface"}));
+    EXPECT_EQ(findMicrophone(graph, "mic"), microphone);
+    EXPECT_EQ(findMicrophone(graph, "speakers"), std::nullopt);
+    graph.nodes[microphone].name = "";
+    EXPECT_EQ(findMicrophone(graph, ""), std::nullopt);
+}
+
+TEST(ReadProperties, takesWhatIsNamedAndKeepsTheRest) {
+    Node node;
+    readProperties(node, {{"media.class", "Audio/Sink"}, {"node.name", "a"}, {"client.id", "35"}});
+    readProperties(node, {{"node.link-group", "g"},
+                          {"node.target", "old"},
+                          {"node.autoconnect", "true"},
+                          {"vantoro.own", "true"}});
+    EXPECT_EQ(node.mediaClass, "Audio/Sink");
+    EXPECT_EQ(node.client, 35U);
+    EXPECT_EQ(node.linkGroup, "g");
+    EXPECT_EQ(node.targetObject, "old");
+    EXPECT_TRUE(node.autoconnect);
+    EXPECT_TRUE(node.markedAsOwn);
+    readProperties(node, {{"node.target", "old"}, {"target.object", "new"}});
+    EXPECT_EQ(node.targetObject, "new");
+}
+
+TEST(DefaultDeviceName, isReadFromTheMetadata) {
+    EXPECT_EQ(defaultDeviceName(R"({"name":"alsa_input.usb"})"), "alsa_input.usb");
+    EXPECT_EQ(defaultDeviceName(R"({ "other": "x", "name": "a b" })"), "a b");
+    EXPECT_EQ(defaultDeviceName("{}"), "");
+    EXPECT_EQ(defaultDeviceName("nonsense"), "");
+    EXPECT_EQ(defaultDeviceName(nullptr), "");
+}
+
+} // namespace
+
+} // namespace vantoro::pipewire

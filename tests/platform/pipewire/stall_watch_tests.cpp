@@ -1,0 +1,59 @@
+#include "platform/pipewire/stall_watch.h"
+
+#include <gtest/gtest.h>
+
+namespace vantoro::pipewire {
+
+namespace {
+
+constexpr std::uint64_t second = 1'000'000'000;
+
+class Stall : public ::testing::Test {
+protected:
+    /// Updates twice a second without any callback; after how many seconds it is called a stall, or
+    /// `most`.
+    std::uint64_t secondsUntilStall(std::uint64_t most) {
+        for (std::uint64_t half = 1; half <= 2 * most; ++half) {
+            now += second / 2;
+            if (watch.update(callbacks, now, now + asleep)) {
+                return half / 2;
+            }
+        }
+        return most;
+    }
+
+    StallWatch watch;
+    std::uint64_t callbacks = 50;
+    std::uint64_t now = 1000 * second;
+    std::uint64_t asleep = 77 * second;
+};
+
+TEST_F(Stall, isToldAfterTenSecondsWithoutACallback) {
+    watch.update(callbacks, now, now + asleep);
+    EXPECT_EQ(secondsUntilStall(20), 10U);
+}
+
+TEST_F(Stall, isNotToldWhileCallbacksCome) {
+    for (int half = 0; half < 100; ++half) {
+        now += second / 2;
+        EXPECT_FALSE(watch.update(++callbacks, now, now + asleep));
+    }
+}
+
+TEST_F(Stall, beginsAnewAfterTheMachineWasSuspended) {
+    watch.update(callbacks, now, now + asleep);
+    EXPECT_EQ(secondsUntilStall(9), 9U);
+    asleep += 3600 * second;
+    EXPECT_EQ(secondsUntilStall(20), 10U);
+}
+
+TEST_F(Stall, doesNotCountTimeInWhichWeDidNotRun) {
+    watch.update(callbacks, now, now + asleep);
+    now += 60 * second;
+    EXPECT_FALSE(watch.update(callbacks, now, now + asleep));
+    EXPECT_EQ(secondsUntilStall(20), 9U);
+}
+
+} // namespace
+
+} // namespace vantoro::pipewire

@@ -1,0 +1,95 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include <sys/resource.h>
+#include <sys/types.h>
+
+#include <gtest/gtest.h>
+
+namespace vantoro::testing {
+
+/// A folder of its own on the real disk, gone at the end with all that is in it.
+class TemporaryFolder {
+public:
+    TemporaryFolder();
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+    ~TemporaryFolder();
+
+    const std::filesystem::path& path() const { return path_; }
+
+private:
+    std::filesystem::path path_;
+};
+
+/// A disk that holds `size` bytes. Where mounting one is not permitted, a limit on the size of
+/// files stands in for it: the system refuses the same writes, for another reason.
+class SmallDisk {
+public:
+    explicit SmallDisk(std::size_t size);
+    SmallDisk(const SmallDisk&) = delete;
+    SmallDisk& operator=(const SmallDisk&) = delete;
+    ~SmallDisk();
+
+    const std::filesystem::path& path() const { return folder_.path(); }
+
+    int errorWhenFull() const;
+    /// Takes away the room that is left, but for a few bytes at most; `empty` gives it back.
+    void fill();
+    void empty();
+
+private:
+    TemporaryFolder folder_;
+    bool mounted_;
+    std::size_t size_;
+    rlimit limitBefore_{};
+
+    void limitFiles(std::size_t size) const;
+};
+
+/// A folder in which nothing can be created, for the administrator neither where possible.
+class ReadOnlyFolder {
+public:
+    ReadOnlyFolder();
+    ReadOnlyFolder(const ReadOnlyFolder&) = delete;
+    ReadOnlyFolder& operator=(const ReadOnlyFolder&) = delete;
+    ~ReadOnlyFolder();
+
+    const std::filesystem::path& path() const { return path_; }
+
+private:
+    TemporaryFolder folder_;
+    bool mounted_;
+    std::filesystem::path path_;
+};
+
+/// Sets the user's mask for a while.
+class Mask {
+public:
+    explicit Mask(mode_t mask);
+    Mask(const Mask&) = delete;
+    Mask& operator=(const Mask&) = delete;
+    ~Mask();
+
+private:
+    mode_t before_;
+};
+
+std::vector<std::byte> bytesOf(const std::string& text);
+/// By the C++ library's own reader.
+std::string contentOf(const std::filesystem::path& path);
+void writeFile(const std::filesystem::path& path, const std::string& content);
+mode_t permissionsOf(const std::filesystem::path& path);
+
+/// Expects the work to throw a std::system_error with this text.
+void expectFailure(const std::function<void()>& work, const std::string& text);
+/// As the system words it.
+std::string reason(int errorNumber);
+
+} // namespace vantoro::testing

@@ -1,0 +1,167 @@
+#include "platform/posix/posix_file_system.h"
+
+#include <cerrno>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/platform/posix/disk.h"
+
+namespace vantoro::testing {
+namespace {
+
+class PosixFileSystemTest : public ::testing::Test {
+protected:
+    TemporaryFolder folder;
+    posix::PosixFileSystem fileSystem;
+
+    std::filesystem::path in(const std::string& name) const { return folder.path() / name; }
+};
+
+TEST_F(PosixFileSystemTest, foldersAreCreatedWithTheirParentsAndMayExist) {
+    fileSystem.createFolders(in("a/b/c"));
+    EXPECT_TRUE(std::filesystem::is_directory(in("a/b/c")));
+    fileSystem.createFolders(in("a/b/c"));
+    fileSystem.createFolders(in("a/d/")); // as a path that a user typed may end
+    EXPECT_TRUE(std::filesystem::is_directory(in("a/d")));
+}
+
+TEST_F(PosixFileSystemTest, linkToAFolderCountsAsTheFolder) {
+    std::filesystem::create_directory(in("real"));
+    std::filesystem::create_symlink("real", in("link"));
+    fileSystem.createFolders(in("link"));
+    fileSystem.createFolders(in("link/inner"));
+    EXPECT_TRUE(std::filesystem::is_directory(in("real/inner")));
+}
+
+TEST_F(PosixFileSystemTest, anythingAtAllExists) {
+    EXPECT_FALSE(fileSystem.exists(in("nothing")));
+    writeFile(in("file"), "x");
+    std::filesystem::create_directory(in("folder"));
+    std::filesystem::create_symlink("nowhere", in("dangling"));
+    EXPECT_TRUE(fileSystem.exists(in("file")));
+    EXPECT_TRUE(fileSystem.exists(in("folder")));
+    EXPECT_TRUE(fileSystem.exists(in("dangling")));
+    EXPECT_FALSE(fileSystem.exists(in("file/below")));
+    EXPECT_FALSE(fileSystem.exists(in("no/folder")));
+}
+
+TEST_F(PosixFileSystemTest, removesAFileOrALinkOrAnEmptyFolder) {
+    writeFile(in("file"), "x");
+    std::filesystem::create_directory(in("folder"));
+    std::filesystem::create_symlink("file", in("link"));
+    fileSystem.remove(in("link"));
+    EXPECT_EQ(contentOf(in("file")), "x"); // what it led to stays
+    fileSystem.remove(in("file"));
+    fileSystem.remove(in("folder"));
+    EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
+}
+
+TEST_F(PosixFileSystemTest, neverRemovesAFolderThatHoldsSomething) {
+    fileSystem.createFolders(in("folder"));
+    writeFile(in("folder/precious"), "x");
+    expectFailure([&] { fileSystem.remove(in("folder")); },
+                  "Cannot remove folder: " + reason(ENOTEMPTY));
+    EXPECT_EQ(contentOf(in("folder/precious")), "x");
+}
+
+TEST_F(PosixFileSystemTest, removingNothingFails) {
+    expectFailure([&] { fileSystem.remove(in("nothing")); },
+                  "Cannot remove nothing: " + reason(ENOENT));
+}
+
+TEST_F(PosixFileSystemTest, movingKeepsTheContentAndReplacesAFile) {
+    writeFile(in("staging"), "new");
+    writeFile(in("final"), "old");
+    fileSystem.move(in("staging"), in("final"));
+    EXPECT_EQ(contentOf(in("final")), "new");
+    EXPECT_FALSE(fileSystem.exists(in("staging")));
+}
+
+TEST_F(PosixFileSystemTest, movingOntoAFolderFailsAndKeepsBoth) {
+    writeFile(in("staging"), "new");
+    fileSystem.createFolders(in("final"));
+    expectFailure([&] { fileSystem.move(in("staging"), in("final")); },
+                  "Cannot create final: " + reason(EISDIR));
+    EXPECT_EQ(contentOf(in("staging")), "new");
+    EXPECT_TRUE(std::filesystem::is_directory(in("final")));
+}
+
+TEST_F(PosixFileSystemTest, folderIsSyncedWhereItsFileSystemCan) {
+    fileSystem.syncFolder(folder.path());
+    fileSystem.syncFolder(""); // the folder part of a bare file name
+    // Folders of this file system refuse to be synced: there is nothing to be done about it.
+    const int refusing = ::open("/proc/self", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    ASSERT_NE(refusing, -1);
+    EXPECT_EQ(::fsync(refusing), -1);
+    ::close(refusing);
+    fileSystem.syncFolder("/proc/self");
+}
+
+TEST_F(PosixFileSystemTest, syncingNoFolderFails) {
+    expectFailure([&] { fileSystem.syncFolder(in("nothing")); },
+                  "Cannot open nothing: " + reason(ENOENT));
+    writeFile(in("file"), "x");
+    expectFailure([&] { fileSystem.syncFolder(in("file")); },
+                  "Cannot open file: " + reason(ENOTDIR));
+}
+
+TEST_F(PosixFileSystemTest, readsAtAnyOffsetAndLessOnlyAtTheEnd) {
+    writeFile(in("file"), "0123456789");
+    const auto file = fileSystem.open(in("file"));
+    EXPECT_EQ(file->size(), 10);
+    std::vector<std::byte> bytes(4);
+    EXPECT_EQ(file->readAt(3, bytes), 4);
+    EXPECT_EQ(bytes, bytesOf("3456"));
+    EXPECT_EQ(file->readAt(8, bytes), 2);
+    EXPECT_EQ(bytes, bytesOf("8956"));
+    EXPECT_EQ(file->readAt(10, bytes), 0);
+    EXPECT_EQ(file->readAt(0, {}), 0);
+}
+
+TEST_F(PosixFileSystemTest, readerSeesAFileGrow) {
+    const auto writer = fileSystem.create(in("file"), FileAudience::userOnly);
+    const auto reader = fileSystem.open(in("file"));
+    EXPECT_EQ(reader->size(), 0);
+    writer->writeAt(0, bytesOf("more"));
+    EXPECT_EQ(reader->size(), 4);
+    std::vector<std::byte> bytes(4);
+    EXPECT_EQ(reader->readAt(0, bytes), 4);
+    EXPECT_EQ(bytes, bytesOf("more"));
+}
+
+TEST_F(PosixFileSystemTest, threadsReadOneFileSideBySide) {
+    std::string content;
+    for (char c = 'a'; c <= 'z'; ++c) {
+        content.append(4096, c);
+    }
+    writeFile(in("file"), content);
+    const auto file = fileSystem.open(in("file"));
+    const auto readAll = [&] {
+        for (std::size_t letter = 0; letter < 26; ++letter) {
+            std::vector<std::byte> bytes(4096);
+            EXPECT_EQ(file->readAt(letter * 4096, bytes), 4096);
+            EXPECT_THAT(bytes, ::testing::Each(static_cast<std::byte>('a' + letter)));
+        }
+    };
+    const std::jthread other(readAll);
+    readAll();
+}
+
+TEST_F(PosixFileSystemTest, opensOnlyRegularFilesAndNeverWaitsForAPipe) {
+    expectFailure([&] { fileSystem.open(in("nothing")); },
+                  "Cannot open nothing: " + reason(ENOENT));
+    expectFailure([&] { fileSystem.open(folder.path()); },
+                  "Cannot open " + folder.path().filename().string() + ": " + reason(EISDIR));
+    ASSERT_EQ(::mkfifo(in("pipe").c_str(), 0600), 0);
+    expectFailure([&] { fileSystem.open(in("pipe")); }, "Cannot open pipe: " + reason(EINVAL));
+}
+
+} // namespace
+} // namespace vantoro::testing

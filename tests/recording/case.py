@@ -1,0 +1,23 @@
+"""What the test cases share: a folder of their own, and being run one by one."""
+
+import sys
+import tempfile
+import unittest
+from pathlib import Path
+
+
+class RecordingCase(unittest.TestCase):
+    def setUp(self):
+        temporary = tempfile.TemporaryDirectory(prefix="vantoro-recording-")
+        self.addCleanup(temporary.cleanup)
+        self.folder = Path(temporary.name) / "recordings"
+
+    def assert_decibels(self, measured, expected, tolerance=0.5):
+        from sound import decibels
+        self.assertAlmostEqual(decibels(measured), decibels(expected), delta=tolerance)
+
+
+def main(case_class):
+    """With a name, runs that case alone; else all of them."""
+    names = [f"{case_class.__name__}.test_{name}" for name in sys.argv[1:]]
+    unittest.main(argv=[sys.argv[0], *names], module="__main__")

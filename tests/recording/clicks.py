@@ -1,0 +1,32 @@
+"""Clicks that reach an output and the microphone at the same instant, and where a recording has them."""
+
+import subprocess
+
+import sound
+from sound import FIRST_OUTPUT, MICROPHONE
+
+
+class Clicks(sound.Playing):
+    """A short beep each second, played to the first output and into the microphone at once."""
+
+    def __init__(self, folder, seconds=120):
+        file = folder / "clicks.wav"
+        subprocess.run(["sox", "-q", "-n", "-r", "48000", "-c", "1", "-b", "16", str(file), "synth", "0.05",
+                        "sine", "2000", "vol", "0.5", "pad", "0", "0.95", "repeat", str(round(seconds))], check=True)
+        super().__init__("--file", file, "--channels", 1, "--to", FIRST_OUTPUT)
+
+    def __enter__(self):
+        super().__enter__()
+        # The stream has the channels of the output that it plays to.
+        subprocess.run(["pw-link", f"{self.name}:output_FL", f"{MICROPHONE}:input_MONO"], check=True)
+        return self
+
+
+def click_offsets(temporary_file):
+    """For each click of the system's track, how many seconds later the microphone's track has it.
+
+    The first and the last click may have been cut, and are left out.
+    """
+    system, microphone = (sound.sounding(sound.decoded(temporary_file, track)[0], 0.05, block=48)
+                          for track in (0, 1))
+    return [min((span[0] - begin for span in microphone), key=abs) for begin, _ in system[1:-1]]

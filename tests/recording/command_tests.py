@@ -1,0 +1,109 @@
+#!/usr/bin/python3
+"""The command line: what it prints, where, and with which status it ends."""
+
+import os
+import signal
+import subprocess
+import sys
+
+sys.dont_write_bytecode = True
+
+import recorder  # noqa: E402
+import sound  # noqa: E402
+from case import RecordingCase, main  # noqa: E402
+
+
+class CommandLine(RecordingCase):
+    def assert_refused(self, result, status, text):
+        self.assertEqual((result.status, result.output), (status, ""), result)
+        lines = result.errors.splitlines()
+        self.assertEqual(len(lines), 1, result)
+        self.assertIn(text, lines[0])
+
+    def test_devicesListsTheMicrophonesWithTheDefaultMarked(self):
+        result = recorder.run("devices")
+        self.assertEqual((result.status, result.errors), (0, ""))
+        self.assertEqual(result.output, f"* {sound.MICROPHONE}\tVirtual Microphone\n")
+
+    def test_devicesWithoutAMicrophoneSaysSo(self):
+        subprocess.run(["pw-cli", "destroy", sound.MICROPHONE], check=True, stdout=subprocess.DEVNULL)
+        result = recorder.run("devices")
+        self.assertEqual((result.status, result.output, result.errors), (0, "", "There is no microphone.\n"))
+
+    def test_devicesWithoutASoundServerFails(self):
+        environment = dict(os.environ, XDG_RUNTIME_DIR=str(self.folder.parent))
+        self.assert_refused(recorder.run("devices", env=environment), 1, "The sound server cannot be reached.")
+
+    def test_versionAndHelpAreOnStandardOutput(self):
+        self.assertRegex(recorder.run("--version").output, r"^vantoro \d+\.\d+\.\d+\n$")
+        self.assertIn("--microphone-volume", recorder.run("--help").output)
+
+    def test_wrongWordsAreOneLineAndStatusTwo(self):
+        for words in (["dance"], ["record", "--loud"], ["record", "--seconds", "ten"],
+                      ["record", "--system-volume=-1"], ["record", "--microphone-volume", "nan"], []):
+            self.assert_refused(recorder.run(*words), 2, "vantoro --help")
+
+    def test_unknownMicrophoneIsRefusedAndLeavesNothing(self):
+        self.assert_refused(recorder.record(self.folder, "--microphone", "not-there"), 1, "not-there")
+        self.assertFalse(self.folder.exists() and os.listdir(self.folder))
+
+    def test_folderThatCannotBeMadeIsRefused(self):
+        self.folder.write_text("a file")
+        self.assert_refused(recorder.record(self.folder / "below"), 1, "Not a directory")
+
+    def test_folderThatCannotBeWrittenIsRefused(self):
+        self.folder.mkdir()
+        subprocess.run(["mount", "-t", "tmpfs", "-o", "ro", "tmpfs", str(self.folder)], check=True)
+        self.addCleanup(subprocess.run, ["umount", str(self.folder)], check=True)
+        self.assert_refused(recorder.record(self.folder), 1, "Read-only file system")
+
+    def test_bothSourcesOffIsRefused(self):
+        self.assert_refused(recorder.record(self.folder, "--no-system-audio", "--no-microphone"), 1,
+                            "Turn on System Audio or Microphone before recording.")
+        self.assertFalse(self.folder.exists())
+
+    def test_withoutASoundServerThePermissionIsMissing(self):
+        environment = dict(os.environ, XDG_RUNTIME_DIR=str(self.folder.parent))
+        self.assert_refused(recorder.record(self.folder, env=environment), 1,
+                            "Screen & System Audio Recording permission is required.")
+
+    def test_missingFolderIsMadeWithItsParents(self):
+        path = recorder.record(self.folder / "a/b", "--seconds", 1).saved()
+        self.assertEqual(path.parent, self.folder / "a/b")
+
+    def test_defaultFolderIsVantoroInTheUsersVideos(self):
+        path = recorder.run("record", "--seconds", "1").saved()
+        self.assertEqual(path.parent.name, "Vantoro")
+        self.assertTrue(str(path).startswith(os.environ["HOME"] + "/"))
+
+    def test_terminalShowsTimeAndLevelsThenTheSaving(self):
+        self.folder.mkdir()
+        master, slave = os.openpty()
+        with sound.tone(440):
+            process = subprocess.Popen([recorder.PROGRAM, "record", "--folder", str(self.folder)],
+                                       stdout=subprocess.PIPE, stderr=slave, text=True)
+            os.close(slave)
+            shown = b""
+            while b"00:02  system [#" not in shown:
+                shown += os.read(master, 4096)
+            process.send_signal(signal.SIGINT)
+            output, _ = process.communicate(timeout=60)
+            try:
+                while data := os.read(master, 4096):
+                    shown += data
+            except OSError:
+                pass  # the other end is closed
+        self.assertIn(b"00:00  system [", shown)
+        self.assertIn(b"Saving 100 %", shown)
+        self.assertTrue(output.startswith(str(self.folder)))
+        os.close(master)
+
+    def test_twoRecordingsAtOnceAreTwoFiles(self):
+        first = recorder.Recording(self.folder, "--seconds", 3)
+        second = recorder.Recording(self.folder, "--seconds", 5)
+        paths = {first.finish().saved(), second.finish().saved()}
+        self.assertEqual(len(paths), 2)
+
+
+if __name__ == "__main__":
+    main(CommandLine)

@@ -1,0 +1,105 @@
+#!/usr/bin/python3
+"""What breaks while a recording runs: what was captured is saved or kept, and the user is told."""
+
+import os
+import shutil
+import signal
+import subprocess
+import sys
+
+sys.dont_write_bytecode = True
+
+import recorder  # noqa: E402
+import sound  # noqa: E402
+from case import RecordingCase, main  # noqa: E402
+
+SAVED_AFTER_INTERRUPTION = "Audio capture was interrupted. The captured audio was saved successfully."
+
+
+class Failure(RecordingCase):
+    def assert_saved_with(self, result, message, seconds):
+        left, _ = sound.decoded(result.saved())
+        self.assertGreater(len(left) / sound.RATE, seconds)
+        self.assertGreater(sound.amplitude(left, 440, 0.2, seconds - 0.1), 0.2)
+        self.assertEqual(result.errors.splitlines(), [message, SAVED_AFTER_INTERRUPTION])
+        self.assertEqual(recorder.temporary_files(self.folder), [])
+
+    def test_soundServerThatIsKilledEndsTheRecordingSaved(self):
+        with sound.tone(440):
+            recording = recorder.Recording(self.folder)
+            recording.wait_until_written()
+            os.kill(int(os.environ["VANTORO_SESSION_PIPEWIRE_PID"]), signal.SIGKILL)
+            result = recording.finish()
+        self.assert_saved_with(result, "The connection to the sound server was lost.", 0.9)
+
+    def test_microphoneThatDisappearsEndsTheRecordingSaved(self):
+        with sound.tone(440):
+            recording = recorder.Recording(self.folder, "--microphone", sound.MICROPHONE)
+            recording.wait_until_written()
+            subprocess.run(["pw-cli", "destroy", sound.MICROPHONE], check=True, stdout=subprocess.DEVNULL)
+            result = recording.finish()
+        self.assert_saved_with(result, "The microphone was disconnected.", 0.9)
+
+    def record_on_a_small_disk(self, kilobytes):
+        """Records until the second fragment does not fit."""
+        self.folder.mkdir()
+        subprocess.run(["mount", "-t", "tmpfs", "-o", f"size={kilobytes}k", "tmpfs", str(self.folder)], check=True)
+        self.addCleanup(subprocess.run, ["umount", "-l", str(self.folder)], check=True)
+        elsewhere = self.folder.parent
+        with sound.noise(elsewhere), sound.noise(elsewhere, "--into", sound.MICROPHONE):
+            return recorder.Recording(self.folder).finish()
+
+    def test_diskThatFillsUpEndsTheRecordingSaved(self):
+        result = self.record_on_a_small_disk(200)
+        lines = result.errors.splitlines()
+        self.assertIn("No space left on device", lines[0])
+        self.assertEqual(lines[1:], [SAVED_AFTER_INTERRUPTION])
+        path = result.saved()
+        self.assertGreater(len(sound.decoded(path)[0]) / sound.RATE, 0.9)
+        self.assertEqual([entry.name for entry in self.folder.iterdir()], [path.name])
+
+    def test_diskWithoutRoomForTheFinalFileKeepsWhatWasCaptured(self):
+        result = self.record_on_a_small_disk(60)
+        self.assertEqual((result.status, result.output), (1, ""))
+        self.assertIn("No space left on device", result.errors)
+        self.assertIn("checkpoint was kept", result.errors)
+        path, = recorder.temporary_files(self.folder)
+        self.assertGreater(len(sound.decoded(path)[0]) / sound.RATE, 0.9)
+        self.assertEqual([entry.name for entry in self.folder.iterdir()], [path.name])
+
+    def test_folderThatIsRemovedIsMadeAgainForTheRecording(self):
+        with sound.tone(440):
+            recording = recorder.Recording(self.folder)
+            recording.wait_until_written()
+            shutil.rmtree(self.folder)
+            result = recording.stop()
+        left, _ = sound.decoded(result.saved())
+        self.assertGreater(sound.amplitude(left, 440, 0.2, 0.9), 0.2)
+        self.assertEqual(recorder.temporary_files(self.folder), [])
+
+    def test_busyMachineLosesNoFrame(self):
+        burners = [subprocess.Popen([sys.executable, "-c", "while True: pass"])
+                   for _ in range(2 * (os.cpu_count() or 1))]
+        try:
+            with sound.tone(440):
+                path = recorder.record(self.folder, "--seconds", 10, "--no-microphone").saved()
+        finally:
+            for burner in burners:
+                burner.kill()
+                burner.wait()
+        left, _ = sound.decoded(path)
+        (begin, end), = sound.sounding(left, 0.15, block=160)
+        self.assertGreater(end - begin, 9.7)
+
+    def test_terminationSavesTheRecording(self):
+        with sound.tone(440):
+            recording = recorder.Recording(self.folder)
+            recording.wait_until_written()
+            result = recording.stop(signal.SIGTERM)
+        left, _ = sound.decoded(result.saved())
+        self.assertGreater(sound.amplitude(left, 440, 0.2, 0.9), 0.2)
+        self.assertEqual(result.errors, "")
+
+
+if __name__ == "__main__":
+    main(Failure)

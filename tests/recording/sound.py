@@ -1,0 +1,131 @@
+"""Plays sounds in the private desktop and measures what a recording holds of them."""
+
+import array
+import json
+import math
+import subprocess
+from pathlib import Path
+
+ROOT = Path(__file__).resolve().parents[2]
+RATE = 48000
+FIRST_OUTPUT = "vantoro-output-1"
+SECOND_OUTPUT = "vantoro-output-2"
+MICROPHONE = "vantoro-microphone"
+SECONDS_TO_APPEAR = 10
+
+
+class Playing:
+    """A sound played by an application of its own, from `with` on until its end."""
+
+    _count = 0
+
+    def __init__(self, *arguments, name=None):
+        Playing._count += 1
+        self.name = name or f"test-player-{Playing._count}"
+        command = [ROOT / "tools/play-test-sound", "--name", self.name, *map(str, arguments)]
+        self._process = subprocess.Popen(command)
+
+    def __enter__(self):
+        try:
+            wait_for_output_ports(self.name)
+        except BaseException:
+            self.stop()
+            raise
+        return self
+
+    def __exit__(self, *_):
+        self.stop()
+
+    def stop(self):
+        self._process.kill()
+        self._process.wait()
+
+    def wait(self, timeout):
+        self._process.wait(timeout)
+
+
+def tone(frequency, *arguments, amplitude=0.25, seconds=120):
+    return Playing("--tone", frequency, "--amplitude", amplitude, "--seconds", seconds, *arguments)
+
+
+def noise(folder, *arguments):
+    """What takes all the bits that a coder may use."""
+    file = Path(folder) / "noise.wav"
+    subprocess.run(["sox", "-q", "-n", "-r", str(RATE), "-c", "1", "-b", "16", str(file), "synth", "60", "whitenoise"],
+                   check=True)
+    return Playing("--file", file, "--amplitude", 0.3, *arguments)
+
+
+def wait_for_output_ports(node):
+    """Returns when a node of this name has an output port; follows the list of ports."""
+    monitor = subprocess.Popen(["timeout", str(SECONDS_TO_APPEAR), "stdbuf", "-oL", "pw-link", "-m", "-o"],
+                               stdout=subprocess.PIPE, text=True)
+    try:
+        if not any(line.split()[-1:] and line.split()[-1].startswith(node + ":") for line in monitor.stdout):
+            raise AssertionError(f"{node} did not begin to play within {SECONDS_TO_APPEAR} s")
+    finally:
+        monitor.kill()
+        monitor.wait()
+        monitor.stdout.close()
+
+
+def probe(path, *entries):
+    """What ffprobe says of a file."""
+    result = subprocess.run(
+        ["ffprobe", "-v", "error", "-show_format", "-show_streams", "-of", "json", *entries, str(path)],
+        check=True, capture_output=True, text=True)
+    if result.stderr:
+        raise AssertionError(f"ffprobe complains: {result.stderr}")
+    return json.loads(result.stdout)
+
+
+def decoded(path, track=0):
+    """The channels of a track as the ffmpeg program decodes them, at 48 kHz."""
+    channels = probe(path)["streams"][track]["channels"]
+    result = subprocess.run(
+        ["ffmpeg", "-v", "error", "-i", str(path), "-map", f"0:a:{track}", "-f", "f32le", "-ar", str(RATE), "-"],
+        check=True, capture_output=True)
+    if result.stderr:
+        raise AssertionError(f"ffmpeg complains: {result.stderr.decode()}")
+    samples = array.array("f", result.stdout)
+    return [samples[channel::channels] for channel in range(channels)]
+
+
+def amplitude(samples, frequency, begin, end):
+    """The amplitude of one frequency between two seconds, by a windowed sum."""
+    part = samples[round(begin * RATE):round(end * RATE)]
+    count = len(part)
+    step = 2 * math.pi * frequency / RATE
+    turn = 2 * math.pi / count
+    real = imaginary = weight = 0.0
+    for index, sample in enumerate(part):
+        window = 1 - math.cos(turn * index)
+        real += window * sample * math.cos(step * index)
+        imaginary += window * sample * math.sin(step * index)
+        weight += window
+    return 2 * math.hypot(real, imaginary) / weight
+
+
+def decibels(ratio):
+    return 20 * math.log10(max(ratio, 1e-9))
+
+
+def peak(samples, begin=0, end=None):
+    part = samples[round(begin * RATE):None if end is None else round(end * RATE)]
+    return max(map(abs, part), default=0)
+
+
+def sounding(samples, threshold, block=480):
+    """The spans, in seconds, in which blocks of 10 ms reach a peak; gaps up to 50 ms are bridged."""
+    spans = []
+    for begin in range(0, len(samples), block):
+        if peak_of(samples[begin:begin + block]) >= threshold:
+            if spans and begin - spans[-1][1] <= 5 * block:
+                spans[-1][1] = begin + block
+            else:
+                spans.append([begin, begin + block])
+    return [(begin / RATE, end / RATE) for begin, end in spans]
+
+
+def peak_of(samples):
+    return max(max(samples), -min(samples))

@@ -1,0 +1,401 @@
+#include "tests/support/recorder_fakes.h"
+
+#include <algorithm>
+#include <array>
+#include <system_error>
+#include <utility>
+
+namespace vantoro::testing {
+
+namespace {
+
+class FakeInput final : public FileWriterInput {
+public:
+    FakeInput(FakeMediaToolkit& toolkit, std::string name)
+        : toolkit_(toolkit), name_(std::move(name)) {}
+
+    bool isReadyForMoreMediaData() const override { return toolkit_.writing.ready; }
+
+    bool append(const SampleBuffer& buffer) override {
+        toolkit_.log().add("append " + name_ + " " +
+                           std::to_string(buffer.presentationTime.inUnitsOf(48000)));
+        return toolkit_.writing.appendSucceeds;
+    }
+
+    void markAsFinished() override { toolkit_.log().add("markAsFinished " + name_); }
+
+private:
+    FakeMediaToolkit& toolkit_;
+    std::string name_;
+};
+
+std::string textOf(MediaTime time) {
+    return std::to_string(time.value) + "/" + std::to_string(time.timescale);
+}
+
+class FakeWriter final : public FileWriter {
+public:
+    FakeWriter(FakeMediaToolkit& toolkit, std::filesystem::path location)
+        : toolkit_(toolkit), location_(std::move(location)) {}
+
+    ~FakeWriter() override {
+        if (finisher_.joinable()) {
+            finisher_.join();
+        }
+    }
+
+    void setMovieFragmentInterval(MediaTime interval) override {
+        toolkit_.log().add("movieFragmentInterval " + textOf(interval));
+    }
+
+    void setInitialMovieFragmentInterval(MediaTime interval) override {
+        toolkit_.log().add("initialMovieFragmentInterval " + textOf(interval));
+    }
+
+    bool canAdd(const AudioTrackSettings& settings) const override {
+        return !toolkit_.writing.refusedChannelCounts.contains(settings.channels);
+    }
+
+    FileWriterInput& add(const AudioTrackSettings& settings) override {
+        toolkit_.log().add("add " + std::to_string(settings.sampleRate) + " Hz " +
+                           std::to_string(settings.channels) + " ch " +
+                           std::to_string(settings.bitRate) + " b/s" +
+                           (settings.expectsMediaDataInRealTime ? " real-time" : ""));
+        inputs_.push_back(std::make_unique<FakeInput>(
+            toolkit_, settings.channels == 2 ? "system" : "microphone"));
+        toolkit_.inputCount = inputs_.size();
+        return *inputs_.back();
+    }
+
+    bool startWriting() override {
+        toolkit_.log().add("startWriting");
+        toolkit_.fileSystem().entries.insert(location_);
+        status_ =
+            toolkit_.writing.startSucceeds ? FileWriterStatus::writing : FileWriterStatus::failed;
+        return toolkit_.writing.startSucceeds;
+    }
+
+    void startSession(MediaTime sourceTime) override {
+        toolkit_.log().add("startSession " + std::to_string(sourceTime.inUnitsOf(48000)));
+    }
+
+    void finishWriting(std::function<void()> completion) override {
+        toolkit_.log().add("finishWriting");
+        finisher_ = std::thread([this, completion = std::move(completion)] {
+            status_ = toolkit_.writing.statusAfterFinish;
+            completion();
+        });
+    }
+
+    FileWriterStatus status() const override { return status_; }
+
+    std::optional<std::string> errorDescription() const override { return toolkit_.writing.error; }
+
+private:
+    FakeMediaToolkit& toolkit_;
+    std::filesystem::path location_;
+    std::vector<std::unique_ptr<FakeInput>> inputs_;
+    FileWriterStatus status_ = FileWriterStatus::unknown;
+    std::thread finisher_;
+};
+
+class FakeTrack final : public AssetTrack {
+public:
+    explicit FakeTrack(FakeMediaToolkit& toolkit) : toolkit_(toolkit) {}
+
+    TimeRange timeRange() const override {
+        throwIfSet(toolkit_.exporting.timeRangeError);
+        // A track that does not start at zero is laid from zero all the same.
+        return {.start = {480, 48000}, .duration = {48000, 48000}};
+    }
+
+private:
+    FakeMediaToolkit& toolkit_;
+};
+
+class FakeAsset final : public Asset {
+public:
+    explicit FakeAsset(FakeMediaToolkit& toolkit) : toolkit_(toolkit) {}
+
+    std::vector<std::shared_ptr<const AssetTrack>> audioTracks() override {
+        throwIfSet(toolkit_.exporting.tracksError);
+        std::vector<std::shared_ptr<const AssetTrack>> tracks;
+        for (std::size_t i = 0; i < toolkit_.exporting.trackCount.value_or(toolkit_.inputCount);
+             ++i) {
+            tracks.push_back(std::make_shared<FakeTrack>(toolkit_));
+        }
+        return tracks;
+    }
+
+    MediaTime duration() override { return {48000, 48000}; }
+
+private:
+    FakeMediaToolkit& toolkit_;
+};
+
+class FakeCompositionTrack final : public CompositionTrack {
+public:
+    explicit FakeCompositionTrack(FakeMediaToolkit& toolkit) : toolkit_(toolkit) {}
+
+    void insert(TimeRange range, std::shared_ptr<const AssetTrack> /*source*/,
+                MediaTime at) override {
+        throwIfSet(toolkit_.exporting.insertError);
+        toolkit_.log().add("insert " + textOf(range.start) + " + " + textOf(range.duration) +
+                           " at " + textOf(at));
+    }
+
+private:
+    FakeMediaToolkit& toolkit_;
+};
+
+class FakeComposition final : public Composition {
+public:
+    explicit FakeComposition(FakeMediaToolkit& toolkit) : toolkit_(toolkit) {}
+
+    CompositionTrack* addAudioTrack() override {
+        if (!toolkit_.exporting.compositionTakesTracks) {
+            return nullptr;
+        }
+        tracks_.push_back(std::make_unique<FakeCompositionTrack>(toolkit_));
+        return tracks_.back().get();
+    }
+
+    bool isTrackAt(std::size_t index, const CompositionTrack* track) const {
+        return index < tracks_.size() && tracks_[index].get() == track;
+    }
+
+private:
+    FakeMediaToolkit& toolkit_;
+    std::vector<std::unique_ptr<FakeCompositionTrack>> tracks_;
+};
+
+class FakeExportSession final : public ExportSession {
+public:
+    FakeExportSession(FakeMediaToolkit& toolkit, const FakeComposition& composition)
+        : toolkit_(toolkit), composition_(composition) {}
+
+    void setAudioMix(AudioMix mix) override {
+        toolkit_.exportedGains.clear();
+        for (std::size_t i = 0; i < mix.size(); ++i) {
+            if (composition_.isTrackAt(i, mix[i].track) && mix[i].time == zeroTime) {
+                toolkit_.exportedGains.push_back(mix[i].volume);
+            }
+        }
+    }
+
+    void exportTo(const std::filesystem::path& destination,
+                  const ExportProgress& progress) override {
+        toolkit_.log().add("export " + destination.filename().string());
+        if (!toolkit_.fileSystem().entries.insert(destination).second) {
+            throw std::system_error(std::make_error_code(std::errc::file_exists));
+        }
+        if (toolkit_.exporting.duringExport) {
+            toolkit_.exporting.duringExport();
+        }
+        throwIfSet(toolkit_.exporting.exportError);
+        if (progress) {
+            progress(1);
+        }
+    }
+
+private:
+    FakeMediaToolkit& toolkit_;
+    const FakeComposition& composition_;
+};
+
+class FakeStream final : public CaptureStream {
+public:
+    explicit FakeStream(FakeCaptureService& service) : service_(service) { ++service_.liveStreams; }
+
+    ~FakeStream() override { --service_.liveStreams; }
+
+    void addOutput(StreamOutputType type, SerialQueue& queue) override {
+        throwIfSet(service_.addOutputError);
+        service_.log().add("addOutput " + std::to_string(static_cast<int>(type)) + " " +
+                           queue.label());
+        service_.queue = &queue;
+    }
+
+    void startCapture() override {
+        service_.log().add("startCapture");
+        if (service_.duringStart) {
+            service_.duringStart();
+        }
+        throwIfSet(service_.startError);
+    }
+
+    void stopCapture() override {
+        service_.log().add("stopCapture");
+        throwIfSet(service_.stopError);
+    }
+
+private:
+    FakeCaptureService& service_;
+};
+
+} // namespace
+
+void CallLog::add(std::string call) {
+    const std::lock_guard lock(mutex_);
+    calls_.push_back(std::move(call));
+}
+
+std::vector<std::string> CallLog::calls() const {
+    const std::lock_guard lock(mutex_);
+    return calls_;
+}
+
+bool CallLog::contains(const std::string& call) const {
+    const auto all = calls();
+    return std::ranges::find(all, call) != all.end();
+}
+
+std::vector<std::string> CallLog::startingWith(const std::string& prefix) const {
+    auto found = calls();
+    std::erase_if(found, [&](const std::string& call) { return !call.starts_with(prefix); });
+    return found;
+}
+
+void throwIfSet(const std::exception_ptr& error) {
+    if (error) {
+        std::rethrow_exception(error);
+    }
+}
+
+bool FakeScreenAccess::preflight() {
+    log_.add("screen preflight");
+    return allowed;
+}
+
+bool FakeScreenAccess::request() {
+    log_.add("screen request");
+    return grantedOnRequest;
+}
+
+AuthorizationStatus FakeMicrophoneAccess::status() {
+    log_.add("microphone status");
+    return current;
+}
+
+bool FakeMicrophoneAccess::request() {
+    log_.add("microphone request");
+    return grantedOnRequest;
+}
+
+std::vector<Display> FakeShareableContent::displays() {
+    log_.add("displays");
+    throwIfSet(error);
+    return list;
+}
+
+void FakeFileSystem::createFolders(const std::filesystem::path& folder) {
+    log_.add("createFolders " + folder.string());
+    throwIfSet(createFoldersError);
+}
+
+void FakeFileSystem::remove(const std::filesystem::path& path) {
+    log_.add("remove " + path.filename().string());
+    if (const auto error = removeErrors.find(path); error != removeErrors.end()) {
+        throwIfSet(error->second);
+    }
+    if (entries.erase(path) == 0) {
+        throw std::filesystem::filesystem_error(
+            "remove", path, std::make_error_code(std::errc::no_such_file_or_directory));
+    }
+}
+
+void FakeFileSystem::move(const std::filesystem::path& from, const std::filesystem::path& to) {
+    log_.add("move " + from.filename().string() + " " + to.filename().string());
+    throwIfSet(moveError);
+    entries.erase(from);
+    entries.insert(to);
+}
+
+void FakeFileSystem::syncFolder(const std::filesystem::path& folder) {
+    log_.add("syncFolder " + folder.string());
+    throwIfSet(syncFolderError);
+}
+
+std::unique_ptr<OutputFile> FakeFileSystem::create(const std::filesystem::path& /*path*/,
+                                                   FileAudience /*audience*/) {
+    throw std::logic_error("the recorder creates no file itself");
+}
+
+std::unique_ptr<InputFile> FakeFileSystem::open(const std::filesystem::path& /*path*/) {
+    throw std::logic_error("the recorder reads no file itself");
+}
+
+std::vector<std::filesystem::path> FakeFileSystem::temporaryFiles() const {
+    std::vector<std::filesystem::path> found;
+    std::ranges::copy_if(entries, std::back_inserter(found),
+                         [](const auto& path) { return path.string().ends_with(".partial.mov"); });
+    return found;
+}
+
+std::unique_ptr<FileWriter> FakeMediaToolkit::makeWriter(const std::filesystem::path& location) {
+    log_.add("makeWriter " + location.string());
+    throwIfSet(writing.creationError);
+    return std::make_unique<FakeWriter>(*this, location);
+}
+
+std::unique_ptr<Asset> FakeMediaToolkit::openAsset(const std::filesystem::path& location) {
+    log_.add("openAsset " + location.string());
+    throwIfSet(exporting.openError);
+    return std::make_unique<FakeAsset>(*this);
+}
+
+std::unique_ptr<Composition> FakeMediaToolkit::makeComposition() {
+    return std::make_unique<FakeComposition>(*this);
+}
+
+std::unique_ptr<ExportSession> FakeMediaToolkit::makeExportSession(const Composition& composition) {
+    if (!exporting.sessionCanBeMade) {
+        return nullptr;
+    }
+    return std::make_unique<FakeExportSession>(*this,
+                                               dynamic_cast<const FakeComposition&>(composition));
+}
+
+std::shared_ptr<CaptureStream>
+FakeCaptureService::makeStream(const ContentFilter& contentFilter,
+                               const StreamConfiguration& streamConfiguration,
+                               CaptureStreamReceiver& receiver) {
+    log_.add("makeStream");
+    filter = contentFilter;
+    configuration = streamConfiguration;
+    receiver_ = &receiver;
+    return std::make_shared<FakeStream>(*this);
+}
+
+void FakeCaptureService::deliver(const SampleBuffer& buffer, StreamOutputType type) {
+    queue->sync([&] { receiver_->didOutputSampleBuffer(buffer, type); });
+}
+
+void FakeCaptureService::deliverLater(const SampleBuffer& buffer, StreamOutputType type) {
+    queue->async([this, buffer, type] { receiver_->didOutputSampleBuffer(buffer, type); });
+}
+
+void FakeCaptureService::stopByItself(std::exception_ptr error) {
+    receiver_->streamDidStop(std::move(error));
+    queue->sync([] {});
+}
+
+SampleBuffer bufferAt(std::int64_t frame, std::uint32_t channels, std::size_t frames, float value) {
+    static const auto samplesOf = [](float fill) {
+        static std::mutex mutex;
+        static std::map<float, std::array<float, 4096>> all;
+        const std::lock_guard lock(mutex);
+        auto [entry, isNew] = all.try_emplace(fill);
+        if (isNew) {
+            entry->second.fill(fill);
+        }
+        return std::span<const float>(entry->second);
+    };
+    return {.dataIsReady = true,
+            .frameCount = static_cast<std::int64_t>(frames),
+            .presentationTime = {frame, 48000},
+            .format = AudioStreamDescription{.sampleRate = 48000, .channelsPerFrame = channels},
+            .samples = samplesOf(value).first(channels * frames)};
+}
+
+} // namespace vantoro::testing

@@ -1,0 +1,185 @@
+"""The private desktop itself: its folders, its environment, its daemons, and how it becomes ready."""
+
+import os
+import re
+import select
+import shutil
+import signal
+import socket
+import subprocess
+import time
+from pathlib import Path
+
+import processes
+
+HERE = Path(__file__).resolve().parent
+SECONDS_TO_START = 20.0
+MICROPHONE = "vantoro-microphone"
+DEFAULTS = {
+    "default.audio.sink": "vantoro-output-1",
+    "default.audio.source": MICROPHONE,
+}
+# What would lead a program to an outer desktop, or to that desktop's habits.
+OUTER_DESKTOP = re.compile(
+    r"PIPEWIRE_|PULSE_|WIREPLUMBER_|DBUS_|XDG_|GNOME_|KDE_|QT_QPA_|LISTEN_"
+    r"|(DISPLAY|WAYLAND_DISPLAY|WAYLAND_SOCKET|XAUTHORITY|SESSION_MANAGER|DESKTOP_SESSION|NOTIFY_SOCKET)$"
+)
+KEPT = {"XDG_DATA_DIRS", "XDG_CONFIG_DIRS"}
+METADATA_UPDATE = re.compile(r"""key:'([^']*)' value:'\{ ?"name": ?"([^"]*)" ?\}'""")
+
+
+class StartError(Exception):
+    pass
+
+
+class Desktop:
+    def __init__(self, folder, screen, mask):
+        self._folder = folder
+        self._screen = screen
+        self._mask = mask
+        self._runtime = folder / "runtime"
+        self._log_path = folder / "daemons.log"
+        self._log = os.open(self._log_path, os.O_WRONLY | os.O_CREAT | os.O_APPEND | os.O_CLOEXEC, 0o600)
+        self._deadline = time.monotonic() + SECONDS_TO_START
+        self._daemons = {}
+        self._environment = self._private_environment()
+
+    def start(self, ending_signals):
+        """Starts all daemons and returns the environment of a program in the desktop once it is ready."""
+        self._ending_signals = ending_signals
+        self._make_folders()
+        self._start_bus()
+        pipewire = self._start_daemon("pipewire", listen=self._runtime / "pipewire-0")
+        self._start_daemon("wireplumber")
+        self._start_daemon("pipewire-pulse", listen=self._runtime / "pulse" / "native")
+        if self._screen:
+            self._start_screen()
+        self._wait_for_defaults()
+        self._environment["VANTORO_SESSION_PIPEWIRE_PID"] = str(pipewire)
+        return self._environment
+
+    def _private_environment(self):
+        environment = {
+            name: value
+            for name, value in os.environ.items()
+            if name in KEPT or not OUTER_DESKTOP.match(name)
+        }
+        home = self._folder / "home"
+        environment.update(
+            HOME=str(home),
+            XDG_RUNTIME_DIR=str(self._runtime),
+            XDG_CONFIG_HOME=str(home / ".config"),
+            XDG_STATE_HOME=str(home / ".local/state"),
+            XDG_DATA_HOME=str(home / ".local/share"),
+            XDG_CACHE_HOME=str(home / ".cache"),
+            DBUS_SESSION_BUS_ADDRESS=f"unix:path={self._runtime}/bus",
+            # Settings in a file of the private folder, without the service that usually keeps them.
+            GSETTINGS_BACKEND="keyfile",
+        )
+        return environment
+
+    def _make_folders(self):
+        for name in ("XDG_RUNTIME_DIR", "XDG_STATE_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME"):
+            Path(self._environment[name]).mkdir(mode=0o700, parents=True)
+        (self._runtime / "pulse").mkdir(mode=0o700)
+        shutil.copytree(HERE / "config", self._environment["XDG_CONFIG_HOME"])
+
+    def _start_daemon(self, *command, listen=None):
+        if shutil.which(command[0]) is None:
+            raise StartError(f"{command[0]} is not installed (tools/install-dependencies installs it)")
+        listener = None
+        if listen is not None:
+            listener = socket.socket(socket.AF_UNIX, socket.SOCK_STREAM)
+            listener.bind(str(listen))
+            listener.listen()
+        pid = processes.spawn(command, self._environment, self._mask, listener=listener, log=self._log)
+        if listener is not None:
+            listener.close()
+        self._daemons[os.pidfd_open(pid)] = command[0]
+        return pid
+
+    def _start_bus(self):
+        ready, told = os.pipe()
+        os.set_inheritable(told, True)
+        self._start_daemon(
+            "dbus-daemon", f"--config-file={HERE}/dbus.conf", "--nofork", "--nopidfile", "--nosyslog",
+            f"--address={self._environment['DBUS_SESSION_BUS_ADDRESS']}", f"--print-address={told}",
+        )
+        os.close(told)
+        self._read_line(ready, "the D-Bus session bus")
+        os.close(ready)
+
+    def _start_screen(self):
+        # The server chooses a free display itself: several sessions may start at once.
+        ready, told = os.pipe()
+        os.set_inheritable(told, True)
+        self._start_daemon(
+            "Xvfb", "-displayfd", str(told), "-screen", "0", "1280x1024x24", "-nolisten", "tcp", "-noreset"
+        )
+        os.close(told)
+        self._environment["DISPLAY"] = ":" + self._read_line(ready, "the X server")
+        os.close(ready)
+        # Started is not enough: windows that come before it manages them would be left unmanaged.
+        fifo = self._runtime / "window-manager-ready"
+        os.mkfifo(fifo)
+        ready = os.open(fifo, os.O_RDWR | os.O_NONBLOCK | os.O_CLOEXEC)
+        self._start_daemon("openbox", "--sm-disable", "--startup", f"sh -c 'echo ready > {fifo}'")
+        self._read_line(ready, "the window manager")
+        os.close(ready)
+
+    def _wait_for_defaults(self):
+        """Ready is when the session manager has found the devices and said which are the defaults."""
+        missing = dict(DEFAULTS)
+        environment = dict(self._environment, LC_ALL="C")
+        with subprocess.Popen(
+            ["pw-metadata", "-m"], env=environment, stdin=subprocess.DEVNULL,
+            stdout=subprocess.PIPE, stderr=self._log, bufsize=0,
+        ) as monitor:
+            try:
+                told = False
+                while missing:
+                    line = self._read_line(monitor.stdout.fileno(), " and ".join(missing))
+                    for key, name in METADATA_UPDATE.findall(line):
+                        if missing.get(key) == name:
+                            del missing[key]
+                    if list(missing) == ["default.audio.source"] and not told:
+                        self._configure_default_source(environment)
+                        told = True
+            finally:
+                monitor.kill()
+
+    def _configure_default_source(self, environment):
+        # WirePlumber 0.5 takes a virtual microphone as the default one only where it is told to.
+        subprocess.run(
+            ["pw-metadata", "0", "default.configured.audio.source", f'{{ "name": "{MICROPHONE}" }}',
+             "Spa:String:JSON"],
+            env=environment, stdin=subprocess.DEVNULL, stdout=self._log, stderr=self._log,
+            timeout=SECONDS_TO_START, check=False,
+        )
+
+    def _read_line(self, descriptor, what):
+        """One line from a daemon; an error when the deadline passes, a daemon dies or we are to end."""
+        line = b""
+        while not line.endswith(b"\n"):
+            remaining = self._deadline - time.monotonic()
+            if remaining <= 0:
+                raise self._start_error(f"waited {SECONDS_TO_START:.0f} s for {what}")
+            # Signals stay pending while a read waits, so it wakes up to look for them.
+            readable, _, _ = select.select([descriptor, *self._daemons], [], [], min(remaining, 0.2))
+            if descriptor in readable:
+                byte = os.read(descriptor, 1)
+                if not byte:
+                    raise self._start_error(f"no answer from {what}")
+                line += byte
+            elif readable:
+                raise self._start_error(f"{self._daemons[readable[0]]} ended while it was starting")
+            self._check_signals()
+        return line.decode(errors="replace").strip()
+
+    def _check_signals(self):
+        if signal.sigpending() & self._ending_signals:
+            raise StartError("asked to end before the desktop was ready")
+
+    def _start_error(self, reason):
+        log = self._log_path.read_text(errors="replace").rstrip()
+        return StartError(f"the private desktop did not start: {reason}\n{log}")
