@@ -2,10 +2,12 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <functional>
 #include <span>
 #include <vector>
 
+#include "platform/ffmpeg/channel_sharing.h"
 #include "platform/ffmpeg/handles.h"
 
 namespace vantoro::ffmpeg {
@@ -21,6 +23,10 @@ using PacketSink = std::function<void(AVPacket&)>;
 /// The coder's fast method limits how finely a strong tone can be described: it overdrives one
 /// beyond -7 dB of full scale. So each channel is coded on its own, quieter, and the packets say
 /// that it is to be played as much louder again.
+///
+/// Most calls, and every microphone, sound the same on both sides: then one coder's packets serve
+/// both channels. The second coder hears the last of what it missed when the sides part, so that
+/// its packets go on from those that it takes over.
 class AacEncoder {
 public:
     /// One or two channels.
@@ -50,9 +56,15 @@ private:
         PacketHandle packet;
     };
 
+    void shareOrCatchUp(int frames);
+    void rememberForSecondCoder(int frames);
+    void catchUp();
     void receive(const PacketSink& sink);
 
     std::vector<Channel> channels_;
+    ChannelSharing sharing_;
+    std::size_t coders_;                    // at work: the channels', or one for both
+    std::deque<std::vector<float>> missed_; // by the second coder, whole packets
     ParametersHandle parameters_;
     PacketHandle joined_;
     std::int64_t position_ = 0; // frames given to the coder

@@ -3,6 +3,7 @@
 import array
 import json
 import math
+import statistics
 import subprocess
 from pathlib import Path
 
@@ -104,6 +105,15 @@ def amplitude(samples, frequency, begin, end):
         imaginary += window * sample * math.sin(step * index)
         weight += window
     return 2 * math.hypot(real, imaginary) / weight
+
+
+def usual_amplitude(samples, frequency, begin, end):
+    """The median of many short spans' amplitudes: an output's clock bends a tone's pitch a little, which
+    a long span would take for a weaker tone, and a busy machine may starve a player for a moment."""
+    span = 0.2
+    count = int((end - begin) / span)
+    return statistics.median(amplitude(samples, frequency, begin + index * span, begin + (index + 1) * span)
+                             for index in range(count))
 
 
 def decibels(ratio):
