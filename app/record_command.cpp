@@ -20,7 +20,8 @@ using TimePoint = StopSignals::Clock::time_point;
 using Seconds = std::chrono::duration<double>;
 
 constexpr auto lineInterval = std::chrono::milliseconds(100);
-constexpr double foreverSeconds = 1e9; // a clock cannot count much further
+constexpr double foreverSeconds = 1e9;          // a clock cannot count much further
+constexpr auto language = AppLanguage::english; // of all that the commands say
 
 /// One run of the command; owns what the recorder's callbacks write.
 class RecordRun {
@@ -58,7 +59,7 @@ public:
                              .microphoneDeviceID = command_.microphoneID,
                              .outputDirectory = folder});
         } catch (...) {
-            terminal_.message(errorDescription(std::current_exception()));
+            terminal_.message(errorDescription(std::current_exception(), language));
             return 1;
         }
         waitForTheEnd(StopSignals::Clock::now());
@@ -113,7 +114,7 @@ private:
         }
         terminal_.clearLine();
         if (const auto cause = interruption()) {
-            terminal_.message(errorDescription(cause));
+            terminal_.message(errorDescription(cause, language));
             terminal_.message("Audio capture was interrupted. The captured audio was saved "
                               "successfully.");
         }
@@ -129,9 +130,9 @@ private:
     std::string failureText(const std::exception_ptr& error) const {
         if (isNoAudioCaptured(error)) {
             const auto cause = interruption(); // says more than that nothing came of it
-            return errorDescription(cause ? cause : error);
+            return errorDescription(cause ? cause : error, language);
         }
-        return errorDescription(error) +
+        return errorDescription(error, language) +
                " A recoverable recording checkpoint was kept in the recording folder.";
     }
 

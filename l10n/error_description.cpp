@@ -1,37 +1,39 @@
 #include "l10n/error_description.h"
 
+#include "l10n/l10n.h"
+
 namespace vantoro {
 
-std::string errorDescription(const RecordingError& error) {
+std::string errorDescription(const RecordingError& error, AppLanguage language) {
     using enum RecordingError::Case;
+    using Key = L10n::Key;
     switch (error.which()) {
     case writerFailed:
-        return "Recording failed: " + error.message();
+        return (language == AppLanguage::chinese ? "录音失败：" : "Recording failed: ") +
+               error.message();
     case noAudioSource:
-        return "Turn on System Audio or Microphone before recording.";
+        return L10n::text(Key::noAudioSource, language);
     case screenPermissionDenied:
-        return "Screen & System Audio Recording permission is required. Enable Vantoro in System "
-               "Settings, then reopen the app.";
+        return L10n::text(Key::screenPermissionDenied, language);
     case microphonePermissionDenied:
-        return "Microphone permission is required. Enable Vantoro in System Settings and try "
-               "again.";
+        return L10n::text(Key::microphonePermissionDenied, language);
     case noDisplayAvailable:
-        return "Vantoro could not find an available display to capture.";
+        return L10n::text(Key::noDisplayAvailable, language);
     case writerSetupFailed:
-        return "Vantoro could not prepare the audio file.";
+        return L10n::text(Key::writerSetupFailed, language);
     case noAudioCaptured:
-        return "No audio was captured. Check the selected sources and try again.";
+        return L10n::text(Key::noAudioCaptured, language);
     case exportFailed:
-        return "Vantoro could not create the final M4A file.";
+        return L10n::text(Key::exportFailed, language);
     }
     return {};
 }
 
-std::string errorDescription(const std::exception_ptr& error) {
+std::string errorDescription(const std::exception_ptr& error, AppLanguage language) {
     try {
         std::rethrow_exception(error);
     } catch (const RecordingError& recordingError) {
-        return errorDescription(recordingError);
+        return errorDescription(recordingError, language);
     } catch (const std::exception& other) {
         return other.what();
     }

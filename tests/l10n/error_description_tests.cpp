@@ -1,44 +1,89 @@
 #include "l10n/error_description.h"
 
 #include <stdexcept>
-#include <utility>
 
 #include <gtest/gtest.h>
 
-namespace vantoro {
+#include "l10n/l10n.h"
+#include "tests/l10n/memory_preferences.h"
+
+namespace vantoro::testing {
 namespace {
 
 using enum RecordingError::Case;
+using enum AppLanguage;
 
-TEST(ErrorDescription, everyCaseHasItsText) {
-    const std::pair<RecordingError::Case, const char*> table[] = {
-        {noAudioSource, "Turn on System Audio or Microphone before recording."},
-        {screenPermissionDenied, "Screen & System Audio Recording permission is required. Enable "
-                                 "Vantoro in System Settings, then reopen the app."},
-        {microphonePermissionDenied,
-         "Microphone permission is required. Enable Vantoro in System Settings and try again."},
-        {noDisplayAvailable, "Vantoro could not find an available display to capture."},
-        {writerSetupFailed, "Vantoro could not prepare the audio file."},
-        {noAudioCaptured, "No audio was captured. Check the selected sources and try again."},
-        {exportFailed, "Vantoro could not create the final M4A file."},
-    };
-    for (const auto& [which, text] : table) {
-        EXPECT_EQ(errorDescription(RecordingError(which)), text);
+struct Description {
+    RecordingError::Case which;
+    const char* english;
+    const char* chinese;
+};
+
+TEST(ErrorDescriptionTest, everyCaseHasItsTextInEitherLanguage) {
+    for (const auto& [which, inEnglish, inChinese] : {
+             Description{noAudioSource, "Turn on System Audio or Microphone before recording.",
+                         "请先开启系统声音或麦克风。"},
+             Description{screenPermissionDenied,
+                         "Screen & System Audio Recording permission is required. Enable Vantoro "
+                         "in System Settings, then reopen the app.",
+                         "需要屏幕与系统声音录制权限。请在系统设置中允许 "
+                         "Vantoro，然后重新打开应用。"},
+             Description{microphonePermissionDenied,
+                         "Microphone permission is required. Enable Vantoro in System Settings and "
+                         "try again.",
+                         "需要麦克风权限。请在系统设置中允许 Vantoro 后重试。"},
+             Description{noDisplayAvailable,
+                         "Vantoro could not find an available display to capture.",
+                         "Vantoro 找不到可用的显示器。"},
+             Description{writerSetupFailed, "Vantoro could not prepare the audio file.",
+                         "Vantoro 无法准备录音文件。"},
+             Description{noAudioCaptured,
+                         "No audio was captured. Check the selected sources and try again.",
+                         "没有采集到音频，请检查已选择的音频来源。"},
+             Description{exportFailed, "Vantoro could not create the final M4A file.",
+                         "Vantoro 无法创建最终 M4A 文件。"},
+         }) {
+        EXPECT_EQ(errorDescription(RecordingError(which), english), inEnglish);
+        EXPECT_EQ(errorDescription(RecordingError(which), chinese), inChinese);
     }
 }
 
-TEST(ErrorDescription, writerFailureIsAPrefixAndItsMessage) {
-    EXPECT_EQ(errorDescription(RecordingError::writerFailed("No space left on device")),
-              "Recording failed: No space left on device");
-    EXPECT_EQ(errorDescription(RecordingError::writerFailed("")), "Recording failed: ");
+TEST(ErrorDescriptionTest, writerFailureIsAPrefixAndItsMessage) {
+    const auto error = RecordingError::writerFailed("No space left on device");
+    EXPECT_EQ(errorDescription(error, english), "Recording failed: No space left on device");
+    EXPECT_EQ(errorDescription(error, chinese), "录音失败：No space left on device");
 }
 
-TEST(ErrorDescription, errorOfThePlatformIsItsOwnText) {
-    EXPECT_EQ(errorDescription(std::make_exception_ptr(std::runtime_error("Permission denied"))),
-              "Permission denied");
-    EXPECT_EQ(errorDescription(std::make_exception_ptr(RecordingError(exportFailed))),
+TEST(ErrorDescriptionTest, writerFailureWithoutAMessageIsTheBarePrefix) {
+    const auto error = RecordingError::writerFailed("");
+    EXPECT_EQ(errorDescription(error, english), "Recording failed: ");
+    EXPECT_EQ(errorDescription(error, chinese), "录音失败：");
+}
+
+TEST(ErrorDescriptionTest, sameErrorFollowsTheLanguageAtOnce) {
+    MemoryPreferences preferences;
+    const L10n texts(preferences);
+    const RecordingError keyed(exportFailed);
+    const auto writer = RecordingError::writerFailed("full");
+    EXPECT_EQ(errorDescription(keyed, texts.language()), "Vantoro 无法创建最终 M4A 文件。");
+    EXPECT_EQ(errorDescription(writer, texts.language()), "录音失败：full");
+    preferences.set(Preference::appLanguage, "en");
+    EXPECT_EQ(errorDescription(keyed, texts.language()),
               "Vantoro could not create the final M4A file.");
+    EXPECT_EQ(errorDescription(writer, texts.language()), "Recording failed: full");
+}
+
+TEST(ErrorDescriptionTest, errorOfThePlatformIsItsOwnTextInEitherLanguage) {
+    const auto error = std::make_exception_ptr(std::runtime_error("Permission denied"));
+    EXPECT_EQ(errorDescription(error, english), "Permission denied");
+    EXPECT_EQ(errorDescription(error, chinese), "Permission denied");
+}
+
+TEST(ErrorDescriptionTest, recorderErrorIsRecognisedBehindAPointer) {
+    const auto error = std::make_exception_ptr(RecordingError(exportFailed));
+    EXPECT_EQ(errorDescription(error, english), "Vantoro could not create the final M4A file.");
+    EXPECT_EQ(errorDescription(error, chinese), "Vantoro 无法创建最终 M4A 文件。");
 }
 
 } // namespace
-} // namespace vantoro
+} // namespace vantoro::testing

@@ -1,0 +1,55 @@
+#include "l10n/l10n.h"
+
+namespace vantoro {
+
+AppLanguage L10n::language() const {
+    const auto stored = preferences_.get(Preference::appLanguage);
+    return stored ? languageOf(*stored).value_or(AppLanguage::chinese) : AppLanguage::chinese;
+}
+
+std::string L10n::text(Key key) const {
+    return text(key, language());
+}
+
+std::string L10n::text(Key key, AppLanguage language) {
+    return std::string(language == AppLanguage::english ? lookUp(key, english(), chinese())
+                                                        : lookUp(key, chinese(), english()));
+}
+
+std::string L10n::recovered(std::size_t count) const {
+    const auto number = std::to_string(count);
+    if (language() == AppLanguage::english) {
+        return count == 1 ? "A previously interrupted recording was recovered and saved."
+                          : number + " previously interrupted recordings were recovered and saved.";
+    }
+    return count == 1 ? "已恢复并保存一段此前中断的录音。"
+                      : "已恢复并保存 " + number + " 段此前中断的录音。";
+}
+
+std::string L10n::newVersionAvailable(std::string_view version) const {
+    const std::string inserted(version);
+    return language() == AppLanguage::english ? "Version " + inserted + " is available."
+                                              : "发现新版本 " + inserted + "。";
+}
+
+std::string L10n::runningVersion(std::string_view version) const {
+    const std::string prefix = language() == AppLanguage::english ? "Version " : "当前版本 ";
+    return prefix + std::string(version);
+}
+
+std::string L10n::checkpointKept() const {
+    return language() == AppLanguage::english
+               ? " A recoverable recording checkpoint was kept in the recording folder."
+               : " 已保留可恢复的录音检查点。";
+}
+
+std::string_view lookUp(L10n::Key key, const L10n::Table& preferred, const L10n::Table& other) {
+    for (const auto* table : {&preferred, &other}) {
+        if (const auto row = table->find(key); row != table->end()) {
+            return row->second;
+        }
+    }
+    return {};
+}
+
+} // namespace vantoro

@@ -1,0 +1,115 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+
+#include "l10n/app_language.h"
+#include "l10n/preferences.h"
+
+namespace vantoro {
+
+/// Every text that the user sees, UTF-8, in the language that is stored at the moment of asking.
+/// The system's language plays no part. Any thread.
+class L10n {
+public:
+    enum class Key : std::uint8_t {
+        language,
+        checkForUpdates,
+        currentVersion,
+        alreadyLatest,
+        updateCheckFailed,
+        downloadUpdate,
+        audioInputLevels,
+        refreshAudioDevices,
+        ok,
+        close,
+        ready,
+        preparing,
+        recording,
+        saving,
+        saved,
+        needsAttention,
+        m4aAudio,
+        checkingPermissions,
+        capturingAudio,
+        mixingTracks,
+        recordingReady,
+        audioSources,
+        systemAudio,
+        systemMeter,
+        meetingAndAppSound,
+        microphone,
+        microphoneMeter,
+        yourVoice,
+        input,
+        screenAndSystemAudio,
+        allowed,
+        required,
+        settings,
+        recordingPanel,
+        systemLevel,
+        micLevel,
+        change,
+        openRecordingFolder,
+        recordingSaved,
+        playRecording,
+        showInFinder,
+        stopRecording,
+        startRecording,
+        chooseRecordingFolder,
+        choose,
+        sleepSaved,
+        captureInterruptedSaved,
+        recoveredOne,
+        recoveredMany,
+        checkpointKept,
+        noAudioSource,
+        screenPermissionDenied,
+        microphonePermissionDenied,
+        microphonePermissionOnStart,
+        noDisplayAvailable,
+        writerSetupFailed,
+        recordingFailed,
+        noAudioCaptured,
+        exportFailed,
+    };
+    using Table = std::unordered_map<Key, std::string_view>;
+
+    /// `preferences` must outlive it.
+    explicit L10n(const Preferences& preferences) : preferences_(preferences) {}
+
+    /// English exactly when that is what is stored; Chinese otherwise, also before any choice.
+    AppLanguage language() const;
+
+    /// Empty for the keys without a row: `recoveredOne`, `recoveredMany`, `checkpointKept` and
+    /// `recordingFailed` stand for what the functions below and `errorDescription` compose.
+    std::string text(Key key) const;
+    static std::string text(Key key, AppLanguage language);
+
+    /// That so many interrupted recordings were saved.
+    std::string recovered(std::size_t count) const;
+
+    /// That there is a newer version than this one.
+    std::string newVersionAvailable(std::string_view version) const;
+
+    /// Which version this one is.
+    std::string runningVersion(std::string_view version) const;
+
+    /// A sentence to append to a failure's: it begins with a space.
+    std::string checkpointKept() const;
+
+    /// Both hold the same keys.
+    static const Table& chinese();
+    static const Table& english();
+
+private:
+    const Preferences& preferences_;
+};
+
+/// A key's text in the preferred table, else in the other, else the empty one.
+std::string_view lookUp(L10n::Key key, const L10n::Table& preferred, const L10n::Table& other);
+
+} // namespace vantoro

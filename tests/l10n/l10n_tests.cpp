@@ -1,0 +1,167 @@
+#include "l10n/l10n.h"
+
+#include <string>
+#include <utility>
+
+#include <QtCore/QByteArray>
+#include <QtCore/QLocale>
+
+#include <gtest/gtest.h>
+
+#include "tests/l10n/memory_preferences.h"
+
+namespace vantoro::testing {
+namespace {
+
+using Key = L10n::Key;
+
+TEST(L10nTest, isChineseAsLongAsNothingWasStored) {
+    const MemoryPreferences nothing;
+    EXPECT_EQ(L10n(nothing).language(), AppLanguage::chinese);
+    EXPECT_EQ(L10n(nothing).text(Key::ok), "好");
+}
+
+TEST(L10nTest, isEnglishOnlyWhenExactlyThatIsStored) {
+    struct Case {
+        const char* stored;
+        const char* ok;
+    };
+
+    for (const auto& [stored, ok] : {
+             Case{"en", "OK"},
+             Case{"zh-Hans", "好"},
+             Case{"", "好"},
+             Case{"EN", "好"},
+             Case{"En", "好"},
+             Case{"en-US", "好"},
+             Case{"en_GB", "好"},
+             Case{"en_US.UTF-8", "好"},
+             Case{" en", "好"},
+             Case{"en\n", "好"},
+             Case{"English", "好"},
+             Case{"de", "好"},
+             Case{"zh-Hant", "好"},
+             Case{"true", "好"},
+         }) {
+        const auto preferences = preferencesIn(stored);
+        EXPECT_EQ(L10n(preferences).text(Key::ok), ok) << stored;
+    }
+}
+
+TEST(L10nTest, followsThePreferenceAtEachCall) {
+    MemoryPreferences preferences;
+    const L10n texts(preferences);
+    EXPECT_EQ(texts.text(Key::close), "关闭");
+    preferences.values[Preference::appLanguage] = "en";
+    EXPECT_EQ(texts.text(Key::close), "Close");
+    EXPECT_EQ(texts.recovered(1), "A previously interrupted recording was recovered and saved.");
+    preferences.values.clear();
+    EXPECT_EQ(texts.text(Key::close), "关闭");
+    EXPECT_EQ(texts.recovered(1), "已恢复并保存一段此前中断的录音。");
+}
+
+TEST(L10nTest, storesNothing) {
+    const MemoryPreferences preferences;
+    EXPECT_NE(L10n(preferences).text(Key::ok), "");
+    EXPECT_TRUE(preferences.stored.empty());
+}
+
+TEST(L10nTest, recordingsFolderIsNoLanguage) {
+    MemoryPreferences preferences;
+    preferences.values[Preference::outputDirectory] = "en";
+    EXPECT_EQ(L10n(preferences).language(), AppLanguage::chinese);
+}
+
+/// A system that speaks a language for a while.
+class SystemLanguage {
+public:
+    explicit SystemLanguage(const char* name) {
+        for (auto& [variable, before] : variables_) {
+            before = qgetenv(variable);
+            qputenv(variable, name);
+        }
+        QLocale::setDefault(QLocale(QString::fromLatin1(name)));
+    }
+
+    SystemLanguage(const SystemLanguage&) = delete;
+    SystemLanguage& operator=(const SystemLanguage&) = delete;
+
+    ~SystemLanguage() {
+        for (const auto& [variable, before] : variables_) {
+            before.isNull() ? static_cast<void>(qunsetenv(variable))
+                            : static_cast<void>(qputenv(variable, before));
+        }
+        QLocale::setDefault(defaultBefore_);
+    }
+
+private:
+    std::pair<const char*, QByteArray> variables_[4]{
+        {"LANGUAGE", {}}, {"LC_ALL", {}}, {"LC_MESSAGES", {}}, {"LANG", {}}};
+    QLocale defaultBefore_; // of this moment
+};
+
+TEST(L10nTest, systemsLanguagePlaysNoPart) {
+    for (const auto* name : {"en_US.UTF-8", "en", "zh_CN.UTF-8", "de_DE.UTF-8", "C", ""}) {
+        const SystemLanguage system(name);
+        const MemoryPreferences nothing;
+        EXPECT_EQ(L10n(nothing).text(Key::ok), "好") << name;
+        const auto english = preferencesIn("en");
+        EXPECT_EQ(L10n(english).text(Key::ok), "OK") << name;
+        EXPECT_EQ(L10n(english).recovered(1234567),
+                  "1234567 previously interrupted recordings were recovered and saved.")
+            << name;
+    }
+}
+
+class ComposedTextTest : public ::testing::Test {
+protected:
+    const MemoryPreferences inEnglish = preferencesIn("en");
+    const MemoryPreferences inChinese = preferencesIn("zh-Hans");
+    const L10n english{inEnglish};
+    const L10n chinese{inChinese};
+};
+
+TEST_F(ComposedTextTest, keysOfComposedTextsAreEmpty) {
+    for (const auto key :
+         {Key::recoveredOne, Key::recoveredMany, Key::checkpointKept, Key::recordingFailed}) {
+        EXPECT_EQ(english.text(key), "");
+        EXPECT_EQ(chinese.text(key), "");
+    }
+}
+
+TEST_F(ComposedTextTest, oneRecoveredRecordingIsNotCounted) {
+    EXPECT_EQ(english.recovered(1), "A previously interrupted recording was recovered and saved.");
+    EXPECT_EQ(chinese.recovered(1), "已恢复并保存一段此前中断的录音。");
+}
+
+TEST_F(ComposedTextTest, anyOtherNumberOfRecoveredRecordingsIsCountedWithoutGrouping) {
+    for (const auto* number : {"0", "2", "10", "11", "21", "1000", "1234567"}) {
+        const auto count = std::stoul(number);
+        EXPECT_EQ(english.recovered(count),
+                  std::string(number) +
+                      " previously interrupted recordings were recovered and saved.");
+        EXPECT_EQ(chinese.recovered(count),
+                  "已恢复并保存 " + std::string(number) + " 段此前中断的录音。");
+    }
+}
+
+TEST_F(ComposedTextTest, newVersionIsInsertedUnchanged) {
+    EXPECT_EQ(english.newVersionAvailable("1.2.0"), "Version 1.2.0 is available.");
+    EXPECT_EQ(chinese.newVersionAvailable("1.2.0"), "发现新版本 1.2.0。");
+    EXPECT_EQ(english.newVersionAvailable(""), "Version  is available.");
+    EXPECT_EQ(chinese.newVersionAvailable(" 2%1\n"), "发现新版本  2%1\n。");
+}
+
+TEST_F(ComposedTextTest, runningVersionFollowsItsPrefix) {
+    EXPECT_EQ(english.runningVersion("0.1.0"), "Version 0.1.0");
+    EXPECT_EQ(chinese.runningVersion("0.1.0"), "当前版本 0.1.0");
+}
+
+TEST_F(ComposedTextTest, keptCheckpointCanBeAppendedToASentence) {
+    EXPECT_EQ(english.checkpointKept(),
+              " A recoverable recording checkpoint was kept in the recording folder.");
+    EXPECT_EQ(chinese.checkpointKept(), " 已保留可恢复的录音检查点。");
+}
+
+} // namespace
+} // namespace vantoro::testing
