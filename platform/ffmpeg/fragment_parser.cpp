@@ -39,9 +39,10 @@ struct ByteRange {
 /// One track's part of a fragment's description.
 class TrackFragmentParser {
 public:
+    /// `described`: which tracks have had their part, this one's added.
     TrackFragmentParser(std::uint64_t fragmentOffset, ByteRange data,
-                        std::span<const TrackHeader> tracks)
-        : fragmentOffset_(fragmentOffset), data_(data), tracks_(tracks) {}
+                        std::span<const TrackHeader> tracks, std::vector<bool>& described)
+        : fragmentOffset_(fragmentOffset), data_(data), tracks_(tracks), described_(described) {}
 
     /// Nothing for a track that is not sound.
     std::optional<PacketRow> parse(ByteSpan content) {
@@ -66,6 +67,7 @@ private:
     void parseHeader(ByteReader& fields) {
         const std::uint32_t flags = fields.u32();
         const std::uint32_t id = fields.u32();
+        const bool isKnown = track_ != nullptr;
         for (std::size_t index = 0; index < tracks_.size(); ++index) {
             if (tracks_[index].id == id) {
                 track_ = &tracks_[index];
@@ -75,6 +77,11 @@ private:
         if (track_ == nullptr || (flags & track_flag::baseOffset) != 0) {
             throw DamagedMovie("a fragment belongs to no track");
         }
+        // A few bytes could else name far more packets than memory holds.
+        if (isKnown || described_[row_.track]) {
+            throw DamagedMovie("a fragment holds a track twice");
+        }
+        described_[row_.track] = true;
         duration_ = track_->defaultDuration;
         size_ = track_->defaultSize;
         if ((flags & track_flag::descriptionIndex) != 0) {
@@ -101,7 +108,11 @@ private:
             throw DamagedMovie("a fragment has too many packets");
         }
         if ((flags & row_flag::offset) != 0) {
-            next_ = fragmentOffset_ + fields.u32();
+            const std::uint64_t begin = fragmentOffset_ + fields.u32();
+            if (begin < next_) {
+                throw DamagedMovie("packets overlap");
+            }
+            next_ = begin;
         }
         if ((flags & row_flag::firstFlags) != 0) {
             fields.skip(4);
@@ -132,6 +143,7 @@ private:
     const std::uint64_t fragmentOffset_;
     const ByteRange data_;
     const std::span<const TrackHeader> tracks_;
+    std::vector<bool>& described_;
     const TrackHeader* track_ = nullptr;
     bool hasStart_ = false;
     std::uint32_t duration_ = 0;
@@ -157,12 +169,14 @@ Fragment readFragment(const InputFile& file, std::uint64_t offset,
     readExactly(file, description.content, bytes);
 
     Fragment fragment{.end = data.end, .rows = {}};
+    std::vector<bool> described(tracks.size());
     BoxReader boxes(bytes);
     while (const auto box = boxes.next()) {
         if (box->type != boxType("traf")) {
             continue;
         }
-        TrackFragmentParser parser(offset, {.begin = data.content, .end = data.end}, tracks);
+        TrackFragmentParser parser(offset, {.begin = data.content, .end = data.end}, tracks,
+                                   described);
         if (auto row = parser.parse(box->content)) {
             fragment.rows.push_back(std::move(*row));
         }

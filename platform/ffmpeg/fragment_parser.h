@@ -17,7 +17,7 @@ struct PacketPlace {
     std::uint32_t duration = 0; ///< frames
 };
 
-/// A row of packets of one track.
+/// The packets of one track in a fragment.
 struct PacketRow {
     std::size_t track = 0;
     std::uint64_t start = 0; ///< frames before it, the priming counted
@@ -30,7 +30,9 @@ struct Fragment {
 };
 
 /// Reads the description of the fragment at `offset`. Throws DamagedMovie when that and all of the
-/// packets that it names do not lie inside the file, or are more than any recording has.
+/// packets that it names do not lie inside the fragment, or are more than any recording has. Each
+/// track has one row at most, whose packets lie one behind the other: what it costs to read them
+/// all is bounded by the fragment's size.
 Fragment readFragment(const InputFile& file, std::uint64_t offset,
                       std::span<const TrackHeader> tracks);
 

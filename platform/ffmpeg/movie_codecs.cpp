@@ -15,6 +15,11 @@ namespace vantoro::ffmpeg {
 
 namespace {
 
+// A table in a header may claim billions of entries, and the library makes room for them before it
+// reads any. Counts for everything that the process lets the library do, whose largest pieces are
+// buffers of 1 MiB.
+constexpr std::size_t largestAllocation = 64U << 20U;
+
 /// A file as the library reads it: as if it ended behind its header.
 struct HeaderStream {
     const InputFile& file;
@@ -76,6 +81,7 @@ ByteStreamHandle openStream(HeaderStream& source) {
 } // namespace
 
 std::vector<ParametersHandle> readCodecs(const InputFile& file, const MovieScan& scan) {
+    av_max_alloc(largestAllocation);
     HeaderStream source{.file = file, .size = static_cast<std::int64_t>(scan.headerEnd)};
     const ByteStreamHandle stream = openStream(source);
     AVFormatContext* context = checkAllocated(avformat_alloc_context());

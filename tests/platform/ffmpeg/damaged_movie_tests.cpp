@@ -5,7 +5,9 @@
 #include <random>
 #include <string_view>
 
+#include "platform/ffmpeg/aac.h"
 #include "platform/ffmpeg/box_reader.h"
+#include "platform/ffmpeg/box_writer.h"
 #include "tests/platform/ffmpeg/memory_file_system.h"
 #include "tests/platform/ffmpeg/movie_recording.h"
 
@@ -89,6 +91,72 @@ TEST(DamagedMovie, aFragmentWithoutPacketsEndsTheMovie) {
         setNumber(movie, findContent(movie, "trun", track) + 4, 0);
     }
     EXPECT_EQ(durationOf(movie), 48128);
+}
+
+/// Packets of four bytes and 1024 frames of the first track, each said to lie at an offset in its
+/// fragment's content.
+struct MadeUpRow {
+    std::int64_t start = 0;
+    std::vector<std::uint32_t> offsets;
+};
+
+void writeRows(ffmpeg::BoxWriter& movie, const std::vector<MadeUpRow>& rows,
+               std::size_t contentOffset) {
+    movie.box("moof", [&] {
+        for (const MadeUpRow& row : rows) {
+            movie.box("traf", [&] {
+                movie.fullBox("tfhd", 0x20018, [&] {
+                    movie.u32(1);
+                    movie.u32(ffmpeg::packetFrames);
+                    movie.u32(4);
+                });
+                movie.fullBox("tfdt", 0, [&] { movie.u32(static_cast<std::uint64_t>(row.start)); });
+                for (const std::uint32_t offset : row.offsets) {
+                    movie.fullBox("trun", 1, [&] {
+                        movie.u32(1);
+                        movie.u32(contentOffset + offset);
+                    });
+                }
+            });
+        }
+    });
+}
+
+std::vector<std::byte> makeFragment(const std::vector<MadeUpRow>& rows) {
+    ffmpeg::BoxWriter description;
+    writeRows(description, rows, 0);
+    ffmpeg::BoxWriter fragment;
+    writeRows(fragment, rows, description.take().size() + 8);
+    fragment.box("mdat", [&] { fragment.zeros(16); });
+    return fragment.take();
+}
+
+// Else a few bytes could name far more packets than memory holds.
+TEST(DamagedMovie, aFragmentThatNamesItsBytesTwiceEndsTheMovie) {
+    auto movie = recordMovie(12 * second, silence());
+    movie.resize(topBoxes(movie)[3].end);
+    ASSERT_EQ(durationOf(movie), 48128);
+    constexpr std::int64_t next = 48128 + ffmpeg::primingFrames;
+
+    struct Case {
+        const char* name;
+        std::vector<MadeUpRow> rows;
+        std::int64_t duration;
+    };
+
+    const std::vector<Case> cases{
+        {"whole", {{next, {0, 4, 12}}}, 48128 + (3 * ffmpeg::packetFrames)},
+        {"one packet twice", {{next, {0, 0}}}, 48128},
+        {"overlapping packets", {{next, {0, 3}}}, 48128},
+        {"packets in another order", {{next, {4, 0}}}, 48128},
+        {"one track twice", {{next, {0}}, {next + ffmpeg::packetFrames, {4}}}, 48128},
+    };
+    for (const Case& test : cases) {
+        auto damaged = movie;
+        const auto fragment = makeFragment(test.rows);
+        damaged.insert(damaged.end(), fragment.begin(), fragment.end());
+        EXPECT_EQ(durationOf(damaged), test.duration) << test.name;
+    }
 }
 
 TEST(DamagedMovie, aPacketThatCannotBeDecodedIsSilent) {

@@ -1,0 +1,157 @@
+// Writes what the fuzzers begin with into a folder: small recordings, whole, cut and damaged, and
+// movies made by hand.
+
+#include <algorithm>
+#include <chrono>
+#include <exception>
+#include <filesystem>
+#include <fstream>
+#include <future>
+#include <iostream>
+#include <random>
+#include <span>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "fuzz/hand_made_movies.h"
+#include "platform/ffmpeg/movie_writer.h"
+#include "tests/platform/ffmpeg/memory_file_system.h"
+#include "tests/platform/ffmpeg/movie_recording.h"
+
+namespace vantoro::fuzz {
+
+namespace {
+
+using Bytes = std::vector<std::byte>;
+
+constexpr std::int64_t fragmentFrames = 4800;
+
+/// A finished movie whose fragments hold a tenth of a second each.
+Bytes record(std::vector<AudioTrackSettings> tracks, int fragments, const Sound& sound) {
+    MemoryFileSystem files;
+    ffmpeg::MovieWriter writer(files, "movie.mov");
+    writer.setInitialMovieFragmentInterval({1, 10});
+    writer.setMovieFragmentInterval({1, 10});
+    std::vector<FileWriterInput*> inputs;
+    for (const AudioTrackSettings& track : tracks) {
+        inputs.push_back(&writer.add(track));
+    }
+    bool works = writer.startWriting();
+    writer.startSession(SoundBuffer::sessionStart);
+    for (std::int64_t frame = 0; frame < fragments * fragmentFrames; frame += fragmentFrames) {
+        for (std::size_t index = 0; index < tracks.size(); ++index) {
+            const SoundBuffer buffer(frame, fragmentFrames, tracks[index].channels, sound);
+            works = works && inputs[index]->append(buffer.buffer());
+        }
+    }
+    for (FileWriterInput* const input : inputs) {
+        input->markAsFinished();
+    }
+    std::promise<void> finished;
+    auto done = finished.get_future();
+    writer.finishWriting([&finished] { finished.set_value(); });
+    if (!works || done.wait_for(std::chrono::seconds(30)) != std::future_status::ready ||
+        writer.status() != FileWriterStatus::completed) {
+        throw std::runtime_error("a seed could not be recorded");
+    }
+    return files.contentOf("movie.mov");
+}
+
+Bytes cut(const Bytes& movie, std::size_t size) {
+    return {movie.begin(),
+            movie.begin() + static_cast<std::ptrdiff_t>(std::min(size, movie.size()))};
+}
+
+/// As it is on the disk after its last whole fragment, when nobody finishes it.
+Bytes withoutEnd(const Bytes& movie) {
+    std::size_t end = 0;
+    for (const TopBox& box : topBoxes(movie)) {
+        end = box.type == "mdat" ? box.end : end;
+    }
+    return cut(movie, end);
+}
+
+/// With a table in its header that claims to have 160 million entries.
+Bytes withLargeTable(Bytes movie) {
+    const std::string_view name = "stco";
+    const auto table = std::ranges::search(movie, std::as_bytes(std::span(name)));
+    movie.at(static_cast<std::size_t>(table.begin() - movie.begin()) + 8) = std::byte{10};
+    return movie;
+}
+
+std::vector<Seed> recordings() {
+    std::vector<Seed> seeds;
+    for (int fragments = 1; fragments <= 4; ++fragments) {
+        const std::string name = std::to_string(fragments) + "-fragments";
+        const Bytes one = record({microphoneTrack}, fragments, silence());
+        const Bytes two = record({systemTrack, microphoneTrack}, fragments, silence());
+        seeds.push_back({"1-track-" + name, one});
+        seeds.push_back({"2-tracks-" + name, two});
+        seeds.push_back({"1-track-unfinished-" + name, withoutEnd(one)});
+        seeds.push_back({"2-tracks-unfinished-" + name, withoutEnd(two)});
+    }
+    seeds.push_back({"large-table", withLargeTable(record({microphoneTrack}, 1, silence()))});
+    seeds.push_back({"tone", record({microphoneTrack}, 2, tone(440, 0.5F))});
+    return seeds;
+}
+
+std::vector<Seed> damagedRecordings() {
+    const Bytes movie = record({systemTrack, microphoneTrack}, 3, silence());
+    std::vector<Seed> seeds;
+    for (std::size_t part = 1; part < 12; ++part) {
+        seeds.push_back({"cut-" + std::to_string(part), cut(movie, movie.size() * part / 12)});
+        seeds.push_back({"zeros-" + std::to_string(part), cut(movie, movie.size() * part / 12),
+                         static_cast<unsigned>(3 * part)});
+    }
+    std::mt19937 random(1); // NOLINT(bugprone-random-generator-seed): the same seeds each time
+    for (std::size_t round = 0; round < 24; ++round) {
+        Bytes damaged = movie;
+        for (std::size_t i = 0; i <= round % 6; ++i) {
+            damaged[random() % damaged.size()] = static_cast<std::byte>(random());
+        }
+        seeds.push_back({"damaged-" + std::to_string(round), std::move(damaged)});
+    }
+    return seeds;
+}
+
+void write(const std::filesystem::path& folder, const Seed& seed) {
+    Bytes bytes{static_cast<std::byte>(seed.tail)};
+    bytes.insert(bytes.end(), seed.movie.begin(), seed.movie.end());
+    std::ofstream file;
+    file.exceptions(std::ios::failbit | std::ios::badbit);
+    file.open(folder / seed.name, std::ios::binary | std::ios::trunc);
+    file.write(reinterpret_cast<const char*>(bytes.data()),
+               static_cast<std::streamsize>(bytes.size()));
+    file.close();
+}
+
+void writeAll(const std::filesystem::path& folder) {
+    std::filesystem::create_directories(folder);
+    for (const auto& seeds : {recordings(), damagedRecordings(), makeMoviesByHand()}) {
+        for (const Seed& seed : seeds) {
+            write(folder, seed);
+        }
+    }
+}
+
+} // namespace
+
+} // namespace vantoro::fuzz
+
+int main(int argc, char** argv) {
+    const std::span arguments(argv, static_cast<std::size_t>(argc));
+    if (arguments.size() != 2) {
+        std::cerr << "usage: make_seeds FOLDER\n";
+        return 2;
+    }
+    try {
+        vantoro::fuzz::writeAll(arguments[1]);
+    } catch (const std::exception& error) {
+        std::cerr << "make_seeds: " << error.what() << '\n';
+        return 1;
+    }
+    return 0;
+}

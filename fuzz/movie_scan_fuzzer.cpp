@@ -1,0 +1,140 @@
+// Gives the parser of unfinished movies any bytes at all, and holds it to what its headers promise.
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "fuzz/promise.h"
+#include "fuzz/sparse_file.h"
+#include "platform/ffmpeg/aac.h"
+#include "platform/ffmpeg/box_reader.h"
+#include "platform/ffmpeg/fragment_parser.h"
+#include "platform/ffmpeg/movie_scan.h"
+
+namespace vantoro::fuzz {
+
+namespace {
+
+using ffmpeg::packetFrames;
+
+constexpr std::uint64_t mostTracks = 16;
+constexpr std::uint64_t mostPackets = 65536; // of a track in a fragment
+constexpr std::uint64_t largestPacket = 65536;
+constexpr std::uint64_t largestHeader = 1U << 20U;
+
+/// What one look at each fragment may cost. The smallest whole fragment has 73 bytes, of which the
+/// last may be a zero of the tail, and takes five reads: the header and the large size of two
+/// boxes, and a description; so does one that is found not to be whole. Before them up to 16 boxes
+/// are looked at, and one header is read. Descriptions do not overlap, and none lies among the
+/// zeros.
+void allowScan(SparseFile& file) {
+    const std::uint64_t reads = 40 + (5 * (file.heldSize() / 72));
+    file.allow(reads, (8 * reads) + largestHeader + file.heldSize());
+}
+
+void checkTracks(const std::vector<ffmpeg::TrackHeader>& tracks) {
+    require(tracks.size() <= mostTracks, "a movie has at most 16 tracks");
+    for (auto track = tracks.begin(); track != tracks.end(); ++track) {
+        require(std::ranges::count(tracks, track->id, &ffmpeg::TrackHeader::id) == 1,
+                "tracks can be told apart");
+        require(!track->isAudio || track->timescale == ffmpeg::framesPerSecond,
+                "sound is timed in frames");
+    }
+}
+
+/// Follows the packets through all fragments, as their readers do.
+class Walk {
+public:
+    Walk(SparseFile& file, const ffmpeg::MovieScan& scan)
+        : file_(file), scan_(scan), frames_(scan.tracks.size()), ended_(scan.tracks.size()) {}
+
+    void run() {
+        require(scan_.starts.size() == scan_.fragments.size() * scan_.tracks.size() &&
+                    scan_.ends.size() == scan_.tracks.size(),
+                "each track has a start in each fragment, and an end");
+        require(scan_.headerEnd <= file_.size(), "the header lies inside the file");
+        end_ = scan_.headerEnd;
+        for (std::size_t index = 0; index < scan_.fragments.size(); ++index) {
+            require(std::ranges::equal(scan_.startsOf(index), frames_),
+                    "a track goes on where the fragment before has ended");
+            walkFragment(scan_.fragments[index]);
+        }
+        require(frames_ == scan_.ends, "tracks are as long as their packets");
+    }
+
+private:
+    void walkFragment(std::uint64_t offset) {
+        require(offset == end_ && offset < file_.size(), "fragments follow one another");
+        allowScan(file_);
+        // Whole when it was scanned, so whole now: this may not throw.
+        const ffmpeg::Fragment fragment = ffmpeg::readFragment(file_, offset, scan_.tracks);
+        require(fragment.end > offset && fragment.end <= file_.size(),
+                "a fragment lies inside the file");
+        end_ = fragment.end;
+
+        std::vector<bool> seen(scan_.tracks.size());
+        bool isEmpty = true;
+        for (const ffmpeg::PacketRow& row : fragment.rows) {
+            require(row.track < seen.size() && scan_.tracks[row.track].isAudio,
+                    "only sound has packets");
+            require(!seen[row.track], "a fragment holds a track once");
+            seen[row.track] = true;
+            isEmpty = isEmpty && row.packets.empty();
+            walkRow(row, offset);
+        }
+        require(!isEmpty, "a fragment holds packets");
+    }
+
+    void walkRow(const ffmpeg::PacketRow& row, std::uint64_t fragmentBegin) {
+        require(row.start == static_cast<std::uint64_t>(frames_[row.track]), "starts are exact");
+        require(row.packets.size() <= mostPackets, "packets are not more than a recording has");
+        std::uint64_t next = fragmentBegin;
+        for (const ffmpeg::PacketPlace& packet : row.packets) {
+            require(packet.size > 0 && packet.size <= largestPacket, "packets have a likely size");
+            require(packet.offset >= next, "packets lie one behind the other");
+            next = packet.offset + packet.size;
+            require(next <= end_, "packets lie inside their fragment");
+            require(packet.duration <= packetFrames && !ended_[row.track],
+                    "only a track's last packet is short");
+            ended_[row.track] = packet.duration < packetFrames;
+            frames_[row.track] += packet.duration;
+            readPacket(packet);
+        }
+    }
+
+    /// Not those that lie among the zeros, which would take as long as the file claims to be large.
+    void readPacket(const ffmpeg::PacketPlace& packet) {
+        if (packet.offset < file_.heldSize()) {
+            bytes_.resize(packet.size);
+            file_.allow(1, packet.size);
+            ffmpeg::readExactly(file_, packet.offset, bytes_);
+        }
+    }
+
+    SparseFile& file_;
+    const ffmpeg::MovieScan& scan_;
+    std::uint64_t end_ = 0; // of the fragment before
+    std::vector<std::int64_t> frames_;
+    std::vector<bool> ended_;
+    std::vector<std::byte> bytes_;
+};
+
+} // namespace
+
+} // namespace vantoro::fuzz
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    using namespace vantoro;
+    fuzz::SparseFile file(std::span(data, size));
+    fuzz::allowScan(file);
+    ffmpeg::MovieScan scan;
+    try {
+        scan = ffmpeg::scanMovie(file);
+    } catch (const ffmpeg::DamagedMovie&) {
+        return 0;
+    } // whatever else comes ends the process
+    fuzz::checkTracks(scan.tracks);
+    fuzz::Walk(file, scan).run();
+    return 0;
+}
