@@ -15,6 +15,7 @@ Records what the computer plays together with the microphone into one M4A file.
 Commands:
   record     Record until Ctrl+C, then print the place of the final file.
   devices    List the microphones: "*" marks the default; identifier, tab, name.
+  recover    Finish recordings that were interrupted, and print the final files' places.
 
 Options of record:
   --seconds N               Stop after N seconds.
@@ -24,6 +25,9 @@ Options of record:
   --microphone ID           Record this microphone in place of the default one.
   --system-volume G         Gain of the computer's sound, 1 for unchanged (0.9).
   --microphone-volume G     Gain of the microphone, 1 for unchanged (1).
+
+Option of recover:
+  --folder DIR              Look in this folder.
 
 Options:
   -h, --help                Print this help.
@@ -81,6 +85,23 @@ void parse(QCommandLineParser& parser, const QStringList& arguments) {
     refuseFurtherWords(parser);
 }
 
+std::optional<std::filesystem::path> folderOf(const QCommandLineParser& parser) {
+    if (!parser.isSet(folder)) {
+        return std::nullopt;
+    }
+    if (parser.value(folder).isEmpty()) {
+        throw BadUsage{QStringLiteral("--folder takes the name of a folder.")};
+    }
+    return parser.value(folder).toStdString();
+}
+
+RecoverCommand parseRecover(const QStringList& arguments) {
+    QCommandLineParser parser;
+    parser.addOption({folder, QString(), QStringLiteral("value")});
+    parse(parser, arguments);
+    return {folderOf(parser)};
+}
+
 RecordCommand parseRecord(const QStringList& arguments) {
     QCommandLineParser parser;
     for (const QString& withValue : {seconds, folder, microphone, systemVolume, microphoneVolume}) {
@@ -94,12 +115,7 @@ RecordCommand parseRecord(const QStringList& arguments) {
     command.seconds = number(
         parser, seconds, [](double value) { return value > 0; },
         QStringLiteral("a number above 0"));
-    if (parser.isSet(folder)) {
-        if (parser.value(folder).isEmpty()) {
-            throw BadUsage{QStringLiteral("--folder takes the name of a folder.")};
-        }
-        command.folder = parser.value(folder).toStdString();
-    }
+    command.folder = folderOf(parser);
     command.systemAudio = !parser.isSet(noSystemAudio);
     command.microphone = !parser.isSet(noMicrophone);
     if (parser.isSet(microphone)) {
@@ -118,6 +134,9 @@ Command parseOrThrow(const QStringList& arguments) {
     const QStringList others = arguments.mid(1);
     if (first == QStringLiteral("record")) {
         return parseRecord(others);
+    }
+    if (first == QStringLiteral("recover")) {
+        return parseRecover(others);
     }
     QCommandLineParser parser;
     if (first == QStringLiteral("devices")) {

@@ -25,6 +25,12 @@ struct DevicesCommand {
     friend bool operator==(const DevicesCommand&, const DevicesCommand&) = default;
 };
 
+struct RecoverCommand {
+    std::optional<std::filesystem::path> folder;
+
+    friend bool operator==(const RecoverCommand&, const RecoverCommand&) = default;
+};
+
 /// Print this text on standard output, and that is all.
 struct PrintCommand {
     std::string text;
@@ -39,7 +45,8 @@ struct UsageError {
     friend bool operator==(const UsageError&, const UsageError&) = default;
 };
 
-using Command = std::variant<RecordCommand, DevicesCommand, PrintCommand, UsageError>;
+using Command =
+    std::variant<RecordCommand, DevicesCommand, RecoverCommand, PrintCommand, UsageError>;
 
 /// `arguments` without the program's own name.
 Command parseCommandLine(const QStringList& arguments);

@@ -9,11 +9,15 @@
 #include "app/devices_command.h"
 #include "app/record_command.h"
 #include "app/recording_platform.h"
+#include "app/recover_command.h"
 #include "app/stop_signals.h"
 #include "engine/audio_recorder.h"
 #include "platform/desktop/recording_folder.h"
+#include "platform/ffmpeg/toolkit.h"
 #include "platform/pipewire/device_list.h"
 #include "platform/pipewire/screen_capture_access.h"
+#include "platform/posix/posix_file_system.h"
+#include "platform/posix/system_clock.h"
 
 namespace vantoro {
 
@@ -50,6 +54,14 @@ public:
         std::cerr << (isReachable ? "There is no microphone.\n"
                                   : "The sound server cannot be reached.\n");
         return isReachable ? 0 : 1;
+    }
+
+    int operator()(const RecoverCommand& command) const {
+        posix::PosixFileSystem fileSystem;
+        ffmpeg::FfmpegToolkit mediaToolkit(fileSystem);
+        const posix::SystemClock clock;
+        return runRecoverCommand(command, desktop::defaultRecordingFolder(),
+                                 {mediaToolkit, fileSystem, clock}, signals_);
     }
 
     int operator()(const RecordCommand& command) const {

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "engine/file_names.h"
+#include "engine/salvage.h"
 #include "engine/track_mixing.h"
 
 namespace vantoro {
@@ -136,6 +137,14 @@ std::filesystem::path AudioRecorder::stop(float systemVolume, float microphoneVo
         reset(false);
         throw;
     }
+}
+
+std::vector<std::filesystem::path>
+AudioRecorder::recoverIncompleteRecordings(const std::filesystem::path& folder,
+                                           const std::stop_token& stop) {
+    return vantoro::recoverIncompleteRecordings(
+        {platform_.mediaToolkit, platform_.fileSystem, platform_.clock}, folder, stop,
+        onExportProgress);
 }
 
 void AudioRecorder::stopStream() {

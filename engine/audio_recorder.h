@@ -4,6 +4,8 @@
 #include <filesystem>
 #include <memory>
 #include <optional>
+#include <stop_token>
+#include <vector>
 
 #include "engine/media_time.h"
 #include "engine/ports/capture_stream.h"
@@ -51,6 +53,11 @@ public:
     /// Throws a `RecordingError`, or the platform's error unchanged; then the temporary file is
     /// kept if sound was written to it. In either case another recording can be started.
     std::filesystem::path stop(float systemVolume, float microphoneVolume);
+
+    /// Finishes the recordings in the folder that were interrupted; see `salvage.h`. Blocks, and is
+    /// not run while a recording is started, made or stopped.
+    std::vector<std::filesystem::path>
+    recoverIncompleteRecordings(const std::filesystem::path& folder, const std::stop_token& stop);
 
     // Set before `start`, and not while a recording runs. Each may be empty.
 

@@ -1,6 +1,7 @@
 #include "engine/track_mixing.h"
 
 #include <exception>
+#include <system_error>
 #include <utility>
 
 #include "engine/file_names.h"
@@ -13,8 +14,13 @@ namespace {
 /// Removes the staging file at the end of an export, however it ends.
 class StagingFile {
 public:
-    StagingFile(FileSystem& fileSystem, std::filesystem::path location)
-        : fileSystem_(fileSystem), location_(std::move(location)) {
+    /// Throws when somebody else exports to the same place.
+    StagingFile(FileSystem& fileSystem, const std::filesystem::path& destination)
+        : fileSystem_(fileSystem), location_(stagingURL(destination)) {
+        if (isBeingExportedTo(destination, fileSystem_)) {
+            throw std::system_error(std::make_error_code(std::errc::file_exists),
+                                    "Cannot create " + location_.filename().string());
+        }
         removeIgnoringErrors(fileSystem_, location_);
     }
 
@@ -61,7 +67,7 @@ void mixTracks(MediaToolkit& toolkit, FileSystem& fileSystem, Asset& asset,
 void exportM4A(MediaToolkit& toolkit, FileSystem& fileSystem, const Composition& composition,
                AudioMix mix, const std::filesystem::path& destination,
                const ExportProgress& progress) {
-    const StagingFile staging(fileSystem, stagingURL(destination));
+    const StagingFile staging(fileSystem, destination);
     const auto session = toolkit.makeExportSession(composition);
     if (!session) {
         throw RecordingError(RecordingError::Case::exportFailed);

@@ -4,11 +4,14 @@
 #include <cstdint>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <span>
+#include <vector>
 
 namespace vantoro {
 
 /// A file being written. Used by one thread at a time. Everything throws std::system_error.
+/// Locked until it is destroyed, so that nobody takes it for one that was left behind.
 class OutputFile {
 public:
     /// Closes without a word; call `close` to learn whether it worked.
@@ -32,6 +35,20 @@ public:
     virtual std::uint64_t size() const = 0;
     /// How many bytes were read: fewer than asked for only at the file's end. Throws on failure.
     virtual std::size_t readAt(std::uint64_t offset, std::span<std::byte> into) const = 0;
+};
+
+/// Keeps others from working on a file for as long as it lives, at the latest until the process
+/// ends, however it ends.
+class FileLock {
+public:
+    virtual ~FileLock() = default;
+};
+
+/// What a folder's listing says about one thing in it.
+struct FolderEntry {
+    std::filesystem::path path;
+    /// Of its content; nothing where that cannot be told.
+    std::optional<std::filesystem::file_time_type> modified;
 };
 
 /// Who may read a created file.
@@ -60,6 +77,10 @@ public:
     virtual std::unique_ptr<OutputFile> create(const std::filesystem::path& path,
                                                FileAudience audience) = 0;
     virtual std::unique_ptr<InputFile> open(const std::filesystem::path& path) = 0;
+    /// What lies directly in the folder, hidden things included.
+    virtual std::vector<FolderEntry> list(const std::filesystem::path& folder) = 0;
+    /// Null, at once, while the file is locked by anybody, in this process or another.
+    virtual std::unique_ptr<FileLock> lock(const std::filesystem::path& path) = 0;
 };
 
 } // namespace vantoro

@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <system_error>
 
+#include "platform/posix/posix_file_lock.h"
 #include "platform/posix/posix_input_file.h"
 #include "platform/posix/posix_output_file.h"
 #include "platform/posix/system_calls.h"
@@ -54,6 +55,26 @@ std::unique_ptr<OutputFile> PosixFileSystem::create(const std::filesystem::path&
 
 std::unique_ptr<InputFile> PosixFileSystem::open(const std::filesystem::path& path) {
     return std::make_unique<PosixInputFile>(path);
+}
+
+std::vector<FolderEntry> PosixFileSystem::list(const std::filesystem::path& folder) {
+    std::vector<FolderEntry> entries;
+    std::error_code error;
+    std::filesystem::directory_iterator next(folder, error);
+    while (!error && next != std::filesystem::directory_iterator()) {
+        std::error_code unknown;
+        const auto modified = next->last_write_time(unknown);
+        entries.push_back({next->path(), unknown ? std::nullopt : std::optional(modified)});
+        next.increment(error);
+    }
+    if (error) {
+        throwFailure("list", folder, error.value());
+    }
+    return entries;
+}
+
+std::unique_ptr<FileLock> PosixFileSystem::lock(const std::filesystem::path& path) {
+    return PosixFileLock::tryTo(path);
 }
 
 } // namespace vantoro::posix

@@ -16,6 +16,8 @@ public:
     std::unique_ptr<OutputFile> create(const std::filesystem::path& path,
                                        FileAudience audience) override;
     std::unique_ptr<InputFile> open(const std::filesystem::path& path) override;
+    std::vector<FolderEntry> list(const std::filesystem::path& folder) override;
+    std::unique_ptr<FileLock> lock(const std::filesystem::path& path) override;
 };
 
 } // namespace vantoro::posix

@@ -12,12 +12,25 @@ namespace vantoro::posix {
 
 namespace {
 
+/// A file that is locked from its first moment that anybody can notice.
 FileDescriptor createFile(const std::filesystem::path& path, FileAudience audience) {
+    constexpr int mostAttempts = 100;
     constexpr mode_t userReadsAndWrites = 0600;
     constexpr mode_t allReadAndWrite = 0666; // less what the user's mask takes away
     // Readable too, for the content to be copied from when the path is lost.
-    return openFile(path, O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW, "create",
-                    audience == FileAudience::userOnly ? userReadsAndWrites : allReadAndWrite);
+    for (int attempt = 0; attempt < mostAttempts; ++attempt) {
+        FileDescriptor file =
+            openFile(path, O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW, "create",
+                     audience == FileAudience::userOnly ? userReadsAndWrites : allReadAndWrite);
+        if (tryLock(file, F_WRLCK, path)) {
+            return file;
+        }
+        // Somebody who looks for files that were left behind was quicker; let them have this one.
+        if (::unlink(path.c_str()) != 0) {
+            throwFailure("create", path, errno);
+        }
+    }
+    throwFailure("create", path, EBUSY);
 }
 
 } // namespace
@@ -26,7 +39,8 @@ PosixOutputFile::PosixOutputFile(const std::filesystem::path& path, FileAudience
     : path_(std::filesystem::absolute(path)),
       audience_(audience),
       folder_(openFile(path_.parent_path(), O_RDONLY | O_DIRECTORY, "open")),
-      file_(createFile(path_, audience)) {}
+      file_(createFile(path_, audience)),
+      lock_(duplicate(file_, path_)) {}
 
 void PosixOutputFile::writeAt(std::uint64_t offset, std::span<const std::byte> bytes) {
     writeFully(file_, offset, bytes, path_);

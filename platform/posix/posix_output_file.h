@@ -28,6 +28,7 @@ private:
     FileAudience audience_;
     FileDescriptor folder_; // open until the name is on the disk, wherever it is moved to
     FileDescriptor file_;
+    FileDescriptor lock_; // shares the file's lock, and keeps it when the file is closed
 };
 
 } // namespace vantoro::posix

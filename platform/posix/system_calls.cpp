@@ -28,6 +28,14 @@ FileDescriptor openFile(const std::filesystem::path& path, int flags, std::strin
     return FileDescriptor(number);
 }
 
+FileDescriptor duplicate(const FileDescriptor& file, const std::filesystem::path& path) {
+    const int number = ::fcntl(file.get(), F_DUPFD_CLOEXEC, 0);
+    if (number == -1) {
+        throwFailure("open", path, errno);
+    }
+    return FileDescriptor(number);
+}
+
 struct stat statusOf(const FileDescriptor& file, const std::filesystem::path& path) {
     struct stat status{};
 
@@ -35,6 +43,28 @@ struct stat statusOf(const FileDescriptor& file, const std::filesystem::path& pa
         throwFailure("examine", path, errno);
     }
     return status;
+}
+
+bool tryLock(const FileDescriptor& file, short kind, const std::filesystem::path& path) {
+    struct flock whole{};
+
+    whole.l_type = kind;
+    whole.l_whence = SEEK_SET;
+    if (uninterrupted([&] { return ::fcntl(file.get(), F_OFD_SETLK, &whole); }) == 0) {
+        return true;
+    }
+    switch (errno) {
+    case EAGAIN:
+    case EACCES:
+        return false;
+    case ENOLCK:
+    case EINVAL:
+    case ENOSYS:
+    case EOPNOTSUPP:
+        return true;
+    default:
+        throwFailure("lock", path, errno);
+    }
 }
 
 std::size_t readFully(const FileDescriptor& file, std::uint64_t offset, std::span<std::byte> into,

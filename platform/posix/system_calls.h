@@ -34,7 +34,15 @@ auto uninterrupted(Call call) {
 FileDescriptor openFile(const std::filesystem::path& path, int flags, std::string_view action,
                         mode_t mode = 0);
 
+/// The same open file under a second number. Throws.
+FileDescriptor duplicate(const FileDescriptor& file, const std::filesystem::path& path);
+
 struct stat statusOf(const FileDescriptor& file, const std::filesystem::path& path);
+
+/// Locks the file for whoever has it open now, until the last copy of the descriptor is closed.
+/// `kind`: F_WRLCK, or F_RDLCK for a file that is open for reading only. False while somebody else
+/// has it locked. Where the file system has no locks, nobody can be told apart, and it is true.
+bool tryLock(const FileDescriptor& file, short kind, const std::filesystem::path& path);
 
 /// As many bytes as there are, up to `into.size()`; fewer only at the file's end. Throws.
 std::size_t readFully(const FileDescriptor& file, std::uint64_t offset, std::span<std::byte> into,

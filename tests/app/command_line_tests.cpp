@@ -45,6 +45,8 @@ TEST(CommandLine, emptyMicrophoneIdentifierIsTakenAsItStands) {
 
 TEST(CommandLine, devicesAndVersionAndHelp) {
     EXPECT_EQ(parsed("devices"), Command(DevicesCommand{}));
+    EXPECT_EQ(parsed("recover"), Command(RecoverCommand{}));
+    EXPECT_EQ(parsed("recover --folder /r"), Command(RecoverCommand{"/r"}));
     EXPECT_TRUE(std::get<PrintCommand>(parsed("--version")).text.starts_with("vantoro "));
     EXPECT_TRUE(std::get<PrintCommand>(parsed("--help")).text.starts_with("Usage: vantoro "));
     EXPECT_TRUE(
@@ -59,6 +61,8 @@ TEST(CommandLine, whatMakesNoSenseIsOneLineThatSaysWhy) {
         {"record --loud", "Unknown option 'loud'."},
         {"record now", "\"now\" is one word too many."},
         {"devices --folder x", "Unknown option 'folder'."},
+        {"recover --seconds 5", "Unknown option 'seconds'."},
+        {"recover --folder=", "--folder takes the name of a folder."},
         {"--version please", "\"please\" is one word too many."},
         {"record --seconds", "Missing value after '--seconds'."},
         {"record --seconds ten", "--seconds takes a number above 0, not \"ten\"."},

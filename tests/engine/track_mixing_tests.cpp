@@ -147,5 +147,13 @@ TEST_F(TrackMixingTest, progressReachesItsReceiver) {
     EXPECT_EQ(reported, 1);
 }
 
+TEST_F(TrackMixingTest, stagingFileOfSomebodyElsesExportIsLeftAlone) {
+    fileSystem.entries.insert(staging);
+    fileSystem.locked.insert(staging);
+    EXPECT_NE(failureOf(), "none");
+    EXPECT_EQ(fileSystem.entries, std::set{staging});
+    EXPECT_TRUE(log.startingWith("export").empty());
+}
+
 } // namespace
 } // namespace vantoro::testing

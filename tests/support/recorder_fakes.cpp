@@ -127,7 +127,7 @@ public:
         return tracks;
     }
 
-    MediaTime duration() override { return {48000, 48000}; }
+    MediaTime duration() override { return toolkit_.exporting.duration; }
 
 private:
     FakeMediaToolkit& toolkit_;
@@ -302,6 +302,9 @@ void FakeFileSystem::remove(const std::filesystem::path& path) {
         throw std::filesystem::filesystem_error(
             "remove", path, std::make_error_code(std::errc::no_such_file_or_directory));
     }
+    if (afterRemove) {
+        afterRemove(path);
+    }
 }
 
 void FakeFileSystem::move(const std::filesystem::path& from, const std::filesystem::path& to) {
@@ -323,6 +326,31 @@ std::unique_ptr<OutputFile> FakeFileSystem::create(const std::filesystem::path& 
 
 std::unique_ptr<InputFile> FakeFileSystem::open(const std::filesystem::path& /*path*/) {
     throw std::logic_error("the recorder reads no file itself");
+}
+
+std::vector<FolderEntry> FakeFileSystem::list(const std::filesystem::path& /*folder*/) {
+    throwIfSet(listError);
+    return listing;
+}
+
+std::unique_ptr<FileLock> FakeFileSystem::lock(const std::filesystem::path& path) {
+    class Lock final : public FileLock {
+    public:
+        Lock(CallLog& log, std::string name) : log_(log), name_(std::move(name)) {
+            log_.add("lock " + name_);
+        }
+
+        Lock(const Lock&) = delete;
+        Lock& operator=(const Lock&) = delete;
+
+        ~Lock() override { log_.add("unlock " + name_); }
+
+    private:
+        CallLog& log_;
+        std::string name_;
+    };
+
+    return locked.contains(path) ? nullptr : std::make_unique<Lock>(log_, path.filename().string());
 }
 
 std::vector<std::filesystem::path> FakeFileSystem::temporaryFiles() const {

@@ -104,8 +104,12 @@ public:
     std::set<std::filesystem::path> entries;
     std::exception_ptr createFoldersError;
     std::map<std::filesystem::path, std::exception_ptr> removeErrors;
+    std::function<void(const std::filesystem::path&)> afterRemove;
     std::exception_ptr moveError;
     std::exception_ptr syncFolderError;
+    std::vector<FolderEntry> listing; ///< of any folder
+    std::exception_ptr listError;
+    std::set<std::filesystem::path> locked; ///< by somebody else
 
     void createFolders(const std::filesystem::path& folder) override;
 
@@ -117,6 +121,8 @@ public:
     std::unique_ptr<OutputFile> create(const std::filesystem::path& path,
                                        FileAudience audience) override;
     std::unique_ptr<InputFile> open(const std::filesystem::path& path) override;
+    std::vector<FolderEntry> list(const std::filesystem::path& folder) override;
+    std::unique_ptr<FileLock> lock(const std::filesystem::path& path) override;
 
     /// The temporary recordings that are there.
     std::vector<std::filesystem::path> temporaryFiles() const;
@@ -143,6 +149,7 @@ struct ExportBehaviour {
     std::exception_ptr timeRangeError;
     std::exception_ptr insertError;
     std::exception_ptr exportError;
+    MediaTime duration{48000, 48000};
     std::optional<std::size_t> trackCount; ///< absent: as many as the writer had inputs
     bool compositionTakesTracks = true;
     bool sessionCanBeMade = true;

@@ -133,6 +133,23 @@ std::unique_ptr<InputFile> MemoryFileSystem::open(const std::filesystem::path& p
     return std::make_unique<MemoryInputFile>(contentOf(path));
 }
 
+std::vector<FolderEntry> MemoryFileSystem::list(const std::filesystem::path& folder) {
+    const std::lock_guard lock(mutex_);
+    std::vector<FolderEntry> entries;
+    for (const auto& [path, file] : files_) {
+        if (path.parent_path() == folder) {
+            entries.push_back({path, std::nullopt});
+        }
+    }
+    return entries;
+}
+
+std::unique_ptr<FileLock> MemoryFileSystem::lock(const std::filesystem::path& /*path*/) {
+    class Lock final : public FileLock {};
+
+    return std::make_unique<Lock>();
+}
+
 void MemoryFileSystem::clear() {
     const std::lock_guard lock(mutex_);
     files_.clear();

@@ -36,6 +36,9 @@ public:
     std::unique_ptr<OutputFile> create(const std::filesystem::path& path,
                                        FileAudience audience) override;
     std::unique_ptr<InputFile> open(const std::filesystem::path& path) override;
+    std::vector<FolderEntry> list(const std::filesystem::path& folder) override;
+    /// Nobody else is there.
+    std::unique_ptr<FileLock> lock(const std::filesystem::path& path) override;
 
     void clear();
     void put(const std::filesystem::path& path, std::vector<std::byte> content);

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <filesystem>
+
+#include "app/command_line.h"
+#include "app/stop_signals.h"
+#include "engine/salvage.h"
+
+namespace vantoro {
+
+/// Finishes the recordings in a folder that were interrupted, until a signal comes; then the one in
+/// work stays for the next time. Prints the final files' paths on standard output, a line each, and
+/// all else on standard error. Returns the exit status: 1 where there is no such folder, or the
+/// result cannot be printed, else 0.
+int runRecoverCommand(const RecoverCommand& command, const std::filesystem::path& defaultFolder,
+                      const SalvagePlatform& platform, StopSignals& signals);
+
+} // namespace vantoro

@@ -1,0 +1,106 @@
+#include "engine/salvage.h"
+
+#include <algorithm>
+#include <cctype>
+#include <exception>
+#include <optional>
+#include <string>
+
+#include "engine/file_names.h"
+#include "engine/track_mixing.h"
+
+namespace vantoro {
+
+namespace {
+
+std::string lowerCased(std::string text) {
+    std::ranges::transform(text, text.begin(), [](unsigned char character) {
+        return static_cast<char>(std::tolower(character));
+    });
+    return text;
+}
+
+void exportRecoveredAsset(const SalvagePlatform& platform, Asset& asset,
+                          const std::filesystem::path& destination,
+                          const ExportProgress& progress) {
+    // The volumes that the user had chosen died with the recorder.
+    const auto fullVolume = [](std::size_t) { return 1.0F; };
+    mixTracks(platform.mediaToolkit, platform.fileSystem, asset, destination, fullVolume, progress);
+}
+
+/// The final file; nothing when the candidate is to stay. Throws what made the attempt fail.
+std::optional<std::filesystem::path> recover(const SalvagePlatform& platform,
+                                             const std::filesystem::path& candidate,
+                                             const std::stop_token& stop,
+                                             const ExportProgress& progress) {
+    const auto lock = platform.fileSystem.lock(candidate);
+    if (!lock) {
+        return std::nullopt; // still being recorded, or salvaged by somebody else
+    }
+    const auto asset = platform.mediaToolkit.openAsset(candidate);
+    const MediaTime duration = asset->duration();
+    if (!duration.isValid() || !(zeroTime < duration)) {
+        return std::nullopt;
+    }
+    auto destination =
+        uniqueOutputURL(candidate.parent_path(), platform.fileSystem, platform.clock);
+    try {
+        exportRecoveredAsset(platform, *asset, destination, progress);
+        if (stop.stop_requested()) {
+            removeIgnoringErrors(platform.fileSystem, destination);
+            return std::nullopt;
+        }
+        platform.fileSystem.remove(candidate);
+    } catch (...) {
+        // A recording is never both kept for another attempt and finished.
+        removeIgnoringErrors(platform.fileSystem, destination);
+        throw;
+    }
+    return destination;
+}
+
+std::vector<FolderEntry> listOrNothing(FileSystem& fileSystem,
+                                       const std::filesystem::path& folder) {
+    try {
+        return fileSystem.list(folder);
+    } catch (const std::exception&) {
+        return {};
+    }
+}
+
+} // namespace
+
+bool isIncompleteRecording(const std::filesystem::path& file) {
+    return lowerCased(file.extension().string()) == ".mov" && file.stem().extension() == ".partial";
+}
+
+std::vector<std::filesystem::path> incompleteRecordings(std::vector<FolderEntry> listing) {
+    std::erase_if(listing,
+                  [](const FolderEntry& entry) { return !isIncompleteRecording(entry.path); });
+    std::ranges::stable_sort(listing, std::less<>(), &FolderEntry::modified);
+    std::vector<std::filesystem::path> files;
+    std::ranges::transform(listing, std::back_inserter(files), &FolderEntry::path);
+    return files;
+}
+
+std::vector<std::filesystem::path> recoverIncompleteRecordings(const SalvagePlatform& platform,
+                                                               const std::filesystem::path& folder,
+                                                               const std::stop_token& stop,
+                                                               const ExportProgress& progress) {
+    std::vector<std::filesystem::path> recovered;
+    for (const auto& candidate : incompleteRecordings(listOrNothing(platform.fileSystem, folder))) {
+        if (stop.stop_requested()) {
+            break;
+        }
+        try {
+            if (auto location = recover(platform, candidate, stop, progress)) {
+                recovered.push_back(std::move(*location));
+            }
+        } catch (const std::exception&) { // NOLINT(bugprone-empty-catch)
+            // It stays for the next time, and the others have their turn.
+        }
+    }
+    return recovered;
+}
+
+} // namespace vantoro

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <filesystem>
+#include <stop_token>
+#include <vector>
+
+#include "engine/ports/clock.h"
+#include "engine/ports/file_system.h"
+#include "engine/ports/media_toolkit.h"
+
+namespace vantoro {
+
+/// What salvage needs of its platform.
+struct SalvagePlatform {
+    MediaToolkit& mediaToolkit;
+    FileSystem& fileSystem;
+    const Clock& clock;
+};
+
+/// Whether a file has the name of a recording that was not finished.
+bool isIncompleteRecording(const std::filesystem::path& file);
+
+/// The recordings in a listing that were not finished: the one that was written to least recently
+/// comes first, those of which that is not known before all others.
+std::vector<std::filesystem::path> incompleteRecordings(std::vector<FolderEntry> listing);
+
+/// Makes a final file of each unfinished recording in the folder, every track at full volume, and
+/// then deletes what it was made from. Returns the final files in the order in which they were
+/// made. Blocks; task threads only. Never throws: what cannot be read, is in use by a recorder, or
+/// cannot be exported or deleted stays, and nothing is left of the attempt.
+/// A requested stop is honoured before each recording and right after its export.
+/// `progress` is told of each recording's export on this thread; it may be empty.
+std::vector<std::filesystem::path> recoverIncompleteRecordings(const SalvagePlatform& platform,
+                                                               const std::filesystem::path& folder,
+                                                               const std::stop_token& stop,
+                                                               const ExportProgress& progress);
+
+} // namespace vantoro

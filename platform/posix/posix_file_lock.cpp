@@ -1,0 +1,24 @@
+#include "platform/posix/posix_file_lock.h"
+
+#include "platform/posix/system_calls.h"
+
+namespace vantoro::posix {
+
+std::unique_ptr<PosixFileLock> PosixFileLock::tryTo(const std::filesystem::path& path) {
+    // Not waiting for the other end, should it be a pipe.
+    constexpr int flags = O_NONBLOCK | O_CLOEXEC;
+    short kind = F_WRLCK;
+    FileDescriptor file(uninterrupted([&] { return ::open(path.c_str(), O_RDWR | flags); }));
+    if (!file.isOpen() && (errno == EACCES || errno == EROFS)) {
+        kind = F_RDLCK;
+        file = openFile(path, O_RDONLY | flags, "open");
+    } else if (!file.isOpen()) {
+        throwFailure("open", path, errno);
+    }
+    if (!tryLock(file, kind, path)) {
+        return nullptr;
+    }
+    return std::make_unique<PosixFileLock>(std::move(file));
+}
+
+} // namespace vantoro::posix

@@ -1,0 +1,213 @@
+#include "engine/salvage.h"
+
+#include <algorithm>
+#include <chrono>
+#include <stdexcept>
+
+#include <gtest/gtest.h>
+
+#include "tests/engine/recorder_fixture.h"
+
+namespace vantoro::testing {
+namespace {
+
+using Files = std::vector<std::filesystem::path>;
+
+std::optional<std::filesystem::file_time_type> daysAgo(int days) {
+    return std::filesystem::file_time_type(std::chrono::days(20000 - days));
+}
+
+class SalvageTest : public ::testing::Test {
+protected:
+    CallLog log;
+    FakeFileSystem fileSystem{log};
+    FakeMediaToolkit toolkit{log, fileSystem};
+    FakeClock clock;
+    std::stop_source stop;
+    const Files finalFiles = {"/r/Vantoro-2025-03-01-093015.m4a",
+                              "/r/Vantoro-2025-03-01-093015-2.m4a"};
+
+    SalvageTest() { toolkit.exporting.trackCount = 2; }
+
+    void put(const std::string& name, std::optional<std::filesystem::file_time_type> modified) {
+        fileSystem.listing.push_back({"/r/" + name, modified});
+        fileSystem.entries.insert("/r/" + name);
+    }
+
+    Files recover() {
+        return recoverIncompleteRecordings({toolkit, fileSystem, clock}, "/r", stop.get_token(),
+                                           {});
+    }
+
+    bool isThere(const std::string& name) const {
+        return fileSystem.entries.contains("/r/" + name);
+    }
+
+    /// Nothing was made, and all that was there still is.
+    void expectUntouched() {
+        const auto before = fileSystem.entries;
+        EXPECT_EQ(recover(), Files());
+        EXPECT_EQ(fileSystem.entries, before);
+    }
+};
+
+TEST(IncompleteRecording, isToldByItsTwoExtensions) {
+    for (const char* name :
+         {"a.partial.mov", "b.partial.MOV", "b.partial.Mov", ".partial.partial.mov",
+          ".Vantoro-0F6B1C2E-7D4A-4B8E-9C1D-2A3B4C5D6E7F.partial.mov"}) {
+        EXPECT_TRUE(isIncompleteRecording(std::filesystem::path("/r") / name)) << name;
+    }
+    for (const char* name :
+         {"c.PARTIAL.mov", "d.mov", "e.partial.m4a", "partial.mov", ".partial.mov", "f.partial",
+          "g.partial.mov.txt", "h.partially.mov", "i.partial.", ""}) {
+        EXPECT_FALSE(isIncompleteRecording(std::filesystem::path("/r") / name)) << name;
+    }
+}
+
+TEST(IncompleteRecording, oldestComesFirstAndUnknownBeforeAll) {
+    EXPECT_EQ(incompleteRecordings({{"b.partial.mov", daysAgo(1)},
+                                    {"x.m4a", daysAgo(9)},
+                                    {"a.partial.mov", daysAgo(2)},
+                                    {"z.partial.mov", std::nullopt},
+                                    {"d.partial.mov", daysAgo(3)}}),
+              (Files{"z.partial.mov", "d.partial.mov", "a.partial.mov", "b.partial.mov"}));
+}
+
+TEST(IncompleteRecording, sameDatesKeepTheirOrder) {
+    EXPECT_EQ(incompleteRecordings({{"c.partial.mov", daysAgo(1)},
+                                    {"a.partial.mov", daysAgo(1)},
+                                    {"b.partial.mov", daysAgo(1)},
+                                    {"z.partial.mov", std::nullopt},
+                                    {"y.partial.mov", std::nullopt}}),
+              (Files{"z.partial.mov", "y.partial.mov", "c.partial.mov", "a.partial.mov",
+                     "b.partial.mov"}));
+}
+
+TEST_F(SalvageTest, finishesTheOldestFirstAndDeletesWhatItWasMadeFrom) {
+    put("b.partial.MOV", daysAgo(0));
+    put("a.partial.mov", daysAgo(1));
+    EXPECT_EQ(recover(), finalFiles);
+    EXPECT_EQ(fileSystem.entries, std::set(finalFiles.begin(), finalFiles.end()));
+    EXPECT_EQ(
+        log.startingWith("openAsset"),
+        (std::vector<std::string>{"openAsset /r/a.partial.mov", "openAsset /r/b.partial.MOV"}));
+}
+
+TEST_F(SalvageTest, everyTrackKeepsItsVolume) {
+    put("a.partial.mov", daysAgo(1));
+    recover();
+    EXPECT_EQ(toolkit.exportedGains, (std::vector<float>{1, 1}));
+}
+
+TEST_F(SalvageTest, deletesOnlyWhenTheFinalFilesNameIsOnTheDisk) {
+    put("a.partial.mov", daysAgo(1));
+    recover();
+    const auto calls = log.calls();
+    const auto synced = std::ranges::find(calls, "syncFolder /r");
+    const auto removed = std::ranges::find(calls, "remove a.partial.mov");
+    ASSERT_NE(removed, calls.end());
+    EXPECT_LT(synced, removed);
+}
+
+TEST_F(SalvageTest, ignoresFilesOfOtherNames) {
+    for (const char* name : {"c.PARTIAL.mov", "d.mov", "e.partial.m4a"}) {
+        put(name, daysAgo(1));
+    }
+    expectUntouched();
+    EXPECT_TRUE(log.startingWith("openAsset").empty());
+}
+
+TEST_F(SalvageTest, folderThatCannotBeListedYieldsNothing) {
+    put("a.partial.mov", daysAgo(1));
+    fileSystem.listError = std::make_exception_ptr(std::runtime_error("no"));
+    expectUntouched();
+}
+
+TEST_F(SalvageTest, fileThatCannotBeReadStays) {
+    put("a.partial.mov", daysAgo(1));
+    toolkit.exporting.openError = std::make_exception_ptr(std::runtime_error("no"));
+    expectUntouched();
+}
+
+TEST_F(SalvageTest, fileWithoutAPositiveDurationStays) {
+    put("a.partial.mov", daysAgo(1));
+    for (const MediaTime duration : {MediaTime{}, MediaTime{0, 48000}, MediaTime{-1, 48000}}) {
+        toolkit.exporting.duration = duration;
+        expectUntouched();
+    }
+    EXPECT_TRUE(log.startingWith("export").empty());
+}
+
+TEST_F(SalvageTest, fileWithoutATrackStaysAndNoFinalFileRemains) {
+    put("a.partial.mov", daysAgo(1));
+    toolkit.exporting.trackCount = 0;
+    expectUntouched();
+}
+
+TEST_F(SalvageTest, failedExportLeavesTheFileAndNothingElseAndTheOthersHaveTheirTurn) {
+    put("a.partial.mov", daysAgo(2));
+    put("b.partial.mov", daysAgo(1));
+    toolkit.exporting.duringExport = [this] {
+        const bool first = log.startingWith("export").size() == 1;
+        toolkit.exporting.exportError =
+            first ? std::make_exception_ptr(std::runtime_error("no")) : nullptr;
+    };
+    EXPECT_EQ(recover(), Files{finalFiles[0]});
+    EXPECT_TRUE(isThere("a.partial.mov"));
+    EXPECT_FALSE(isThere("b.partial.mov"));
+    EXPECT_EQ(fileSystem.entries.size(), 2U);
+}
+
+TEST_F(SalvageTest, fileThatCannotBeDeletedIsNotFinishedEither) {
+    put("a.partial.mov", daysAgo(1));
+    fileSystem.removeErrors["/r/a.partial.mov"] = std::make_exception_ptr(std::runtime_error("no"));
+    expectUntouched();
+    EXPECT_TRUE(log.contains("export Vantoro-2025-03-01-093015.exporting.m4a"));
+}
+
+TEST_F(SalvageTest, fileThatSomebodyHasLockedStays) {
+    put("a.partial.mov", daysAgo(1));
+    fileSystem.locked.insert("/r/a.partial.mov");
+    expectUntouched();
+    EXPECT_TRUE(log.startingWith("openAsset").empty());
+}
+
+TEST_F(SalvageTest, fileIsLockedFromItsReadingToItsDeletion) {
+    put("a.partial.mov", daysAgo(1));
+    recover();
+    const auto calls = log.calls();
+    EXPECT_EQ(calls.front(), "lock a.partial.mov");
+    EXPECT_EQ(calls.back(), "unlock a.partial.mov");
+    EXPECT_EQ(*(calls.end() - 2), "remove a.partial.mov");
+}
+
+TEST_F(SalvageTest, stopBeforeTheFirstTouchesNothing) {
+    put("a.partial.mov", daysAgo(1));
+    stop.request_stop();
+    expectUntouched();
+    EXPECT_TRUE(log.calls().empty());
+}
+
+TEST_F(SalvageTest, stopBetweenTwoReturnsTheFirstAlone) {
+    put("a.partial.mov", daysAgo(2));
+    put("b.partial.mov", daysAgo(1));
+    fileSystem.afterRemove = [this](const std::filesystem::path& path) {
+        if (path.filename() == "a.partial.mov") {
+            stop.request_stop();
+        }
+    };
+    EXPECT_EQ(recover(), Files{finalFiles[0]});
+    EXPECT_TRUE(isThere("b.partial.mov"));
+    EXPECT_EQ(fileSystem.entries.size(), 2U);
+}
+
+TEST_F(SalvageTest, stopDuringAnExportRemovesItsFileAndKeepsTheRecording) {
+    put("a.partial.mov", daysAgo(2));
+    put("b.partial.mov", daysAgo(1));
+    toolkit.exporting.duringExport = [this] { stop.request_stop(); };
+    expectUntouched();
+    EXPECT_EQ(log.startingWith("export").size(), 1U);
+}
+
+} // namespace
+} // namespace vantoro::testing
