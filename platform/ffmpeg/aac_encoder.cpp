@@ -21,10 +21,10 @@ namespace {
 constexpr unsigned gainSteps = 6;
 constexpr float codingVolume = 0.35355339F; // 2 to the power of -6/4
 
-// The fast method's packets are about an eighth larger than it was asked for, and it tries each of
+// The fast method's packets are often an eighth larger than it was asked for, and it tries each of
 // them several times when it was asked for more than the sound calls for.
 constexpr int askedOfBitRate(int bitRate) noexcept {
-    return bitRate / 8 * 7;
+    return bitRate / 16 * 15;
 }
 
 // What the coder remembers of the past: the packet before for the overlap, and a few more for its

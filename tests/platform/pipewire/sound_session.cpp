@@ -14,7 +14,9 @@
 #include <stdexcept>
 #include <thread>
 
+#include <sched.h>
 #include <spawn.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -24,6 +26,39 @@ namespace {
 
 constexpr int secondsOfSound = 60;
 
+/// How a player has to be started for a busy machine not to break its sound: before all others,
+/// where the user may ask for that.
+class PlayerPriority {
+public:
+    PlayerPriority() {
+        posix_spawnattr_init(&attributes_);
+        if (mayAsk()) {
+            const sched_param parameters{.sched_priority = priority};
+            posix_spawnattr_setflags(&attributes_, POSIX_SPAWN_SETSCHEDULER);
+            posix_spawnattr_setschedpolicy(&attributes_, SCHED_RR);
+            posix_spawnattr_setschedparam(&attributes_, &parameters);
+        }
+    }
+
+    PlayerPriority(const PlayerPriority&) = delete;
+    PlayerPriority& operator=(const PlayerPriority&) = delete;
+
+    ~PlayerPriority() { posix_spawnattr_destroy(&attributes_); }
+
+    const posix_spawnattr_t* attributes() const { return &attributes_; }
+
+private:
+    static constexpr int priority = 20; // below the sound server's own
+
+    static bool mayAsk() {
+        rlimit limit{};
+        return geteuid() == 0 ||
+               (getrlimit(RLIMIT_RTPRIO, &limit) == 0 && limit.rlim_cur >= priority);
+    }
+
+    posix_spawnattr_t attributes_{};
+};
+
 pid_t start(const std::vector<std::string>& command) {
     std::vector<char*> arguments;
     arguments.reserve(command.size() + 1);
@@ -32,7 +67,9 @@ pid_t start(const std::vector<std::string>& command) {
     }
     arguments.push_back(nullptr);
     pid_t pid = 0;
-    if (posix_spawnp(&pid, arguments[0], nullptr, nullptr, arguments.data(), environ) != 0) {
+    const PlayerPriority priority;
+    if (posix_spawnp(&pid, arguments[0], nullptr, priority.attributes(), arguments.data(),
+                     environ) != 0) {
         throw std::runtime_error("cannot run " + command.front());
     }
     return pid;
