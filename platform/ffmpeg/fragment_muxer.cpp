@@ -11,6 +11,7 @@ extern "C" {
 #include <utility>
 
 #include "platform/ffmpeg/aac.h"
+#include "platform/ffmpeg/fragment_checksum.h"
 
 namespace vantoro::ffmpeg {
 
@@ -104,7 +105,15 @@ std::vector<std::byte> FragmentMuxer::closeFragment(std::int64_t end) {
         // The first flush writes nothing but the header that had been waiting.
         check(av_write_frame(muxer_.get(), nullptr), "Writing the movie's header");
     }
+    flush();
+    const std::size_t begin = bytes_.size();
     check(av_write_frame(muxer_.get(), nullptr), "Closing a fragment");
+    flush();
+    // Through the muxer's stream, so that it knows where the next fragment will lie.
+    const auto checksum = checksumBox(std::span(bytes_).subspan(begin));
+    const void* const first = checksum.data();
+    avio_write(stream_.get(), static_cast<const unsigned char*>(first),
+               static_cast<int>(checksum.size()));
     return takeBytes();
 }
 
@@ -114,9 +123,13 @@ std::vector<std::byte> FragmentMuxer::finish() {
 }
 
 std::vector<std::byte> FragmentMuxer::takeBytes() {
+    flush();
+    return std::exchange(bytes_, {});
+}
+
+void FragmentMuxer::flush() {
     avio_flush(stream_.get());
     check(stream_->error, "Gathering a fragment");
-    return std::exchange(bytes_, {});
 }
 
 } // namespace vantoro::ffmpeg

@@ -42,6 +42,7 @@ private:
     };
 
     std::vector<std::byte> takeBytes();
+    void flush();
 
     std::vector<std::byte> bytes_; // written by the muxer, not yet taken
     ByteStreamHandle stream_;

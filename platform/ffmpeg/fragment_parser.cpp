@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "platform/ffmpeg/box_reader.h"
+#include "platform/ffmpeg/fragment_checksum.h"
 
 namespace vantoro::ffmpeg {
 
@@ -168,7 +169,11 @@ Fragment readFragment(const InputFile& file, std::uint64_t offset,
     std::vector<std::byte> bytes(description.end - description.content);
     readExactly(file, description.content, bytes);
 
-    Fragment fragment{.end = data.end, .rows = {}};
+    const auto checksum = readChecksum(file, data.end);
+    Fragment fragment{.contentEnd = data.end,
+                      .end = checksum ? checksum->end : data.end,
+                      .checksum = checksum ? std::optional(checksum->value) : std::nullopt,
+                      .rows = {}};
     std::vector<bool> described(tracks.size());
     BoxReader boxes(bytes);
     while (const auto box = boxes.next()) {

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -25,7 +26,9 @@ struct PacketRow {
 };
 
 struct Fragment {
-    std::uint64_t end = 0; ///< offset behind it
+    std::uint64_t contentEnd = 0;          ///< offset behind its packets
+    std::uint64_t end = 0;                 ///< offset behind it and its checksum
+    std::optional<std::uint32_t> checksum; ///< of the bytes up to `contentEnd`, where it is stored
     std::vector<PacketRow> rows;
 };
 

@@ -12,6 +12,7 @@
 #include "platform/ffmpeg/aac.h"
 #include "platform/ffmpeg/aac_encoder.h"
 #include "platform/ffmpeg/m4a_file.h"
+#include "platform/ffmpeg/packet_copy.h"
 #include "platform/ffmpeg/track_samples.h"
 
 namespace vantoro::ffmpeg {
@@ -64,8 +65,8 @@ private:
 M4aTrack describe(const AVCodecParameters& parameters, std::int64_t frames) {
     const auto configuration = std::as_bytes(
         std::span(parameters.extradata, static_cast<std::size_t>(parameters.extradata_size)));
-    return {.channels = exportChannels,
-            .bitRate = exportBitRate,
+    return {.channels = parameters.ch_layout.nb_channels,
+            .bitRate = static_cast<int>(parameters.bit_rate),
             .coderConfiguration = {configuration.begin(), configuration.end()},
             .frames = frames};
 }
@@ -99,6 +100,42 @@ void MixingExport::setAudioMix(AudioMix mix) {
 
 void MixingExport::exportTo(const std::filesystem::path& destination,
                             const ExportProgress& progress) {
+    if (const MovieCompositionTrack* const track = unchangedTrack()) {
+        copy(*track, destination, progress);
+    } else {
+        mix(destination, progress);
+    }
+    if (progress) {
+        progress(1.0);
+    }
+}
+
+/// The only track there is, when coding it again would change nothing but its quality.
+const MovieCompositionTrack* MixingExport::unchangedTrack() const {
+    const MovieCompositionTrack* only = nullptr;
+    for (const auto& track : composition_.tracks()) {
+        if (track->source() != nullptr && track->frames() > 0) {
+            if (only != nullptr) {
+                return nullptr;
+            }
+            only = track.get();
+        }
+    }
+    const bool isUnchanged = only != nullptr && only->start() == 0 && volumeOf(*only) == 1.0F &&
+                             isIntact(*only->source()->movie());
+    return isUnchanged ? only : nullptr;
+}
+
+void MixingExport::copy(const MovieCompositionTrack& track,
+                        const std::filesystem::path& destination, const ExportProgress& progress) {
+    const MovieTrack& source = *track.source();
+    M4aFile file(fileSystem_.create(destination, FileAudience::asUserPrefers),
+                 describe(*source.movie()->codecs[source.index()], track.frames()));
+    copyPackets(source, track.frames(), file, progress);
+    file.finish();
+}
+
+void MixingExport::mix(const std::filesystem::path& destination, const ExportProgress& progress) {
     Mixer mixer;
     for (const auto& track : composition_.tracks()) {
         mixer.add(*track, volumeOf(*track));
@@ -116,9 +153,6 @@ void MixingExport::exportTo(const std::filesystem::path& destination,
         },
         progress);
     file.finish();
-    if (progress) {
-        progress(1.0);
-    }
 }
 
 float MixingExport::volumeOf(const CompositionTrack& track) const noexcept {

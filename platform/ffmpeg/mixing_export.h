@@ -9,8 +9,8 @@
 namespace vantoro::ffmpeg {
 
 /// Mixes a composition's tracks into a stereo M4A file of 256 kb/s, as long as the longest track to
-/// the sample. The sum is limited to full scale only where it is coded. Needs the same memory for
-/// any length, but for four bytes a packet.
+/// the sample; a single track whose volume stays 1 is copied instead. The sum is limited to full
+/// scale only where it is coded. Needs the same memory for any length, but for four bytes a packet.
 class MixingExport final : public ExportSession {
 public:
     /// Both outlive the session.
@@ -27,6 +27,10 @@ public:
                   const ExportProgress& progress) override;
 
 private:
+    const MovieCompositionTrack* unchangedTrack() const;
+    void copy(const MovieCompositionTrack& track, const std::filesystem::path& destination,
+              const ExportProgress& progress);
+    void mix(const std::filesystem::path& destination, const ExportProgress& progress);
     float volumeOf(const CompositionTrack& track) const noexcept;
 
     FileSystem& fileSystem_;

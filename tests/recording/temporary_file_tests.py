@@ -49,7 +49,7 @@ class TemporaryFile(RecordingCase):
         recording.watch.wait_for_fragments(3)
         path, = recorder.temporary_files(self.folder)
         data = path.read_bytes()
-        self.assertEqual([kind for kind, _, _ in boxes(data)], ["ftyp", "moov"] + 3 * ["moof", "mdat"])
+        self.assertEqual([kind for kind, _, _ in boxes(data)], ["ftyp", "moov"] + 3 * ["moof", "mdat", "uuid"])
         ends = []
         for kind, offset, size in boxes(data):
             if kind == "mdat":

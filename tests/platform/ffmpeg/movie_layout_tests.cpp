@@ -70,9 +70,9 @@ TEST(MovieLayout, bitRatesAreThoseOfTheSettings) {
 TEST(MovieLayout, firstFragmentClosesAfterOneSecondThenEveryTen) {
     const auto movie = recordMovie(25 * second, tone(440, 0.5F));
     const auto boxes = topBoxes(movie);
-    EXPECT_EQ(typesOf(boxes),
-              (std::vector<std::string>{"ftyp", "moov", "moof", "mdat", "moof", "mdat", "moof",
-                                        "mdat", "moof", "mdat", "mfra"}));
+    EXPECT_EQ(typesOf(boxes), (std::vector<std::string>{"ftyp", "moov", "moof", "mdat", "uuid",
+                                                        "moof", "mdat", "uuid", "moof", "mdat",
+                                                        "uuid", "moof", "mdat", "uuid", "mfra"}));
     // The file cut behind each fragment holds what the fragments hold.
     const std::vector<std::int64_t> expected{48128, 528384, 1008640, 25 * second};
     const TemporaryFolder folder;
@@ -167,8 +167,9 @@ TEST(MovieLayout, anUnfinishedWriterLeavesWhatItWrote) {
         MovieRecording recording(files, "movie.mov");
         ASSERT_TRUE(recording.appendAll(0, 12 * second, tone(440, 0.5F)));
     }
-    EXPECT_EQ(typesOf(topBoxes(files.contentOf("movie.mov"))),
-              (std::vector<std::string>{"ftyp", "moov", "moof", "mdat", "moof", "mdat"}));
+    EXPECT_EQ(
+        typesOf(topBoxes(files.contentOf("movie.mov"))),
+        (std::vector<std::string>{"ftyp", "moov", "moof", "mdat", "uuid", "moof", "mdat", "uuid"}));
 }
 
 } // namespace

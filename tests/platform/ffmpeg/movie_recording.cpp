@@ -12,13 +12,13 @@
 namespace vantoro {
 
 MovieRecording::MovieRecording(FileSystem& fileSystem, std::filesystem::path location,
-                               std::vector<AudioTrackSettings> tracks)
+                               std::vector<AudioTrackSettings> tracks, FragmentIntervals intervals)
     : location_(std::move(location)),
       toolkit_(fileSystem),
       tracks_(std::move(tracks)),
       writer_(toolkit_.makeWriter(location_)) {
-    writer_->setMovieFragmentInterval({6000, 600});
-    writer_->setInitialMovieFragmentInterval({600, 600});
+    writer_->setMovieFragmentInterval(intervals.others);
+    writer_->setInitialMovieFragmentInterval(intervals.first);
     for (const AudioTrackSettings& track : tracks_) {
         EXPECT_TRUE(writer_->canAdd(track));
         inputs_.push_back(&writer_->add(track));

@@ -18,13 +18,21 @@ namespace vantoro {
 inline constexpr AudioTrackSettings systemTrack{.channels = 2, .bitRate = 192000};
 inline constexpr AudioTrackSettings microphoneTrack{.channels = 1, .bitRate = 96000};
 
+/// How long the first fragment of a movie is, and the others.
+struct FragmentIntervals {
+    MediaTime first{600, 600};
+    MediaTime others{6000, 600};
+};
+
 /// Drives a writer as the recorder does: tracks, session, then buffers at their times.
 class MovieRecording {
 public:
     static constexpr std::int64_t bufferFrames = 960;
 
+    /// With the recorder's own fragments, or others.
     MovieRecording(FileSystem& fileSystem, std::filesystem::path location,
-                   std::vector<AudioTrackSettings> tracks = {systemTrack, microphoneTrack});
+                   std::vector<AudioTrackSettings> tracks = {systemTrack, microphoneTrack},
+                   FragmentIntervals intervals = {});
 
     /// Appends the track's sound from one frame to another, in buffers; false when one was refused.
     bool append(std::size_t track, std::int64_t from, std::int64_t to, const Sound& sound);

@@ -96,7 +96,7 @@ TEST_F(MovieTimeline, aSourceThatStopsIsFilledAndHoldsNoFragmentBack) {
     const auto samples = decodeTrack(1, 18 * second);
     expectClick(samples, second);
     expectClick(samples, 16 * second);
-    EXPECT_EQ(topBoxes(files.contentOf("movie.mov")).size(), 2U + (2 * 3) + 1);
+    EXPECT_EQ(topBoxes(files.contentOf("movie.mov")).size(), 2U + (3 * 3) + 1);
 }
 
 TEST_F(MovieTimeline, aSourceThatNeverDeliversIsSilent) {

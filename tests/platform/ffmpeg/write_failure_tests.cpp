@@ -69,7 +69,7 @@ TEST_F(WriteFailure, whatWasWrittenBeforeCountsWhenTheDiskStaysFull) {
     recording.finish();
     EXPECT_EQ(recording.writer().status(), FileWriterStatus::completed);
     // Cut back to the one whole fragment.
-    EXPECT_EQ(topBoxes(files.contentOf("movie.mov")).back().type, "mdat");
+    EXPECT_EQ(topBoxes(files.contentOf("movie.mov")).back().type, "uuid");
     EXPECT_EQ(framesOnDisk(), 48128);
     EXPECT_EQ(files.journalOf("movie.mov").back(), "close");
 }

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <cstdint>
+
+#include "engine/ports/media_toolkit.h"
+#include "platform/ffmpeg/m4a_file.h"
+#include "platform/ffmpeg/movie_asset.h"
+
+namespace vantoro::ffmpeg {
+
+/// Whether every byte of the movie's fragments is as it was written. Reads them all, which takes a
+/// small part of the time of decoding them. Throws when the file cannot be read.
+bool isIntact(const Movie& movie);
+
+/// Copies the packets of the first frames of a track, and the priming before them, as they are:
+/// what they sound like does not change, and an hour takes a fraction of a second.
+/// Throws DamagedMovie when the file has changed meanwhile, and what either file throws.
+void copyPackets(const MovieTrack& track, std::int64_t frames, M4aFile& file,
+                 const ExportProgress& progress);
+
+} // namespace vantoro::ffmpeg
