@@ -1,0 +1,43 @@
+#!/usr/bin/python3
+"""The user's session ends while the program records: the recording is saved."""
+
+import os
+import pty
+import signal
+import sys
+from pathlib import Path
+
+sys.dont_write_bytecode = True
+sys.path.insert(0, str(Path(__file__).resolve().parents[1] / "recording"))
+
+import recorder  # noqa: E402
+import sound  # noqa: E402
+from case import RecordingCase, main  # noqa: E402
+
+
+class EndedSession(RecordingCase):
+    def test_terminalThatIsClosedSavesTheRecording(self):
+        keyboard, terminal = pty.openpty()
+        with sound.tone(440):
+            recording = recorder.Recording(
+                self.folder, preexec_fn=lambda: (os.setsid(), os.close(os.open(os.ttyname(terminal), os.O_RDWR))))
+            recording.wait_until_written()
+            os.close(terminal)
+            os.close(keyboard)
+            result = recording.finish()
+        left, _ = sound.decoded(result.saved())
+        self.assertGreater(sound.usual_amplitude(left, 440, 0.2, 0.9), 0.2)
+        self.assertEqual(recorder.temporary_files(self.folder), [])
+
+    def test_secondTerminationDoesNotBreakTheSaving(self):
+        with sound.tone(440):
+            recording = recorder.Recording(self.folder)
+            recording.wait_until_written()
+            os.kill(recording.pid, signal.SIGTERM)
+            result = recording.stop(signal.SIGTERM)
+        left, _ = sound.decoded(result.saved())
+        self.assertGreater(len(left) / sound.RATE, 0.9)
+
+
+if __name__ == "__main__":
+    main(EndedSession)
