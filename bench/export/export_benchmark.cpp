@@ -1,5 +1,5 @@
 // Measures what exporting a recording costs, side by side with the `ffmpeg` program making the same
-// mix with its default coder, and how peak memory grows with length.
+// mix with its default coder, what salvaging it costs, and how peak memory grows with length.
 
 #include <cstdlib>
 #include <exception>
@@ -13,9 +13,11 @@
 
 #include "bench/export/child_process.h"
 #include "bench/export/test_movie.h"
+#include "engine/salvage.h"
 #include "engine/track_mixing.h"
 #include "platform/ffmpeg/toolkit.h"
 #include "platform/posix/posix_file_system.h"
+#include "platform/posix/system_clock.h"
 
 namespace vantoro::bench {
 
@@ -57,6 +59,26 @@ void exportMovie(const std::filesystem::path& movie, const std::filesystem::path
               recordingVolumes(true, systemVolume, microphoneVolume), {});
 }
 
+void salvageFolder(const std::filesystem::path& folder) {
+    posix::PosixFileSystem files;
+    ffmpeg::FfmpegToolkit toolkit(files);
+    const posix::SystemClock clock;
+    if (recoverIncompleteRecordings({toolkit, files, clock}, folder, {}, {}).size() != 1) {
+        throw std::runtime_error("the recording was not salvaged");
+    }
+}
+
+/// The same movie as its writer leaves it when it dies: cut off within its last fragment.
+ProcessCost measureSalvage(const std::string& self, const std::filesystem::path& movie,
+                           const std::filesystem::path& folder) {
+    std::filesystem::create_directory(folder);
+    const auto unfinished = folder / "movie.partial.mov";
+    std::filesystem::rename(movie, unfinished);
+    constexpr std::uintmax_t lost = 100'000;
+    std::filesystem::resize_file(unfinished, std::filesystem::file_size(unfinished) - lost);
+    return runProcess({self, "--salvage", folder.string()});
+}
+
 /// In a process of its own, whose memory then is the export's alone.
 ProcessCost measureExport(const std::string& self, const std::filesystem::path& movie,
                           const std::filesystem::path& destination) {
@@ -95,6 +117,12 @@ void compare(const std::string& self, int minutes) {
     printRow("export of " + length + ", ffmpeg program: wall s", ours.wallSeconds,
              theirs.wallSeconds);
     printRow("export of " + length + ", ffmpeg program: CPU s", ours.cpuSeconds, theirs.cpuSeconds);
+    const ProcessCost salvage = measureSalvage(self, folder / "short.mov", folder / "both");
+    printRow("salvage of " + length + ", its export: wall s", salvage.wallSeconds,
+             ours.wallSeconds);
+    recordTestMovie(folder / "one.mov", minutes, TestSources::microphone);
+    const ProcessCost copy = measureSalvage(self, folder / "one.mov", folder / "one");
+    printRow("the same of one source, of both: wall s", copy.wallSeconds, salvage.wallSeconds);
     recordTestMovie(folder / "long.mov", 4 * minutes);
     const ProcessCost longer = measureExport(self, folder / "long.mov", folder / "long.m4a");
     printRow("memory at most: MB; other: four times as long", ours.peakMegabytes,
@@ -104,6 +132,10 @@ void compare(const std::string& self, int minutes) {
 int run(std::span<char*> arguments) {
     if (arguments.size() == 4 && std::string_view(arguments[1]) == "--export") {
         exportMovie(arguments[2], arguments[3]);
+        return EXIT_SUCCESS;
+    }
+    if (arguments.size() == 3 && std::string_view(arguments[1]) == "--salvage") {
+        salvageFolder(arguments[2]);
         return EXIT_SUCCESS;
     }
     int minutes = 60;

@@ -91,7 +91,7 @@ void append(FileWriterInput& input, std::span<const Channel> channels, std::int6
 
 } // namespace
 
-void recordTestMovie(const std::filesystem::path& location, int minutes) {
+void recordTestMovie(const std::filesystem::path& location, int minutes, TestSources sources) {
     const std::array music{makeMusic(1), makeMusic(2)};
     const std::array speech{makeSpeech()};
     posix::PosixFileSystem files;
@@ -99,7 +99,8 @@ void recordTestMovie(const std::filesystem::path& location, int minutes) {
     const auto writer = toolkit.makeWriter(location);
     writer->setInitialMovieFragmentInterval({1, 1});
     writer->setMovieFragmentInterval({10, 1});
-    FileWriterInput& system = writer->add({.channels = 2, .bitRate = 192000});
+    FileWriterInput* const system =
+        sources == TestSources::both ? &writer->add({.channels = 2, .bitRate = 192000}) : nullptr;
     FileWriterInput& microphone = writer->add({.channels = 1, .bitRate = 96000});
     if (!writer->startWriting()) {
         throw std::runtime_error("the test movie cannot be created");
@@ -107,7 +108,9 @@ void recordTestMovie(const std::filesystem::path& location, int minutes) {
     writer->startSession(zeroTime);
     const std::int64_t frames = std::int64_t{minutes} * 60 * framesPerSecond;
     for (std::int64_t frame = 0; frame < frames; frame += bufferFrames) {
-        append(system, music, frame);
+        if (system != nullptr) {
+            append(*system, music, frame);
+        }
         append(microphone, speech, frame);
     }
     std::promise<void> finished;
