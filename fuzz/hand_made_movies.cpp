@@ -221,6 +221,11 @@ std::vector<Seed> impossibleMovies() {
                          writeFragment(movie, {{}});
                          writeFragment(movie, {{.start = 7}});
                      })});
+    seeds.push_back({"many-boxes-and-no-header", make([](BoxWriter& movie) {
+                         for (int i = 0; i < 500; ++i) {
+                             movie.box("wide", [] {});
+                         }
+                     })});
     seeds.push_back(
         {"nested-header", make([](BoxWriter& movie) { writeNested(movie, "moov", 200); })});
     seeds.push_back({"nested-description", afterHeader([](BoxWriter& movie) {

@@ -30,12 +30,13 @@ using Bytes = std::vector<std::byte>;
 constexpr std::int64_t fragmentFrames = 4800;
 
 /// A finished movie whose fragments hold a tenth of a second each.
-Bytes record(std::vector<AudioTrackSettings> tracks, int fragments, const Sound& sound) {
+Bytes record(const std::vector<AudioTrackSettings>& tracks, int fragments, const Sound& sound) {
     MemoryFileSystem files;
     ffmpeg::MovieWriter writer(files, "movie.mov");
     writer.setInitialMovieFragmentInterval({1, 10});
     writer.setMovieFragmentInterval({1, 10});
     std::vector<FileWriterInput*> inputs;
+    inputs.reserve(tracks.size());
     for (const AudioTrackSettings& track : tracks) {
         inputs.push_back(&writer.add(track));
     }

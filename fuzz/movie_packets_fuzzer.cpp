@@ -88,11 +88,13 @@ void checkTrack(const std::shared_ptr<const Movie>& movie, SparseFile& file, std
 
 } // namespace vantoro::fuzz
 
+// NOLINTNEXTLINE(readability-identifier-naming): the fuzzer calls it so
 extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) {
     av_log_set_level(AV_LOG_QUIET);
     return 0;
 }
 
+// NOLINTNEXTLINE(readability-identifier-naming): the fuzzer calls it so
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace vantoro;
     std::vector<std::uint8_t> input(data, data + size);

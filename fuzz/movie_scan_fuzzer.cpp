@@ -24,13 +24,14 @@ constexpr std::uint64_t largestPacket = 65536;
 constexpr std::uint64_t largestHeader = 1U << 20U;
 
 /// What one look at each fragment may cost. The smallest whole fragment has 73 bytes, of which the
-/// last may be a zero of the tail, and takes five reads: the header and the large size of two
-/// boxes, and a description; so does one that is found not to be whole. Before them up to 16 boxes
-/// are looked at, and one header is read. Descriptions do not overlap, and none lies among the
-/// zeros.
+/// last may be a zero of the tail, and takes six reads: the header and the large size of two boxes,
+/// a description, and the checksum if there is one; so does at most one that is found not to be
+/// whole. Before them up to 16 boxes are looked at, and one header is read. Descriptions do not
+/// overlap, and none lies among the zeros.
 void allowScan(SparseFile& file) {
-    const std::uint64_t reads = 40 + (5 * (file.heldSize() / 72));
-    file.allow(reads, (8 * reads) + largestHeader + file.heldSize());
+    constexpr std::uint64_t largestRead = 28; // of a fixed size: a checksum with its box
+    const std::uint64_t reads = 40 + (6 * (file.heldSize() / 72));
+    file.allow(reads, (largestRead * reads) + largestHeader + file.heldSize());
 }
 
 void checkTracks(const std::vector<ffmpeg::TrackHeader>& tracks) {
@@ -42,6 +43,11 @@ void checkTracks(const std::vector<ffmpeg::TrackHeader>& tracks) {
                 "sound is timed in frames");
     }
 }
+
+struct ByteRange {
+    std::uint64_t begin = 0;
+    std::uint64_t end = 0;
+};
 
 /// Follows the packets through all fragments, as their readers do.
 class Walk {
@@ -69,8 +75,11 @@ private:
         allowScan(file_);
         // Whole when it was scanned, so whole now: this may not throw.
         const ffmpeg::Fragment fragment = ffmpeg::readFragment(file_, offset, scan_.tracks);
-        require(fragment.end > offset && fragment.end <= file_.size(),
+        require(fragment.contentEnd > offset && fragment.end >= fragment.contentEnd &&
+                    fragment.end <= file_.size(),
                 "a fragment lies inside the file");
+        require(fragment.checksum.has_value() == (fragment.end > fragment.contentEnd),
+                "a fragment ends behind its checksum");
         end_ = fragment.end;
 
         std::vector<bool> seen(scan_.tracks.size());
@@ -81,20 +90,20 @@ private:
             require(!seen[row.track], "a fragment holds a track once");
             seen[row.track] = true;
             isEmpty = isEmpty && row.packets.empty();
-            walkRow(row, offset);
+            walkRow(row, {.begin = offset, .end = fragment.contentEnd});
         }
         require(!isEmpty, "a fragment holds packets");
     }
 
-    void walkRow(const ffmpeg::PacketRow& row, std::uint64_t fragmentBegin) {
+    void walkRow(const ffmpeg::PacketRow& row, ByteRange fragment) {
         require(row.start == static_cast<std::uint64_t>(frames_[row.track]), "starts are exact");
         require(row.packets.size() <= mostPackets, "packets are not more than a recording has");
-        std::uint64_t next = fragmentBegin;
+        std::uint64_t next = fragment.begin;
         for (const ffmpeg::PacketPlace& packet : row.packets) {
             require(packet.size > 0 && packet.size <= largestPacket, "packets have a likely size");
             require(packet.offset >= next, "packets lie one behind the other");
             next = packet.offset + packet.size;
-            require(next <= end_, "packets lie inside their fragment");
+            require(next <= fragment.end, "packets lie inside their fragment");
             require(packet.duration <= packetFrames && !ended_[row.track],
                     "only a track's last packet is short");
             ended_[row.track] = packet.duration < packetFrames;
@@ -124,6 +133,7 @@ private:
 
 } // namespace vantoro::fuzz
 
+// NOLINTNEXTLINE(readability-identifier-naming): the fuzzer calls it so
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace vantoro;
     fuzz::SparseFile file(std::span(data, size));

@@ -1,14 +1,14 @@
 #pragma once
 
-#include <cstdio>
 #include <cstdlib>
+#include <iostream>
 
 namespace vantoro::fuzz {
 
 /// Ends the process, which makes a finding of the input, when the parser has broken a promise.
 inline void require(bool holds, const char* promise) {
     if (!holds) {
-        std::fprintf(stderr, "Broken promise: %s\n", promise);
+        std::cerr << "Broken promise: " << promise << '\n';
         std::abort();
     }
 }
