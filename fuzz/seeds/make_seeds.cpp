@@ -16,7 +16,7 @@
 #include <utility>
 #include <vector>
 
-#include "fuzz/hand_made_movies.h"
+#include "fuzz/seeds/hand_made_movies.h"
 #include "platform/ffmpeg/movie_writer.h"
 #include "tests/platform/ffmpeg/memory_file_system.h"
 #include "tests/platform/ffmpeg/movie_recording.h"
@@ -70,7 +70,8 @@ Bytes cut(const Bytes& movie, std::size_t size) {
 Bytes withoutEnd(const Bytes& movie) {
     std::size_t end = 0;
     for (const TopBox& box : topBoxes(movie)) {
-        end = box.type == "mdat" ? box.end : end;
+        const bool isOfFragment = box.type == "mdat" || box.type == "uuid"; // with its checksum
+        end = isOfFragment ? box.end : end;
     }
     return cut(movie, end);
 }
@@ -106,6 +107,11 @@ std::vector<Seed> damagedRecordings() {
         seeds.push_back({"cut-" + std::to_string(part), cut(movie, movie.size() * part / 12)});
         seeds.push_back({"zeros-" + std::to_string(part), cut(movie, movie.size() * part / 12),
                          static_cast<unsigned>(3 * part)});
+    }
+    const Bytes unfinished = withoutEnd(movie);
+    for (std::size_t missing = 1; missing <= 3; ++missing) {
+        seeds.push_back({"cut-in-checksum-" + std::to_string(missing),
+                         cut(unfinished, unfinished.size() - missing)});
     }
     std::mt19937 random(1); // NOLINT(bugprone-random-generator-seed): the same seeds each time
     for (std::size_t round = 0; round < 24; ++round) {

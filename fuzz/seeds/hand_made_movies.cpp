@@ -1,4 +1,4 @@
-#include "fuzz/hand_made_movies.h"
+#include "fuzz/seeds/hand_made_movies.h"
 
 #include <cstdint>
 #include <functional>
