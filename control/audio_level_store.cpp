@@ -1,0 +1,26 @@
+#include "control/audio_level_store.h"
+
+namespace vantoro {
+
+AudioLevelStore& AudioLevelStore::shared() {
+    // Never destroyed: those who follow it may live as long as the process.
+    static auto* const store = new AudioLevelStore;
+    return *store;
+}
+
+void AudioLevelStore::setLevel(AudioLevelSource source, double level) {
+    Q_EMIT levelWillChange(source);
+    (source == AudioLevelSource::systemAudio ? systemAudioLevel_ : microphoneLevel_) =
+        level > 0 ? level : 0;
+    Q_EMIT levelChanged(source);
+}
+
+double shownLevel(float measured) {
+    const double level = measured;
+    if (level <= 0) {
+        return 0;
+    }
+    return level > 1 ? 1 : level;
+}
+
+} // namespace vantoro

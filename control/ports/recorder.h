@@ -1,0 +1,37 @@
+#pragma once
+
+#include <filesystem>
+#include <stop_token>
+#include <vector>
+
+#include "engine/level_meter.h"
+#include "engine/recording_types.h"
+#include "engine/sample_path.h"
+
+namespace vantoro {
+
+/// The recorder as it is controlled: see `AudioRecorder`, which does all this. What blocks is
+/// called on task threads: `start` and `stop` never at the same time, salvage beside either.
+class Recorder {
+public:
+    virtual ~Recorder() = default;
+
+    /// Once, before anything else. Both are called on a thread of the recorder's.
+    virtual void setCallbacks(CaptureInterruptedCallback onCaptureInterrupted,
+                              AudioLevelCallback onAudioLevel) = 0;
+
+    /// Returns when capture runs, or throws.
+    virtual void start(const RecordingOptions& options) = 0;
+
+    /// Returns the final file, mixed with these linear gains; or throws, and what was captured
+    /// stays in the recording folder.
+    virtual std::filesystem::path stop(float systemVolume, float microphoneVolume) = 0;
+
+    /// Returns the final files that it made of interrupted recordings in the folder, in order.
+    /// Never throws. A requested stop is honoured between two of them, at the latest.
+    virtual std::vector<std::filesystem::path>
+    recoverIncompleteRecordings(const std::filesystem::path& folder,
+                                const std::stop_token& stop) = 0;
+};
+
+} // namespace vantoro

@@ -1,0 +1,104 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <QtCore/QObject>
+
+#include "control/recording_state.h"
+#include "engine/ports/permissions.h"
+#include "engine/recording_types.h"
+
+namespace vantoro {
+
+/// What the interface shows of recording, and what it sets for the next one. Main thread.
+class RecordingProperties : public QObject {
+    Q_OBJECT
+
+public:
+    enum class Property : std::uint8_t {
+        state,
+        captureSystemAudio,
+        captureMicrophone,
+        selectedMicrophoneID,
+        microphones,
+        systemVolume,
+        microphoneVolume,
+        systemAudioLevel,
+        microphoneLevel,
+        elapsedSeconds,
+        outputDirectory,
+        lastRecordingURL,
+        errorMessage,
+        hasScreenPermission,
+        microphonePermission,
+    };
+
+    struct Values {
+        RecordingState state;
+        bool captureSystemAudio = true;
+        bool captureMicrophone = true;
+        std::optional<std::string> selectedMicrophoneID;
+        std::vector<AudioInputDevice> microphones;
+        double systemVolume = 0.9;     ///< linear gain
+        double microphoneVolume = 1.0; ///< linear gain
+        double systemAudioLevel = 0;   ///< 0 to 1
+        double microphoneLevel = 0;    ///< 0 to 1
+        std::int64_t elapsedSeconds = 0;
+        std::filesystem::path outputDirectory;
+        std::optional<std::filesystem::path> lastRecordingURL;
+        /// The one message line: failures, and what was saved without the user's doing.
+        std::optional<std::string> errorMessage;
+        bool hasScreenPermission = false;
+        AuthorizationStatus microphonePermission = AuthorizationStatus::notDetermined;
+    };
+
+    const Values& values() const { return values_; }
+
+    void setCaptureSystemAudio(bool on);
+    void setCaptureMicrophone(bool on);
+    void setSelectedMicrophoneID(std::optional<std::string> id);
+    void setSystemVolume(double gain);
+    void setMicrophoneVolume(double gain);
+
+    /// Whether the recorder is busy, and not with recording.
+    bool isProcessing() const;
+    /// Whether a recording can be started: none is under way, and a source is on.
+    bool canStart() const;
+    std::string formattedElapsedTime() const;
+
+Q_SIGNALS:
+    /// Once for each writing, be the value a new one or not, before it: everything is still as it
+    /// was.
+    void propertyWillChange(vantoro::RecordingProperties::Property property);
+
+    /// Once for each writing, after it.
+    void propertyChanged(vantoro::RecordingProperties::Property property);
+
+protected:
+    explicit RecordingProperties(std::filesystem::path outputDirectory);
+
+    template <class Value>
+    void set(Property property, Value Values::* field, std::type_identity_t<Value> value) {
+        Q_EMIT propertyWillChange(property);
+        values_.*field = std::move(value);
+        Q_EMIT propertyChanged(property);
+    }
+
+    void setState(RecordingState state);
+
+    void setState(RecordingState::Case state) { setState(RecordingState(state)); }
+
+    void setErrorMessage(std::optional<std::string> message);
+    void setLastRecordingURL(std::optional<std::filesystem::path> location);
+    void setElapsedSeconds(std::int64_t seconds);
+
+private:
+    Values values_;
+};
+
+} // namespace vantoro

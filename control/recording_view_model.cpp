@@ -1,0 +1,240 @@
+#include "control/recording_view_model.h"
+
+#include <chrono>
+#include <utility>
+
+#include "control/elapsed_time.h"
+#include "control/microphone_choice.h"
+#include "control/transitions.h"
+#include "l10n/error_description.h"
+
+namespace vantoro {
+
+RecordingViewModel::RecordingViewModel(std::unique_ptr<Recorder> recorder,
+                                       const ControlPlatform& platform)
+    : RecordingProperties(platform.preferences.get(Preference::outputDirectory)
+                              .value_or(platform.defaultRecordingFolder)),
+      platform_(platform),
+      texts_(platform.preferences),
+      recorder_(std::move(recorder)),
+      salvage_(platform.scheduler, recorder_,
+               [this](const auto& recordings) { recovered(recordings); }) {
+    installCallbacks();
+    observePowerState();
+    refreshDevicesAndPermissions();
+    recoverIncompleteRecordings();
+}
+
+RecordingViewModel::~RecordingViewModel() = default;
+
+void RecordingViewModel::installCallbacks() {
+    const auto toMainThread = [&scheduler = platform_.scheduler,
+                               model = QPointer(this)](auto handle) {
+        scheduler.runOnMainThread([model, handle] {
+            if (model) {
+                handle(*model);
+            }
+        });
+    };
+    recorder_->setCallbacks(
+        [toMainThread](const std::exception_ptr&) {
+            toMainThread([](RecordingViewModel& model) {
+                model.handleStop(StopReason::captureInterruption);
+            });
+        },
+        [toMainThread](AudioLevelSource source, float level) {
+            toMainThread([source, level](RecordingViewModel& model) {
+                model.updateAudioLevel(source, level);
+            });
+        });
+}
+
+std::string RecordingViewModel::statusText() const {
+    return texts_.text(statusKey(values().state.which()));
+}
+
+void RecordingViewModel::toggleRecording() {
+    if (values().state.which() == RecordingState::Case::recording) {
+        stopRecording(StopReason::user);
+    } else {
+        startRecording();
+    }
+}
+
+void RecordingViewModel::startRecording() {
+    if (!canStart()) {
+        return;
+    }
+    salvage_.cancel();
+    setState(RecordingState::Case::preparing);
+    setErrorMessage(std::nullopt);
+    setLastRecordingURL(std::nullopt);
+    pendingStopReason_.reset();
+    resetLevels();
+    const RecordingOptions options{
+        .captureSystemAudio = values().captureSystemAudio,
+        .captureMicrophone = values().captureMicrophone,
+        .microphoneDeviceID = values().selectedMicrophoneID,
+        .outputDirectory = values().outputDirectory,
+    };
+    runTask(
+        platform_.scheduler, QPointer(this),
+        [recorder = recorder_, options] { recorder->start(options); },
+        [](RecordingViewModel& model, const Answer<void>& answer) {
+            answer ? model.started() : model.startFailed(answer.error());
+        });
+}
+
+void RecordingViewModel::started() {
+    setElapsedSeconds(0);
+    setState(RecordingState::Case::recording);
+    refreshDevicesAndPermissions(); // the start may just have been granted a permission
+    if (const auto reason = std::exchange(pendingStopReason_, std::nullopt)) {
+        stopRecording(*reason);
+    } else {
+        startTimer();
+    }
+}
+
+void RecordingViewModel::startFailed(const std::exception_ptr& error) {
+    pendingStopReason_.reset();
+    fail(error, false);
+    recoverIncompleteRecordings();
+}
+
+void RecordingViewModel::stopRecording(StopReason reason) {
+    if (values().state.which() != RecordingState::Case::recording) {
+        return;
+    }
+    timer_.reset();
+    setState(RecordingState::Case::processing);
+    resetLevels();
+    platform_.scheduler.runOnMainThread([model = QPointer(this), reason] {
+        if (model) {
+            model->finishRecording(reason);
+        }
+    });
+}
+
+void RecordingViewModel::finishRecording(StopReason reason) {
+    runTask(
+        platform_.scheduler, QPointer(this),
+        [recorder = recorder_, system = static_cast<float>(values().systemVolume),
+         microphone = static_cast<float>(values().microphoneVolume)] {
+            return recorder->stop(system, microphone);
+        },
+        [reason](RecordingViewModel& model, const Answer<std::filesystem::path>& answer) {
+            answer ? model.saved(*answer, reason) : model.stopFailed(answer.error());
+        });
+}
+
+void RecordingViewModel::saved(const std::filesystem::path& recording, StopReason reason) {
+    setLastRecordingURL(recording);
+    setState(RecordingState::Case::completed);
+    if (const auto key = savedMessageKey(reason)) {
+        setErrorMessage(texts_.text(*key));
+    }
+    sleepDelay_.reset();
+}
+
+void RecordingViewModel::stopFailed(const std::exception_ptr& error) {
+    fail(error, true);
+    recoverIncompleteRecordings();
+}
+
+void RecordingViewModel::fail(const std::exception_ptr& error, bool preserveCheckpoint) {
+    timer_.reset();
+    const auto description = errorDescription(error, texts_.language());
+    setState(RecordingState::failed(description));
+    setErrorMessage(preserveCheckpoint ? description + texts_.checkpointKept() : description);
+    refreshDevicesAndPermissions(); // a permission that was refused is shown as such
+    sleepDelay_.reset();
+}
+
+void RecordingViewModel::startTimer() {
+    timer_ = platform_.scheduler.startTimer(std::chrono::seconds(1), [this] {
+        setElapsedSeconds(oneSecondLater(values().elapsedSeconds));
+    });
+}
+
+void RecordingViewModel::observePowerState() {
+    powerObservation_ = platform_.powerEvents.observe(
+        [this](std::shared_ptr<SleepDelay> delay) { handleWillSleep(std::move(delay)); },
+        [this] { handleDidWake(); });
+}
+
+void RecordingViewModel::handleWillSleep(std::shared_ptr<SleepDelay> delay) {
+    if (isBusy(values().state.which())) {
+        sleepDelay_ = std::move(delay);
+    }
+    handleStop(StopReason::systemSleep);
+}
+
+void RecordingViewModel::handleDidWake() {
+    refreshDevicesAndPermissions();
+    recoverIncompleteRecordings();
+}
+
+void RecordingViewModel::handleStop(StopReason reason) {
+    switch (answerToStop(values().state.which())) {
+    case StopAnswer::keepPending:
+        pendingStopReason_ = pendingStop(pendingStopReason_, reason);
+        break;
+    case StopAnswer::stop:
+        stopRecording(reason);
+        break;
+    case StopAnswer::ignore:
+        break;
+    }
+}
+
+void RecordingViewModel::recoverIncompleteRecordings() {
+    if (!isBusy(values().state.which())) {
+        salvage_.start(values().outputDirectory);
+    }
+}
+
+void RecordingViewModel::recovered(const SalvageTask::Recordings& recordings) {
+    if (isBusy(values().state.which())) {
+        return;
+    }
+    setLastRecordingURL(recordings.back());
+    setState(RecordingState::Case::completed);
+    setErrorMessage(texts_.recovered(recordings.size()));
+}
+
+void RecordingViewModel::refreshDevicesAndPermissions() {
+    set(Property::hasScreenPermission, &Values::hasScreenPermission,
+        platform_.screenCaptureAccess.preflight());
+    set(Property::microphonePermission, &Values::microphonePermission,
+        platform_.microphoneAccess.status());
+    set(Property::microphones, &Values::microphones, platform_.audioDevices.microphones());
+    const auto& selected = values().selectedMicrophoneID;
+    auto choice = chooseMicrophone(selected, values().microphones,
+                                   platform_.audioDevices.defaultMicrophone());
+    if (choice != selected) {
+        setSelectedMicrophoneID(std::move(choice));
+    }
+}
+
+void RecordingViewModel::updateAudioLevel(AudioLevelSource source, float level) {
+    if (values().state.which() == RecordingState::Case::recording) {
+        setLevel(source, shownLevel(level));
+    }
+}
+
+void RecordingViewModel::setLevel(AudioLevelSource source, double level) {
+    if (source == AudioLevelSource::systemAudio) {
+        set(Property::systemAudioLevel, &Values::systemAudioLevel, level);
+    } else {
+        set(Property::microphoneLevel, &Values::microphoneLevel, level);
+    }
+    platform_.levels.setLevel(source, level);
+}
+
+void RecordingViewModel::resetLevels() {
+    setLevel(AudioLevelSource::systemAudio, 0);
+    setLevel(AudioLevelSource::microphone, 0);
+}
+
+} // namespace vantoro

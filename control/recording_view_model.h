@@ -1,0 +1,89 @@
+#pragma once
+
+#include <exception>
+#include <filesystem>
+#include <memory>
+#include <optional>
+
+#include "control/audio_level_store.h"
+#include "control/ports/audio_devices.h"
+#include "control/ports/power_events.h"
+#include "control/ports/recorder.h"
+#include "control/ports/scheduler.h"
+#include "control/recording_properties.h"
+#include "control/salvage_task.h"
+#include "control/task.h"
+#include "engine/ports/permissions.h"
+#include "l10n/l10n.h"
+#include "l10n/preferences.h"
+
+namespace vantoro {
+
+/// What the view model needs of the desktop. All of it outlives the view model, and the scheduler's
+/// work ends before the rest does.
+struct ControlPlatform {
+    Scheduler& scheduler;
+    PowerEvents& powerEvents;
+    AudioDevices& audioDevices;
+    ScreenCaptureAccess& screenCaptureAccess;
+    MicrophoneAccess& microphoneAccess;
+    Preferences& preferences;
+    AudioLevelStore& levels;
+    std::filesystem::path defaultRecordingFolder;
+};
+
+/// The one object that the interface follows and gives its commands to: it starts and stops the
+/// recorder, and makes of every failure a state and a message. Main thread; nothing here throws.
+class RecordingViewModel final : public RecordingProperties {
+public:
+    /// Salvages what an earlier run left in the recording folder.
+    RecordingViewModel(std::unique_ptr<Recorder> recorder, const ControlPlatform& platform);
+    RecordingViewModel(const RecordingViewModel&) = delete;
+    RecordingViewModel& operator=(const RecordingViewModel&) = delete;
+    /// Cancels a salvage. What a running recording has captured stays in the recording folder.
+    ~RecordingViewModel() override;
+
+    /// How things stand, in the user's language.
+    std::string statusText() const;
+
+    /// Does nothing unless `canStart`.
+    void startRecording();
+    /// Stops a running recording, else as `startRecording`.
+    void toggleRecording();
+    /// Never asks the user for anything.
+    void refreshDevicesAndPermissions();
+
+private:
+    void installCallbacks();
+    void observePowerState();
+
+    void started();
+    void startFailed(const std::exception_ptr& error);
+    void stopRecording(StopReason reason);
+    void finishRecording(StopReason reason);
+    void saved(const std::filesystem::path& recording, StopReason reason);
+    void stopFailed(const std::exception_ptr& error);
+    void fail(const std::exception_ptr& error, bool preserveCheckpoint);
+
+    void startTimer();
+    void handleWillSleep(std::shared_ptr<SleepDelay> delay);
+    void handleDidWake();
+    void handleStop(StopReason reason);
+    void recoverIncompleteRecordings();
+    void recovered(const SalvageTask::Recordings& recordings);
+
+    void updateAudioLevel(AudioLevelSource source, float level);
+    void setLevel(AudioLevelSource source, double level);
+    void resetLevels();
+
+    ControlPlatform platform_;
+    L10n texts_;
+    std::shared_ptr<Recorder> recorder_; // shared with the tasks, which may outlive this
+    SalvageTask salvage_;
+    std::unique_ptr<RepeatingTimer> timer_;       // while recording
+    std::optional<StopReason> pendingStopReason_; // arrived while preparing
+    std::shared_ptr<SleepDelay> sleepDelay_;      // until what was recorded is saved
+    std::unique_ptr<PowerObservation> powerObservation_;
+};
+
+} // namespace vantoro

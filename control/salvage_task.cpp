@@ -1,0 +1,51 @@
+#include "control/salvage_task.h"
+
+#include <utility>
+
+namespace vantoro {
+
+SalvageTask::SalvageTask(Scheduler& scheduler, std::shared_ptr<Recorder> recorder,
+                         std::function<void(const Recordings&)> onFound)
+    : scheduler_(scheduler), recorder_(std::move(recorder)), onFound_(std::move(onFound)) {}
+
+SalvageTask::~SalvageTask() {
+    cancel();
+}
+
+void SalvageTask::start(std::filesystem::path folder) {
+    cancel();
+    if (running_) {
+        next_ = std::move(folder);
+    } else {
+        begin(folder);
+    }
+}
+
+void SalvageTask::cancel() {
+    next_.reset();
+    stop_.request_stop();
+}
+
+void SalvageTask::begin(const std::filesystem::path& folder) {
+    running_ = true;
+    stop_ = std::stop_source();
+    runTask(
+        scheduler_, QPointer(this),
+        [recorder = recorder_, folder, stop = stop_.get_token()] {
+            return recorder->recoverIncompleteRecordings(folder, stop);
+        },
+        &SalvageTask::finish);
+}
+
+void SalvageTask::finish(const Answer<Recordings>& answer) {
+    running_ = false;
+    const bool cancelled = stop_.stop_requested();
+    if (const auto folder = std::exchange(next_, std::nullopt)) {
+        begin(*folder);
+    }
+    if (!cancelled && answer && !answer->empty()) {
+        onFound_(*answer);
+    }
+}
+
+} // namespace vantoro

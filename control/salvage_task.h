@@ -1,0 +1,52 @@
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <stop_token>
+#include <vector>
+
+#include <QtCore/QObject>
+
+#include "control/ports/recorder.h"
+#include "control/ports/scheduler.h"
+#include "control/task.h"
+
+namespace vantoro {
+
+/// The salvage of interrupted recordings, one at a time. Main thread.
+///
+/// An export that is under way when its salvage is cancelled is still finished before the recorder
+/// heeds it. The salvage that follows waits for that: the file would be locked for it.
+class SalvageTask final : public QObject {
+public:
+    using Recordings = std::vector<std::filesystem::path>;
+
+    /// `onFound` is told of what each salvage made, unless that is nothing, or it was cancelled.
+    SalvageTask(Scheduler& scheduler, std::shared_ptr<Recorder> recorder,
+                std::function<void(const Recordings&)> onFound);
+    SalvageTask(const SalvageTask&) = delete;
+    SalvageTask& operator=(const SalvageTask&) = delete;
+    /// Cancels.
+    ~SalvageTask() override;
+
+    /// Salvages what is in the folder, in place of all that was asked for before.
+    void start(std::filesystem::path folder);
+
+    /// What this salvage still makes is not told to anybody.
+    void cancel();
+
+private:
+    void begin(const std::filesystem::path& folder);
+    void finish(const Answer<Recordings>& answer);
+
+    Scheduler& scheduler_;
+    std::shared_ptr<Recorder> recorder_;
+    std::function<void(const Recordings&)> onFound_;
+    bool running_ = false;
+    std::stop_source stop_;                     // of the salvage that runs, or ran last
+    std::optional<std::filesystem::path> next_; // the folder to turn to when that one has ended
+};
+
+} // namespace vantoro

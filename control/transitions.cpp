@@ -1,0 +1,68 @@
+#include "control/transitions.h"
+
+namespace vantoro {
+
+using enum RecordingState::Case;
+
+bool isBusy(RecordingState::Case state) {
+    return state == preparing || state == recording || state == processing;
+}
+
+bool isProcessing(RecordingState::Case state) {
+    return state == preparing || state == processing;
+}
+
+bool canStart(RecordingState::Case state, bool captureSystemAudio, bool captureMicrophone) {
+    return !isBusy(state) && (captureSystemAudio || captureMicrophone);
+}
+
+StopAnswer answerToStop(RecordingState::Case state) {
+    switch (state) {
+    case preparing:
+        return StopAnswer::keepPending;
+    case recording:
+        return StopAnswer::stop;
+    case idle:
+    case processing:
+    case completed:
+    case failed:
+        break;
+    }
+    return StopAnswer::ignore;
+}
+
+StopReason pendingStop(std::optional<StopReason> pending, StopReason arrived) {
+    return arrived == StopReason::systemSleep ? arrived : pending.value_or(arrived);
+}
+
+L10n::Key statusKey(RecordingState::Case state) {
+    switch (state) {
+    case idle:
+        return L10n::Key::ready;
+    case preparing:
+        return L10n::Key::preparing;
+    case recording:
+        return L10n::Key::recording;
+    case processing:
+        return L10n::Key::saving;
+    case completed:
+        return L10n::Key::saved;
+    case failed:
+        break;
+    }
+    return L10n::Key::needsAttention;
+}
+
+std::optional<L10n::Key> savedMessageKey(StopReason reason) {
+    switch (reason) {
+    case StopReason::systemSleep:
+        return L10n::Key::sleepSaved;
+    case StopReason::captureInterruption:
+        return L10n::Key::captureInterruptedSaved;
+    case StopReason::user:
+        break;
+    }
+    return std::nullopt;
+}
+
+} // namespace vantoro

@@ -1,0 +1,66 @@
+#include "control/transitions.h"
+
+#include <gtest/gtest.h>
+
+namespace vantoro::testing {
+namespace {
+
+using Case = RecordingState::Case;
+using enum StopReason;
+
+TEST(TransitionsTest, followFromTheStateAlone) {
+    struct Row {
+        Case state;
+        bool busy;
+        bool processing;
+        StopAnswer answer;
+        L10n::Key status;
+    };
+
+    for (const auto& row : {
+             Row{Case::idle, false, false, StopAnswer::ignore, L10n::Key::ready},
+             Row{Case::preparing, true, true, StopAnswer::keepPending, L10n::Key::preparing},
+             Row{Case::recording, true, false, StopAnswer::stop, L10n::Key::recording},
+             Row{Case::processing, true, true, StopAnswer::ignore, L10n::Key::saving},
+             Row{Case::completed, false, false, StopAnswer::ignore, L10n::Key::saved},
+             Row{Case::failed, false, false, StopAnswer::ignore, L10n::Key::needsAttention},
+         }) {
+        SCOPED_TRACE(static_cast<int>(row.state));
+        EXPECT_EQ(isBusy(row.state), row.busy);
+        EXPECT_EQ(isProcessing(row.state), row.processing);
+        EXPECT_EQ(answerToStop(row.state), row.answer);
+        EXPECT_EQ(statusKey(row.state), row.status);
+        EXPECT_EQ(canStart(row.state, true, true), !row.busy);
+        EXPECT_EQ(canStart(row.state, true, false), !row.busy);
+        EXPECT_EQ(canStart(row.state, false, true), !row.busy);
+        EXPECT_FALSE(canStart(row.state, false, false));
+    }
+}
+
+TEST(TransitionsTest, keepSleepAsThePendingReasonAndAnInterruptionOnlyWhereThereIsNone) {
+    struct Row {
+        std::optional<StopReason> pending;
+        StopReason arrived;
+        StopReason kept;
+    };
+
+    for (const auto& [pending, arrived, kept] : {
+             Row{std::nullopt, systemSleep, systemSleep},
+             Row{std::nullopt, captureInterruption, captureInterruption},
+             Row{systemSleep, systemSleep, systemSleep},
+             Row{systemSleep, captureInterruption, systemSleep},
+             Row{captureInterruption, systemSleep, systemSleep},
+             Row{captureInterruption, captureInterruption, captureInterruption},
+         }) {
+        EXPECT_EQ(pendingStop(pending, arrived), kept);
+    }
+}
+
+TEST(TransitionsTest, sayWhyARecordingEndedUnlessTheUserWishedIt) {
+    EXPECT_EQ(savedMessageKey(user), std::nullopt);
+    EXPECT_EQ(savedMessageKey(systemSleep), L10n::Key::sleepSaved);
+    EXPECT_EQ(savedMessageKey(captureInterruption), L10n::Key::captureInterruptedSaved);
+}
+
+} // namespace
+} // namespace vantoro::testing

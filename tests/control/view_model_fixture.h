@@ -1,0 +1,124 @@
+#pragma once
+
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "control/recording_view_model.h"
+#include "tests/control/control_fakes.h"
+#include "tests/control/fake_scheduler.h"
+#include "tests/l10n/memory_preferences.h"
+
+namespace vantoro::testing {
+
+using Case = RecordingState::Case;
+using Property = RecordingProperties::Property;
+using Key = L10n::Key;
+
+/// A view model and all that it meets, of which nothing happens but what is told to.
+struct ViewModelWorld {
+    MemoryPreferences preferences = preferencesIn("en");
+    FakeScheduler scheduler;
+    FakePowerEvents power;
+    FakeAudioDevices devices;
+    FakeScreenPermission screen;
+    FakeMicrophonePermission microphone;
+    AudioLevelStore levels;
+    RecorderScript recorder;
+    std::unique_ptr<RecordingViewModel> model;
+
+    /// As at a launch of the program; the salvage that begins then waits for a task thread.
+    void launch() {
+        model = std::make_unique<RecordingViewModel>(
+            std::make_unique<FakeRecorder>(recorder),
+            ControlPlatform{
+                .scheduler = scheduler,
+                .powerEvents = power,
+                .audioDevices = devices,
+                .screenCaptureAccess = screen,
+                .microphoneAccess = microphone,
+                .preferences = preferences,
+                .levels = levels,
+                .defaultRecordingFolder = "/home/somebody/Movies/Vantoro",
+            });
+    }
+
+    /// ... and after it, when nothing was found.
+    void launchAndSettle() {
+        launch();
+        scheduler.settle();
+    }
+
+    const RecordingProperties::Values& values() const { return model->values(); }
+
+    Case state() const { return values().state.which(); }
+
+    std::string message() const { return values().errorMessage.value_or("(none)"); }
+
+    std::string lastRecording() const {
+        return values().lastRecordingURL.value_or("(none)").string();
+    }
+
+    std::string text(Key key) const { return L10n(preferences).text(key); }
+
+    void record() {
+        model->startRecording();
+        scheduler.settle();
+        ASSERT_EQ(state(), Case::recording);
+    }
+
+    void reportLevel(AudioLevelSource source, float level) {
+        recorder.level(source, level);
+        scheduler.runMain();
+    }
+
+    void interruptCapture() {
+        recorder.interrupted(std::make_exception_ptr(std::runtime_error("connection lost")));
+        scheduler.runMain();
+    }
+
+    /// Launches, and leads to a state as a user would, without a task of the recorder's waiting but
+    /// the one that the state is about.
+    void lead(Case to) {
+        launchAndSettle();
+        leadFromIdle(to);
+        ASSERT_EQ(state(), to);
+    }
+
+    void leadFromIdle(Case to) {
+        if (to == Case::idle) {
+            return;
+        }
+        model->startRecording();
+        if (to == Case::preparing) {
+            return;
+        }
+        if (to == Case::failed) {
+            recorder.startError = std::make_exception_ptr(std::runtime_error("no such luck"));
+        }
+        scheduler.settle();
+        recorder.startError = nullptr;
+        if (to == Case::processing || to == Case::completed) {
+            model->toggleRecording();
+            scheduler.runMain();
+        }
+        if (to == Case::completed) {
+            scheduler.settle();
+        }
+    }
+};
+
+class ViewModelTest : public ::testing::Test, protected ViewModelWorld {};
+
+inline std::exception_ptr failure(const std::string& text) {
+    return std::make_exception_ptr(std::runtime_error(text));
+}
+
+inline std::exception_ptr failure(RecordingError::Case which) {
+    return std::make_exception_ptr(RecordingError(which));
+}
+
+} // namespace vantoro::testing
