@@ -1,0 +1,127 @@
+#include "tests/control/view_model_fixture.h"
+
+namespace vantoro::testing {
+namespace {
+
+using namespace std::chrono_literals;
+
+TEST_F(ViewModelTest, savesWhatWasRecordedWhenTheMachineGoesToSleep) {
+    lead(Case::recording);
+    scheduler.advance(4s);
+    power.sleep();
+    EXPECT_EQ(state(), Case::processing);
+    scheduler.advance(4s);
+    scheduler.settle();
+    EXPECT_EQ(state(), Case::completed);
+    EXPECT_EQ(message(), text(Key::sleepSaved));
+    EXPECT_EQ(lastRecording(), "/music/recorded.m4a");
+    EXPECT_EQ(values().elapsedSeconds, 4);
+}
+
+TEST_F(ViewModelTest, savesWhatWasRecordedWhenCaptureBreaks) {
+    lead(Case::recording);
+    interruptCapture();
+    EXPECT_EQ(state(), Case::processing);
+    scheduler.settle();
+    EXPECT_EQ(message(), text(Key::captureInterruptedSaved));
+}
+
+TEST_F(ViewModelTest, keepsTheReasonForWhichARecordingIsBeingSaved) {
+    lead(Case::recording);
+    power.sleep();
+    interruptCapture();
+    scheduler.settle();
+    EXPECT_EQ(message(), text(Key::sleepSaved));
+    EXPECT_EQ(recorder.volumes.size(), 1U);
+}
+
+TEST_F(ViewModelTest, hearsOfAnInterruptionOnTheMainThreadOnly) {
+    lead(Case::recording);
+    recorder.interrupted(failure("connection lost"));
+    EXPECT_EQ(state(), Case::recording);
+    scheduler.runMain();
+    EXPECT_EQ(state(), Case::processing);
+}
+
+TEST_F(ViewModelTest, delaysSleepUntilTheRecordingIsSaved) {
+    struct Row {
+        Case state;
+        bool delays;
+    };
+
+    for (const auto& [from, delays] : {
+             Row{Case::idle, false},
+             Row{Case::preparing, true},
+             Row{Case::recording, true},
+             Row{Case::processing, true},
+             Row{Case::completed, false},
+             Row{Case::failed, false},
+         }) {
+        ViewModelWorld world;
+        world.lead(from);
+        world.power.sleep();
+        EXPECT_EQ(world.power.isDelayed(), delays) << static_cast<int>(from);
+        world.scheduler.settle();
+        EXPECT_FALSE(world.power.isDelayed()) << static_cast<int>(from);
+    }
+}
+
+TEST_F(ViewModelTest, delaysSleepNoLongerThanUntilSavingFailed) {
+    lead(Case::recording);
+    recorder.stopError = failure("disk full");
+    power.sleep();
+    scheduler.runMain();
+    scheduler.runTask();
+    EXPECT_EQ(state(), Case::failed);
+    EXPECT_FALSE(power.isDelayed());
+}
+
+TEST_F(ViewModelTest, looksAnewAtDevicesAndPermissionsOnWakeAndSalvagesUnlessBusy) {
+    struct Row {
+        Case state;
+        std::size_t salvages;
+    };
+
+    for (const auto& [from, salvages] : {
+             Row{Case::idle, 1},
+             Row{Case::preparing, 0},
+             Row{Case::recording, 0},
+             Row{Case::processing, 0},
+             Row{Case::completed, 1},
+             Row{Case::failed, 1},
+         }) {
+        ViewModelWorld world;
+        world.lead(from);
+        world.recorder.foldersSought.clear();
+        const auto waiting = world.scheduler.waitingTasks();
+        world.screen.allowed = false;
+        world.devices.list = {{"new", "New"}};
+        world.power.wake();
+        EXPECT_FALSE(world.values().hasScreenPermission);
+        EXPECT_EQ(world.values().microphones, world.devices.list);
+        EXPECT_EQ(world.scheduler.waitingTasks(), waiting + salvages) << static_cast<int>(from);
+        world.scheduler.settle();
+        EXPECT_EQ(world.recorder.foldersSought.size(), salvages) << static_cast<int>(from);
+    }
+}
+
+TEST_F(ViewModelTest, followsThePowerStateForAsLongAsItLives) {
+    launchAndSettle();
+    EXPECT_TRUE(power.isObserved());
+    model.reset();
+    EXPECT_FALSE(power.isObserved());
+    power.sleep();
+    power.wake();
+}
+
+TEST_F(ViewModelTest, isNotMissedByWhatTheRecorderReportsTooLate) {
+    lead(Case::recording);
+    recorder.interrupted(failure("connection lost"));
+    recorder.level(AudioLevelSource::microphone, 0.5F);
+    model.reset();
+    scheduler.settle();
+    EXPECT_EQ(levels.microphoneLevel(), 0);
+}
+
+} // namespace
+} // namespace vantoro::testing

@@ -1,0 +1,104 @@
+#include "tests/control/view_model_fixture.h"
+
+namespace vantoro::testing {
+namespace {
+
+const Recordings three{"/music/first.m4a", "/music/second.m4a", "/music/third.m4a"};
+
+TEST_F(ViewModelTest, salvagesTheRecordingFolderAtLaunch) {
+    preferences.values[Preference::outputDirectory] = "/recordings";
+    recorder.salvaged = three;
+    launch();
+    EXPECT_EQ(state(), Case::idle);
+    scheduler.settle();
+    EXPECT_EQ(recorder.foldersSought, Recordings{"/recordings"});
+    EXPECT_EQ(state(), Case::completed);
+    EXPECT_EQ(lastRecording(), "/music/third.m4a");
+    EXPECT_EQ(message(), "3 previously interrupted recordings were recovered and saved.");
+}
+
+TEST_F(ViewModelTest, saysThatOneRecordingWasSalvaged) {
+    recorder.salvaged = {"/music/only.m4a"};
+    launchAndSettle();
+    EXPECT_EQ(message(), "A previously interrupted recording was recovered and saved.");
+}
+
+TEST_F(ViewModelTest, showsNothingOfASalvageThatFoundNothing) {
+    launchAndSettle();
+    EXPECT_EQ(recorder.calls, std::vector<std::string>{"salvage"});
+    EXPECT_EQ(state(), Case::idle);
+    EXPECT_EQ(message(), "(none)");
+}
+
+TEST_F(ViewModelTest, cancelsASalvageAtAStartAndDropsWhatItStillMakes) {
+    recorder.salvaged = three;
+    launch();
+    recorder.duringSalvage = [this] { model->startRecording(); };
+    scheduler.runTask();
+    EXPECT_EQ(recorder.stopRequested, std::vector<bool>{true});
+    EXPECT_EQ(state(), Case::preparing);
+    EXPECT_EQ(lastRecording(), "(none)");
+    EXPECT_EQ(message(), "(none)");
+}
+
+TEST_F(ViewModelTest, doesNotLetAStartWaitForASalvage) {
+    launch();
+    model->startRecording();
+    EXPECT_EQ(scheduler.waitingTasks(), 2U);
+    scheduler.runTask(1);
+    EXPECT_EQ(state(), Case::recording);
+}
+
+TEST_F(ViewModelTest, dropsACancelledSalvageAlsoWhenTheStartHasFailedMeanwhile) {
+    recorder.salvaged = three;
+    recorder.startError = failure("broken");
+    launch();
+    model->startRecording();
+    scheduler.runTask(1);
+    ASSERT_EQ(state(), Case::failed);
+    scheduler.runTask();
+    EXPECT_EQ(state(), Case::failed);
+    EXPECT_EQ(message(), "broken");
+    scheduler.runTask(); // the failed start's own
+    EXPECT_EQ(state(), Case::completed);
+    EXPECT_EQ(recorder.stopRequested, (std::vector<bool>{true, false}));
+}
+
+TEST_F(ViewModelTest, beginsASalvageOnlyWhenTheCancelledOneHasEnded) {
+    launch();
+    power.wake();
+    power.wake();
+    EXPECT_EQ(scheduler.waitingTasks(), 1U);
+    scheduler.runTask();
+    EXPECT_EQ(scheduler.waitingTasks(), 1U);
+    scheduler.runTask();
+    EXPECT_EQ(scheduler.waitingTasks(), 0U);
+    EXPECT_EQ(recorder.stopRequested, (std::vector<bool>{true, false}));
+}
+
+TEST_F(ViewModelTest, forgetsASalvageThatHasNotBegunWhenARecordingIsStarted) {
+    launch();
+    power.wake();
+    model->startRecording();
+    scheduler.settle();
+    EXPECT_EQ(recorder.calls, (std::vector<std::string>{"salvage", "start"}));
+    EXPECT_EQ(state(), Case::recording);
+}
+
+TEST_F(ViewModelTest, cancelsASalvageWhenItEnds) {
+    recorder.salvaged = three;
+    launch();
+    recorder.duringSalvage = [this] { model.reset(); };
+    scheduler.settle();
+    EXPECT_EQ(recorder.stopRequested, std::vector<bool>{true});
+    EXPECT_FALSE(recorder.recorderLives);
+}
+
+TEST_F(ViewModelTest, salvagesAfterAFailedStartWithoutTouchingTheMessageWhenNothingIsFound) {
+    lead(Case::failed);
+    EXPECT_EQ(recorder.calls, (std::vector<std::string>{"salvage", "start", "salvage"}));
+    EXPECT_EQ(message(), "no such luck");
+}
+
+} // namespace
+} // namespace vantoro::testing
