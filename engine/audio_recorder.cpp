@@ -128,6 +128,9 @@ std::filesystem::path AudioRecorder::stop(float systemVolume, float microphoneVo
         resetKeepingWhatWasWritten();
         throw;
     }
+    if (onRecordingSafe) {
+        onRecordingSafe();
+    }
     try {
         auto destination = exportFinal(systemVolume, microphoneVolume);
         removeIgnoringErrors(platform_.fileSystem, temporaryURL_);

@@ -2,6 +2,7 @@
 
 #include <exception>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <stop_token>
@@ -54,8 +55,8 @@ public:
     /// kept if sound was written to it. In either case another recording can be started.
     std::filesystem::path stop(float systemVolume, float microphoneVolume);
 
-    /// Finishes the recordings in the folder that were interrupted; see `salvage.h`. Blocks, and is
-    /// not run while a recording is started, made or stopped.
+    /// Finishes the recordings in the folder that were interrupted; see `salvage.h`. Blocks. May
+    /// run beside all else: a recording in work is passed over.
     std::vector<std::filesystem::path>
     recoverIncompleteRecordings(const std::filesystem::path& folder, const std::stop_token& stop);
 
@@ -65,6 +66,9 @@ public:
     CaptureInterruptedCallback onCaptureInterrupted;
     /// Capture queue.
     AudioLevelCallback onAudioLevel;
+    /// During `stop`: all that was captured is on the disk. Whatever becomes of the final file, it
+    /// can be made again. On the thread of `stop`.
+    std::function<void()> onRecordingSafe;
     /// How far `stop` is with the final file. On the thread of `stop`.
     ExportProgress onExportProgress;
 

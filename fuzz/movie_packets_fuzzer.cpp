@@ -1,5 +1,5 @@
-// Opens any bytes at all as the recorder opens an unfinished movie, and reads each track's packets,
-// in order and from the middle on.
+// Opens any bytes at all as the recorder opens an unfinished movie, and reads how each track is
+// coded and its packets, in order and from the middle on.
 
 #include <algorithm>
 #include <cstddef>
@@ -8,10 +8,6 @@
 #include <stdexcept>
 #include <utility>
 #include <vector>
-
-extern "C" {
-#include <libavutil/log.h>
-}
 
 #include "fuzz/promise.h"
 #include "fuzz/sparse_file.h"
@@ -34,15 +30,21 @@ constexpr std::uint64_t unlimited = ~std::uint64_t{0};
 /// Null when it is refused, which has to be by an exception of the usual kind.
 std::shared_ptr<const Movie> open(std::unique_ptr<SparseFile> file) {
     auto movie = std::make_shared<Movie>();
+    const std::uint64_t size = file->size();
     file->allow(unlimited, unlimited);
     movie->file = std::move(file);
     try {
         movie->scan = ffmpeg::scanMovie(*movie->file);
-        movie->codecs = ffmpeg::readCodecs(*movie->file, movie->scan);
+        movie->codecs = ffmpeg::readCodecs(movie->scan);
     } catch (const std::runtime_error&) {
         return nullptr;
     }
     require(movie->codecs.size() == movie->scan.tracks.size(), "each track has its place");
+    for (const auto& codec : movie->codecs) {
+        require(!codec || (codec->ch_layout.nb_channels > 0 && codec->extradata_size > 1 &&
+                           static_cast<std::uint64_t>(codec->extradata_size) < size),
+                "what a track's decoder is told lies in the file");
+    }
     return movie;
 }
 
@@ -87,12 +89,6 @@ void checkTrack(const std::shared_ptr<const Movie>& movie, SparseFile& file, std
 } // namespace
 
 } // namespace vantoro::fuzz
-
-// NOLINTNEXTLINE(readability-identifier-naming): the fuzzer calls it so
-extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) {
-    av_log_set_level(AV_LOG_QUIET);
-    return 0;
-}
 
 // NOLINTNEXTLINE(readability-identifier-naming): the fuzzer calls it so
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

@@ -10,8 +10,8 @@
 
 namespace vantoro {
 
-// All of this is called on one task thread at a time; every operation throws where it fails,
-// with an error whose text can be shown to the user.
+// Task threads: the toolkit several at a time, what it makes one at a time. Every operation throws
+// where it fails, with an error whose text can be shown to the user.
 
 class AssetTrack {
 public:

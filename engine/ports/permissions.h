@@ -8,7 +8,7 @@
 namespace vantoro {
 
 /// Permission to record the screen's sound: all that the computer plays.
-/// Called on task threads, and `preflight` on the main thread too; bounded in time.
+/// Task threads, several at a time; bounded in time.
 class ScreenCaptureAccess {
 public:
     virtual ~ScreenCaptureAccess() = default;
@@ -20,7 +20,7 @@ public:
 
 enum class AuthorizationStatus : std::uint8_t { notDetermined, restricted, denied, authorized };
 
-/// Permission to record a microphone. Called on task threads, and `status` on the main thread too.
+/// Permission to record a microphone. Task threads, several at a time; `status` is bounded in time.
 class MicrophoneAccess {
 public:
     virtual ~MicrophoneAccess() = default;

@@ -1,9 +1,9 @@
 #include "fuzz/seeds/hand_made_movies.h"
 
 #include <cstdint>
-#include <functional>
 #include <utility>
 
+#include "fuzz/seeds/hand_made_descriptions.h"
 #include "platform/ffmpeg/aac.h"
 #include "platform/ffmpeg/box_writer.h"
 
@@ -23,6 +23,7 @@ struct HandMadeTrack {
     std::string kind = "soun";
     std::uint32_t timescale = framesPerSecond;
     std::uint32_t defaultSize = 0;
+    Boxes description = nullptr; ///< of its coding, where it has one
 };
 
 /// One track's packets in a fragment, one of them of 1024 frames where nothing else is said.
@@ -34,6 +35,17 @@ struct HandMadeRow {
     std::uint32_t begin = 8;  ///< of the packets, counted from the content box
     unsigned repetitions = 1; ///< of the packets, at the same place
 };
+
+void writeCoding(BoxWriter& movie, const Boxes& description) {
+    movie.box("minf", [&] {
+        movie.box("stbl", [&] {
+            movie.fullBox("stsd", 0, [&] {
+                movie.u32(1);
+                description(movie);
+            });
+        });
+    });
+}
 
 void writeHeader(BoxWriter& movie, const std::vector<HandMadeTrack>& tracks) {
     movie.box("moov", [&] {
@@ -52,6 +64,9 @@ void writeHeader(BoxWriter& movie, const std::vector<HandMadeTrack>& tracks) {
                         movie.text("mhlr");
                         movie.text(track.kind);
                     });
+                    if (track.description) {
+                        writeCoding(movie, track.description);
+                    }
                 });
             });
         }
@@ -105,15 +120,14 @@ void writeFragment(BoxWriter& movie, const std::vector<HandMadeRow>& rows,
     movie.box("mdat", [&] { movie.zeros(contentSize); });
 }
 
-std::vector<std::byte> make(const std::function<void(BoxWriter&)>& write) {
+std::vector<std::byte> make(const Boxes& write) {
     BoxWriter movie;
     write(movie);
     return movie.take();
 }
 
 /// A header of one track, then whatever is wanted.
-std::vector<std::byte> afterHeader(const std::function<void(BoxWriter&)>& write,
-                                   std::uint32_t defaultSize = 0) {
+std::vector<std::byte> afterHeader(const Boxes& write, std::uint32_t defaultSize = 0) {
     return make([&](BoxWriter& movie) {
         writeHeader(movie, {{.defaultSize = defaultSize}});
         write(movie);
@@ -184,6 +198,24 @@ std::vector<Seed> wholeMovies() {
     return seeds;
 }
 
+/// With a track whose coding is described in each form that there is, and in one that there is not.
+std::vector<Seed> describedMovies() {
+    std::vector<Seed> seeds;
+    for (const unsigned version : {0U, 1U, 2U}) {
+        for (const unsigned depth : {0U, 1U, 100U}) {
+            seeds.push_back({"description-of-version-" + std::to_string(version) + "-in-" +
+                                 std::to_string(depth) + "-boxes",
+                             make([&](BoxWriter& movie) {
+                                 writeHeader(
+                                     movie,
+                                     {{.description = describeSound(version, version + 1, depth)}});
+                                 writeFragment(movie, {{}});
+                             })});
+        }
+    }
+    return seeds;
+}
+
 std::vector<Seed> oddSizes() {
     std::vector<Seed> seeds;
     seeds.push_back({"size-of-0", afterHeader([](BoxWriter& movie) {
@@ -243,7 +275,7 @@ std::vector<Seed> impossibleMovies() {
 
 std::vector<Seed> makeMoviesByHand() {
     std::vector<Seed> all;
-    for (auto& seeds : {wholeMovies(), oddSizes(), impossibleMovies()}) {
+    for (auto& seeds : {wholeMovies(), describedMovies(), oddSizes(), impossibleMovies()}) {
         all.insert(all.end(), seeds.begin(), seeds.end());
     }
     return all;

@@ -12,7 +12,6 @@
 #include <span>
 #include <stdexcept>
 #include <string>
-#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -76,14 +75,6 @@ Bytes withoutEnd(const Bytes& movie) {
     return cut(movie, end);
 }
 
-/// With a table in its header that claims to have 160 million entries.
-Bytes withLargeTable(Bytes movie) {
-    const std::string_view name = "stco";
-    const auto table = std::ranges::search(movie, std::as_bytes(std::span(name)));
-    movie.at(static_cast<std::size_t>(table.begin() - movie.begin()) + 8) = std::byte{10};
-    return movie;
-}
-
 std::vector<Seed> recordings() {
     std::vector<Seed> seeds;
     for (int fragments = 1; fragments <= 4; ++fragments) {
@@ -95,7 +86,6 @@ std::vector<Seed> recordings() {
         seeds.push_back({"1-track-unfinished-" + name, withoutEnd(one)});
         seeds.push_back({"2-tracks-unfinished-" + name, withoutEnd(two)});
     }
-    seeds.push_back({"large-table", withLargeTable(record({microphoneTrack}, 1, silence()))});
     seeds.push_back({"tone", record({microphoneTrack}, 2, tone(440, 0.5F))});
     return seeds;
 }

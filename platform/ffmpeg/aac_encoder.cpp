@@ -215,8 +215,10 @@ void AacEncoder::receive(const PacketSink& sink) {
             }
             check(result, "Coding sound");
             contents[index] = contentOf(*channel.packet);
+            windowEnds_[index] = windowEndOf(contents[index]);
         }
         std::ranges::fill(std::span(contents).subspan(coders_), contents[0]);
+        std::ranges::fill(std::span(windowEnds_).subspan(coders_), windowEnds_[0]);
         const auto content = joinChannels(std::span(contents).first(channels_.size()), gainSteps);
         check(av_new_packet(joined_.get(), static_cast<int>(content.size())), "Coding sound");
         std::ranges::copy(content, joined_->data);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <deque>
@@ -7,6 +8,7 @@
 #include <span>
 #include <vector>
 
+#include "platform/ffmpeg/aac_packet.h"
 #include "platform/ffmpeg/channel_sharing.h"
 #include "platform/ffmpeg/handles.h"
 
@@ -14,6 +16,9 @@ namespace vantoro::ffmpeg {
 
 /// Takes a coded packet, whose content it may move out.
 using PacketSink = std::function<void(AVPacket&)>;
+
+/// Of a packet, channel by channel.
+using WindowEnds = std::array<WindowEnd, 2>;
 
 /// Codes sound at 48 kHz into AAC packets, in a fraction of the time that the coder takes by
 /// default and without any tool whose decoding depends on more than the packet before.
@@ -49,6 +54,9 @@ public:
     /// Hands over what the coder still holds. Nothing may follow.
     void finish(const PacketSink& sink);
 
+    /// Of the packet that is handed over just now.
+    const WindowEnds& windowEnds() const noexcept { return windowEnds_; }
+
 private:
     struct Channel {
         CoderHandle coder;
@@ -67,6 +75,7 @@ private:
     std::deque<std::vector<float>> missed_; // by the second coder, whole packets
     ParametersHandle parameters_;
     PacketHandle joined_;
+    WindowEnds windowEnds_;
     std::int64_t position_ = 0; // frames given to the coder
 };
 

@@ -14,6 +14,10 @@ constexpr unsigned channelPair = 1;
 constexpr unsigned end = 7;
 constexpr std::size_t elementHeaderBits = 7;
 constexpr unsigned gainBits = 8; // a channel's first field, in quarters of a factor of two
+// Behind it: a bit that is reserved, 2 bits of the window's sequence, 1 bit of its shape.
+constexpr std::size_t sequencePosition = elementHeaderBits + gainBits + 1;
+constexpr unsigned startOfShort = 1; // long windows end short in this sequence only
+constexpr unsigned eightShort = 2;
 
 class BitWriter {
 public:
@@ -88,6 +92,15 @@ void copyChannel(std::span<const std::uint8_t> packet, unsigned gainSteps, BitWr
 }
 
 } // namespace
+
+WindowEnd windowEndOf(std::span<const std::uint8_t> packet) {
+    if (findChannelEnd(packet) < sequencePosition + 3) {
+        throw std::runtime_error("The AAC coder's packets are not what they have to be.");
+    }
+    BitReader in(packet, sequencePosition);
+    const unsigned sequence = in.get(2);
+    return {.isShort = sequence == startOfShort || sequence == eightShort, .shape = in.get(1)};
+}
 
 std::vector<std::uint8_t> joinChannels(std::span<const std::span<const std::uint8_t>> channels,
                                        unsigned gainSteps) {

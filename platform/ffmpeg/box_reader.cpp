@@ -8,12 +8,16 @@ namespace vantoro::ffmpeg {
 DamagedMovie::DamagedMovie(const char* reason)
     : std::runtime_error(std::string("The recording file is damaged: ") + reason + ".") {}
 
+std::uint8_t ByteReader::u8() {
+    return static_cast<std::uint8_t>(number(1));
+}
+
+std::uint16_t ByteReader::u16() {
+    return static_cast<std::uint16_t>(number(2));
+}
+
 std::uint32_t ByteReader::u32() {
-    std::uint32_t value = 0;
-    for (const std::byte byte : take(4)) {
-        value = value << 8U | std::to_integer<std::uint32_t>(byte);
-    }
-    return value;
+    return number(4);
 }
 
 std::uint64_t ByteReader::u64() {
@@ -30,6 +34,14 @@ ByteSpan ByteReader::take(std::size_t count) {
     return taken;
 }
 
+std::uint32_t ByteReader::number(std::size_t size) {
+    std::uint32_t value = 0;
+    for (const std::byte byte : take(size)) {
+        value = value << 8U | std::to_integer<std::uint32_t>(byte);
+    }
+    return value;
+}
+
 std::optional<Box> BoxReader::next() {
     // QuickTime ends some rows of boxes with a zero of 32 bits.
     if (bytes_.rest().size() < 8) {
@@ -41,6 +53,16 @@ std::optional<Box> BoxReader::next() {
         throw DamagedMovie("a box has an impossible size");
     }
     return Box{.type = type, .content = bytes_.take(size - 8)};
+}
+
+std::optional<ByteSpan> findBox(ByteSpan content, std::uint32_t type) {
+    BoxReader boxes(content);
+    while (const auto box = boxes.next()) {
+        if (box->type == type) {
+            return box->content;
+        }
+    }
+    return std::nullopt;
 }
 
 FileBox readFileBox(const InputFile& file, std::uint64_t offset) {

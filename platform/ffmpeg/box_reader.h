@@ -32,6 +32,8 @@ class ByteReader {
 public:
     explicit ByteReader(ByteSpan bytes) noexcept : rest_(bytes) {}
 
+    std::uint8_t u8();
+    std::uint16_t u16();
     std::uint32_t u32();
     std::uint64_t u64();
     ByteSpan take(std::size_t count);
@@ -41,6 +43,8 @@ public:
     ByteSpan rest() const noexcept { return rest_; }
 
 private:
+    std::uint32_t number(std::size_t size);
+
     ByteSpan rest_;
 };
 
@@ -60,6 +64,10 @@ public:
 private:
     ByteReader bytes_;
 };
+
+/// The content of the first box of a type in another one's content; what lies behind it may be
+/// damaged. Throws DamagedMovie as BoxReader does.
+std::optional<ByteSpan> findBox(ByteSpan content, std::uint32_t type);
 
 /// Where a box lies in a file.
 struct FileBox {

@@ -7,60 +7,15 @@
 #include <span>
 #include <stdexcept>
 #include <utility>
-#include <vector>
 
-#include "platform/ffmpeg/aac.h"
-#include "platform/ffmpeg/aac_encoder.h"
+#include "platform/ffmpeg/coded_chunk.h"
 #include "platform/ffmpeg/m4a_file.h"
 #include "platform/ffmpeg/packet_copy.h"
-#include "platform/ffmpeg/track_samples.h"
+#include "platform/ffmpeg/parallel_coding.h"
 
 namespace vantoro::ffmpeg {
 
 namespace {
-
-constexpr int exportChannels = 2;
-constexpr int exportBitRate = 256000;
-
-/// The tracks of a composition, summed at their volumes.
-class Mixer {
-public:
-    void add(const MovieCompositionTrack& track, float volume) {
-        if (track.source() == nullptr) {
-            return;
-        }
-        tracks_.push_back({TrackSamples(*track.source(), track.start(), track.frames()), volume});
-        frames_ = std::max(frames_, track.frames());
-    }
-
-    /// Of the longest track.
-    std::int64_t frames() const noexcept { return frames_; }
-
-    /// The next 1024 frames; silence where a track has ended.
-    void read(const StereoBlock& block) {
-        for (const auto plane : {block.left, block.right}) {
-            std::ranges::fill(plane, 0.0F);
-        }
-        for (Track& track : tracks_) {
-            track.samples.addTo(block, track.volume);
-        }
-        for (const auto plane : {block.left, block.right}) {
-            // Beyond full scale decoders differ: some wrap around, which crackles.
-            for (float& sample : plane) {
-                sample = std::clamp(sample, -1.0F, 1.0F);
-            }
-        }
-    }
-
-private:
-    struct Track {
-        TrackSamples samples;
-        float volume;
-    };
-
-    std::vector<Track> tracks_;
-    std::int64_t frames_ = 0;
-};
 
 M4aTrack describe(const AVCodecParameters& parameters, std::int64_t frames) {
     const auto configuration = std::as_bytes(
@@ -69,22 +24,6 @@ M4aTrack describe(const AVCodecParameters& parameters, std::int64_t frames) {
             .bitRate = static_cast<int>(parameters.bit_rate),
             .coderConfiguration = {configuration.begin(), configuration.end()},
             .frames = frames};
-}
-
-void code(Mixer& mixer, AacEncoder& coder, const PacketSink& sink, const ExportProgress& progress) {
-    constexpr std::int64_t progressInterval = 60LL * framesPerSecond;
-    const std::int64_t frames = mixer.frames();
-    std::int64_t nextProgress = 0;
-    for (std::int64_t done = 0; done < frames; done += packetFrames) {
-        if (progress && done >= nextProgress) {
-            progress(static_cast<double>(done) / static_cast<double>(frames));
-            nextProgress = done + std::min(progressInterval, frames / 100);
-        }
-        mixer.read({.left = coder.plane(0).first<packetFrames>(),
-                    .right = coder.plane(1).first<packetFrames>()});
-        coder.encode(static_cast<int>(std::min<std::int64_t>(packetFrames, frames - done)), sink);
-    }
-    coder.finish(sink);
 }
 
 } // namespace
@@ -136,22 +75,23 @@ void MixingExport::copy(const MovieCompositionTrack& track,
 }
 
 void MixingExport::mix(const std::filesystem::path& destination, const ExportProgress& progress) {
-    Mixer mixer;
+    Mix mix;
     for (const auto& track : composition_.tracks()) {
-        mixer.add(*track, volumeOf(*track));
+        if (track->source() != nullptr) {
+            mix.push_back({.source = track->source(),
+                           .start = track->start(),
+                           .frames = track->frames(),
+                           .volume = volumeOf(*track)});
+        }
     }
-    if (mixer.frames() == 0) {
+    const std::int64_t frames = framesOf(mix);
+    if (frames == 0) {
         throw std::runtime_error("There is no sound to export.");
     }
-    AacEncoder coder(exportChannels, exportBitRate);
     M4aFile file(fileSystem_.create(destination, FileAudience::asUserPrefers),
-                 describe(coder.parameters(), mixer.frames()));
-    code(
-        mixer, coder,
-        [&](const AVPacket& packet) {
-            file.add(std::as_bytes(std::span(packet.data, static_cast<std::size_t>(packet.size))));
-        },
-        progress);
+                 describe(makeMixCoder().parameters(), frames));
+    codeInParallel(
+        mix, threads_, [&file](std::span<const std::byte> packet) { file.add(packet); }, progress);
     file.finish();
 }
 

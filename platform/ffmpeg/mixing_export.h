@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <thread>
 
 #include "engine/ports/file_system.h"
 #include "engine/ports/media_toolkit.h"
@@ -13,9 +14,10 @@ namespace vantoro::ffmpeg {
 /// scale only where it is coded. Needs the same memory for any length, but for four bytes a packet.
 class MixingExport final : public ExportSession {
 public:
-    /// Both outlive the session.
-    MixingExport(FileSystem& fileSystem, const MovieComposition& composition)
-        : fileSystem_(fileSystem), composition_(composition) {}
+    /// Both outlive the session. So many threads mix, of which the file tells nothing.
+    MixingExport(FileSystem& fileSystem, const MovieComposition& composition,
+                 unsigned threads = std::thread::hardware_concurrency())
+        : fileSystem_(fileSystem), composition_(composition), threads_(threads) {}
 
     /// A track without an entry keeps its volume. Throws std::invalid_argument for a volume that is
     /// no finite number, or one that does not hold from the beginning.
@@ -35,6 +37,7 @@ private:
 
     FileSystem& fileSystem_;
     const MovieComposition& composition_;
+    unsigned threads_;
     AudioMix mix_;
 };
 

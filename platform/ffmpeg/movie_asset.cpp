@@ -15,7 +15,7 @@ std::shared_ptr<const Movie> openMovie(FileSystem& fileSystem,
     auto movie = std::make_shared<Movie>();
     movie->file = fileSystem.open(location);
     movie->scan = scanMovie(*movie->file);
-    movie->codecs = readCodecs(*movie->file, movie->scan);
+    movie->codecs = readCodecs(movie->scan);
     for (std::size_t index = 0; index < movie->codecs.size(); ++index) {
         if (movie->scan.tracks[index].isAudio && !movie->codecs[index]) {
             throw DamagedMovie("a track is not coded as AAC");

@@ -1,108 +1,140 @@
 #include "platform/ffmpeg/movie_codecs.h"
 
 extern "C" {
+#include <libavutil/channel_layout.h>
 #include <libavutil/mem.h>
 }
 
 #include <algorithm>
-#include <cstdio>
-#include <exception>
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
 #include <span>
 
+#include "platform/ffmpeg/aac.h"
 #include "platform/ffmpeg/box_reader.h"
+#include "platform/ffmpeg/elementary_stream.h"
 
 namespace vantoro::ffmpeg {
 
 namespace {
 
-// A table in a header may claim billions of entries, and the library makes room for them before it
-// reads any. Counts for everything that the process lets the library do, whose largest pieces are
-// buffers of 1 MiB.
-constexpr std::size_t largestAllocation = 64U << 20U;
-
-/// A file as the library reads it: as if it ended behind its header.
-struct HeaderStream {
-    const InputFile& file;
-    const std::int64_t size;
-    std::int64_t position = 0;
+/// What the first two bytes of a decoder's configuration say.
+struct AacConfiguration {
+    bool isAac = false; // in packets of 1024 frames
+    bool hasOurRate = false;
+    int channels = 0; // 0 where they are told in another way, or wrongly
 };
 
-int readHeader(void* opaque, std::uint8_t* buffer, int size) noexcept {
-    auto& stream = *static_cast<HeaderStream*>(opaque);
-    const std::int64_t count = std::min<std::int64_t>(size, stream.size - stream.position);
-    if (count <= 0) {
-        return AVERROR_EOF;
+/// How a track's packets are coded: the first description, as the recorder's tracks have one only.
+std::optional<Box> findDescription(ByteSpan information) {
+    const auto tables = findBox(information, boxType("stbl"));
+    const auto descriptions = tables ? findBox(*tables, boxType("stsd")) : std::nullopt;
+    if (!descriptions) {
+        return std::nullopt;
     }
-    try {
-        readExactly(stream.file, static_cast<std::uint64_t>(stream.position),
-                    std::as_writable_bytes(std::span(buffer, static_cast<std::size_t>(count))));
-    } catch (const std::exception&) {
-        return AVERROR(EIO);
-    }
-    stream.position += count;
-    return static_cast<int>(count);
+    ByteReader fields(*descriptions);
+    fields.skip(8); // version, flags, number of descriptions
+    return BoxReader(fields.rest()).next();
 }
 
-std::int64_t seekHeader(void* opaque, std::int64_t offset, int whence) noexcept {
-    auto& stream = *static_cast<HeaderStream*>(opaque);
-    switch (whence & ~AVSEEK_FORCE) {
-    case AVSEEK_SIZE:
-        return stream.size;
-    case SEEK_SET:
-        break;
-    case SEEK_CUR:
-        offset += stream.position;
-        break;
-    case SEEK_END:
-        offset += stream.size;
-        break;
-    default:
-        return AVERROR(EINVAL);
+/// The boxes behind the fields of a sound's description.
+ByteSpan skipDescriptionFields(ByteSpan description) {
+    ByteReader fields(description);
+    fields.skip(8); // where the packets lie
+    const unsigned version = fields.u16();
+    fields.skip(18);
+    // QuickTime has more to say from version to version.
+    constexpr std::array<std::size_t, 3> moreFields{0, 16, 36};
+    if (version >= moreFields.size()) {
+        throw DamagedMovie("a track is described in an unknown way");
     }
-    if (offset < 0 || offset > stream.size) {
-        return AVERROR(EINVAL);
-    }
-    stream.position = offset;
-    return offset;
+    fields.skip(moreFields.at(version));
+    return fields.rest();
 }
 
-ByteStreamHandle openStream(HeaderStream& source) {
-    constexpr int bufferSize = 8192;
-    auto* const buffer =
-        checkAllocated(static_cast<unsigned char*>(av_malloc(std::size_t{bufferSize})));
-    AVIOContext* const stream =
-        avio_alloc_context(buffer, bufferSize, 0, &source, readHeader, nullptr, seekHeader);
-    if (stream == nullptr) {
-        av_free(buffer);
+ByteSpan findElementaryStream(ByteSpan boxesOfDescription) {
+    BoxReader boxes(boxesOfDescription);
+    while (const auto box = boxes.next()) {
+        if (box->type == boxType("esds")) {
+            return box->content;
+        }
+        if (box->type == boxType("wave")) {
+            if (const auto stream = findBox(box->content, boxType("esds"))) {
+                return *stream;
+            }
+        }
     }
-    return ByteStreamHandle(checkAllocated(stream));
+    throw DamagedMovie("a track does not say how it is coded");
+}
+
+/// Whether packets of this kind of coding can be AAC, that of MPEG-4 or one of MPEG-2's three.
+bool canBeAac(std::uint8_t coding) noexcept {
+    return coding == 0x40 || (coding >= 0x66 && coding <= 0x68);
+}
+
+AacConfiguration readConfiguration(ByteSpan bytes) {
+    const unsigned fields = ByteReader(bytes).u16();
+    const unsigned kind = fields >> 11U;
+    const unsigned rate = (fields >> 7U) & 15U;
+    const unsigned channels = (fields >> 3U) & 15U;
+    constexpr unsigned rateOf48000 = 3;
+    constexpr std::array<int, 16> channelCounts{0, 1, 2, 3, 4, 5, 6, 8};
+    return {.isAac = kind >= 1 && kind <= 4,
+            .hasOurRate = rate == rateOf48000,
+            .channels = channelCounts.at(channels)};
+}
+
+ParametersHandle makeParameters(const ElementaryStream& stream, int channels) {
+    ParametersHandle parameters(checkAllocated(avcodec_parameters_alloc()));
+    parameters->codec_type = AVMEDIA_TYPE_AUDIO;
+    parameters->codec_id = AV_CODEC_ID_AAC;
+    parameters->codec_tag = MKTAG('m', 'p', '4', 'a');
+    parameters->bit_rate = stream.bitRate;
+    parameters->sample_rate = framesPerSecond;
+    av_channel_layout_default(&parameters->ch_layout, channels);
+    // The decoder may read a little beyond.
+    const std::size_t size = stream.configuration.size();
+    parameters->extradata =
+        checkAllocated(static_cast<std::uint8_t*>(av_mallocz(size + AV_INPUT_BUFFER_PADDING_SIZE)));
+    parameters->extradata_size = static_cast<int>(size);
+    std::ranges::copy(stream.configuration,
+                      std::as_writable_bytes(std::span(parameters->extradata, size)).begin());
+    return parameters;
+}
+
+/// Null where the track is not AAC.
+ParametersHandle readCodec(ByteSpan information) {
+    const auto description = findDescription(information);
+    if (!description || description->type != boxType("mp4a")) {
+        return nullptr;
+    }
+    const ElementaryStream stream =
+        readElementaryStream(findElementaryStream(skipDescriptionFields(description->content)));
+    if (!canBeAac(stream.coding)) {
+        return nullptr;
+    }
+    const AacConfiguration configuration = readConfiguration(stream.configuration);
+    if (!configuration.isAac) {
+        return nullptr;
+    }
+    if (!configuration.hasOurRate) {
+        throw DamagedMovie("a track is not of 48000 Hz");
+    }
+    if (configuration.channels == 0) {
+        throw DamagedMovie("a track does not say how many channels it has");
+    }
+    return makeParameters(stream, configuration.channels);
 }
 
 } // namespace
 
-std::vector<ParametersHandle> readCodecs(const InputFile& file, const MovieScan& scan) {
-    av_max_alloc(largestAllocation);
-    HeaderStream source{.file = file, .size = static_cast<std::int64_t>(scan.headerEnd)};
-    const ByteStreamHandle stream = openStream(source);
-    AVFormatContext* context = checkAllocated(avformat_alloc_context());
-    context->pb = stream.get();
-    // Frees the context itself where it fails.
-    const int result = avformat_open_input(&context, nullptr, av_find_input_format("mov"), nullptr);
-    if (result < 0) {
-        throw DamagedMovie("its header cannot be understood");
-    }
-    const InputHandle input(context);
-
-    std::vector<ParametersHandle> codecs(scan.tracks.size());
-    for (const AVStream* const track : std::span(input->streams, input->nb_streams)) {
-        const auto header =
-            std::ranges::find(scan.tracks, static_cast<std::uint32_t>(track->id), &TrackHeader::id);
-        if (header == scan.tracks.end() || track->codecpar->codec_id != AV_CODEC_ID_AAC) {
-            continue;
-        }
-        ParametersHandle codec(checkAllocated(avcodec_parameters_alloc()));
-        check(avcodec_parameters_copy(codec.get(), track->codecpar), "Reading a track's header");
-        codecs[static_cast<std::size_t>(header - scan.tracks.begin())] = std::move(codec);
+std::vector<ParametersHandle> readCodecs(const MovieScan& scan) {
+    std::vector<ParametersHandle> codecs;
+    codecs.reserve(scan.tracks.size());
+    for (const TrackHeader& track : scan.tracks) {
+        codecs.push_back(track.isAudio ? readCodec(track.information) : nullptr);
     }
     return codecs;
 }

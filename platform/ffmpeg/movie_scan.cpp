@@ -1,6 +1,7 @@
 #include "platform/ffmpeg/movie_scan.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "platform/ffmpeg/aac.h"
 #include "platform/ffmpeg/box_reader.h"
@@ -34,6 +35,8 @@ void parseMedia(ByteSpan content, TrackHeader& track) {
         } else if (box->type == boxType("hdlr")) {
             fields.skip(8);
             track.isAudio = fields.u32() == boxType("soun");
+        } else if (box->type == boxType("minf")) {
+            track.information.assign(box->content.begin(), box->content.end());
         }
     }
 }
@@ -82,13 +85,13 @@ std::vector<TrackHeader> parseHeader(ByteSpan content) {
     BoxReader boxes(content);
     while (const auto box = boxes.next()) {
         if (box->type == boxType("trak")) {
-            const TrackHeader track = parseTrack(box->content);
+            TrackHeader track = parseTrack(box->content);
             const bool isKnown =
                 std::ranges::find(tracks, track.id, &TrackHeader::id) != tracks.end();
             if (isKnown || tracks.size() == mostTracks) {
                 throw DamagedMovie("its tracks cannot be told apart");
             }
-            tracks.push_back(track);
+            tracks.push_back(std::move(track));
         } else if (box->type == boxType("mvex")) {
             parseDefaults(box->content, tracks);
         }

@@ -16,10 +16,11 @@ struct TrackHeader {
     std::uint32_t timescale = 0;       ///< units a second of all the track's times
     std::uint32_t defaultDuration = 0; ///< of a packet, where its fragment does not say
     std::uint32_t defaultSize = 0;
+    std::vector<std::byte> information; ///< content of the box that says how it is coded, unread
 };
 
 /// What a movie of fragments holds: where its whole fragments lie, and what begins where. Some 40
-/// bytes a fragment, whatever is in the fragments.
+/// bytes a fragment, whatever is in the fragments, and no more of the header than its 1 MiB.
 ///
 /// A fragment is whole when it lies inside the file and each track goes on in it just where it had
 /// ended before. What follows the first fragment that is not whole does not count.

@@ -1,6 +1,7 @@
 #include "platform/pipewire/connection.h"
 
 #include <cerrno>
+#include <mutex>
 #include <string>
 #include <utility>
 
@@ -13,7 +14,11 @@ namespace vantoro::pipewire {
 
 namespace {
 
+/// The library asks for the user's name in a way that is not for several threads at a time.
+std::mutex contextIsBeingMade;
+
 ContextPointer makeContext(pw_loop* loop) {
+    const std::lock_guard lock(contextIsBeingMade);
     // Only the first of the two asks for real-time scheduling where PipeWire is old; where it is
     // new there may be no such file, and the second does.
     for (const char* const configuration : {"client-rt.conf", "client.conf"}) {

@@ -47,6 +47,28 @@ TEST_F(AudioRecorderStop, returnsTheFinalFileAndRemovesTheTemporaryOne) {
     expectIdle();
 }
 
+TEST_F(AudioRecorderStop, saysThatTheRecordingIsSafeBetweenFinishingAndMixing) {
+    recorder.onRecordingSafe = [this] { log.add("safe"); };
+    startAndCapture(bothSources());
+    recorder.stop(1, 1);
+    const auto calls = log.calls();
+    const auto finished = std::ranges::find(calls, "finishWriting");
+    const auto safe = std::ranges::find(finished, calls.end(), "safe");
+    ASSERT_NE(safe, calls.end());
+    EXPECT_TRUE(std::ranges::find_if(safe, calls.end(), [](const std::string& call) {
+                    return call.starts_with("openAsset");
+                }) != calls.end());
+    EXPECT_EQ(std::ranges::count(calls, "safe"), 1);
+}
+
+TEST_F(AudioRecorderStop, neverCallsARecordingSafeThatCouldNotBeFinished) {
+    recorder.onRecordingSafe = [this] { log.add("safe"); };
+    toolkit.writing.statusAfterFinish = FileWriterStatus::failed;
+    startAndCapture(bothSources());
+    EXPECT_THROW(recorder.stop(1, 1), std::exception);
+    EXPECT_FALSE(log.contains("safe"));
+}
+
 TEST_F(AudioRecorderStop, temporaryFileIsRemovedOnlyWhenTheFinalOnesNameIsOnTheDisk) {
     startAndCapture(bothSources());
     recorder.stop(1, 1);

@@ -30,8 +30,7 @@ protected:
     SalvageTest() { toolkit.exporting.trackCount = 2; }
 
     void put(const std::string& name, std::optional<std::filesystem::file_time_type> modified) {
-        fileSystem.listing.push_back({"/r/" + name, modified});
-        fileSystem.entries.insert("/r/" + name);
+        fileSystem.leave("/r/" + name, modified);
     }
 
     Files recover() {

@@ -1,9 +1,10 @@
 """Plays sounds in the private desktop and measures what a recording holds of them."""
 
 import array
+import functools
 import json
 import math
-import statistics
+import operator
 import subprocess
 from pathlib import Path
 
@@ -12,7 +13,7 @@ RATE = 48000
 FIRST_OUTPUT = "vantoro-output-1"
 SECOND_OUTPUT = "vantoro-output-2"
 MICROPHONE = "vantoro-microphone"
-SECONDS_TO_APPEAR = 10
+SECONDS_TO_APPEAR = 30
 
 
 class Playing:
@@ -70,6 +71,31 @@ def wait_for_output_ports(node):
         monitor.stdout.close()
 
 
+def wait_for_link(output_port, input_port):
+    """Returns when an output's port is linked to another; follows the list of links."""
+    monitor = subprocess.Popen(["timeout", str(SECONDS_TO_APPEAR), "stdbuf", "-oL", "pw-link", "-m", "-l"],
+                               stdout=subprocess.PIPE, text=True)
+    try:
+        if not is_linked(output_port, input_port, monitor.stdout):
+            raise AssertionError(f"{output_port} was not linked within {SECONDS_TO_APPEAR} s")
+    finally:
+        monitor.kill()
+        monitor.wait()
+        monitor.stdout.close()
+
+
+def is_linked(output_port, input_port, lines):
+    """Reads until it is so: a port comes before what it is linked to at first, a new link in one line."""
+    port = ""
+    for words in map(str.split, lines):
+        if words[1:] == ["|->", input_port] and port == output_port or \
+                words == ["+", output_port, "->", input_port]:
+            return True
+        if words[:1] == ["="] and len(words) == 2:
+            port = words[1]
+    return False
+
+
 def probe(path, *entries):
     """What ffprobe says of a file."""
     result = subprocess.run(
@@ -92,28 +118,43 @@ def decoded(path, track=0):
     return [samples[channel::channels] for channel in range(channels)]
 
 
+@functools.cache
+def windowed_wave(frequency, count):
+    """What so many samples are to be multiplied with for the two parts of a frequency's amplitude."""
+    step = 2 * math.pi * frequency / RATE
+    turn = 2 * math.pi / count
+    window = [(1 - math.cos(turn * index)) * 2 / count for index in range(count)]
+    return ([weight * math.cos(step * index) for index, weight in enumerate(window)],
+            [weight * math.sin(step * index) for index, weight in enumerate(window)])
+
+
 def amplitude(samples, frequency, begin, end):
     """The amplitude of one frequency between two seconds, by a windowed sum."""
     part = samples[round(begin * RATE):round(end * RATE)]
-    count = len(part)
-    step = 2 * math.pi * frequency / RATE
-    turn = 2 * math.pi / count
-    real = imaginary = weight = 0.0
-    for index, sample in enumerate(part):
-        window = 1 - math.cos(turn * index)
-        real += window * sample * math.cos(step * index)
-        imaginary += window * sample * math.sin(step * index)
-        weight += window
-    return 2 * math.hypot(real, imaginary) / weight
+    return math.hypot(*(sum(map(operator.mul, part, wave)) for wave in windowed_wave(frequency, len(part))))
+
+
+def amplitudes(samples, frequency, begin=0, end=None):
+    """The amplitude in each tenth of a second. In a longer span a tone would seem weaker than it is: an
+    output's clock bends its pitch a little."""
+    end = len(samples) / RATE if end is None else end
+    return [amplitude(samples, frequency, begin + index / 10, begin + (index + 1) / 10)
+            for index in range(int((end - begin) * 10 + 1e-6))]
 
 
 def usual_amplitude(samples, frequency, begin, end):
-    """The median of many short spans' amplitudes: an output's clock bends a tone's pitch a little, which
-    a long span would take for a weaker tone, and a busy machine may starve a player for a moment."""
-    span = 0.2
-    count = int((end - begin) / span)
-    return statistics.median(amplitude(samples, frequency, begin + index * span, begin + (index + 1) * span)
-                             for index in range(count))
+    """What a quarter of the tenths of a second reach. A busy machine may keep a player waiting for a moment,
+    which leaves less of the tone here and there, and never more of it."""
+    return sorted(amplitudes(samples, frequency, begin, end), reverse=True)[int((end - begin) * 10 / 4)]
+
+
+def longest_silence(samples, frequency, level):
+    """For how many seconds in a row, at most, a tone stays below a level."""
+    longest = lasting = 0
+    for measured in amplitudes(samples, frequency):
+        lasting = lasting + 1 if measured < level else 0
+        longest = max(longest, lasting)
+    return longest / 10
 
 
 def decibels(ratio):

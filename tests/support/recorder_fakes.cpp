@@ -288,6 +288,13 @@ std::vector<Display> FakeShareableContent::displays() {
     return list;
 }
 
+void FakeFileSystem::leave(const std::filesystem::path& path,
+                           std::optional<std::filesystem::file_time_type> modified) {
+    entries.insert(path);
+    const std::scoped_lock lock(listingMutex_);
+    listing_.push_back({path, modified});
+}
+
 void FakeFileSystem::createFolders(const std::filesystem::path& folder) {
     log_.add("createFolders " + folder.string());
     throwIfSet(createFoldersError);
@@ -330,7 +337,8 @@ std::unique_ptr<InputFile> FakeFileSystem::open(const std::filesystem::path& /*p
 
 std::vector<FolderEntry> FakeFileSystem::list(const std::filesystem::path& /*folder*/) {
     throwIfSet(listError);
-    return listing;
+    const std::scoped_lock lock(listingMutex_);
+    return listing_;
 }
 
 std::unique_ptr<FileLock> FakeFileSystem::lock(const std::filesystem::path& path) {

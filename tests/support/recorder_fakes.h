@@ -107,9 +107,12 @@ public:
     std::function<void(const std::filesystem::path&)> afterRemove;
     std::exception_ptr moveError;
     std::exception_ptr syncFolderError;
-    std::vector<FolderEntry> listing; ///< of any folder
     std::exception_ptr listError;
     std::set<std::filesystem::path> locked; ///< by somebody else
+
+    /// Puts what a listing, of any folder, names. From any thread, also while one is made.
+    void leave(const std::filesystem::path& path,
+               std::optional<std::filesystem::file_time_type> modified = std::nullopt);
 
     void createFolders(const std::filesystem::path& folder) override;
 
@@ -129,6 +132,8 @@ public:
 
 private:
     CallLog& log_;
+    std::mutex listingMutex_;
+    std::vector<FolderEntry> listing_;
 };
 
 /// How the fake writer behaves; set before `start`.

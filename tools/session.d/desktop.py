@@ -13,7 +13,7 @@ from pathlib import Path
 import processes
 
 HERE = Path(__file__).resolve().parent
-SECONDS_TO_START = 20.0
+SECONDS_TO_START = 60.0
 MICROPHONE = "vantoro-microphone"
 DEFAULTS = {
     "default.audio.sink": "vantoro-output-1",
@@ -33,9 +33,10 @@ class StartError(Exception):
 
 
 class Desktop:
-    def __init__(self, folder, screen, mask):
+    def __init__(self, folder, screen, long_cycles, mask):
         self._folder = folder
         self._screen = screen
+        self._long_cycles = long_cycles
         self._mask = mask
         self._runtime = folder / "runtime"
         self._log_path = folder / "daemons.log"
@@ -73,6 +74,8 @@ class Desktop:
             XDG_DATA_HOME=str(home / ".local/share"),
             XDG_CACHE_HOME=str(home / ".cache"),
             DBUS_SESSION_BUS_ADDRESS=f"unix:path={self._runtime}/bus",
+            # Nothing in here is to put off the sleep of the machine around it.
+            DBUS_SYSTEM_BUS_ADDRESS=f"unix:path={self._runtime}/no-system-bus",
             # Settings in a file of the private folder, without the service that usually keeps them.
             GSETTINGS_BACKEND="keyfile",
         )
@@ -82,7 +85,10 @@ class Desktop:
         for name in ("XDG_RUNTIME_DIR", "XDG_STATE_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME"):
             Path(self._environment[name]).mkdir(mode=0o700, parents=True)
         (self._runtime / "pulse").mkdir(mode=0o700)
-        shutil.copytree(HERE / "config", self._environment["XDG_CONFIG_HOME"])
+        configuration = Path(self._environment["XDG_CONFIG_HOME"])
+        shutil.copytree(HERE / "config", configuration)
+        if self._long_cycles:
+            shutil.copy(HERE / "long-cycles.conf", configuration / "pipewire" / "pipewire.conf.d")
 
     def _start_daemon(self, *command, listen=None):
         if shutil.which(command[0]) is None:

@@ -61,6 +61,23 @@ TEST(AacPacket, aChannelOfAnyLengthIsCopiedWhole) {
     }
 }
 
+TEST(AacPacket, aWindowEndsShortBeforeAShortOneAndInItself) {
+    struct Case {
+        const char* sequenceAndShape;
+        WindowEnd expected;
+    };
+
+    for (const Case& the : std::vector<Case>{{"00 0", {.isShort = false, .shape = 0}},
+                                             {"01 1", {.isShort = true, .shape = 1}},
+                                             {"10 0", {.isShort = true, .shape = 0}},
+                                             {"11 1", {.isShort = false, .shape = 1}}}) {
+        const auto packet =
+            bits(std::string("000 0000 01100100 0 ") + the.sequenceAndShape + " 1011 111");
+        EXPECT_EQ(windowEndOf(packet), the.expected) << the.sequenceAndShape;
+    }
+    EXPECT_THROW(windowEndOf(bits("000 0000 01100100 01 111")), std::runtime_error);
+}
+
 TEST(AacPacket, refusesWhatIsNotOneChannel) {
     EXPECT_THROW(join({{}}, 0), std::runtime_error);
     EXPECT_THROW(join({Bytes(20)}, 0), std::runtime_error);

@@ -15,8 +15,6 @@ namespace vantoro {
 
 namespace {
 
-constexpr std::int64_t second = 48000;
-
 /// Opens the bytes and mixes whatever they are said to hold.
 void readAll(const std::vector<std::byte>& movie) {
     MemoryFileSystem files;

@@ -10,15 +10,13 @@ namespace vantoro {
 
 namespace {
 
-constexpr std::int64_t second = 48000;
-
 std::unique_ptr<Asset> open(const std::vector<std::byte>& movie) {
     MemoryFileSystem files; // the asset keeps the file, not the system
     files.put("movie.mov", movie);
     return ffmpeg::FfmpegToolkit(files).openAsset("movie.mov");
 }
 
-std::int64_t framesOf(MediaTime time) {
+std::int64_t framesIn(MediaTime time) {
     return time.inUnitsOf(48000);
 }
 
@@ -34,9 +32,9 @@ TEST(MovieAsset, knowsTheTracksOfAFinishedMovieInFileOrder) {
     for (const auto& track : tracks) {
         EXPECT_EQ(track->timeRange().start, zeroTime);
     }
-    EXPECT_EQ(framesOf(tracks[0]->timeRange().duration), 2 * second + 17);
-    EXPECT_EQ(framesOf(tracks[1]->timeRange().duration), 3 * second + 5);
-    EXPECT_EQ(framesOf(asset->duration()), 3 * second + 5);
+    EXPECT_EQ(framesIn(tracks[0]->timeRange().duration), 2 * second + 17);
+    EXPECT_EQ(framesIn(tracks[1]->timeRange().duration), 3 * second + 5);
+    EXPECT_EQ(framesIn(asset->duration()), 3 * second + 5);
 }
 
 TEST(MovieAsset, aMovieCutAnywhereHoldsItsWholeFragments) {
@@ -66,7 +64,7 @@ TEST(MovieAsset, aMovieCutAnywhereHoldsItsWholeFragments) {
             EXPECT_FALSE(asset->duration().isValid()) << size;
             EXPECT_TRUE(asset->audioTracks().empty()) << size;
         } else {
-            EXPECT_EQ(framesOf(asset->duration()), durations[static_cast<std::size_t>(whole) - 1])
+            EXPECT_EQ(framesIn(asset->duration()), durations[static_cast<std::size_t>(whole) - 1])
                 << size;
         }
     }

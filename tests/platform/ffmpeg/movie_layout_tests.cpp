@@ -14,8 +14,6 @@ namespace vantoro {
 
 namespace {
 
-constexpr std::int64_t second = 48000;
-
 std::vector<std::string> typesOf(const std::vector<TopBox>& boxes) {
     std::vector<std::string> types;
     std::ranges::transform(boxes, std::back_inserter(types), &TopBox::type);

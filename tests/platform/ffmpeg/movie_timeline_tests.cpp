@@ -13,8 +13,6 @@ namespace vantoro {
 
 namespace {
 
-constexpr std::int64_t second = 48000;
-
 /// A movie in the making, whose tracks an independent program decodes.
 class MovieTimeline : public testing::Test {
 protected:

@@ -14,8 +14,6 @@ namespace vantoro {
 
 namespace {
 
-constexpr std::int64_t second = 48000;
-
 /// The mix of a movie's tracks at a volume.
 class PacketCopy : public testing::Test {
 protected:

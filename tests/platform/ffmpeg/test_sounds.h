@@ -7,6 +7,9 @@
 
 namespace vantoro {
 
+/// So many frames.
+inline constexpr std::int64_t second = 48000;
+
 /// The sample of a channel at a frame, counted from the recording's beginning.
 using Sound = std::function<float(std::int64_t frame)>;
 

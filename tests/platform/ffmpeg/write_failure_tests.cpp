@@ -16,8 +16,6 @@ namespace {
 
 using testing::HasSubstr;
 
-constexpr std::int64_t second = 48000;
-
 class WriteFailure : public testing::Test {
 protected:
     /// Goes on recording until the writer refuses a buffer; how far it got.

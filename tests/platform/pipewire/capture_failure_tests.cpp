@@ -85,7 +85,7 @@ TEST_F(Capture, stopsByItselfWhenTheSoundServerDies) {
     ASSERT_TRUE(waitForStop());
     stop();
     EXPECT_THAT(sound.stops(), ElementsAre("The connection to the sound server was lost."));
-    EXPECT_NEAR(amplitudeOf(440, lastSecond(sound.audio().channels[0])), 0.25, 0.003);
+    EXPECT_NEAR(usualAmplitudeOf(440, lastSecond(sound.audio().channels[0])), 0.25, 0.003);
     EXPECT_EQ(sound.audio().frames(), sound.microphone().frames());
 }
 
@@ -105,7 +105,8 @@ TEST_F(Capture, canBeStoppedWhileTheSoundServerHangs) {
     SoundSession::signalServer(SIGSTOP);
     const auto before = std::chrono::steady_clock::now();
     stop();
-    EXPECT_LT(std::chrono::steady_clock::now() - before, std::chrono::seconds(2));
+    // Before a server that hangs is given up, which would end the waiting too.
+    EXPECT_LT(std::chrono::steady_clock::now() - before, std::chrono::seconds(8));
     SoundSession::signalServer(SIGCONT);
     EXPECT_THAT(sound.stops(), IsEmpty());
 }

@@ -3,9 +3,25 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <functional>
 #include <numbers>
 
 namespace vantoro::testing {
+
+namespace {
+
+/// Of the tenths of a second.
+std::vector<double> amplitudesFromLargest(double frequency, std::span<const float> samples) {
+    constexpr std::size_t piece = 48000 / 10;
+    std::vector<double> amplitudes;
+    for (; samples.size() >= piece; samples = samples.subspan(piece)) {
+        amplitudes.push_back(amplitudeOf(frequency, samples.first(piece)));
+    }
+    std::ranges::sort(amplitudes, std::greater());
+    return amplitudes;
+}
+
+} // namespace
 
 void CapturedSound::didOutputSampleBuffer(const SampleBuffer& buffer, StreamOutputType type) {
     const std::lock_guard lock(mutex_);
@@ -106,6 +122,15 @@ double amplitudeOf(double frequency, std::span<const float> samples) {
         cosine += samples[i] * std::cos(phase);
     }
     return 2 * std::hypot(sine, cosine) / static_cast<double>(samples.size());
+}
+
+double usualAmplitudeOf(double frequency, std::span<const float> samples) {
+    const auto amplitudes = amplitudesFromLargest(frequency, samples);
+    return amplitudes.at(amplitudes.size() / 4);
+}
+
+double steadyAmplitudeOf(double frequency, std::span<const float> samples) {
+    return amplitudesFromLargest(frequency, samples).back();
 }
 
 float peakOf(std::span<const float> samples) {

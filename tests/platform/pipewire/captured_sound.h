@@ -56,6 +56,14 @@ private:
 /// The amplitude of one frequency in samples of 48 kHz.
 double amplitudeOf(double frequency, std::span<const float> samples);
 
+/// What a quarter of the tenths of a second reach: a player that a busy machine kept waiting for a
+/// moment was silent for as long. `frequency` goes into a tenth without a rest.
+double usualAmplitudeOf(double frequency, std::span<const float> samples);
+
+/// What all tenths of a second reach: of what is not there, nothing, though a player that had to
+/// wait is heard in all frequencies for an instant.
+double steadyAmplitudeOf(double frequency, std::span<const float> samples);
+
 /// The largest absolute sample.
 float peakOf(std::span<const float> samples);
 

@@ -92,7 +92,7 @@ std::string outputOf(const std::string& command) {
 /// Programs that change the session give no sign when the change is done: it is looked for.
 template <class Condition>
 bool eventually(Condition condition) {
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(30);
     while (!condition()) {
         if (std::chrono::steady_clock::now() > deadline) {
             return false;
@@ -244,6 +244,25 @@ void SoundSession::makeDevice(const std::string& name, const std::string& mediaC
 
 void SoundSession::destroyNode(const std::string& name) {
     run({"pw-cli", "destroy", nodeId(name)});
+}
+
+void SoundSession::makeDefaultMicrophone(const std::string& name) {
+    const auto value = "{ \"name\": \"" + name + "\" }";
+    run({"pw-metadata", "0", "default.configured.audio.source", value});
+    if (!eventually([&] {
+            return outputOf("pw-metadata 0 default.audio.source").find('"' + name + '"') !=
+                   std::string::npos;
+        })) {
+        throw std::runtime_error(name + " does not become the default");
+    }
+}
+
+SoundSession::Player SoundSession::startServerAgain() {
+    auto server = std::make_unique<ChildProcess>(std::vector<std::string>{"pipewire"});
+    if (!eventually([] { return !nodeId("vantoro-microphone").empty(); })) {
+        throw std::runtime_error("the sound server does not come back");
+    }
+    return server;
 }
 
 void SoundSession::signalServer(int signal) {

@@ -54,7 +54,12 @@ public:
     static void makeDevice(const std::string& name, const std::string& mediaClass,
                            const std::string& positions);
     static void destroyNode(const std::string& name);
+    /// As the user does in the desktop's settings. Returns once it is so.
+    static void makeDefaultMicrophone(const std::string& name);
     static void signalServer(int signal);
+    /// After it was killed. Returns once its devices are there; the session manager does not
+    /// follow.
+    static Player startServerAgain();
 
 private:
     std::string soundFile(const std::string& name, int channels,

@@ -1,0 +1,76 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <span>
+#include <stop_token>
+#include <utility>
+#include <vector>
+
+#include "platform/ffmpeg/aac_encoder.h"
+#include "platform/ffmpeg/mixer.h"
+
+namespace vantoro::ffmpeg {
+
+// A mix is coded in chunks that do not know of each other, so that several can be at once. A
+// chunk's coder begins before the chunk, to be in its stride when it counts, and goes on behind its
+// end, so that there are places to choose from where the one coder's packets can follow the
+// other's. The borders depend on nothing: the same mix gives the same file, however it came about.
+
+inline constexpr std::int64_t chunkPackets = 1408; ///< some 30 s
+inline constexpr std::int64_t packetsBeforeChunk = 32;
+inline constexpr std::int64_t packetsBehindChunk = 8;
+
+/// The packets of one chunk, and those behind it that the next one has too.
+struct CodedChunk {
+    std::int64_t firstPacket = 0; ///< its number in the whole mix
+    std::vector<std::byte> bytes; ///< packet by packet
+    std::vector<std::uint32_t> sizes;
+    /// Of the packet before the first one (made up for the very first chunk), and then of each.
+    std::vector<WindowEnds> windowEnds;
+
+    std::int64_t endPacket() const noexcept {
+        return firstPacket + static_cast<std::int64_t>(sizes.size());
+    }
+};
+
+/// How many packets a mix of so many frames becomes: the priming, and each 1024 frames or less.
+std::int64_t packetsOf(std::int64_t frames) noexcept;
+/// How many chunks those are.
+std::int64_t chunksOf(std::int64_t frames) noexcept;
+
+/// How a mix is coded.
+AacEncoder makeMixCoder();
+
+/// Codes one chunk. `packetDone` is told of each packet of the chunk itself. A stop is heeded at
+/// once; what is returned then is of no use. Throws when a file cannot be read, or the coder fails.
+CodedChunk codeChunk(const Mix& mix, std::int64_t chunk, const std::stop_token& stop,
+                     const std::function<void()>& packetDone);
+
+/// The first packet to take from `after`, whose chunk follows on that of `before`: where the sound
+/// of both coders' packets overlaps as if one coder had made them.
+std::int64_t splicePoint(const CodedChunk& before, const CodedChunk& after) noexcept;
+
+/// Puts chunks together, in their order.
+class ChunkSplicer {
+public:
+    using Sink = std::function<void(std::span<const std::byte> packet)>;
+
+    explicit ChunkSplicer(Sink sink) : sink_(std::move(sink)) {}
+
+    /// Hands over what is certain by now.
+    void add(CodedChunk chunk);
+    /// Hands over the rest.
+    void finish();
+
+private:
+    void handOverUntil(std::int64_t packet);
+
+    Sink sink_;
+    CodedChunk latest_;
+    std::int64_t nextPacket_ = 0;
+    std::size_t nextByte_ = 0; // where that one begins in the latest chunk
+};
+
+} // namespace vantoro::ffmpeg

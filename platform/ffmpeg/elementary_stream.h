@@ -1,0 +1,21 @@
+#pragma once
+
+#include <cstdint>
+
+#include "platform/ffmpeg/box_reader.h"
+
+namespace vantoro::ffmpeg {
+
+/// What a track says about its packets, for whoever is to decode them.
+struct ElementaryStream {
+    std::uint8_t coding = 0;   ///< number of the kind of coding
+    std::uint32_t bitRate = 0; ///< bits a second, on average
+    ByteSpan configuration;    ///< the decoder's, in a form of its own; lies in what was read
+};
+
+/// Reads the content of an `esds` box: descriptors in one another, to a fixed depth, of which none
+/// is looked at twice. Throws DamagedMovie where one does not lie inside the one around it, or is
+/// missing.
+ElementaryStream readElementaryStream(ByteSpan content);
+
+} // namespace vantoro::ffmpeg

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <mutex>
+#include <vector>
+
+#include "engine/ports/file_system.h"
+#include "engine/ports/media_toolkit.h"
+
+namespace vantoro::ffmpeg {
+
+/// An `FfmpegToolkit` that is loaded when it is first used: the libraries beneath it take longer to
+/// load, and more memory, than all the rest of a program that shows a window and waits. As the
+/// toolkit it may be used by several threads.
+class LoadedToolkit final : public MediaToolkit {
+public:
+    /// `module`: the file to load it from. `fileSystem` outlives whatever the toolkit makes.
+    explicit LoadedToolkit(FileSystem& fileSystem,
+                           std::filesystem::path module = moduleBesideTheProgram());
+
+    /// Where the build, or the installation, of the running program has it.
+    static std::filesystem::path moduleBesideTheProgram();
+
+    // All of these throw std::runtime_error too, when it cannot be loaded.
+    std::unique_ptr<FileWriter> makeWriter(const std::filesystem::path& location) override;
+    std::unique_ptr<Asset> openAsset(const std::filesystem::path& location) override;
+    std::unique_ptr<Composition> makeComposition() override;
+    std::unique_ptr<ExportSession> makeExportSession(const Composition& composition) override;
+
+private:
+    MediaToolkit& loaded();
+
+    FileSystem& fileSystem_;
+    std::filesystem::path module_;
+    std::mutex mutex_;
+    std::unique_ptr<MediaToolkit> toolkit_; // guarded by mutex_ until it is there, and then stays
+};
+
+} // namespace vantoro::ffmpeg

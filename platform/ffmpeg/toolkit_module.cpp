@@ -1,0 +1,11 @@
+#include "platform/ffmpeg/toolkit_module.h"
+
+#include "platform/ffmpeg/toolkit.h"
+
+// NOLINTNEXTLINE(misc-use-internal-linkage): found by its name
+extern "C" const vantoro::ffmpeg::ToolkitModule vantoroToolkitModule{
+    .version = VANTORO_VERSION,
+    .make = [](vantoro::FileSystem& fileSystem) -> vantoro::MediaToolkit* {
+        return new vantoro::ffmpeg::FfmpegToolkit(fileSystem);
+    },
+};

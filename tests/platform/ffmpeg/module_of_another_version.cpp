@@ -1,0 +1,9 @@
+// Stands where the program's own module was, as after an update.
+
+#include "platform/ffmpeg/toolkit_module.h"
+
+// NOLINTNEXTLINE(misc-use-internal-linkage): found by its name
+extern "C" const vantoro::ffmpeg::ToolkitModule vantoroToolkitModule{
+    .version = "another version",
+    .make = [](vantoro::FileSystem&) -> vantoro::MediaToolkit* { return nullptr; },
+};

@@ -1,0 +1,181 @@
+#include <gtest/gtest.h>
+
+extern "C" {
+#include <libavutil/channel_layout.h>
+}
+
+#include <algorithm>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/ffmpeg/box_reader.h"
+#include "platform/ffmpeg/movie_codecs.h"
+#include "platform/posix/posix_file_system.h"
+#include "tests/platform/ffmpeg/external_programs.h"
+#include "tests/platform/ffmpeg/movie_recording.h"
+#include "tests/platform/ffmpeg/sample_descriptions.h"
+
+namespace vantoro {
+
+namespace {
+
+using namespace made_up;
+using ffmpeg::DamagedMovie;
+
+/// What another reader says about a track, of all that can be said. A sample's width means nothing
+/// to AAC, and a layout may be left open where the number of channels tells it.
+void expectSame(const AVCodecParameters& ours, const AVCodecParameters& theirs) {
+    EXPECT_EQ(ours.codec_type, theirs.codec_type);
+    EXPECT_EQ(ours.codec_id, theirs.codec_id);
+    EXPECT_EQ(ours.codec_tag, theirs.codec_tag);
+    EXPECT_EQ(configurationOf(ours), configurationOf(theirs));
+    EXPECT_EQ(ours.format, theirs.format);
+    EXPECT_EQ(ours.bits_per_raw_sample, theirs.bits_per_raw_sample);
+    EXPECT_EQ(ours.profile, theirs.profile);
+    EXPECT_EQ(ours.level, theirs.level);
+    EXPECT_EQ(ours.sample_rate, theirs.sample_rate);
+    EXPECT_EQ(ours.block_align, theirs.block_align);
+    EXPECT_EQ(ours.frame_size, theirs.frame_size);
+    EXPECT_EQ(ours.initial_padding, theirs.initial_padding);
+    EXPECT_EQ(ours.trailing_padding, theirs.trailing_padding);
+    EXPECT_EQ(ours.seek_preroll, theirs.seek_preroll);
+    EXPECT_EQ(ours.ch_layout.nb_channels, theirs.ch_layout.nb_channels);
+    if (theirs.ch_layout.order != AV_CHANNEL_ORDER_UNSPEC) {
+        EXPECT_EQ(av_channel_layout_compare(&ours.ch_layout, &theirs.ch_layout), 0);
+    }
+}
+
+/// Compares all tracks of a file with what libavformat reads of their header. Where packets lie
+/// before that, the bit rate is measured there, and not the one that the header tells.
+void expectAsDemuxed(const std::filesystem::path& path, std::size_t tracks, bool hasFragments) {
+    SCOPED_TRACE(path);
+    posix::PosixFileSystem files;
+    const ffmpeg::MovieScan scan = ffmpeg::scanMovie(*files.open(path));
+    std::filesystem::resize_file(path, scan.headerEnd);
+    AVFormatContext* context = nullptr;
+    ASSERT_EQ(avformat_open_input(&context, path.c_str(), nullptr, nullptr), 0);
+    const std::unique_ptr<AVFormatContext, ffmpeg::Release<avformat_close_input>> theirs(context);
+    const auto codecs = ffmpeg::readCodecs(scan);
+    ASSERT_EQ(codecs.size(), tracks);
+    ASSERT_EQ(theirs->nb_streams, tracks);
+    for (std::size_t index = 0; index < tracks; ++index) {
+        ASSERT_NE(codecs[index], nullptr);
+        const AVCodecParameters& track = *theirs->streams[index]->codecpar;
+        expectSame(*codecs[index], track);
+        if (hasFragments) {
+            EXPECT_EQ(codecs[index]->bit_rate, track.bit_rate);
+        }
+    }
+}
+
+TEST(MovieCodecs, areAsTheDemuxerReadsThemFromOurRecordings) {
+    const TemporaryFolder folder;
+    expectAsDemuxed(folder.put("movie.mov", recordMovie(48000, tone(440, 0.5F))), 2, true);
+}
+
+TEST(MovieCodecs, areAsTheDemuxerReadsThemFromFilesOfAnotherWriter) {
+    const TemporaryFolder folder;
+    const std::string source =
+        "ffmpeg -nostdin -v error -y -f lavfi -i sine=r=48000:d=0.5 -c:a aac ";
+    const std::string fragments = "-movflags empty_moov+default_base_moof -frag_duration 200000 ";
+    for (const char* type : {"mov", "mp4"}) {
+        for (const int channels : {1, 2, 6}) {
+            for (const bool hasFragments : {true, false}) {
+                const auto path = folder.path() / (std::string("movie.") + type);
+                run(source + (hasFragments ? fragments : "") + "-ac " + std::to_string(channels) +
+                    " " + path.string());
+                expectAsDemuxed(path, 1, hasFragments);
+            }
+        }
+    }
+}
+
+TEST(MovieCodecs, everyFormOfADescriptionIsRead) {
+    const Bytes stream = streamOf(stereo());
+    const Bytes other = box("btrt", Bytes(12));
+    const Bytes wave =
+        box("wave", box("frma", Bytes(4)) + box("mp4a", Bytes(4)) + stream + Bytes(8));
+    for (const Bytes& boxes : {stream, wave, other + stream, other + wave, stream + Bytes(4),
+                               box("wave", other) + wave}) {
+        for (const unsigned version : {0U, 1U, 2U}) {
+            expectStereo(codecOf(informationOf(description(version, boxes))));
+        }
+    }
+    // There is none behind it in the recorder's movies; but for that, the first counts.
+    expectStereo(codecOf(informationOf(description(0, stream) + description(0, {}))));
+}
+
+TEST(MovieCodecs, everyFormOfADescriptorIsRead) {
+    for (const unsigned lengthBytes : {1U, 2U, 3U, 4U}) {
+        expectStereo(
+            codecOf(informationOf(description(1, streamOf(stereo(), mpeg4Sound, lengthBytes)))));
+    }
+    const Bytes decoder = descriptor(4, decoderFields() + descriptor(5, stereo()));
+    const Bytes behind = descriptor(6, bytesOf({2}));
+    for (const Bytes& fields :
+         {bytesOf({0, 0, 0x80, 1, 2}), bytesOf({0, 0, 0x40, 3, 'a', 'b', 'c'}),
+          bytesOf({0, 0, 0x20, 1, 2}), bytesOf({0, 0, 0xe0, 1, 2, 1, 'a', 1, 2}),
+          streamFields() + behind}) {
+        expectStereo(codecOf(informationOf(description(
+            0, box("esds", versionAndFlags() + descriptor(3, fields + decoder + behind))))));
+    }
+}
+
+TEST(MovieCodecs, longConfigurationsAreKeptWhole) {
+    Bytes configuration(500, std::byte{0x5a});
+    std::ranges::copy(stereo(), configuration.begin());
+    const auto codec = codecOf(informationOf(description(0, streamOf(configuration))));
+    ASSERT_NE(codec, nullptr);
+    EXPECT_EQ(configurationOf(*codec), configuration);
+}
+
+TEST(MovieCodecs, channelsAreThoseOfTheConfiguration) {
+    const std::vector<int> expected{0, 1, 2, 3, 4, 5, 6, 8, 0, 0, 0, 0, 0, 0, 0, 0};
+    for (unsigned field = 0; field < expected.size(); ++field) {
+        const Bytes information =
+            informationOf(description(0, streamOf(bytesOf({0x11, 0x80 | field << 3U}))));
+        if (expected[field] == 0) {
+            EXPECT_TRUE(isRefused(information)) << field;
+        } else {
+            EXPECT_EQ(codecOf(information)->ch_layout.nb_channels, expected[field]);
+        }
+    }
+}
+
+TEST(MovieCodecs, aTrackThatIsNotAacHasNone) {
+    const Bytes stream = streamOf(stereo());
+    const std::vector<Bytes> cases{
+        {},
+        box("smhd", Bytes(8)),
+        box("stbl", {}),
+        box("stbl", box("stsd", Bytes(8))),
+        informationOf(description(0, stream, "sowt")),
+        informationOf(description(0, streamOf(stereo(), 0x6b))),
+        informationOf(description(0, streamOf(bytesOf({0x01, 0x90})))), // kind 0
+        informationOf(description(0, streamOf(bytesOf({0x29, 0x90})))), // kind 5
+        informationOf(description(0, streamOf(bytesOf({0xf9, 0x90})))), // kind 31
+    };
+    for (std::size_t index = 0; index < cases.size(); ++index) {
+        EXPECT_EQ(codecOf(cases[index]), nullptr) << index;
+    }
+}
+
+TEST(MovieCodecs, aTrackThatIsNotSoundIsNotLookedAt) {
+    ffmpeg::MovieScan scan;
+    const Bytes damaged = bytesOf({0, 0, 0, 1, 0, 0, 0, 0});
+    scan.tracks.push_back({.information = damaged});
+    scan.tracks.push_back(
+        {.isAudio = true, .information = informationOf(description(0, streamOf(stereo())))});
+    const auto codecs = ffmpeg::readCodecs(scan);
+    ASSERT_EQ(codecs.size(), 2U);
+    EXPECT_EQ(codecs[0], nullptr);
+    expectStereo(codecs[1]);
+    scan.tracks[0].isAudio = true;
+    EXPECT_THROW(ffmpeg::readCodecs(scan), DamagedMovie);
+}
+
+} // namespace
+
+} // namespace vantoro

@@ -1,0 +1,1 @@
+// Nothing but the headers that the build reads ahead of all tests.
