@@ -9,7 +9,7 @@ namespace {
 
 using enum L10n::Key;
 
-constexpr std::pair<L10n::Key, std::string_view> rows[] = {
+constexpr std::pair<L10n::Key, std::string_view> chineseRows[] = {
     {language, "语言"},
     {checkForUpdates, "检查更新"},
     {currentVersion, "当前版本"},
@@ -71,7 +71,7 @@ constexpr std::pair<L10n::Key, std::string_view> rows[] = {
 } // namespace
 
 const L10n::Table& L10n::chinese() {
-    static const Table table(std::begin(rows), std::end(rows));
+    static const Table table(std::begin(chineseRows), std::end(chineseRows));
     return table;
 }
 

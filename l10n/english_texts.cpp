@@ -9,7 +9,7 @@ namespace {
 
 using enum L10n::Key;
 
-constexpr std::pair<L10n::Key, std::string_view> rows[] = {
+constexpr std::pair<L10n::Key, std::string_view> englishRows[] = {
     {language, "Language"},
     {checkForUpdates, "Check for Updates"},
     {currentVersion, "Version"},
@@ -73,7 +73,7 @@ constexpr std::pair<L10n::Key, std::string_view> rows[] = {
 } // namespace
 
 const L10n::Table& L10n::english() {
-    static const Table table(std::begin(rows), std::end(rows));
+    static const Table table(std::begin(englishRows), std::end(englishRows));
     return table;
 }
 

@@ -37,6 +37,10 @@ std::string L10n::runningVersion(std::string_view version) const {
     return prefix + std::string(version);
 }
 
+std::string L10n::quit() const {
+    return language() == AppLanguage::english ? "Quit" : "退出";
+}
+
 std::string L10n::checkpointKept() const {
     return language() == AppLanguage::english
                ? " A recoverable recording checkpoint was kept in the recording folder."

@@ -98,6 +98,9 @@ public:
     /// Which version this one is.
     std::string runningVersion(std::string_view version) const;
 
+    /// The command that ends the program.
+    std::string quit() const;
+
     /// A sentence to append to a failure's: it begins with a space.
     std::string checkpointKept() const;
 

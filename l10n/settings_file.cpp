@@ -1,7 +1,10 @@
 #include "l10n/settings_file.h"
 
+#include <utility>
+
 #include <QtCore/QByteArray>
 #include <QtCore/QFile>
+#include <QtCore/QSettings>
 #include <QtCore/QStandardPaths>
 #include <QtCore/QString>
 #include <QtCore/QVariant>
@@ -23,19 +26,8 @@ QVariant variantOf(const std::string& value) {
     return text.toUtf8() == bytes ? QVariant(text) : QVariant(bytes);
 }
 
-} // namespace
-
-SettingsFile::SettingsFile(const std::filesystem::path& file)
-    : settings_(QFile::decodeName(file.c_str()), QSettings::IniFormat) {}
-
-std::filesystem::path SettingsFile::usersFile() {
-    const auto folder = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation);
-    return std::filesystem::path(folder.toStdString()) / "vantoro" / "vantoro.conf";
-}
-
-std::optional<std::string> SettingsFile::get(Preference preference) const {
-    const std::lock_guard lock(mutex_);
-    const auto value = settings_.value(keyOf(preference));
+std::optional<std::string> read(const QSettings& settings, Preference preference) {
+    const auto value = settings.value(keyOf(preference));
     switch (value.typeId()) {
     case QMetaType::QString:
         return value.toString().toStdString();
@@ -46,10 +38,62 @@ std::optional<std::string> SettingsFile::get(Preference preference) const {
     }
 }
 
-void SettingsFile::set(Preference preference, const std::string& value) {
+} // namespace
+
+SettingsFile::SettingsFile(const std::filesystem::path& file)
+    : file_(QFile::decodeName(file.c_str())) {
+    writer_.setMaxThreadCount(1); // what was set last is stored last
+    const QSettings settings(file_, QSettings::IniFormat);
+    for (const auto preference : {Preference::outputDirectory, Preference::appLanguage}) {
+        if (auto value = read(settings, preference)) {
+            values_.emplace(preference, *std::move(value));
+        }
+    }
+}
+
+SettingsFile::~SettingsFile() {
+    waitUntilStored();
+}
+
+std::filesystem::path SettingsFile::usersFile() {
+    const auto folder = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation);
+    return std::filesystem::path(folder.toStdString()) / "vantoro" / "vantoro.conf";
+}
+
+std::optional<std::string> SettingsFile::get(Preference preference) const {
     const std::lock_guard lock(mutex_);
-    settings_.setValue(keyOf(preference), variantOf(value));
-    settings_.sync(); // a program that is killed must not lose it; what fails stays for this run
+    const auto found = values_.find(preference);
+    return found == values_.end() ? std::nullopt : std::optional(found->second);
+}
+
+void SettingsFile::set(Preference preference, const std::string& value) {
+    {
+        const std::lock_guard lock(mutex_);
+        values_[preference] = value;
+        unstored_[preference] = value;
+    }
+    writer_.start([this] { store(); });
+}
+
+void SettingsFile::store() {
+    Values values;
+    {
+        const std::lock_guard lock(mutex_);
+        values = std::exchange(unstored_, {});
+    }
+    QSettings settings(file_, QSettings::IniFormat);
+    for (const auto& [preference, value] : values) {
+        settings.setValue(keyOf(preference), variantOf(value));
+    }
+    settings.sync(); // a program that is killed must not lose it
+    if (settings.status() == QSettings::AccessError) {
+        const std::lock_guard lock(mutex_);
+        unstored_.merge(values); // tried again with the next one
+    }
+}
+
+void SettingsFile::waitUntilStored() {
+    writer_.waitForDone();
 }
 
 } // namespace vantoro

@@ -37,6 +37,11 @@ protected:
         return {std::istreambuf_iterator<char>(stream), {}};
     }
 
+    static void store(SettingsFile& settings, Preference preference, const std::string& value) {
+        settings.set(preference, value);
+        settings.waitUntilStored();
+    }
+
     /// What a later run finds: under a name that nothing in this process has read before.
     std::optional<std::string> inTheNextRun(Preference preference) {
         const auto copy = folder / ("copy-" + std::to_string(++copies_) + ".conf");
@@ -55,13 +60,13 @@ TEST_F(SettingsFileTest, missingFileHoldsNothingAndReadingDoesNotCreateIt) {
     EXPECT_TRUE(std::filesystem::is_empty(folder));
 }
 
-TEST_F(SettingsFileTest, whatIsSetIsInTheFileAtOnceUnderItsKeyAndNothingElseIs) {
+TEST_F(SettingsFileTest, whatIsSetIsInTheFileUnderItsKeyAndNothingElseIs) {
     SettingsFile settings(file);
-    settings.set(appLanguage, "en");
+    store(settings, appLanguage, "en");
     EXPECT_EQ(read(file), "[General]\nappLanguage=en\n");
-    settings.set(outputDirectory, "/home/user/Videos");
+    store(settings, outputDirectory, "/home/user/Videos");
     EXPECT_EQ(read(file), "[General]\nappLanguage=en\noutputDirectory=/home/user/Videos\n");
-    settings.set(appLanguage, "zh-Hans");
+    store(settings, appLanguage, "zh-Hans");
     EXPECT_EQ(read(file), "[General]\nappLanguage=zh-Hans\noutputDirectory=/home/user/Videos\n");
     EXPECT_EQ(settings.get(appLanguage), "zh-Hans");
     EXPECT_EQ(settings.get(outputDirectory), "/home/user/Videos");
@@ -90,7 +95,7 @@ TEST_F(SettingsFileTest, anyTextComesBackAsItWas) {
              "[section]"s,
          }) {
         SettingsFile settings(file);
-        settings.set(outputDirectory, text);
+        store(settings, outputDirectory, text);
         EXPECT_EQ(settings.get(outputDirectory), text);
         EXPECT_EQ(inTheNextRun(outputDirectory), text);
     }
@@ -107,15 +112,15 @@ TEST_F(SettingsFileTest, whatElseTheFileHoldsStaysInIt) {
     write(file, "[General]\nfuture=1\n\n[Section]\nappLanguage=en\n");
     SettingsFile settings(file);
     EXPECT_EQ(settings.get(appLanguage), std::nullopt);
-    settings.set(outputDirectory, "/a");
+    store(settings, outputDirectory, "/a");
     EXPECT_EQ(read(file), "[General]\nfuture=1\noutputDirectory=/a\n\n[Section]\nappLanguage=en\n");
 }
 
 TEST_F(SettingsFileTest, whatAnotherProcessStoredMeanwhileIsKept) {
     SettingsFile settings(file);
-    settings.set(appLanguage, "en");
+    store(settings, appLanguage, "en");
     write(file, "[General]\nappLanguage=en\noutputDirectory=/by/another\n");
-    settings.set(appLanguage, "zh-Hans");
+    store(settings, appLanguage, "zh-Hans");
     EXPECT_EQ(read(file), "[General]\nappLanguage=zh-Hans\noutputDirectory=/by/another\n");
 }
 
@@ -152,8 +157,8 @@ TEST_F(SettingsFileTest, damagedFileIsMendedByStoring) {
         std::filesystem::remove_all(file.parent_path());
         write(file, content);
         SettingsFile settings(file);
-        settings.set(appLanguage, "en");
-        settings.set(outputDirectory, "/recordings");
+        store(settings, appLanguage, "en");
+        store(settings, outputDirectory, "/recordings");
         EXPECT_EQ(settings.get(appLanguage), "en");
         EXPECT_EQ(inTheNextRun(appLanguage), "en") << content.substr(0, 50);
         EXPECT_EQ(inTheNextRun(outputDirectory), "/recordings") << content.substr(0, 50);
@@ -179,9 +184,9 @@ TEST_F(SettingsFileTest, choiceThatCannotBeStoredHoldsForThisRun) {
 TEST_F(SettingsFileTest, choiceThatCouldNotBeStoredIsStoredWithTheNextOne) {
     write(folder / "below", "in the way");
     SettingsFile settings(file);
-    settings.set(appLanguage, "en");
+    store(settings, appLanguage, "en");
     std::filesystem::remove(folder / "below");
-    settings.set(outputDirectory, "/recordings");
+    store(settings, outputDirectory, "/recordings");
     EXPECT_EQ(read(file), "[General]\nappLanguage=en\noutputDirectory=/recordings\n");
 }
 
@@ -205,6 +210,17 @@ TEST_F(SettingsFileTest, textsAreFetchedOnOtherThreadsWhileTheLanguageChanges) {
     threads.clear();
     EXPECT_EQ(strange, 0);
     EXPECT_EQ(L10n(preferences).language(), AppLanguage::english);
+}
+
+TEST_F(SettingsFileTest, whatWasSetBeforeTheEndIsInTheFileAfterIt) {
+    {
+        SettingsFile settings(file);
+        for (int i = 0; i < 50; ++i) {
+            settings.set(outputDirectory, "/" + std::to_string(i));
+            EXPECT_EQ(settings.get(outputDirectory), "/" + std::to_string(i));
+        }
+    }
+    EXPECT_EQ(inTheNextRun(outputDirectory), "/49");
 }
 
 /// The variables that say where the user's files are, put back afterwards.

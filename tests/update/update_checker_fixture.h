@@ -1,0 +1,90 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "tests/control/event_loop.h"
+#include "tests/l10n/memory_preferences.h"
+#include "tests/update/local_server.h"
+#include "update/update_checker.h"
+
+namespace vantoro::testing {
+
+using Seen = std::vector<std::pair<char, UpdateChecker::Property>>; // b: before, a: after
+
+inline const QByteArray newerRecord = R"({"version":"2.0","filename":"Vantoro-2.0.tar.gz"})";
+inline const std::string failed = "Could not check for updates. Try again later.";
+inline const std::string latest = "You are up to date.";
+
+/// A checker of version 1.0 and a server that offers 2.0, as long as a test does not say otherwise.
+class UpdateCheckerTest : public ::testing::Test {
+protected:
+    using Property = UpdateChecker::Property;
+
+    EventLoop loop;
+    MemoryPreferences preferences = preferencesIn("en");
+    LocalServer::Answer answer = always(response(200, newerRecord));
+    LocalServer server{
+        [this](QSslSocket& connection, const QByteArray& request) { answer(connection, request); }};
+    std::vector<QUrl> opened;
+    std::unique_ptr<UpdateChecker> checker;
+    Seen seen;
+
+    void SetUp() override { make("1.0"); }
+
+    void make(const std::string& currentVersion) {
+        make(currentVersion, {.baseLocation = server.location(), .tls = trustInLocalServers()});
+    }
+
+    void make(const std::string& currentVersion, const UpdateSource& source) {
+        checker = std::make_unique<UpdateChecker>(
+            preferences, currentVersion,
+            [this](const QUrl& location) { opened.push_back(location); }, source);
+        QObject::connect(checker.get(), &UpdateChecker::propertyWillChange,
+                         [this](Property property) { seen.emplace_back('b', property); });
+        QObject::connect(checker.get(), &UpdateChecker::propertyChanged,
+                         [this](Property property) { seen.emplace_back('a', property); });
+    }
+
+    const UpdateChecker::Values& values() const { return checker->values(); }
+
+    void check() {
+        checker->checkForUpdates();
+        EXPECT_TRUE(EventLoop::runUntil([this] { return !values().isChecking; }));
+    }
+
+    void check(const QByteArray& body) {
+        answer = always(response(200, body));
+        check();
+    }
+
+    /// Until the server has been asked, which then says nothing.
+    void beginCheckThatWaits() {
+        const auto heard = server.requests.size();
+        answer = [](QSslSocket&, const QByteArray&) {};
+        checker->checkForUpdates();
+        ASSERT_TRUE(EventLoop::runUntil([&] { return server.requests.size() > heard; }));
+    }
+
+    void expectFailure() const {
+        EXPECT_EQ(values().message, failed);
+        EXPECT_EQ(values().downloadURL, std::nullopt);
+        EXPECT_FALSE(values().isChecking);
+    }
+
+    /// Each of them, in this order, once before and once after.
+    static Seen each(const std::vector<Property>& properties) {
+        Seen all;
+        for (const auto property : properties) {
+            all.emplace_back('b', property);
+            all.emplace_back('a', property);
+        }
+        return all;
+    }
+};
+
+} // namespace vantoro::testing

@@ -1,0 +1,146 @@
+#include "tests/update/update_checker_fixture.h"
+
+#include <QtNetwork/QNetworkAccessManager>
+
+namespace vantoro::testing {
+namespace {
+
+using namespace std::chrono_literals;
+
+TEST_F(UpdateCheckerTest, knowsNothingBeforeItIsAsked) {
+    EXPECT_FALSE(values().isChecking);
+    EXPECT_EQ(values().message, std::nullopt);
+    EXPECT_EQ(values().downloadURL, std::nullopt);
+    EXPECT_EQ(checker->currentVersion(), "1.0");
+    EXPECT_EQ(checker->metadataURL(), QUrl(server.location() + "/downloads/latest.json"));
+}
+
+TEST_F(UpdateCheckerTest, setsUpTheNetworkAtTheFirstCheckOnly) {
+    EXPECT_EQ(checker->findChildren<QNetworkAccessManager*>().size(), 0);
+    checker->checkForUpdates();
+    EXPECT_EQ(checker->findChildren<QNetworkAccessManager*>().size(), 0); // from the event loop
+    ASSERT_TRUE(EventLoop::runUntil([this] { return !values().isChecking; }));
+    check();
+    EXPECT_EQ(checker->findChildren<QNetworkAccessManager*>().size(), 1);
+}
+
+TEST_F(UpdateCheckerTest, takesAVersionForGrantedWhereNoneIsGiven) {
+    make("");
+    EXPECT_EQ(checker->currentVersion(), "0.1.3");
+    check(R"({"version":"0.1.3","filename":"a"})");
+    EXPECT_EQ(values().message, latest);
+    check(R"({"version":"0.1.4","filename":"a"})");
+    EXPECT_EQ(values().message, "Version 0.1.4 is available.");
+}
+
+TEST_F(UpdateCheckerTest, asksABuiltInServerOverHttpsAndWaitsQuarterOfAMinute) {
+    const UpdateSource source;
+    EXPECT_EQ(source.limit, 15s);
+    EXPECT_FALSE(source.tls.has_value());
+    make("1.0", source);
+    EXPECT_EQ(checker->metadataURL(), QUrl(builtInBaseLocation() + "/downloads/latest.json"));
+    EXPECT_TRUE(checker->metadataURL().isValid());
+    EXPECT_EQ(checker->metadataURL().scheme(), "https");
+}
+
+TEST_F(UpdateCheckerTest, offersANewerVersionUnderItsFileName) {
+    check(newerRecord);
+    EXPECT_EQ(values().message, "Version 2.0 is available.");
+    EXPECT_EQ(values().downloadURL, QUrl(server.location() + "/downloads/Vantoro-2.0.tar.gz"));
+    ASSERT_EQ(server.requests.size(), 1U);
+    EXPECT_TRUE(server.requests[0].startsWith("GET /downloads/latest.json HTTP/1.1\r\n"));
+}
+
+TEST_F(UpdateCheckerTest, offersANewerVersionAtTheLocationThatTheServerNames) {
+    check(R"({"version":"1.0.1-x.1","filename":"a","url":"https://example.org/a"})");
+    EXPECT_EQ(values().message, "Version 1.0.1-x.1 is available.");
+    EXPECT_EQ(values().downloadURL, QUrl("https://example.org/a"));
+}
+
+TEST_F(UpdateCheckerTest, saysSoWhenTheCurrentVersionIsTheLatestOrNewer) {
+    struct Case {
+        const char* current;
+        const char* recorded;
+    };
+
+    for (const auto& [current, recorded] :
+         {Case{"1.2", "1.2.0"}, Case{"1.2.3", "1.2.3-beta"}, Case{"1.10", "1.9"}}) {
+        make(current);
+        check(QByteArray(R"({"version":")") + recorded + R"(","filename":"a b"})");
+        EXPECT_EQ(values().message, latest) << current;
+        EXPECT_EQ(values().downloadURL, std::nullopt) << current;
+    }
+    make("1.9");
+    check(R"({"version":"1.10","filename":"a"})");
+    EXPECT_EQ(values().message, "Version 1.10 is available.");
+}
+
+TEST_F(UpdateCheckerTest, failsWithAStatusOfNoSuccess) {
+    for (const int status : {304, 404, 500}) {
+        answer = alwaysThenClose(response(status, newerRecord));
+        check();
+        expectFailure();
+    }
+}
+
+TEST_F(UpdateCheckerTest, failsWithARecordThatIsNotValid) {
+    for (const QByteArray record :
+         {"", "<html>", "[]", "{}", R"({"version":2.0,"filename":"a"})", R"({"version":"2.0"})",
+          R"({"version":"2.0","filename":"a","url":""})",
+          R"({"version":"2.0","filename":"a","url":7})"}) {
+        check(record);
+        expectFailure();
+    }
+}
+
+TEST_F(UpdateCheckerTest, failsWithAnAnswerThatIsBrokenOrTooLongOrLeadsAstray) {
+    const QByteArray excess(RecordRequest::mostBytes, ' ');
+    const QByteArray chunked("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n");
+    for (const QByteArray& answered : {
+             QByteArray(),
+             response(200, newerRecord).chopped(1),
+             chunked + "zz\r\n" + newerRecord,
+             "hello\r\n\r\n" + newerRecord,
+             response(200, newerRecord + excess),
+             "HTTP/1.1 200 OK\r\n\r\n" + newerRecord + excess,
+             response(302, newerRecord, "Location: http://127.0.0.1/\r\n"),
+         }) {
+        answer = alwaysThenClose(answered);
+        check();
+        expectFailure();
+    }
+}
+
+TEST_F(UpdateCheckerTest, failsWithAFileNameThatMakesNoValidLocation) {
+    check(R"({"version":"2.0","filename":"a b"})");
+    expectFailure();
+}
+
+TEST_F(UpdateCheckerTest, failsWhenNoAnswerComesInTime) {
+    make("1.0", {.baseLocation = server.location(), .limit = 100ms, .tls = trustInLocalServers()});
+    answer = [](QSslSocket&, const QByteArray&) {};
+    check();
+    expectFailure();
+}
+
+TEST_F(UpdateCheckerTest, failsWhereNobodyVouchesForTheServer) {
+    make("1.0", {.baseLocation = server.location()});
+    check();
+    expectFailure();
+    EXPECT_EQ(server.requests.size(), 0U);
+}
+
+TEST_F(UpdateCheckerTest, failsWithoutAskingWhereItWouldBeUnencryptedOrNowhere) {
+    const PlainServer plain(response(200, newerRecord));
+    const auto unencrypted = QString("http://127.0.0.1:%1").arg(plain.port());
+    for (const QString& location : {unencrypted, QString(), QString("https://a b"),
+                                    QString("https://"), QString("file://")}) {
+        make("1.0", {.baseLocation = location});
+        check();
+        expectFailure();
+    }
+    EXPECT_EQ(plain.connections, 0);
+}
+
+} // namespace
+} // namespace vantoro::testing

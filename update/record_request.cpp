@@ -1,0 +1,100 @@
+#include "update/record_request.h"
+
+#include <utility>
+
+#include <QtNetwork/QNetworkRequest>
+
+namespace vantoro {
+
+namespace {
+
+constexpr int mostRedirects = 5;
+
+QNetworkRequest requestFor(const QUrl& location, const std::optional<QSslConfiguration>& tls) {
+    QNetworkRequest request(location);
+    request.setAttribute(QNetworkRequest::CacheLoadControlAttribute,
+                         QNetworkRequest::AlwaysNetwork);
+    request.setAttribute(QNetworkRequest::CacheSaveControlAttribute, false);
+    request.setAttribute(QNetworkRequest::CookieLoadControlAttribute, QNetworkRequest::Manual);
+    request.setAttribute(QNetworkRequest::CookieSaveControlAttribute, QNetworkRequest::Manual);
+    request.setAttribute(QNetworkRequest::AuthenticationReuseAttribute, QNetworkRequest::Manual);
+    request.setAttribute(QNetworkRequest::RedirectPolicyAttribute,
+                         QNetworkRequest::NoLessSafeRedirectPolicy);
+    request.setMaximumRedirectsAllowed(mostRedirects);
+    // One small file gains nothing by it.
+    request.setAttribute(QNetworkRequest::Http2AllowedAttribute, false);
+    // By the next check the computer may have slept, and the connection died unnoticed.
+    request.setAttribute(QNetworkRequest::ConnectionCacheExpiryTimeoutSecondsAttribute, 0);
+    if (tls) {
+        request.setSslConfiguration(*tls);
+    }
+    return request;
+}
+
+bool isSuccess(const QNetworkReply& reply) {
+    const int status = reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+    return reply.error() == QNetworkReply::NoError && status >= 200 && status <= 299;
+}
+
+} // namespace
+
+RecordRequest::RecordRequest(QNetworkAccessManager& network, const QUrl& location,
+                             std::chrono::milliseconds limit,
+                             const std::optional<QSslConfiguration>& tls,
+                             std::function<void(Body)> done)
+    : done_(std::move(done)), reply_(network.get(requestFor(location, tls))) {
+    reply_->setReadBufferSize(mostBytes);
+    connect(reply_, &QNetworkReply::metaDataChanged, this, &RecordRequest::refuseAnnouncedExcess);
+    connect(reply_, &QNetworkReply::readyRead, this, &RecordRequest::receive);
+    connect(reply_, &QNetworkReply::finished, this, &RecordRequest::finish);
+    // Not the network's own limit, which every byte that arrives would prolong.
+    connect(&limit_, &QTimer::timeout, this,
+            [this] { conclude(std::unexpected(UpdateError::invalidResponse)); });
+    limit_.setSingleShot(true);
+    limit_.setTimerType(Qt::PreciseTimer);
+    limit_.start(limit);
+}
+
+RecordRequest::~RecordRequest() {
+    stop();
+    reply_->deleteLater();
+}
+
+void RecordRequest::refuseAnnouncedExcess() {
+    if (reply_->header(QNetworkRequest::ContentLengthHeader).toLongLong() > mostBytes) {
+        conclude(std::unexpected(UpdateError::invalidResponse));
+    }
+}
+
+void RecordRequest::receive() {
+    if (!takeWhatIsThere()) {
+        conclude(std::unexpected(UpdateError::invalidResponse));
+    }
+}
+
+void RecordRequest::finish() {
+    if (takeWhatIsThere() && isSuccess(*reply_)) {
+        conclude(std::move(body_));
+    } else {
+        conclude(std::unexpected(UpdateError::invalidResponse));
+    }
+}
+
+void RecordRequest::conclude(Body body) {
+    stop();
+    std::exchange(done_, {})(std::move(body)); // this may be gone now
+}
+
+/// Whether it is not too much.
+bool RecordRequest::takeWhatIsThere() {
+    body_ += reply_->readAll();
+    return body_.size() <= mostBytes;
+}
+
+void RecordRequest::stop() {
+    limit_.stop();
+    reply_->disconnect(this); // or the end of it would be heard as an answer
+    reply_->abort();
+}
+
+} // namespace vantoro

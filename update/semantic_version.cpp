@@ -1,0 +1,47 @@
+#include "update/semantic_version.h"
+
+#include <algorithm>
+#include <charconv>
+#include <memory>
+#include <ranges>
+#include <system_error>
+
+namespace vantoro {
+
+namespace {
+
+std::int64_t numberSpelledBy(std::string_view piece) {
+    if (piece.starts_with('+') && !piece.starts_with("+-")) {
+        piece.remove_prefix(1); // the one sign that from_chars does not know
+    }
+    std::int64_t number = 0;
+    const auto* const end = std::to_address(piece.end());
+    const auto [stop, error] = std::from_chars(std::to_address(piece.begin()), end, number);
+    return error == std::errc() && stop == end ? number : 0;
+}
+
+} // namespace
+
+SemanticVersion::SemanticVersion(std::string_view text) {
+    for (const auto piece : std::views::split(text, '.')) {
+        if (!piece.empty()) {
+            components_.push_back(numberSpelledBy({piece.begin(), piece.end()}));
+        }
+    }
+}
+
+std::weak_ordering operator<=>(const SemanticVersion& a, const SemanticVersion& b) {
+    const auto componentOf = [](const SemanticVersion& version, std::size_t index) {
+        return index < version.components_.size() ? version.components_[index] : 0;
+    };
+    const auto count = std::max(a.components_.size(), b.components_.size());
+    for (std::size_t index = 0; index < count; ++index) {
+        const auto order = componentOf(a, index) <=> componentOf(b, index);
+        if (std::is_neq(order)) {
+            return order;
+        }
+    }
+    return std::weak_ordering::equivalent;
+}
+
+} // namespace vantoro

@@ -1,0 +1,106 @@
+#include "update/update_checker.h"
+
+#include <utility>
+
+#include <QtCore/QMetaObject>
+#include <QtNetwork/QNetworkAccessManager>
+
+#include "update/newer_version.h"
+#include "update/valid_url.h"
+
+namespace vantoro {
+
+namespace {
+
+/// What an answer means for whoever has the current version.
+std::expected<std::optional<NewerVersion>, UpdateError>
+newerVersionIn(const RecordRequest::Body& record, std::string_view currentVersion,
+               const QString& baseLocation) {
+    if (!record.has_value()) {
+        return std::unexpected(record.error());
+    }
+    const auto metadata = UpdateMetadata::decode(*record);
+    if (!metadata.has_value()) {
+        return std::unexpected(metadata.error());
+    }
+    return newerVersion(*metadata, currentVersion, baseLocation);
+}
+
+} // namespace
+
+QString builtInBaseLocation() {
+    return QStringLiteral(VANTORO_UPDATE_URL);
+}
+
+UpdateChecker::UpdateChecker(const Preferences& preferences, std::string currentVersion, Open open,
+                             UpdateSource source)
+    : texts_(preferences),
+      currentVersion_(currentVersion.empty() ? "0.1.3" : std::move(currentVersion)),
+      open_(std::move(open)),
+      source_(std::move(source)),
+      metadataURL_(source_.baseLocation + "/downloads/latest.json", QUrl::StrictMode) {}
+
+UpdateChecker::~UpdateChecker() = default;
+
+void UpdateChecker::checkForUpdates() {
+    if (values_.isChecking) {
+        return;
+    }
+    set(Property::isChecking, &Values::isChecking, true);
+    set(Property::message, &Values::message, std::nullopt);
+    set(Property::downloadURL, &Values::downloadURL, std::nullopt);
+    // Setting up the network takes a moment, in which what was just set should be seen.
+    QMetaObject::invokeMethod(this, &UpdateChecker::ask, Qt::QueuedConnection);
+}
+
+void UpdateChecker::dismissMessage() {
+    set(Property::message, &Values::message, std::nullopt);
+}
+
+void UpdateChecker::openDownload() const {
+    if (values_.downloadURL && isWebLocation(*values_.downloadURL)) {
+        open_(*values_.downloadURL);
+    }
+}
+
+void UpdateChecker::ask() {
+    if (metadataURL_.scheme() != "https") {
+        conclude(std::unexpected(UpdateError::invalidResponse));
+        return;
+    }
+    if (network_ == nullptr) {
+        network_ = new QNetworkAccessManager(this);
+    }
+    request_ = std::make_unique<RecordRequest>(
+        *network_, metadataURL_, source_.limit, source_.tls,
+        [this](const RecordRequest::Body& record) { conclude(record); });
+}
+
+void UpdateChecker::conclude(const RecordRequest::Body& record) {
+    request_.reset();
+    publish(record);
+    set(Property::isChecking, &Values::isChecking, false);
+}
+
+void UpdateChecker::publish(const RecordRequest::Body& record) {
+    using enum L10n::Key;
+    const auto newer = newerVersionIn(record, currentVersion_, source_.baseLocation);
+    if (!newer.has_value()) {
+        set(Property::message, &Values::message, texts_.text(updateCheckFailed));
+    } else if (const auto& offer = *newer; !offer.has_value()) {
+        set(Property::message, &Values::message, texts_.text(alreadyLatest));
+    } else {
+        set(Property::downloadURL, &Values::downloadURL, offer->location);
+        set(Property::message, &Values::message, texts_.newVersionAvailable(offer->version));
+    }
+}
+
+template <class Value>
+void UpdateChecker::set(Property property, Value Values::* field,
+                        std::type_identity_t<Value> value) {
+    Q_EMIT propertyWillChange(property);
+    values_.*field = std::move(value);
+    Q_EMIT propertyChanged(property);
+}
+
+} // namespace vantoro

@@ -1,0 +1,103 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <type_traits>
+
+#include <QtCore/QObject>
+#include <QtCore/QString>
+#include <QtCore/QUrl>
+#include <QtNetwork/QSslConfiguration>
+
+#include "l10n/l10n.h"
+#include "l10n/preferences.h"
+#include "update/record_request.h"
+
+class QNetworkAccessManager;
+
+namespace vantoro {
+
+/// The download server that this build asks; HTTPS, without a slash at the end.
+QString builtInBaseLocation();
+
+/// Whom to ask, and how.
+struct UpdateSource {
+    QString baseLocation = builtInBaseLocation();
+    std::chrono::milliseconds limit = std::chrono::seconds(15); ///< for a whole check
+    std::optional<QSslConfiguration> tls = std::nullopt; ///< instead of what the system trusts
+};
+
+/// Asks the download server, when the user wants to know, whether there is a newer version than
+/// this one. It downloads and installs nothing. Main thread; nothing here blocks or throws. Must
+/// not be destroyed from within a notification.
+class UpdateChecker final : public QObject {
+    Q_OBJECT
+
+public:
+    enum class Property : std::uint8_t { isChecking, message, downloadURL };
+
+    struct Values {
+        bool isChecking = false;
+        /// What the last check found, in the language of that moment. It may quote the server: to
+        /// be shown as plain text, without markup.
+        std::optional<std::string> message;
+        std::optional<QUrl> downloadURL; ///< only after a check found a newer version
+    };
+
+    /// How the desktop opens a web page.
+    using Open = std::function<void(const QUrl&)>;
+
+    /// Asks nobody, and sets up no network: that waits for the first check. `preferences` must
+    /// outlive it. An empty `currentVersion` counts as "0.1.3".
+    UpdateChecker(const Preferences& preferences, std::string currentVersion, Open open,
+                  UpdateSource source = {});
+    UpdateChecker(const UpdateChecker&) = delete;
+    UpdateChecker& operator=(const UpdateChecker&) = delete;
+    /// Ends a check that is running: nobody hears of it any more.
+    ~UpdateChecker() override;
+
+    const Values& values() const { return values_; }
+
+    const std::string& currentVersion() const { return currentVersion_; }
+
+    /// Where the record of the latest version is.
+    const QUrl& metadataURL() const { return metadataURL_; }
+
+    /// Begins a check, unless one is running.
+    void checkForUpdates();
+    /// The user has read it.
+    void dismissMessage();
+    /// Does nothing where there is no `downloadURL`, or none of the web.
+    void openDownload() const;
+
+Q_SIGNALS:
+    /// Once for each writing, be the value a new one or not, before it: everything is still as it
+    /// was.
+    void propertyWillChange(vantoro::UpdateChecker::Property property);
+
+    /// Once for each writing, after it.
+    void propertyChanged(vantoro::UpdateChecker::Property property);
+
+private:
+    void ask();
+    void conclude(const RecordRequest::Body& record);
+    void publish(const RecordRequest::Body& record);
+
+    template <class Value>
+    void set(Property property, Value Values::* field, std::type_identity_t<Value> value);
+
+    Values values_;
+    L10n texts_;
+    std::string currentVersion_;
+    Open open_;
+    UpdateSource source_;
+    QUrl metadataURL_;
+    QNetworkAccessManager* network_ = nullptr; // a child, from the first check on
+    std::unique_ptr<RecordRequest> request_;   // while it waits for an answer
+};
+
+} // namespace vantoro

@@ -1,0 +1,42 @@
+#include "update/update_metadata.h"
+
+#include <QtCore/QJsonDocument>
+#include <QtCore/QJsonObject>
+#include <QtCore/QJsonValue>
+
+#include "update/valid_url.h"
+
+namespace vantoro {
+
+namespace {
+
+constexpr auto invalidRecord = std::unexpected(UpdateError::invalidResponse);
+
+std::optional<std::string> textOf(const QJsonValue& value) {
+    const auto text = value.toString();
+    // An escape sequence can stand for half of a character, which is no text.
+    return value.isString() && text.isValidUtf16() ? std::optional(text.toStdString())
+                                                   : std::nullopt;
+}
+
+} // namespace
+
+std::expected<UpdateMetadata, UpdateError> UpdateMetadata::decode(const QByteArray& json) {
+    const auto record = QJsonDocument::fromJson(json).object(); // an empty one for anything else
+    const auto version = textOf(record["version"]);
+    const auto filename = textOf(record["filename"]);
+    if (!version || !filename) {
+        return invalidRecord;
+    }
+    UpdateMetadata metadata{.version = *version, .filename = *filename, .url = std::nullopt};
+    const auto location = record["url"];
+    if (!location.isUndefined() && !location.isNull()) {
+        metadata.url = validURL(location.toString()); // empty, so invalid, where it is no text
+        if (!metadata.url) {
+            return invalidRecord;
+        }
+    }
+    return metadata;
+}
+
+} // namespace vantoro
