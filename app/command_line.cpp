@@ -8,9 +8,10 @@ namespace vantoro {
 
 namespace {
 
-const QString helpText = QStringLiteral(R"(Usage: vantoro COMMAND [OPTIONS]
+const QString helpText = QStringLiteral(R"(Usage: vantoro [COMMAND [OPTIONS]]
 
-Records what the computer plays together with the microphone into one M4A file.
+Records what the computer plays together with the microphone into one M4A file. Without a command it
+opens its window.
 
 Commands:
   record     Record until Ctrl+C, then print the place of the final file.
@@ -25,6 +26,7 @@ Options of record:
   --microphone ID           Record this microphone in place of the default one.
   --system-volume G         Gain of the computer's sound, 1 for unchanged (0.9).
   --microphone-volume G     Gain of the microphone, 1 for unchanged (1).
+  --language zh-Hans|en     Language of this run's messages.
 
 Option of recover:
   --folder DIR              Look in this folder.
@@ -43,6 +45,7 @@ const QString noMicrophone = QStringLiteral("no-microphone");
 const QString microphone = QStringLiteral("microphone");
 const QString systemVolume = QStringLiteral("system-volume");
 const QString microphoneVolume = QStringLiteral("microphone-volume");
+const QString language = QStringLiteral("language");
 
 /// Ends the reading of a command line that makes no sense.
 struct BadUsage {
@@ -95,6 +98,18 @@ std::optional<std::filesystem::path> folderOf(const QCommandLineParser& parser) 
     return parser.value(folder).toStdString();
 }
 
+std::optional<AppLanguage> languageOption(const QCommandLineParser& parser) {
+    if (!parser.isSet(language)) {
+        return std::nullopt;
+    }
+    const auto chosen = languageOf(parser.value(language).toStdString());
+    if (!chosen) {
+        throw BadUsage{QStringLiteral("--language takes zh-Hans or en, not \"%1\".")
+                           .arg(parser.value(language))};
+    }
+    return chosen;
+}
+
 RecoverCommand parseRecover(const QStringList& arguments) {
     QCommandLineParser parser;
     parser.addOption({folder, QString(), QStringLiteral("value")});
@@ -104,7 +119,8 @@ RecoverCommand parseRecover(const QStringList& arguments) {
 
 RecordCommand parseRecord(const QStringList& arguments) {
     QCommandLineParser parser;
-    for (const QString& withValue : {seconds, folder, microphone, systemVolume, microphoneVolume}) {
+    for (const QString& withValue :
+         {seconds, folder, microphone, systemVolume, microphoneVolume, language}) {
         parser.addOption({withValue, QString(), QStringLiteral("value")});
     }
     parser.addOption(QCommandLineOption(noSystemAudio));
@@ -123,6 +139,7 @@ RecordCommand parseRecord(const QStringList& arguments) {
     }
     command.systemVolume = gain(parser, systemVolume).value_or(command.systemVolume);
     command.microphoneVolume = gain(parser, microphoneVolume).value_or(command.microphoneVolume);
+    command.language = languageOption(parser);
     return command;
 }
 

@@ -7,6 +7,8 @@
 
 #include <QStringList>
 
+#include "l10n/app_language.h"
+
 namespace vantoro {
 
 struct RecordCommand {
@@ -17,6 +19,7 @@ struct RecordCommand {
     std::optional<std::string> microphoneID;
     float systemVolume = 0.9F; ///< linear gains, 0 and above
     float microphoneVolume = 1.0F;
+    std::optional<AppLanguage> language; ///< of this run's messages; absent: the user's
 
     friend bool operator==(const RecordCommand&, const RecordCommand&) = default;
 };

@@ -1,19 +1,16 @@
 #pragma once
 
-#include <cstdint>
-#include <optional>
 #include <string>
+
+#include "control/recording_properties.h"
+#include "l10n/l10n.h"
 
 namespace vantoro {
 
-/// Minutes and seconds as 01:15, from an hour on with hours as 01:01:15. Not below 0.
-std::string elapsedTimeText(std::int64_t elapsedSeconds);
-
-/// What a terminal shows while recording; a source that is off has no level (0...1).
-std::string recordingLine(std::int64_t elapsedSeconds, std::optional<float> systemAudioLevel,
-                          std::optional<float> microphoneLevel);
+/// What a terminal shows while recording: the time, and the levels of the sources that are on.
+std::string recordingLine(const RecordingProperties::Values& values, const L10n& texts);
 
 /// What a terminal shows while the final file is made; `fraction` is 0...1.
-std::string savingLine(double fraction);
+std::string savingLine(double fraction, const L10n& texts);
 
 } // namespace vantoro

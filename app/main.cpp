@@ -7,13 +7,17 @@
 
 #include "app/command_line.h"
 #include "app/devices_command.h"
+#include "app/preferences_for_one_run.h"
 #include "app/record_command.h"
 #include "app/recording_platform.h"
 #include "app/recover_command.h"
 #include "app/stop_signals.h"
-#include "engine/audio_recorder.h"
+#include "app/window_command.h"
+#include "control/engine_recorder.h"
+#include "control/recording_folder.h"
+#include "l10n/settings_file.h"
 #include "platform/desktop/recording_folder.h"
-#include "platform/ffmpeg/toolkit.h"
+#include "platform/ffmpeg/loaded_toolkit.h"
 #include "platform/pipewire/device_list.h"
 #include "platform/pipewire/screen_capture_access.h"
 #include "platform/posix/posix_file_system.h"
@@ -45,7 +49,7 @@ public:
     }
 
     int operator()(const DevicesCommand& /*command*/) const {
-        const pipewire::DeviceList devices;
+        pipewire::DeviceList devices;
         const auto microphones = devices.microphones();
         if (!microphones.empty()) {
             return print(devicesText(microphones, devices.defaultMicrophone())) ? 0 : 1;
@@ -58,19 +62,38 @@ public:
 
     int operator()(const RecoverCommand& command) const {
         posix::PosixFileSystem fileSystem;
-        ffmpeg::FfmpegToolkit mediaToolkit(fileSystem);
+        ffmpeg::LoadedToolkit mediaToolkit(fileSystem);
         const posix::SystemClock clock;
-        return runRecoverCommand(command, desktop::defaultRecordingFolder(),
-                                 {mediaToolkit, fileSystem, clock}, signals_);
+        const SettingsFile preferences;
+        return runRecoverCommand(command, recordingFolderOf(preferences),
+                                 {mediaToolkit, fileSystem, clock}, signals_, L10n(preferences));
     }
 
     int operator()(const RecordCommand& command) const {
-        RecordingPlatform platform(command.microphoneID);
-        AudioRecorder recorder(platform.forRecorder());
-        return runRecordCommand(command, desktop::defaultRecordingFolder(), recorder, signals_);
+        const SettingsFile users;
+        PreferencesForOneRun preferences(users);
+        if (command.language) {
+            preferences.set(Preference::appLanguage, std::string(rawValue(*command.language)));
+        }
+        if (command.folder) {
+            preferences.set(Preference::outputDirectory,
+                            std::filesystem::absolute(*command.folder).string());
+        }
+        RecordRun run(command, signals_, preferences);
+        RecordingPlatform platform;
+        platform.setChosenMicrophone(command.microphoneID);
+        RecordingViewModel model(
+            std::make_unique<EngineRecorder>(platform.forRecorder(), run.details()),
+            platform.forControl(preferences));
+        return run.run(model);
     }
 
 private:
+    static std::filesystem::path recordingFolderOf(const Preferences& preferences) {
+        return recordingFolder(preferences.get(Preference::outputDirectory),
+                               desktop::defaultRecordingFolder());
+    }
+
     StopSignals& signals_;
 };
 
@@ -81,6 +104,9 @@ private:
 int main(int argc, char** argv) {
     try {
         vantoro::StopSignals signals; // before anything starts a thread
+        if (argc <= 1) {
+            return vantoro::runWindowCommand(argc, argv, signals);
+        }
         const QCoreApplication application(argc, argv);
         return std::visit(vantoro::Program(signals),
                           vantoro::parseCommandLine(QCoreApplication::arguments().mid(1)));

@@ -1,171 +1,193 @@
 #include "app/record_command.h"
 
 #include <algorithm>
-#include <array>
-#include <atomic>
 #include <chrono>
-#include <exception>
 #include <iostream>
-#include <mutex>
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QSocketNotifier>
 
 #include "app/live_line.h"
-#include "app/terminal.h"
 #include "l10n/error_description.h"
 
 namespace vantoro {
 
 namespace {
 
-using TimePoint = StopSignals::Clock::time_point;
-using Seconds = std::chrono::duration<double>;
+using namespace std::chrono_literals;
+using Case = RecordingState::Case;
 
-constexpr auto lineInterval = std::chrono::milliseconds(100);
-constexpr double foreverSeconds = 1e9;          // a clock cannot count much further
-constexpr auto language = AppLanguage::english; // of all that the commands say
-
-/// One run of the command; owns what the recorder's callbacks write.
-class RecordRun {
-public:
-    RecordRun(const RecordCommand& command, AudioRecorder& recorder, StopSignals& signals)
-        : command_(command), recorder_(recorder), signals_(signals) {
-        recorder_.onAudioLevel = [this](AudioLevelSource source, float level) {
-            levels_.at(static_cast<std::size_t>(source)) = level;
-        };
-        recorder_.onCaptureInterrupted = [this](std::exception_ptr error) {
-            const std::lock_guard lock(mutex_);
-            if (!interruption_) {
-                interruption_ = std::move(error);
-            }
-            signals_.wake();
-        };
-        recorder_.onExportProgress = [this](double fraction) {
-            terminal_.showLine(savingLine(fraction));
-        };
-    }
-
-    RecordRun(const RecordRun&) = delete;
-    RecordRun& operator=(const RecordRun&) = delete;
-
-    ~RecordRun() {
-        recorder_.onAudioLevel = nullptr;
-        recorder_.onCaptureInterrupted = nullptr;
-        recorder_.onExportProgress = nullptr;
-    }
-
-    int run(const std::filesystem::path& folder) {
-        try {
-            recorder_.start({.captureSystemAudio = command_.systemAudio,
-                             .captureMicrophone = command_.microphone,
-                             .microphoneDeviceID = command_.microphoneID,
-                             .outputDirectory = folder});
-        } catch (...) {
-            terminal_.message(errorDescription(std::current_exception(), language));
-            return 1;
-        }
-        waitForTheEnd(StopSignals::Clock::now());
-        return save();
-    }
-
-private:
-    void waitForTheEnd(TimePoint begin) {
-        const auto end = endOf(begin);
-        for (;;) {
-            auto deadline = end;
-            if (terminal_.isLive()) {
-                showLine(begin);
-                const auto next = StopSignals::Clock::now() + lineInterval;
-                deadline = end ? std::min(*end, next) : next;
-            }
-            if (signals_.wait(deadline) != StopSignals::Event::deadline ||
-                (end && StopSignals::Clock::now() >= *end)) {
-                return;
-            }
-        }
-    }
-
-    std::optional<TimePoint> endOf(TimePoint begin) const {
-        if (!command_.seconds || *command_.seconds > foreverSeconds) {
-            return std::nullopt;
-        }
-        return begin + std::chrono::duration_cast<TimePoint::duration>(Seconds(*command_.seconds));
-    }
-
-    void showLine(TimePoint begin) {
-        const auto elapsed =
-            std::chrono::floor<std::chrono::seconds>(StopSignals::Clock::now() - begin);
-        terminal_.showLine(recordingLine(
-            elapsed.count(), levelOf(AudioLevelSource::systemAudio, command_.systemAudio),
-            levelOf(AudioLevelSource::microphone, command_.microphone)));
-    }
-
-    std::optional<float> levelOf(AudioLevelSource source, bool isOn) const {
-        return isOn ? std::optional(levels_.at(static_cast<std::size_t>(source)).load())
-                    : std::nullopt;
-    }
-
-    int save() {
-        terminal_.showLine(savingLine(0));
-        std::filesystem::path saved;
-        try {
-            saved = recorder_.stop(command_.systemVolume, command_.microphoneVolume);
-        } catch (...) {
-            terminal_.message(failureText(std::current_exception()));
-            return 1;
-        }
-        terminal_.clearLine();
-        if (const auto cause = interruption()) {
-            terminal_.message(errorDescription(cause, language));
-            terminal_.message("Audio capture was interrupted. The captured audio was saved "
-                              "successfully.");
-        }
-        std::cout << saved.string() << std::endl; // NOLINT(performance-avoid-endl): checked below
-        if (!std::cout) {
-            terminal_.message("The recording was saved as " + saved.string() +
-                              ", which could not be printed.");
-            return 1;
-        }
-        return 0;
-    }
-
-    std::string failureText(const std::exception_ptr& error) const {
-        if (isNoAudioCaptured(error)) {
-            const auto cause = interruption(); // says more than that nothing came of it
-            return errorDescription(cause ? cause : error, language);
-        }
-        return errorDescription(error, language) +
-               " A recoverable recording checkpoint was kept in the recording folder.";
-    }
-
-    static bool isNoAudioCaptured(const std::exception_ptr& error) {
-        try {
-            std::rethrow_exception(error);
-        } catch (const RecordingError& recordingError) {
-            return recordingError.which() == RecordingError::Case::noAudioCaptured;
-        } catch (...) {
-            return false;
-        }
-    }
-
-    std::exception_ptr interruption() const {
-        const std::lock_guard lock(mutex_);
-        return interruption_;
-    }
-
-    const RecordCommand& command_;
-    AudioRecorder& recorder_;
-    StopSignals& signals_;
-    Terminal terminal_;
-    std::array<std::atomic<float>, 2> levels_{}; // by source; written on the capture queue
-    mutable std::mutex mutex_;
-    std::exception_ptr interruption_; // the first one; guarded by mutex_
-};
+constexpr auto lineInterval = 100ms;
+constexpr auto longestWait = 24h; // of one timer, which cannot count much further
+constexpr double foreverSeconds = 1e9;
 
 } // namespace
 
-int runRecordCommand(const RecordCommand& command, const std::filesystem::path& defaultFolder,
-                     AudioRecorder& recorder, StopSignals& signals) {
-    RecordRun run(command, recorder, signals);
-    return run.run(std::filesystem::absolute(command.folder.value_or(defaultFolder)));
+RecordRun::RecordRun(const RecordCommand& command, StopSignals& signals,
+                     const Preferences& preferences)
+    : command_(command), signals_(signals), texts_(preferences) {
+    endTimer_.setSingleShot(true);
+    endTimer_.setTimerType(Qt::PreciseTimer);
+    connect(&endTimer_, &QTimer::timeout, this, &RecordRun::waitForTheEnd);
+    connect(&lineTimer_, &QTimer::timeout, this, &RecordRun::showLine);
+}
+
+RecorderDetails RecordRun::details() {
+    const auto onMainThread = [this](auto work) {
+        QMetaObject::invokeMethod(this, std::move(work), Qt::QueuedConnection);
+    };
+    return {
+        .onCaptureInterrupted =
+            [this, onMainThread](const std::exception_ptr& error) {
+                onMainThread([this, text = errorDescription(error, texts_.language())] {
+                    terminal_.message(text);
+                });
+            },
+        .onExportProgress =
+            [this, onMainThread](double fraction) {
+                onMainThread([this, fraction] { showSaving(fraction); });
+            },
+    };
+}
+
+int RecordRun::run(RecordingViewModel& model) {
+    model.setCaptureSystemAudio(command_.systemAudio);
+    model.setCaptureMicrophone(command_.microphone);
+    model.setSystemVolume(command_.systemVolume);
+    model.setMicrophoneVolume(command_.microphoneVolume);
+    if (!model.canStart()) {
+        terminal_.message(errorDescription(RecordingError(RecordingError::Case::noAudioSource),
+                                           texts_.language()));
+        return 1;
+    }
+    if (command_.microphoneID) {
+        model.setSelectedMicrophoneID(command_.microphoneID);
+    }
+    model_ = &model;
+    follow(model);
+    const QSocketNotifier signalCame(signals_.descriptor(), QSocketNotifier::Read);
+    connect(&signalCame, &QSocketNotifier::activated, this, [this] {
+        if (signals_.take()) {
+            stopWanted();
+        }
+    });
+    model.startRecording();
+    const int status = QCoreApplication::exec();
+    model_ = nullptr;
+    return status;
+}
+
+void RecordRun::follow(RecordingViewModel& model) {
+    // Behind the change, not within it: what the answer sets off finds the model at rest.
+    connect(
+        &model, &RecordingProperties::propertyChanged, this,
+        [this](RecordingProperties::Property property) {
+            if (property == RecordingProperties::Property::state) {
+                stateChanged();
+            }
+        },
+        Qt::QueuedConnection);
+}
+
+void RecordRun::stateChanged() {
+    const auto now = model_->values().state.which();
+    if (now == std::exchange(state_, now)) {
+        return; // it has changed twice since
+    }
+    switch (now) {
+    case Case::recording:
+        recordingBegan();
+        break;
+    case Case::processing:
+        hasBegun_ = true;
+        lineTimer_.stop();
+        showSaving(0);
+        break;
+    case Case::completed:
+        QCoreApplication::exit(printResult());
+        break;
+    case Case::failed:
+        recordingFailed();
+        break;
+    default:
+        break;
+    }
+}
+
+void RecordRun::recordingBegan() {
+    hasBegun_ = true;
+    if (stopWanted_) {
+        stopWanted();
+        return;
+    }
+    if (command_.seconds && *command_.seconds <= foreverSeconds) {
+        end_ = Clock::now() + std::chrono::duration_cast<Clock::duration>(
+                                  std::chrono::duration<double>(*command_.seconds));
+        waitForTheEnd();
+    }
+    if (terminal_.isLive()) {
+        showLine();
+        lineTimer_.start(lineInterval);
+    }
+}
+
+void RecordRun::waitForTheEnd() {
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(*end_ - Clock::now());
+    if (left <= 0ms) {
+        stopWanted();
+    } else {
+        endTimer_.start(std::min<std::chrono::milliseconds>(left, longestWait));
+    }
+}
+
+void RecordRun::stopWanted() {
+    stopWanted_ = true;
+    if (state_ == Case::failed) {
+        QCoreApplication::exit(1); // what is being salvaged stays for another time
+    } else if (model_->values().state.which() == Case::recording) {
+        model_->toggleRecording();
+    }
+}
+
+void RecordRun::recordingFailed() {
+    terminal_.message(*model_->values().errorMessage);
+    if (!hasBegun_) {
+        QCoreApplication::exit(1);
+        return;
+    }
+    // The salvage that follows may yet make a file of what was captured.
+    connect(model_, &RecordingViewModel::salvageEnded, this, [this] {
+        if (model_->values().state.which() == Case::failed) {
+            QCoreApplication::exit(1);
+        }
+    });
+}
+
+void RecordRun::showLine() {
+    if (model_->values().state.which() == Case::recording) {
+        terminal_.showLine(recordingLine(model_->values(), texts_));
+    }
+}
+
+void RecordRun::showSaving(double fraction) {
+    if (state_ == Case::processing || state_ == Case::failed) { // else it is an earlier recording's
+        terminal_.showLine(savingLine(fraction, texts_));
+    }
+}
+
+int RecordRun::printResult() {
+    const auto& values = model_->values();
+    terminal_.clearLine();
+    if (values.errorMessage) {
+        terminal_.message(*values.errorMessage);
+    }
+    const auto place = values.lastRecordingURL->string();
+    std::cout << place << std::endl; // NOLINT(performance-avoid-endl): checked below
+    if (!std::cout) {
+        terminal_.message("The recording was saved as " + place + ", which could not be printed.");
+        return 1;
+    }
+    return 0;
 }
 
 } // namespace vantoro

@@ -1,17 +1,58 @@
 #pragma once
 
-#include <filesystem>
+#include <chrono>
+#include <optional>
+
+#include <QtCore/QObject>
+#include <QtCore/QTimer>
 
 #include "app/command_line.h"
 #include "app/stop_signals.h"
-#include "engine/audio_recorder.h"
+#include "app/terminal.h"
+#include "control/engine_recorder.h"
+#include "control/recording_view_model.h"
+#include "l10n/l10n.h"
 
 namespace vantoro {
 
-/// Makes one recording: until its time has passed, a signal came, or capture broke. Prints the
-/// final file's path on standard output and all else on standard error. Returns the exit status:
-/// 0 when a file was saved, else 1.
-int runRecordCommand(const RecordCommand& command, const std::filesystem::path& defaultFolder,
-                     AudioRecorder& recorder, StopSignals& signals);
+/// Makes one recording: until its time has passed, a signal came, the machine went to sleep or
+/// capture broke. Prints the final file's path on standard output and all else on standard error.
+/// Main thread, where the application's event loop is not yet running.
+class RecordRun final : public QObject {
+public:
+    /// All of it outlives the run, which outlives the recorder that its `details` are given to.
+    RecordRun(const RecordCommand& command, StopSignals& signals, const Preferences& preferences);
+
+    /// What this run shows beside what the view model knows.
+    RecorderDetails details();
+
+    /// Returns the exit status: 0 when a file was saved, else 1.
+    int run(RecordingViewModel& model);
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    void follow(RecordingViewModel& model);
+    void stateChanged();
+    void recordingBegan();
+    void waitForTheEnd();
+    void stopWanted();
+    void recordingFailed();
+    void showLine();
+    void showSaving(double fraction);
+    int printResult();
+
+    const RecordCommand& command_;
+    StopSignals& signals_;
+    L10n texts_;
+    Terminal terminal_;
+    RecordingViewModel* model_ = nullptr; // while it runs
+    RecordingState::Case state_ = RecordingState::Case::idle;
+    bool stopWanted_ = false;
+    bool hasBegun_ = false; // capture ran: a failure leaves something to salvage
+    std::optional<Clock::time_point> end_;
+    QTimer endTimer_;
+    QTimer lineTimer_;
+};
 
 } // namespace vantoro

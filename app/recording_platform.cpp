@@ -1,9 +1,10 @@
 #include "app/recording_platform.h"
 
 #include <exception>
+#include <utility>
 
 #include "engine/serial_queue.h"
-#include "platform/pipewire/device_list.h"
+#include "platform/desktop/recording_folder.h"
 
 namespace vantoro {
 
@@ -43,10 +44,20 @@ bool isHidden(const std::optional<std::string>& microphone) {
 
 } // namespace
 
-RecordingPlatform::RecordingPlatform(const std::optional<std::string>& chosenMicrophone)
-    : microphoneAccess_(
-          [this, chosenMicrophone] { return canOpen(captureService_, chosenMicrophone); },
-          [chosenMicrophone] { return isHidden(chosenMicrophone); }) {}
+RecordingPlatform::RecordingPlatform(QtScheduler::TasksBegin tasksBegin)
+    : microphoneAccess_([this] { return canOpen(captureService_, chosenMicrophone()); },
+                        [this] { return isHidden(chosenMicrophone()); }),
+      scheduler_(tasksBegin) {}
+
+void RecordingPlatform::setChosenMicrophone(std::optional<std::string> id) {
+    const std::lock_guard lock(mutex_);
+    chosenMicrophone_ = std::move(id);
+}
+
+std::optional<std::string> RecordingPlatform::chosenMicrophone() {
+    const std::lock_guard lock(mutex_);
+    return chosenMicrophone_;
+}
 
 RecorderPlatform RecordingPlatform::forRecorder() {
     return {.screenCaptureAccess = screenCaptureAccess_,
@@ -56,6 +67,19 @@ RecorderPlatform RecordingPlatform::forRecorder() {
             .mediaToolkit = mediaToolkit_,
             .fileSystem = fileSystem_,
             .clock = clock_};
+}
+
+ControlPlatform RecordingPlatform::forControl(Preferences& preferences) {
+    return {.scheduler = scheduler_,
+            .power = power_,
+            .audioDevices = devices_,
+            .screenCaptureAccess = screenCaptureAccess_,
+            .microphoneAccess = microphoneAccess_,
+            .workspace = workspace_,
+            .folderPanel = folderPanel_,
+            .preferences = preferences,
+            .levels = AudioLevelStore::shared(),
+            .defaultRecordingFolder = desktop::defaultRecordingFolder()};
 }
 
 } // namespace vantoro

@@ -1,35 +1,65 @@
 #pragma once
 
+#include <mutex>
 #include <optional>
 #include <string>
 
+#include "control/qt_scheduler.h"
+#include "control/recording_view_model.h"
 #include "engine/audio_recorder.h"
+#include "platform/desktop/desktop_workspace.h"
 #include "platform/desktop/displays.h"
 #include "platform/desktop/microphone_access.h"
-#include "platform/ffmpeg/toolkit.h"
+#include "platform/desktop/power_management.h"
+#include "platform/ffmpeg/loaded_toolkit.h"
 #include "platform/pipewire/capture_service.h"
+#include "platform/pipewire/device_list.h"
 #include "platform/pipewire/screen_capture_access.h"
 #include "platform/posix/posix_file_system.h"
 #include "platform/posix/system_clock.h"
+#include "ui/dialog_folder_panel.h"
 
 namespace vantoro {
 
-/// Everything that a recorder needs of this desktop, put together. Outlives the recorder.
+/// Everything that recording needs of this desktop, put together. Outlives the recorder and the
+/// view model, and waits at its end for what they still have in work. Main thread.
 class RecordingPlatform {
 public:
-    /// `chosenMicrophone`: the microphone that will be recorded, where it is not the default one.
-    explicit RecordingPlatform(const std::optional<std::string>& chosenMicrophone);
+    explicit RecordingPlatform(
+        QtScheduler::TasksBegin tasksBegin = QtScheduler::TasksBegin::atOnce);
+    RecordingPlatform(const RecordingPlatform&) = delete;
+    RecordingPlatform& operator=(const RecordingPlatform&) = delete;
+    ~RecordingPlatform() = default;
+
+    /// The microphone that will be recorded, where it is not the default one: a permission may
+    /// depend on it.
+    void setChosenMicrophone(std::optional<std::string> id);
+
+    /// Where tasks were to wait for it.
+    void letTasksBegin() { scheduler_.letTasksBegin(); }
 
     RecorderPlatform forRecorder();
 
+    /// `preferences` outlives the view model.
+    ControlPlatform forControl(Preferences& preferences);
+
 private:
+    std::optional<std::string> chosenMicrophone();
+
+    std::mutex mutex_;
+    std::optional<std::string> chosenMicrophone_; // guarded by mutex_
     pipewire::ScreenCaptureAccess screenCaptureAccess_;
     pipewire::CaptureService captureService_;
+    pipewire::DeviceList devices_;
     desktop::DesktopMicrophoneAccess microphoneAccess_;
     desktop::DesktopDisplays displays_;
+    desktop::DesktopPowerManagement power_;
+    desktop::DesktopWorkspace workspace_;
+    DialogFolderPanel folderPanel_;
     posix::PosixFileSystem fileSystem_;
-    ffmpeg::FfmpegToolkit mediaToolkit_{fileSystem_};
+    ffmpeg::LoadedToolkit mediaToolkit_{fileSystem_};
     posix::SystemClock clock_;
+    QtScheduler scheduler_; // last: its work ends before what it works with
 };
 
 } // namespace vantoro

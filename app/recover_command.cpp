@@ -46,7 +46,7 @@ bool isFolder(const std::filesystem::path& path) {
 } // namespace
 
 int runRecoverCommand(const RecoverCommand& command, const std::filesystem::path& defaultFolder,
-                      const SalvagePlatform& platform, StopSignals& signals) {
+                      const SalvagePlatform& platform, StopSignals& signals, const L10n& texts) {
     Terminal terminal;
     // The default one need not have been made yet.
     if (command.folder && !isFolder(*command.folder)) {
@@ -57,9 +57,9 @@ int runRecoverCommand(const RecoverCommand& command, const std::filesystem::path
     std::vector<std::filesystem::path> files;
     {
         const StopOnSignal stop(signals);
-        files = recoverIncompleteRecordings(
-            platform, folder, stop.token(),
-            [&terminal](double fraction) { terminal.showLine(savingLine(fraction)); });
+        files = recoverIncompleteRecordings(platform, folder, stop.token(), [&](double fraction) {
+            terminal.showLine(savingLine(fraction, texts));
+        });
     }
     terminal.clearLine();
     for (const auto& file : files) {

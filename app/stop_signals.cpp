@@ -72,8 +72,7 @@ StopSignals::Event StopSignals::wait(std::optional<Clock::time_point> deadline) 
         if (::poll(ready.data(), ready.size(), pollTimeout(deadline)) < 0 && errno != EINTR) {
             throwLast("poll");
         }
-        signalfd_siginfo signal{};
-        if (::read(signals_, &signal, sizeof signal) == sizeof signal) {
+        if (take()) {
             return Event::signal;
         }
         std::uint64_t count = 0;
@@ -84,6 +83,11 @@ StopSignals::Event StopSignals::wait(std::optional<Clock::time_point> deadline) 
             return Event::deadline;
         }
     }
+}
+
+bool StopSignals::take() noexcept {
+    signalfd_siginfo signal{};
+    return ::read(signals_, &signal, sizeof signal) == sizeof signal;
 }
 
 void StopSignals::wake() noexcept {

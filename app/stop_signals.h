@@ -25,6 +25,12 @@ public:
     /// deadline (never, when there is none).
     Event wait(std::optional<Clock::time_point> deadline);
 
+    /// Can be read from while a signal waits to be taken: for an event loop.
+    int descriptor() const noexcept { return signals_; }
+
+    /// Takes one signal that came; false when none did.
+    bool take() noexcept;
+
     /// Ends the wait in progress, or the next one. Any thread.
     void wake() noexcept;
 

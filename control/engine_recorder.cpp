@@ -4,10 +4,21 @@
 
 namespace vantoro {
 
-void EngineRecorder::setCallbacks(CaptureInterruptedCallback onCaptureInterrupted,
-                                  AudioLevelCallback onAudioLevel) {
-    recorder_.onCaptureInterrupted = std::move(onCaptureInterrupted);
-    recorder_.onAudioLevel = std::move(onAudioLevel);
+EngineRecorder::EngineRecorder(const RecorderPlatform& platform, RecorderDetails details)
+    : onInterruptionCause_(std::move(details.onCaptureInterrupted)), recorder_(platform) {
+    recorder_.onExportProgress = std::move(details.onExportProgress);
+}
+
+void EngineRecorder::setCallbacks(RecorderCallbacks callbacks) {
+    recorder_.onCaptureInterrupted =
+        [this, toViewModel = std::move(callbacks.onCaptureInterrupted)](std::exception_ptr error) {
+            if (onInterruptionCause_) {
+                onInterruptionCause_(error);
+            }
+            toViewModel(std::move(error));
+        };
+    recorder_.onAudioLevel = std::move(callbacks.onAudioLevel);
+    recorder_.onRecordingSafe = std::move(callbacks.onRecordingSafe);
 }
 
 void EngineRecorder::start(const RecordingOptions& options) {

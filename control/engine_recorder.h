@@ -5,13 +5,19 @@
 
 namespace vantoro {
 
+/// For those who show more of the recorder than the view model does. Called on the recorder's
+/// threads; each may be empty.
+struct RecorderDetails {
+    CaptureInterruptedCallback onCaptureInterrupted; ///< why, before the view model hears of it
+    ExportProgress onExportProgress;
+};
+
 /// The engine's recorder, for the view model to control.
 class EngineRecorder final : public Recorder {
 public:
-    explicit EngineRecorder(const RecorderPlatform& platform) : recorder_(platform) {}
+    explicit EngineRecorder(const RecorderPlatform& platform, RecorderDetails details = {});
 
-    void setCallbacks(CaptureInterruptedCallback onCaptureInterrupted,
-                      AudioLevelCallback onAudioLevel) override;
+    void setCallbacks(RecorderCallbacks callbacks) override;
     void start(const RecordingOptions& options) override;
     std::filesystem::path stop(float systemVolume, float microphoneVolume) override;
     std::vector<std::filesystem::path>
@@ -19,6 +25,7 @@ public:
                                 const std::stop_token& stop) override;
 
 private:
+    CaptureInterruptedCallback onInterruptionCause_;
     AudioRecorder recorder_;
 };
 

@@ -1,6 +1,6 @@
 #include "control/qt_scheduler.h"
 
-#include <limits>
+#include <system_error>
 #include <utility>
 
 #include <QtCore/QMetaObject>
@@ -24,20 +24,79 @@ private:
 
 } // namespace
 
-QtScheduler::QtScheduler() {
-    taskThreads_.setMaxThreadCount(std::numeric_limits<int>::max()); // nothing waits for a thread
+QtScheduler::QtScheduler(TasksBegin tasksBegin) {
+    if (tasksBegin == TasksBegin::whenLet) {
+        waiting_.emplace();
+    }
 }
 
 QtScheduler::~QtScheduler() {
-    taskThreads_.waitForDone();
+    for (auto& task : tasks_) { // nobody adds any more
+        task.thread.join();
+    }
 }
 
 void QtScheduler::runOnMainThread(std::function<void()> work) {
-    QMetaObject::invokeMethod(&mainThread_, std::move(work), Qt::QueuedConnection);
+    {
+        const std::scoped_lock lock(mutex_);
+        forMainThread_.push_back(std::move(work));
+    }
+    QMetaObject::invokeMethod(
+        &mainThread_, [this] { runNextOnMainThread(); }, Qt::QueuedConnection);
+}
+
+void QtScheduler::runNextOnMainThread() {
+    std::unique_lock lock(mutex_);
+    const auto work = std::move(forMainThread_.front());
+    forMainThread_.pop_front();
+    lock.unlock();
+    work();
 }
 
 void QtScheduler::runOnTaskThread(std::function<void()> work) {
-    taskThreads_.start(std::move(work));
+    std::unique_lock lock(mutex_);
+    if (waiting_) {
+        waiting_->push_back(std::move(work));
+        return;
+    }
+    forgetEndedTasks();
+    auto& task = tasks_.emplace_back();
+    task.work = std::move(work);
+    // A thread of its own for each: nothing waits for another's end, and each can be waited for
+    // until nothing is left of it.
+    try {
+        task.thread = std::thread([&task] {
+            task.work();
+            task.work = nullptr; // with what it holds
+            task.hasEnded = true;
+        });
+    } catch (const std::system_error&) { // there are no more threads to be had
+        const auto here = std::move(task.work);
+        tasks_.pop_back();
+        lock.unlock();
+        here();
+    }
+}
+
+void QtScheduler::letTasksBegin() {
+    std::unique_lock lock(mutex_);
+    auto waited = std::exchange(waiting_, std::nullopt);
+    lock.unlock();
+    if (waited) {
+        for (auto& work : *waited) {
+            runOnTaskThread(std::move(work));
+        }
+    }
+}
+
+void QtScheduler::forgetEndedTasks() {
+    std::erase_if(tasks_, [](Task& task) {
+        const bool hasEnded = task.hasEnded;
+        if (hasEnded) {
+            task.thread.join();
+        }
+        return hasEnded;
+    });
 }
 
 std::unique_ptr<RepeatingTimer> QtScheduler::startTimer(std::chrono::milliseconds interval,

@@ -1,7 +1,15 @@
 #pragma once
 
+#include <atomic>
+#include <cstdint>
+#include <deque>
+#include <list>
+#include <mutex>
+#include <optional>
+#include <thread>
+#include <vector>
+
 #include <QtCore/QObject>
-#include <QtCore/QThreadPool>
 
 #include "control/ports/scheduler.h"
 
@@ -11,20 +19,41 @@ namespace vantoro {
 /// its timers.
 class QtScheduler final : public Scheduler {
 public:
-    QtScheduler();
+    /// What becomes of work for task threads before `letTasksBegin`.
+    enum class TasksBegin : std::uint8_t { atOnce, whenLet };
+
+    explicit QtScheduler(TasksBegin tasksBegin = TasksBegin::atOnce);
     QtScheduler(const QtScheduler&) = delete;
     QtScheduler& operator=(const QtScheduler&) = delete;
-    /// Waits for the work on task threads; what is still meant for the main thread is dropped.
+    /// Waits for the work on task threads; what has not begun, and what is still meant for the main
+    /// thread, is dropped.
     ~QtScheduler() override;
 
     void runOnMainThread(std::function<void()> work) override;
     void runOnTaskThread(std::function<void()> work) override;
+    /// From now on tasks begin at once, and those that wait begin now. Main thread.
+    void letTasksBegin();
     std::unique_ptr<RepeatingTimer> startTimer(std::chrono::milliseconds interval,
                                                std::function<void()> fire) override;
 
 private:
+    struct Task {
+        std::function<void()> work;
+        std::atomic<bool> hasEnded = false;
+        std::thread thread;
+    };
+
+    void runNextOnMainThread();
+    void forgetEndedTasks();
+
     QObject mainThread_;
-    QThreadPool taskThreads_;
+    std::mutex mutex_;
+    std::list<Task> tasks_; // guarded by mutex_
+    std::optional<std::vector<std::function<void()>>>
+        waiting_; // the same; while tasks do not begin
+    // Guarded by mutex_ and not left to the event loop, which only says that there is some: the
+    // thread sanitizer sees what Qt's queue hands over, but not that it is handed over safely.
+    std::deque<std::function<void()>> forMainThread_;
 };
 
 } // namespace vantoro

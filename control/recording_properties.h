@@ -65,6 +65,9 @@ public:
     void setSystemVolume(double gain);
     void setMicrophoneVolume(double gain);
 
+    /// The user has read it.
+    void dismissMessage() { setErrorMessage(std::nullopt); }
+
     /// Whether the recorder is busy, and not with recording.
     bool isProcessing() const;
     /// Whether a recording can be started: none is under way, and a source is on.

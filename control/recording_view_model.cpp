@@ -5,6 +5,7 @@
 
 #include "control/elapsed_time.h"
 #include "control/microphone_choice.h"
+#include "control/recording_folder.h"
 #include "control/transitions.h"
 #include "l10n/error_description.h"
 
@@ -12,13 +13,15 @@ namespace vantoro {
 
 RecordingViewModel::RecordingViewModel(std::unique_ptr<Recorder> recorder,
                                        const ControlPlatform& platform)
-    : RecordingProperties(platform.preferences.get(Preference::outputDirectory)
-                              .value_or(platform.defaultRecordingFolder)),
+    : RecordingProperties(recordingFolder(platform.preferences.get(Preference::outputDirectory),
+                                          platform.defaultRecordingFolder)),
       platform_(platform),
       texts_(platform.preferences),
       recorder_(std::move(recorder)),
       salvage_(platform.scheduler, recorder_,
-               [this](const auto& recordings) { recovered(recordings); }) {
+               [this](const auto& recordings) { recovered(recordings); }),
+      survey_(platform.scheduler, platform.audioDevices, platform.screenCaptureAccess,
+              platform.microphoneAccess, [this](const auto& survey) { surveyed(survey); }) {
     installCallbacks();
     observePowerState();
     refreshDevicesAndPermissions();
@@ -36,17 +39,24 @@ void RecordingViewModel::installCallbacks() {
             }
         });
     };
-    recorder_->setCallbacks(
-        [toMainThread](const std::exception_ptr&) {
-            toMainThread([](RecordingViewModel& model) {
-                model.handleStop(StopReason::captureInterruption);
-            });
-        },
-        [toMainThread](AudioLevelSource source, float level) {
-            toMainThread([source, level](RecordingViewModel& model) {
-                model.updateAudioLevel(source, level);
-            });
-        });
+    recorder_->setCallbacks({
+        .onCaptureInterrupted =
+            [toMainThread](const std::exception_ptr&) {
+                toMainThread([](RecordingViewModel& model) {
+                    model.handleStop(StopReason::captureInterruption);
+                });
+            },
+        .onAudioLevel =
+            [toMainThread](AudioLevelSource source, float level) {
+                toMainThread([source, level](RecordingViewModel& model) {
+                    model.updateAudioLevel(source, level);
+                });
+            },
+        .onRecordingSafe =
+            [toMainThread] {
+                toMainThread([](RecordingViewModel& model) { model.sleepHold_.reset(); });
+            },
+    });
 }
 
 std::string RecordingViewModel::statusText() const {
@@ -70,6 +80,7 @@ void RecordingViewModel::startRecording() {
     setErrorMessage(std::nullopt);
     setLastRecordingURL(std::nullopt);
     pendingStopReason_.reset();
+    sleepHold_ = platform_.power.holdOffSleep(texts_.text(L10n::Key::recording));
     resetLevels();
     const RecordingOptions options{
         .captureSystemAudio = values().captureSystemAudio,
@@ -134,7 +145,6 @@ void RecordingViewModel::saved(const std::filesystem::path& recording, StopReaso
     if (const auto key = savedMessageKey(reason)) {
         setErrorMessage(texts_.text(*key));
     }
-    sleepDelay_.reset();
 }
 
 void RecordingViewModel::stopFailed(const std::exception_ptr& error) {
@@ -144,11 +154,11 @@ void RecordingViewModel::stopFailed(const std::exception_ptr& error) {
 
 void RecordingViewModel::fail(const std::exception_ptr& error, bool preserveCheckpoint) {
     timer_.reset();
+    sleepHold_.reset();
     const auto description = errorDescription(error, texts_.language());
     setState(RecordingState::failed(description));
     setErrorMessage(preserveCheckpoint ? description + texts_.checkpointKept() : description);
     refreshDevicesAndPermissions(); // a permission that was refused is shown as such
-    sleepDelay_.reset();
 }
 
 void RecordingViewModel::startTimer() {
@@ -158,16 +168,8 @@ void RecordingViewModel::startTimer() {
 }
 
 void RecordingViewModel::observePowerState() {
-    powerObservation_ = platform_.powerEvents.observe(
-        [this](std::shared_ptr<SleepDelay> delay) { handleWillSleep(std::move(delay)); },
-        [this] { handleDidWake(); });
-}
-
-void RecordingViewModel::handleWillSleep(std::shared_ptr<SleepDelay> delay) {
-    if (isBusy(values().state.which())) {
-        sleepDelay_ = std::move(delay);
-    }
-    handleStop(StopReason::systemSleep);
+    powerObservation_ = platform_.power.observe([this] { handleStop(StopReason::systemSleep); },
+                                                [this] { handleDidWake(); });
 }
 
 void RecordingViewModel::handleDidWake() {
@@ -195,26 +197,68 @@ void RecordingViewModel::recoverIncompleteRecordings() {
 }
 
 void RecordingViewModel::recovered(const SalvageTask::Recordings& recordings) {
-    if (isBusy(values().state.which())) {
-        return;
+    if (!recordings.empty() && !isBusy(values().state.which())) {
+        setLastRecordingURL(recordings.back());
+        setState(RecordingState::Case::completed);
+        setErrorMessage(texts_.recovered(recordings.size()));
     }
-    setLastRecordingURL(recordings.back());
-    setState(RecordingState::Case::completed);
-    setErrorMessage(texts_.recovered(recordings.size()));
+    Q_EMIT salvageEnded();
 }
 
 void RecordingViewModel::refreshDevicesAndPermissions() {
-    set(Property::hasScreenPermission, &Values::hasScreenPermission,
-        platform_.screenCaptureAccess.preflight());
-    set(Property::microphonePermission, &Values::microphonePermission,
-        platform_.microphoneAccess.status());
-    set(Property::microphones, &Values::microphones, platform_.audioDevices.microphones());
+    survey_.start();
+}
+
+void RecordingViewModel::surveyed(const Survey& survey) {
+    set(Property::hasScreenPermission, &Values::hasScreenPermission, survey.hasScreenPermission);
+    set(Property::microphonePermission, &Values::microphonePermission, survey.microphonePermission);
+    set(Property::microphones, &Values::microphones, survey.microphones);
     const auto& selected = values().selectedMicrophoneID;
-    auto choice = chooseMicrophone(selected, values().microphones,
-                                   platform_.audioDevices.defaultMicrophone());
+    auto choice = chooseMicrophone(selected, survey.microphones, survey.defaultMicrophone);
     if (choice != selected) {
         setSelectedMicrophoneID(std::move(choice));
     }
+}
+
+void RecordingViewModel::chooseOutputDirectory() {
+    platform_.folderPanel.choose({.title = texts_.text(L10n::Key::chooseRecordingFolder),
+                                  .prompt = texts_.text(L10n::Key::choose),
+                                  .directory = values().outputDirectory},
+                                 [model = QPointer(this)](const auto& folder) {
+                                     if (model && folder) {
+                                         model->moveTo(*folder);
+                                     }
+                                 });
+}
+
+void RecordingViewModel::moveTo(const std::filesystem::path& outputDirectory) {
+    set(Property::outputDirectory, &Values::outputDirectory, outputDirectory);
+    platform_.preferences.set(Preference::outputDirectory, outputDirectory.string());
+    recoverIncompleteRecordings();
+}
+
+void RecordingViewModel::revealOutputDirectory() {
+    platform_.workspace.openFolder(values().outputDirectory);
+}
+
+void RecordingViewModel::playLastRecording() {
+    if (const auto& recording = values().lastRecordingURL) {
+        platform_.workspace.open(*recording);
+    }
+}
+
+void RecordingViewModel::revealLastRecording() {
+    if (const auto& recording = values().lastRecordingURL) {
+        platform_.workspace.reveal(*recording);
+    }
+}
+
+void RecordingViewModel::openMicrophoneSettings() {
+    platform_.workspace.openPrivacySettings("Privacy_Microphone");
+}
+
+void RecordingViewModel::openScreenCaptureSettings() {
+    platform_.workspace.openPrivacySettings("Privacy_ScreenCapture");
 }
 
 void RecordingViewModel::updateAudioLevel(AudioLevelSource source, float level) {

@@ -7,11 +7,14 @@
 
 #include "control/audio_level_store.h"
 #include "control/ports/audio_devices.h"
-#include "control/ports/power_events.h"
+#include "control/ports/folder_panel.h"
+#include "control/ports/power_management.h"
 #include "control/ports/recorder.h"
 #include "control/ports/scheduler.h"
+#include "control/ports/workspace.h"
 #include "control/recording_properties.h"
 #include "control/salvage_task.h"
+#include "control/survey_task.h"
 #include "control/task.h"
 #include "engine/ports/permissions.h"
 #include "l10n/l10n.h"
@@ -23,10 +26,12 @@ namespace vantoro {
 /// work ends before the rest does.
 struct ControlPlatform {
     Scheduler& scheduler;
-    PowerEvents& powerEvents;
+    PowerManagement& power;
     AudioDevices& audioDevices;
     ScreenCaptureAccess& screenCaptureAccess;
     MicrophoneAccess& microphoneAccess;
+    Workspace& workspace;
+    FolderPanel& folderPanel;
     Preferences& preferences;
     AudioLevelStore& levels;
     std::filesystem::path defaultRecordingFolder;
@@ -35,6 +40,8 @@ struct ControlPlatform {
 /// The one object that the interface follows and gives its commands to: it starts and stops the
 /// recorder, and makes of every failure a state and a message. Main thread; nothing here throws.
 class RecordingViewModel final : public RecordingProperties {
+    Q_OBJECT
+
 public:
     /// Salvages what an earlier run left in the recording folder.
     RecordingViewModel(std::unique_ptr<Recorder> recorder, const ControlPlatform& platform);
@@ -50,8 +57,22 @@ public:
     void startRecording();
     /// Stops a running recording, else as `startRecording`.
     void toggleRecording();
-    /// Never asks the user for anything.
+    /// Soon after, the properties say what there is now. Never asks the user for anything.
     void refreshDevicesAndPermissions();
+
+    /// Lets the user choose where the next recordings go; remembered, and what lies interrupted in
+    /// that folder is finished.
+    void chooseOutputDirectory();
+    void revealOutputDirectory();
+    /// These two do nothing before there is a recording.
+    void playLastRecording();
+    void revealLastRecording();
+    void openMicrophoneSettings();
+    void openScreenCaptureSettings();
+
+Q_SIGNALS:
+    /// A salvage has ended that was not cancelled, whatever it found.
+    void salvageEnded();
 
 private:
     void installCallbacks();
@@ -66,9 +87,10 @@ private:
     void fail(const std::exception_ptr& error, bool preserveCheckpoint);
 
     void startTimer();
-    void handleWillSleep(std::shared_ptr<SleepDelay> delay);
     void handleDidWake();
     void handleStop(StopReason reason);
+    void surveyed(const Survey& survey);
+    void moveTo(const std::filesystem::path& outputDirectory);
     void recoverIncompleteRecordings();
     void recovered(const SalvageTask::Recordings& recordings);
 
@@ -80,9 +102,10 @@ private:
     L10n texts_;
     std::shared_ptr<Recorder> recorder_; // shared with the tasks, which may outlive this
     SalvageTask salvage_;
+    SurveyTask survey_;
     std::unique_ptr<RepeatingTimer> timer_;       // while recording
     std::optional<StopReason> pendingStopReason_; // arrived while preparing
-    std::shared_ptr<SleepDelay> sleepDelay_;      // until what was recorded is saved
+    std::unique_ptr<SleepHold> sleepHold_;        // until what was recorded is on the disk
     std::unique_ptr<PowerObservation> powerObservation_;
 };
 

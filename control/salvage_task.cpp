@@ -5,8 +5,8 @@
 namespace vantoro {
 
 SalvageTask::SalvageTask(Scheduler& scheduler, std::shared_ptr<Recorder> recorder,
-                         std::function<void(const Recordings&)> onFound)
-    : scheduler_(scheduler), recorder_(std::move(recorder)), onFound_(std::move(onFound)) {}
+                         std::function<void(const Recordings&)> onEnded)
+    : scheduler_(scheduler), recorder_(std::move(recorder)), onEnded_(std::move(onEnded)) {}
 
 SalvageTask::~SalvageTask() {
     cancel();
@@ -43,8 +43,8 @@ void SalvageTask::finish(const Answer<Recordings>& answer) {
     if (const auto folder = std::exchange(next_, std::nullopt)) {
         begin(*folder);
     }
-    if (!cancelled && answer && !answer->empty()) {
-        onFound_(*answer);
+    if (!cancelled) {
+        onEnded_(answer.value_or(Recordings()));
     }
 }
 

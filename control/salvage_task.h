@@ -23,9 +23,9 @@ class SalvageTask final : public QObject {
 public:
     using Recordings = std::vector<std::filesystem::path>;
 
-    /// `onFound` is told of what each salvage made, unless that is nothing, or it was cancelled.
+    /// `onEnded` is told of what each salvage made, be it nothing, unless it was cancelled.
     SalvageTask(Scheduler& scheduler, std::shared_ptr<Recorder> recorder,
-                std::function<void(const Recordings&)> onFound);
+                std::function<void(const Recordings&)> onEnded);
     SalvageTask(const SalvageTask&) = delete;
     SalvageTask& operator=(const SalvageTask&) = delete;
     /// Cancels.
@@ -43,7 +43,7 @@ private:
 
     Scheduler& scheduler_;
     std::shared_ptr<Recorder> recorder_;
-    std::function<void(const Recordings&)> onFound_;
+    std::function<void(const Recordings&)> onEnded_;
     bool running_ = false;
     std::stop_source stop_;                     // of the salvage that runs, or ran last
     std::optional<std::filesystem::path> next_; // the folder to turn to when that one has ended

@@ -34,7 +34,7 @@ Answer<std::invoke_result_t<Work&>> answerOf(Work& work) {
 /// thread; only to be dropped there when the owner, an object of that thread, is gone. Work must
 /// hold what it needs by itself.
 template <class Owner, class Work, class Then>
-void runTask(Scheduler& scheduler, QPointer<Owner> owner, Work work, Then then) {
+void runTask(Scheduler& scheduler, const QPointer<Owner>& owner, Work work, Then then) {
     scheduler.runOnTaskThread([&scheduler, owner, work = std::move(work), then]() mutable {
         scheduler.runOnMainThread([owner, then, answer = answerOf(work)] {
             if (owner) {

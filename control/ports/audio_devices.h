@@ -8,8 +8,7 @@
 
 namespace vantoro {
 
-/// The machine's microphones at the moment of the call. Main thread, which must not be kept
-/// waiting.
+/// The machine's microphones at the moment of the call. Task threads; bounded in time.
 class AudioDevices {
 public:
     virtual ~AudioDevices() = default;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <stop_token>
 #include <vector>
 
@@ -10,15 +11,22 @@
 
 namespace vantoro {
 
+/// What a recorder tells of by itself, on threads of its own or of its caller.
+struct RecorderCallbacks {
+    CaptureInterruptedCallback onCaptureInterrupted;
+    AudioLevelCallback onAudioLevel;
+    /// During `stop`: all that was captured is on the disk, what follows can be done again.
+    std::function<void()> onRecordingSafe;
+};
+
 /// The recorder as it is controlled: see `AudioRecorder`, which does all this. What blocks is
 /// called on task threads: `start` and `stop` never at the same time, salvage beside either.
 class Recorder {
 public:
     virtual ~Recorder() = default;
 
-    /// Once, before anything else. Both are called on a thread of the recorder's.
-    virtual void setCallbacks(CaptureInterruptedCallback onCaptureInterrupted,
-                              AudioLevelCallback onAudioLevel) = 0;
+    /// Once, before anything else.
+    virtual void setCallbacks(RecorderCallbacks callbacks) = 0;
 
     /// Returns when capture runs, or throws.
     virtual void start(const RecordingOptions& options) = 0;

@@ -3,7 +3,6 @@
 #include <utility>
 
 #include "platform/desktop/microphone_policy.h"
-#include "platform/desktop/portal.h"
 #include "platform/desktop/privacy_settings.h"
 #include "platform/desktop/sandbox.h"
 
@@ -11,20 +10,23 @@ namespace vantoro::desktop {
 
 DesktopMicrophoneAccess::DesktopMicrophoneAccess(std::function<bool()> openMicrophone,
                                                  std::function<bool()> chosenSourceIsHidden,
-                                                 QDBusConnection sessionBus,
-                                                 std::filesystem::path sandboxDescription)
+                                                 SessionBus sessionBus,
+                                                 std::filesystem::path sandboxDescription,
+                                                 std::chrono::milliseconds limit)
     : openMicrophone_(std::move(openMicrophone)),
       chosenSourceIsHidden_(std::move(chosenSourceIsHidden)),
       sessionBus_(std::move(sessionBus)),
-      sandboxDescription_(std::move(sandboxDescription)) {}
+      sandboxDescription_(std::move(sandboxDescription)),
+      limit_(limit) {}
 
 AuthorizationStatus DesktopMicrophoneAccess::status() {
     MicrophoneFacts facts;
     facts.disabledBySettings = microphoneDisabledBySettings();
-    facts.disabledByPortal = microphoneDisabledByPortal(sessionBus_);
+    const auto bus = sessionBus_();
+    facts.disabledByPortal = microphoneDisabledByPortal(bus, limit_);
     if (const auto applicationID = sandboxedApplicationID(sandboxDescription_)) {
         facts.sandboxed = true;
-        facts.stored = storedMicrophonePermission(sessionBus_, *applicationID);
+        facts.stored = storedMicrophonePermission(bus, *applicationID, limit_);
     }
     facts.chosenSourceHidden = chosenSourceIsHidden_();
     return microphoneAuthorization(facts);

@@ -1,17 +1,18 @@
 #pragma once
 
+#include <chrono>
 #include <filesystem>
 #include <functional>
 
-#include <QtDBus/QDBusConnection>
-
 #include "engine/ports/permissions.h"
+#include "platform/desktop/portal.h"
+#include "platform/desktop/session_bus.h"
 
 namespace vantoro::desktop {
 
 /// What the desktop says about recording a microphone, read anew at each call. Any thread; takes
-/// about a second at most when the desktop's services do not answer, beside what the two functions
-/// given to it take.
+/// two limits at most, about a second, when the desktop's services do not answer, beside what the
+/// two functions given to it take.
 class DesktopMicrophoneAccess final : public MicrophoneAccess {
 public:
     /// `openMicrophone` records for a moment, which is how a sandbox is made to ask its user: true
@@ -19,8 +20,9 @@ public:
     /// server does not let us see. Either may be called on any thread.
     DesktopMicrophoneAccess(std::function<bool()> openMicrophone,
                             std::function<bool()> chosenSourceIsHidden,
-                            QDBusConnection sessionBus = QDBusConnection::sessionBus(),
-                            std::filesystem::path sandboxDescription = "/.flatpak-info");
+                            SessionBus sessionBus = &QDBusConnection::sessionBus,
+                            std::filesystem::path sandboxDescription = "/.flatpak-info",
+                            std::chrono::milliseconds limit = answerLimit);
 
     AuthorizationStatus status() override;
     bool request() override;
@@ -28,8 +30,9 @@ public:
 private:
     std::function<bool()> openMicrophone_;
     std::function<bool()> chosenSourceIsHidden_;
-    QDBusConnection sessionBus_;
+    SessionBus sessionBus_;
     std::filesystem::path sandboxDescription_;
+    std::chrono::milliseconds limit_;
 };
 
 } // namespace vantoro::desktop

@@ -47,8 +47,8 @@ bool lockdownDisablesMicrophone(const QDBusConnection& bus, const QString& servi
 
 } // namespace
 
-bool microphoneDisabledByPortal(const QDBusConnection& bus) {
-    const QDeadlineTimer deadline(answerLimit);
+bool microphoneDisabledByPortal(const QDBusConnection& bus, std::chrono::milliseconds limit) {
+    const QDeadlineTimer deadline(limit);
     const auto services = runningServices(bus, deadline);
     return std::ranges::any_of(services, [&](const QString& service) {
         return service.startsWith("org.freedesktop.impl.portal.desktop.") &&
@@ -57,11 +57,12 @@ bool microphoneDisabledByPortal(const QDBusConnection& bus) {
 }
 
 StoredPermission storedMicrophonePermission(const QDBusConnection& bus,
-                                            const std::string& applicationID) {
+                                            const std::string& applicationID,
+                                            std::chrono::milliseconds limit) {
     auto question = QDBusMessage::createMethodCall(
         permissionStore, "/org/freedesktop/impl/portal/PermissionStore", permissionStore, "Lookup");
     question << QString("devices") << QString("microphone");
-    const auto reply = ask(bus, question, QDeadlineTimer(answerLimit));
+    const auto reply = ask(bus, question, QDeadlineTimer(limit));
     if (reply.type() != QDBusMessage::ReplyMessage || reply.signature() != "a{sas}v") {
         return StoredPermission::undecided;
     }

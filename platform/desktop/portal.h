@@ -9,15 +9,17 @@
 
 namespace vantoro::desktop {
 
-/// What the desktop's portal services say about the microphone. Each question takes
-/// `answerLimit` at most, all its calls together; no answer counts as none given. Any thread.
+/// What the desktop's portal services say about the microphone. Each question takes `limit` at
+/// most, all its calls together; no answer counts as none given. Any thread.
 constexpr std::chrono::milliseconds answerLimit{500};
 
 /// Asks the portal's desktop backends that are running, and starts none.
-bool microphoneDisabledByPortal(const QDBusConnection& bus);
+bool microphoneDisabledByPortal(const QDBusConnection& bus,
+                                std::chrono::milliseconds limit = answerLimit);
 
 /// For programs in a sandbox.
 StoredPermission storedMicrophonePermission(const QDBusConnection& bus,
-                                            const std::string& applicationID);
+                                            const std::string& applicationID,
+                                            std::chrono::milliseconds limit = answerLimit);
 
 } // namespace vantoro::desktop

@@ -5,12 +5,12 @@
 
 namespace vantoro::pipewire {
 
-std::vector<AudioInputDevice> DeviceList::microphones() const {
+std::vector<AudioInputDevice> DeviceList::microphones() {
     const auto graph = queryGraph();
     return graph ? pipewire::microphones(*graph) : std::vector<AudioInputDevice>();
 }
 
-std::optional<std::string> DeviceList::defaultMicrophone() const {
+std::optional<std::string> DeviceList::defaultMicrophone() {
     const auto graph = queryGraph();
     if (!graph || !findMicrophone(*graph, graph->defaultMicrophone)) {
         return std::nullopt;

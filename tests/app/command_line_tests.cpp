@@ -31,10 +31,12 @@ TEST(CommandLine, everyOptionOfRecordIsTaken) {
     expected.microphoneID = "usb-microphone";
     expected.systemVolume = 0.25F;
     expected.microphoneVolume = 1.25F;
-    EXPECT_EQ(parsed("record --seconds 2.5 --folder /tmp/recordings --no-system-audio "
-                     "--no-microphone --microphone usb-microphone --system-volume=0.25 "
-                     "--microphone-volume=1.25"),
-              Command(expected));
+    expected.language = AppLanguage::english;
+    EXPECT_EQ(
+        parsed("record --seconds 2.5 --folder /tmp/recordings --no-system-audio --language en "
+               "--no-microphone --microphone usb-microphone --system-volume=0.25 "
+               "--microphone-volume=1.25"),
+        Command(expected));
 }
 
 TEST(CommandLine, emptyMicrophoneIdentifierIsTakenAsItStands) {
@@ -70,6 +72,7 @@ TEST(CommandLine, whatMakesNoSenseIsOneLineThatSaysWhy) {
         {"record --seconds=-1", "--seconds takes a number above 0, not \"-1\"."},
         {"record --seconds nan", "--seconds takes a number above 0, not \"nan\"."},
         {"record --seconds inf", "--seconds takes a number above 0, not \"inf\"."},
+        {"record --language fr", "--language takes zh-Hans or en, not \"fr\"."},
         {"record --system-volume loud",
          "--system-volume takes a number that is 0 or more, not \"loud\"."},
         {"record --system-volume=-0.5",

@@ -2,31 +2,49 @@
 
 #include <gtest/gtest.h>
 
-namespace vantoro {
+#include "tests/l10n/memory_preferences.h"
+
+namespace vantoro::testing {
 namespace {
 
-TEST(LiveLine, elapsedTimeIsAClock) {
-    const std::pair<std::int64_t, const char*> table[] = {
-        {0, "00:00"},       {75, "01:15"},       {3599, "59:59"},
-        {3600, "01:00:00"}, {36125, "10:02:05"}, {360000, "100:00:00"},
-    };
-    for (const auto& [seconds, text] : table) {
-        EXPECT_EQ(elapsedTimeText(seconds), text);
+class LiveLineTest : public ::testing::Test {
+protected:
+    MemoryPreferences english = preferencesIn("en");
+    MemoryPreferences chinese = preferencesIn("zh-Hans");
+    RecordingProperties::Values values;
+
+    LiveLineTest() {
+        values.elapsedSeconds = 5;
+        values.systemAudioLevel = 0.5;
+        values.microphoneLevel = 1;
     }
+};
+
+TEST_F(LiveLineTest, showsTheTimeAndTheLevelsOfTheSourcesThatAreOn) {
+    const L10n texts(english);
+    EXPECT_EQ(recordingLine(values, texts),
+              "00:05  System [##########----------]  Mic [####################]");
+    values.captureSystemAudio = false;
+    EXPECT_EQ(recordingLine(values, texts), "00:05  Mic [####################]");
+    values.captureSystemAudio = true;
+    values.captureMicrophone = false;
+    values.systemAudioLevel = 0;
+    values.elapsedSeconds = 3600;
+    EXPECT_EQ(recordingLine(values, texts), "01:00:00  System [--------------------]");
 }
 
-TEST(LiveLine, showsTheLevelsOfTheSourcesThatAreOn) {
-    EXPECT_EQ(recordingLine(5, 0.5F, 1.0F), "00:05  system [##########----------]  "
-                                            "microphone [####################]");
-    EXPECT_EQ(recordingLine(5, std::nullopt, 0.0F), "00:05  microphone [--------------------]");
-    EXPECT_EQ(recordingLine(5, 0.0F, std::nullopt), "00:05  system [--------------------]");
+TEST_F(LiveLineTest, speaksTheUsersLanguage) {
+    values.captureSystemAudio = false;
+    EXPECT_EQ(recordingLine(values, L10n(chinese)), "00:05  麦克风 [####################]");
+    EXPECT_EQ(savingLine(0.5, L10n(chinese)), "保存中 50 %");
 }
 
-TEST(LiveLine, savingIsAPercentage) {
-    EXPECT_EQ(savingLine(0), "Saving 0 %");
-    EXPECT_EQ(savingLine(0.426), "Saving 43 %");
-    EXPECT_EQ(savingLine(1.2), "Saving 100 %");
+TEST_F(LiveLineTest, savingIsAPercentage) {
+    const L10n texts(english);
+    EXPECT_EQ(savingLine(0, texts), "Saving 0 %");
+    EXPECT_EQ(savingLine(0.426, texts), "Saving 43 %");
+    EXPECT_EQ(savingLine(1.2, texts), "Saving 100 %");
 }
 
 } // namespace
-} // namespace vantoro
+} // namespace vantoro::testing

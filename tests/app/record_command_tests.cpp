@@ -6,19 +6,33 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include "app/preferences_for_one_run.h"
+#include "control/qt_scheduler.h"
+#include "tests/control/control_fakes.h"
+#include "tests/control/event_loop.h"
 #include "tests/engine/recorder_fixture.h"
+#include "tests/l10n/memory_preferences.h"
 
 namespace vantoro::testing {
 namespace {
 
-/// A base, so that the signals are blocked before the recorder starts its thread.
+/// A base, so that the signals are blocked before anything starts a thread.
 struct BlockedSignals {
     StopSignals signals;
 };
 
 class RecordCommandTest : protected BlockedSignals, public RecorderTest {
 protected:
+    EventLoop loop;
     RecordCommand command;
+    MemoryPreferences preferences = preferencesIn("en");
+    FakePower power;
+    FakeAudioDevices devices;
+    FakeScreenPermission screenSurvey;
+    FakeMicrophonePermission microphoneSurvey;
+    FakeWorkspace workspace;
+    FakeFolderPanel folderPanel;
+    AudioLevelStore levels;
     std::string output;
     std::string errors;
 
@@ -27,7 +41,7 @@ protected:
         capture.duringStart = meanwhile;
         ::testing::internal::CaptureStdout();
         ::testing::internal::CaptureStderr();
-        const int status = runRecordCommand(command, folder, recorder, signals);
+        const int status = runWithViewModel();
         output = ::testing::internal::GetCapturedStdout();
         errors = ::testing::internal::GetCapturedStderr();
         return status;
@@ -36,6 +50,19 @@ protected:
     void captureSomething() {
         capture.deliver(bufferAt(0), StreamOutputType::audio);
         capture.deliver(bufferAt(0, 1), StreamOutputType::microphone);
+    }
+
+private:
+    int runWithViewModel() {
+        RecordRun recordRun(command, signals, preferences);
+        QtScheduler scheduler;
+        auto engine = std::make_unique<EngineRecorder>(
+            RecorderPlatform{screen, microphone, content, capture, toolkit, fileSystem, clock},
+            recordRun.details());
+        RecordingViewModel model(std::move(engine),
+                                 {scheduler, power, devices, screenSurvey, microphoneSurvey,
+                                  workspace, folderPanel, preferences, levels, folder});
+        return recordRun.run(model);
     }
 };
 
@@ -57,15 +84,12 @@ TEST_F(RecordCommandTest, recordingEndsWhenItsTimeHasPassed) {
 }
 
 TEST_F(RecordCommandTest, optionsReachTheRecorder) {
-    command = {.seconds = 0.01,
-               .folder = "/elsewhere",
-               .systemAudio = true,
-               .microphone = true,
-               .microphoneID = "usb-microphone",
-               .systemVolume = 0.5F,
-               .microphoneVolume = 0.25F};
+    command.seconds = 0.01;
+    command.microphoneID = "usb-microphone";
+    command.systemVolume = 0.5F;
+    command.microphoneVolume = 0.25F;
     EXPECT_EQ(run([&] { captureSomething(); }), 0);
-    EXPECT_EQ(output, "/elsewhere/Vantoro-2025-03-01-093015.m4a\n");
+    EXPECT_EQ(output, finalFile.string() + "\n");
     EXPECT_EQ(capture.configuration.microphoneCaptureDeviceID, "usb-microphone");
     EXPECT_EQ(toolkit.exportedGains, (std::vector<float>{0.5F, 0.25F}));
 }
@@ -94,14 +118,18 @@ TEST_F(RecordCommandTest, recordingThatNeverBeganSaysWhatBrokeIt) {
     toolkit.writing.startSucceeds = false;
     toolkit.writing.error = "Permission denied";
     EXPECT_EQ(run([&] { captureSomething(); }), 1);
-    EXPECT_EQ(errors, "Recording failed: Permission denied\n");
+    EXPECT_EQ(output, "");
+    EXPECT_TRUE(
+        errors.starts_with("Recording failed: Permission denied\n"
+                           "No audio was captured. Check the selected sources and try again."))
+        << errors;
     EXPECT_TRUE(fileSystem.entries.empty());
 }
 
 TEST_F(RecordCommandTest, nothingCapturedIsAFailure) {
     command.seconds = 0.01;
     EXPECT_EQ(run({}), 1);
-    EXPECT_EQ(errors, "No audio was captured. Check the selected sources and try again.\n");
+    EXPECT_TRUE(errors.starts_with("No audio was captured.")) << errors;
 }
 
 TEST_F(RecordCommandTest, failedSavingSaysThatACheckpointWasKept) {
@@ -112,6 +140,57 @@ TEST_F(RecordCommandTest, failedSavingSaysThatACheckpointWasKept) {
     EXPECT_EQ(output, "");
     EXPECT_EQ(errors, "No space left on device A recoverable recording checkpoint was kept in the "
                       "recording folder.\n");
+}
+
+TEST_F(RecordCommandTest, whatTheSalvageMakesOfAFailureIsTheResult) {
+    command.seconds = 0.01;
+    toolkit.exporting.duringExport = [this, isFirst = true]() mutable {
+        if (std::exchange(isFirst, false)) {
+            toolkit.exporting.trackCount = 2;
+            fileSystem.leave(folder /
+                             "left.partial.mov"); // the salvage of the start may still look
+            throw std::runtime_error("disk busy");
+        }
+    };
+    EXPECT_EQ(run([&] { captureSomething(); }), 0);
+    EXPECT_EQ(output, finalFile.string() + "\n");
+    EXPECT_TRUE(errors.starts_with("disk busy A recoverable")) << errors;
+    EXPECT_TRUE(errors.ends_with("A previously interrupted recording was recovered and saved.\n"))
+        << errors;
+}
+
+TEST_F(RecordCommandTest, sleepEndsTheRecordingSaved) {
+    EXPECT_EQ(run([&] {
+                  captureSomething();
+                  QMetaObject::invokeMethod(qApp, [this] { power.sleep(); });
+              }),
+              0);
+    EXPECT_EQ(output, finalFile.string() + "\n");
+    EXPECT_EQ(errors, "Recording was interrupted by sleep. The captured audio was saved "
+                      "successfully.\n");
+}
+
+TEST_F(RecordCommandTest, messagesAreInTheLanguageOfThisRunWhichIsNotKept) {
+    PreferencesForOneRun ofThisRun(preferences);
+    ofThisRun.set(Preference::appLanguage, "zh-Hans");
+    EXPECT_EQ(L10n(ofThisRun).language(), AppLanguage::chinese);
+    EXPECT_EQ(ofThisRun.get(Preference::outputDirectory), std::nullopt);
+    EXPECT_EQ(L10n(preferences).language(), AppLanguage::english);
+    EXPECT_TRUE(preferences.stored.empty());
+}
+
+TEST_F(RecordCommandTest, speaksChineseToThoseWhoChoseNoLanguage) {
+    preferences.values.clear();
+    screen.allowed = false;
+    EXPECT_EQ(run({}), 1);
+    EXPECT_EQ(errors, L10n::text(L10n::Key::screenPermissionDenied, AppLanguage::chinese) + "\n");
+}
+
+TEST_F(RecordCommandTest, withoutAnySourceThereIsNothingToRecord) {
+    command.systemAudio = false;
+    command.microphone = false;
+    EXPECT_EQ(run({}), 1);
+    EXPECT_EQ(errors, "Turn on System Audio or Microphone before recording.\n");
 }
 
 } // namespace

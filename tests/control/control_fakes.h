@@ -10,8 +10,10 @@
 #include <vector>
 
 #include "control/ports/audio_devices.h"
-#include "control/ports/power_events.h"
+#include "control/ports/folder_panel.h"
+#include "control/ports/power_management.h"
 #include "control/ports/recorder.h"
+#include "control/ports/workspace.h"
 #include "engine/ports/permissions.h"
 
 namespace vantoro::testing {
@@ -36,6 +38,7 @@ struct RecorderScript {
 
     CaptureInterruptedCallback interrupted;
     AudioLevelCallback level;
+    std::function<void()> safe;
     bool recorderLives = false;
 };
 
@@ -50,10 +53,10 @@ public:
 
     ~FakeRecorder() override { script_.recorderLives = false; }
 
-    void setCallbacks(CaptureInterruptedCallback onCaptureInterrupted,
-                      AudioLevelCallback onAudioLevel) override {
-        script_.interrupted = std::move(onCaptureInterrupted);
-        script_.level = std::move(onAudioLevel);
+    void setCallbacks(RecorderCallbacks callbacks) override {
+        script_.interrupted = std::move(callbacks.onCaptureInterrupted);
+        script_.level = std::move(callbacks.onAudioLevel);
+        script_.safe = std::move(callbacks.onRecordingSafe);
     }
 
     void start(const RecordingOptions& options) override {
@@ -68,6 +71,7 @@ public:
         script_.volumes.emplace_back(systemVolume, microphoneVolume);
         meanwhile(script_.duringStop);
         throwIfThere(script_.stopError);
+        script_.safe();
         return script_.recording;
     }
 
@@ -81,7 +85,7 @@ public:
     }
 
 private:
-    static void meanwhile(const std::function<void()>& what) {
+    static void meanwhile(std::function<void()> what) { // kept: it may be replaced by itself
         if (what) {
             what();
         }
@@ -96,14 +100,14 @@ private:
     RecorderScript& script_;
 };
 
-class FakePowerEvents final : public PowerEvents {
+class FakePower final : public PowerManagement {
 public:
-    /// As the system does before it sleeps; whether somebody made it wait, tells `isDelayed`.
+    std::vector<std::string> reasons; ///< of each hold, in order
+
+    /// As the system does before it sleeps.
     void sleep() {
-        auto delay = std::make_shared<SleepDelay>();
-        delay_ = delay;
         if (willSleep_) {
-            willSleep_(std::move(delay));
+            willSleep_();
         }
     }
 
@@ -113,36 +117,51 @@ public:
         }
     }
 
-    bool isDelayed() const { return !delay_.expired(); }
+    bool isHeldOff() const { return holds_ > 0; }
 
     bool isObserved() const { return static_cast<bool>(willSleep_); }
 
-    std::unique_ptr<PowerObservation>
-    observe(std::function<void(std::shared_ptr<SleepDelay>)> willSleep,
-            std::function<void()> didWake) override {
+    std::unique_ptr<PowerObservation> observe(std::function<void()> willSleep,
+                                              std::function<void()> didWake) override {
         willSleep_ = std::move(willSleep);
         didWake_ = std::move(didWake);
         return std::make_unique<Observation>(*this);
     }
 
+    std::unique_ptr<SleepHold> holdOffSleep(const std::string& reason) override {
+        reasons.push_back(reason);
+        return std::make_unique<Hold>(holds_);
+    }
+
 private:
     struct Observation final : PowerObservation {
-        explicit Observation(FakePowerEvents& observedEvents) : events(observedEvents) {}
+        explicit Observation(FakePower& observedPower) : power(observedPower) {}
 
         Observation(const Observation&) = delete;
         Observation& operator=(const Observation&) = delete;
 
         ~Observation() override {
-            events.willSleep_ = nullptr;
-            events.didWake_ = nullptr;
+            power.willSleep_ = nullptr;
+            power.didWake_ = nullptr;
         }
 
-        FakePowerEvents& events;
+        FakePower& power;
     };
 
-    std::function<void(std::shared_ptr<SleepDelay>)> willSleep_;
+    struct Hold final : SleepHold {
+        explicit Hold(int& holds) : all(holds) { ++all; }
+
+        Hold(const Hold&) = delete;
+        Hold& operator=(const Hold&) = delete;
+
+        ~Hold() override { --all; }
+
+        int& all;
+    };
+
+    std::function<void()> willSleep_;
     std::function<void()> didWake_;
-    std::weak_ptr<SleepDelay> delay_;
+    int holds_ = 0;
 };
 
 class FakeAudioDevices final : public AudioDevices {
@@ -150,9 +169,13 @@ public:
     std::vector<AudioInputDevice> list{{"built-in", "Built-in"}, {"headset", "Headset"}};
     std::optional<std::string> systemDefault = "built-in";
     int readings = 0;
+    std::function<void()> meanwhile; ///< happens once, while the list is being read
 
     std::vector<AudioInputDevice> microphones() override {
         ++readings;
+        if (const auto what = std::exchange(meanwhile, nullptr)) {
+            what();
+        }
         return list;
     }
 
@@ -183,6 +206,43 @@ public:
     bool request() override {
         ++requests;
         return current == AuthorizationStatus::authorized;
+    }
+};
+
+/// Remembers what it was asked for.
+class FakeWorkspace final : public Workspace {
+public:
+    std::vector<std::string> calls;
+
+    void open(const std::filesystem::path& file) override {
+        calls.push_back("open " + file.string());
+    }
+
+    void openFolder(const std::filesystem::path& folder) override {
+        calls.push_back("open folder " + folder.string());
+    }
+
+    void reveal(const std::filesystem::path& file) override {
+        calls.push_back("reveal " + file.string());
+    }
+
+    void openPage(const std::string& address) override { calls.push_back("page " + address); }
+
+    void openPrivacySettings(const std::string& anchor) override {
+        calls.push_back("settings " + anchor);
+    }
+};
+
+/// The test is its user.
+class FakeFolderPanel final : public FolderPanel {
+public:
+    std::vector<FolderQuestion> questions;
+    std::function<void(std::optional<std::filesystem::path>)> answer; ///< to the last question
+
+    void choose(const FolderQuestion& question,
+                std::function<void(std::optional<std::filesystem::path>)> answered) override {
+        questions.push_back(question);
+        answer = std::move(answered);
     }
 };
 

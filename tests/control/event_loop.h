@@ -19,6 +19,7 @@ public:
         const QDeadlineTimer deadline(limit);
         QTimer wakeAtDeadline; // so that waiting for an event ends
         wakeAtDeadline.setSingleShot(true);
+        wakeAtDeadline.setTimerType(Qt::PreciseTimer); // another may be early, and the last event
         wakeAtDeadline.start(limit);
         while (!isTrue() && !deadline.hasExpired()) {
             QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);

@@ -43,37 +43,55 @@ TEST_F(ViewModelTest, hearsOfAnInterruptionOnTheMainThreadOnly) {
     EXPECT_EQ(state(), Case::processing);
 }
 
-TEST_F(ViewModelTest, delaysSleepUntilTheRecordingIsSaved) {
-    struct Row {
-        Case state;
-        bool delays;
-    };
-
-    for (const auto& [from, delays] : {
-             Row{Case::idle, false},
-             Row{Case::preparing, true},
-             Row{Case::recording, true},
-             Row{Case::processing, true},
-             Row{Case::completed, false},
-             Row{Case::failed, false},
+TEST_F(ViewModelTest, holdsOffSleepWhileThereIsSoundThatIsNotYetSafe) {
+    for (const auto& [from, holds] : {
+             std::pair{Case::idle, false},
+             std::pair{Case::preparing, true},
+             std::pair{Case::recording, true},
+             std::pair{Case::processing, true},
+             std::pair{Case::completed, false},
+             std::pair{Case::failed, false},
          }) {
         ViewModelWorld world;
         world.lead(from);
+        EXPECT_EQ(world.power.isHeldOff(), holds) << static_cast<int>(from);
         world.power.sleep();
-        EXPECT_EQ(world.power.isDelayed(), delays) << static_cast<int>(from);
+        EXPECT_EQ(world.power.isHeldOff(), holds) << static_cast<int>(from);
         world.scheduler.settle();
-        EXPECT_FALSE(world.power.isDelayed()) << static_cast<int>(from);
+        EXPECT_FALSE(world.power.isHeldOff()) << static_cast<int>(from);
     }
 }
 
-TEST_F(ViewModelTest, delaysSleepNoLongerThanUntilSavingFailed) {
+TEST_F(ViewModelTest, saysInTheUsersLanguageWhySleepIsHeldOff) {
+    preferences = preferencesIn("zh-Hans");
+    lead(Case::recording);
+    EXPECT_EQ(power.reasons, std::vector<std::string>{text(Key::recording)});
+}
+
+TEST_F(ViewModelTest, letsTheMachineSleepBeforeTheFilesAreMixed) {
+    lead(Case::processing);
+    bool heldWhileNotSafe = false;
+    bool heldWhileMixing = true;
+    recorder.duringStop = [&] {
+        heldWhileNotSafe = power.isHeldOff();
+        recorder.safe();
+        scheduler.runMain();
+        heldWhileMixing = power.isHeldOff();
+    };
+    scheduler.runTask();
+    EXPECT_TRUE(heldWhileNotSafe);
+    EXPECT_FALSE(heldWhileMixing);
+    EXPECT_EQ(state(), Case::completed);
+}
+
+TEST_F(ViewModelTest, holdsOffSleepNoLongerThanUntilSavingFailed) {
     lead(Case::recording);
     recorder.stopError = failure("disk full");
     power.sleep();
     scheduler.runMain();
     scheduler.runTask();
     EXPECT_EQ(state(), Case::failed);
-    EXPECT_FALSE(power.isDelayed());
+    EXPECT_FALSE(power.isHeldOff());
 }
 
 TEST_F(ViewModelTest, looksAnewAtDevicesAndPermissionsOnWakeAndSalvagesUnlessBusy) {
@@ -97,10 +115,12 @@ TEST_F(ViewModelTest, looksAnewAtDevicesAndPermissionsOnWakeAndSalvagesUnlessBus
         world.screen.allowed = false;
         world.devices.list = {{"new", "New"}};
         world.power.wake();
+        constexpr std::size_t surveys = 1;
+        EXPECT_EQ(world.scheduler.waitingTasks(), waiting + surveys + salvages)
+            << static_cast<int>(from);
+        world.scheduler.settle();
         EXPECT_FALSE(world.values().hasScreenPermission);
         EXPECT_EQ(world.values().microphones, world.devices.list);
-        EXPECT_EQ(world.scheduler.waitingTasks(), waiting + salvages) << static_cast<int>(from);
-        world.scheduler.settle();
         EXPECT_EQ(world.recorder.foldersSought.size(), salvages) << static_cast<int>(from);
     }
 }

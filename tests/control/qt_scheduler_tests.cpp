@@ -54,6 +54,32 @@ TEST_F(QtSchedulerTest, letsNoWorkWaitForOtherWork) {
     release.release(many);
 }
 
+TEST_F(QtSchedulerTest, tasksThatAreToWaitBeginWhenTheyAreLet) {
+    std::string begun; // by the main thread, told of each
+    const auto tell = [&](char task) {
+        scheduler.runOnMainThread([&begun, task] { begun += task; });
+    };
+    QtScheduler waiting(QtScheduler::TasksBegin::whenLet);
+    waiting.runOnTaskThread([&] { tell('a'); });
+    scheduler.runOnTaskThread([&] { tell('b'); });
+    ASSERT_TRUE(EventLoop::runUntil([&] { return !begun.empty(); }));
+    EXPECT_EQ(begun, "b");
+    waiting.letTasksBegin();
+    EXPECT_TRUE(EventLoop::runUntil([&] { return begun == "ba"; }));
+    waiting.runOnTaskThread([&] { tell('c'); });
+    EXPECT_TRUE(EventLoop::runUntil([&] { return begun == "bac"; }));
+}
+
+TEST_F(QtSchedulerTest, tasksThatWereNeverLetBeginDoNot) {
+    auto held = std::make_shared<int>();
+    {
+        QtScheduler waiting(QtScheduler::TasksBegin::whenLet);
+        waiting.runOnTaskThread([held] { ADD_FAILURE(); });
+        EXPECT_EQ(held.use_count(), 2);
+    }
+    EXPECT_EQ(held.use_count(), 1);
+}
+
 TEST_F(QtSchedulerTest, waitsForItsTasksWhenItEnds) {
     std::atomic<bool> done = false;
     std::binary_semaphore begun(0);

@@ -59,7 +59,7 @@ TEST_F(ViewModelTest, dropsACancelledSalvageAlsoWhenTheStartHasFailedMeanwhile) 
     scheduler.runTask();
     EXPECT_EQ(state(), Case::failed);
     EXPECT_EQ(message(), "broken");
-    scheduler.runTask(); // the failed start's own
+    scheduler.settle(); // with the failed start's own
     EXPECT_EQ(state(), Case::completed);
     EXPECT_EQ(recorder.stopRequested, (std::vector<bool>{true, false}));
 }
@@ -68,11 +68,12 @@ TEST_F(ViewModelTest, beginsASalvageOnlyWhenTheCancelledOneHasEnded) {
     launch();
     power.wake();
     power.wake();
-    EXPECT_EQ(scheduler.waitingTasks(), 1U);
+    EXPECT_EQ(scheduler.waitingTasks(), 2U); // with the look at the devices
+    recorder.duringSalvage = [this] { EXPECT_EQ(scheduler.waitingTasks(), 1U); };
     scheduler.runTask();
-    EXPECT_EQ(scheduler.waitingTasks(), 1U);
-    scheduler.runTask();
-    EXPECT_EQ(scheduler.waitingTasks(), 0U);
+    recorder.duringSalvage = nullptr;
+    EXPECT_EQ(recorder.stopRequested, (std::vector<bool>{true}));
+    scheduler.settle();
     EXPECT_EQ(recorder.stopRequested, (std::vector<bool>{true, false}));
 }
 

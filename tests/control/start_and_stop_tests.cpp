@@ -89,15 +89,14 @@ TEST_F(StartTest, thatFailsShowsThePermissionThatWasRefusedAndThenSalvages) {
     recorder.duringStart = [this] { microphone.current = AuthorizationStatus::denied; };
     recorder.calls.clear();
     model->startRecording();
-    scheduler.runTask();
-    EXPECT_EQ(values().microphonePermission, AuthorizationStatus::denied);
     scheduler.settle();
+    EXPECT_EQ(values().microphonePermission, AuthorizationStatus::denied);
     EXPECT_EQ(recorder.calls, (Seen{"start", "salvage"}));
 }
 
 TEST_F(StartTest, thatSucceedsShowsThePermissionThatWasGranted) {
     microphone.current = AuthorizationStatus::notDetermined;
-    model->refreshDevicesAndPermissions();
+    refresh();
     recorder.duringStart = [this] { microphone.current = AuthorizationStatus::authorized; };
     record();
     EXPECT_EQ(values().microphonePermission, AuthorizationStatus::authorized);
@@ -109,7 +108,7 @@ TEST_F(StartTest, thatFailsAfterASleepForgetsTheSleep) {
     power.sleep();
     scheduler.settle();
     EXPECT_EQ(state(), Case::failed);
-    EXPECT_FALSE(power.isDelayed());
+    EXPECT_FALSE(power.isHeldOff());
     recorder.startError = nullptr;
     record();
     EXPECT_EQ(message(), "(none)");

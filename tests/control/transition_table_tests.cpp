@@ -183,6 +183,7 @@ void expectSalvage(Case from, std::size_t count, Case to, const std::string& mes
         world.leadFromIdle(from);
         world.recorder.salvaged.resize(count, "/music/salvaged.m4a");
         world.power.wake();
+        world.scheduler.runTask(); // the look at the devices
     }
     ASSERT_EQ(world.state(), from);
     world.scheduler.runTask(0);

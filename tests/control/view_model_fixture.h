@@ -22,28 +22,35 @@ using Key = L10n::Key;
 struct ViewModelWorld {
     MemoryPreferences preferences = preferencesIn("en");
     FakeScheduler scheduler;
-    FakePowerEvents power;
+    FakePower power;
     FakeAudioDevices devices;
     FakeScreenPermission screen;
     FakeMicrophonePermission microphone;
+    FakeWorkspace workspace;
+    FakeFolderPanel folderPanel;
     AudioLevelStore levels;
     RecorderScript recorder;
     std::unique_ptr<RecordingViewModel> model;
 
-    /// As at a launch of the program; the salvage that begins then waits for a task thread.
-    void launch() {
-        model = std::make_unique<RecordingViewModel>(
-            std::make_unique<FakeRecorder>(recorder),
-            ControlPlatform{
-                .scheduler = scheduler,
-                .powerEvents = power,
+    ControlPlatform platform() {
+        return {.scheduler = scheduler,
+                .power = power,
                 .audioDevices = devices,
                 .screenCaptureAccess = screen,
                 .microphoneAccess = microphone,
+                .workspace = workspace,
+                .folderPanel = folderPanel,
                 .preferences = preferences,
                 .levels = levels,
-                .defaultRecordingFolder = "/home/somebody/Movies/Vantoro",
-            });
+                .defaultRecordingFolder = "/home/somebody/Movies/Vantoro"};
+    }
+
+    /// As at a launch of the program, with the first look at the devices; the salvage that begins
+    /// then waits for a task thread.
+    void launch() {
+        model = std::make_unique<RecordingViewModel>(std::make_unique<FakeRecorder>(recorder),
+                                                     platform());
+        scheduler.runTask();
     }
 
     /// ... and after it, when nothing was found.
@@ -63,6 +70,12 @@ struct ViewModelWorld {
     }
 
     std::string text(Key key) const { return L10n(preferences).text(key); }
+
+    /// Looks at devices and permissions anew, and lets the answer come.
+    void refresh() {
+        model->refreshDevicesAndPermissions();
+        scheduler.settle();
+    }
 
     void record() {
         model->startRecording();

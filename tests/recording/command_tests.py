@@ -55,12 +55,37 @@ class CommandLine(RecordingCase):
         self.folder.mkdir()
         subprocess.run(["mount", "-t", "tmpfs", "-o", "ro", "tmpfs", str(self.folder)], check=True)
         self.addCleanup(subprocess.run, ["umount", str(self.folder)], check=True)
-        self.assert_refused(recorder.record(self.folder), 1, "Read-only file system")
+        result = recorder.record(self.folder)
+        self.assertEqual((result.status, result.output), (1, ""), result)
+        cause, consequence = result.errors.splitlines()
+        self.assertIn("Read-only file system", cause)
+        self.assertIn("No audio was captured.", consequence)
 
     def test_bothSourcesOffIsRefused(self):
         self.assert_refused(recorder.record(self.folder, "--no-system-audio", "--no-microphone"), 1,
                             "Turn on System Audio or Microphone before recording.")
         self.assertFalse(self.folder.exists())
+
+    def test_messagesAreInTheUsersLanguageUnlessThisRunsIsAnother(self):
+        refused = ["record", "--folder", self.folder, "--no-system-audio", "--no-microphone"]
+        chinese, english = "请先开启系统声音或麦克风", "Turn on System Audio or Microphone"
+        self.assert_refused(recorder.run(*refused), 1, chinese)
+        self.assert_refused(recorder.run(*refused, "--language", "en"), 1, english)
+        preferences = self.folder.parent / "vantoro/vantoro.conf"
+        preferences.parent.mkdir()
+        preferences.write_text("[General]\nappLanguage=en\n")
+        environment = dict(os.environ, XDG_CONFIG_HOME=str(self.folder.parent))
+        self.assert_refused(recorder.run(*refused, env=environment), 1, english)
+        self.assert_refused(recorder.run(*refused, "--language", "zh-Hans", env=environment), 1, chinese)
+        self.assertEqual(preferences.read_text(), "[General]\nappLanguage=en\n")
+
+    def test_recordsIntoTheFolderOfThePreferences(self):
+        preferences = self.folder.parent / "vantoro/vantoro.conf"
+        preferences.parent.mkdir()
+        preferences.write_text(f"[General]\noutputDirectory={self.folder}\n")
+        environment = dict(os.environ, XDG_CONFIG_HOME=str(self.folder.parent))
+        path = recorder.run("record", "--seconds", "1", env=environment).saved()
+        self.assertEqual(path.parent, self.folder)
 
     def test_withoutASoundServerThePermissionIsMissing(self):
         environment = dict(os.environ, XDG_RUNTIME_DIR=str(self.folder.parent))
@@ -80,11 +105,11 @@ class CommandLine(RecordingCase):
         self.folder.mkdir()
         master, slave = os.openpty()
         with sound.tone(440):
-            process = subprocess.Popen([recorder.PROGRAM, "record", "--folder", str(self.folder)],
+            process = subprocess.Popen([recorder.PROGRAM, *recorder.IN_ENGLISH, "--folder", str(self.folder)],
                                        stdout=subprocess.PIPE, stderr=slave, text=True)
             os.close(slave)
             shown = b""
-            while b"00:02  system [#" not in shown:
+            while b"00:02  System [#" not in shown:
                 shown += os.read(master, 4096)
             process.send_signal(signal.SIGINT)
             output, _ = process.communicate(timeout=60)
@@ -93,7 +118,7 @@ class CommandLine(RecordingCase):
                     shown += data
             except OSError:
                 pass  # the other end is closed
-        self.assertIn(b"00:00  system [", shown)
+        self.assertIn(b"00:00  System [", shown)
         self.assertIn(b"Saving 100 %", shown)
         self.assertTrue(output.startswith(str(self.folder)))
         os.close(master)

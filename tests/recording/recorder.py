@@ -11,6 +11,7 @@ from pathlib import Path
 
 PROGRAM = os.environ.get("VANTORO_PROGRAM", str(Path(__file__).resolve().parents[2] / "build/release/vantoro"))
 SECONDS_TO_END = 60
+IN_ENGLISH = ("record", "--language", "en")
 
 IN_MODIFY, IN_CREATE, IN_DELETE, IN_MOVED_TO = 0x2, 0x100, 0x200, 0x80
 
@@ -63,7 +64,7 @@ class Recording:
         Path(folder).mkdir(parents=True, exist_ok=True)
         self.watch = FolderWatch(folder)
         self._process = subprocess.Popen(
-            [*prefix, PROGRAM, "record", "--folder", str(folder), *map(str, arguments)],
+            [*prefix, PROGRAM, *IN_ENGLISH, "--folder", str(folder), *map(str, arguments)],
             stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True, **options)
         self.pid = self._process.pid
 
@@ -118,7 +119,7 @@ def run(*arguments, timeout=SECONDS_TO_END, **options):
 
 
 def record(folder, *arguments, **options):
-    return run("record", "--folder", folder, *arguments, **options)
+    return run(*IN_ENGLISH, "--folder", folder, *arguments, **options)
 
 
 def temporary_files(folder):

@@ -33,8 +33,9 @@ protected:
                                                 ++openings;
                                                 return opens;
                                             },
-                                            [this] { return hidden; }, privateBus.connect("asking"),
-                                            sandbox};
+                                            [this] { return hidden; },
+                                            [bus = privateBus.connect("asking")] { return bus; },
+                                            sandbox, patience};
 
     void TearDown() override { QDBusConnection::disconnectFromBus("asking"); }
 

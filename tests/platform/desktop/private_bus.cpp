@@ -50,10 +50,10 @@ QString readLine(FILE* file) {
 PrivateBus::PrivateBus() {
     const QString file = folder_.filePath("bus.conf");
     write(file, QString(configuration).arg(folder_.path()));
-    // Not to be left behind by a test that crashes. What it complains of are rights and limits.
+    // Not to be left behind by a test that crashes.
     const auto command = "exec setpriv --pdeathsig KILL dbus-daemon --nofork --print-address=1 "
                          "--print-pid=1 --config-file='" +
-                         file + "' 2>/dev/null";
+                         file + "' 2>'" + folder_.filePath("complaints") + "'";
     output_ = ::popen(command.toUtf8().constData(), "r");
     if (output_ == nullptr) {
         throw std::runtime_error("the private bus cannot be started");
@@ -61,18 +61,30 @@ PrivateBus::PrivateBus() {
     address_ = readLine(output_);
     process_ = readLine(output_).toInt();
     if (process_ <= 0) {
-        ::pclose(output_);
-        throw std::runtime_error("the private bus did not start");
+        const int status = ::pclose(output_);
+        throw std::runtime_error("the private bus did not start: status " + std::to_string(status) +
+                                 ", " + complaints());
     }
 }
 
 PrivateBus::~PrivateBus() {
     ::kill(process_, SIGTERM);
-    ::pclose(output_); // waits for its end
+    ::kill(process_, SIGCONT); // it may be frozen
+    ::pclose(output_);         // waits for its end
 }
 
 QDBusConnection PrivateBus::connect(const QString& name) const {
-    return QDBusConnection::connectToBus(address_, name);
+    auto connection = QDBusConnection::connectToBus(address_, name);
+    if (!connection.isConnected()) {
+        throw std::runtime_error("no connection to the private bus: " +
+                                 connection.lastError().message().toStdString() + complaints());
+    }
+    return connection;
+}
+
+std::string PrivateBus::complaints() const {
+    QFile file(folder_.filePath("complaints"));
+    return file.open(QIODevice::ReadOnly) ? file.readAll().toStdString() : "nothing said";
 }
 
 void PrivateBus::addStartableService(const QString& name) {
@@ -92,14 +104,21 @@ bool PrivateBus::startedAService() const {
     return QFile::exists(folder_.filePath("started"));
 }
 
+void PrivateBus::freeze() const {
+    if (::kill(process_, SIGSTOP) != 0) {
+        throw std::runtime_error("the private bus cannot be frozen");
+    }
+}
+
 BusService::BusService(const PrivateBus& bus, const QString& name, Answer answer)
     : name_(name), object_(std::move(answer)) {
     auto connection = bus.connect(name_);
     const bool offered = connection.registerVirtualObject("/", &object_, QDBusConnection::SubPath);
     object_.moveToThread(&thread_);
     if (!offered || !connection.registerService(name_)) {
+        const auto reason = connection.lastError().message().toStdString();
         QDBusConnection::disconnectFromBus(name_);
-        throw std::runtime_error("cannot offer " + name.toStdString());
+        throw std::runtime_error("cannot offer " + name.toStdString() + ": " + reason);
     }
     thread_.start();
 }

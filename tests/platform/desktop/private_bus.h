@@ -1,11 +1,14 @@
 #pragma once
 
+#include <chrono>
 #include <cstdio>
 #include <functional>
+#include <string>
 #include <utility>
 
 #include <sys/types.h>
 
+#include <QtCore/QByteArray>
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 #include <QtCore/QTemporaryDir>
@@ -16,6 +19,13 @@
 
 namespace vantoro::testing {
 
+/// For answers that are sure to come, on however busy a machine.
+constexpr std::chrono::seconds patience{60};
+
+/// What takes less is not waiting for an answer that does not come: a call takes 25 s for that,
+/// unless it is told otherwise. Far more than a busy machine takes for anything else.
+constexpr std::chrono::seconds withoutWaiting{15};
+
 /// A session bus of its own, which nothing but the test is on.
 class PrivateBus {
 public:
@@ -24,13 +34,22 @@ public:
     PrivateBus& operator=(const PrivateBus&) = delete;
     ~PrivateBus();
 
-    /// A new connection; closed by whoever takes it, or with the bus.
+    /// A new connection; closed by whoever takes it, or with the bus. Throws without one.
     QDBusConnection connect(const QString& name) const;
+
+    /// For programs that connect by themselves.
+    const QString& address() const { return address_; }
+
     /// Lets the bus start a service, which would leave a mark. Before anybody asks for it.
     void addStartableService(const QString& name);
     bool startedAService() const;
+    /// From then on it does nothing, and nobody's connection breaks.
+    void freeze() const;
 
 private:
+    /// What the daemon complained of, which may be rights and limits that nothing depends on.
+    std::string complaints() const;
+
     QTemporaryDir folder_;
     std::FILE* output_ = nullptr; // the daemon's
     pid_t process_ = 0;

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <map>
+#include <string>
+
+#include "l10n/preferences.h"
+
+namespace vantoro {
+
+/// The user's preferences, of which one run of a command has some otherwise. What such a run sets
+/// is not kept. Main thread.
+class PreferencesForOneRun final : public Preferences {
+public:
+    /// `users` outlives it.
+    explicit PreferencesForOneRun(const Preferences& users) : users_(users) {}
+
+    std::optional<std::string> get(Preference preference) const override {
+        const auto found = ofThisRun_.find(preference);
+        return found == ofThisRun_.end() ? users_.get(preference) : found->second;
+    }
+
+    void set(Preference preference, const std::string& value) override {
+        ofThisRun_[preference] = value;
+    }
+
+private:
+    const Preferences& users_;
+    std::map<Preference, std::string> ofThisRun_;
+};
+
+} // namespace vantoro

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <vector>
+
+#include <QtCore/QObject>
+
+#include "control/recording_view_model.h"
+
+namespace vantoro {
+
+/// Saves what is being recorded before something that would end it. Main thread.
+class SavingFirst final : public QObject {
+public:
+    /// `saved`: nothing is left to be saved. Otherwise it could not be, as the user is told by the
+    /// view model.
+    using Done = std::function<void(bool saved)>;
+
+    /// `model` outlives it.
+    explicit SavingFirst(RecordingViewModel& model);
+
+    /// Stops a recording that runs, or is about to. `done` is called at once where there is none,
+    /// else by the event loop once it has come to its end; not after this object's.
+    void request(Done done);
+
+    /// Whether somebody waits.
+    bool isUnderWay() const { return !waiting_.empty(); }
+
+private:
+    void stateChanged();
+    void conclude(bool saved);
+
+    RecordingViewModel& model_;
+    std::vector<Done> waiting_;
+};
+
+/// What has to be done about a recording before it is saved, by its state alone.
+enum class SavingStep : std::uint8_t { none, stop, wait };
+
+SavingStep savingStep(RecordingState::Case state);
+
+} // namespace vantoro

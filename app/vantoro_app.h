@@ -1,0 +1,72 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include <QtCore/QObject>
+
+#include "app/app_delegate.h"
+#include "app/saving_first.h"
+#include "control/recording_view_model.h"
+#include "l10n/language_settings.h"
+#include "ui/main_window.h"
+#include "ui/ports/status_area.h"
+#include "update/update_checker.h"
+
+namespace vantoro {
+
+/// The desktop around the program's window. All of it outlives the program.
+struct WindowPlatform {
+    StatusArea& statusArea;
+    /// As XDG_CURRENT_DESKTOP has them.
+    std::string desktops;
+    std::string version;            ///< of this program
+    std::function<void()> launched; ///< the window stands: what is dear may begin
+    std::function<void()> end;      ///< ends the event loop
+};
+
+/// The program with a window: the three objects that live as long as it does, the window that shows
+/// them, and the delegate. Main thread.
+class VantoroApp final : public QObject {
+public:
+    /// Shows the window, and once that stands the meters in the status area.
+    VantoroApp(std::unique_ptr<Recorder> recorder, const ControlPlatform& platform,
+               WindowPlatform windowPlatform);
+
+    /// Brings the window to the front. With the token the desktop lets us; it may be empty.
+    void activate(const std::string& activationToken);
+
+    /// What becomes of the program when a recording could not be saved.
+    enum class IfNotSaved : std::uint8_t {
+        stay, ///< the user reads why, and may ask again
+        end,  ///< what was captured waits in the recording folder for the next start
+    };
+
+    /// Ends the program, once what is being recorded is saved; meanwhile the window shows that.
+    void quit(IfNotSaved ifNotSaved);
+
+    /// Returns when what is being recorded is saved, or could not be, or has taken `patience`: what
+    /// was captured waits in the recording folder then. The event loop runs on.
+    void saveBeforeTheSessionEnds(std::chrono::milliseconds patience);
+
+private:
+    void followWindow();
+    /// What the window did not have to wait for.
+    void endLaunch();
+    /// Out of sight, but not out of reach.
+    void putWindowAway();
+
+    WindowPlatform platform_;
+    AppDelegate appDelegate_;
+    RecordingViewModel viewModel_;
+    LanguageSettings languageSettings_;
+    UpdateChecker updateChecker_;
+    SavingFirst savingFirst_;
+    MainWindow window_;
+    bool hasLaunched_ = false;
+};
+
+} // namespace vantoro

@@ -1,0 +1,102 @@
+#include "app/window_command.h"
+
+#include <chrono>
+#include <iostream>
+
+#include <QtCore/QSocketNotifier>
+#include <QtWidgets/QApplication>
+
+#include "app/recording_platform.h"
+#include "app/vantoro_app.h"
+#include "control/engine_recorder.h"
+#include "l10n/settings_file.h"
+#include "platform/desktop/application_instance.h"
+#include "platform/desktop/font_configuration.h"
+#include "platform/desktop/status_notifier_area.h"
+#include "ui/application_style.h"
+#include "ui/substituted_status_area.h"
+#include "ui/tray_icon_area.h"
+
+namespace vantoro {
+
+namespace {
+
+using namespace std::chrono_literals;
+using desktop::ApplicationInstance;
+
+// A bus that hangs must not keep the window from the user, nor two windows each other.
+constexpr auto busPatience = 1s;
+constexpr auto firstOnesPatience = 10s;
+// A saving that hangs must not hold this program in the session's end.
+constexpr auto sessionsPatience = 60s;
+
+bool isThereADesktop() {
+    return !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") ||
+           !qEnvironmentVariableIsEmpty("DISPLAY") ||
+           !qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM");
+}
+
+/// Everything that a program with a window is made of.
+class WindowRun {
+public:
+    WindowRun(const std::string& sessionBus, ApplicationInstance& instance, StopSignals& signals)
+        : notifierArea_(sessionBus),
+          app_(std::make_unique<EngineRecorder>(platform_.forRecorder()),
+               platform_.forControl(preferences_),
+               {.statusArea = statusArea_,
+                .desktops = qgetenv("XDG_CURRENT_DESKTOP").toStdString(),
+                .version = VANTORO_VERSION,
+                .launched = [this] { platform_.letTasksBegin(); },
+                .end = [] { QApplication::exit(); }}),
+          signalCame_(signals.descriptor(), QSocketNotifier::Read) {
+        instance.setActivated([this](const std::string& token) { app_.activate(token); });
+        QObject::connect(&signalCame_, &QSocketNotifier::activated, &app_, [this, &signals] {
+            if (signals.take()) {
+                app_.quit(VantoroApp::IfNotSaved::end);
+            }
+        });
+        QObject::connect(qApp, &QGuiApplication::commitDataRequest, &app_,
+                         [this] { app_.saveBeforeTheSessionEnds(sessionsPatience); });
+    }
+
+private:
+    SettingsFile preferences_;
+    // What looks for devices and old recordings takes processors from the window that is being
+    // made.
+    RecordingPlatform platform_{QtScheduler::TasksBegin::whenLet};
+    desktop::StatusNotifierArea notifierArea_;
+    TrayIconArea trayIconArea_;
+    SubstitutedStatusArea statusArea_{notifierArea_, trayIconArea_};
+    VantoroApp app_;
+    QSocketNotifier signalCame_;
+};
+
+} // namespace
+
+int runWindowCommand(int& argc, char** argv, StopSignals& signals) {
+    if (!isThereADesktop()) {
+        std::cerr << "There is no desktop to show a window on. See vantoro --help for what can be "
+                     "done without.\n";
+        return 2;
+    }
+    const auto fonts = desktop::readFontConfigurationAhead();
+    const auto token = desktop::activationTokenOfThisStart();
+    const QApplication application(argc, argv);
+    QApplication::setStyle(new ApplicationStyle);
+    QApplication::setApplicationName("Vantoro");
+    QApplication::setDesktopFileName(desktop::applicationID);
+    QApplication::setQuitOnLastWindowClosed(false);
+    const auto sessionBus = desktop::standardBusAddresses().session;
+    ApplicationInstance instance(sessionBus);
+    if (instance.awaitRole(busPatience) == ApplicationInstance::Role::another) {
+        if (instance.activateFirst(token, firstOnesPatience)) {
+            return 0;
+        }
+        std::cerr << "Vantoro is running already, and does not answer.\n";
+        return 1;
+    }
+    const WindowRun run(sessionBus, instance, signals);
+    return QApplication::exec();
+}
+
+} // namespace vantoro

@@ -1,0 +1,96 @@
+#include "platform/desktop/logind.h"
+
+#include <utility>
+
+namespace vantoro::desktop {
+
+namespace {
+
+const std::string busService = "org.freedesktop.DBus";
+const std::string service = "org.freedesktop.login1";
+const std::string path = "/org/freedesktop/login1";
+const std::string manager = "org.freedesktop.login1.Manager";
+
+} // namespace
+
+Logind::Logind(BusConnection& systemBus, std::function<void(bool)> prepareForSleep)
+    : bus_(systemBus) {
+    observeOwner();
+    observeSleep(std::move(prepareForSleep));
+}
+
+std::shared_ptr<LogindInhibitor> Logind::inhibit(std::string what, std::string reason,
+                                                 std::string mode) {
+    const auto inhibitor =
+        std::make_shared<LogindInhibitor>(LogindInhibitor{.what = std::move(what),
+                                                          .reason = std::move(reason),
+                                                          .mode = std::move(mode),
+                                                          .lock = std::nullopt});
+    std::erase_if(inhibitors_, [](const auto& one) { return one.expired(); });
+    inhibitors_.push_back(inhibitor);
+    take(inhibitor);
+    return inhibitor;
+}
+
+/// The question comes after the rule: no change gets lost between the two.
+void Logind::observeOwner() {
+    bus_.listen("type='signal',sender='" + busService +
+                    "',interface='org.freedesktop.DBus',member='NameOwnerChanged',arg0='" +
+                    service + "'",
+                [this](BusMessage& signal) {
+                    const auto name = signal.readText();
+                    const auto before = signal.readText();
+                    const auto after = signal.readText();
+                    if (signal.sender() == busService && name == service && before && after) {
+                        setOwner(*after);
+                    }
+                });
+    bus_.call({.service = busService,
+               .path = "/org/freedesktop/DBus",
+               .interface = "org.freedesktop.DBus",
+               .member = "GetNameOwner"},
+              {service}, [this](BusMessage& reply) {
+                  if (!reply.isError()) {
+                      setOwner(reply.readText().value_or(""));
+                  }
+              });
+}
+
+void Logind::setOwner(const std::string& owner) {
+    if (owner == owner_) {
+        return;
+    }
+    owner_ = owner;
+    for (const auto& wanted : inhibitors_) {
+        if (const auto inhibitor = wanted.lock()) {
+            take(inhibitor);
+        }
+    }
+}
+
+void Logind::observeSleep(std::function<void(bool)> prepareForSleep) {
+    bus_.listen("type='signal',sender='" + service + "',path='" + path + "',interface='" + manager +
+                    "',member='PrepareForSleep'",
+                [this, tell = std::move(prepareForSleep)](BusMessage& signal) {
+                    const auto sleeping = signal.readFlag();
+                    if (signal.sender() == owner_ && sleeping) {
+                        tell(*sleeping);
+                    }
+                });
+}
+
+void Logind::take(const std::shared_ptr<LogindInhibitor>& inhibitor) {
+    if (owner_.empty()) {
+        return;
+    }
+    bus_.call({.service = owner_, .path = path, .interface = manager, .member = "Inhibit"},
+              {inhibitor->what, "Vantoro", inhibitor->reason, inhibitor->mode},
+              [this, wanted = std::weak_ptr(inhibitor)](BusMessage& reply) {
+                  const auto taken = wanted.lock(); // otherwise the lock ends with the reply
+                  if (taken && !reply.isError() && reply.sender() == owner_) {
+                      taken->lock = reply.readDescriptor();
+                  }
+              });
+}
+
+} // namespace vantoro::desktop

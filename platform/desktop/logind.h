@@ -1,0 +1,48 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <QtDBus/QDBusUnixFileDescriptor>
+
+#include "platform/desktop/bus_connection.h"
+
+namespace vantoro::desktop {
+
+/// Something that logind puts off or does not do. It ends when the last who shares it gives it up,
+/// at once, and even while logind has not answered yet.
+struct LogindInhibitor {
+    std::string what;
+    std::string reason;
+    std::string mode;
+    std::optional<QDBusUnixFileDescriptor> lock; ///< in force for as long as it is open
+};
+
+/// The login manager of the system, whichever process is it at the moment; where there is none it
+/// may come yet. Main thread.
+class Logind {
+public:
+    /// `prepareForSleep` is called by the bus: true before a sleep, false after it. The bus must
+    /// end together with this object: it does not forget what it was given.
+    Logind(BusConnection& systemBus, std::function<void(bool)> prepareForSleep);
+
+    /// Taken as soon as there is a login manager, and again whenever another takes its place.
+    /// `mode` is "delay" or "block".
+    std::shared_ptr<LogindInhibitor> inhibit(std::string what, std::string reason,
+                                             std::string mode);
+
+private:
+    void observeOwner();
+    void setOwner(const std::string& owner);
+    void observeSleep(std::function<void(bool)> prepareForSleep);
+    void take(const std::shared_ptr<LogindInhibitor>& inhibitor);
+
+    BusConnection& bus_;
+    std::string owner_; ///< the process's name on the bus, empty for none
+    std::vector<std::weak_ptr<LogindInhibitor>> inhibitors_;
+};
+
+} // namespace vantoro::desktop

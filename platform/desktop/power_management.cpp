@@ -1,0 +1,126 @@
+#include "platform/desktop/power_management.h"
+
+#include <set>
+#include <utility>
+
+#include <QtCore/QByteArray>
+#include <QtCore/QMetaObject>
+#include <QtCore/QObject>
+
+#include "platform/desktop/bus_connection.h"
+#include "platform/desktop/logind.h"
+#include "platform/desktop/portal_inhibition.h"
+
+namespace vantoro::desktop {
+
+/// Calls on the event loop: each of its functions may end everything, itself included.
+class DesktopPowerManagement::Observation final : public PowerObservation {
+public:
+    Observation(std::shared_ptr<Services> services, std::function<void()> willSleep,
+                std::function<void()> didWake);
+    Observation(const Observation&) = delete;
+    Observation& operator=(const Observation&) = delete;
+    ~Observation() override;
+
+    void tell(bool sleeping) {
+        QMetaObject::invokeMethod(&observed_, sleeping ? willSleep_ : didWake_,
+                                  Qt::QueuedConnection);
+    }
+
+private:
+    std::shared_ptr<Services> services_;
+    std::function<void()> willSleep_;
+    std::function<void()> didWake_;
+    QObject observed_; // with it ends what is under way
+};
+
+/// What they all share, and what the last of them ends.
+class DesktopPowerManagement::Services {
+public:
+    explicit Services(const BusAddresses& buses)
+        : systemBus_(buses.system),
+          sessionBus_(buses.session),
+          logind_(systemBus_, [this](bool sleeping) {
+              for (auto* const observation : observations_) {
+                  observation->tell(sleeping);
+              }
+          }) {}
+
+    Logind& logind() { return logind_; }
+
+    BusConnection& sessionBus() { return sessionBus_; }
+
+    void add(Observation* observation) { observations_.insert(observation); }
+
+    void remove(Observation* observation) { observations_.erase(observation); }
+
+private:
+    BusConnection systemBus_;
+    BusConnection sessionBus_;
+    std::set<Observation*> observations_;
+    Logind logind_;
+};
+
+DesktopPowerManagement::Observation::Observation(std::shared_ptr<Services> services,
+                                                 std::function<void()> willSleep,
+                                                 std::function<void()> didWake)
+    : services_(std::move(services)),
+      willSleep_(std::move(willSleep)),
+      didWake_(std::move(didWake)) {
+    services_->add(this);
+}
+
+DesktopPowerManagement::Observation::~Observation() {
+    services_->remove(this);
+}
+
+class DesktopPowerManagement::Hold final : public SleepHold {
+public:
+    Hold(std::shared_ptr<Services> services, const std::string& reason,
+         std::chrono::milliseconds portalPatience)
+        : services_(std::move(services)),
+          sleep_(services_->logind().inhibit("sleep", reason, "delay")),
+          portal_(services_->sessionBus(), reason, portalPatience, [this, reason] {
+              idle_ = services_->logind().inhibit("idle", reason, "block");
+          }) {}
+
+    Hold(const Hold&) = delete;
+    Hold& operator=(const Hold&) = delete;
+    ~Hold() override = default;
+
+private:
+    std::shared_ptr<Services> services_;
+    std::shared_ptr<LogindInhibitor> sleep_;
+    std::shared_ptr<LogindInhibitor> idle_; // where the portal does not do it
+    PortalInhibition portal_;
+};
+
+BusAddresses standardBusAddresses() {
+    BusAddresses buses{.system = qgetenv("DBUS_SYSTEM_BUS_ADDRESS").toStdString(),
+                       .session = qgetenv("DBUS_SESSION_BUS_ADDRESS").toStdString()};
+    if (buses.system.empty()) {
+        buses.system = "unix:path=/run/dbus/system_bus_socket";
+    }
+    const auto runtimeFolder = qgetenv("XDG_RUNTIME_DIR");
+    if (buses.session.empty() && !runtimeFolder.isEmpty()) {
+        buses.session = "unix:path=" + runtimeFolder.toPercentEncoding("/").toStdString() + "/bus";
+    }
+    return buses;
+}
+
+DesktopPowerManagement::DesktopPowerManagement(const BusAddresses& buses,
+                                               std::chrono::milliseconds portalPatience)
+    : services_(std::make_shared<Services>(buses)), portalPatience_(portalPatience) {}
+
+DesktopPowerManagement::~DesktopPowerManagement() = default;
+
+std::unique_ptr<PowerObservation> DesktopPowerManagement::observe(std::function<void()> willSleep,
+                                                                  std::function<void()> didWake) {
+    return std::make_unique<Observation>(services_, std::move(willSleep), std::move(didWake));
+}
+
+std::unique_ptr<SleepHold> DesktopPowerManagement::holdOffSleep(const std::string& reason) {
+    return std::make_unique<Hold>(services_, reason, portalPatience_);
+}
+
+} // namespace vantoro::desktop

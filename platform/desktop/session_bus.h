@@ -1,0 +1,13 @@
+#pragma once
+
+#include <functional>
+
+#include <QtDBus/QDBusConnection>
+
+namespace vantoro::desktop {
+
+/// Gives the session bus. To be called where it is needed, off the main thread: connecting takes as
+/// long as the bus takes to answer.
+using SessionBus = std::function<QDBusConnection()>;
+
+} // namespace vantoro::desktop

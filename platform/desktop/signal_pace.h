@@ -1,0 +1,32 @@
+#pragma once
+
+#include <algorithm>
+#include <chrono>
+#include <optional>
+
+namespace vantoro::desktop {
+
+/// Keeps what others are told of at 15 times in any second at most.
+class SignalPace {
+public:
+    using Moment = std::chrono::steady_clock::time_point;
+
+    static constexpr std::chrono::milliseconds leastDistance{67};
+
+    /// How long to wait until they may be told of something; zero for at once.
+    std::chrono::milliseconds waitAt(Moment now) const {
+        using namespace std::chrono;
+        if (!last_) {
+            return milliseconds(0);
+        }
+        return std::clamp(ceil<milliseconds>(*last_ + leastDistance - now), milliseconds(0),
+                          leastDistance);
+    }
+
+    void toldAt(Moment now) { last_ = now; }
+
+private:
+    std::optional<Moment> last_;
+};
+
+} // namespace vantoro::desktop

@@ -1,0 +1,118 @@
+// The view model with the engine's own recorder, on threads as in the program.
+
+#include "control/engine_recorder.h"
+
+#include <gtest/gtest.h>
+
+#include "control/qt_scheduler.h"
+#include "control/recording_view_model.h"
+#include "tests/control/control_fakes.h"
+#include "tests/control/event_loop.h"
+#include "tests/l10n/memory_preferences.h"
+#include "tests/support/recorder_fakes.h"
+
+namespace vantoro::testing {
+namespace {
+
+using Case = RecordingState::Case;
+
+class EngineRecorderTest : public ::testing::Test {
+protected:
+    EventLoop loop;
+    CallLog log;
+    FakeScreenAccess screen{log};
+    FakeMicrophoneAccess microphone{log};
+    FakeShareableContent content{log};
+    FakeCaptureService capture{log};
+    FakeFileSystem fileSystem{log};
+    FakeMediaToolkit toolkit{log, fileSystem};
+    FakeClock clock;
+    MemoryPreferences preferences = preferencesIn("en");
+    FakePower power;
+    FakeWorkspace workspace;
+    FakeFolderPanel folderPanel;
+    FakeAudioDevices devices;
+    AudioLevelStore levels;
+    QtScheduler scheduler;
+    std::unique_ptr<RecordingViewModel> model;
+
+    void launch() {
+        model = std::make_unique<RecordingViewModel>(
+            std::make_unique<EngineRecorder>(
+                RecorderPlatform{screen, microphone, content, capture, toolkit, fileSystem, clock}),
+            ControlPlatform{scheduler, power, devices, screen, microphone, workspace, folderPanel,
+                            preferences, levels, "/recordings"});
+    }
+
+    void startRecording() {
+        launch();
+        model->startRecording();
+    }
+
+    bool comesTo(Case state) {
+        return EventLoop::runUntil([&] { return model->values().state.which() == state; });
+    }
+};
+
+TEST_F(EngineRecorderTest, recordsAndShowsLevels) {
+    startRecording();
+    ASSERT_TRUE(comesTo(Case::recording));
+    capture.deliver(bufferAt(0, 2, 256, 1.0F), StreamOutputType::audio);
+    EXPECT_TRUE(EventLoop::runUntil([&] { return model->values().systemAudioLevel > 0; }));
+    EXPECT_EQ(levels.systemAudioLevel(), 1);
+    model->toggleRecording();
+    ASSERT_TRUE(comesTo(Case::completed));
+    EXPECT_EQ(model->values().lastRecordingURL, "/recordings/Vantoro-2025-03-01-093015.m4a");
+    EXPECT_EQ(toolkit.exportedGains, (std::vector<float>{0.9F, 1.0F}));
+}
+
+TEST_F(EngineRecorderTest, showsNoMoreThanFifteenLevelsASecondOfEachSource) {
+    startRecording();
+    ASSERT_TRUE(comesTo(Case::recording));
+    std::map<RecordingProperties::Property, int> writings;
+    QObject::connect(model.get(), &RecordingProperties::propertyChanged, model.get(),
+                     [&](auto property) { ++writings[property]; });
+    constexpr int buffers = 188; // of 256 frames: a second, with time for the last one to be shown
+    for (int i = 0; i < buffers; ++i) {
+        clock.uptime += 256.0 / 48000;
+        capture.deliver(bufferAt(i * 256, 2, 256, 0.1F), StreamOutputType::audio);
+        capture.deliver(bufferAt(i * 256, 1, 256, 0.1F), StreamOutputType::microphone);
+    }
+    model->toggleRecording(); // behind all levels that were reported
+    ASSERT_TRUE(comesTo(Case::completed));
+    constexpr int resets = 1; // when the stop was asked for
+    for (const auto level : {RecordingProperties::Property::systemAudioLevel,
+                             RecordingProperties::Property::microphoneLevel}) {
+        EXPECT_LE(writings[level], 15 + resets);
+    }
+}
+
+TEST_F(EngineRecorderTest, savesWhenCaptureStopsByItself) {
+    startRecording();
+    ASSERT_TRUE(comesTo(Case::recording));
+    capture.deliver(bufferAt(0), StreamOutputType::audio);
+    capture.stopByItself(std::make_exception_ptr(std::runtime_error("connection lost")));
+    ASSERT_TRUE(comesTo(Case::completed));
+    EXPECT_EQ(model->values().errorMessage,
+              "Audio capture was interrupted. The captured audio was saved successfully.");
+}
+
+TEST_F(EngineRecorderTest, failsAsTheEngineDoes) {
+    screen.allowed = false;
+    startRecording();
+    ASSERT_TRUE(comesTo(Case::failed));
+    EXPECT_FALSE(model->values().hasScreenPermission);
+    EXPECT_TRUE(log.contains("screen request")) << ::testing::PrintToString(log.calls());
+}
+
+TEST_F(EngineRecorderTest, salvages) {
+    fileSystem.leave("/recordings/left.partial.mov");
+    toolkit.exporting.trackCount = 2;
+    launch();
+    ASSERT_TRUE(comesTo(Case::completed));
+    EXPECT_EQ(model->values().lastRecordingURL, "/recordings/Vantoro-2025-03-01-093015.m4a");
+    EXPECT_FALSE(fileSystem.entries.contains("/recordings/left.partial.mov"));
+}
+
+} // namespace
+} // namespace vantoro::testing

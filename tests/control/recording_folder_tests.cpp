@@ -1,0 +1,107 @@
+#include "control/recording_folder.h"
+
+#include "tests/control/view_model_fixture.h"
+
+namespace vantoro::testing {
+namespace {
+
+const std::filesystem::path byDefault = "/home/somebody/Movies/Vantoro";
+
+TEST(RecordingFolderTest, isTheOneInThePreferencesWhereThatIsAFolderFromAnywhere) {
+    EXPECT_EQ(recordingFolder("/recordings", byDefault), "/recordings");
+    EXPECT_EQ(recordingFolder(std::nullopt, byDefault), byDefault);
+    EXPECT_EQ(recordingFolder("", byDefault), byDefault);
+    EXPECT_EQ(recordingFolder("recordings", byDefault), byDefault);
+    EXPECT_EQ(recordingFolder("~/recordings", byDefault), byDefault);
+}
+
+TEST_F(ViewModelTest, recordsIntoTheDefaultFolderAndStoresNothingBeforeTheUserChooses) {
+    launchAndSettle();
+    EXPECT_EQ(values().outputDirectory, byDefault);
+    record();
+    EXPECT_EQ(recorder.options.at(0).outputDirectory, byDefault);
+    EXPECT_TRUE(preferences.stored.empty());
+}
+
+TEST_F(ViewModelTest, asksForAFolderInTheUsersLanguageBeginningAtThePresentOne) {
+    preferences.values[Preference::outputDirectory] = "/recordings";
+    launchAndSettle();
+    model->chooseOutputDirectory();
+    ASSERT_EQ(folderPanel.questions.size(), 1U);
+    EXPECT_EQ(folderPanel.questions[0].title, "Choose Recording Folder");
+    EXPECT_EQ(folderPanel.questions[0].prompt, "Choose");
+    EXPECT_EQ(folderPanel.questions[0].directory, "/recordings");
+}
+
+TEST_F(ViewModelTest, keepsTheChosenFolderAndSalvagesWhatLiesInIt) {
+    launchAndSettle();
+    recorder.salvaged = {"/chosen/found.m4a"};
+    model->chooseOutputDirectory();
+    folderPanel.answer("/chosen");
+    EXPECT_EQ(values().outputDirectory, "/chosen");
+    EXPECT_EQ(preferences.get(Preference::outputDirectory), "/chosen");
+    scheduler.settle();
+    EXPECT_EQ(recorder.foldersSought, (Recordings{byDefault, "/chosen"}));
+    EXPECT_EQ(lastRecording(), "/chosen/found.m4a");
+}
+
+TEST_F(ViewModelTest, choosingTheSameFolderStoresAndSalvagesAgain) {
+    launchAndSettle();
+    model->chooseOutputDirectory();
+    folderPanel.answer(byDefault);
+    scheduler.settle();
+    EXPECT_EQ(preferences.stored,
+              (decltype(preferences.stored){{Preference::outputDirectory, byDefault.string()}}));
+    EXPECT_EQ(recorder.foldersSought, (Recordings{byDefault, byDefault}));
+}
+
+TEST_F(ViewModelTest, changesNothingWhenTheUserChoosesNoFolder) {
+    launchAndSettle();
+    model->chooseOutputDirectory();
+    folderPanel.answer(std::nullopt);
+    scheduler.settle();
+    EXPECT_EQ(values().outputDirectory, byDefault);
+    EXPECT_TRUE(preferences.stored.empty());
+    EXPECT_EQ(recorder.foldersSought.size(), 1U);
+}
+
+TEST_F(ViewModelTest, cancelsTheSalvageOfTheFolderThatIsLeft) {
+    recorder.salvaged = {"/old/found.m4a"};
+    launch();
+    model->chooseOutputDirectory();
+    recorder.duringSalvage = [this] {
+        recorder.duringSalvage = nullptr;
+        folderPanel.answer("/chosen");
+        recorder.salvaged = {"/chosen/found.m4a"};
+    };
+    scheduler.settle();
+    EXPECT_EQ(recorder.stopRequested, (std::vector<bool>{true, false}));
+    EXPECT_EQ(recorder.foldersSought, (Recordings{byDefault, "/chosen"}));
+    EXPECT_EQ(lastRecording(), "/chosen/found.m4a");
+}
+
+TEST_F(ViewModelTest, takesANewFolderInAnyStateAndTheRunningRecordingStaysWhereItIs) {
+    for (const auto state :
+         {Case::preparing, Case::recording, Case::processing, Case::completed, Case::failed}) {
+        ViewModelWorld world;
+        world.lead(state);
+        world.model->chooseOutputDirectory();
+        world.folderPanel.answer("/chosen");
+        EXPECT_EQ(world.state(), state);
+        EXPECT_EQ(world.values().outputDirectory, "/chosen");
+        EXPECT_EQ(world.preferences.get(Preference::outputDirectory), "/chosen");
+        world.scheduler.settle();
+        EXPECT_EQ(world.recorder.options.at(0).outputDirectory, byDefault);
+    }
+}
+
+TEST_F(ViewModelTest, isNotMissedByAFolderThatIsChosenTooLate) {
+    launchAndSettle();
+    model->chooseOutputDirectory();
+    model.reset();
+    folderPanel.answer("/chosen");
+    EXPECT_TRUE(preferences.stored.empty());
+}
+
+} // namespace
+} // namespace vantoro::testing

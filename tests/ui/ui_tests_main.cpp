@@ -1,0 +1,13 @@
+#include <cstdlib>
+
+#include <QtWidgets/QApplication>
+
+#include <gtest/gtest.h>
+
+// Without a screen, unless one is asked for.
+int main(int argumentCount, char** arguments) {
+    ::setenv("QT_QPA_PLATFORM", "offscreen", 0);
+    const QApplication application(argumentCount, arguments);
+    ::testing::InitGoogleTest(&argumentCount, arguments);
+    return RUN_ALL_TESTS();
+}

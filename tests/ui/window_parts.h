@@ -1,0 +1,43 @@
+#pragma once
+
+#include <vector>
+
+#include <QtWidgets/QLabel>
+#include <QtWidgets/QWidget>
+
+namespace vantoro::testing {
+
+// A window looked at as a user does: by names and by what is seen.
+
+template <class Widget>
+std::vector<Widget*> visible(const QWidget& root) {
+    std::vector<Widget*> found;
+    for (auto* const widget : root.findChildren<Widget*>()) {
+        if (widget->isVisible()) {
+            found.push_back(widget);
+        }
+    }
+    return found;
+}
+
+/// The visible one of this name; null when there is none.
+template <class Widget>
+Widget* named(const QWidget& root, const QString& name) {
+    for (auto* const widget : visible<Widget>(root)) {
+        if (widget->accessibleName() == name) {
+            return widget;
+        }
+    }
+    return nullptr;
+}
+
+inline bool isSeen(const QWidget& root, const QString& text) {
+    for (auto* const label : visible<QLabel>(root)) {
+        if (label->text() == text) {
+            return true;
+        }
+    }
+    return false;
+}
+
+} // namespace vantoro::testing

@@ -1,0 +1,118 @@
+#!/usr/bin/python3
+"""Quitting saves first what is being recorded."""
+
+import contextlib
+import os
+import re
+import signal
+import subprocess
+import sys
+
+sys.dont_write_bytecode = True
+
+from window_case import WindowCase, main  # noqa: E402
+import recorder  # noqa: E402
+import sound  # noqa: E402
+from events import wait_for  # noqa: E402
+from screen import press_keys  # noqa: E402
+from texts import ENGLISH  # noqa: E402
+
+KEPT = re.compile(r".* A recoverable recording checkpoint was kept in the recording folder\.")
+
+
+class Quitting(WindowCase):
+    def window_that_records(self):
+        self.enterContext(sound.tone(440))
+        window = self.open_window()
+        self.record(window)
+        return window
+
+    def window_that_records_on_a_full_disk(self):
+        """Its first second fits."""
+        subprocess.run(["mount", "-t", "tmpfs", "-o", "size=1m", "tmpfs", str(self.folder)], check=True)
+        self.addCleanup(subprocess.run, ["umount", "-l", str(self.folder)], check=True)
+        window = self.window_that_records()
+        with (self.folder / "filler").open("wb", buffering=0) as filler, contextlib.suppress(OSError):
+            while filler.write(b"\0" * 4096):
+                pass
+        return window
+
+    @contextlib.contextmanager
+    def halted_sound_server(self):
+        """Who waits for it waits as long as the test wants."""
+        pid = int(os.environ["VANTORO_SESSION_PIPEWIRE_PID"])
+        os.kill(pid, signal.SIGSTOP)
+        try:
+            yield
+        finally:
+            os.kill(pid, signal.SIGCONT)
+
+    @contextlib.contextmanager
+    def slow_disk(self, program):
+        """What the program has put on the disk takes longer than the test."""
+        syncs = "fsync,fdatasync,sync_file_range"
+        tracer = subprocess.Popen(
+            ["strace", "-f", "-p", str(program.pid), "-o", str(self.home / "trace"), "-e", f"trace={syncs}",
+             "-e", f"inject={syncs}:delay_enter=60s"], stderr=subprocess.PIPE, text=True)
+        try:
+            self.assertIn("attached", tracer.stderr.readline())
+            yield
+        finally:
+            tracer.terminate()
+            tracer.communicate()
+
+    def test_idleProgramEnds(self):
+        window = self.open_window()
+        press_keys("ctrl+q")
+        self.assertEqual(window.program.finish(), 0)
+        self.assertEqual(list(self.folder.iterdir()), [])
+
+    def test_quittingWhileRecordingShowsThatItSavesThenEnds(self):
+        window = self.window_that_records()
+        with self.slow_disk(window.program):
+            press_keys("ctrl+q")
+            window.text(ENGLISH["saving"])
+        self.assertEqual(window.program.finish(), 0)
+        self.assert_holds(self.only_recording(), 440)
+
+    def test_terminationWhileRecordingSaves(self):
+        window = self.window_that_records()
+        window.program.send(signal.SIGTERM)
+        self.assertEqual(window.program.finish(), 0)
+        self.assert_holds(self.only_recording(), 440)
+
+    def test_quittingWhilePreparingSaves(self):
+        self.enterContext(sound.tone(440))
+        window = self.open_window()
+        self.wait_until_ready(window)
+        with self.halted_sound_server():
+            press_keys("ctrl+r")
+            window.text(ENGLISH["preparing"])
+            press_keys("ctrl+q")
+        self.assertEqual(window.program.finish(), 0)
+        self.assertGreater(len(sound.decoded(self.only_recording())[0]), 0)
+
+    def test_failedSavingKeepsTheWindowWithItsReasonUntilTheNextQuitting(self):
+        window = self.window_that_records_on_a_full_disk()
+        press_keys("ctrl+q")
+        window.text(KEPT)
+        window.text(ENGLISH["needsAttention"])
+        self.assertFalse(window.program.has_ended)
+        wait_for(lambda: self.screen.has_a_dialog_in_front(window.frame), "the message in front")
+        press_keys("ctrl+q")
+        self.assertEqual(window.program.finish(), 0)
+        self.assert_first_second_is_kept()
+
+    def test_terminationEndsTheProgramThoughNothingCanBeSaved(self):
+        window = self.window_that_records_on_a_full_disk()
+        window.program.send(signal.SIGTERM)
+        self.assertEqual(window.program.finish(), 0)
+        self.assert_first_second_is_kept()
+
+    def assert_first_second_is_kept(self):
+        path, = recorder.temporary_files(self.folder)
+        self.assertGreater(len(sound.decoded(path)[0]) / sound.RATE, 0.9)
+
+
+if __name__ == "__main__":
+    main(Quitting)

@@ -1,0 +1,60 @@
+#!/usr/bin/python3
+"""A whole recording through the window, by what a user has at hand."""
+
+import sys
+
+sys.dont_write_bytecode = True
+
+from window_case import WindowCase, main  # noqa: E402
+import sound  # noqa: E402
+from events import wait_for  # noqa: E402
+from screen import click, press_keys  # noqa: E402
+from texts import ENGLISH  # noqa: E402
+
+
+class WindowRecording(WindowCase):
+    def both_tones(self):
+        """From now on, for the test's duration."""
+        self.enterContext(sound.tone(440))
+        self.enterContext(sound.tone(1000, "--into", sound.MICROPHONE))
+
+    def test_mouseAloneMakesARecording(self):
+        self.both_tones()
+        window = self.open_window()
+        self.wait_until_ready(window)
+        self.wait_until_placed(window)
+        with self.until_written():
+            click(window.control(ENGLISH["startRecording"]))
+        click(window.control(ENGLISH["stopRecording"]))
+        self.assert_holds(self.saved_recording(window), 440, 1000)
+
+    def test_keyboardAloneMakesARecording(self):
+        self.both_tones()
+        window = self.open_window()
+        self.wait_until_ready(window)
+        with self.until_written():
+            self.move_focus_to(window, ENGLISH["startRecording"])
+            press_keys("space")
+        press_keys("ctrl+r")
+        self.assert_holds(self.saved_recording(window), 440, 1000)
+
+    def move_focus_to(self, window, name):
+        controls = [thing for thing in window.things() if thing.is_a_control]
+        for _ in controls:
+            before = self.focused(controls)
+            if before and before.name == name:
+                return
+            press_keys("Tab")
+            wait_for(lambda: self.focused(controls) not in (None, before), "the focus to move on")
+        self.fail(f"the focus does not come to {name!r}")
+
+    def focused(self, controls):
+        return next((control for control in controls if control.has_focus), None)
+
+    def wait_until_placed(self, window):
+        """The window manager moves a new window about, which its program learns later."""
+        wait_for(lambda: window.main_window.place[:2] == self.screen.origin(window.frame), "the window to be placed")
+
+
+if __name__ == "__main__":
+    main(WindowRecording)

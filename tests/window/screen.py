@@ -1,0 +1,105 @@
+"""The screen as its window manager and a user see it: the windows on it, the mouse, the keyboard."""
+
+import subprocess
+
+from Xlib import X, Xatom
+from Xlib.display import Display
+from Xlib.error import XError
+from Xlib.protocol.event import ClientMessage
+
+from events import wait_for
+
+
+class Screen:
+    def __init__(self):
+        self._display = Display()
+        self._root = self._display.screen().root
+
+    def close(self):
+        self._display.close()
+
+    def main_window(self, pid):
+        """The window of a program, once it is managed; not one that belongs to another window."""
+        def found():
+            return next((window for window in self._managed() if self._is_main(window, pid)), None)
+        return wait_for(found, "the program's window")
+
+    def is_managed(self, window):
+        """Whether the window manager, and with it a list of windows, has it: shown or minimised."""
+        return window in self._managed()
+
+    def is_minimised(self, window):
+        return self.is_managed(window) and self._atom("_NET_WM_STATE_HIDDEN") in self._values(
+            window, "_NET_WM_STATE", Xatom.ATOM)
+
+    def is_in_front(self, window):
+        """Whether it, or a window that belongs to it, is above all others and gets what is typed."""
+        top = self._values(self._root, "_NET_CLIENT_LIST_STACKING", Xatom.WINDOW)[-1:]
+        if not top or top != self._active():
+            return False
+        owner = self._values(self._window(top[0]), "WM_TRANSIENT_FOR", Xatom.WINDOW)
+        return window.id in top + owner
+
+    def has_a_dialog_in_front(self, window):
+        """Whether a window that belongs to it gets what is typed."""
+        return self.is_in_front(window) and self._active() != [window.id]
+
+    def origin(self, window):
+        """Where its upper left corner is."""
+        translated = window.translate_coords(self._root, 0, 0)
+        return -translated.x, -translated.y
+
+    def ask_to_close(self, window):
+        """As the button in its title bar does."""
+        self._ask(window, "_NET_CLOSE_WINDOW", [X.CurrentTime, 2, 0, 0, 0])
+
+    def pick(self, window):
+        """As a click on its name in a list of windows does."""
+        self._ask(window, "_NET_ACTIVE_WINDOW", [2, X.CurrentTime, 0, 0, 0])
+
+    def cover(self):
+        """Puts another program's window over all others."""
+        size = self._root.get_geometry()
+        cover = self._root.create_window(0, 0, size.width, size.height, 0, X.CopyFromParent)
+        cover.set_wm_name("Another window")
+        cover.map()
+        self._display.flush()
+        wait_for(lambda: self.is_in_front(cover), "another window in front")
+        return cover
+
+    def _active(self):
+        return self._values(self._root, "_NET_ACTIVE_WINDOW", Xatom.WINDOW)
+
+    def _window(self, number):
+        return self._display.create_resource_object("window", number)
+
+    def _managed(self):
+        return [self._window(number) for number in self._values(self._root, "_NET_CLIENT_LIST", Xatom.WINDOW)]
+
+    def _is_main(self, window, pid):
+        return (self._values(window, "_NET_WM_PID", Xatom.CARDINAL) == [pid]
+                and not self._values(window, "WM_TRANSIENT_FOR", Xatom.WINDOW))
+
+    def _atom(self, name):
+        return self._display.intern_atom(name)
+
+    def _values(self, window, name, kind):
+        try:
+            found = window.get_full_property(self._atom(name), kind)
+        except XError:
+            return []  # the window has just gone
+        return list(found.value) if found else []
+
+    def _ask(self, window, name, data):
+        message = ClientMessage(window=window, client_type=self._atom(name), data=(32, data))
+        self._root.send_event(message, event_mask=X.SubstructureRedirectMask | X.SubstructureNotifyMask)
+        self._display.flush()
+
+
+def press_keys(*keys):
+    subprocess.run(["xdotool", "key", *keys], check=True)
+
+
+def click(thing):
+    left, top, width, height = thing.place
+    subprocess.run(["xdotool", "mousemove", str(left + width // 2), str(top + height // 2), "click", "1"], check=True)

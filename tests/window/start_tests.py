@@ -1,0 +1,31 @@
+#!/usr/bin/python3
+"""A window that is shown, and waits, has cost nothing that it does not need yet."""
+
+import sys
+
+sys.dont_write_bytecode = True
+
+from pathlib import Path  # noqa: E402
+
+from window_case import WindowCase, main  # noqa: E402
+from texts import ENGLISH  # noqa: E402
+
+# What files are read and written with, and what other pictures than the program's own would need.
+NEEDED_LATER = ("libavcodec", "libavformat", "/imageformats/")
+
+
+class Start(WindowCase):
+    def loaded(self, window):
+        maps = Path(f"/proc/{window.program.pid}/maps").read_text()
+        return [name for name in NEEDED_LATER if name in maps]
+
+    def test_nothingIsLoadedThatOnlyARecordingNeeds(self):
+        window = self.open_window()
+        window.control(ENGLISH["startRecording"])
+        self.assertEqual(self.loaded(window), [])
+        self.record(window)
+        self.assertIn("libavcodec", self.loaded(window))
+
+
+if __name__ == "__main__":
+    main(Start)

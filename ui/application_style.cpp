@@ -1,0 +1,13 @@
+#include "ui/application_style.h"
+
+namespace vantoro {
+
+QIcon ApplicationStyle::standardIcon(StandardPixmap icon, const QStyleOption* option,
+                                     const QWidget* widget) const {
+    if (icon == SP_ToolBarHorizontalExtensionButton) {
+        return {};
+    }
+    return QProxyStyle::standardIcon(icon, option, widget);
+}
+
+} // namespace vantoro

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QtWidgets/QLabel>
+#include <QtWidgets/QVBoxLayout>
+#include <QtWidgets/QWidget>
+
+namespace vantoro {
+
+/// A titled box of rows with lines between them.
+class Card final : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit Card(QWidget* parent = nullptr);
+
+    void setTitle(const QString& title);
+    void addRow(QWidget* row);
+    /// A row that belongs to the one before it: without a line between.
+    void addToLastRow(QWidget* row);
+
+private:
+    QLabel* title_;
+    QWidget* box_;
+    QVBoxLayout* rows_;
+};
+
+} // namespace vantoro

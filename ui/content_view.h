@@ -1,0 +1,68 @@
+#pragma once
+
+#include <QtWidgets/QWidget>
+
+#include "control/recording_view_model.h"
+#include "l10n/l10n.h"
+#include "ui/card.h"
+#include "ui/completed_panel.h"
+#include "ui/folder_row.h"
+#include "ui/input_row.h"
+#include "ui/permission_row.h"
+#include "ui/record_button.h"
+#include "ui/source_row.h"
+#include "ui/status_panel.h"
+#include "ui/volume_row.h"
+
+class QScrollArea;
+
+namespace vantoro {
+
+/// The window's content: shows what the view model holds, and passes on what the user does. Main
+/// thread; the view model and the preferences outlive it.
+class ContentView final : public QWidget {
+    Q_OBJECT
+
+public:
+    ContentView(RecordingViewModel& model, const Preferences& preferences,
+                QWidget* parent = nullptr);
+
+    /// In the language that is chosen now.
+    void showAll();
+
+private:
+    using Property = RecordingProperties::Property;
+
+    QWidget* makeHeader();
+    QWidget* makeColumn();
+    QWidget* makeBar();
+    void connectUser();
+    void showTexts();
+    void showProperty(Property property);
+    void showState();
+    void showLastRecording();
+    void showSources();
+    void showPermissions();
+
+    QString text(L10n::Key key) const;
+
+    RecordingViewModel& model_;
+    L10n texts_;
+    SymbolButton* refresh_;
+    StatusPanel* status_;
+    Card* sources_;
+    SourceRow* systemAudio_;
+    SourceRow* microphone_;
+    InputRow* input_;
+    PermissionRow* screenPermission_;
+    PermissionRow* microphonePermission_;
+    Card* recording_;
+    VolumeRow* systemVolume_;
+    VolumeRow* microphoneVolume_;
+    FolderRow* folder_;
+    CompletedPanel* completed_;
+    QScrollArea* scroll_;
+    RecordButton* record_;
+};
+
+} // namespace vantoro

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "ui/toned_label.h"
+
+namespace vantoro {
+
+/// One line of text that gives way in its middle when there is no room for all of it.
+class ElidedLabel final : public TonedLabel {
+    Q_OBJECT
+
+public:
+    ElidedLabel(Tone tone, const QFont& font, QWidget* parent = nullptr);
+
+    void setText(const QString& text);
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+};
+
+} // namespace vantoro

@@ -1,0 +1,61 @@
+#include "ui/fonts.h"
+
+#include <QtGui/QFontDatabase>
+#include <QtGui/QFontMetricsF>
+
+namespace vantoro {
+
+namespace {
+
+QFont scaled(QFont font, double factor) {
+    if (font.pointSizeF() > 0) {
+        font.setPointSizeF(font.pointSizeF() * factor);
+    } else {
+        font.setPixelSize(static_cast<int>(font.pixelSize() * factor));
+    }
+    return font;
+}
+
+bool hasDigitsOfEqualWidth(const QFont& font) {
+    const QFontMetricsF metrics(font);
+    const double width = metrics.horizontalAdvance(QLatin1Char('0'));
+    for (char digit = '1'; digit <= '9'; ++digit) {
+        if (!qFuzzyCompare(metrics.horizontalAdvance(QLatin1Char(digit)), width)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+} // namespace
+
+QFont titleFont(QFont base) {
+    base = scaled(base, 18.0 / 13);
+    base.setWeight(QFont::DemiBold);
+    return base;
+}
+
+QFont headlineFont(QFont base) {
+    base.setWeight(QFont::DemiBold);
+    return base;
+}
+
+QFont captionFont(const QFont& base) {
+    return scaled(base, 0.85);
+}
+
+QFont digitsFont(const QFont& base) {
+    if (hasDigitsOfEqualWidth(base)) {
+        return base;
+    }
+    auto font = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+    if (base.pointSizeF() > 0) {
+        font.setPointSizeF(base.pointSizeF());
+    } else {
+        font.setPixelSize(base.pixelSize());
+    }
+    font.setWeight(base.weight());
+    return font;
+}
+
+} // namespace vantoro

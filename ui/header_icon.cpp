@@ -1,0 +1,24 @@
+#include "ui/header_icon.h"
+
+#include <QtGui/QPainter>
+
+#include "ui/symbols.h"
+
+namespace vantoro {
+
+namespace {
+
+constexpr int side = 38;
+
+} // namespace
+
+HeaderIcon::HeaderIcon(QWidget* parent) : QWidget(parent) {
+    setFixedSize(side, side);
+}
+
+void HeaderIcon::paintEvent(QPaintEvent* /*event*/) {
+    QPainter painter(this);
+    applicationIcon().paint(&painter, rect());
+}
+
+} // namespace vantoro

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QtWidgets/QWidget>
+
+namespace vantoro {
+
+/// The program's picture.
+class HeaderIcon final : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit HeaderIcon(QWidget* parent = nullptr);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+};
+
+} // namespace vantoro

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <QtWidgets/QComboBox>
+#include <QtWidgets/QLabel>
+#include <QtWidgets/QWidget>
+
+#include "engine/recording_types.h"
+
+namespace vantoro {
+
+/// Which microphone is recorded.
+class InputRow final : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit InputRow(QWidget* parent = nullptr);
+
+    void setTitle(const QString& title);
+    void setMicrophones(const std::vector<AudioInputDevice>& microphones,
+                        const std::optional<std::string>& selected);
+
+Q_SIGNALS:
+    void picked(const std::string& id); ///< by the user
+
+private:
+    QLabel* title_;
+    QComboBox* picker_;
+};
+
+} // namespace vantoro

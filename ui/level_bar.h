@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QtWidgets/QProgressBar>
+
+#include "ui/tones.h"
+
+namespace vantoro {
+
+/// A level from nothing to full, as a bar that fills from its left.
+class LevelBar final : public QProgressBar {
+    Q_OBJECT
+
+public:
+    explicit LevelBar(Tone tone, QWidget* parent = nullptr);
+
+    /// 0 to 1.
+    void setLevel(double level);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    Tone tone_;
+    double level_ = 0;
+};
+
+} // namespace vantoro

@@ -1,0 +1,17 @@
+#include "ui/line.h"
+
+#include <QtGui/QPainter>
+
+#include "ui/tones.h"
+
+namespace vantoro {
+
+Line::Line(QWidget* parent) : QWidget(parent) {
+    setFixedHeight(1);
+}
+
+void Line::paintEvent(QPaintEvent* /*event*/) {
+    QPainter(this).fillRect(rect(), lineColour(palette()));
+}
+
+} // namespace vantoro

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QtWidgets/QWidget>
+
+namespace vantoro {
+
+/// A thin line across, between two things that lie above each other.
+class Line final : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit Line(QWidget* parent = nullptr);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+};
+
+} // namespace vantoro

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <QtCore/QString>
+
+namespace vantoro {
+
+/// Whole hundredths, the rest cut off: 0.999 is 99.
+inline int percentage(double value) {
+    return static_cast<int>(value * 100);
+}
+
+inline QString percentageText(double value) {
+    return QString::number(percentage(value)) + QLatin1Char('%');
+}
+
+} // namespace vantoro

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <optional>
+
+#include "control/recording_state.h"
+#include "l10n/l10n.h"
+#include "ui/symbols.h"
+#include "ui/tones.h"
+
+namespace vantoro {
+
+/// How a state looks.
+struct StatusLook {
+    Tone tone = Tone::accent;
+    Symbol symbol = Symbol::recordCircle;
+    std::optional<L10n::Key> detail; ///< none for a failure, which describes itself
+};
+
+StatusLook lookOf(RecordingState::Case state);
+
+} // namespace vantoro

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <QtWidgets/QLabel>
+
+#include "ui/tones.h"
+
+namespace vantoro {
+
+/// Text of a tone, which it keeps when the desktop's palette changes.
+class TonedLabel : public QLabel {
+    Q_OBJECT
+
+public:
+    TonedLabel(Tone tone, const QFont& font, QWidget* parent = nullptr);
+
+protected:
+    void changeEvent(QEvent* event) override;
+
+private:
+    void applyTone();
+
+    Tone tone_;
+};
+
+} // namespace vantoro
