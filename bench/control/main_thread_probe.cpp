@@ -1,0 +1,152 @@
+// Makes a recording through the view model on this desktop and prints, a line each, for how many
+// milliseconds at most the main thread answered nobody during each step. Then it stays idle until
+// its standard input ends, so that what it does meanwhile can be looked at from outside.
+//
+// Usage: main_thread_probe FOLDER SECONDS
+
+#include <chrono>
+#include <iostream>
+#include <semaphore>
+#include <stop_token>
+#include <string>
+#include <thread>
+#include <utility>
+
+#include <unistd.h>
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QSocketNotifier>
+#include <QtCore/QTimer>
+
+#include "app/recording_platform.h"
+#include "control/engine_recorder.h"
+#include "control/recording_view_model.h"
+#include "l10n/settings_file.h"
+
+namespace vantoro {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+using Case = RecordingState::Case;
+
+/// Asks the main thread every few milliseconds, from beside it, and takes the longest that it did
+/// not answer.
+class StallMeter {
+public:
+    ~StallMeter() { end(); }
+
+    /// Prints the longest stall of this step, which ends now.
+    void print(const std::string& step) {
+        const auto longest = std::exchange(longest_, Clock::duration(0));
+        std::cout << step << " " << std::chrono::duration<double, std::milli>(longest).count()
+                  << std::endl;
+    }
+
+    void end() {
+        asker_.request_stop();
+        answered_.release();
+        if (asker_.joinable()) {
+            asker_.join();
+        }
+    }
+
+private:
+    void ask(const std::stop_token& stop) {
+        while (!stop.stop_requested()) {
+            std::this_thread::sleep_for(interval);
+            QMetaObject::invokeMethod(&context_, [this, asked = Clock::now()] {
+                longest_ = std::max(longest_, Clock::now() - asked);
+                answered_.release();
+            });
+            answered_.acquire();
+        }
+    }
+
+    static constexpr std::chrono::milliseconds interval{2};
+    QObject context_;
+    Clock::duration longest_{}; // main thread
+    std::counting_semaphore<> answered_{0};
+    std::jthread asker_{[this](const std::stop_token& stop) { ask(stop); }};
+};
+
+class Probe : public QObject {
+public:
+    Probe(RecordingViewModel& model, StallMeter& meter, std::chrono::milliseconds duration)
+        : model_(model), meter_(meter), duration_(duration) {
+        connect(&model, &RecordingViewModel::salvageEnded, this, &Probe::begin,
+                Qt::QueuedConnection);
+        connect(
+            &model, &RecordingProperties::propertyChanged, this,
+            [this](RecordingProperties::Property property) {
+                if (property == RecordingProperties::Property::state) {
+                    advance();
+                }
+            },
+            Qt::QueuedConnection);
+    }
+
+private:
+    void begin() {
+        meter_.print("launch-and-salvage");
+        model_.startRecording();
+    }
+
+    void advance() {
+        switch (model_.values().state.which()) {
+        case Case::recording:
+            meter_.print("start");
+            QTimer::singleShot(duration_, this, [this] {
+                meter_.print("recording");
+                model_.toggleRecording();
+            });
+            break;
+        case Case::completed:
+            if (const auto& recording = model_.values().lastRecordingURL;
+                !model_.values().errorMessage) {
+                meter_.print("stop");
+                meter_.end(); // from here on nothing is to disturb
+                std::cout << "saved " << recording->string() << std::endl;
+            }
+            break;
+        case Case::failed:
+            std::cerr << model_.values().errorMessage.value_or("") << std::endl;
+            QCoreApplication::exit(1);
+            break;
+        default:
+            break;
+        }
+    }
+
+    RecordingViewModel& model_;
+    StallMeter& meter_;
+    std::chrono::milliseconds duration_;
+};
+
+int run(const std::string& folder, double seconds) {
+    SettingsFile preferences;
+    preferences.set(Preference::outputDirectory, folder);
+    const auto before = Clock::now();
+    RecordingPlatform platform;
+    RecordingViewModel model(std::make_unique<EngineRecorder>(platform.forRecorder()),
+                             platform.forControl(preferences));
+    std::cout << "construction "
+              << std::chrono::duration<double, std::milli>(Clock::now() - before).count()
+              << std::endl;
+    StallMeter meter;
+    const Probe probe(model, meter, std::chrono::milliseconds(static_cast<int>(seconds * 1000)));
+    QSocketNotifier input(STDIN_FILENO, QSocketNotifier::Read);
+    QObject::connect(&input, &QSocketNotifier::activated, [] { QCoreApplication::quit(); });
+    return QCoreApplication::exec();
+}
+
+} // namespace
+} // namespace vantoro
+
+int main(int argumentCount, char** arguments) {
+    const QCoreApplication application(argumentCount, arguments);
+    if (argumentCount != 3) {
+        std::cerr << "usage: main_thread_probe FOLDER SECONDS\n";
+        return 2;
+    }
+    return vantoro::run(arguments[1], std::stod(arguments[2]));
+}
