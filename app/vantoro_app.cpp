@@ -32,7 +32,8 @@ VantoroApp::VantoroApp(std::unique_ptr<Recorder> recorder, const ControlPlatform
       updateChecker_(platform.preferences, platform_.version,
                      [&workspace = platform.workspace](const QUrl& page) {
                          workspace.openPage(page.toString(QUrl::FullyEncoded).toStdString());
-                     }),
+                     },
+                     {.ask = platform_.askForRecord}),
       savingFirst_(viewModel_),
       window_(viewModel_, languageSettings_, updateChecker_, platform.preferences) {
     AppDelegate::applicationWillFinishLaunching();

@@ -24,6 +24,7 @@ struct WindowPlatform {
     /// As XDG_CURRENT_DESKTOP has them.
     std::string desktops;
     std::string version;            ///< of this program
+    AskForRecord askForRecord;      ///< of the latest version
     std::function<void()> launched; ///< the window stands: what is dear may begin
     std::function<void()> end;      ///< ends the event loop
 };

@@ -6,6 +6,7 @@
 #include <QtCore/QSocketNotifier>
 #include <QtWidgets/QApplication>
 
+#include "app/network_module.h"
 #include "app/recording_platform.h"
 #include "app/vantoro_app.h"
 #include "control/engine_recorder.h"
@@ -46,6 +47,7 @@ public:
                {.statusArea = statusArea_,
                 .desktops = qgetenv("XDG_CURRENT_DESKTOP").toStdString(),
                 .version = VANTORO_VERSION,
+                .askForRecord = askOverLoadedNetwork(),
                 .launched = [this] { platform_.letTasksBegin(); },
                 .end = [] { QApplication::exit(); }}),
           signalCame_(signals.descriptor(), QSocketNotifier::Read) {

@@ -25,6 +25,15 @@ function(vantoro_library name)
     target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR})
 endfunction()
 
+# vantoro_module(NAME FILE SOURCE LIBRARIES...): a part of the program that it loads from a file beside it.
+function(vantoro_module name file source)
+    add_library(${name} MODULE ${source})
+    target_link_libraries(${name} PRIVATE vantoro_options ${ARGN})
+    target_compile_definitions(${name} PRIVATE VANTORO_VERSION="${PROJECT_VERSION}" QT_NO_KEYWORDS)
+    set_target_properties(${name} PROPERTIES
+        PREFIX "" OUTPUT_NAME ${file} LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR})
+endfunction()
+
 # vantoro_headers_ahead(TARGET HEADERS...): reads these headers of others once for all of the target's sources, which
 # takes longer than all the rest of compiling one. What a source lacks by itself the linter tells, which reads each alone.
 function(vantoro_headers_ahead target)

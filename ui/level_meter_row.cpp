@@ -23,8 +23,7 @@ LevelMeterRow::LevelMeterRow(Tone tone, QWidget* parent)
     : QWidget(parent),
       title_(new QLabel(this)),
       bar_(new LevelBar(tone, this)),
-      percentage_(
-          new TonedLabel(Tone::secondary, digitsFont(captionFont(captionFont(font()))), this)) {
+      percentage_(new TonedLabel(Tone::secondary, digitsFont(captionFont(font())), this)) {
     auto* const row = new QHBoxLayout(this);
     row->setContentsMargins(0, 0, 0, 0);
     row->setSpacing(spacing);

@@ -41,7 +41,7 @@ bool isSuccess(const QNetworkReply& reply) {
 RecordRequest::RecordRequest(QNetworkAccessManager& network, const QUrl& location,
                              std::chrono::milliseconds limit,
                              const std::optional<QSslConfiguration>& tls,
-                             std::function<void(Body)> done)
+                             std::function<void(RecordBody)> done)
     : done_(std::move(done)), reply_(network.get(requestFor(location, tls))) {
     reply_->setReadBufferSize(mostBytes);
     connect(reply_, &QNetworkReply::metaDataChanged, this, &RecordRequest::refuseAnnouncedExcess);
@@ -80,7 +80,7 @@ void RecordRequest::finish() {
     }
 }
 
-void RecordRequest::conclude(Body body) {
+void RecordRequest::conclude(RecordBody body) {
     stop();
     std::exchange(done_, {})(std::move(body)); // this may be gone now
 }
@@ -95,6 +95,17 @@ void RecordRequest::stop() {
     limit_.stop();
     reply_->disconnect(this); // or the end of it would be heard as an answer
     reply_->abort();
+}
+
+AskForRecord askOverNetwork(std::optional<QSslConfiguration> tls) {
+    return [tls = std::move(tls), network = std::shared_ptr<QNetworkAccessManager>()](
+               const QUrl& location, std::chrono::milliseconds limit,
+               std::function<void(RecordBody)> done) mutable {
+        if (!network) {
+            network = std::make_shared<QNetworkAccessManager>();
+        }
+        return std::make_unique<RecordRequest>(*network, location, limit, tls, std::move(done));
+    };
 }
 
 } // namespace vantoro

@@ -1,9 +1,9 @@
 #include "update/update_checker.h"
 
+#include <stdexcept>
 #include <utility>
 
 #include <QtCore/QMetaObject>
-#include <QtNetwork/QNetworkAccessManager>
 
 #include "update/newer_version.h"
 #include "update/valid_url.h"
@@ -14,7 +14,7 @@ namespace {
 
 /// What an answer means for whoever has the current version.
 std::expected<std::optional<NewerVersion>, UpdateError>
-newerVersionIn(const RecordRequest::Body& record, std::string_view currentVersion,
+newerVersionIn(const RecordBody& record, std::string_view currentVersion,
                const QString& baseLocation) {
     if (!record.has_value()) {
         return std::unexpected(record.error());
@@ -68,21 +68,21 @@ void UpdateChecker::ask() {
         conclude(std::unexpected(UpdateError::invalidResponse));
         return;
     }
-    if (network_ == nullptr) {
-        network_ = new QNetworkAccessManager(this);
+    try {
+        question_ = source_.ask(metadataURL_, source_.limit,
+                                [this](const RecordBody& record) { conclude(record); });
+    } catch (const std::runtime_error&) {
+        conclude(std::unexpected(UpdateError::invalidResponse));
     }
-    request_ = std::make_unique<RecordRequest>(
-        *network_, metadataURL_, source_.limit, source_.tls,
-        [this](const RecordRequest::Body& record) { conclude(record); });
 }
 
-void UpdateChecker::conclude(const RecordRequest::Body& record) {
-    request_.reset();
+void UpdateChecker::conclude(const RecordBody& record) {
+    question_.reset();
     publish(record);
     set(Property::isChecking, &Values::isChecking, false);
 }
 
-void UpdateChecker::publish(const RecordRequest::Body& record) {
+void UpdateChecker::publish(const RecordBody& record) {
     using enum L10n::Key;
     const auto newer = newerVersionIn(record, currentVersion_, source_.baseLocation);
     if (!newer.has_value()) {

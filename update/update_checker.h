@@ -11,24 +11,21 @@
 #include <QtCore/QObject>
 #include <QtCore/QString>
 #include <QtCore/QUrl>
-#include <QtNetwork/QSslConfiguration>
 
 #include "l10n/l10n.h"
 #include "l10n/preferences.h"
-#include "update/record_request.h"
-
-class QNetworkAccessManager;
+#include "update/record_question.h"
 
 namespace vantoro {
 
 /// The download server that this build asks; HTTPS, without a slash at the end.
 QString builtInBaseLocation();
 
-/// Whom to ask, and how.
+/// Whom to ask, for how long, and by which way.
 struct UpdateSource {
     QString baseLocation = builtInBaseLocation();
     std::chrono::milliseconds limit = std::chrono::seconds(15); ///< for a whole check
-    std::optional<QSslConfiguration> tls = std::nullopt; ///< instead of what the system trusts
+    AskForRecord ask = {}; ///< not called where the location is not HTTPS
 };
 
 /// Asks the download server, when the user wants to know, whether there is a newer version than
@@ -51,10 +48,10 @@ public:
     /// How the desktop opens a web page.
     using Open = std::function<void(const QUrl&)>;
 
-    /// Asks nobody, and sets up no network: that waits for the first check. `preferences` must
-    /// outlive it. An empty `currentVersion` counts as "0.1.3".
+    /// Asks nobody: that waits for the first check. `preferences` must outlive it. An empty
+    /// `currentVersion` counts as "0.1.3".
     UpdateChecker(const Preferences& preferences, std::string currentVersion, Open open,
-                  UpdateSource source = {});
+                  UpdateSource source);
     UpdateChecker(const UpdateChecker&) = delete;
     UpdateChecker& operator=(const UpdateChecker&) = delete;
     /// Ends a check that is running: nobody hears of it any more.
@@ -84,8 +81,8 @@ Q_SIGNALS:
 
 private:
     void ask();
-    void conclude(const RecordRequest::Body& record);
-    void publish(const RecordRequest::Body& record);
+    void conclude(const RecordBody& record);
+    void publish(const RecordBody& record);
 
     template <class Value>
     void set(Property property, Value Values::* field, std::type_identity_t<Value> value);
@@ -96,8 +93,7 @@ private:
     Open open_;
     UpdateSource source_;
     QUrl metadataURL_;
-    QNetworkAccessManager* network_ = nullptr; // a child, from the first check on
-    std::unique_ptr<RecordRequest> request_;   // while it waits for an answer
+    std::unique_ptr<RecordQuestion> question_; // while it waits for an answer
 };
 
 } // namespace vantoro

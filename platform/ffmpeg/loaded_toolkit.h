@@ -7,20 +7,17 @@
 
 #include "engine/ports/file_system.h"
 #include "engine/ports/media_toolkit.h"
+#include "platform/module/program_module.h"
 
 namespace vantoro::ffmpeg {
 
-/// An `FfmpegToolkit` that is loaded when it is first used: the libraries beneath it take longer to
-/// load, and more memory, than all the rest of a program that shows a window and waits. As the
-/// toolkit it may be used by several threads.
+/// An `FfmpegToolkit` that is loaded when it is first used. As the toolkit it may be used by
+/// several threads.
 class LoadedToolkit final : public MediaToolkit {
 public:
     /// `module`: the file to load it from. `fileSystem` outlives whatever the toolkit makes.
-    explicit LoadedToolkit(FileSystem& fileSystem,
-                           std::filesystem::path module = moduleBesideTheProgram());
-
-    /// Where the build, or the installation, of the running program has it.
-    static std::filesystem::path moduleBesideTheProgram();
+    explicit LoadedToolkit(FileSystem& fileSystem, std::filesystem::path module =
+                                                       moduleBesideTheProgram("vantoro-media.so"));
 
     // All of these throw std::runtime_error too, when it cannot be loaded.
     std::unique_ptr<FileWriter> makeWriter(const std::filesystem::path& location) override;

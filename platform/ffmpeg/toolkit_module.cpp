@@ -4,8 +4,8 @@
 
 // NOLINTNEXTLINE(misc-use-internal-linkage): found by its name
 extern "C" const vantoro::ffmpeg::ToolkitModule vantoroToolkitModule{
-    .version = VANTORO_VERSION,
-    .make = [](vantoro::FileSystem& fileSystem) -> vantoro::MediaToolkit* {
+    {.version = VANTORO_VERSION},
+    [](vantoro::FileSystem& fileSystem) -> vantoro::MediaToolkit* {
         return new vantoro::ffmpeg::FfmpegToolkit(fileSystem);
     },
 };

@@ -2,13 +2,12 @@
 
 #include "engine/ports/file_system.h"
 #include "engine/ports/media_toolkit.h"
+#include "platform/module/program_module.h"
 
 namespace vantoro::ffmpeg {
 
-/// What the module has under `toolkitModuleName`: which version it belongs to, for an update may
-/// replace the file under a program that runs, and the way to a toolkit.
-struct ToolkitModule {
-    const char* version;
+/// What the module has under `toolkitModuleName`: the way to a toolkit.
+struct ToolkitModule : ProgramModule {
     /// Throws as `FfmpegToolkit`'s constructor; the caller owns what it returns.
     MediaToolkit* (*make)(FileSystem& fileSystem);
 };

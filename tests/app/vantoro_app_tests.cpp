@@ -31,6 +31,7 @@ protected:
                     WindowPlatform{.statusArea = area,
                                    .desktops = "KDE",
                                    .version = "1.2.3",
+                                   .askForRecord = {},
                                    .launched = [this] { ++launches; },
                                    .end = [this] { ++ends; }});
         scheduler.settle();

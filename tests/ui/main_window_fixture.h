@@ -12,6 +12,7 @@
 #include "tests/ui/window_parts.h"
 #include "tests/update/local_server.h"
 #include "ui/main_window.h"
+#include "update/record_request.h"
 
 namespace vantoro::testing {
 
@@ -42,7 +43,8 @@ protected:
                 opened.push_back(location);
                 hadMessage.push_back(updates->values().message.has_value());
             },
-            UpdateSource{.baseLocation = server.location(), .tls = trustInLocalServers()});
+            UpdateSource{.baseLocation = server.location(),
+                         .ask = askOverNetwork(trustInLocalServers())});
         window = std::make_unique<MainWindow>(*model, *language, *updates, preferences);
     }
 

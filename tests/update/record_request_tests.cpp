@@ -16,7 +16,7 @@ namespace vantoro::testing {
 namespace {
 
 using namespace std::chrono_literals;
-using Body = RecordRequest::Body;
+using Body = RecordBody;
 
 const Body refused = std::unexpected(UpdateError::invalidResponse);
 const QByteArray record("the record");

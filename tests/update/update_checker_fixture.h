@@ -10,6 +10,7 @@
 #include "tests/control/event_loop.h"
 #include "tests/l10n/memory_preferences.h"
 #include "tests/update/local_server.h"
+#include "update/record_request.h"
 #include "update/update_checker.h"
 
 namespace vantoro::testing {
@@ -37,7 +38,8 @@ protected:
     void SetUp() override { make("1.0"); }
 
     void make(const std::string& currentVersion) {
-        make(currentVersion, {.baseLocation = server.location(), .tls = trustInLocalServers()});
+        make(currentVersion,
+             {.baseLocation = server.location(), .ask = askOverNetwork(trustInLocalServers())});
     }
 
     void make(const std::string& currentVersion, const UpdateSource& source) {

@@ -15,13 +15,18 @@ TEST_F(UpdateCheckerTest, knowsNothingBeforeItIsAsked) {
     EXPECT_EQ(checker->metadataURL(), QUrl(server.location() + "/downloads/latest.json"));
 }
 
-TEST_F(UpdateCheckerTest, setsUpTheNetworkAtTheFirstCheckOnly) {
-    EXPECT_EQ(checker->findChildren<QNetworkAccessManager*>().size(), 0);
+TEST_F(UpdateCheckerTest, asksFromTheEventLoopOnly) {
+    int questions = 0;
+    make("1.0", {.baseLocation = server.location(),
+                 .ask = [&, ask = askOverNetwork(trustInLocalServers())](
+                            const QUrl& location, auto limit, const auto& done) {
+                     ++questions;
+                     return ask(location, limit, done);
+                 }});
     checker->checkForUpdates();
-    EXPECT_EQ(checker->findChildren<QNetworkAccessManager*>().size(), 0); // from the event loop
+    EXPECT_EQ(questions, 0);
     ASSERT_TRUE(EventLoop::runUntil([this] { return !values().isChecking; }));
-    check();
-    EXPECT_EQ(checker->findChildren<QNetworkAccessManager*>().size(), 1);
+    EXPECT_EQ(questions, 1);
 }
 
 TEST_F(UpdateCheckerTest, takesAVersionForGrantedWhereNoneIsGiven) {
@@ -36,11 +41,19 @@ TEST_F(UpdateCheckerTest, takesAVersionForGrantedWhereNoneIsGiven) {
 TEST_F(UpdateCheckerTest, asksABuiltInServerOverHttpsAndWaitsQuarterOfAMinute) {
     const UpdateSource source;
     EXPECT_EQ(source.limit, 15s);
-    EXPECT_FALSE(source.tls.has_value());
     make("1.0", source);
     EXPECT_EQ(checker->metadataURL(), QUrl(builtInBaseLocation() + "/downloads/latest.json"));
     EXPECT_TRUE(checker->metadataURL().isValid());
     EXPECT_EQ(checker->metadataURL().scheme(), "https");
+}
+
+TEST_F(UpdateCheckerTest, failsWhereNobodyCanBeAsked) {
+    make("1.0", {.baseLocation = server.location(), .ask = [](const QUrl&, auto, const auto&) {
+                     throw std::runtime_error("a part of the program cannot be loaded");
+                     return std::unique_ptr<RecordQuestion>();
+                 }});
+    check();
+    EXPECT_EQ(values().message, failed);
 }
 
 TEST_F(UpdateCheckerTest, offersANewerVersionUnderItsFileName) {
@@ -117,14 +130,16 @@ TEST_F(UpdateCheckerTest, failsWithAFileNameThatMakesNoValidLocation) {
 }
 
 TEST_F(UpdateCheckerTest, failsWhenNoAnswerComesInTime) {
-    make("1.0", {.baseLocation = server.location(), .limit = 100ms, .tls = trustInLocalServers()});
+    make("1.0", {.baseLocation = server.location(),
+                 .limit = 100ms,
+                 .ask = askOverNetwork(trustInLocalServers())});
     answer = [](QSslSocket&, const QByteArray&) {};
     check();
     expectFailure();
 }
 
 TEST_F(UpdateCheckerTest, failsWhereNobodyVouchesForTheServer) {
-    make("1.0", {.baseLocation = server.location()});
+    make("1.0", {.baseLocation = server.location(), .ask = askOverNetwork()});
     check();
     expectFailure();
     EXPECT_EQ(server.requests.size(), 0U);
@@ -135,7 +150,7 @@ TEST_F(UpdateCheckerTest, failsWithoutAskingWhereItWouldBeUnencryptedOrNowhere) 
     const auto unencrypted = QString("http://127.0.0.1:%1").arg(plain.port());
     for (const QString& location : {unencrypted, QString(), QString("https://a b"),
                                     QString("https://"), QString("file://")}) {
-        make("1.0", {.baseLocation = location});
+        make("1.0", {.baseLocation = location, .ask = askOverNetwork(trustInLocalServers())});
         check();
         expectFailure();
     }

@@ -10,8 +10,9 @@ from pathlib import Path  # noqa: E402
 from window_case import WindowCase, main  # noqa: E402
 from texts import ENGLISH  # noqa: E402
 
-# What files are read and written with, and what other pictures than the program's own would need.
-NEEDED_LATER = ("libavcodec", "libavformat", "/imageformats/")
+# What files are read and written with, what asks for updates, and what other pictures than the program's own would
+# need.
+NEEDED_LATER = ("libavcodec", "libavformat", "libQt6Network", "/imageformats/")
 
 
 class Start(WindowCase):

@@ -4,6 +4,6 @@
 
 // NOLINTNEXTLINE(misc-use-internal-linkage): found by its name
 extern "C" const vantoro::ffmpeg::ToolkitModule vantoroToolkitModule{
-    .version = "another version",
-    .make = [](vantoro::FileSystem&) -> vantoro::MediaToolkit* { return nullptr; },
+    {.version = "another version"},
+    [](vantoro::FileSystem&) -> vantoro::MediaToolkit* { return nullptr; },
 };

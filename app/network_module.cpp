@@ -1,0 +1,9 @@
+#include "app/network_module.h"
+
+#include "update/record_request.h"
+
+// NOLINTNEXTLINE(misc-use-internal-linkage): found by its name
+extern "C" const vantoro::NetworkModule vantoroNetworkModule{
+    {.version = VANTORO_VERSION},
+    [] { return vantoro::askOverNetwork(); },
+};

@@ -1,0 +1,8 @@
+#include "platform/desktop/gio_module.h"
+
+// NOLINTNEXTLINE(misc-use-internal-linkage): found by its name
+extern "C" const vantoro::desktop::GioModule vantoroGioModule{
+    {.version = VANTORO_VERSION},
+    vantoro::desktop::openWithDefaultApplication,
+    vantoro::desktop::microphoneDisabledBySettings,
+};
