@@ -25,6 +25,10 @@ void EngineRecorder::start(const RecordingOptions& options) {
     recorder_.start(options);
 }
 
+void EngineRecorder::expectVolumes(float systemVolume, float microphoneVolume) {
+    recorder_.expectVolumes(systemVolume, microphoneVolume);
+}
+
 std::filesystem::path EngineRecorder::stop(float systemVolume, float microphoneVolume) {
     return recorder_.stop(systemVolume, microphoneVolume);
 }

@@ -19,6 +19,7 @@ public:
 
     void setCallbacks(RecorderCallbacks callbacks) override;
     void start(const RecordingOptions& options) override;
+    void expectVolumes(float systemVolume, float microphoneVolume) override;
     std::filesystem::path stop(float systemVolume, float microphoneVolume) override;
     std::vector<std::filesystem::path>
     recoverIncompleteRecordings(const std::filesystem::path& folder,

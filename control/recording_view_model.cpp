@@ -23,6 +23,11 @@ RecordingViewModel::RecordingViewModel(std::unique_ptr<Recorder> recorder,
       survey_(platform.scheduler, platform.audioDevices, platform.screenCaptureAccess,
               platform.microphoneAccess, [this](const auto& survey) { surveyed(survey); }) {
     installCallbacks();
+    connect(this, &RecordingProperties::propertyChanged, this, [this](Property property) {
+        if (property == Property::systemVolume || property == Property::microphoneVolume) {
+            expectVolumes();
+        }
+    });
     observePowerState();
     refreshDevicesAndPermissions();
     recoverIncompleteRecordings();
@@ -82,6 +87,7 @@ void RecordingViewModel::startRecording() {
     pendingStopReason_.reset();
     sleepHold_ = platform_.power.holdOffSleep(texts_.text(L10n::Key::recording));
     resetLevels();
+    expectVolumes();
     const RecordingOptions options{
         .captureSystemAudio = values().captureSystemAudio,
         .captureMicrophone = values().captureMicrophone,
@@ -94,6 +100,11 @@ void RecordingViewModel::startRecording() {
         [](RecordingViewModel& model, const Answer<void>& answer) {
             answer ? model.started() : model.startFailed(answer.error());
         });
+}
+
+void RecordingViewModel::expectVolumes() {
+    recorder_->expectVolumes(static_cast<float>(values().systemVolume),
+                             static_cast<float>(values().microphoneVolume));
 }
 
 void RecordingViewModel::started() {

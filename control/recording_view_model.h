@@ -78,6 +78,7 @@ private:
     void installCallbacks();
     void observePowerState();
 
+    void expectVolumes();
     void started();
     void startFailed(const std::exception_ptr& error);
     void stopRecording(StopReason reason);

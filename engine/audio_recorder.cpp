@@ -102,8 +102,24 @@ void AudioRecorder::prepareWriter(const RecordingOptions& options) {
     temporaryURL_ = temporaryURL;
     outputDirectory_ = options.outputDirectory;
     hasSystemAudioTrack_ = options.captureSystemAudio;
-    captureQueue_.sync(
-        [&] { samplePath_.arm(std::move(writer), systemAudioInput, microphoneInput); });
+    captureQueue_.sync([&] {
+        samplePath_.arm(std::move(writer), systemAudioInput, microphoneInput);
+        passOnExpectedVolumes();
+    });
+}
+
+void AudioRecorder::expectVolumes(float systemVolume, float microphoneVolume) {
+    captureQueue_.async([this, systemVolume, microphoneVolume] {
+        expectedVolumes_ = {systemVolume, microphoneVolume};
+        passOnExpectedVolumes();
+    });
+}
+
+/// On the capture queue.
+void AudioRecorder::passOnExpectedVolumes() {
+    if (expectedVolumes_) {
+        samplePath_.expectMix(expectedVolumes_->first, expectedVolumes_->second);
+    }
 }
 
 void AudioRecorder::startStream(const RecordingOptions& options, Display display) {

@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 #include <stop_token>
+#include <utility>
 #include <vector>
 
 #include "engine/media_time.h"
@@ -50,6 +51,10 @@ public:
     /// the platform's error unchanged; then nothing runs and nothing is left in the folder.
     void start(const RecordingOptions& options);
 
+    /// With which gains `stop` will probably mix: the mix may be made ahead. Any thread, at any
+    /// time; does not block.
+    void expectVolumes(float systemVolume, float microphoneVolume);
+
     /// Ends the recording and returns the place of the final file, mixed with these linear gains.
     /// Throws a `RecordingError`, or the platform's error unchanged; then the temporary file is
     /// kept if sound was written to it. In either case another recording can be started.
@@ -77,6 +82,7 @@ private:
     bool requestMicrophonePermission();
     Display chooseDisplay();
     void prepareWriter(const RecordingOptions& options);
+    void passOnExpectedVolumes();
     void startStream(const RecordingOptions& options, Display display);
 
     void stopStream();
@@ -97,6 +103,7 @@ private:
 
     // Touched on the capture queue only.
     SamplePath samplePath_;
+    std::optional<std::pair<float, float>> expectedVolumes_; // of the system and the microphone
     std::shared_ptr<CaptureStream> stream_;
 
     SerialQueue captureQueue_{"com.vantoro.capture"}; // last: it ends before what it works on

@@ -1,6 +1,7 @@
 #include "engine/sample_path.h"
 
 #include <utility>
+#include <vector>
 
 #include "engine/recording_types.h"
 
@@ -100,6 +101,19 @@ void SamplePath::finish(std::function<void(std::exception_ptr)> completion) {
         completion(std::make_exception_ptr(RecordingError::writerFailed(
             writer.errorDescription().value_or("Unable to finish the recording."))));
     });
+}
+
+void SamplePath::expectMix(float systemVolume, float microphoneVolume) {
+    std::vector<float> volumes;
+    if (systemAudioInput_ != nullptr) {
+        volumes.push_back(systemVolume);
+    }
+    if (microphoneInput_ != nullptr) {
+        volumes.push_back(microphoneVolume);
+    }
+    if (writer_) {
+        writer_->expectMix(std::move(volumes));
+    }
 }
 
 FileWriterInput* SamplePath::inputOf(AudioLevelSource source) const noexcept {

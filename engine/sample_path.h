@@ -38,6 +38,9 @@ public:
     /// error when the file is complete: here, or on a thread of the writer's.
     void finish(std::function<void(std::exception_ptr)> completion);
 
+    /// With which gain each source will probably be mixed.
+    void expectMix(float systemVolume, float microphoneVolume);
+
     bool isArmed() const noexcept { return writer_ != nullptr; }
 
     bool hasStartedWriting() const noexcept { return writerStarted_; }

@@ -12,6 +12,7 @@
 #include <string_view>
 
 #include "bench/export/child_process.h"
+#include "bench/export/temporary_folder.h"
 #include "bench/export/test_movie.h"
 #include "engine/salvage.h"
 #include "engine/track_mixing.h"
@@ -25,31 +26,6 @@ namespace {
 
 constexpr float systemVolume = 0.9F;
 constexpr float microphoneVolume = 1.0F;
-
-class TemporaryFolder {
-public:
-    TemporaryFolder() {
-        std::string name =
-            (std::filesystem::temp_directory_path() / "vantoro-bench-XXXXXX").string();
-        if (mkdtemp(name.data()) == nullptr) {
-            throw std::runtime_error("no temporary folder can be made");
-        }
-        path_ = name;
-    }
-
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-
-    ~TemporaryFolder() {
-        std::error_code ignored;
-        std::filesystem::remove_all(path_, ignored);
-    }
-
-    std::filesystem::path operator/(const char* name) const { return path_ / name; }
-
-private:
-    std::filesystem::path path_;
-};
 
 void exportMovie(const std::filesystem::path& movie, const std::filesystem::path& destination) {
     posix::PosixFileSystem files;

@@ -91,34 +91,47 @@ void append(FileWriterInput& input, std::span<const Channel> channels, std::int6
 
 } // namespace
 
-void recordTestMovie(const std::filesystem::path& location, int minutes, TestSources sources) {
-    const std::array music{makeMusic(1), makeMusic(2)};
-    const std::array speech{makeSpeech()};
-    posix::PosixFileSystem files;
-    ffmpeg::FfmpegToolkit toolkit(files);
-    const auto writer = toolkit.makeWriter(location);
-    writer->setInitialMovieFragmentInterval({1, 1});
-    writer->setMovieFragmentInterval({10, 1});
-    FileWriterInput* const system =
-        sources == TestSources::both ? &writer->add({.channels = 2, .bitRate = 192000}) : nullptr;
-    FileWriterInput& microphone = writer->add({.channels = 1, .bitRate = 96000});
-    if (!writer->startWriting()) {
+TestMovie::TestMovie(MediaToolkit& toolkit, const std::filesystem::path& location,
+                     TestSources sources)
+    : writer_(toolkit.makeWriter(location)),
+      system_(sources == TestSources::both ? &writer_->add({.channels = 2, .bitRate = 192000})
+                                           : nullptr),
+      microphone_(writer_->add({.channels = 1, .bitRate = 96000})) {
+    writer_->setInitialMovieFragmentInterval({1, 1});
+    writer_->setMovieFragmentInterval({10, 1});
+    if (!writer_->startWriting()) {
         throw std::runtime_error("the test movie cannot be created");
     }
-    writer->startSession(zeroTime);
+    writer_->startSession(zeroTime);
+}
+
+void TestMovie::record(int minutes) {
+    const std::array music{makeMusic(1), makeMusic(2)};
+    const std::array speech{makeSpeech()};
     const std::int64_t frames = std::int64_t{minutes} * 60 * framesPerSecond;
     for (std::int64_t frame = 0; frame < frames; frame += bufferFrames) {
-        if (system != nullptr) {
-            append(*system, music, frame);
+        if (system_ != nullptr) {
+            append(*system_, music, frame);
         }
-        append(microphone, speech, frame);
+        append(microphone_, speech, frame);
     }
+}
+
+void TestMovie::finish() {
     std::promise<void> finished;
-    writer->finishWriting([&finished] { finished.set_value(); });
+    writer_->finishWriting([&finished] { finished.set_value(); });
     finished.get_future().wait();
-    if (writer->status() != FileWriterStatus::completed) {
-        throw std::runtime_error(writer->errorDescription().value_or("unknown failure"));
+    if (writer_->status() != FileWriterStatus::completed) {
+        throw std::runtime_error(writer_->errorDescription().value_or("unknown failure"));
     }
+}
+
+void recordTestMovie(const std::filesystem::path& location, int minutes, TestSources sources) {
+    posix::PosixFileSystem files;
+    ffmpeg::FfmpegToolkit toolkit(files);
+    TestMovie movie(toolkit, location, sources);
+    movie.record(minutes);
+    movie.finish();
 }
 
 } // namespace vantoro::bench

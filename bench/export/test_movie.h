@@ -2,13 +2,34 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <memory>
+
+#include "engine/ports/media_toolkit.h"
 
 namespace vantoro::bench {
 
 enum class TestSources : std::uint8_t { both, microphone };
 
-/// Records a temporary movie, with this program's own writer and as fast as it goes: music-like
-/// stereo as system audio, speech-like mono as microphone.
+/// A temporary movie, recorded with this program's own writer and as fast as it goes: music-like
+/// stereo as system audio, speech-like mono as microphone. Throws where it cannot be written.
+class TestMovie {
+public:
+    TestMovie(MediaToolkit& toolkit, const std::filesystem::path& location,
+              TestSources sources = TestSources::both);
+
+    FileWriter& writer() { return *writer_; }
+
+    void record(int minutes);
+    /// Returns when the file is complete.
+    void finish();
+
+private:
+    std::unique_ptr<FileWriter> writer_;
+    FileWriterInput* system_;
+    FileWriterInput& microphone_;
+};
+
+/// All of it.
 void recordTestMovie(const std::filesystem::path& location, int minutes,
                      TestSources sources = TestSources::both);
 

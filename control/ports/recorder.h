@@ -31,6 +31,10 @@ public:
     /// Returns when capture runs, or throws.
     virtual void start(const RecordingOptions& options) = 0;
 
+    /// With which gains `stop` will probably be called: the mix may be made ahead. Any thread, at
+    /// any time; does not block.
+    virtual void expectVolumes(float systemVolume, float microphoneVolume) = 0;
+
     /// Returns the final file, mixed with these linear gains; or throws, and what was captured
     /// stays in the recording folder.
     virtual std::filesystem::path stop(float systemVolume, float microphoneVolume) = 0;

@@ -24,6 +24,8 @@ public:
     /// Makes the file reachable at the path that it was created with, should its folder have been
     /// removed or moved since: the folder is made again and the file's content copied into it.
     virtual void ensureReachable() = 0;
+    /// Gives a file that was created without one its name; throws when something exists there.
+    virtual void takeName(const std::filesystem::path& path) = 0;
     /// Nothing may follow but destruction.
     virtual void close() = 0;
 };
@@ -76,6 +78,12 @@ public:
     /// Fails when something exists there.
     virtual std::unique_ptr<OutputFile> create(const std::filesystem::path& path,
                                                FileAudience audience) = 0;
+    /// A file that nobody finds until it takes a name, and that is gone with the process if it
+    /// takes none. Null where the folder's file system has no such files.
+    virtual std::unique_ptr<OutputFile> createUnnamed(const std::filesystem::path& folder,
+                                                      FileAudience audience) = 0;
+    /// Bytes that the user may still write there.
+    virtual std::uint64_t availableSpace(const std::filesystem::path& folder) const = 0;
     virtual std::unique_ptr<InputFile> open(const std::filesystem::path& path) = 0;
     /// What lies directly in the folder, hidden things included.
     virtual std::vector<FolderEntry> list(const std::filesystem::path& folder) = 0;

@@ -4,6 +4,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "engine/media_time.h"
 #include "engine/sample_buffer.h"
@@ -59,6 +60,10 @@ public:
     /// Writes and syncs what is left, off the calling thread, then calls `completion` exactly once,
     /// on a thread of the writer's own. `status` has become `completed` or `failed` by then.
     virtual void finishWriting(std::function<void()> completion) = 0;
+
+    /// With which gain each track will probably be mixed, in the order of the tracks: the mix may
+    /// be made ahead. May be called again; does not block.
+    virtual void expectMix(std::vector<float> volumes) = 0;
 
     virtual FileWriterStatus status() const = 0;
     virtual std::optional<std::string> errorDescription() const = 0;

@@ -31,7 +31,7 @@ constexpr std::int64_t fragmentFrames = 4800;
 /// A finished movie whose fragments hold a tenth of a second each.
 Bytes record(const std::vector<AudioTrackSettings>& tracks, int fragments, const Sound& sound) {
     MemoryFileSystem files;
-    ffmpeg::MovieWriter writer(files, "movie.mov");
+    ffmpeg::MovieWriter writer(files, "movie.mov", std::make_shared<ffmpeg::FollowingMixes>());
     writer.setInitialMovieFragmentInterval({1, 10});
     writer.setMovieFragmentInterval({1, 10});
     std::vector<FileWriterInput*> inputs;

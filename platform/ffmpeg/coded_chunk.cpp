@@ -12,44 +12,6 @@ namespace {
 constexpr int mixChannels = 2;
 constexpr int mixBitRate = 256000;
 
-/// Collects the packets that a chunk keeps, of all that its coder makes.
-class Collector {
-public:
-    Collector(std::int64_t chunk, std::int64_t packetsOfMix, std::int64_t coderStart)
-        : next_(coderStart),
-          end_(std::min(packetsOfMix, ((chunk + 1) * chunkPackets) + packetsBehindChunk)) {
-        chunk_.firstPacket = chunk * chunkPackets;
-        if (chunk == 0) {
-            chunk_.windowEnds.emplace_back();
-        }
-        const auto count = static_cast<std::size_t>(end_ - chunk_.firstPacket);
-        chunk_.sizes.reserve(count);
-        chunk_.windowEnds.reserve(count + 1);
-    }
-
-    bool isComplete() const noexcept { return next_ >= end_; }
-
-    void add(const AVPacket& packet, const WindowEnds& ends) {
-        const std::int64_t number = next_++;
-        if (number >= chunk_.firstPacket - 1 && number < end_) {
-            chunk_.windowEnds.push_back(ends);
-        }
-        if (number >= chunk_.firstPacket && number < end_) {
-            const auto bytes =
-                std::as_bytes(std::span(packet.data, static_cast<std::size_t>(packet.size)));
-            chunk_.bytes.insert(chunk_.bytes.end(), bytes.begin(), bytes.end());
-            chunk_.sizes.push_back(static_cast<std::uint32_t>(bytes.size()));
-        }
-    }
-
-    CodedChunk take() { return std::move(chunk_); }
-
-private:
-    CodedChunk chunk_;
-    std::int64_t next_; // number of the coder's next packet
-    std::int64_t end_;  // behind the last one that is kept
-};
-
 } // namespace
 
 std::int64_t packetsOf(std::int64_t frames) noexcept {
@@ -64,32 +26,78 @@ AacEncoder makeMixCoder() {
     return {mixChannels, mixBitRate};
 }
 
-CodedChunk codeChunk(const Mix& mix, std::int64_t chunk, const std::stop_token& stop,
-                     const std::function<void()>& packetDone) {
-    const std::int64_t frames = framesOf(mix);
-    const std::int64_t first = chunk * chunkPackets;
-    const std::int64_t start = std::max<std::int64_t>(0, first - packetsBeforeChunk);
-    Mixer mixer(mix, start);
-    AacEncoder coder = makeMixCoder();
-    Collector collector(chunk, packetsOf(frames), start);
-    const PacketSink sink = [&](const AVPacket& packet) {
-        collector.add(packet, coder.windowEnds());
+ChunkPackets::ChunkPackets(std::int64_t chunk, std::int64_t packetsOfMix, std::int64_t coderStart)
+    : next_(coderStart),
+      end_(std::min(packetsOfMix, ((chunk + 1) * chunkPackets) + packetsBehindChunk)) {
+    chunk_.firstPacket = chunk * chunkPackets;
+    if (chunk == 0) {
+        chunk_.windowEnds.emplace_back();
+    }
+    const auto count = static_cast<std::size_t>(end_ - chunk_.firstPacket);
+    chunk_.sizes.reserve(count);
+    chunk_.windowEnds.reserve(count + 1);
+}
+
+void ChunkPackets::add(const AVPacket& packet, const WindowEnds& ends) {
+    const std::int64_t number = next_++;
+    if (number >= chunk_.firstPacket - 1 && number < end_) {
+        chunk_.windowEnds.push_back(ends);
+    }
+    if (number >= chunk_.firstPacket && number < end_) {
+        const auto bytes =
+            std::as_bytes(std::span(packet.data, static_cast<std::size_t>(packet.size)));
+        chunk_.bytes.insert(chunk_.bytes.end(), bytes.begin(), bytes.end());
+        chunk_.sizes.push_back(static_cast<std::uint32_t>(bytes.size()));
+    }
+}
+
+ChunkCoder::ChunkCoder(const Mix& mix, std::int64_t chunk)
+    : frames_(framesOf(mix)),
+      first_(chunk * chunkPackets),
+      block_(std::max<std::int64_t>(0, first_ - packetsBeforeChunk)),
+      mixer_(mix, block_),
+      coder_(makeMixCoder()),
+      packets_(chunk, packetsOf(frames_), block_) {}
+
+void ChunkCoder::endAs(const Mix& mix) noexcept {
+    frames_ = framesOf(mix);
+    mixer_.endAs(mix);
+    packets_.endAt(packetsOf(frames_));
+}
+
+void ChunkCoder::code(std::int64_t frames, const std::stop_token& stop,
+                      const std::function<void()>& packetDone) {
+    const PacketSink sink = [this](const AVPacket& packet) {
+        packets_.add(packet, coder_.windowEnds());
     };
-    std::int64_t block = start;
-    for (; block * packetFrames < frames && !collector.isComplete() && !stop.stop_requested();
-         ++block) {
-        mixer.read({.left = coder.plane(0).first<packetFrames>(),
-                    .right = coder.plane(1).first<packetFrames>()});
-        const std::int64_t left = frames - (block * packetFrames);
-        coder.encode(static_cast<int>(std::min<std::int64_t>(packetFrames, left)), sink);
-        if (block >= first && block < first + chunkPackets) {
+    for (; !isComplete() && isThere(block_, frames); ++block_) {
+        if (stop.stop_requested()) {
+            return;
+        }
+        mixer_.read({.left = coder_.plane(0).first<packetFrames>(),
+                     .right = coder_.plane(1).first<packetFrames>()});
+        const std::int64_t left = frames_ - (block_ * packetFrames);
+        coder_.encode(static_cast<int>(std::min<std::int64_t>(packetFrames, left)), sink);
+        if (block_ >= first_ && block_ < first_ + chunkPackets) {
             packetDone();
         }
     }
-    if (!collector.isComplete()) {
-        coder.finish(sink);
+    if (!isComplete() && block_ * packetFrames >= frames_) {
+        coder_.finish(sink);
     }
-    return collector.take();
+}
+
+/// Whether a block is whole, or the mix's last.
+bool ChunkCoder::isThere(std::int64_t block, std::int64_t frames) const noexcept {
+    return (block + 1) * packetFrames <= frames ||
+           (frames == frames_ && block * packetFrames < frames_);
+}
+
+CodedChunk codeChunk(const Mix& mix, std::int64_t chunk, const std::stop_token& stop,
+                     const std::function<void()>& packetDone) {
+    ChunkCoder coder(mix, chunk);
+    coder.code(framesOf(mix), stop, packetDone);
+    return coder.take();
 }
 
 std::int64_t splicePoint(const CodedChunk& before, const CodedChunk& after) noexcept {

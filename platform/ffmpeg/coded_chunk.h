@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -43,8 +44,58 @@ std::int64_t chunksOf(std::int64_t frames) noexcept;
 /// How a mix is coded.
 AacEncoder makeMixCoder();
 
-/// Codes one chunk. `packetDone` is told of each packet of the chunk itself. A stop is heeded at
-/// once; what is returned then is of no use. Throws when a file cannot be read, or the coder fails.
+/// The packets that a chunk keeps, of all that its coder makes.
+class ChunkPackets {
+public:
+    /// `coderStart`: the number of the coder's first packet.
+    ChunkPackets(std::int64_t chunk, std::int64_t packetsOfMix, std::int64_t coderStart);
+
+    bool areComplete() const noexcept { return next_ >= end_; }
+
+    void add(const AVPacket& packet, const WindowEnds& ends);
+
+    /// There are only so many in the mix.
+    void endAt(std::int64_t packetsOfMix) noexcept { end_ = std::min(end_, packetsOfMix); }
+
+    CodedChunk take() noexcept { return std::move(chunk_); }
+
+private:
+    CodedChunk chunk_;
+    std::int64_t next_; // number of the coder's next packet
+    std::int64_t end_;  // behind the last one that is kept
+};
+
+/// Codes one chunk, as far as there is a mix. Used by one thread; throws when a file cannot be
+/// read, or the coder fails.
+class ChunkCoder {
+public:
+    /// Of a mix whose end may be unknown yet; the first block that is coded must be there.
+    ChunkCoder(const Mix& mix, std::int64_t chunk);
+
+    /// The mix, whose end was unknown, is this one.
+    void endAs(const Mix& mix) noexcept;
+
+    /// Codes what lies before so many frames of the mix, in whole blocks, or to the chunk's end.
+    /// `packetDone` is told of each packet of the chunk itself. A stop is heeded at once.
+    void code(std::int64_t frames, const std::stop_token& stop,
+              const std::function<void()>& packetDone);
+
+    bool isComplete() const noexcept { return packets_.areComplete(); }
+
+    CodedChunk take() noexcept { return packets_.take(); }
+
+private:
+    bool isThere(std::int64_t block, std::int64_t frames) const noexcept;
+
+    std::int64_t frames_; // of the mix
+    std::int64_t first_;  // block of the chunk itself
+    std::int64_t block_;  // next to be coded
+    Mixer mixer_;
+    AacEncoder coder_;
+    ChunkPackets packets_;
+};
+
+/// Codes one chunk of a mix in one go; what is returned after a stop is of no use.
 CodedChunk codeChunk(const Mix& mix, std::int64_t chunk, const std::stop_token& stop,
                      const std::function<void()>& packetDone);
 

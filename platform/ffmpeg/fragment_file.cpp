@@ -5,8 +5,11 @@
 
 namespace vantoro::ffmpeg {
 
-FragmentFile::FragmentFile(std::unique_ptr<OutputFile> file, Failure onFailure)
-    : file_(std::move(file)), onFailure_(std::move(onFailure)), thread_([this] { run(); }) {}
+FragmentFile::FragmentFile(std::unique_ptr<OutputFile> file, Failure onFailure, Growth onGrowth)
+    : file_(std::move(file)),
+      onFailure_(std::move(onFailure)),
+      onGrowth_(std::move(onGrowth)),
+      thread_([this] { run(); }) {}
 
 FragmentFile::~FragmentFile() {
     {
@@ -47,7 +50,9 @@ void FragmentFile::run() {
         if (!failed_ && !fragments_.empty()) {
             lock.unlock();
             const bool written = writeNext();
-            if (!written) {
+            if (written) {
+                onGrowth_();
+            } else {
                 onFailure_(failure_);
             }
             lock.lock();

@@ -26,10 +26,12 @@ class FragmentFile {
 public:
     /// Told, on the file thread, why a write failed.
     using Failure = std::function<void(const std::string& description)>;
+    /// Told, on the file thread, that another fragment is on the disk.
+    using Growth = std::function<void()>;
     /// Told, on the file thread, that the file is closed: why it holds nothing of use, or nothing.
     using Completion = std::function<void(const std::optional<std::string>& failure)>;
 
-    FragmentFile(std::unique_ptr<OutputFile> file, Failure onFailure);
+    FragmentFile(std::unique_ptr<OutputFile> file, Failure onFailure, Growth onGrowth);
     FragmentFile(const FragmentFile&) = delete;
     FragmentFile& operator=(const FragmentFile&) = delete;
     /// Waits until all fragments are written, or one fails; the file stays. Not on the file thread.
@@ -53,6 +55,7 @@ private:
     // Touched on the file thread only.
     std::unique_ptr<OutputFile> file_;
     Failure onFailure_;
+    Growth onGrowth_;
     std::uint64_t end_ = 0; // of the last whole fragment
     std::string failure_;   // why the latest write failed
 

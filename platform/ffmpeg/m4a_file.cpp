@@ -24,11 +24,19 @@ std::array<std::byte, sizeof(Number)> bigEndian(Number value) {
 
 } // namespace
 
-M4aFile::M4aFile(std::unique_ptr<OutputFile> file, M4aTrack track)
+M4aTrack describeTrack(const AVCodecParameters& parameters) {
+    const auto configuration = std::as_bytes(
+        std::span(parameters.extradata, static_cast<std::size_t>(parameters.extradata_size)));
+    return {.channels = parameters.ch_layout.nb_channels,
+            .bitRate = static_cast<int>(parameters.bit_rate),
+            .coderConfiguration = {configuration.begin(), configuration.end()}};
+}
+
+M4aFile::M4aFile(std::unique_ptr<OutputFile> file, M4aTrack track, std::int64_t expectedFrames)
     : file_(std::move(file)), track_(std::move(track)) {
     buffer_.reserve(bufferSize);
     // Growing by doubling would cost more memory than the table itself.
-    const auto packets = (static_cast<std::size_t>(track_.frames) / packetFrames) + 3;
+    const auto packets = (static_cast<std::size_t>(expectedFrames) / packetFrames) + 3;
     packetSizes_.reserve(packets);
     chunkOffsets_.reserve((packets / packetsPerChunk) + 1);
     put(m4aFileType());
@@ -47,15 +55,27 @@ void M4aFile::add(std::span<const std::byte> packet) {
     put(packet);
 }
 
-void M4aFile::finish() {
+void M4aFile::sync() {
+    flush();
+    file_->sync();
+}
+
+void M4aFile::finish(std::int64_t frames) {
     const std::uint64_t contentEnd = written_ + buffer_.size();
-    put(m4aIndex(track_, packetSizes_.size(), chunkOffsets_));
+    put(m4aIndex(track_, frames, packetSizes_.size(), chunkOffsets_));
     for (const std::uint32_t size : packetSizes_) {
         put(bigEndian(size));
     }
     flush();
     file_->writeAt(contentStart_ + 8, bigEndian(contentEnd - contentStart_));
     file_->sync();
+}
+
+void M4aFile::takeName(const std::filesystem::path& path) {
+    file_->takeName(path);
+}
+
+void M4aFile::close() {
     file_->close();
 }
 

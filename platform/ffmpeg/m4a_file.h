@@ -2,24 +2,40 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <filesystem>
 #include <memory>
 #include <span>
 #include <vector>
+
+extern "C" {
+#include <libavcodec/codec_par.h>
+}
 
 #include "engine/ports/file_system.h"
 #include "platform/ffmpeg/m4a_index.h"
 
 namespace vantoro::ffmpeg {
 
+/// Of packets with these parameters.
+M4aTrack describeTrack(const AVCodecParameters& parameters);
+
 /// Writes an M4A file of one AAC track packet by packet, keeping four bytes of each in memory.
 /// Used by one thread; throws what the file throws.
 class M4aFile {
 public:
-    M4aFile(std::unique_ptr<OutputFile> file, M4aTrack track);
+    /// `expectedFrames`: how long it will be, so far as that is known.
+    M4aFile(std::unique_ptr<OutputFile> file, M4aTrack track, std::int64_t expectedFrames = 0);
 
     void add(std::span<const std::byte> packet);
-    /// Writes the index behind the packets, of which there is at least one; syncs and closes.
-    void finish();
+    /// Brings the packets so far to the disk, so that less is left for the end.
+    void sync();
+    /// Writes the index behind the packets, of which there is at least one, and syncs. So many
+    /// frames are to be heard of them: neither priming nor padding.
+    void finish(std::int64_t frames);
+    /// Gives the file, which has none, its name.
+    void takeName(const std::filesystem::path& path);
+    /// Nothing may follow.
+    void close();
 
 private:
     void put(std::span<const std::byte> bytes);

@@ -15,13 +15,13 @@ constexpr std::uint32_t fixedPointOne = 0x10000;
 
 class IndexWriter {
 public:
-    IndexWriter(const M4aTrack& track, std::size_t packetCount,
+    IndexWriter(const M4aTrack& track, std::int64_t frames, std::size_t packetCount,
                 std::span<const std::uint64_t> chunkOffsets)
         : track_(track),
           packetCount_(packetCount),
           chunkOffsets_(chunkOffsets),
           sizesLength_(4 * packetCount),
-          frames_(static_cast<std::uint64_t>(track.frames)),
+          frames_(static_cast<std::uint64_t>(frames)),
           codedFrames_(std::min<std::uint64_t>(packetCount * std::uint64_t{packetFrames},
                                                frames_ + primingFrames)),
           long_(codedFrames_ > std::numeric_limits<std::uint32_t>::max()) {}
@@ -283,9 +283,9 @@ std::vector<std::byte> m4aFileType() {
     return out.take();
 }
 
-std::vector<std::byte> m4aIndex(const M4aTrack& track, std::size_t packetCount,
+std::vector<std::byte> m4aIndex(const M4aTrack& track, std::int64_t frames, std::size_t packetCount,
                                 std::span<const std::uint64_t> chunkOffsets) {
-    return IndexWriter(track, packetCount, chunkOffsets).write();
+    return IndexWriter(track, frames, packetCount, chunkOffsets).write();
 }
 
 } // namespace vantoro::ffmpeg

@@ -12,7 +12,6 @@ struct M4aTrack {
     int channels = 2;
     int bitRate = 0;                           ///< bits a second
     std::vector<std::byte> coderConfiguration; ///< how the packets are to be decoded
-    std::int64_t frames = 0; ///< that are to be heard: neither priming nor padding
 };
 
 /// How many packets lie in one row in the file, before another offset is noted.
@@ -21,10 +20,11 @@ inline constexpr std::size_t packetsPerChunk = 64;
 /// The file's first bytes.
 std::vector<std::byte> m4aFileType();
 
-/// The file's index, up to the table of the packets' sizes, which its caller writes behind it: 32
-/// bits big-endian for each packet, as many as `packetCount`, at least one.
-/// `chunkOffsets`: where each row of packets begins in the file.
-std::vector<std::byte> m4aIndex(const M4aTrack& track, std::size_t packetCount,
+/// The file's index, of so many `frames` that are to be heard (neither priming nor padding), up to
+/// the table of the packets' sizes, which its caller writes behind it: 32 bits big-endian for each
+/// packet, as many as `packetCount`, at least one. `chunkOffsets`: where each row of packets begins
+/// in the file.
+std::vector<std::byte> m4aIndex(const M4aTrack& track, std::int64_t frames, std::size_t packetCount,
                                 std::span<const std::uint64_t> chunkOffsets);
 
 } // namespace vantoro::ffmpeg

@@ -1,6 +1,7 @@
 #include "platform/ffmpeg/mixer.h"
 
 #include <algorithm>
+#include <cstddef>
 
 namespace vantoro::ffmpeg {
 
@@ -12,12 +13,11 @@ std::int64_t framesOf(const Mix& mix) noexcept {
     return frames;
 }
 
-Mixer::Mixer(const Mix& mix, std::int64_t block) {
-    const std::int64_t skipped = block * packetFrames;
+Mixer::Mixer(const Mix& mix, std::int64_t block) : position_(block * packetFrames) {
     for (const MixedTrack& track : mix) {
-        if (track.frames > skipped) {
+        if (track.frames > position_) {
             tracks_.push_back(
-                {TrackSamples(*track.source, track.start + skipped, track.frames - skipped),
+                {TrackSamples(*track.source, track.start + position_, track.frames - position_),
                  track.volume});
         }
     }
@@ -30,11 +30,18 @@ void Mixer::read(const StereoBlock& block) {
     for (Track& track : tracks_) {
         track.samples.addTo(block, track.volume);
     }
+    position_ += packetFrames;
     for (const auto plane : {block.left, block.right}) {
         // Beyond full scale decoders differ: some wrap around, which crackles.
         for (float& sample : plane) {
             sample = std::clamp(sample, -1.0F, 1.0F);
         }
+    }
+}
+
+void Mixer::endAs(const Mix& mix) noexcept {
+    for (std::size_t track = 0; track < tracks_.size(); ++track) {
+        tracks_[track].samples.endAfter(std::max<std::int64_t>(0, mix[track].frames - position_));
     }
 }
 

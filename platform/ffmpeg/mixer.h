@@ -1,12 +1,16 @@
 #pragma once
 
 #include <cstdint>
+#include <limits>
 #include <vector>
 
 #include "platform/ffmpeg/movie_asset.h"
 #include "platform/ffmpeg/track_samples.h"
 
 namespace vantoro::ffmpeg {
+
+/// Of a track whose end is not known yet.
+inline constexpr std::int64_t unknownFrames = std::numeric_limits<std::int64_t>::max() / 2;
 
 /// A range of a movie's track, and how loud it is in a mix.
 struct MixedTrack {
@@ -32,6 +36,9 @@ public:
     /// The next 1024 frames; silence where a track has ended. Throws when a file cannot be read.
     void read(const StereoBlock& block);
 
+    /// The tracks, of which no end was known, end as those of `mix` do: behind what was read.
+    void endAs(const Mix& mix) noexcept;
+
 private:
     struct Track {
         TrackSamples samples;
@@ -39,6 +46,7 @@ private:
     };
 
     std::vector<Track> tracks_;
+    std::int64_t position_; // in frames
 };
 
 } // namespace vantoro::ffmpeg

@@ -15,19 +15,6 @@
 
 namespace vantoro::ffmpeg {
 
-namespace {
-
-M4aTrack describe(const AVCodecParameters& parameters, std::int64_t frames) {
-    const auto configuration = std::as_bytes(
-        std::span(parameters.extradata, static_cast<std::size_t>(parameters.extradata_size)));
-    return {.channels = parameters.ch_layout.nb_channels,
-            .bitRate = static_cast<int>(parameters.bit_rate),
-            .coderConfiguration = {configuration.begin(), configuration.end()},
-            .frames = frames};
-}
-
-} // namespace
-
 void MixingExport::setAudioMix(AudioMix mix) {
     for (const AudioMixInput& input : mix) {
         if (!std::isfinite(input.volume) || input.time != zeroTime) {
@@ -69,9 +56,10 @@ void MixingExport::copy(const MovieCompositionTrack& track,
                         const std::filesystem::path& destination, const ExportProgress& progress) {
     const MovieTrack& source = *track.source();
     M4aFile file(fileSystem_.create(destination, FileAudience::asUserPrefers),
-                 describe(*source.movie()->codecs[source.index()], track.frames()));
+                 describeTrack(*source.movie()->codecs[source.index()]), track.frames());
     copyPackets(source, track.frames(), file, progress);
-    file.finish();
+    file.finish(track.frames());
+    file.close();
 }
 
 void MixingExport::mix(const std::filesystem::path& destination, const ExportProgress& progress) {
@@ -88,11 +76,24 @@ void MixingExport::mix(const std::filesystem::path& destination, const ExportPro
     if (frames == 0) {
         throw std::runtime_error("There is no sound to export.");
     }
+    // It may begin twice, where what was made ahead is of no use.
+    double reported = -1;
+    const ExportProgress rising = [&](double done) {
+        if (progress && done > reported) {
+            progress(done);
+            reported = done;
+        }
+    };
+    const auto ahead = following_->of(mix.front().source->movie()->location);
+    if (ahead && ahead->completeAs(destination, mix, threads_, rising)) {
+        return;
+    }
     M4aFile file(fileSystem_.create(destination, FileAudience::asUserPrefers),
-                 describe(makeMixCoder().parameters(), frames));
-    codeInParallel(
-        mix, threads_, [&file](std::span<const std::byte> packet) { file.add(packet); }, progress);
-    file.finish();
+                 describeTrack(makeMixCoder().parameters()), frames);
+    ChunkSplicer splicer([&file](std::span<const std::byte> packet) { file.add(packet); });
+    codeInParallel(mix, 0, threads_, splicer, rising);
+    file.finish(frames);
+    file.close();
 }
 
 float MixingExport::volumeOf(const CompositionTrack& track) const noexcept {

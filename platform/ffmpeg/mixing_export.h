@@ -1,11 +1,14 @@
 #pragma once
 
 #include <filesystem>
+#include <memory>
 #include <thread>
+#include <utility>
 
 #include "engine/ports/file_system.h"
 #include "engine/ports/media_toolkit.h"
 #include "platform/ffmpeg/composition.h"
+#include "platform/ffmpeg/following_mix.h"
 
 namespace vantoro::ffmpeg {
 
@@ -14,10 +17,15 @@ namespace vantoro::ffmpeg {
 /// scale only where it is coded. Needs the same memory for any length, but for four bytes a packet.
 class MixingExport final : public ExportSession {
 public:
-    /// Both outlive the session. So many threads mix, of which the file tells nothing.
+    /// The first two outlive the session. A mix that followed the recording is only completed. So
+    /// many threads mix, of which the file tells nothing.
     MixingExport(FileSystem& fileSystem, const MovieComposition& composition,
+                 std::shared_ptr<FollowingMixes> following,
                  unsigned threads = std::thread::hardware_concurrency())
-        : fileSystem_(fileSystem), composition_(composition), threads_(threads) {}
+        : fileSystem_(fileSystem),
+          composition_(composition),
+          following_(std::move(following)),
+          threads_(threads) {}
 
     /// A track without an entry keeps its volume. Throws std::invalid_argument for a volume that is
     /// no finite number, or one that does not hold from the beginning.
@@ -37,6 +45,7 @@ private:
 
     FileSystem& fileSystem_;
     const MovieComposition& composition_;
+    std::shared_ptr<FollowingMixes> following_;
     unsigned threads_;
     AudioMix mix_;
 };

@@ -8,11 +8,9 @@
 
 namespace vantoro::ffmpeg {
 
-namespace {
-
-std::shared_ptr<const Movie> openMovie(FileSystem& fileSystem,
-                                       const std::filesystem::path& location) {
+std::shared_ptr<Movie> openMovie(FileSystem& fileSystem, const std::filesystem::path& location) {
     auto movie = std::make_shared<Movie>();
+    movie->location = location;
     movie->file = fileSystem.open(location);
     movie->scan = scanMovie(*movie->file);
     movie->codecs = readCodecs(movie->scan);
@@ -23,8 +21,6 @@ std::shared_ptr<const Movie> openMovie(FileSystem& fileSystem,
     }
     return movie;
 }
-
-} // namespace
 
 TimeRange MovieTrack::timeRange() const {
     const std::int64_t frames =

@@ -12,12 +12,16 @@
 
 namespace vantoro::ffmpeg {
 
-/// A movie opened for reading; never changes, so any number of threads may read from it.
+/// A movie opened for reading. Where it does not grow, any number of threads may read from it.
 struct Movie {
+    std::filesystem::path location;
     std::unique_ptr<InputFile> file;
     MovieScan scan;
     std::vector<ParametersHandle> codecs; ///< as `readCodecs` gives them
 };
+
+/// Throws as `MovieAsset`.
+std::shared_ptr<Movie> openMovie(FileSystem& fileSystem, const std::filesystem::path& location);
 
 /// One audio track of a movie, whose time begins behind the coder's priming.
 class MovieTrack final : public AssetTrack {

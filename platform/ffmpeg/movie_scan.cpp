@@ -115,7 +115,11 @@ FileBox findHeader(const InputFile& file) {
 /// How far the tracks have come, fragment by fragment.
 class Progress {
 public:
-    explicit Progress(std::size_t trackCount) : ends_(trackCount), ended_(trackCount) {}
+    explicit Progress(std::vector<std::int64_t> ends) : ends_(std::move(ends)) {
+        for (const std::int64_t end : ends_) {
+            ended_.push_back(end % packetFrames != 0);
+        }
+    }
 
     const std::vector<std::int64_t>& ends() const noexcept { return ends_; }
 
@@ -166,22 +170,26 @@ MovieScan scanMovie(const InputFile& file) {
     MovieScan scan;
     scan.tracks = parseHeader(bytes);
     scan.headerEnd = header.end;
-    Progress progress(scan.tracks.size());
+    scan.fragmentsEnd = header.end;
+    scan.ends.resize(scan.tracks.size());
+    continueScan(file, scan);
+    return scan;
+}
+
+void continueScan(const InputFile& file, MovieScan& scan) {
+    Progress progress(scan.ends);
     try {
-        for (std::uint64_t offset = header.end;
-             offset < file.size() && scan.fragments.size() < mostFragments;) {
-            const Fragment fragment = readFragment(file, offset, scan.tracks);
-            const std::vector<std::int64_t> starts = progress.ends();
+        while (scan.fragmentsEnd < file.size() && scan.fragments.size() < mostFragments) {
+            const Fragment fragment = readFragment(file, scan.fragmentsEnd, scan.tracks);
             progress.add(fragment);
-            scan.fragments.push_back(offset);
-            scan.starts.insert(scan.starts.end(), starts.begin(), starts.end());
-            offset = fragment.end;
+            scan.fragments.push_back(scan.fragmentsEnd);
+            scan.starts.insert(scan.starts.end(), scan.ends.begin(), scan.ends.end());
+            scan.ends = progress.ends();
+            scan.fragmentsEnd = fragment.end;
         }
     } catch (const DamagedMovie&) { // NOLINT(bugprone-empty-catch)
         // The writer died here, or finished: all before is whole.
     }
-    scan.ends = progress.ends();
-    return scan;
 }
 
 } // namespace vantoro::ffmpeg

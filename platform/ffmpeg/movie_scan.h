@@ -30,6 +30,7 @@ struct MovieScan {
     std::vector<std::uint64_t> fragments; ///< offset of each whole fragment
     std::vector<std::int64_t> starts; ///< fragments × tracks: frames before it, the priming counted
     std::vector<std::int64_t> ends;   ///< of each track behind the last whole fragment
+    std::uint64_t fragmentsEnd = 0;   ///< offset behind the last whole fragment, or the header
 
     std::span<const std::int64_t> startsOf(std::size_t fragment) const noexcept {
         return std::span(starts).subspan(fragment * tracks.size(), tracks.size());
@@ -40,5 +41,8 @@ struct MovieScan {
 /// little memory. Throws DamagedMovie when there is no movie in it at all, and what the file throws
 /// when it cannot be read.
 MovieScan scanMovie(const InputFile& file);
+
+/// Adds the fragments that the file, still being written, has become longer by since.
+void continueScan(const InputFile& file, MovieScan& scan);
 
 } // namespace vantoro::ffmpeg

@@ -36,8 +36,11 @@ private:
 };
 
 MovieWriter::MovieWriter(FileSystem& fileSystem, std::filesystem::path location,
-                         std::size_t largestBacklog)
-    : fileSystem_(fileSystem), location_(std::move(location)), largestBacklog_(largestBacklog) {}
+                         std::shared_ptr<FollowingMixes> following, std::size_t largestBacklog)
+    : fileSystem_(fileSystem),
+      location_(std::move(location)),
+      largestBacklog_(largestBacklog),
+      following_(std::move(following)) {}
 
 MovieWriter::~MovieWriter() = default;
 
@@ -66,9 +69,16 @@ bool MovieWriter::startWriting() {
         muxer_.start();
         schedule_ = FragmentSchedule(initialInterval_.inUnitsOf(framesPerSecond),
                                      interval_.inUnitsOf(framesPerSecond));
+        auto file = fileSystem_.create(location_, FileAudience::userOnly);
+        mix_ = following_->begin(fileSystem_, location_);
+        expectMix(std::move(expectedVolumes_));
         file_ = std::make_unique<FragmentFile>(
-            fileSystem_.create(location_, FileAudience::userOnly),
-            [this](const std::string& description) { fail(description); });
+            std::move(file), [this](const std::string& description) { fail(description); },
+            [mix = mix_] {
+                if (mix) {
+                    mix->movieHasGrown();
+                }
+            });
         const std::lock_guard lock(mutex_);
         status_ = FileWriterStatus::writing;
     });
@@ -139,6 +149,13 @@ void MovieWriter::finishWriting(std::function<void()> completion) {
             }
             completion();
         });
+}
+
+void MovieWriter::expectMix(std::vector<float> volumes) {
+    expectedVolumes_ = std::move(volumes);
+    if (mix_) {
+        mix_->expect(expectedVolumes_);
+    }
 }
 
 FileWriterStatus MovieWriter::status() const {

@@ -12,6 +12,7 @@
 
 #include "engine/ports/file_system.h"
 #include "engine/ports/file_writer.h"
+#include "platform/ffmpeg/following_mix.h"
 #include "platform/ffmpeg/fragment_file.h"
 #include "platform/ffmpeg/fragment_muxer.h"
 #include "platform/ffmpeg/fragment_schedule.h"
@@ -27,8 +28,10 @@ public:
     /// Some 15 minutes of both tracks.
     static constexpr std::size_t usualLargestBacklog = 32U << 20U;
 
-    /// The inputs are not ready while more than `largestBacklog` bytes wait for the disk.
+    /// The inputs are not ready while more than `largestBacklog` bytes wait for the disk. A mix
+    /// that is expected becomes one of `following`.
     MovieWriter(FileSystem& fileSystem, std::filesystem::path location,
+                std::shared_ptr<FollowingMixes> following,
                 std::size_t largestBacklog = usualLargestBacklog);
     MovieWriter(const MovieWriter&) = delete;
     MovieWriter& operator=(const MovieWriter&) = delete;
@@ -41,6 +44,7 @@ public:
     bool startWriting() override;
     void startSession(MediaTime sourceTime) override;
     void finishWriting(std::function<void()> completion) override;
+    void expectMix(std::vector<float> volumes) override;
     FileWriterStatus status() const override;
     std::optional<std::string> errorDescription() const override;
 
@@ -61,6 +65,9 @@ private:
     FileSystem& fileSystem_;
     const std::filesystem::path location_;
     const std::size_t largestBacklog_;
+    std::shared_ptr<FollowingMixes> following_;
+    std::vector<float> expectedVolumes_;
+    std::shared_ptr<FollowingMix> mix_; // from the start on, where it can be had
     MediaTime initialInterval_{1, 1};
     MediaTime interval_{10, 1};
     FragmentSchedule schedule_; // begins anew when writing starts

@@ -19,9 +19,13 @@ namespace {
 /// Chunks that threads code ahead of the one who takes them in their order.
 class Workshop {
 public:
-    Workshop(const Mix& mix, unsigned threads)
-        : mix_(mix), chunks_(chunksOf(framesOf(mix))), largestLead_(2 * std::int64_t{threads}) {
-        for (unsigned thread = 0; thread < threads && thread < chunks_; ++thread) {
+    Workshop(const Mix& mix, std::int64_t firstChunk, unsigned threads)
+        : mix_(mix),
+          chunks_(chunksOf(framesOf(mix))),
+          largestLead_(2 * std::int64_t{threads}),
+          claimed_(firstChunk),
+          taken_(firstChunk) {
+        for (unsigned thread = 0; thread < threads && thread < chunks_ - firstChunk; ++thread) {
             try {
                 workers_.emplace_back([this](const std::stop_token& stop) { work(stop); });
             } catch (const std::system_error&) {
@@ -112,8 +116,8 @@ private:
     std::mutex mutex_; // guards all below but the threads
     std::condition_variable_any room_;
     std::condition_variable changed_;
-    std::int64_t claimed_ = 0;
-    std::int64_t taken_ = 0;
+    std::int64_t claimed_;
+    std::int64_t taken_;
     std::int64_t packetsDone_ = 0;
     std::map<std::int64_t, CodedChunk> done_;
     std::exception_ptr failure_;
@@ -123,8 +127,8 @@ private:
 
 } // namespace
 
-void codeInParallel(const Mix& mix, unsigned threads, const ChunkSplicer::Sink& sink,
-                    const ExportProgress& progress) {
+void codeInParallel(const Mix& mix, std::int64_t firstChunk, unsigned threads,
+                    ChunkSplicer& splicer, const ExportProgress& progress) {
     const auto packets = static_cast<double>(packetsOf(framesOf(mix)));
     std::int64_t reported = -1;
     const auto report = [&](std::int64_t done) {
@@ -133,11 +137,11 @@ void codeInParallel(const Mix& mix, unsigned threads, const ChunkSplicer::Sink& 
             reported = done;
         }
     };
-    report(0); // before any of it can be done
-    Workshop workshop(mix, std::max(threads, 1U));
-    ChunkSplicer splicer(sink);
-    for (std::int64_t chunk = 0; chunk < workshop.chunks(); ++chunk) {
-        splicer.add(workshop.take(report));
+    const std::int64_t packetsBefore = firstChunk * chunkPackets;
+    report(packetsBefore); // before any of it can be done
+    Workshop workshop(mix, firstChunk, std::max(threads, 1U));
+    for (std::int64_t chunk = firstChunk; chunk < workshop.chunks(); ++chunk) {
+        splicer.add(workshop.take([&](std::int64_t done) { report(packetsBefore + done); }));
         report((chunk + 1) * chunkPackets);
     }
     splicer.finish();

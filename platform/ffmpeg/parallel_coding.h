@@ -8,11 +8,11 @@
 
 namespace vantoro::ffmpeg {
 
-/// Codes a mix on so many threads, at least one, and returns when all of it was handed to `sink`,
-/// packet by packet in their order and on the calling thread, as `progress` is called there too.
-/// What is handed over does not depend on the number of threads. Needs the same memory for any
-/// length. Throws what the mixing, the coder or the sink throws.
-void codeInParallel(const Mix& mix, unsigned threads, const ChunkSplicer::Sink& sink,
-                    const ExportProgress& progress);
+/// Codes a mix from a chunk on, on so many threads, at least one, and returns when all of it went
+/// through the splicer, which has what lies before, on the calling thread, as `progress` is called
+/// there too. What comes out does not depend on the number of threads. Needs the same memory for
+/// any length. Throws what the mixing, the coder or the splicer throws.
+void codeInParallel(const Mix& mix, std::int64_t firstChunk, unsigned threads,
+                    ChunkSplicer& splicer, const ExportProgress& progress);
 
 } // namespace vantoro::ffmpeg

@@ -12,12 +12,13 @@ extern "C" {
 
 namespace vantoro::ffmpeg {
 
-FfmpegToolkit::FfmpegToolkit(FileSystem& fileSystem) : fileSystem_(fileSystem) {
+FfmpegToolkit::FfmpegToolkit(FileSystem& fileSystem)
+    : fileSystem_(fileSystem), following_(std::make_shared<FollowingMixes>()) {
     av_log_set_level(AV_LOG_QUIET);
 }
 
 std::unique_ptr<FileWriter> FfmpegToolkit::makeWriter(const std::filesystem::path& location) {
-    return std::make_unique<MovieWriter>(fileSystem_, location);
+    return std::make_unique<MovieWriter>(fileSystem_, location, following_);
 }
 
 std::unique_ptr<Asset> FfmpegToolkit::openAsset(const std::filesystem::path& location) {
@@ -34,7 +35,7 @@ std::unique_ptr<ExportSession> FfmpegToolkit::makeExportSession(const Compositio
         !AacEncoder::isAvailable()) {
         return nullptr;
     }
-    return std::make_unique<MixingExport>(fileSystem_, *movieComposition);
+    return std::make_unique<MixingExport>(fileSystem_, *movieComposition, following_);
 }
 
 } // namespace vantoro::ffmpeg

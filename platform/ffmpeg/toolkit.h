@@ -1,7 +1,10 @@
 #pragma once
 
+#include <memory>
+
 #include "engine/ports/file_system.h"
 #include "engine/ports/media_toolkit.h"
+#include "platform/ffmpeg/following_mix.h"
 
 namespace vantoro::ffmpeg {
 
@@ -20,6 +23,7 @@ public:
 
 private:
     FileSystem& fileSystem_;
+    std::shared_ptr<FollowingMixes> following_;
 };
 
 } // namespace vantoro::ffmpeg

@@ -29,6 +29,9 @@ public:
     /// file cannot be read.
     void addTo(const StereoBlock& block, float gain);
 
+    /// The range ends after so many more frames.
+    void endAfter(std::int64_t frames) noexcept { remaining_ = frames; }
+
 private:
     void loadPacket();
 

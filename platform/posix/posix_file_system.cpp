@@ -53,6 +53,15 @@ std::unique_ptr<OutputFile> PosixFileSystem::create(const std::filesystem::path&
     return std::make_unique<PosixOutputFile>(path, audience);
 }
 
+std::unique_ptr<OutputFile> PosixFileSystem::createUnnamed(const std::filesystem::path& folder,
+                                                           FileAudience audience) {
+    return PosixOutputFile::createUnnamed(folder.empty() ? "." : folder, audience);
+}
+
+std::uint64_t PosixFileSystem::availableSpace(const std::filesystem::path& folder) const {
+    return std::filesystem::space(folder.empty() ? "." : folder).available;
+}
+
 std::unique_ptr<InputFile> PosixFileSystem::open(const std::filesystem::path& path) {
     return std::make_unique<PosixInputFile>(path);
 }

@@ -15,6 +15,9 @@ public:
     void syncFolder(const std::filesystem::path& folder) override;
     std::unique_ptr<OutputFile> create(const std::filesystem::path& path,
                                        FileAudience audience) override;
+    std::unique_ptr<OutputFile> createUnnamed(const std::filesystem::path& folder,
+                                              FileAudience audience) override;
+    std::uint64_t availableSpace(const std::filesystem::path& folder) const override;
     std::unique_ptr<InputFile> open(const std::filesystem::path& path) override;
     std::vector<FolderEntry> list(const std::filesystem::path& folder) override;
     std::unique_ptr<FileLock> lock(const std::filesystem::path& path) override;

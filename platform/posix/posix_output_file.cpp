@@ -1,6 +1,7 @@
 #include "platform/posix/posix_output_file.h"
 
 #include <algorithm>
+#include <string>
 #include <system_error>
 #include <utility>
 #include <vector>
@@ -12,16 +13,19 @@ namespace vantoro::posix {
 
 namespace {
 
+mode_t modeFor(FileAudience audience) {
+    constexpr mode_t userReadsAndWrites = 0600;
+    constexpr mode_t allReadAndWrite = 0666; // less what the user's mask takes away
+    return audience == FileAudience::userOnly ? userReadsAndWrites : allReadAndWrite;
+}
+
 /// A file that is locked from its first moment that anybody can notice.
 FileDescriptor createFile(const std::filesystem::path& path, FileAudience audience) {
     constexpr int mostAttempts = 100;
-    constexpr mode_t userReadsAndWrites = 0600;
-    constexpr mode_t allReadAndWrite = 0666; // less what the user's mask takes away
     // Readable too, for the content to be copied from when the path is lost.
     for (int attempt = 0; attempt < mostAttempts; ++attempt) {
         FileDescriptor file =
-            openFile(path, O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW, "create",
-                     audience == FileAudience::userOnly ? userReadsAndWrites : allReadAndWrite);
+            openFile(path, O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW, "create", modeFor(audience));
         if (tryLock(file, F_WRLCK, path)) {
             return file;
         }
@@ -41,6 +45,32 @@ PosixOutputFile::PosixOutputFile(const std::filesystem::path& path, FileAudience
       folder_(openFile(path_.parent_path(), O_RDONLY | O_DIRECTORY, "open")),
       file_(createFile(path_, audience)),
       lock_(duplicate(file_, path_)) {}
+
+PosixOutputFile::PosixOutputFile(std::filesystem::path path, FileAudience audience,
+                                 FileDescriptor folder, FileDescriptor file)
+    : path_(std::move(path)),
+      audience_(audience),
+      folder_(std::move(folder)),
+      file_(std::move(file)),
+      lock_(duplicate(file_, path_)) {}
+
+std::unique_ptr<PosixOutputFile> PosixOutputFile::createUnnamed(const std::filesystem::path& folder,
+                                                                FileAudience audience) {
+    FileDescriptor file;
+    try {
+        file = openFile(folder, O_RDWR | O_TMPFILE, "create a file in", modeFor(audience));
+    } catch (const std::system_error& error) {
+        // The last two are the words of kernels and file systems that do not know them.
+        const int reason = error.code().value();
+        if (reason == EOPNOTSUPP || reason == EISDIR || reason == EINVAL) {
+            return nullptr;
+        }
+        throw;
+    }
+    tryLock(file, F_WRLCK, folder); // nobody else can have it open
+    return std::unique_ptr<PosixOutputFile>(
+        new PosixOutputFile(folder, audience, FileDescriptor(), std::move(file)));
+}
 
 void PosixOutputFile::writeAt(std::uint64_t offset, std::span<const std::byte> bytes) {
     writeFully(file_, offset, bytes, path_);
@@ -75,6 +105,15 @@ void PosixOutputFile::ensureReachable() {
         throw;
     }
     *this = std::move(replacement);
+}
+
+void PosixOutputFile::takeName(const std::filesystem::path& path) {
+    const auto open = "/proc/self/fd/" + std::to_string(file_.get());
+    if (::linkat(AT_FDCWD, open.c_str(), AT_FDCWD, path.c_str(), AT_SYMLINK_FOLLOW) != 0) {
+        throwFailure("create", path, errno);
+    }
+    path_ = std::filesystem::absolute(path);
+    folder_ = openFile(path_.parent_path(), O_RDONLY | O_DIRECTORY, "open");
 }
 
 bool PosixOutputFile::isReachable() const {

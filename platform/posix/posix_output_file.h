@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <memory>
 
 #include "engine/ports/file_system.h"
 #include "platform/posix/file_descriptor.h"
@@ -12,15 +13,22 @@ public:
     /// Creates the file; throws when anything exists there, be it a link that leads nowhere.
     PosixOutputFile(const std::filesystem::path& path, FileAudience audience);
 
+    /// A file without a name; null where the folder's file system has none.
+    static std::unique_ptr<PosixOutputFile> createUnnamed(const std::filesystem::path& folder,
+                                                          FileAudience audience);
+
     void writeAt(std::uint64_t offset, std::span<const std::byte> bytes) override;
     void truncate(std::uint64_t size) override;
     /// The first time the file's name is put on the disk too: without it nobody finds the content.
     void sync() override;
     /// Leaves what may now lie at the path alone, and throws, when it is not our file.
     void ensureReachable() override;
+    void takeName(const std::filesystem::path& path) override;
     void close() override;
 
 private:
+    PosixOutputFile(std::filesystem::path path, FileAudience audience, FileDescriptor folder,
+                    FileDescriptor file);
     bool isReachable() const;
     void copyContentTo(PosixOutputFile& target) const;
 

@@ -23,8 +23,9 @@ using Recordings = std::vector<std::filesystem::path>;
 /// What the fake recorder was asked and how it answers; outlives it.
 struct RecorderScript {
     std::vector<std::string> calls;
-    std::vector<RecordingOptions> options;            ///< of each start
-    std::vector<std::pair<float, float>> volumes;     ///< of each stop: system, microphone
+    std::vector<RecordingOptions> options;        ///< of each start
+    std::vector<std::pair<float, float>> volumes; ///< of each stop: system, microphone
+    std::vector<std::pair<float, float>> expectedVolumes;
     std::vector<std::filesystem::path> foldersSought; ///< of each salvage
     std::vector<bool> stopRequested; ///< whether each salvage was cancelled by then
 
@@ -64,6 +65,10 @@ public:
         script_.options.push_back(options);
         meanwhile(script_.duringStart);
         throwIfThere(script_.startError);
+    }
+
+    void expectVolumes(float systemVolume, float microphoneVolume) override {
+        script_.expectedVolumes.emplace_back(systemVolume, microphoneVolume);
     }
 
     std::filesystem::path stop(float systemVolume, float microphoneVolume) override {

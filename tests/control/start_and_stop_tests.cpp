@@ -166,6 +166,14 @@ TEST_F(StopTest, takesTheVolumesOfTheMomentThatItIsCarriedOutUnclamped) {
     EXPECT_EQ(recorder.volumes, (std::vector<std::pair<float, float>>{{-3.5F, 1.7F}}));
 }
 
+TEST_F(StopTest, volumesAreExpectedFromTheStartAndWheneverTheyChange) {
+    using Volumes = std::vector<std::pair<float, float>>;
+    EXPECT_EQ(recorder.expectedVolumes, (Volumes{{0.9F, 1.0F}}));
+    model->setSystemVolume(0.5);
+    model->setMicrophoneVolume(0.25);
+    EXPECT_EQ(recorder.expectedVolumes, (Volumes{{0.9F, 1.0F}, {0.5F, 1.0F}, {0.5F, 0.25F}}));
+}
+
 TEST_F(StopTest, takesTheDefaultVolumesWhenNobodyChoseOthers) {
     model->toggleRecording();
     scheduler.settle();

@@ -1,6 +1,7 @@
 #include "tests/crash/journaling_disk.h"
 
 #include <algorithm>
+#include <chrono>
 #include <system_error>
 #include <utility>
 
@@ -30,7 +31,8 @@ void applyToContent(const DiskOperation& operation, Bytes& content) {
 }
 
 void applyToNames(const DiskOperation& operation, Names& names) {
-    if (operation.kind == Kind::create) {
+    if ((operation.kind == Kind::create && !operation.path.empty()) ||
+        operation.kind == Kind::name) {
         names[operation.path] = operation.file;
     } else if (operation.kind == Kind::move) {
         if (auto node = names.extract(operation.path)) {
@@ -106,6 +108,11 @@ private:
                 applyToNames(done, safeNames_);
             }
             break;
+        case Kind::create:
+            if (operation.path.empty()) {
+                break;
+            }
+            [[fallthrough]];
         default:
             unsafeNames_.push_back(operation);
         }
@@ -156,8 +163,9 @@ private:
 
 class JournaledFile final : public OutputFile {
 public:
-    JournaledFile(JournalingDisk& disk, std::size_t file, std::filesystem::path folder)
-        : disk_(disk), file_(file), folder_(std::move(folder)) {}
+    /// An empty folder: without a name.
+    JournaledFile(JournalingDisk& disk, std::size_t file, std::filesystem::path folder = {})
+        : disk_(disk), file_(file), folder_(std::move(folder)), nameIsSafe_(folder_.empty()) {}
 
     void writeAt(std::uint64_t offset, std::span<const std::byte> bytes) override {
         add({.kind = Kind::write,
@@ -180,6 +188,15 @@ public:
 
     void ensureReachable() override {}
 
+    void takeName(const std::filesystem::path& path) override {
+        if (disk_.exists(path)) {
+            fail(std::errc::file_exists, path);
+        }
+        add({.kind = Kind::name, .file = file_, .path = path});
+        folder_ = path.parent_path();
+        nameIsSafe_ = false;
+    }
+
     void close() override {}
 
 private:
@@ -191,7 +208,7 @@ private:
     JournalingDisk& disk_;
     std::size_t file_;
     std::filesystem::path folder_;
-    bool nameIsSafe_ = false;
+    bool nameIsSafe_;
 };
 
 // Files that were there before are none of the journal's: their numbers come behind all others.
@@ -256,10 +273,32 @@ std::unique_ptr<OutputFile> JournalingDisk::create(const std::filesystem::path& 
     if (names_.contains(path)) {
         fail(std::errc::file_exists, path);
     }
-    const auto file =
-        static_cast<std::size_t>(std::ranges::count(journal_, Kind::create, &DiskOperation::kind));
+    const std::size_t file = nextFile();
     add({.kind = Kind::create, .file = file, .path = path});
     return std::make_unique<JournaledFile>(*this, file, path.parent_path());
+}
+
+std::unique_ptr<OutputFile> JournalingDisk::createUnnamed(const std::filesystem::path& /*folder*/,
+                                                          FileAudience /*audience*/) {
+    const std::lock_guard lock(mutex_);
+    const std::size_t file = nextFile();
+    add({.kind = Kind::create, .file = file});
+    created_.notify_all();
+    return std::make_unique<JournaledFile>(*this, file);
+}
+
+bool JournalingDisk::waitForUnnamedFile() {
+    const auto isUnnamed = [](const DiskOperation& operation) {
+        return operation.kind == Kind::create && operation.path.empty();
+    };
+    std::unique_lock lock(mutex_);
+    return created_.wait_for(lock, std::chrono::seconds(30),
+                             [&] { return std::ranges::any_of(journal_, isUnnamed); });
+}
+
+std::size_t JournalingDisk::nextFile() const {
+    return static_cast<std::size_t>(
+        std::ranges::count(journal_, Kind::create, &DiskOperation::kind));
 }
 
 std::unique_ptr<InputFile> JournalingDisk::open(const std::filesystem::path& path) {

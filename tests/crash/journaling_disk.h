@@ -1,8 +1,10 @@
 #pragma once
 
+#include <condition_variable>
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <limits>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -16,7 +18,16 @@ namespace vantoro::testing {
 
 /// What a disk was told to do, one thing after another.
 struct DiskOperation {
-    enum class Kind : std::uint8_t { create, write, truncate, syncFile, syncFolder, move, remove };
+    enum class Kind : std::uint8_t {
+        create, ///< without a path: without a name
+        name,
+        write,
+        truncate,
+        syncFile,
+        syncFolder,
+        move,
+        remove
+    };
 
     Kind kind = Kind::create;
     std::size_t file = 0;           ///< by the order of creation; of all but folders
@@ -37,6 +48,8 @@ public:
 
     DiskJournal journal() const;
     DiskContent content() const;
+    /// Waits until a file was created without a name; false when none was within half a minute.
+    bool waitForUnnamedFile();
 
     void createFolders(const std::filesystem::path&) override {}
 
@@ -46,6 +59,14 @@ public:
     void syncFolder(const std::filesystem::path& folder) override;
     std::unique_ptr<OutputFile> create(const std::filesystem::path& path,
                                        FileAudience audience) override;
+
+    std::unique_ptr<OutputFile> createUnnamed(const std::filesystem::path& folder,
+                                              FileAudience audience) override;
+
+    std::uint64_t availableSpace(const std::filesystem::path&) const override {
+        return std::numeric_limits<std::uint64_t>::max();
+    }
+
     std::unique_ptr<InputFile> open(const std::filesystem::path& path) override;
     std::vector<FolderEntry> list(const std::filesystem::path& folder) override;
     std::unique_ptr<FileLock> lock(const std::filesystem::path& path) override;
@@ -53,8 +74,10 @@ public:
 private:
     friend class JournaledFile;
     void add(DiskOperation operation);
+    std::size_t nextFile() const;
 
     mutable std::mutex mutex_;
+    std::condition_variable created_;
     std::map<std::filesystem::path, std::size_t> names_;
     std::vector<std::vector<std::byte>> files_;
     DiskJournal journal_;

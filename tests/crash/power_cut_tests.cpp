@@ -100,6 +100,21 @@ TEST_F(PowerCut, recordingAndItsStopLoseNothingThatWasSafe) {
     EXPECT_GT(states, 20U);
 }
 
+TEST_F(PowerCut, recordingWhoseMixFollowsItLosesNothingThatWasSafe) {
+    JournalingDisk disk;
+    RecorderOnDisk recorder(disk, recordings);
+    recorder.expectVolumes();
+    recorder.start();
+    recorder.hearUntil(12 * second);
+    ASSERT_TRUE(disk.waitForUnnamedFile());
+    recorder.stop();
+    const auto journal = disk.journal();
+    EXPECT_EQ(std::ranges::count(journal, DiskOperation::Kind::name, &DiskOperation::kind), 1);
+    EXPECT_EQ(framesInFinalFiles(disk.content()), 12 * second);
+    cutEverywhere({}, journal);
+    EXPECT_GT(states, 10U);
+}
+
 TEST_F(PowerCut, salvageLosesNothingThatWasSafe) {
     DiskContent unfinished;
     {

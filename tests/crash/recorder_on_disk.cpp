@@ -11,6 +11,8 @@ namespace vantoro::testing {
 namespace {
 
 constexpr std::int64_t framesPerSecond = 48000;
+constexpr float systemVolume = 0.9F;
+constexpr float microphoneVolume = 1;
 
 } // namespace
 
@@ -18,6 +20,10 @@ RecorderOnDisk::RecorderOnDisk(FileSystem& fileSystem, std::filesystem::path fol
     : toolkit_(fileSystem),
       folder_(std::move(folder)),
       recorder_({screen_, microphone_, content_, capture_, toolkit_, fileSystem, clock_}) {}
+
+void RecorderOnDisk::expectVolumes() {
+    recorder_.expectVolumes(systemVolume, microphoneVolume);
+}
 
 void RecorderOnDisk::start() {
     recorder_.start({true, true, std::nullopt, folder_});
@@ -34,7 +40,7 @@ void RecorderOnDisk::hearUntil(std::int64_t frames) {
 }
 
 std::filesystem::path RecorderOnDisk::stop() {
-    return recorder_.stop(0.9F, 1);
+    return recorder_.stop(systemVolume, microphoneVolume);
 }
 
 void RecorderOnDisk::whileExporting(std::function<void()> action) {

@@ -17,6 +17,8 @@ class RecorderOnDisk {
 public:
     RecorderOnDisk(FileSystem& fileSystem, std::filesystem::path folder);
 
+    /// Those that `stop` mixes with.
+    void expectVolumes();
     void start();
     /// Hears from where it was on until that many frames in all, and has dealt with all of them.
     void hearUntil(std::int64_t frames);

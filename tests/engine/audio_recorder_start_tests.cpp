@@ -36,6 +36,21 @@ TEST_F(AudioRecorderStart, takesItsStepsInOrder) {
                                                "addOutput 2 com.vantoro.capture", "startCapture"}));
 }
 
+TEST_F(AudioRecorderStart, tellsTheWriterWithWhichVolumesItsTracksWillBeMixed) {
+    recorder.expectVolumes(0.9F, 0.5F);
+    recorder.start(bothSources());
+    EXPECT_EQ(log.startingWith("expectMix"), std::vector<std::string>{"expectMix 0.90 0.50"});
+    recorder.expectVolumes(0.25F, 0.5F);
+    capture.deliver(bufferAt(0), StreamOutputType::audio); // behind it
+    EXPECT_EQ(log.startingWith("expectMix").back(), "expectMix 0.25 0.50");
+}
+
+TEST_F(AudioRecorderStart, expectsNoVolumeOfASourceThatIsOff) {
+    recorder.expectVolumes(0.9F, 0.5F);
+    recorder.start({false, true, std::nullopt, folder});
+    EXPECT_EQ(log.startingWith("expectMix"), std::vector<std::string>{"expectMix 0.50"});
+}
+
 TEST_F(AudioRecorderStart, asksForTheStreamThatRecordsSoundOnly) {
     recorder.start({true, true, "usb-microphone", folder});
     const auto& configuration = capture.configuration;

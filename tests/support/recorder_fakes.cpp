@@ -87,6 +87,14 @@ public:
         });
     }
 
+    void expectMix(std::vector<float> volumes) override {
+        std::string text = "expectMix";
+        for (const float volume : volumes) {
+            text += " " + std::to_string(volume).substr(0, 4);
+        }
+        toolkit_.log().add(text);
+    }
+
     FileWriterStatus status() const override { return status_; }
 
     std::optional<std::string> errorDescription() const override { return toolkit_.writing.error; }

@@ -123,6 +123,13 @@ public:
     void syncFolder(const std::filesystem::path& folder) override;
     std::unique_ptr<OutputFile> create(const std::filesystem::path& path,
                                        FileAudience audience) override;
+
+    std::unique_ptr<OutputFile> createUnnamed(const std::filesystem::path&, FileAudience) override {
+        return nullptr;
+    }
+
+    std::uint64_t availableSpace(const std::filesystem::path&) const override { return 0; }
+
     std::unique_ptr<InputFile> open(const std::filesystem::path& path) override;
     std::vector<FolderEntry> list(const std::filesystem::path& folder) override;
     std::unique_ptr<FileLock> lock(const std::filesystem::path& path) override;

@@ -207,11 +207,10 @@ protected:
 
     MixPackets codedBy(unsigned threads) const {
         MixPackets packets;
-        codeInParallel(mix, threads,
-                       [&](std::span<const std::byte> packet) {
-                           packets.emplace_back(packet.begin(), packet.end());
-                       },
-                       {});
+        ChunkSplicer splicer([&](std::span<const std::byte> packet) {
+            packets.emplace_back(packet.begin(), packet.end());
+        });
+        codeInParallel(mix, 0, threads, splicer, {});
         return packets;
     }
 
@@ -266,16 +265,12 @@ TEST_F(ChunkedCoding, noSeamSoundsWorseThanWhatOneCoderMakes) {
 
 TEST_F(ChunkedCoding, aSinkThatFailsEndsItAll) {
     int taken = 0;
-    const auto code = [&] {
-        codeInParallel(mix, 2,
-                       [&](std::span<const std::byte>) {
-                           if (++taken == 100) {
-                               throw std::runtime_error("No space left on device");
-                           }
-                       },
-                       {});
-    };
-    EXPECT_THROW(code(), std::runtime_error);
+    ChunkSplicer splicer([&](std::span<const std::byte>) {
+        if (++taken == 100) {
+            throw std::runtime_error("No space left on device");
+        }
+    });
+    EXPECT_THROW(codeInParallel(mix, 0, 2, splicer, {}), std::runtime_error);
     EXPECT_EQ(taken, 100);
 }
 

@@ -84,6 +84,14 @@ public:
         }
     }
 
+    void takeName(const std::filesystem::path& path) override {
+        const std::lock_guard lock(system_.mutex_);
+        if (!system_.files_.try_emplace(path, file_).second) {
+            fail(std::errc::file_exists, "Naming the file");
+        }
+        note("name");
+    }
+
     void close() override {
         const std::lock_guard lock(system_.mutex_);
         note("close");
@@ -127,6 +135,25 @@ std::unique_ptr<OutputFile> MemoryFileSystem::create(const std::filesystem::path
     audience_ = audience;
     place->second->journal.emplace_back("create");
     return std::make_unique<MemoryOutputFile>(*this, place->second);
+}
+
+std::unique_ptr<OutputFile> MemoryFileSystem::createUnnamed(const std::filesystem::path&,
+                                                            FileAudience audience) {
+    const std::lock_guard lock(mutex_);
+    if (!hasUnnamed_) {
+        return nullptr;
+    }
+    audience_ = audience;
+    const auto file = std::make_shared<MemoryFile>();
+    file->journal.emplace_back("unnamed");
+    unnamed_.push_back(file);
+    changed_.notify_all();
+    return std::make_unique<MemoryOutputFile>(*this, file);
+}
+
+std::uint64_t MemoryFileSystem::availableSpace(const std::filesystem::path&) const {
+    const std::lock_guard lock(mutex_);
+    return capacity_ - std::min(capacity_, used());
 }
 
 std::unique_ptr<InputFile> MemoryFileSystem::open(const std::filesystem::path& path) {
@@ -189,6 +216,16 @@ void MemoryFileSystem::setUnreachable() {
     unreachable_ = true;
 }
 
+void MemoryFileSystem::setHasNoUnnamedFiles() {
+    const std::lock_guard lock(mutex_);
+    hasUnnamed_ = false;
+}
+
+bool MemoryFileSystem::waitForUnnamed(std::size_t count) {
+    std::unique_lock lock(mutex_);
+    return changed_.wait_for(lock, deadline, [&] { return unnamed_.size() >= count; });
+}
+
 void MemoryFileSystem::setStuck(bool stuck) {
     const std::lock_guard lock(mutex_);
     stuck_ = stuck;
@@ -221,6 +258,12 @@ std::uint64_t MemoryFileSystem::used() const {
     std::uint64_t sum = 0;
     for (const auto& [path, file] : files_) {
         sum += file->content.size();
+    }
+    for (const auto& unnamed : unnamed_) {
+        const auto file = unnamed.lock();
+        const bool isNamed =
+            std::ranges::any_of(files_, [&](const auto& entry) { return entry.second == file; });
+        sum += file && !isNamed ? file->content.size() : 0;
     }
     return sum;
 }

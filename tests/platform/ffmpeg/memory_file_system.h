@@ -15,8 +15,8 @@
 
 namespace vantoro {
 
-/// What a file holds, and all that was done to it, in order: "create", "write", "truncate", "sync",
-/// "reach", "close".
+/// What a file holds, and all that was done to it, in order: "create" or "unnamed", "write",
+/// "truncate", "sync", "reach", "name", "close".
 struct MemoryFile {
     std::vector<std::byte> content;
     std::vector<std::string> journal;
@@ -35,6 +35,10 @@ public:
 
     std::unique_ptr<OutputFile> create(const std::filesystem::path& path,
                                        FileAudience audience) override;
+
+    std::unique_ptr<OutputFile> createUnnamed(const std::filesystem::path& folder,
+                                              FileAudience audience) override;
+    std::uint64_t availableSpace(const std::filesystem::path& folder) const override;
     std::unique_ptr<InputFile> open(const std::filesystem::path& path) override;
     std::vector<FolderEntry> list(const std::filesystem::path& folder) override;
     /// Nobody else is there.
@@ -51,6 +55,10 @@ public:
     void setCapacity(std::uint64_t bytes);
     /// From now on `sync` fails, or works again.
     void setSyncFails(bool fails);
+    /// From now on no file is created without a name.
+    void setHasNoUnnamedFiles();
+    /// Waits until so many files were; false when not within half a minute.
+    bool waitForUnnamed(std::size_t count);
     /// From now on `ensureReachable` fails.
     void setUnreachable();
     /// Every write waits from now on, as on a disk that is stuck; or goes on.
@@ -73,6 +81,8 @@ private:
     FileAudience audience_ = FileAudience::asUserPrefers; // of the latest file
     bool syncFails_ = false;
     bool unreachable_ = false;
+    bool hasUnnamed_ = true;
+    std::vector<std::weak_ptr<MemoryFile>> unnamed_; // all that ever were
     bool stuck_ = false;
     bool someoneWaits_ = false;
 };

@@ -43,6 +43,9 @@ public:
 
     FileWriter& writer() { return *writer_; }
 
+    /// The one that the writer is of.
+    MediaToolkit& toolkit() { return toolkit_; }
+
     FileWriterInput& input(std::size_t track) { return *inputs_[track]; }
 
     const std::filesystem::path& location() const { return location_; }

@@ -155,7 +155,8 @@ TEST(WriterStart, finishingAWriterThatNeverStartedFails) {
 
 TEST(WriterBacklog, inputsAreNotReadyWhileTooMuchWaitsForTheDisk) {
     MemoryFileSystem files;
-    ffmpeg::MovieWriter writer(files, "movie.mov", 10'000);
+    ffmpeg::MovieWriter writer(files, "movie.mov", std::make_shared<ffmpeg::FollowingMixes>(),
+                               10'000);
     FileWriterInput& input = writer.add(microphoneTrack);
     ASSERT_TRUE(writer.startWriting());
     writer.startSession(SoundBuffer::sessionStart);
@@ -171,8 +172,8 @@ TEST(WriterBacklog, inputsAreNotReadyWhileTooMuchWaitsForTheDisk) {
 TEST(FragmentFile, countsWhatWaits) {
     MemoryFileSystem files;
     files.setStuck(true);
-    ffmpeg::FragmentFile file(files.create("movie.mov", FileAudience::userOnly),
-                              [](const std::string&) {});
+    ffmpeg::FragmentFile file(
+        files.create("movie.mov", FileAudience::userOnly), [](const std::string&) {}, [] {});
     file.append(std::vector<std::byte>(1000));
     file.append(std::vector<std::byte>(500));
     ASSERT_TRUE(files.waitUntilStuck());

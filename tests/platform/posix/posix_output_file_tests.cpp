@@ -72,6 +72,38 @@ TEST_F(PosixOutputFileTest, theUsersMaskDecidesWhoReadsTheRest) {
     }
 }
 
+TEST_F(PosixOutputFileTest, unnamedFileIsFoundByNobodyBeforeItTakesItsName) {
+    const auto file = fileSystem.createUnnamed(takes, FileAudience::asUserPrefers);
+    ASSERT_NE(file, nullptr) << "the test's folder is on a disk without such files";
+    file->writeAt(0, bytesOf("music"));
+    file->sync();
+    EXPECT_TRUE(std::filesystem::is_empty(takes));
+    file->takeName(path);
+    EXPECT_EQ(contentOf(path), "music");
+    EXPECT_EQ(fileSystem.lock(path), nullptr);
+    file->sync();
+    file->ensureReachable();
+    file->close();
+}
+
+TEST_F(PosixOutputFileTest, unnamedFileTakesNoNameThatIsTaken) {
+    const auto file = fileSystem.createUnnamed(takes, FileAudience::asUserPrefers);
+    ASSERT_NE(file, nullptr);
+    writeFile(path, "precious");
+    expectFailure([&] { file->takeName(path); },
+                  "Cannot create .Vantoro-1.partial.mov: " + reason(EEXIST));
+    EXPECT_EQ(contentOf(path), "precious");
+}
+
+TEST_F(PosixOutputFileTest, unnamedFileIsGoneWhenItTookNoName) {
+    fileSystem.createUnnamed(takes, FileAudience::userOnly)->writeAt(0, bytesOf("music"));
+    EXPECT_TRUE(std::filesystem::is_empty(takes));
+}
+
+TEST_F(PosixOutputFileTest, thereAreNoUnnamedFilesWhereTheSystemHasNone) {
+    EXPECT_EQ(fileSystem.createUnnamed("/proc", FileAudience::userOnly), nullptr);
+}
+
 TEST_F(PosixOutputFileTest, isNotInheritedByProgramsThatAreStarted) {
     const auto output = fileHolding("x");
     const auto input = fileSystem.open(path);

@@ -1,0 +1,93 @@
+// Measures how long users wait for the file when they stop a recording whose volumes stayed, of
+// several lengths, beside the export that would be made of it then.
+
+#include <chrono>
+#include <cstdlib>
+#include <ctime>
+#include <exception>
+#include <filesystem>
+#include <iomanip>
+#include <iostream>
+#include <span>
+#include <string>
+#include <string_view>
+#include <thread>
+#include <vector>
+
+#include "bench/export/temporary_folder.h"
+#include "bench/export/test_movie.h"
+#include "engine/track_mixing.h"
+#include "platform/ffmpeg/toolkit.h"
+#include "platform/posix/posix_file_system.h"
+
+namespace vantoro::bench {
+
+namespace {
+
+using namespace std::chrono_literals;
+using Seconds = std::chrono::duration<double>;
+
+const std::vector<float> volumes{0.9F, 1.0F};
+
+/// Recorded faster than it would be heard, the mix falls behind, which it does not in a recording.
+/// The whole process is idle once it has caught up.
+void waitUntilTheMixHasCaughtUp() {
+    std::clock_t before = -1;
+    for (std::clock_t now = std::clock(); now - before > CLOCKS_PER_SEC / 100; now = std::clock()) {
+        before = now;
+        std::this_thread::sleep_for(1s);
+    }
+}
+
+void mix(MediaToolkit& toolkit, FileSystem& files, const std::filesystem::path& movie,
+         const std::filesystem::path& destination) {
+    const auto asset = toolkit.openAsset(movie);
+    mixTracks(toolkit, files, *asset, destination, [](std::size_t track) { return volumes[track]; },
+              {});
+}
+
+template <class Work>
+Seconds timeOf(const Work& work) {
+    const auto begin = std::chrono::steady_clock::now();
+    work();
+    return std::chrono::steady_clock::now() - begin;
+}
+
+void measure(int minutes) {
+    const TemporaryFolder folder;
+    posix::PosixFileSystem files;
+    ffmpeg::FfmpegToolkit toolkit(files);
+    TestMovie movie(toolkit, folder / "movie.mov");
+    movie.writer().expectMix(volumes);
+    movie.record(minutes);
+    waitUntilTheMixHasCaughtUp();
+    const Seconds stop = timeOf([&] {
+        movie.finish();
+        mix(toolkit, files, folder / "movie.mov", folder / "followed.m4a");
+    });
+    ffmpeg::FfmpegToolkit another(files);
+    const Seconds plain =
+        timeOf([&] { mix(another, files, folder / "movie.mov", folder / "exported.m4a"); });
+    std::cout << std::fixed << std::setprecision(3) << std::setw(4) << minutes << " min"
+              << std::setw(12) << stop / plain << std::setw(12) << stop.count() << std::setw(12)
+              << plain.count() << '\n'
+              << std::flush;
+}
+
+} // namespace
+
+} // namespace vantoro::bench
+
+int main(int argumentCount, char** arguments) {
+    try {
+        std::cout << "recording of       ratio   stop, s   export, s\n" << std::flush;
+        const std::span lengths(arguments + 1, arguments + argumentCount);
+        for (const char* const minutes : lengths) {
+            vantoro::bench::measure(std::atoi(minutes));
+        }
+        return EXIT_SUCCESS;
+    } catch (const std::exception& error) {
+        std::cerr << error.what() << '\n';
+        return EXIT_FAILURE;
+    }
+}

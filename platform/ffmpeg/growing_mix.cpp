@@ -1,0 +1,108 @@
+#include "platform/ffmpeg/growing_mix.h"
+
+#include <algorithm>
+#include <stdexcept>
+#include <utility>
+
+#include "platform/ffmpeg/aac.h"
+#include "platform/ffmpeg/parallel_coding.h"
+
+namespace vantoro::ffmpeg {
+
+namespace {
+
+std::unique_ptr<OutputFile> unnamedFileBeside(const std::filesystem::path& movie,
+                                              FileSystem& fileSystem) {
+    auto file = fileSystem.createUnnamed(movie.parent_path(), FileAudience::asUserPrefers);
+    if (!file) {
+        throw std::runtime_error("There are no files without names here.");
+    }
+    return file;
+}
+
+} // namespace
+
+GrowingMix::GrowingMix(FileSystem& fileSystem, const std::filesystem::path& movie,
+                       const std::vector<float>& volumes)
+    : fileSystem_(fileSystem),
+      location_(movie),
+      movie_(openMovie(fileSystem, movie)),
+      file_(unnamedFileBeside(movie, fileSystem), describeTrack(makeMixCoder().parameters())),
+      splicer_([this](std::span<const std::byte> packet) { file_.add(packet); }) {
+    if (volumes.size() != movie_->scan.tracks.size()) {
+        throw std::runtime_error("The movie has other tracks.");
+    }
+    tracks_.reserve(volumes.size()); // the mix points to them
+    for (std::size_t track = 0; track < volumes.size(); ++track) {
+        tracks_.emplace_back(movie_, track);
+        mix_.push_back(
+            {.source = &tracks_.back(), .frames = unknownFrames, .volume = volumes[track]});
+    }
+}
+
+void GrowingMix::goOn(const std::stop_token& stop) {
+    const std::int64_t frames = readFragments();
+    while (frames >= packetFrames && !stop.stop_requested()) {
+        if (!coder_) {
+            coder_.emplace(mix_, chunk_);
+        }
+        coder_->code(frames, stop, [] {});
+        if (!coder_->isComplete()) {
+            return;
+        }
+        splicer_.add(coder_->take());
+        coder_.reset();
+        ++chunk_;
+        file_.sync(); // so that the end has little left to wait for
+    }
+}
+
+/// Takes in what the file has grown by. Returns how many frames all tracks have.
+std::int64_t GrowingMix::readFragments() {
+    movie_->file = fileSystem_.open(location_);
+    continueScan(*movie_->file, movie_->scan);
+    return std::ranges::min(movie_->scan.ends) - primingFrames;
+}
+
+void GrowingMix::complete(const Mix& mix, const std::filesystem::path& destination,
+                          unsigned threads, const ExportProgress& progress) {
+    readFragments();
+    check(mix);
+    if (progress) {
+        progress(0);
+    }
+    if (coder_) {
+        completeChunk(mix);
+    }
+    codeInParallel(mix, chunk_, threads, splicer_, progress);
+    file_.finish(framesOf(mix));
+    file_.takeName(destination);
+    try {
+        file_.close();
+    } catch (...) {
+        fileSystem_.remove(destination);
+        throw;
+    }
+}
+
+void GrowingMix::check(const Mix& mix) const {
+    const auto isTheSame = [this](const MixedTrack& begun, const MixedTrack& wanted) {
+        const std::int64_t frames = begun.source->timeRange().duration.inUnitsOf(framesPerSecond);
+        return begun.source->index() == wanted.source->index() && wanted.start == 0 &&
+               wanted.frames == frames && wanted.volume == begun.volume;
+    };
+    if (!std::ranges::equal(mix_, mix, isTheSame)) {
+        throw std::runtime_error("Another mix is wanted.");
+    }
+}
+
+/// The chunk that was being coded when the movie ended.
+void GrowingMix::completeChunk(const Mix& mix) {
+    coder_->endAs(mix);
+    coder_->code(framesOf(mix), {}, [] {});
+    splicer_.add(coder_->take());
+    coder_.reset();
+    ++chunk_;
+}
+
+} // namespace vantoro::ffmpeg

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <stop_token>
+#include <vector>
+
+#include "engine/ports/file_system.h"
+#include "engine/ports/media_toolkit.h"
+#include "platform/ffmpeg/coded_chunk.h"
+#include "platform/ffmpeg/m4a_file.h"
+#include "platform/ffmpeg/mixer.h"
+#include "platform/ffmpeg/movie_asset.h"
+
+namespace vantoro::ffmpeg {
+
+/// The mix of a movie that is still being written, as far as its fragments go, in a file without a
+/// name. It becomes the very file that an export of the whole movie makes. Used by one thread at a
+/// time; everything throws what the files and the coder throw, and then it is of no use any more.
+class GrowingMix {
+public:
+    /// Of a movie with at least one fragment. `volumes`: of its tracks, in their order. Throws
+    /// std::runtime_error where the folder takes no file without a name.
+    GrowingMix(FileSystem& fileSystem, const std::filesystem::path& movie,
+               const std::vector<float>& volumes);
+
+    /// Mixes what there is by now. A stop is heeded at once.
+    void goOn(const std::stop_token& stop);
+
+    /// Mixes the rest of the movie, which is finished, and gives the file its name. `mix`: the
+    /// whole of it. Throws std::runtime_error when it is not the mix that was begun.
+    void complete(const Mix& mix, const std::filesystem::path& destination, unsigned threads,
+                  const ExportProgress& progress);
+
+private:
+    std::int64_t readFragments();
+    void check(const Mix& mix) const;
+    void completeChunk(const Mix& mix);
+
+    FileSystem& fileSystem_;
+    std::filesystem::path location_;
+    std::shared_ptr<Movie> movie_;
+    std::vector<MovieTrack> tracks_;
+    Mix mix_; // of no known end
+    M4aFile file_;
+    ChunkSplicer splicer_;
+    std::int64_t chunk_ = 0;          // being coded
+    std::optional<ChunkCoder> coder_; // of that one, once it is begun
+};
+
+} // namespace vantoro::ffmpeg

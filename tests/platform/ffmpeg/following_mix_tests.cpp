@@ -1,0 +1,110 @@
+#include "platform/ffmpeg/following_mix.h"
+
+#include <gtest/gtest.h>
+
+#include "engine/track_mixing.h"
+#include "tests/platform/ffmpeg/memory_file_system.h"
+#include "tests/platform/ffmpeg/movie_recording.h"
+
+namespace vantoro::ffmpeg {
+
+namespace {
+
+using Volumes = std::vector<float>;
+
+/// A recording whose mix is expected, as the recorder makes both.
+class FollowingMixTest : public ::testing::Test {
+protected:
+    MemoryFileSystem files;
+    MovieRecording recording{files, "movie.mov"};
+    std::int64_t position = 0;
+
+    void recordSeconds(std::int64_t seconds) {
+        const std::int64_t end = position + (seconds * second);
+        ASSERT_TRUE(recording.appendAll(position, end, tone(440, 0.3F)));
+        position = end;
+    }
+
+    void mix(MediaToolkit& toolkit, const char* destination, const Volumes& volumes) {
+        const auto asset = toolkit.openAsset("movie.mov");
+        mixTracks(toolkit, files, *asset, destination,
+                  [&](std::size_t track) { return volumes[track]; }, {});
+    }
+
+    /// Whether the mix was made ahead; in any case it is the one that is made without.
+    bool finishAndMix(const Volumes& volumes) {
+        recording.finish();
+        mix(recording.toolkit(), "mix.m4a", volumes);
+        FfmpegToolkit another(files);
+        mix(another, "expected.m4a", volumes);
+        EXPECT_TRUE(files.contentOf("mix.m4a") == files.contentOf("expected.m4a"));
+        EXPECT_EQ(files.journalOf("expected.m4a").front(), "create");
+        return files.journalOf("mix.m4a").front() == "unnamed";
+    }
+};
+
+TEST_F(FollowingMixTest, isTakenForTheExportWhenTheVolumesStayed) {
+    recording.writer().expectMix({0.9F, 0.5F});
+    recordSeconds(12);
+    ASSERT_TRUE(files.waitForUnnamed(1));
+    EXPECT_TRUE(finishAndMix({0.9F, 0.5F}));
+    EXPECT_EQ(files.list("").size(), 3U); // the movie and both mixes
+}
+
+TEST_F(FollowingMixTest, beginsAgainWhenTheVolumesChange) {
+    recording.writer().expectMix({0.9F, 0.5F});
+    recordSeconds(12);
+    ASSERT_TRUE(files.waitForUnnamed(1));
+    recording.writer().expectMix({0.9F, 0.25F});
+    ASSERT_TRUE(files.waitForUnnamed(2));
+    EXPECT_TRUE(finishAndMix({0.9F, 0.25F}));
+}
+
+TEST_F(FollowingMixTest, isLeftWhenTheVolumesChangedAtTheEnd) {
+    recording.writer().expectMix({0.9F, 0.5F});
+    recordSeconds(12);
+    ASSERT_TRUE(files.waitForUnnamed(1));
+    recording.writer().expectMix({0.9F, 0.25F});
+    EXPECT_FALSE(finishAndMix({0.9F, 0.3F}));
+}
+
+TEST_F(FollowingMixTest, isNotMadeWhereNobodySaidWhichOneIsExpected) {
+    recordSeconds(12);
+    EXPECT_FALSE(finishAndMix({0.9F, 0.5F}));
+}
+
+TEST_F(FollowingMixTest, leavesTheRecordingItsRoomOnTheDisk) {
+    files.setCapacity(FollowingMix::leastSpace);
+    recording.writer().expectMix({0.9F, 0.5F});
+    recordSeconds(12);
+    EXPECT_FALSE(finishAndMix({0.9F, 0.5F}));
+}
+
+TEST_F(FollowingMixTest, isNotMadeWhereFilesHaveNames) {
+    files.setHasNoUnnamedFiles();
+    recording.writer().expectMix({0.9F, 0.5F});
+    recordSeconds(12);
+    EXPECT_FALSE(finishAndMix({0.9F, 0.5F}));
+}
+
+TEST_F(FollowingMixTest, aFailureOnTheDiskIsNotTheRecordings) {
+    recording.writer().expectMix({0.9F, 0.5F});
+    recordSeconds(12);
+    ASSERT_TRUE(files.waitForUnnamed(1));
+    recording.finish();
+    files.setSyncFails(true); // for the mix that followed
+    EXPECT_THROW(mix(recording.toolkit(), "mix.m4a", {0.9F, 0.5F}), std::system_error);
+    files.setSyncFails(false);
+    mix(recording.toolkit(), "mix.m4a", {0.9F, 0.5F});
+    EXPECT_EQ(files.journalOf("mix.m4a").front(), "create");
+}
+
+TEST_F(FollowingMixTest, endsWithTheRecordingThatIsGivenUp) {
+    recording.writer().expectMix({0.9F, 0.5F});
+    recordSeconds(60);
+    ASSERT_TRUE(files.waitForUnnamed(1));
+}
+
+} // namespace
+
+} // namespace vantoro::ffmpeg
