@@ -11,6 +11,7 @@
 #include "platform/desktop/displays.h"
 #include "platform/desktop/microphone_access.h"
 #include "platform/desktop/power_management.h"
+#include "platform/desktop/power_profile.h"
 #include "platform/ffmpeg/loaded_toolkit.h"
 #include "platform/pipewire/capture_service.h"
 #include "platform/pipewire/device_list.h"
@@ -57,7 +58,7 @@ private:
     desktop::DesktopWorkspace workspace_;
     DialogFolderPanel folderPanel_;
     posix::PosixFileSystem fileSystem_;
-    ffmpeg::LoadedToolkit mediaToolkit_{fileSystem_};
+    ffmpeg::LoadedToolkit mediaToolkit_{fileSystem_, desktop::isPowerSavedHere};
     posix::SystemClock clock_;
     QtScheduler scheduler_; // last: its work ends before what it works with
 };

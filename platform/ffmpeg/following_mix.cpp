@@ -27,9 +27,10 @@ bool isMixed(const std::vector<float>& volumes) {
 } // namespace
 
 FollowingMix::FollowingMix(FileSystem& fileSystem, std::filesystem::path movie,
-                           std::chrono::milliseconds rest)
+                           IsPowerSaved isPowerSaved, std::chrono::milliseconds rest)
     : fileSystem_(fileSystem),
       movie_(std::move(movie)),
+      isPowerSaved_(std::move(isPowerSaved)),
       rest_(rest),
       thread_([this](const std::stop_token& stop) { follow(stop); }) {}
 
@@ -110,8 +111,8 @@ void FollowingMix::goOn() {
     attempt_ = std::stop_source();
     const auto stop = attempt_.get_token();
     lock.unlock();
-    if (fileSystem_.availableSpace(movie_.parent_path()) < leastSpace) {
-        throw std::runtime_error("There is little room left on the disk.");
+    if (!isAffordable()) {
+        throw std::runtime_error("The disk is nearly full, or power is to be saved.");
     }
     if (isOutdated) {
         mix_.reset(); // and with it what it takes of the disk
@@ -120,6 +121,11 @@ void FollowingMix::goOn() {
         mix_ = std::make_unique<GrowingMix>(fileSystem_, movie_, volumes);
     }
     mix_->goOn(stop);
+}
+
+bool FollowingMix::isAffordable() const {
+    return fileSystem_.availableSpace(movie_.parent_path()) >= leastSpace &&
+           !(isPowerSaved_ && isPowerSaved_());
 }
 
 void FollowingMix::stopFollowing() {
@@ -136,7 +142,7 @@ void FollowingMix::stopFollowing() {
 std::shared_ptr<FollowingMix> FollowingMixes::begin(FileSystem& fileSystem,
                                                     const std::filesystem::path& movie) {
     try {
-        auto mix = std::make_shared<FollowingMix>(fileSystem, movie);
+        auto mix = std::make_shared<FollowingMix>(fileSystem, movie, isPowerSaved_);
         const std::scoped_lock lock(mutex_);
         std::erase_if(mixes_, [](const auto& entry) { return entry.second.expired(); });
         mixes_[movie] = mix;

@@ -9,16 +9,18 @@
 #include <mutex>
 #include <stop_token>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "engine/ports/file_system.h"
+#include "engine/ports/power_saving.h"
 #include "platform/ffmpeg/growing_mix.h"
 
 namespace vantoro::ffmpeg {
 
 /// Makes the mix of a movie while that is being written, on a thread that takes only the time that
-/// others leave, so that little is left to do at the end. When anything fails, or the disk gets
-/// full, it gives up without a word: then the mix is made at the end.
+/// others leave, so that little is left to do at the end. When anything fails, the disk gets full
+/// or power is to be saved, it gives up without a word: then the mix is made at the end.
 class FollowingMix {
 public:
     /// Leaves the recording this much room on the disk.
@@ -27,6 +29,7 @@ public:
     /// Volumes that change count once they have not for `rest`. Throws std::system_error when no
     /// thread can be had.
     FollowingMix(FileSystem& fileSystem, std::filesystem::path movie,
+                 IsPowerSaved isPowerSaved = {},
                  std::chrono::milliseconds rest = std::chrono::seconds(1));
     FollowingMix(const FollowingMix&) = delete;
     FollowingMix& operator=(const FollowingMix&) = delete;
@@ -46,10 +49,12 @@ private:
     void follow(const std::stop_token& stop);
     bool waitForWork(const std::stop_token& stop);
     void goOn();
+    bool isAffordable() const;
     void stopFollowing();
 
     FileSystem& fileSystem_;
     const std::filesystem::path movie_;
+    const IsPowerSaved isPowerSaved_;
     const std::chrono::milliseconds rest_;
 
     std::mutex mutex_; // guards the next ones
@@ -68,12 +73,16 @@ private:
 /// The mixes that follow a movie, by its location. Any thread.
 class FollowingMixes {
 public:
+    explicit FollowingMixes(IsPowerSaved isPowerSaved = {})
+        : isPowerSaved_(std::move(isPowerSaved)) {}
+
     /// Null when no thread can be had.
     std::shared_ptr<FollowingMix> begin(FileSystem& fileSystem, const std::filesystem::path& movie);
     /// Null where there is none.
     std::shared_ptr<FollowingMix> of(const std::filesystem::path& movie);
 
 private:
+    const IsPowerSaved isPowerSaved_;
     std::mutex mutex_;
     std::map<std::filesystem::path, std::weak_ptr<FollowingMix>> mixes_; // guarded by mutex_
 };

@@ -6,15 +6,16 @@
 
 namespace vantoro::ffmpeg {
 
-LoadedToolkit::LoadedToolkit(FileSystem& fileSystem, std::filesystem::path module)
-    : fileSystem_(fileSystem), module_(std::move(module)) {}
+LoadedToolkit::LoadedToolkit(FileSystem& fileSystem, IsPowerSaved isPowerSaved,
+                             std::filesystem::path module)
+    : fileSystem_(fileSystem), isPowerSaved_(std::move(isPowerSaved)), module_(std::move(module)) {}
 
 MediaToolkit& LoadedToolkit::loaded() {
     const std::lock_guard lock(mutex_);
     if (!toolkit_) {
         const auto& module =
             static_cast<const ToolkitModule&>(loadModule(module_, toolkitModuleName));
-        toolkit_.reset(module.make(fileSystem_));
+        toolkit_.reset(module.make(fileSystem_, isPowerSaved_));
     }
     return *toolkit_;
 }

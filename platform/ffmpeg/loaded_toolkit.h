@@ -7,6 +7,7 @@
 
 #include "engine/ports/file_system.h"
 #include "engine/ports/media_toolkit.h"
+#include "engine/ports/power_saving.h"
 #include "platform/module/program_module.h"
 
 namespace vantoro::ffmpeg {
@@ -16,8 +17,9 @@ namespace vantoro::ffmpeg {
 class LoadedToolkit final : public MediaToolkit {
 public:
     /// `module`: the file to load it from. `fileSystem` outlives whatever the toolkit makes.
-    explicit LoadedToolkit(FileSystem& fileSystem, std::filesystem::path module =
-                                                       moduleBesideTheProgram("vantoro-media.so"));
+    explicit LoadedToolkit(
+        FileSystem& fileSystem, IsPowerSaved isPowerSaved = {},
+        std::filesystem::path module = moduleBesideTheProgram("vantoro-media.so"));
 
     // All of these throw std::runtime_error too, when it cannot be loaded.
     std::unique_ptr<FileWriter> makeWriter(const std::filesystem::path& location) override;
@@ -29,6 +31,7 @@ private:
     MediaToolkit& loaded();
 
     FileSystem& fileSystem_;
+    IsPowerSaved isPowerSaved_;
     std::filesystem::path module_;
     std::mutex mutex_;
     std::unique_ptr<MediaToolkit> toolkit_; // guarded by mutex_ until it is there, and then stays

@@ -1,5 +1,7 @@
 #include "platform/ffmpeg/toolkit.h"
 
+#include <utility>
+
 extern "C" {
 #include <libavutil/log.h>
 }
@@ -12,8 +14,9 @@ extern "C" {
 
 namespace vantoro::ffmpeg {
 
-FfmpegToolkit::FfmpegToolkit(FileSystem& fileSystem)
-    : fileSystem_(fileSystem), following_(std::make_shared<FollowingMixes>()) {
+FfmpegToolkit::FfmpegToolkit(FileSystem& fileSystem, IsPowerSaved isPowerSaved)
+    : fileSystem_(fileSystem),
+      following_(std::make_shared<FollowingMixes>(std::move(isPowerSaved))) {
     av_log_set_level(AV_LOG_QUIET);
 }
 

@@ -13,7 +13,7 @@ namespace vantoro::ffmpeg {
 /// errors thrown. What the toolkit makes may outlive it, but not the file system.
 class FfmpegToolkit final : public MediaToolkit {
 public:
-    explicit FfmpegToolkit(FileSystem& fileSystem);
+    explicit FfmpegToolkit(FileSystem& fileSystem, IsPowerSaved isPowerSaved = {});
 
     std::unique_ptr<FileWriter> makeWriter(const std::filesystem::path& location) override;
     std::unique_ptr<Asset> openAsset(const std::filesystem::path& location) override;

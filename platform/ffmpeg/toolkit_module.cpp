@@ -1,11 +1,14 @@
 #include "platform/ffmpeg/toolkit_module.h"
 
+#include <utility>
+
 #include "platform/ffmpeg/toolkit.h"
 
 // NOLINTNEXTLINE(misc-use-internal-linkage): found by its name
 extern "C" const vantoro::ffmpeg::ToolkitModule vantoroToolkitModule{
     {.version = VANTORO_VERSION},
-    [](vantoro::FileSystem& fileSystem) -> vantoro::MediaToolkit* {
-        return new vantoro::ffmpeg::FfmpegToolkit(fileSystem);
+    [](vantoro::FileSystem& fileSystem,
+       vantoro::IsPowerSaved isPowerSaved) -> vantoro::MediaToolkit* {
+        return new vantoro::ffmpeg::FfmpegToolkit(fileSystem, std::move(isPowerSaved));
     },
 };

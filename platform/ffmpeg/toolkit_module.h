@@ -2,6 +2,7 @@
 
 #include "engine/ports/file_system.h"
 #include "engine/ports/media_toolkit.h"
+#include "engine/ports/power_saving.h"
 #include "platform/module/program_module.h"
 
 namespace vantoro::ffmpeg {
@@ -9,7 +10,7 @@ namespace vantoro::ffmpeg {
 /// What the module has under `toolkitModuleName`: the way to a toolkit.
 struct ToolkitModule : ProgramModule {
     /// Throws as `FfmpegToolkit`'s constructor; the caller owns what it returns.
-    MediaToolkit* (*make)(FileSystem& fileSystem);
+    MediaToolkit* (*make)(FileSystem& fileSystem, IsPowerSaved isPowerSaved);
 };
 
 constexpr const char* toolkitModuleName = "vantoroToolkitModule";

@@ -1,5 +1,7 @@
 #include "platform/ffmpeg/following_mix.h"
 
+#include <atomic>
+
 #include <gtest/gtest.h>
 
 #include "engine/track_mixing.h"
@@ -16,7 +18,10 @@ using Volumes = std::vector<float>;
 class FollowingMixTest : public ::testing::Test {
 protected:
     MemoryFileSystem files;
-    MovieRecording recording{files, "movie.mov"};
+    std::atomic<bool> isPowerSaved = false;
+    MovieRecording recording{files, "movie.mov", {systemTrack, microphoneTrack}, {}, [this] {
+                                 return isPowerSaved.load();
+                             }};
     std::int64_t position = 0;
 
     void recordSeconds(std::int64_t seconds) {
@@ -77,6 +82,15 @@ TEST_F(FollowingMixTest, leavesTheRecordingItsRoomOnTheDisk) {
     files.setCapacity(FollowingMix::leastSpace);
     recording.writer().expectMix({0.9F, 0.5F});
     recordSeconds(12);
+    ASSERT_TRUE(files.waitUntilSpaceIsAsked());
+    EXPECT_FALSE(finishAndMix({0.9F, 0.5F}));
+}
+
+TEST_F(FollowingMixTest, isNotMadeWherePowerIsToBeSaved) {
+    isPowerSaved = true;
+    recording.writer().expectMix({0.9F, 0.5F});
+    recordSeconds(12);
+    ASSERT_TRUE(files.waitUntilSpaceIsAsked()); // and then for this
     EXPECT_FALSE(finishAndMix({0.9F, 0.5F}));
 }
 
@@ -84,6 +98,7 @@ TEST_F(FollowingMixTest, isNotMadeWhereFilesHaveNames) {
     files.setHasNoUnnamedFiles();
     recording.writer().expectMix({0.9F, 0.5F});
     recordSeconds(12);
+    ASSERT_TRUE(files.waitForUnnamed(1));
     EXPECT_FALSE(finishAndMix({0.9F, 0.5F}));
 }
 

@@ -22,7 +22,7 @@ protected:
 
     /// What is said when a toolkit from this file is used first.
     std::string complaintAbout(const std::filesystem::path& module) {
-        LoadedToolkit toolkit(files, module);
+        LoadedToolkit toolkit(files, {}, module);
         try {
             toolkit.makeComposition();
         } catch (const std::runtime_error& error) {
@@ -33,7 +33,7 @@ protected:
 };
 
 TEST_F(LoadedToolkitTest, worksAsTheToolkitDoes) {
-    LoadedToolkit toolkit(files, MODULE);
+    LoadedToolkit toolkit(files, {}, MODULE);
     const auto composition = toolkit.makeComposition();
     ASSERT_NE(composition, nullptr);
     EXPECT_NE(composition->addAudioTrack(), nullptr);
@@ -41,12 +41,12 @@ TEST_F(LoadedToolkitTest, worksAsTheToolkitDoes) {
 }
 
 TEST_F(LoadedToolkitTest, passesOnWhyAFileCannotBeRead) {
-    LoadedToolkit toolkit(files, MODULE);
+    LoadedToolkit toolkit(files, {}, MODULE);
     EXPECT_THROW(toolkit.openAsset("/nowhere/a.mov"), std::system_error);
 }
 
 TEST_F(LoadedToolkitTest, isLoadedOnceBySeveralThreads) {
-    LoadedToolkit toolkit(files, MODULE);
+    LoadedToolkit toolkit(files, {}, MODULE);
     const auto use = [&toolkit] { EXPECT_NE(toolkit.makeComposition(), nullptr); };
     std::thread first(use);
     std::thread second(use);
@@ -68,7 +68,7 @@ TEST_F(LoadedToolkitTest, moduleOfAnotherVersionIsNotUsed) {
 }
 
 TEST_F(LoadedToolkitTest, useAfterAFailureTriesAgain) {
-    LoadedToolkit toolkit(files, "/nowhere/module.so");
+    LoadedToolkit toolkit(files, {}, "/nowhere/module.so");
     EXPECT_THROW(toolkit.makeComposition(), std::runtime_error);
     EXPECT_THROW(toolkit.makeComposition(), std::runtime_error);
 }

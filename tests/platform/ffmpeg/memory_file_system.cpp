@@ -141,6 +141,8 @@ std::unique_ptr<OutputFile> MemoryFileSystem::createUnnamed(const std::filesyste
                                                             FileAudience audience) {
     const std::lock_guard lock(mutex_);
     if (!hasUnnamed_) {
+        unnamed_.emplace_back();
+        changed_.notify_all();
         return nullptr;
     }
     audience_ = audience;
@@ -153,6 +155,8 @@ std::unique_ptr<OutputFile> MemoryFileSystem::createUnnamed(const std::filesyste
 
 std::uint64_t MemoryFileSystem::availableSpace(const std::filesystem::path&) const {
     const std::lock_guard lock(mutex_);
+    isSpaceAsked_ = true;
+    changed_.notify_all();
     return capacity_ - std::min(capacity_, used());
 }
 
@@ -219,6 +223,11 @@ void MemoryFileSystem::setUnreachable() {
 void MemoryFileSystem::setHasNoUnnamedFiles() {
     const std::lock_guard lock(mutex_);
     hasUnnamed_ = false;
+}
+
+bool MemoryFileSystem::waitUntilSpaceIsAsked() {
+    std::unique_lock lock(mutex_);
+    return changed_.wait_for(lock, deadline, [&] { return isSpaceAsked_; });
 }
 
 bool MemoryFileSystem::waitForUnnamed(std::size_t count) {

@@ -57,8 +57,10 @@ public:
     void setSyncFails(bool fails);
     /// From now on no file is created without a name.
     void setHasNoUnnamedFiles();
-    /// Waits until so many files were; false when not within half a minute.
+    /// Waits until so many files were, or should have been; false when not within half a minute.
     bool waitForUnnamed(std::size_t count);
+    /// Waits until somebody asked for the space that is left; false when not within half a minute.
+    bool waitUntilSpaceIsAsked();
     /// From now on `ensureReachable` fails.
     void setUnreachable();
     /// Every write waits from now on, as on a disk that is stuck; or goes on.
@@ -75,13 +77,14 @@ private:
     std::uint64_t used() const;
 
     mutable std::mutex mutex_;
-    std::condition_variable changed_;
+    mutable std::condition_variable changed_;
     std::map<std::filesystem::path, std::shared_ptr<MemoryFile>> files_;
     std::uint64_t capacity_ = std::numeric_limits<std::uint64_t>::max();
     FileAudience audience_ = FileAudience::asUserPrefers; // of the latest file
     bool syncFails_ = false;
     bool unreachable_ = false;
     bool hasUnnamed_ = true;
+    mutable bool isSpaceAsked_ = false;
     std::vector<std::weak_ptr<MemoryFile>> unnamed_; // all that ever were
     bool stuck_ = false;
     bool someoneWaits_ = false;

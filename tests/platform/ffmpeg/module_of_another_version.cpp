@@ -5,5 +5,5 @@
 // NOLINTNEXTLINE(misc-use-internal-linkage): found by its name
 extern "C" const vantoro::ffmpeg::ToolkitModule vantoroToolkitModule{
     {.version = "another version"},
-    [](vantoro::FileSystem&) -> vantoro::MediaToolkit* { return nullptr; },
+    [](vantoro::FileSystem&, vantoro::IsPowerSaved) -> vantoro::MediaToolkit* { return nullptr; },
 };

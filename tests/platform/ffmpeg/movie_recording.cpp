@@ -12,9 +12,10 @@
 namespace vantoro {
 
 MovieRecording::MovieRecording(FileSystem& fileSystem, std::filesystem::path location,
-                               std::vector<AudioTrackSettings> tracks, FragmentIntervals intervals)
+                               std::vector<AudioTrackSettings> tracks, FragmentIntervals intervals,
+                               IsPowerSaved isPowerSaved)
     : location_(std::move(location)),
-      toolkit_(fileSystem),
+      toolkit_(fileSystem, std::move(isPowerSaved)),
       tracks_(std::move(tracks)),
       writer_(toolkit_.makeWriter(location_)) {
     writer_->setMovieFragmentInterval(intervals.others);

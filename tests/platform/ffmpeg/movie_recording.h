@@ -32,7 +32,7 @@ public:
     /// With the recorder's own fragments, or others.
     MovieRecording(FileSystem& fileSystem, std::filesystem::path location,
                    std::vector<AudioTrackSettings> tracks = {systemTrack, microphoneTrack},
-                   FragmentIntervals intervals = {});
+                   FragmentIntervals intervals = {}, IsPowerSaved isPowerSaved = {});
 
     /// Appends the track's sound from one frame to another, in buffers; false when one was refused.
     bool append(std::size_t track, std::int64_t from, std::int64_t to, const Sound& sound);

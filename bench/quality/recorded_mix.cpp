@@ -1,0 +1,98 @@
+// Makes the final file that a recording of given sound would become.
+// Usage: recorded_mix SYSTEM MICROPHONE TEMPORARY FINAL; the first two 32-bit float at 48 kHz, the
+// system's stereo with its samples in turn, the microphone's mono.
+
+#include <cstdlib>
+#include <exception>
+#include <filesystem>
+#include <fstream>
+#include <future>
+#include <iostream>
+#include <span>
+#include <stdexcept>
+#include <vector>
+
+#include "engine/track_mixing.h"
+#include "platform/ffmpeg/toolkit.h"
+#include "platform/posix/posix_file_system.h"
+
+namespace vantoro::bench {
+
+namespace {
+
+constexpr std::int64_t framesPerSecond = 48000;
+constexpr std::size_t bufferFrames = 960;
+constexpr float systemVolume = 0.9F;
+constexpr float microphoneVolume = 1.0F;
+
+std::vector<float> readSamples(const char* path) {
+    std::vector<float> samples(std::filesystem::file_size(path) / sizeof(float));
+    std::ifstream file(path, std::ios::binary);
+    const auto bytes = std::as_writable_bytes(std::span(samples));
+    file.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+    if (!file) {
+        throw std::runtime_error("the sound cannot be read");
+    }
+    return samples;
+}
+
+/// The next buffer of a source, one channel behind the other.
+void append(FileWriterInput& input, std::span<const float> samples, std::size_t channels,
+            std::size_t frame) {
+    std::vector<float> planes(bufferFrames * channels);
+    for (std::size_t i = 0; i < planes.size(); ++i) {
+        planes[(i % channels * bufferFrames) + (i / channels)] = samples[(frame * channels) + i];
+    }
+    const bool taken = input.append(
+        {.dataIsReady = true,
+         .frameCount = bufferFrames,
+         .presentationTime = {static_cast<std::int64_t>(frame), framesPerSecond},
+         .format = AudioStreamDescription{.sampleRate = framesPerSecond,
+                                          .channelsPerFrame = static_cast<std::uint32_t>(channels)},
+         .samples = std::span<const float>(planes)});
+    if (!taken) {
+        throw std::runtime_error("the recording cannot be written");
+    }
+}
+
+void run(std::span<char*> arguments) {
+    const auto system = readSamples(arguments[1]);
+    const auto microphone = readSamples(arguments[2]);
+    posix::PosixFileSystem files;
+    ffmpeg::FfmpegToolkit toolkit(files);
+    const auto writer = toolkit.makeWriter(arguments[3]);
+    FileWriterInput& systemInput = writer->add({.channels = 2, .bitRate = 192000});
+    FileWriterInput& microphoneInput = writer->add({.channels = 1, .bitRate = 96000});
+    if (!writer->startWriting()) {
+        throw std::runtime_error("the recording cannot be created");
+    }
+    writer->startSession(zeroTime);
+    for (std::size_t frame = 0; frame + bufferFrames <= microphone.size(); frame += bufferFrames) {
+        append(systemInput, system, 2, frame);
+        append(microphoneInput, microphone, 1, frame);
+    }
+    std::promise<void> finished;
+    writer->finishWriting([&finished] { finished.set_value(); });
+    finished.get_future().wait();
+    const auto asset = toolkit.openAsset(arguments[3]);
+    mixTracks(toolkit, files, *asset, arguments[4],
+              recordingVolumes(true, systemVolume, microphoneVolume), {});
+}
+
+} // namespace
+
+} // namespace vantoro::bench
+
+int main(int argumentCount, char** arguments) {
+    if (argumentCount != 5) {
+        std::cerr << "usage: " << arguments[0] << " SYSTEM MICROPHONE TEMPORARY FINAL\n";
+        return 2;
+    }
+    try {
+        vantoro::bench::run({arguments, static_cast<std::size_t>(argumentCount)});
+        return EXIT_SUCCESS;
+    } catch (const std::exception& error) {
+        std::cerr << error.what() << '\n';
+        return EXIT_FAILURE;
+    }
+}

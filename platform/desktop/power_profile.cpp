@@ -1,0 +1,46 @@
+#include "platform/desktop/power_profile.h"
+
+#include <QtDBus/QDBusMessage>
+#include <QtDBus/QDBusVariant>
+
+namespace vantoro::desktop {
+
+namespace {
+
+constexpr int millisecondsToAnswer = 250;
+
+QVariant propertyOf(const QDBusConnection& bus, const QString& service, const QString& path,
+                    const QString& interface, const QString& property) {
+    auto question =
+        QDBusMessage::createMethodCall(service, path, "org.freedesktop.DBus.Properties", "Get");
+    question << interface << property;
+    question.setAutoStartService(false);
+    const auto reply = bus.call(question, QDBus::Block, millisecondsToAnswer);
+    return reply.type() == QDBusMessage::ReplyMessage
+               ? reply.arguments().value(0).value<QDBusVariant>().variant()
+               : QVariant();
+}
+
+/// The service has had two names.
+bool savesPower(const QDBusConnection& bus, const QString& service, const QString& path) {
+    return propertyOf(bus, service, path, service, "ActiveProfile").toString() == "power-saver";
+}
+
+} // namespace
+
+bool isPowerSaved(const QDBusConnection& systemBus, const QDBusConnection& sessionBus) {
+    return savesPower(systemBus, "net.hadess.PowerProfiles", "/net/hadess/PowerProfiles") ||
+           savesPower(systemBus, "org.freedesktop.UPower.PowerProfiles",
+                      "/org/freedesktop/UPower/PowerProfiles") ||
+           // In a sandbox it alone can be asked.
+           propertyOf(sessionBus, "org.freedesktop.portal.Desktop",
+                      "/org/freedesktop/portal/desktop",
+                      "org.freedesktop.portal.PowerProfileMonitor", "power-saver-enabled")
+               .toBool();
+}
+
+bool isPowerSavedHere() {
+    return isPowerSaved(QDBusConnection::systemBus(), QDBusConnection::sessionBus());
+}
+
+} // namespace vantoro::desktop
