@@ -40,14 +40,18 @@ class Failure(RecordingCase):
             result = recording.finish()
         self.assert_saved_with(result, "The microphone was disconnected.", 0.9)
 
-    def record_on_a_small_disk(self, kilobytes):
-        """Records until the second fragment does not fit."""
+    def record_on_a_small_disk(self, kilobytes, others_file=None):
+        """Records until no further fragment fits, at the latest behind the first when others take the rest."""
         self.folder.mkdir()
         subprocess.run(["mount", "-t", "tmpfs", "-o", f"size={kilobytes}k", "tmpfs", str(self.folder)], check=True)
         self.addCleanup(subprocess.run, ["umount", "-l", str(self.folder)], check=True)
         elsewhere = self.folder.parent
         with sound.noise(elsewhere), sound.noise(elsewhere, "--into", sound.MICROPHONE):
-            return recorder.Recording(self.folder).finish()
+            recording = recorder.Recording(self.folder)
+            if others_file:
+                recording.wait_until_written()
+                subprocess.run(["dd", "if=/dev/zero", f"of={others_file}"], stderr=subprocess.DEVNULL, check=False)
+            return recording.finish()
 
     def test_diskThatFillsUpEndsTheRecordingSaved(self):
         result = self.record_on_a_small_disk(200)
@@ -59,13 +63,14 @@ class Failure(RecordingCase):
         self.assertEqual([entry.name for entry in self.folder.iterdir()], [path.name])
 
     def test_diskWithoutRoomForTheFinalFileKeepsWhatWasCaptured(self):
-        result = self.record_on_a_small_disk(60)
+        others = self.folder / "others"
+        result = self.record_on_a_small_disk(400, others)
         self.assertEqual((result.status, result.output), (1, ""))
         self.assertIn("No space left on device", result.errors)
         self.assertIn("checkpoint was kept", result.errors)
         path, = recorder.temporary_files(self.folder)
         self.assertGreater(len(sound.decoded(path)[0]) / sound.RATE, 0.9)
-        self.assertEqual([entry.name for entry in self.folder.iterdir()], [path.name])
+        self.assertEqual({entry.name for entry in self.folder.iterdir()}, {path.name, others.name})
 
     def test_folderThatIsRemovedIsMadeAgainForTheRecording(self):
         with sound.tone(440):
