@@ -4,7 +4,7 @@ target_compile_options(vantoro_options INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wnon-virtual-dtor
     -Woverloaded-virtual -Wold-style-cast -Wcast-align -Wformat=2 -Wundef -Werror)
 target_include_directories(vantoro_options INTERFACE ${PROJECT_SOURCE_DIR})
-# Files read in one go see each other's names; what each shadows by itself the other builds tell.
+# Files read in one go see each other's names; what each shadows by itself the build for debugging tells.
 add_library(vantoro_read_in_one_go INTERFACE)
 target_compile_options(vantoro_read_in_one_go INTERFACE -Wno-shadow)
 if(CMAKE_UNITY_BUILD)
