@@ -1,5 +1,10 @@
 #include "platform/desktop/power_profile.h"
 
+#include <chrono>
+#include <future>
+#include <memory>
+#include <thread>
+
 #include <QtDBus/QDBusMessage>
 #include <QtDBus/QDBusVariant>
 
@@ -40,7 +45,15 @@ bool isPowerSaved(const QDBusConnection& systemBus, const QDBusConnection& sessi
 }
 
 bool isPowerSavedHere() {
-    return isPowerSaved(QDBusConnection::systemBus(), QDBusConnection::sessionBus());
+    constexpr std::chrono::seconds limit(1);
+    // On a thread that nobody waits for: connecting takes as long as a bus takes to answer.
+    const auto answer = std::make_shared<std::promise<bool>>();
+    auto answered = answer->get_future();
+    std::thread([answer] {
+        answer->set_value(
+            isPowerSaved(QDBusConnection::systemBus(), QDBusConnection::sessionBus()));
+    }).detach();
+    return answered.wait_for(limit) != std::future_status::ready || answered.get();
 }
 
 } // namespace vantoro::desktop

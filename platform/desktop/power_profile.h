@@ -8,7 +8,7 @@ namespace vantoro::desktop {
 /// no service is started for the question. Any thread that may wait, a second at most.
 bool isPowerSaved(const QDBusConnection& systemBus, const QDBusConnection& sessionBus);
 
-/// On the buses of this system.
+/// On the buses of this system; yes where they do not answer, for then nothing more is asked of it.
 bool isPowerSavedHere();
 
 } // namespace vantoro::desktop

@@ -1,11 +1,15 @@
 #include "platform/desktop/power_profile.h"
 
+#include <chrono>
+
+#include <QtCore/QElapsedTimer>
 #include <QtDBus/QDBusError>
 #include <QtDBus/QDBusVariant>
 
 #include <gtest/gtest.h>
 
 #include "tests/platform/desktop/private_bus.h"
+#include "tests/platform/desktop/silent_bus.h"
 
 namespace vantoro::testing {
 namespace {
@@ -78,6 +82,15 @@ TEST_F(PowerProfileTest, startsNoServiceForTheQuestion) {
 TEST_F(PowerProfileTest, doesNotWaitForAServiceThatDoesNotAnswer) {
     const BusService profiles(systemBus, profilesService, noAnswer);
     EXPECT_FALSE(isSaved());
+}
+
+TEST_F(PowerProfileTest, nobodyWaitsForABusThatHangs) {
+    const SilentBus silent;
+    qputenv("DBUS_SYSTEM_BUS_ADDRESS", silent.address().c_str());
+    QElapsedTimer timer;
+    timer.start();
+    EXPECT_TRUE(desktop::isPowerSavedHere());
+    EXPECT_LT(std::chrono::milliseconds(timer.elapsed()), withoutWaiting);
 }
 
 } // namespace
