@@ -6,7 +6,6 @@
 #include <ctime>
 #include <exception>
 #include <filesystem>
-#include <iomanip>
 #include <iostream>
 #include <span>
 #include <string>
@@ -14,8 +13,9 @@
 #include <thread>
 #include <vector>
 
-#include "bench/export/temporary_folder.h"
-#include "bench/export/test_movie.h"
+#include "bench/support/table.h"
+#include "bench/support/temporary_folder.h"
+#include "bench/support/test_movie.h"
 #include "engine/track_mixing.h"
 #include "platform/ffmpeg/toolkit.h"
 #include "platform/posix/posix_file_system.h"
@@ -68,10 +68,9 @@ void measure(int minutes) {
     ffmpeg::FfmpegToolkit another(files);
     const Seconds plain =
         timeOf([&] { mix(another, files, folder / "movie.mov", folder / "exported.m4a"); });
-    std::cout << std::fixed << std::setprecision(3) << std::setw(4) << minutes << " min"
-              << std::setw(12) << stop / plain << std::setw(12) << stop.count() << std::setw(12)
-              << plain.count() << '\n'
-              << std::flush;
+    printRow(digits(stop.count(), 3) + " s", "0.25 s",
+             "stop to final file, " + std::to_string(minutes) + " min of both sources", "",
+             "the whole export, " + digits(plain.count(), 2) + " s");
 }
 
 } // namespace
@@ -80,7 +79,6 @@ void measure(int minutes) {
 
 int main(int argumentCount, char** arguments) {
     try {
-        std::cout << "recording of       ratio   stop, s   export, s\n" << std::flush;
         const std::span lengths(arguments + 1, arguments + argumentCount);
         for (const char* const minutes : lengths) {
             vantoro::bench::measure(std::atoi(minutes));

@@ -4,14 +4,13 @@
 
 #include <cstdlib>
 #include <exception>
-#include <filesystem>
-#include <fstream>
 #include <future>
 #include <iostream>
 #include <span>
 #include <stdexcept>
 #include <vector>
 
+#include "bench/support/samples.h"
 #include "engine/track_mixing.h"
 #include "platform/ffmpeg/toolkit.h"
 #include "platform/posix/posix_file_system.h"
@@ -24,17 +23,6 @@ constexpr std::int64_t framesPerSecond = 48000;
 constexpr std::size_t bufferFrames = 960;
 constexpr float systemVolume = 0.9F;
 constexpr float microphoneVolume = 1.0F;
-
-std::vector<float> readSamples(const char* path) {
-    std::vector<float> samples(std::filesystem::file_size(path) / sizeof(float));
-    std::ifstream file(path, std::ios::binary);
-    const auto bytes = std::as_writable_bytes(std::span(samples));
-    file.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-    if (!file) {
-        throw std::runtime_error("the sound cannot be read");
-    }
-    return samples;
-}
 
 /// The next buffer of a source, one channel behind the other.
 void append(FileWriterInput& input, std::span<const float> samples, std::size_t channels,

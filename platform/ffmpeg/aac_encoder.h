@@ -14,6 +14,10 @@
 
 namespace vantoro::ffmpeg {
 
+/// After so many packets a coder goes on as one that has heard everything: it remembers the packet
+/// before for the overlap, and chooses windows by how loud it was of late.
+inline constexpr int packetsToSettle = 32;
+
 /// Takes a coded packet, whose content it may move out.
 using PacketSink = std::function<void(AVPacket&)>;
 

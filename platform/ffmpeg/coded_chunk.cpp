@@ -54,7 +54,7 @@ void ChunkPackets::add(const AVPacket& packet, const WindowEnds& ends) {
 ChunkCoder::ChunkCoder(const Mix& mix, std::int64_t chunk)
     : frames_(framesOf(mix)),
       first_(chunk * chunkPackets),
-      block_(std::max<std::int64_t>(0, first_ - packetsBeforeChunk)),
+      block_(std::max<std::int64_t>(0, first_ - packetsToSettle)),
       mixer_(mix, block_),
       coder_(makeMixCoder()),
       packets_(chunk, packetsOf(frames_), block_) {}

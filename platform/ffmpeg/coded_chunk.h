@@ -20,7 +20,6 @@ namespace vantoro::ffmpeg {
 // other's. The borders depend on nothing: the same mix gives the same file, however it came about.
 
 inline constexpr std::int64_t chunkPackets = 1408; ///< some 30 s
-inline constexpr std::int64_t packetsBeforeChunk = 32;
 inline constexpr std::int64_t packetsBehindChunk = 8;
 
 /// The packets of one chunk, and those behind it that the next one has too.

@@ -1,4 +1,4 @@
-#include "bench/export/child_process.h"
+#include "bench/support/child_process.h"
 
 #include <spawn.h>
 #include <sys/resource.h>

@@ -1,4 +1,4 @@
-#include "bench/export/test_movie.h"
+#include "bench/support/test_movie.h"
 
 #include <array>
 #include <cmath>

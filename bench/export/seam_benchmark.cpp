@@ -1,0 +1,163 @@
+// Measures what coding in chunks costs where they meet: the noise about each seam beside that of
+// one coder that made it all, and whether any packet's window may not follow the one before.
+// Usage: seam_benchmark MINUTES
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <exception>
+#include <iostream>
+#include <memory>
+#include <span>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "bench/support/table.h"
+#include "bench/support/temporary_folder.h"
+#include "bench/support/test_movie.h"
+#include "platform/ffmpeg/aac_decoder.h"
+#include "platform/ffmpeg/parallel_coding.h"
+#include "platform/ffmpeg/toolkit.h"
+#include "platform/posix/posix_file_system.h"
+
+namespace vantoro::bench {
+
+namespace {
+
+using namespace ffmpeg;
+using Packets = std::vector<std::vector<std::byte>>;
+
+constexpr std::array volumes{0.9F, 1.0F};
+constexpr std::int64_t packetsAboutSeam = 2;
+constexpr std::int64_t packetsToWarmUp = 4;
+
+Packets codedInChunks(const Mix& mix) {
+    Packets packets;
+    ChunkSplicer splicer([&](std::span<const std::byte> packet) {
+        packets.emplace_back(packet.begin(), packet.end());
+    });
+    codeInParallel(mix, 0, 2, splicer, {});
+    return packets;
+}
+
+Packets codedByOne(const Mix& mix) {
+    Packets packets;
+    AacEncoder coder = makeMixCoder();
+    const PacketSink keep = [&](const AVPacket& packet) {
+        const auto bytes =
+            std::as_bytes(std::span(packet.data, static_cast<std::size_t>(packet.size)));
+        packets.emplace_back(bytes.begin(), bytes.end());
+    };
+    Mixer mixer(mix, 0);
+    for (std::int64_t left = framesOf(mix); left > 0; left -= packetFrames) {
+        mixer.read({.left = coder.plane(0).first<packetFrames>(),
+                    .right = coder.plane(1).first<packetFrames>()});
+        coder.encode(static_cast<int>(std::min<std::int64_t>(packetFrames, left)), keep);
+    }
+    coder.finish(keep);
+    return packets;
+}
+
+double energyOfDifference(std::span<const float> one, std::span<const float> other) {
+    double sum = 0;
+    for (std::size_t i = 0; i < one.size(); ++i) {
+        const double difference = one[i] - other[i];
+        sum += difference * difference;
+    }
+    return sum;
+}
+
+/// What decoding gives of the packets about a seam, less the mix, as energy.
+double noiseAbout(std::int64_t seam, const Packets& packets, const Mix& mix) {
+    const std::int64_t first = seam - packetsAboutSeam;
+    const std::int64_t last = seam + packetsBehindChunk + packetsAboutSeam;
+    AacDecoder decoder(makeMixCoder().parameters());
+    Mixer mixer(mix, first - 1); // the first packet is the priming
+    std::array<float, packetFrames> left{};
+    std::array<float, packetFrames> right{};
+    double noise = 0;
+    for (std::int64_t packet = first - packetsToWarmUp; packet < last; ++packet) {
+        const auto sound = decoder.decode(packets.at(static_cast<std::size_t>(packet)));
+        if (!sound) {
+            throw std::runtime_error("a packet cannot be decoded");
+        }
+        if (packet >= first) {
+            mixer.read({.left = left, .right = right});
+            noise +=
+                energyOfDifference(sound->left, left) + energyOfDifference(sound->right, right);
+        }
+    }
+    return noise;
+}
+
+/// The window of a stereo packet's left side: 0 long, 1 going to short, 2 short, 3 going to long.
+unsigned windowOf(std::span<const std::byte> packet) {
+    // 8 bits of the element, 8 of gain, 1 reserved.
+    return std::to_integer<unsigned>(packet[2]) >> 5U & 3U;
+}
+
+bool mayFollow(unsigned before, unsigned window) {
+    const bool beforeEndsShort = before == 1 || before == 2;
+    const bool beginsShort = window == 2 || window == 3;
+    return beforeEndsShort == beginsShort;
+}
+
+void measure(int minutes) {
+    const TemporaryFolder folder;
+    recordTestMovie(folder / "movie.mov", minutes);
+    posix::PosixFileSystem files;
+    const auto tracks = FfmpegToolkit(files).openAsset(folder / "movie.mov")->audioTracks();
+    Mix mix;
+    for (std::size_t index = 0; index < tracks.size(); ++index) {
+        const auto frames = static_cast<std::int64_t>(minutes) * 60 * framesPerSecond;
+        mix.push_back({.source = dynamic_cast<const MovieTrack*>(tracks[index].get()),
+                       .start = 0,
+                       .frames = frames,
+                       .volume = volumes.at(index)});
+    }
+    const Packets chunked = codedInChunks(mix);
+    const Packets serial = codedByOne(mix);
+    double worst = -100;
+    int seams = 0;
+    const auto end = packetsOf(framesOf(mix)) - packetsBehindChunk - packetsAboutSeam;
+    for (std::int64_t seam = chunkPackets; seam < end; seam += chunkPackets, ++seams) {
+        const double ratio = noiseAbout(seam, chunked, mix) / noiseAbout(seam, serial, mix);
+        worst = std::max(worst, 10 * std::log10(ratio));
+    }
+    int wrong = 0;
+    int changes = 0;
+    for (std::size_t packet = 1; packet < chunked.size(); ++packet) {
+        const unsigned before = windowOf(chunked[packet - 1]);
+        const unsigned window = windowOf(chunked[packet]);
+        wrong += mayFollow(before, window) ? 0 : 1;
+        changes += before == window ? 0 : 1;
+    }
+    const std::string packets = std::to_string(chunked.size()) + " packets";
+    printRow(digits(worst, 2) + " dB", "0.3 dB", "noise about the worst seam of chunks",
+             std::to_string(seams) + " seams", "one coder for all");
+    printRow(std::to_string(wrong), "0", "windows that may not follow the one before", packets,
+             std::to_string(changes) + " changes of windows");
+}
+
+} // namespace
+
+} // namespace vantoro::bench
+
+int main(int argumentCount, char** arguments) {
+    const int minutes = argumentCount == 2 ? std::atoi(arguments[1]) : 0;
+    if (minutes < 1) {
+        std::cerr << "usage: " << arguments[0] << " MINUTES\n";
+        return 2;
+    }
+    try {
+        vantoro::bench::measure(minutes);
+        return EXIT_SUCCESS;
+    } catch (const std::exception& error) {
+        std::cerr << error.what() << '\n';
+        return EXIT_FAILURE;
+    }
+}

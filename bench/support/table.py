@@ -1,0 +1,10 @@
+"""The one table that all benchmarks print rows of; `bench/run` prints its head."""
+
+
+def row(measured, aim, work, ours, other):
+    """What was measured, most often as a ratio; what is aimed for at most; of which work; and the figures behind it."""
+    print(f"| {measured} | {aim} | {work} | {ours} | {other} |", flush=True)
+
+
+def times(ours, other):
+    return f"{ours / other:.2f} ×"
