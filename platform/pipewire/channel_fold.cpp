@@ -17,19 +17,16 @@ bool isLow(std::string_view channel) {
 }
 
 Channels placedChannel(std::string_view channel, bool hasFrontPair) {
-    if (std::ranges::find(tapChannels, channel) != tapChannels.end() && channel != "FC") {
-        return {*std::ranges::find(tapChannels, channel)};
-    }
     if (channel == "FC" || channel == "MONO") {
-        return hasFrontPair ? Channels{"FC"} : Channels{"FL", "FR"};
+        return hasFrontPair ? Channels{"SL", "SR"} : Channels{"FL", "FR"};
     }
     if (isLow(channel)) {
-        return {"LFE"};
+        return {};
     }
-    if (channel == "FLC" || channel == "FLW" || channel == "FLH") {
+    if (channel == "FL" || channel == "FLC" || channel == "FLW" || channel == "FLH") {
         return {"FL"};
     }
-    if (channel == "FRC" || channel == "FRW" || channel == "FRH") {
+    if (channel == "FR" || channel == "FRC" || channel == "FRW" || channel == "FRH") {
         return {"FR"};
     }
     if (channel.ends_with('L')) {
@@ -43,14 +40,12 @@ Channels placedChannel(std::string_view channel, bool hasFrontPair) {
 
 } // namespace
 
-void foldToStereo(std::span<const float> surround, std::span<float> stereo) noexcept {
+void foldToStereo(const TapPlanes& planes, std::span<float> stereo) noexcept {
     constexpr float minus3dB = 0.70710678F;
-    const float* in = surround.data();
-    float* out = stereo.data();
-    for (const float* const end = in + surround.size(); in != end;
-         in += tapChannels.size(), out += 2) {
-        out[0] = in[0] + (minus3dB * (in[2] + in[4] + in[6]));
-        out[1] = in[1] + (minus3dB * (in[2] + in[5] + in[7]));
+    const auto& [left, right, surroundLeft, surroundRight] = planes;
+    for (std::size_t frame = 0; frame < stereo.size() / 2; ++frame) {
+        stereo[2 * frame] = left[frame] + (minus3dB * surroundLeft[frame]);
+        stereo[(2 * frame) + 1] = right[frame] + (minus3dB * surroundRight[frame]);
     }
 }
 

@@ -1,5 +1,6 @@
 #include "platform/pipewire/input_stream.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <span>
@@ -30,6 +31,9 @@ PropertiesPointer streamProperties(CaptureSource source) {
         "Stream/Input/Audio", PW_KEY_NODE_NAME,
         isTap ? "vantoro.system-audio" : "vantoro.microphone", PW_KEY_NODE_DESCRIPTION,
         isTap ? "System audio recording" : "Microphone recording",
+        // Nobody waits for what is recorded: the graph may run in cycles as long as all others let
+        // it.
+        PW_KEY_NODE_LATENCY, "4096/48000",
         // A volume that somebody once gave a recording would come back unasked.
         "state.restore-props", "false", "state.restore-target", "false", nullptr));
     if (isTap) {
@@ -39,19 +43,29 @@ PropertiesPointer streamProperties(CaptureSource source) {
     return properties;
 }
 
+/// One channel of a buffer.
+std::span<const float> samplesOf(const spa_data& data) noexcept {
+    const std::uint32_t offset = data.chunk->offset;
+    if (data.data == nullptr || offset > data.maxsize) {
+        return {};
+    }
+    const auto* const start = static_cast<const std::byte*>(data.data) + offset;
+    return {reinterpret_cast<const float*>(start),
+            std::min(data.chunk->size, data.maxsize - offset) / sizeof(float)};
+}
+
 spa_audio_info_raw format(CaptureSource source) {
     spa_audio_info_raw info{};
-    info.format = SPA_AUDIO_FORMAT_F32;
+    info.format = SPA_AUDIO_FORMAT_F32P; // as the graph has it, so that nothing is to be done
     info.rate = static_cast<std::uint32_t>(framesPerSecond);
     info.channels = nodeChannels(source);
     if (source == CaptureSource::microphone) {
         info.position[0] = SPA_AUDIO_CHANNEL_MONO;
         return info;
     }
-    constexpr std::array positions{
-        SPA_AUDIO_CHANNEL_FL,  SPA_AUDIO_CHANNEL_FR, SPA_AUDIO_CHANNEL_FC,
-        SPA_AUDIO_CHANNEL_LFE, SPA_AUDIO_CHANNEL_RL, SPA_AUDIO_CHANNEL_RR,
-        SPA_AUDIO_CHANNEL_SL,  SPA_AUDIO_CHANNEL_SR}; // the order of tapChannels
+    constexpr std::array positions{SPA_AUDIO_CHANNEL_FL, SPA_AUDIO_CHANNEL_FR, SPA_AUDIO_CHANNEL_SL,
+                                   SPA_AUDIO_CHANNEL_SR};
+    static_assert(positions.size() == tapChannels.size()); // in the same order
     for (std::size_t i = 0; i < positions.size(); ++i) {
         info.position[i] = positions.at(i);
     }
@@ -165,7 +179,7 @@ void InputStream::process(void* data) {
     auto& self = *static_cast<InputStream*>(data);
     self.feed_->callbacks.fetch_add(1, std::memory_order_relaxed);
     while (pw_buffer* const buffer = pw_stream_dequeue_buffer(self.stream_.get())) {
-        self.takeIn(buffer->buffer->datas[0]);
+        self.takeIn(*buffer->buffer);
         pw_stream_queue_buffer(self.stream_.get(), buffer);
     }
     if (self.feed_->ring.pendingFrames() >= framesWorthWaking) {
@@ -185,33 +199,36 @@ std::uint64_t InputStream::cycleTime(std::uint32_t& clockId) const noexcept {
     return now; // no driver yet, or one that has not set its clock
 }
 
-void InputStream::takeIn(const spa_data& data) noexcept {
-    const std::uint32_t channels = nodeChannels(feed_->source);
-    const std::uint32_t offset = data.chunk->offset;
-    if (data.data == nullptr || offset > data.maxsize) {
+void InputStream::takeIn(const spa_buffer& buffer) noexcept {
+    TapPlanes planes;
+    const std::span channels(planes.data(), nodeChannels(feed_->source));
+    if (buffer.n_datas < channels.size()) {
         return;
     }
-    const std::uint32_t bytes = std::min(data.chunk->size, data.maxsize - offset);
+    for (std::size_t i = 0; i < channels.size(); ++i) {
+        channels[i] = samplesOf(buffer.datas[i]);
+    }
+    const std::size_t frames = std::ranges::min(channels, {}, &std::span<const float>::size).size();
     Stamp stamp;
     stamp.nanoseconds = cycleTime(stamp.clockId);
-    stamp.frames = bytes / (channels * static_cast<std::uint32_t>(sizeof(float)));
-    if (stamp.frames == 0) {
+    stamp.frames = static_cast<std::uint32_t>(frames);
+    if (frames == 0) {
         return;
     }
-    const auto* const start = static_cast<const std::byte*>(data.data) + offset;
-    const std::span samples(reinterpret_cast<const float*>(start),
-                            std::size_t{stamp.frames} * channels);
     const float gain = gain_.load(std::memory_order_relaxed);
-    const bool taken =
-        feed_->ring.write(stamp, [&](std::span<float> target, std::size_t firstFrame) {
-            if (channels == 1) {
-                std::ranges::transform(samples.subspan(firstFrame, target.size()), target.begin(),
-                                       [gain](float sample) { return sample * gain; });
-            } else {
-                foldToStereo(samples.subspan(firstFrame * channels, target.size() / 2 * channels),
-                             target);
-            }
+    const bool taken = feed_->ring.write(stamp, [&](std::span<float> target,
+                                                    std::size_t firstFrame) {
+        if (channels.size() == 1) {
+            std::ranges::transform(channels[0].subspan(firstFrame, target.size()), target.begin(),
+                                   [gain](float sample) { return sample * gain; });
+            return;
+        }
+        TapPlanes part;
+        std::ranges::transform(planes, part.begin(), [&](std::span<const float> plane) {
+            return plane.subspan(firstFrame, target.size() / 2);
         });
+        foldToStereo(part, target);
+    });
     if (!taken) {
         feed_->lostFrames.fetch_add(stamp.frames, std::memory_order_relaxed);
     }

@@ -14,7 +14,7 @@
 namespace vantoro::pipewire {
 
 /// A capture node of ours. Nothing is connected to it but by us. It is either a tap, which hears
-/// applications in up to 8 channels, runs always, and gives stereo; or the microphone's, which runs
+/// applications in `tapChannels`, runs always, and gives stereo; or the microphone's, which runs
 /// while its source does, and gives one channel.
 ///
 /// On the loop, or under its lock, only. Once it is destroyed its feed is written to no more.
@@ -61,7 +61,7 @@ private:
     void activateResampler();
     // All that follows runs on the real-time thread.
     std::uint64_t cycleTime(std::uint32_t& clockId) const noexcept;
-    void takeIn(const spa_data& data) noexcept;
+    void takeIn(const spa_buffer& buffer) noexcept;
 
     static const pw_stream_events events;
 

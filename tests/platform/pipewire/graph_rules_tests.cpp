@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "platform/pipewire/channel_fold.h"
 #include "platform/pipewire/graph_mirror.h"
 
 namespace vantoro::pipewire {
@@ -56,8 +57,8 @@ protected:
     }
 
     void addTapPorts(ObjectId first, ObjectId tap) {
-        for (const char* channel : {"FL", "FR", "FC", "LFE", "RL", "RR", "SL", "SR"}) {
-            graph.ports[first++] = {tap, PortDirection::input, channel};
+        for (const std::string_view channel : tapChannels) {
+            graph.ports[first++] = {tap, PortDirection::input, std::string(channel)};
         }
     }
 
