@@ -4,10 +4,6 @@ target_compile_options(vantoro_options INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wnon-virtual-dtor
     -Woverloaded-virtual -Wold-style-cast -Wcast-align -Wformat=2 -Wundef -Werror)
 target_include_directories(vantoro_options INTERFACE ${PROJECT_SOURCE_DIR})
-if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-    # Loops over samples are worth vector instructions, which this compiler otherwise saves where it optimises for use.
-    target_compile_options(vantoro_options INTERFACE -fvect-cost-model=dynamic)
-endif()
 # Files read in one go see each other's names; what each shadows by itself the build for debugging tells.
 add_library(vantoro_read_in_one_go INTERFACE)
 target_compile_options(vantoro_read_in_one_go INTERFACE -Wno-shadow)

@@ -75,7 +75,7 @@ void GrowingMix::complete(const Mix& mix, const std::filesystem::path& destinati
         progress(0);
     }
     if (coder_) {
-        completeChunk(mix);
+        completeChunk(*coder_, mix);
     }
     codeInParallel(mix, chunk_, threads, splicer_, progress);
     file_.finish(framesOf(mix));
@@ -100,10 +100,10 @@ void GrowingMix::check(const Mix& mix) const {
 }
 
 /// The chunk that was being coded when the movie ended.
-void GrowingMix::completeChunk(const Mix& mix) {
-    coder_->endAs(mix);
-    coder_->code(framesOf(mix), {}, [] {});
-    splicer_.add(coder_->take());
+void GrowingMix::completeChunk(ChunkCoder& coder, const Mix& mix) {
+    coder.endAs(mix);
+    coder.code(framesOf(mix), {}, [] {});
+    splicer_.add(coder.take());
     coder_.reset();
     ++chunk_;
 }

@@ -37,7 +37,7 @@ public:
 private:
     std::int64_t readFragments();
     void check(const Mix& mix) const;
-    void completeChunk(const Mix& mix);
+    void completeChunk(ChunkCoder& coder, const Mix& mix);
 
     FileSystem& fileSystem_;
     std::filesystem::path location_;
