@@ -78,15 +78,14 @@ int RecordRun::run(RecordingViewModel& model) {
 }
 
 void RecordRun::follow(RecordingViewModel& model) {
-    // Behind the change, not within it: what the answer sets off finds the model at rest.
-    connect(
-        &model, &RecordingProperties::propertyChanged, this,
-        [this](RecordingProperties::Property property) {
-            if (property == RecordingProperties::Property::state) {
-                stateChanged();
-            }
-        },
-        Qt::QueuedConnection);
+    connect(&model, &RecordingProperties::propertyChanged, this,
+            [this](RecordingProperties::Property property) {
+                if (property == RecordingProperties::Property::state) {
+                    // Behind the change, not within it: what it sets off finds the model at rest.
+                    QMetaObject::invokeMethod(
+                        this, [this] { stateChanged(); }, Qt::QueuedConnection);
+                }
+            });
 }
 
 void RecordRun::stateChanged() {

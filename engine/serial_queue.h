@@ -12,6 +12,8 @@
 #include <utility>
 #include <vector>
 
+#include "engine/wake_up.h"
+
 namespace vantoro {
 
 /// A thread that runs one piece of work after another, in the order in which it was given.
@@ -91,7 +93,6 @@ public:
 private:
     void run();
     bool runPendingWork();
-    void wake() noexcept;
     void removeSource(const std::shared_ptr<Source>& source);
 
     const std::string label_;
@@ -99,8 +100,7 @@ private:
     std::deque<std::function<void()>> work_;
     std::vector<std::shared_ptr<Source>> sources_; // touched on the queue's thread only
     std::atomic<bool> stopping_{false};
-    std::atomic<int> wakes_{
-        0}; // counts calls of wake(), so that none can fall between look and wait
+    WakeUp wakeUp_;
     std::thread thread_;
 };
 

@@ -44,7 +44,9 @@ std::int64_t CaptureTimeline::place(TapId id, const Stamp& stamp, std::span<cons
         tap.next = late ? std::max(stamped, emitted_) : stamped;
         tap.started = true;
     }
-    lineOf(tap.source).add(tap.next, samples);
+    if (!silent) { // what nothing is added to is silent already
+        lineOf(tap.source).add(tap.next, samples);
+    }
     const std::int64_t error = stamped - tap.next;
     tap.next += stamp.frames;
     return error;

@@ -34,9 +34,10 @@ std::span<const float> MixLine::take(std::size_t frames) {
     planes_.assign(frames * channels_, 0.0F);
     const std::size_t held = line_.size() / channels_ - taken_;
     const std::size_t copied = std::min(frames, held);
+    const float* const first = line_.data() + (taken_ * channels_);
     for (std::size_t channel = 0; channel < channels_; ++channel) {
         for (std::size_t frame = 0; frame < copied; ++frame) {
-            planes_[(channel * frames) + frame] = line_[((taken_ + frame) * channels_) + channel];
+            planes_[(channel * frames) + frame] = first[(frame * channels_) + channel];
         }
     }
     taken_ += copied;
