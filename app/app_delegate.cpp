@@ -24,6 +24,7 @@ AppDelegate::AppDelegate(Surroundings surroundings)
 
 AppDelegate::~AppDelegate() {
     disconnect(levelSubscription_);
+    disconnect(conditionSubscription_);
 }
 
 void AppDelegate::applicationWillFinishLaunching() {
@@ -48,6 +49,9 @@ void AppDelegate::registerStatusItems() {
     disconnect(levelSubscription_);
     levelSubscription_ = connect(&surroundings_.levels, &AudioLevelStore::levelChanged, this,
                                  &AppDelegate::showLevels, Qt::QueuedConnection);
+    disconnect(conditionSubscription_);
+    conditionSubscription_ = connect(&surroundings_.levels, &AudioLevelStore::conditionChanged,
+                                     this, &AppDelegate::showLevels, Qt::QueuedConnection);
     showLevels();
     QApplication::instance()->installEventFilter(this);
 }
@@ -65,10 +69,18 @@ void AppDelegate::showLevels() {
 }
 
 void AppDelegate::updateStatusItems(double systemLevel, double microphoneLevel) {
-    systemAudioStatusItem_->setImage(pictures_.picture(LevelSymbol::loudspeaker, systemLevel),
-                                     texts_.text(L10n::Key::systemAudio));
-    microphoneStatusItem_->setImage(pictures_.picture(LevelSymbol::microphone, microphoneLevel),
-                                    texts_.text(L10n::Key::microphone));
+    systemAudioStatusItem_->setImage(
+        pictures_.picture(LevelSymbol::loudspeaker, systemLevel),
+        description(AudioLevelSource::systemAudio, L10n::Key::systemAudio));
+    microphoneStatusItem_->setImage(
+        pictures_.picture(LevelSymbol::microphone, microphoneLevel),
+        description(AudioLevelSource::microphone, L10n::Key::microphone));
+}
+
+/// Of a source that delivers its name alone.
+std::string AppDelegate::description(AudioLevelSource source, L10n::Key name) const {
+    const auto condition = texts_.condition(surroundings_.levels.condition(source));
+    return texts_.text(name) + (condition.empty() ? condition : ": " + condition);
 }
 
 /// The desktop has turned dark or light.

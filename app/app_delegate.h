@@ -49,6 +49,7 @@ private:
                                                L10n::Key toolTip) const;
     void showLevels();
     void updateStatusItems(double systemLevel, double microphoneLevel);
+    std::string description(AudioLevelSource source, L10n::Key name) const;
 
     Surroundings surroundings_;
     L10n texts_;
@@ -56,6 +57,7 @@ private:
     std::unique_ptr<StatusItem> systemAudioStatusItem_; // both from the registration on
     std::unique_ptr<StatusItem> microphoneStatusItem_;
     QMetaObject::Connection levelSubscription_;
+    QMetaObject::Connection conditionSubscription_;
 };
 
 } // namespace vantoro

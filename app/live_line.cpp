@@ -9,11 +9,12 @@ namespace vantoro {
 
 namespace {
 
-std::string meter(const std::string& name, double level) {
+std::string meter(const std::string& name, double level, const std::string& condition) {
     constexpr int width = 20;
     const int filled = std::clamp(static_cast<int>(std::lround(level * width)), 0, width);
     return "  " + name + " [" + std::string(static_cast<std::size_t>(filled), '#') +
-           std::string(static_cast<std::size_t>(width - filled), '-') + "]";
+           std::string(static_cast<std::size_t>(width - filled), '-') + "]" +
+           (condition.empty() ? condition : " " + condition + "!");
 }
 
 } // namespace
@@ -21,10 +22,12 @@ std::string meter(const std::string& name, double level) {
 std::string recordingLine(const RecordingProperties::Values& values, const L10n& texts) {
     auto line = formattedElapsedTime(values.elapsedSeconds);
     if (values.captureSystemAudio) {
-        line += meter(texts.text(L10n::Key::systemMeter), values.systemAudioLevel);
+        line += meter(texts.text(L10n::Key::systemMeter), values.systemAudioLevel,
+                      texts.conditionInShort(values.systemAudioCondition));
     }
     if (values.captureMicrophone) {
-        line += meter(texts.text(L10n::Key::microphoneMeter), values.microphoneLevel);
+        line += meter(texts.text(L10n::Key::microphoneMeter), values.microphoneLevel,
+                      texts.conditionInShort(values.microphoneCondition));
     }
     return line;
 }

@@ -17,6 +17,8 @@ public:
     }
 
     void streamDidStop(std::exception_ptr /*error*/) override {}
+
+    void microphoneDidChangeMute(bool /*isMuted*/) override {}
 };
 
 /// Records a microphone for a moment; whether that is possible.

@@ -15,6 +15,14 @@ void AudioLevelStore::setLevel(AudioLevelSource source, double level) {
     Q_EMIT levelChanged(source);
 }
 
+void AudioLevelStore::setCondition(AudioLevelSource source, SourceCondition condition) {
+    auto& kept = conditions_.at(static_cast<std::size_t>(source));
+    if (condition != kept) {
+        kept = condition;
+        Q_EMIT conditionChanged(source);
+    }
+}
+
 double shownLevel(float measured) {
     const double level = measured;
     if (level <= 0) {

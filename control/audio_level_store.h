@@ -1,13 +1,16 @@
 #pragma once
 
+#include <array>
+
 #include <QtCore/QObject>
 
 #include "engine/recording_types.h"
+#include "engine/source_watch.h"
 
 namespace vantoro {
 
-/// The levels of the two sources, 0 to 1, for those who show them without knowing the view model,
-/// which alone writes them. Main thread.
+/// The levels of the two sources, 0 to 1, and their conditions, for those who show them without
+/// knowing the view model, which alone writes them. Main thread.
 class AudioLevelStore final : public QObject {
     Q_OBJECT
 
@@ -19,19 +22,28 @@ public:
 
     double microphoneLevel() const { return microphoneLevel_; }
 
+    SourceCondition condition(AudioLevelSource source) const {
+        return conditions_.at(static_cast<std::size_t>(source));
+    }
+
     /// What is not greater than 0 is written as 0.
     void setLevel(AudioLevelSource source, double level);
+    void setCondition(AudioLevelSource source, SourceCondition condition);
 
 Q_SIGNALS:
-    /// Once for each writing, before it: everything is still as it was.
+    /// Once for each writing of a level, before it: everything is still as it was.
     void levelWillChange(vantoro::AudioLevelSource source);
 
     /// Once for each writing, after it.
     void levelChanged(vantoro::AudioLevelSource source);
 
+    /// After a condition has become another.
+    void conditionChanged(vantoro::AudioLevelSource source);
+
 private:
     double systemAudioLevel_ = 0;
     double microphoneLevel_ = 0;
+    std::array<SourceCondition, 2> conditions_{}; // by source
 };
 
 /// What is shown of a measured level: at least 0, at most 1.

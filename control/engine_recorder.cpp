@@ -18,6 +18,7 @@ void EngineRecorder::setCallbacks(RecorderCallbacks callbacks) {
             toViewModel(std::move(error));
         };
     recorder_.onAudioLevel = std::move(callbacks.onAudioLevel);
+    recorder_.onSourceCondition = std::move(callbacks.onSourceCondition);
     recorder_.onRecordingSafe = std::move(callbacks.onRecordingSafe);
 }
 

@@ -12,6 +12,7 @@
 #include "control/recording_state.h"
 #include "engine/ports/permissions.h"
 #include "engine/recording_types.h"
+#include "engine/source_watch.h"
 
 namespace vantoro {
 
@@ -30,6 +31,8 @@ public:
         microphoneVolume,
         systemAudioLevel,
         microphoneLevel,
+        systemAudioCondition,
+        microphoneCondition,
         elapsedSeconds,
         outputDirectory,
         lastRecordingURL,
@@ -48,6 +51,8 @@ public:
         double microphoneVolume = 1.0; ///< linear gain
         double systemAudioLevel = 0;   ///< 0 to 1
         double microphoneLevel = 0;    ///< 0 to 1
+        SourceCondition systemAudioCondition = SourceCondition::delivering;
+        SourceCondition microphoneCondition = SourceCondition::delivering;
         std::int64_t elapsedSeconds = 0;
         std::filesystem::path outputDirectory;
         std::optional<std::filesystem::path> lastRecordingURL;

@@ -57,6 +57,12 @@ void RecordingViewModel::installCallbacks() {
                     model.updateAudioLevel(source, level);
                 });
             },
+        .onSourceCondition =
+            [toMainThread](AudioLevelSource source, SourceCondition condition) {
+                toMainThread([source, condition](RecordingViewModel& model) {
+                    model.updateCondition(source, condition);
+                });
+            },
         .onRecordingSafe =
             [toMainThread] {
                 toMainThread([](RecordingViewModel& model) { model.sleepHold_.reset(); });
@@ -87,6 +93,7 @@ void RecordingViewModel::startRecording() {
     pendingStopReason_.reset();
     sleepHold_ = platform_.power.holdOffSleep(texts_.text(L10n::Key::recording));
     resetLevels();
+    resetConditions();
     expectVolumes();
     const RecordingOptions options{
         .captureSystemAudio = values().captureSystemAudio,
@@ -120,6 +127,7 @@ void RecordingViewModel::started() {
 
 void RecordingViewModel::startFailed(const std::exception_ptr& error) {
     pendingStopReason_.reset();
+    resetConditions();
     fail(error, false);
     recoverIncompleteRecordings();
 }
@@ -131,6 +139,7 @@ void RecordingViewModel::stopRecording(StopReason reason) {
     timer_.reset();
     setState(RecordingState::Case::processing);
     resetLevels();
+    resetConditions();
     platform_.scheduler.runOnMainThread([model = QPointer(this), reason] {
         if (model) {
             model->finishRecording(reason);
@@ -290,6 +299,29 @@ void RecordingViewModel::setLevel(AudioLevelSource source, double level) {
 void RecordingViewModel::resetLevels() {
     setLevel(AudioLevelSource::systemAudio, 0);
     setLevel(AudioLevelSource::microphone, 0);
+}
+
+/// It may come before the recorder has said that it runs: a microphone may be off from the start.
+void RecordingViewModel::updateCondition(AudioLevelSource source, SourceCondition condition) {
+    const auto state = values().state.which();
+    if (state == RecordingState::Case::preparing || state == RecordingState::Case::recording) {
+        setCondition(source, condition);
+    }
+}
+
+void RecordingViewModel::setCondition(AudioLevelSource source, SourceCondition condition) {
+    const bool isSystemAudio = source == AudioLevelSource::systemAudio;
+    const auto field = isSystemAudio ? &Values::systemAudioCondition : &Values::microphoneCondition;
+    if (values().*field != condition) {
+        set(isSystemAudio ? Property::systemAudioCondition : Property::microphoneCondition, field,
+            condition);
+    }
+    platform_.levels.setCondition(source, condition);
+}
+
+void RecordingViewModel::resetConditions() {
+    setCondition(AudioLevelSource::systemAudio, SourceCondition::delivering);
+    setCondition(AudioLevelSource::microphone, SourceCondition::delivering);
 }
 
 } // namespace vantoro

@@ -98,6 +98,9 @@ private:
     void updateAudioLevel(AudioLevelSource source, float level);
     void setLevel(AudioLevelSource source, double level);
     void resetLevels();
+    void updateCondition(AudioLevelSource source, SourceCondition condition);
+    void setCondition(AudioLevelSource source, SourceCondition condition);
+    void resetConditions();
 
     ControlPlatform platform_;
     L10n texts_;

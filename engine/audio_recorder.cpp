@@ -35,7 +35,8 @@ StreamConfiguration streamConfiguration(const RecordingOptions& options) {
 } // namespace
 
 AudioRecorder::AudioRecorder(const RecorderPlatform& platform)
-    : platform_(platform), samplePath_(platform.clock, onAudioLevel, onCaptureInterrupted) {}
+    : platform_(platform),
+      samplePath_(platform.clock, onAudioLevel, onSourceCondition, onCaptureInterrupted) {}
 
 AudioRecorder::~AudioRecorder() {
     captureQueue_.sync([this] { stream_.reset(); });
@@ -254,6 +255,10 @@ void AudioRecorder::streamDidStop(std::exception_ptr error) {
         stream_.reset();
         samplePath_.interrupt(error);
     });
+}
+
+void AudioRecorder::microphoneDidChangeMute(bool isMuted) {
+    captureQueue_.async([this, isMuted] { samplePath_.setMicrophoneMuted(isMuted); });
 }
 
 } // namespace vantoro

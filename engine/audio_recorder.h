@@ -71,6 +71,8 @@ public:
     CaptureInterruptedCallback onCaptureInterrupted;
     /// Capture queue.
     AudioLevelCallback onAudioLevel;
+    /// A source gives no sound, or does again. Capture queue.
+    SourceConditionCallback onSourceCondition;
     /// During `stop`: all that was captured is on the disk. Whatever becomes of the final file, it
     /// can be made again. On the thread of `stop`.
     std::function<void()> onRecordingSafe;
@@ -93,6 +95,7 @@ private:
 
     void didOutputSampleBuffer(const SampleBuffer& buffer, StreamOutputType type) override;
     void streamDidStop(std::exception_ptr error) override;
+    void microphoneDidChangeMute(bool isMuted) override;
 
     RecorderPlatform platform_;
 

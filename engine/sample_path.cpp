@@ -8,8 +8,10 @@
 namespace vantoro {
 
 SamplePath::SamplePath(const Clock& clock, const AudioLevelCallback& onAudioLevel,
+                       const SourceConditionCallback& onSourceCondition,
                        const CaptureInterruptedCallback& onCaptureInterrupted)
     : onAudioLevel_(onAudioLevel),
+      onSourceCondition_(onSourceCondition),
       onCaptureInterrupted_(onCaptureInterrupted),
       levelMeter_(clock) {}
 
@@ -28,6 +30,7 @@ std::unique_ptr<FileWriter> SamplePath::disarm() {
     sessionStartTime_ = {};
     captureError_ = nullptr;
     levelMeter_.reset();
+    sourceWatch_.reset();
     return std::move(writer_);
 }
 
@@ -37,6 +40,7 @@ void SamplePath::append(const SampleBuffer& buffer, AudioLevelSource source) {
         return;
     }
     levelMeter_.publishAudioLevel(buffer, source, onAudioLevel_);
+    sourceWatch_.observe(buffer, source, onSourceCondition_);
     const MediaTime time = buffer.presentationTime;
     if (!time.isValid()) {
         return;
@@ -68,6 +72,10 @@ bool SamplePath::startWriting(MediaTime sourceTime) {
 void SamplePath::reportWriterFailure(const char* text) {
     const auto description = writer_ ? writer_->errorDescription() : std::nullopt;
     interrupt(std::make_exception_ptr(RecordingError::writerFailed(description.value_or(text))));
+}
+
+void SamplePath::setMicrophoneMuted(bool isMuted) {
+    sourceWatch_.setMuted(AudioLevelSource::microphone, isMuted, onSourceCondition_);
 }
 
 void SamplePath::interrupt(std::exception_ptr error) {

@@ -7,19 +7,21 @@
 
 #include "engine/level_meter.h"
 #include "engine/ports/file_writer.h"
+#include "engine/source_watch.h"
 
 namespace vantoro {
 
 /// Told that capture can no longer be trusted. Called on the capture queue.
 using CaptureInterruptedCallback = std::function<void(std::exception_ptr error)>;
 
-/// Takes a recording's buffers from the capture stream to the file: each is metered, the first one
-/// with a valid time starts the file, and all that follow are appended to their source's track.
-/// Used on the capture queue only.
+/// Takes a recording's buffers from the capture stream to the file: each is metered and watched,
+/// the first one with a valid time starts the file, and all that follow are appended to their
+/// source's track. Used on the capture queue only.
 class SamplePath {
 public:
     /// The callbacks are read at each use; they may be set, or be empty, at any time before.
     SamplePath(const Clock& clock, const AudioLevelCallback& onAudioLevel,
+               const SourceConditionCallback& onSourceCondition,
                const CaptureInterruptedCallback& onCaptureInterrupted);
 
     /// Takes in the writer of a new recording; the inputs are the writer's, or null.
@@ -29,6 +31,8 @@ public:
     std::unique_ptr<FileWriter> disarm();
 
     void append(const SampleBuffer& buffer, AudioLevelSource source);
+    /// The microphone was switched off, or on again, in the desktop's mixer.
+    void setMicrophoneMuted(bool isMuted);
     /// Every buffer from now on is dropped, and the receiver is told.
     void interrupt(std::exception_ptr error);
     /// As `interrupt`, but silent, and an earlier cause is kept.
@@ -51,8 +55,10 @@ private:
     void reportWriterFailure(const char* text);
 
     const AudioLevelCallback& onAudioLevel_;
+    const SourceConditionCallback& onSourceCondition_;
     const CaptureInterruptedCallback& onCaptureInterrupted_;
     LevelMeter levelMeter_;
+    SourceWatch sourceWatch_;
     std::unique_ptr<FileWriter> writer_;
     FileWriterInput* systemAudioInput_ = nullptr;
     FileWriterInput* microphoneInput_ = nullptr;

@@ -9,7 +9,7 @@ SerialQueue::Source::Source(SerialQueue& queue, std::function<void()> handler)
 
 void SerialQueue::Source::signal() noexcept {
     if (!pending_.exchange(true, std::memory_order_acq_rel)) {
-        queue_.wakeUp_.tell();
+        queue_.wake();
     }
 }
 
@@ -37,7 +37,7 @@ SerialQueue::SerialQueue(std::string label)
 
 SerialQueue::~SerialQueue() {
     stopping_.store(true, std::memory_order_release);
-    wakeUp_.tell();
+    wake();
     thread_.join();
 }
 
@@ -46,7 +46,7 @@ void SerialQueue::async(std::function<void()> work) {
         const std::lock_guard lock(mutex_);
         work_.push_back(std::move(work));
     }
-    wakeUp_.tell();
+    wake();
 }
 
 SerialQueue::SourceHandle SerialQueue::addSource(std::function<void()> handler) {
@@ -59,10 +59,16 @@ void SerialQueue::removeSource(const std::shared_ptr<Source>& source) {
     sync([this, &source] { std::erase(sources_, source); });
 }
 
+void SerialQueue::wake() noexcept {
+    wakes_.fetch_add(1, std::memory_order_acq_rel);
+    wakes_.notify_one();
+}
+
 void SerialQueue::run() {
     while (!stopping_.load(std::memory_order_acquire)) {
-        if (!runPendingWork()) {
-            wakeUp_.wait();
+        const int seen = wakes_.load(std::memory_order_acquire);
+        if (!runPendingWork() && !stopping_.load(std::memory_order_acquire)) {
+            wakes_.wait(seen, std::memory_order_acquire);
         }
     }
 }

@@ -12,8 +12,6 @@
 #include <utility>
 #include <vector>
 
-#include "engine/wake_up.h"
-
 namespace vantoro {
 
 /// A thread that runs one piece of work after another, in the order in which it was given.
@@ -93,6 +91,7 @@ public:
 private:
     void run();
     bool runPendingWork();
+    void wake() noexcept;
     void removeSource(const std::shared_ptr<Source>& source);
 
     const std::string label_;
@@ -100,7 +99,8 @@ private:
     std::deque<std::function<void()>> work_;
     std::vector<std::shared_ptr<Source>> sources_; // touched on the queue's thread only
     std::atomic<bool> stopping_{false};
-    WakeUp wakeUp_;
+    std::atomic<int> wakes_{
+        0}; // counts calls of wake(), so that none can fall between look and wait
     std::thread thread_;
 };
 

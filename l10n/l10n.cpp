@@ -37,6 +37,32 @@ std::string L10n::runningVersion(std::string_view version) const {
     return prefix + std::string(version);
 }
 
+std::string L10n::conditionInShort(SourceCondition condition) const {
+    const bool isEnglish = language() == AppLanguage::english;
+    switch (condition) {
+    case SourceCondition::silent:
+        return isEnglish ? "only silence" : "没有声音";
+    case SourceCondition::muted:
+        return isEnglish ? "muted" : "已静音";
+    case SourceCondition::delivering:
+        break;
+    }
+    return {};
+}
+
+std::string L10n::condition(SourceCondition condition) const {
+    const bool isEnglish = language() == AppLanguage::english;
+    switch (condition) {
+    case SourceCondition::silent:
+        return isEnglish ? "Nothing but silence for at least 10 seconds" : "至少 10 秒没有任何声音";
+    case SourceCondition::muted:
+        return isEnglish ? "Muted in the desktop's sound settings" : "已在系统声音设置中静音";
+    case SourceCondition::delivering:
+        break;
+    }
+    return {};
+}
+
 std::string L10n::quit() const {
     return language() == AppLanguage::english ? "Quit" : "退出";
 }

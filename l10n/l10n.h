@@ -6,6 +6,7 @@
 #include <string_view>
 #include <unordered_map>
 
+#include "engine/source_watch.h"
 #include "l10n/app_language.h"
 #include "l10n/preferences.h"
 
@@ -97,6 +98,11 @@ public:
 
     /// Which version this one is.
     std::string runningVersion(std::string_view version) const;
+
+    /// What there is to say of a source in this condition, in one word or two, and in a sentence
+    /// without a full stop; empty where it delivers.
+    std::string conditionInShort(SourceCondition condition) const;
+    std::string condition(SourceCondition condition) const;
 
     /// The command that ends the program.
     std::string quit() const;

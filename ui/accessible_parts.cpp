@@ -44,6 +44,9 @@ public:
     }
 
     QString text(QAccessible::Text which) const override {
+        if (which == QAccessible::Description && !widget_.accessibleDescription().isEmpty()) {
+            return widget_.accessibleDescription();
+        }
         // As a description too: not everything that reads aloud asks for a value's text.
         return which == QAccessible::Value || which == QAccessible::Description
                    ? percentageText(inUnits(widget_.value()))

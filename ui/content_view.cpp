@@ -139,8 +139,9 @@ void ContentView::showAll() {
     showState();
     showSources();
     showPermissions();
-    for (const auto property : {Property::systemVolume, Property::elapsedSeconds,
-                                Property::outputDirectory, Property::lastRecordingURL}) {
+    for (const auto property :
+         {Property::systemVolume, Property::microphoneCondition, Property::elapsedSeconds,
+          Property::outputDirectory, Property::lastRecordingURL}) {
         showProperty(property);
     }
 }
@@ -193,6 +194,10 @@ void ContentView::showProperty(Property property) {
     case Property::systemAudioLevel:
     case Property::microphoneLevel:
         status_->setLevels(values.systemAudioLevel, values.microphoneLevel);
+        break;
+    case Property::systemAudioCondition:
+    case Property::microphoneCondition:
+        status_->setConditions(values.systemAudioCondition, values.microphoneCondition, texts_);
         break;
     case Property::elapsedSeconds:
         status_->setElapsed(QString::fromStdString(model_.formattedElapsedTime()));

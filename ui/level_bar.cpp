@@ -30,8 +30,22 @@ void LevelBar::setLevel(double level) {
     update();
 }
 
+void LevelBar::setTrouble(const QString& trouble) {
+    isInTrouble_ = !trouble.isEmpty();
+    setAccessibleDescription(trouble);
+    update();
+}
+
 void LevelBar::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
+    if (isInTrouble_) { // a whole bar of any colour would look like a level
+        QPen dashes(toneColour(Tone::attention, palette()), barHeight, Qt::CustomDashLine,
+                    Qt::FlatCap);
+        dashes.setDashPattern({0.5, 0.5}); // of the bar's height
+        painter.setPen(dashes);
+        painter.drawLine(QPointF(0, barHeight / 2.0), QPointF(barWidth, barHeight / 2.0));
+        return;
+    }
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
     auto track = toneColour(Tone::secondary, palette());

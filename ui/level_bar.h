@@ -15,6 +15,8 @@ public:
 
     /// 0 to 1.
     void setLevel(double level);
+    /// Why nothing is to be expected of it; empty while something is.
+    void setTrouble(const QString& trouble);
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -22,6 +24,7 @@ protected:
 private:
     Tone tone_;
     double level_ = 0;
+    bool isInTrouble_ = false;
 };
 
 } // namespace vantoro

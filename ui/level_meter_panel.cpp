@@ -40,4 +40,9 @@ void LevelMeterPanel::setLevels(double systemAudio, double microphone) {
     microphone_->setLevel(microphone);
 }
 
+void LevelMeterPanel::setTroubles(const QString& systemAudio, const QString& microphone) {
+    systemAudio_->setTrouble(systemAudio);
+    microphone_->setTrouble(microphone);
+}
+
 } // namespace vantoro

@@ -17,6 +17,8 @@ public:
     void setTexts(const QString& name, const QString& systemAudio, const QString& microphone);
     /// 0 to 1 each.
     void setLevels(double systemAudio, double microphone);
+    /// See `LevelMeterRow::setTrouble`.
+    void setTroubles(const QString& systemAudio, const QString& microphone);
 
 private:
     LevelMeterRow* systemAudio_;

@@ -6,7 +6,6 @@
 
 #include "ui/fonts.h"
 #include "ui/percentage.h"
-#include "ui/toned_label.h"
 
 namespace vantoro {
 
@@ -52,8 +51,20 @@ void LevelMeterRow::setTitleWidth(int width) {
 }
 
 void LevelMeterRow::setLevel(double level) {
+    level_ = level;
     bar_->setLevel(level);
-    percentage_->setText(percentageText(level));
+    showPercentage();
+}
+
+void LevelMeterRow::setTrouble(const QString& trouble) {
+    setToolTip(trouble);
+    bar_->setTrouble(trouble);
+    percentage_->setTone(trouble.isEmpty() ? Tone::secondary : Tone::attention);
+    showPercentage();
+}
+
+void LevelMeterRow::showPercentage() {
+    percentage_->setText(toolTip().isEmpty() ? percentageText(level_) : QStringLiteral("!"));
 }
 
 } // namespace vantoro

@@ -4,6 +4,7 @@
 #include <QtWidgets/QWidget>
 
 #include "ui/level_bar.h"
+#include "ui/toned_label.h"
 
 namespace vantoro {
 
@@ -20,11 +21,17 @@ public:
     void setTitleWidth(int width);
     /// 0 to 1.
     void setLevel(double level);
+    /// Why nothing is to be expected of the source, which the level gives way to; empty while
+    /// something is.
+    void setTrouble(const QString& trouble);
 
 private:
+    void showPercentage();
+
     QLabel* title_;
     LevelBar* bar_;
-    QLabel* percentage_;
+    TonedLabel* percentage_;
+    double level_ = 0;
 };
 
 } // namespace vantoro

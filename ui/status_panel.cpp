@@ -67,4 +67,10 @@ void StatusPanel::setLevels(double systemAudio, double microphone) {
     meters_->setLevels(systemAudio, microphone);
 }
 
+void StatusPanel::setConditions(SourceCondition systemAudio, SourceCondition microphone,
+                                const L10n& texts) {
+    meters_->setTroubles(QString::fromStdString(texts.condition(systemAudio)),
+                         QString::fromStdString(texts.condition(microphone)));
+}
+
 } // namespace vantoro

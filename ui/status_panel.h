@@ -21,6 +21,7 @@ public:
     void setState(const RecordingState& state, const QString& headline, const L10n& texts);
     void setElapsed(const QString& time);
     void setLevels(double systemAudio, double microphone);
+    void setConditions(SourceCondition systemAudio, SourceCondition microphone, const L10n& texts);
 
 private:
     StatusBadge* badge_;

@@ -11,6 +11,11 @@ TonedLabel::TonedLabel(Tone tone, const QFont& font, QWidget* parent)
     applyTone();
 }
 
+void TonedLabel::setTone(Tone tone) {
+    tone_ = tone;
+    applyTone();
+}
+
 void TonedLabel::changeEvent(QEvent* event) {
     QLabel::changeEvent(event);
     if (event->type() == QEvent::ApplicationPaletteChange) {

@@ -13,6 +13,8 @@ class TonedLabel : public QLabel {
 public:
     TonedLabel(Tone tone, const QFont& font, QWidget* parent = nullptr);
 
+    void setTone(Tone tone);
+
 protected:
     void changeEvent(QEvent* event) override;
 

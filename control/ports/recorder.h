@@ -15,6 +15,7 @@ namespace vantoro {
 struct RecorderCallbacks {
     CaptureInterruptedCallback onCaptureInterrupted;
     AudioLevelCallback onAudioLevel;
+    SourceConditionCallback onSourceCondition;
     /// During `stop`: all that was captured is on the disk, what follows can be done again.
     std::function<void()> onRecordingSafe;
 };

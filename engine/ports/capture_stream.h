@@ -44,8 +44,8 @@ struct StreamConfiguration {
     std::optional<std::string> microphoneCaptureDeviceID; ///< absent: the default microphone
 };
 
-/// Receives what a stream captures. Both calls come on the queue given to `addOutput`, but
-/// `streamDidStop`, which comes on a thread of the stream's own and must only hand over.
+/// Receives what a stream captures: sound on the queue given to `addOutput`, all else on a thread
+/// of the stream's own, where it must only be handed over.
 class CaptureStreamReceiver {
 public:
     virtual ~CaptureStreamReceiver() = default;
@@ -54,6 +54,9 @@ public:
     /// after `stopCapture` was called. The stream may be destroyed from the work that it hands
     /// over.
     virtual void streamDidStop(std::exception_ptr error) = 0;
+    /// The microphone was switched off in the desktop's mixer (or found to be at the start), or on
+    /// again.
+    virtual void microphoneDidChangeMute(bool isMuted) = 0;
 };
 
 /// A stream of timed sound: every application's but our own, and one microphone.

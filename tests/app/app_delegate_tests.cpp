@@ -105,6 +105,17 @@ TEST_F(AppDelegateTest, clickAsksForTheWindow) {
     EXPECT_EQ(clicks, std::vector<std::string>({"a token", ""}));
 }
 
+TEST_F(AppDelegateTest, readAloudAMeterSaysThatItsSourceGivesNothing) {
+    launch();
+    levels.setCondition(AudioLevelSource::microphone, SourceCondition::muted);
+    EXPECT_TRUE(EventLoop::runUntil([&] {
+        return microphone().description == "Microphone: Muted in the desktop's sound settings";
+    }));
+    EXPECT_EQ(systemAudio().description, "System Audio");
+    levels.setCondition(AudioLevelSource::microphone, SourceCondition::delivering);
+    EXPECT_TRUE(EventLoop::runUntil([&] { return microphone().description == "Microphone"; }));
+}
+
 TEST_F(AppDelegateTest, anotherLanguageIsReadAloudFromTheNextLevelOnAndNotInToolTips) {
     launch();
     preferences = preferencesIn("zh-Hans");

@@ -39,6 +39,18 @@ TEST_F(LiveLineTest, speaksTheUsersLanguage) {
     EXPECT_EQ(savingLine(0.5, L10n(chinese)), "保存中 50 %");
 }
 
+TEST_F(LiveLineTest, saysOfWhichSourceNothingWillBeHeard) {
+    values.systemAudioLevel = 0;
+    values.microphoneLevel = 0;
+    values.systemAudioCondition = SourceCondition::silent;
+    values.microphoneCondition = SourceCondition::muted;
+    EXPECT_EQ(recordingLine(values, L10n(english)),
+              "00:05  System [--------------------] only silence!"
+              "  Mic [--------------------] muted!");
+    EXPECT_EQ(recordingLine(values, L10n(chinese)), "00:05  系统 [--------------------] 没有声音!"
+                                                    "  麦克风 [--------------------] 已静音!");
+}
+
 TEST_F(LiveLineTest, savingIsAPercentage) {
     const L10n texts(english);
     EXPECT_EQ(savingLine(0, texts), "Saving 0 %");

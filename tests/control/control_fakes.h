@@ -39,6 +39,7 @@ struct RecorderScript {
 
     CaptureInterruptedCallback interrupted;
     AudioLevelCallback level;
+    SourceConditionCallback condition;
     std::function<void()> safe;
     bool recorderLives = false;
 };
@@ -57,6 +58,7 @@ public:
     void setCallbacks(RecorderCallbacks callbacks) override {
         script_.interrupted = std::move(callbacks.onCaptureInterrupted);
         script_.level = std::move(callbacks.onAudioLevel);
+        script_.condition = std::move(callbacks.onSourceCondition);
         script_.safe = std::move(callbacks.onRecordingSafe);
     }
 

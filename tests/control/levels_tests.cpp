@@ -139,5 +139,75 @@ TEST_F(LevelsTest, stayZeroAfterAFailedStop) {
     expectLevels(0, 0);
 }
 
+class ConditionsTest : public ViewModelTest {
+protected:
+    void reportMuted() {
+        recorder.condition(AudioLevelSource::microphone, SourceCondition::muted);
+        scheduler.runMain();
+    }
+
+    SourceCondition ofMicrophone() {
+        EXPECT_EQ(levels.condition(AudioLevelSource::microphone), values().microphoneCondition);
+        EXPECT_EQ(values().systemAudioCondition, levels.condition(systemAudio));
+        return values().microphoneCondition;
+    }
+};
+
+TEST_F(ConditionsTest, reachTheWindowAndTheStoreByTheirSource) {
+    lead(Case::recording);
+    reportMuted();
+    EXPECT_EQ(ofMicrophone(), SourceCondition::muted);
+    EXPECT_EQ(values().systemAudioCondition, SourceCondition::delivering);
+    recorder.condition(systemAudio, SourceCondition::silent);
+    scheduler.runMain();
+    EXPECT_EQ(ofMicrophone(), SourceCondition::muted);
+    EXPECT_EQ(values().systemAudioCondition, SourceCondition::silent);
+}
+
+TEST_F(ConditionsTest, areTakenWhileTheRecordingIsPreparedToo) {
+    lead(Case::preparing);
+    reportMuted();
+    EXPECT_EQ(ofMicrophone(), SourceCondition::muted);
+    scheduler.settle();
+    EXPECT_EQ(values().state.which(), Case::recording);
+    EXPECT_EQ(ofMicrophone(), SourceCondition::muted);
+}
+
+TEST_F(ConditionsTest, areIgnoredWhenNothingIsRecorded) {
+    for (const auto from : {Case::idle, Case::processing, Case::completed, Case::failed}) {
+        ViewModelWorld world;
+        world.lead(from);
+        world.recorder.condition(systemAudio, SourceCondition::silent);
+        world.scheduler.runMain();
+        EXPECT_EQ(world.values().systemAudioCondition, SourceCondition::delivering);
+        EXPECT_EQ(world.levels.condition(systemAudio), SourceCondition::delivering);
+    }
+}
+
+TEST_F(ConditionsTest, endWithTheRecording) {
+    lead(Case::recording);
+    reportMuted();
+    model->toggleRecording();
+    EXPECT_EQ(ofMicrophone(), SourceCondition::delivering);
+}
+
+TEST_F(ConditionsTest, endWithAStartThatFails) {
+    recorder.startError = failure("broken");
+    lead(Case::preparing);
+    reportMuted();
+    scheduler.settle();
+    EXPECT_EQ(values().state.which(), Case::failed);
+    EXPECT_EQ(ofMicrophone(), SourceCondition::delivering);
+}
+
+TEST_F(ConditionsTest, areToldOnlyWhenTheyBecomeOthers) {
+    lead(Case::recording);
+    int told = 0;
+    QObject::connect(&levels, &AudioLevelStore::conditionChanged, model.get(), [&] { ++told; });
+    reportMuted();
+    reportMuted();
+    EXPECT_EQ(told, 1);
+}
+
 } // namespace
 } // namespace vantoro::testing

@@ -261,6 +261,21 @@ TEST_F(AudioRecorderStop, levelsAreFreshInEveryRecording) {
     EXPECT_EQ(levels, 4) << "the clock stood still, yet the first buffers are published";
 }
 
+TEST_F(AudioRecorderStop, mutedMicrophoneIsToldOfOnTheCaptureQueue) {
+    std::vector<std::pair<AudioLevelSource, SourceCondition>> told;
+    recorder.onSourceCondition = [&](AudioLevelSource source, SourceCondition condition) {
+        EXPECT_TRUE(capture.queue->isCurrent());
+        told.emplace_back(source, condition);
+    };
+    startAndCapture(bothSources());
+    capture.muteMicrophone(true);
+    capture.muteMicrophone(false);
+    recorder.stop(1, 1);
+    EXPECT_EQ(told, (std::vector<std::pair<AudioLevelSource, SourceCondition>>{
+                        {AudioLevelSource::microphone, SourceCondition::muted},
+                        {AudioLevelSource::microphone, SourceCondition::delivering}}));
+}
+
 TEST_F(AudioRecorderStop, screenBuffersAreIgnored) {
     recorder.start(bothSources());
     capture.deliver(bufferAt(0), StreamOutputType::screen);

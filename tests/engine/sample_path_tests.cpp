@@ -25,7 +25,11 @@ protected:
     CaptureInterruptedCallback onInterrupted = [this](const std::exception_ptr& error) {
         interruptions.push_back(messageOf(error));
     };
-    SamplePath path{clock, onLevel, onInterrupted};
+    std::vector<SourceCondition> conditions;
+    SourceConditionCallback onCondition = [this](AudioLevelSource, SourceCondition condition) {
+        conditions.push_back(condition);
+    };
+    SamplePath path{clock, onLevel, onCondition, onInterrupted};
 
     void SetUp() override {
         auto writer = toolkit.makeWriter("/recordings/x.partial.mov");
@@ -167,6 +171,18 @@ TEST_F(SamplePathTest, finishMarksTheSystemsTrackThenTheMicrophonesThenFinishes)
     const std::vector<std::string> end(calls.end() - 3, calls.end());
     EXPECT_EQ(end, (std::vector<std::string>{"markAsFinished system", "markAsFinished microphone",
                                              "finishWriting"}));
+}
+
+TEST_F(SamplePathTest, silentOrMutedSourceIsToldOfAndForgottenWithTheRecording) {
+    for (std::int64_t frame = 0; frame <= 480000; frame += 4096) {
+        path.append(bufferAt(frame, 1, 4096, 0), microphone);
+    }
+    EXPECT_EQ(conditions, std::vector{SourceCondition::silent});
+    path.setMicrophoneMuted(true);
+    EXPECT_EQ(conditions.back(), SourceCondition::muted);
+    path.disarm();
+    path.setMicrophoneMuted(true);
+    EXPECT_EQ(conditions.size(), 3U);
 }
 
 } // namespace

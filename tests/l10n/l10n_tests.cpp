@@ -60,6 +60,32 @@ TEST(L10nTest, followsThePreferenceAtEachCall) {
     EXPECT_EQ(texts.recovered(1), "已恢复并保存一段此前中断的录音。");
 }
 
+TEST(L10nTest, saysWhatIsWrongWithASource) {
+    const auto english = preferencesIn("en");
+    const auto chinese = preferencesIn("zh-Hans");
+
+    struct Case {
+        SourceCondition condition;
+        const char* english;
+        const char* chinese;
+        const char* englishInShort;
+        const char* chineseInShort;
+    };
+
+    for (const auto& row : {
+             Case{SourceCondition::delivering, "", "", "", ""},
+             Case{SourceCondition::silent, "Nothing but silence for at least 10 seconds",
+                  "至少 10 秒没有任何声音", "only silence", "没有声音"},
+             Case{SourceCondition::muted, "Muted in the desktop's sound settings",
+                  "已在系统声音设置中静音", "muted", "已静音"},
+         }) {
+        EXPECT_EQ(L10n(english).condition(row.condition), row.english);
+        EXPECT_EQ(L10n(chinese).condition(row.condition), row.chinese);
+        EXPECT_EQ(L10n(english).conditionInShort(row.condition), row.englishInShort);
+        EXPECT_EQ(L10n(chinese).conditionInShort(row.condition), row.chineseInShort);
+    }
+}
+
 TEST(L10nTest, storesNothing) {
     const MemoryPreferences preferences;
     EXPECT_NE(L10n(preferences).text(Key::ok), "");

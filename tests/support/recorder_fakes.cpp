@@ -419,6 +419,11 @@ void FakeCaptureService::deliverLater(const SampleBuffer& buffer, StreamOutputTy
     queue->async([this, buffer, type] { receiver_->didOutputSampleBuffer(buffer, type); });
 }
 
+void FakeCaptureService::muteMicrophone(bool isMuted) {
+    receiver_->microphoneDidChangeMute(isMuted);
+    queue->sync([] {});
+}
+
 void FakeCaptureService::stopByItself(std::exception_ptr error) {
     receiver_->streamDidStop(std::move(error));
     queue->sync([] {});

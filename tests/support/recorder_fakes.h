@@ -213,6 +213,8 @@ public:
     void deliver(const SampleBuffer& buffer, StreamOutputType type);
     /// Returns at once, as the buffer queues behind what is there.
     void deliverLater(const SampleBuffer& buffer, StreamOutputType type);
+    /// Returns when it has been dealt with.
+    void muteMicrophone(bool isMuted);
     /// Returns when the stop has been dealt with.
     void stopByItself(std::exception_ptr error);
 

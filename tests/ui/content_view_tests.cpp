@@ -1,5 +1,6 @@
 #include "ui/content_view.h"
 
+#include <QtGui/QAccessible>
 #include <QtTest/QTest>
 #include <QtWidgets/QProgressBar>
 #include <QtWidgets/QSlider>
@@ -153,6 +154,28 @@ TEST_F(ContentViewTest, showsLevelsWhileRecordingOnly) {
     const auto fill = toneColour(Tone::systemAudio, bar->palette()).rgb();
     EXPECT_EQ(image.pixel(37, 3), fill);
     EXPECT_NE(image.pixel(38, 3), fill);
+}
+
+TEST_F(ContentViewTest, meterOfASourceThatGivesNothingSaysSo) {
+    showIn(Case::recording);
+    reportLevel(AudioLevelSource::microphone, 0.5F);
+    auto* const bar = find<LevelBar>("Mic");
+    ASSERT_NE(bar, nullptr);
+    const QSize sizeBefore = bar->parentWidget()->size();
+    recorder.condition(AudioLevelSource::microphone, SourceCondition::muted);
+    scheduler.runMain();
+    const QString muted = "Muted in the desktop's sound settings";
+    EXPECT_EQ(bar->parentWidget()->toolTip(), muted);
+    EXPECT_EQ(QAccessible::queryAccessibleInterface(bar)->text(QAccessible::Description), muted);
+    EXPECT_TRUE(isSeen("!"));
+    EXPECT_FALSE(isSeen("50%"));
+    QCoreApplication::sendPostedEvents();
+    EXPECT_EQ(bar->parentWidget()->size(), sizeBefore);
+    EXPECT_EQ(find<LevelBar>("System")->parentWidget()->toolTip(), QString());
+    recorder.condition(AudioLevelSource::microphone, SourceCondition::delivering);
+    scheduler.runMain();
+    EXPECT_EQ(bar->parentWidget()->toolTip(), QString());
+    EXPECT_TRUE(isSeen("50%"));
 }
 
 TEST_F(ContentViewTest, showsAndSetsVolumes) {

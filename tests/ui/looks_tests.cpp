@@ -21,6 +21,7 @@ struct Scene {
     bool allowed = true;
     AuthorizationStatus microphone = AuthorizationStatus::authorized;
     bool hasMicrophones = true;
+    SourceCondition microphoneCondition = SourceCondition::delivering;
 };
 
 const std::vector<Scene> scenes{
@@ -33,6 +34,7 @@ const std::vector<Scene> scenes{
     {.name = "denied", .allowed = false, .microphone = AuthorizationStatus::denied},
     {.name = "undetermined", .microphone = AuthorizationStatus::notDetermined},
     {.name = "no-microphone", .hasMicrophones = false},
+    {.name = "muted", .state = Case::recording, .microphoneCondition = SourceCondition::muted},
 };
 
 QPalette darkPalette() {
@@ -151,6 +153,11 @@ protected:
         if (scene.state == Case::recording) {
             reportLevel(AudioLevelSource::systemAudio, 0.62F);
             reportLevel(AudioLevelSource::microphone, 0.31F);
+        }
+        if (scene.microphoneCondition != SourceCondition::delivering) {
+            reportLevel(AudioLevelSource::microphone, 0);
+            recorder.condition(AudioLevelSource::microphone, scene.microphoneCondition);
+            scheduler.runMain();
         }
     }
 

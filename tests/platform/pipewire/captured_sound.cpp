@@ -48,6 +48,12 @@ void CapturedSound::didOutputSampleBuffer(const SampleBuffer& buffer, StreamOutp
     changed_.notify_all();
 }
 
+void CapturedSound::microphoneDidChangeMute(bool isMuted) {
+    const std::lock_guard lock(mutex_);
+    mutes_.push_back(isMuted);
+    changed_.notify_all();
+}
+
 void CapturedSound::streamDidStop(std::exception_ptr error) {
     const std::lock_guard lock(mutex_);
     try {
@@ -71,6 +77,11 @@ DeliveredTrack CapturedSound::microphone() const {
 std::int64_t CapturedSound::largestLead() const {
     const std::lock_guard lock(mutex_);
     return largestLead_;
+}
+
+std::vector<bool> CapturedSound::mutes() const {
+    const std::lock_guard lock(mutex_);
+    return mutes_;
 }
 
 std::vector<std::string> CapturedSound::stops() const {

@@ -29,6 +29,7 @@ class CapturedSound final : public CaptureStreamReceiver {
 public:
     void didOutputSampleBuffer(const SampleBuffer& buffer, StreamOutputType type) override;
     void streamDidStop(std::exception_ptr error) override;
+    void microphoneDidChangeMute(bool isMuted) override;
 
     DeliveredTrack audio() const;
     DeliveredTrack microphone() const;
@@ -36,6 +37,8 @@ public:
     std::int64_t largestLead() const;
     /// Texts of all the errors that the stream stopped with.
     std::vector<std::string> stops() const;
+    /// As the stream told.
+    std::vector<bool> mutes() const;
 
     /// Waits until the condition, looked at after each buffer, holds. False when it never does.
     bool waitUntil(const std::function<bool()>& condition, std::chrono::seconds limit);
@@ -51,6 +54,7 @@ private:
     DeliveredTrack microphone_;
     std::int64_t largestLead_ = 0;
     std::vector<std::string> stops_;
+    std::vector<bool> mutes_;
 };
 
 /// The amplitude of one frequency in samples of 48 kHz.

@@ -1,0 +1,52 @@
+#include "engine/source_watch.h"
+
+#include <algorithm>
+#include <variant>
+
+namespace vantoro {
+
+namespace {
+
+bool isDigitalSilence(const PcmSamples& samples) {
+    return std::visit(
+        [](const auto& values) {
+            return std::ranges::all_of(values, [](auto sample) { return sample == 0; });
+        },
+        samples);
+}
+
+} // namespace
+
+void SourceWatch::observe(const SampleBuffer& buffer, AudioLevelSource source,
+                          const SourceConditionCallback& callback) {
+    if (!buffer.format || !(buffer.format->sampleRate > 0)) {
+        return;
+    }
+    Source& watched = at(source);
+    watched.silentFrames =
+        isDigitalSilence(buffer.samples) ? watched.silentFrames + buffer.frameCount : 0;
+    watched.isSilent =
+        static_cast<double>(watched.silentFrames) >= noticed * buffer.format->sampleRate;
+    tell(source, callback);
+}
+
+void SourceWatch::setMuted(AudioLevelSource source, bool isMuted,
+                           const SourceConditionCallback& callback) {
+    at(source).isMuted = isMuted;
+    tell(source, callback);
+}
+
+void SourceWatch::tell(AudioLevelSource source, const SourceConditionCallback& callback) {
+    Source& watched = at(source);
+    const auto condition = watched.isMuted    ? SourceCondition::muted
+                           : watched.isSilent ? SourceCondition::silent
+                                              : SourceCondition::delivering;
+    if (condition != watched.told) {
+        watched.told = condition;
+        if (callback) {
+            callback(source, condition);
+        }
+    }
+}
+
+} // namespace vantoro
