@@ -5,6 +5,8 @@
 #include <optional>
 #include <string>
 
+#include "platform/pipewire/mixer_setting.h"
+
 namespace vantoro::pipewire {
 
 using ObjectId = std::uint32_t;
@@ -24,6 +26,7 @@ struct Node {
     std::optional<ObjectId> client;
     bool autoconnect = false;
     bool markedAsOwn = false;
+    MixerSetting mixer; ///< of microphones only
 
     friend bool operator==(const Node&, const Node&) = default;
 };
@@ -50,7 +53,10 @@ struct Graph {
     std::map<ObjectId, std::string> targets;         ///< where the user moved a stream to
     std::string defaultOutput;
     std::string defaultMicrophone;
-    bool mayExecute = false; ///< what we are permitted on the server's core
+    /// What the two are told by, where it is a session manager that tells them.
+    std::optional<ObjectId> defaultsOfSessionManager;
+    std::string serverVersion; ///< empty until the server has told
+    bool mayExecute = false;   ///< what we are permitted on the server's core
     bool canMakeLinks = false;
 };
 

@@ -40,6 +40,13 @@ ObjectId number(const Properties& properties, const char* key) {
 
 } // namespace
 
+const pw_core_events GraphMirror::coreEvents = [] {
+    pw_core_events events{};
+    events.version = PW_VERSION_CORE_EVENTS;
+    events.info = coreInfo;
+    return events;
+}();
+
 const pw_registry_events GraphMirror::registryEvents = [] {
     pw_registry_events events{};
     events.version = PW_VERSION_REGISTRY_EVENTS;
@@ -52,6 +59,7 @@ const pw_node_events GraphMirror::nodeEvents = [] {
     pw_node_events events{};
     events.version = PW_VERSION_NODE_EVENTS;
     events.info = nodeInfo;
+    events.param = nodeParameter;
     return events;
 }();
 
@@ -64,6 +72,7 @@ const pw_metadata_events GraphMirror::metadataEvents = [] {
 
 GraphMirror::GraphMirror(pw_core* core, std::function<void()> changed)
     : changed_(std::move(changed)) {
+    listen(core, coreHook_.get(), coreEvents, this);
     auto* const registry = pw_core_get_registry(core, PW_VERSION_REGISTRY, 0);
     registry_.reset(reinterpret_cast<pw_proxy*>(registry));
     listen(registry, registryHook_.get(), registryEvents, this);
@@ -98,20 +107,21 @@ void GraphMirror::addObject(ObjectId id, std::uint32_t permissions, const std::s
         addLink(id, properties);
     } else if (type == PW_TYPE_INTERFACE_Metadata &&
                text(properties, "metadata.name") == "default") {
-        if (Bound* const metadata = bind(id, PW_TYPE_INTERFACE_Metadata, PW_VERSION_METADATA)) {
-            listen(reinterpret_cast<pw_metadata*>(metadata->proxy.get()), metadata->hook.get(),
-                   metadataEvents, metadata);
-        }
+        addMetadata(id, properties);
     }
 }
 
 void GraphMirror::addNode(ObjectId id, const Properties& properties) {
     Node node;
     readProperties(node, properties);
-    // Which group it belongs to and where it wants to go, only the node itself tells.
-    if (isPlaybackStream(node) || isOutput(node)) {
+    // Which group it belongs to, where it wants to go and how loud it is, only the node itself
+    // tells.
+    if (isPlaybackStream(node) || isOutput(node) || isMicrophone(node)) {
         if (Bound* const bound = bind(id, PW_TYPE_INTERFACE_Node, PW_VERSION_NODE)) {
             pw_proxy_add_object_listener(bound->proxy.get(), bound->hook.get(), &nodeEvents, bound);
+            if (isMicrophone(node)) {
+                subscribe(reinterpret_cast<pw_node*>(bound->proxy.get()), SPA_PARAM_Props);
+            }
         }
     }
     graph_.nodes.insert_or_assign(id, std::move(node));
@@ -133,7 +143,21 @@ void GraphMirror::addLink(ObjectId id, const Properties& properties) {
                                            .inputNode = number(properties, "link.input.node")});
 }
 
+void GraphMirror::addMetadata(ObjectId id, const Properties& properties) {
+    // A server that runs without a session manager may have made one itself.
+    if (number(properties, "client.id") != SPA_ID_INVALID) {
+        graph_.defaultsOfSessionManager = id;
+    }
+    if (Bound* const metadata = bind(id, PW_TYPE_INTERFACE_Metadata, PW_VERSION_METADATA)) {
+        listen(reinterpret_cast<pw_metadata*>(metadata->proxy.get()), metadata->hook.get(),
+               metadataEvents, metadata);
+    }
+}
+
 void GraphMirror::removeObject(ObjectId id) {
+    if (graph_.defaultsOfSessionManager == id) {
+        graph_.defaultsOfSessionManager.reset();
+    }
     bound_.erase(id);
     graph_.nodes.erase(id);
     graph_.ports.erase(id);
@@ -175,6 +199,11 @@ void GraphMirror::globalRemoved(void* data, std::uint32_t id) {
     self.changed_();
 }
 
+void GraphMirror::coreInfo(void* data, const pw_core_info* info) {
+    auto& self = *static_cast<GraphMirror*>(data);
+    self.graph_.serverVersion = info->version != nullptr ? info->version : "";
+}
+
 void GraphMirror::nodeInfo(void* data, const pw_node_info* info) {
     const auto& bound = *static_cast<Bound*>(data);
     const auto node = bound.mirror.graph_.nodes.find(bound.id);
@@ -185,6 +214,21 @@ void GraphMirror::nodeInfo(void* data, const pw_node_info* info) {
     const Node before = node->second;
     readProperties(node->second, propertiesOf(info->props));
     if (node->second != before) {
+        bound.mirror.changed_();
+    }
+}
+
+void GraphMirror::nodeParameter(void* data, int /*sequence*/, std::uint32_t id,
+                                std::uint32_t /*index*/, std::uint32_t /*next*/,
+                                const spa_pod* parameter) {
+    const auto& bound = *static_cast<Bound*>(data);
+    const auto node = bound.mirror.graph_.nodes.find(bound.id);
+    if (id != SPA_PARAM_Props || node == bound.mirror.graph_.nodes.end()) {
+        return;
+    }
+    const auto before = node->second.mixer;
+    readMixerSetting(node->second.mixer, parameter);
+    if (node->second.mixer != before) {
         bound.mirror.changed_();
     }
 }

@@ -43,21 +43,27 @@ private:
     void addLink(ObjectId id, const Properties& properties);
     void removeObject(ObjectId id);
     Bound* bind(ObjectId id, const char* type, std::uint32_t version);
+    void addMetadata(ObjectId id, const Properties& properties);
     void setMetadata(ObjectId subject, const char* key, const char* value);
 
     static void globalAdded(void* data, std::uint32_t id, std::uint32_t permissions,
                             const char* type, std::uint32_t version, const spa_dict* properties);
     static void globalRemoved(void* data, std::uint32_t id);
+    static void coreInfo(void* data, const pw_core_info* info);
     static void nodeInfo(void* data, const pw_node_info* info);
+    static void nodeParameter(void* data, int sequence, std::uint32_t id, std::uint32_t index,
+                              std::uint32_t next, const spa_pod* parameter);
     static int metadataProperty(void* data, std::uint32_t subject, const char* key,
                                 const char* type, const char* value);
 
+    static const pw_core_events coreEvents;
     static const pw_registry_events registryEvents;
     static const pw_node_events nodeEvents;
     static const pw_metadata_events metadataEvents;
 
     std::function<void()> changed_;
     Graph graph_;
+    Hook coreHook_;
     ProxyPointer registry_;
     Hook registryHook_;
     std::map<ObjectId, std::unique_ptr<Bound>> bound_;

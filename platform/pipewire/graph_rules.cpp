@@ -172,6 +172,10 @@ std::set<ObjectId> outputs(const Graph& graph) {
     return result;
 }
 
+bool mayCapture(const Graph& graph) {
+    return graph.mayExecute && graph.canMakeLinks;
+}
+
 std::vector<AudioInputDevice> microphones(const Graph& graph) {
     std::vector<AudioInputDevice> result;
     for (const auto& [id, node] : graph.nodes) {

@@ -53,6 +53,9 @@ std::optional<ObjectId> outputOf(ObjectId stream, const Graph& graph);
 std::set<PortLink> wantedLinks(const Graph& graph, const Self& self, const OwnNodes& own,
                                bool excludesOwnSound);
 
+/// Whether the server lets us use it, and link to what is played.
+bool mayCapture(const Graph& graph);
+
 /// The outputs that need a tap.
 std::set<ObjectId> outputs(const Graph& graph);
 

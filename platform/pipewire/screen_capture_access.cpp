@@ -1,12 +1,13 @@
 #include "platform/pipewire/screen_capture_access.h"
 
 #include "platform/pipewire/graph_query.h"
+#include "platform/pipewire/graph_rules.h"
 
 namespace vantoro::pipewire {
 
 bool ScreenCaptureAccess::preflight() {
     const auto graph = queryGraph();
-    return graph && graph->mayExecute && graph->canMakeLinks;
+    return graph && mayCapture(*graph);
 }
 
 bool ScreenCaptureAccess::request() {

@@ -31,6 +31,12 @@ inline void listen(pw_metadata* metadata, spa_hook* hook, const pw_metadata_even
     pw_metadata_add_listener(metadata, hook, &events, data);
 }
 
+/// The server tells the node's parameters of this kind now, and again whenever they change; where
+/// it cannot be asked, never.
+inline void subscribe(pw_node* node, std::uint32_t kind) {
+    static_cast<void>(pw_node_subscribe_params(node, &kind, 1));
+}
+
 /// The server answers with the number returned.
 inline int sync(pw_core* core) {
     return pw_core_sync(core, PW_ID_CORE, 0);

@@ -1,0 +1,35 @@
+#include "platform/pipewire/sound_survey.h"
+
+#include <pipewire/pipewire.h>
+
+#include "platform/pipewire/graph_query.h"
+#include "platform/pipewire/graph_rules.h"
+
+namespace vantoro::pipewire {
+
+SoundSurvey surveyOf(const Graph& graph) {
+    SoundSurvey survey{.serverVersion = graph.serverVersion,
+                       .mayCapture = mayCapture(graph),
+                       .hasSessionManager = graph.defaultsOfSessionManager.has_value(),
+                       .outputs = outputs(graph).size(),
+                       .microphones = {}};
+    for (auto& device : microphones(graph)) {
+        const auto node = findMicrophone(graph, device.id);
+        survey.microphones.push_back(
+            {.device = device,
+             .isDefault = device.id == graph.defaultMicrophone,
+             .mixer = node ? graph.nodes.at(*node).mixer : MixerSetting()});
+    }
+    return survey;
+}
+
+std::optional<SoundSurvey> surveySound() {
+    const auto graph = queryGraph();
+    return graph ? std::optional(surveyOf(*graph)) : std::nullopt;
+}
+
+std::string soundLibraryVersion() {
+    return pw_get_library_version();
+}
+
+} // namespace vantoro::pipewire

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "engine/recording_types.h"
+#include "platform/pipewire/graph.h"
+#include "platform/pipewire/mixer_setting.h"
+
+namespace vantoro::pipewire {
+
+/// A microphone as a user who looks for a fault wants to know it.
+struct SurveyedMicrophone {
+    AudioInputDevice device;
+    bool isDefault = false;
+    MixerSetting mixer;
+
+    friend bool operator==(const SurveyedMicrophone&, const SurveyedMicrophone&) = default;
+};
+
+/// What recording finds at the sound server.
+struct SoundSurvey {
+    std::string serverVersion;      ///< empty where the server has not told
+    bool mayCapture = false;        ///< streams may be seen, and links to them made
+    bool hasSessionManager = false; ///< without one nothing gets linked
+    std::size_t outputs = 0;
+    std::vector<SurveyedMicrophone> microphones; ///< in the order in which the server lists them
+
+    friend bool operator==(const SoundSurvey&, const SoundSurvey&) = default;
+};
+
+SoundSurvey surveyOf(const Graph& graph);
+
+/// At this moment; nothing when the sound server is not there, or has not answered within 2
+/// seconds. Task threads, and the main thread.
+std::optional<SoundSurvey> surveySound();
+
+/// Of the sound server's library that this program runs with.
+std::string soundLibraryVersion();
+
+} // namespace vantoro::pipewire
