@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <cctype>
 #include <exception>
+#include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "engine/file_names.h"
 #include "engine/track_mixing.h"
@@ -28,6 +30,24 @@ void exportRecoveredAsset(const SalvagePlatform& platform, Asset& asset,
     mixTracks(platform.mediaToolkit, platform.fileSystem, asset, destination, fullVolume, progress);
 }
 
+/// Null where it holds no sound. Throws where it cannot be read.
+std::unique_ptr<Asset> openUnlessSilent(MediaToolkit& mediaToolkit,
+                                        const std::filesystem::path& candidate) {
+    auto asset = mediaToolkit.openAsset(candidate);
+    const MediaTime duration = asset->duration();
+    return duration.isValid() && zeroTime < duration ? std::move(asset) : nullptr;
+}
+
+bool isToBeRecovered(MediaToolkit& mediaToolkit, FileSystem& fileSystem,
+                     const std::filesystem::path& candidate) {
+    try {
+        const auto lock = fileSystem.lock(candidate);
+        return lock && openUnlessSilent(mediaToolkit, candidate);
+    } catch (const std::exception&) {
+        return false;
+    }
+}
+
 /// The final file; nothing when the candidate is to stay. Throws what made the attempt fail.
 std::optional<std::filesystem::path> recover(const SalvagePlatform& platform,
                                              const std::filesystem::path& candidate,
@@ -37,9 +57,8 @@ std::optional<std::filesystem::path> recover(const SalvagePlatform& platform,
     if (!lock) {
         return std::nullopt; // still being recorded, or salvaged by somebody else
     }
-    const auto asset = platform.mediaToolkit.openAsset(candidate);
-    const MediaTime duration = asset->duration();
-    if (!duration.isValid() || !(zeroTime < duration)) {
+    const auto asset = openUnlessSilent(platform.mediaToolkit, candidate);
+    if (!asset) {
         return std::nullopt;
     }
     auto destination =
@@ -81,6 +100,14 @@ std::vector<std::filesystem::path> incompleteRecordings(std::vector<FolderEntry>
     std::vector<std::filesystem::path> files;
     std::ranges::transform(listing, std::back_inserter(files), &FolderEntry::path);
     return files;
+}
+
+std::size_t recordingsToRecover(MediaToolkit& mediaToolkit, FileSystem& fileSystem,
+                                const std::filesystem::path& folder) {
+    const auto candidates = incompleteRecordings(listOrNothing(fileSystem, folder));
+    return static_cast<std::size_t>(std::ranges::count_if(candidates, [&](const auto& candidate) {
+        return isToBeRecovered(mediaToolkit, fileSystem, candidate);
+    }));
 }
 
 std::vector<std::filesystem::path> recoverIncompleteRecordings(const SalvagePlatform& platform,

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <filesystem>
 #include <stop_token>
 #include <vector>
@@ -23,6 +24,12 @@ bool isIncompleteRecording(const std::filesystem::path& file);
 /// The recordings in a listing that were not finished: the one that was written to least recently
 /// comes first, those of which that is not known before all others.
 std::vector<std::filesystem::path> incompleteRecordings(std::vector<FolderEntry> listing);
+
+/// How many recordings in the folder `recoverIncompleteRecordings` has to finish: unfinished ones
+/// that hold sound, and that no recorder has in use. Blocks; task threads only. Never throws: what
+/// cannot be read does not count.
+std::size_t recordingsToRecover(MediaToolkit& mediaToolkit, FileSystem& fileSystem,
+                                const std::filesystem::path& folder);
 
 /// Makes a final file of each unfinished recording in the folder, every track at full volume, and
 /// then deletes what it was made from. Returns the final files in the order in which they were

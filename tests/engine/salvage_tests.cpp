@@ -42,6 +42,8 @@ protected:
         return fileSystem.entries.contains("/r/" + name);
     }
 
+    std::size_t waiting() { return recordingsToRecover(toolkit, fileSystem, "/r"); }
+
     /// Nothing was made, and all that was there still is.
     void expectUntouched() {
         const auto before = fileSystem.entries;
@@ -206,6 +208,33 @@ TEST_F(SalvageTest, stopDuringAnExportRemovesItsFileAndKeepsTheRecording) {
     toolkit.exporting.duringExport = [this] { stop.request_stop(); };
     expectUntouched();
     EXPECT_EQ(log.startingWith("export").size(), 1U);
+}
+
+TEST_F(SalvageTest, recordingsThatWaitAreCountedAndLeftAlone) {
+    EXPECT_EQ(waiting(), 0U);
+    put("a.partial.mov", daysAgo(2));
+    put("b.partial.MOV", daysAgo(1));
+    put("c.mov", daysAgo(1));
+    const auto before = fileSystem.entries;
+    EXPECT_EQ(waiting(), 2U);
+    EXPECT_EQ(fileSystem.entries, before);
+}
+
+TEST_F(SalvageTest, recordingInUseDoesNotWait) {
+    put("a.partial.mov", daysAgo(1));
+    fileSystem.locked.insert("/r/a.partial.mov");
+    EXPECT_EQ(waiting(), 0U);
+    EXPECT_TRUE(log.startingWith("openAsset").empty());
+}
+
+TEST_F(SalvageTest, whatCannotBecomeARecordingDoesNotWait) {
+    put("a.partial.mov", daysAgo(1));
+    toolkit.exporting.duration = zeroTime;
+    EXPECT_EQ(waiting(), 0U);
+    toolkit.exporting.openError = std::make_exception_ptr(std::runtime_error("no"));
+    EXPECT_EQ(waiting(), 0U);
+    fileSystem.listError = std::make_exception_ptr(std::runtime_error("no"));
+    EXPECT_EQ(waiting(), 0U);
 }
 
 } // namespace
