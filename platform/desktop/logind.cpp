@@ -7,11 +7,18 @@ namespace vantoro::desktop {
 namespace {
 
 const std::string busService = "org.freedesktop.DBus";
-const std::string service = "org.freedesktop.login1";
+const std::string service = loginManagerService;
 const std::string path = "/org/freedesktop/login1";
 const std::string manager = "org.freedesktop.login1.Manager";
 
 } // namespace
+
+bool askToInhibit(BusConnection& systemBus, const std::string& owner, const LogindInhibitor& wanted,
+                  BusConnection::Receive answered) {
+    return systemBus.call(
+        {.service = owner, .path = path, .interface = manager, .member = "Inhibit"},
+        {wanted.what, "Vantoro", wanted.reason, wanted.mode}, std::move(answered));
+}
 
 Logind::Logind(BusConnection& systemBus, std::function<void(bool)> prepareForSleep)
     : bus_(systemBus) {
@@ -83,14 +90,13 @@ void Logind::take(const std::shared_ptr<LogindInhibitor>& inhibitor) {
     if (owner_.empty()) {
         return;
     }
-    bus_.call({.service = owner_, .path = path, .interface = manager, .member = "Inhibit"},
-              {inhibitor->what, "Vantoro", inhibitor->reason, inhibitor->mode},
-              [this, wanted = std::weak_ptr(inhibitor)](BusMessage& reply) {
-                  const auto taken = wanted.lock(); // otherwise the lock ends with the reply
-                  if (taken && !reply.isError() && reply.sender() == owner_) {
-                      taken->lock = reply.readDescriptor();
-                  }
-              });
+    askToInhibit(bus_, owner_, *inhibitor,
+                 [this, wanted = std::weak_ptr(inhibitor)](BusMessage& reply) {
+                     const auto taken = wanted.lock(); // otherwise the lock ends with the reply
+                     if (taken && !reply.isError() && reply.sender() == owner_) {
+                         taken->lock = reply.readDescriptor();
+                     }
+                 });
 }
 
 } // namespace vantoro::desktop

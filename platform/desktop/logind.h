@@ -21,6 +21,13 @@ struct LogindInhibitor {
     std::optional<QDBusUnixFileDescriptor> lock; ///< in force for as long as it is open
 };
 
+constexpr const char* loginManagerService = "org.freedesktop.login1";
+
+/// Asks whichever process is the login manager, by its own name on the bus, for what is to be put
+/// off: its answer holds the lock, which ends with it unless it is kept. False without a bus.
+bool askToInhibit(BusConnection& systemBus, const std::string& owner, const LogindInhibitor& wanted,
+                  BusConnection::Receive answered);
+
 /// The login manager of the system, whichever process is it at the moment; where there is none it
 /// may come yet. Main thread.
 class Logind {

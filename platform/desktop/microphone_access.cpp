@@ -8,6 +8,19 @@
 
 namespace vantoro::desktop {
 
+MicrophoneFacts microphoneFacts(const QDBusConnection& sessionBus,
+                                const std::filesystem::path& sandboxDescription,
+                                std::chrono::milliseconds limit) {
+    MicrophoneFacts facts;
+    facts.disabledBySettings = microphoneDisabledBySettings();
+    facts.disabledByPortal = microphoneDisabledByPortal(sessionBus, limit);
+    if (const auto applicationID = sandboxedApplicationID(sandboxDescription)) {
+        facts.sandboxed = true;
+        facts.stored = storedMicrophonePermission(sessionBus, *applicationID, limit);
+    }
+    return facts;
+}
+
 DesktopMicrophoneAccess::DesktopMicrophoneAccess(std::function<bool()> openMicrophone,
                                                  std::function<bool()> chosenSourceIsHidden,
                                                  SessionBus sessionBus,
@@ -20,14 +33,7 @@ DesktopMicrophoneAccess::DesktopMicrophoneAccess(std::function<bool()> openMicro
       limit_(limit) {}
 
 AuthorizationStatus DesktopMicrophoneAccess::status() {
-    MicrophoneFacts facts;
-    facts.disabledBySettings = microphoneDisabledBySettings();
-    const auto bus = sessionBus_();
-    facts.disabledByPortal = microphoneDisabledByPortal(bus, limit_);
-    if (const auto applicationID = sandboxedApplicationID(sandboxDescription_)) {
-        facts.sandboxed = true;
-        facts.stored = storedMicrophonePermission(bus, *applicationID, limit_);
-    }
+    auto facts = microphoneFacts(sessionBus_(), sandboxDescription_, limit_);
     facts.chosenSourceHidden = chosenSourceIsHidden_();
     return microphoneAuthorization(facts);
 }

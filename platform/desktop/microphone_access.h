@@ -10,6 +10,16 @@
 
 namespace vantoro::desktop {
 
+/// Where a sandbox describes itself to the programs in it.
+constexpr const char* standardSandboxDescription = "/.flatpak-info";
+
+/// All that decides whether a microphone may be recorded, as it is now, but for whether it is
+/// hidden. Any thread; takes two limits at most.
+MicrophoneFacts
+microphoneFacts(const QDBusConnection& sessionBus,
+                const std::filesystem::path& sandboxDescription = standardSandboxDescription,
+                std::chrono::milliseconds limit = answerLimit);
+
 /// What the desktop says about recording a microphone, read anew at each call. Any thread; takes
 /// two limits at most, about a second, when the desktop's services do not answer, beside what the
 /// two functions given to it take.
@@ -21,7 +31,7 @@ public:
     DesktopMicrophoneAccess(std::function<bool()> openMicrophone,
                             std::function<bool()> chosenSourceIsHidden,
                             SessionBus sessionBus = &QDBusConnection::sessionBus,
-                            std::filesystem::path sandboxDescription = "/.flatpak-info",
+                            std::filesystem::path sandboxDescription = standardSandboxDescription,
                             std::chrono::milliseconds limit = answerLimit);
 
     AuthorizationStatus status() override;
