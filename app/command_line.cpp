@@ -17,6 +17,7 @@ Commands:
   record     Record until Ctrl+C, then print the place of the final file.
   devices    List the microphones: "*" marks the default; identifier, tab, name.
   recover    Finish recordings that were interrupted, and print the final files' places.
+  doctor     Say what recording finds on this machine, and what to do about what is wrong.
 
 Options of record:
   --seconds N               Stop after N seconds.
@@ -31,11 +32,14 @@ Options of record:
 Option of recover:
   --folder DIR              Look in this folder.
 
+Option of doctor:
+  --language zh-Hans|en     Language of the report.
+
 Options:
   -h, --help                Print this help.
   -v, --version             Print the version.
 
-Exit status: 0 saved, 1 failed, 2 wrong usage.
+Exit status: 0 saved, 1 failed, 2 wrong usage. Of doctor: 0 nothing is wrong, 1 something is.
 )");
 
 const QString seconds = QStringLiteral("seconds");
@@ -117,6 +121,13 @@ RecoverCommand parseRecover(const QStringList& arguments) {
     return {folderOf(parser)};
 }
 
+DoctorCommand parseDoctor(const QStringList& arguments) {
+    QCommandLineParser parser;
+    parser.addOption({language, QString(), QStringLiteral("value")});
+    parse(parser, arguments);
+    return {languageOption(parser)};
+}
+
 RecordCommand parseRecord(const QStringList& arguments) {
     QCommandLineParser parser;
     for (const QString& withValue :
@@ -154,6 +165,9 @@ Command parseOrThrow(const QStringList& arguments) {
     }
     if (first == QStringLiteral("recover")) {
         return parseRecover(others);
+    }
+    if (first == QStringLiteral("doctor")) {
+        return parseDoctor(others);
     }
     QCommandLineParser parser;
     if (first == QStringLiteral("devices")) {

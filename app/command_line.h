@@ -34,6 +34,12 @@ struct RecoverCommand {
     friend bool operator==(const RecoverCommand&, const RecoverCommand&) = default;
 };
 
+struct DoctorCommand {
+    std::optional<AppLanguage> language; ///< of the report; absent: the user's
+
+    friend bool operator==(const DoctorCommand&, const DoctorCommand&) = default;
+};
+
 /// Print this text on standard output, and that is all.
 struct PrintCommand {
     std::string text;
@@ -48,8 +54,8 @@ struct UsageError {
     friend bool operator==(const UsageError&, const UsageError&) = default;
 };
 
-using Command =
-    std::variant<RecordCommand, DevicesCommand, RecoverCommand, PrintCommand, UsageError>;
+using Command = std::variant<RecordCommand, DevicesCommand, RecoverCommand, DoctorCommand,
+                             PrintCommand, UsageError>;
 
 /// `arguments` without the program's own name.
 Command parseCommandLine(const QStringList& arguments);

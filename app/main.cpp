@@ -7,6 +7,7 @@
 
 #include "app/command_line.h"
 #include "app/devices_command.h"
+#include "app/doctor_command.h"
 #include "app/preferences_for_one_run.h"
 #include "app/record_command.h"
 #include "app/recording_platform.h"
@@ -67,6 +68,13 @@ public:
         const SettingsFile preferences;
         return runRecoverCommand(command, recordingFolderOf(preferences),
                                  {mediaToolkit, fileSystem, clock}, signals_, L10n(preferences));
+    }
+
+    int operator()(const DoctorCommand& command) const {
+        const SettingsFile preferences;
+        const auto report = doctorReport(examine(recordingFolderOf(preferences)),
+                                         command.language.value_or(L10n(preferences).language()));
+        return print(report.text) && report.isAllWell ? 0 : 1;
     }
 
     int operator()(const RecordCommand& command) const {

@@ -45,10 +45,12 @@ TEST(CommandLine, emptyMicrophoneIdentifierIsTakenAsItStands) {
     EXPECT_EQ(parsed("record --microphone="), Command(expected));
 }
 
-TEST(CommandLine, devicesAndVersionAndHelp) {
+TEST(CommandLine, otherCommandsAndVersionAndHelp) {
     EXPECT_EQ(parsed("devices"), Command(DevicesCommand{}));
     EXPECT_EQ(parsed("recover"), Command(RecoverCommand{}));
     EXPECT_EQ(parsed("recover --folder /r"), Command(RecoverCommand{"/r"}));
+    EXPECT_EQ(parsed("doctor"), Command(DoctorCommand{}));
+    EXPECT_EQ(parsed("doctor --language zh-Hans"), Command(DoctorCommand{AppLanguage::chinese}));
     EXPECT_TRUE(std::get<PrintCommand>(parsed("--version")).text.starts_with("vantoro "));
     EXPECT_TRUE(std::get<PrintCommand>(parsed("--help")).text.starts_with("Usage: vantoro "));
     EXPECT_TRUE(
@@ -72,6 +74,9 @@ TEST(CommandLine, whatMakesNoSenseIsOneLineThatSaysWhy) {
         {"record --seconds=-1", "--seconds takes a number above 0, not \"-1\"."},
         {"record --seconds nan", "--seconds takes a number above 0, not \"nan\"."},
         {"record --seconds inf", "--seconds takes a number above 0, not \"inf\"."},
+        {"doctor now", "\"now\" is one word too many."},
+        {"doctor --folder x", "Unknown option 'folder'."},
+        {"doctor --language=", "--language takes zh-Hans or en, not \"\"."},
         {"record --language fr", "--language takes zh-Hans or en, not \"fr\"."},
         {"record --system-volume loud",
          "--system-volume takes a number that is 0 or more, not \"loud\"."},

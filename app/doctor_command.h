@@ -1,0 +1,14 @@
+#pragma once
+
+#include <filesystem>
+
+#include "app/doctor_report.h"
+
+namespace vantoro {
+
+/// Asks everything that recording into this folder depends on: a few seconds at most, since whoever
+/// does not answer in time is not waited for. Main thread, where the application's event loop is
+/// not yet running.
+DoctorFindings examine(const std::filesystem::path& recordingFolder);
+
+} // namespace vantoro

@@ -1,0 +1,87 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "l10n/app_language.h"
+
+namespace vantoro {
+
+/// What the command that looks for faults says: a line for each finding, and what to do about those
+/// that are problems (…Advice).
+enum class DoctorText : std::uint8_t {
+    nothingIsWrong,
+    whatToDo,
+    soundServer,
+    soundServerUnreachable,
+    soundServerAdvice,
+    sessionManager,
+    sessionManagerMissing,
+    sessionManagerAdvice,
+    systemAudioAllowed,
+    systemAudioRefused,
+    systemAudioAdvice,
+    systemAudioSandboxAdvice,
+    outputs,
+    outputsMissing,
+    outputsAdvice,
+    microphone,
+    microphoneDefault,
+    microphoneMuted,
+    microphoneMutedAdvice,
+    microphoneAtZero,
+    microphoneAtZeroAdvice,
+    microphoneMissing,
+    microphoneMissingAdvice,
+    defaultMicrophoneMissing,
+    defaultMicrophoneAdvice,
+    permissionNotForbidden,
+    permissionGranted,
+    permissionUndecided,
+    permissionDisabledBySettings,
+    permissionDisabledByLockdown,
+    permissionSettingsAdvice,
+    permissionRefused,
+    permissionRefusedAdvice,
+    permissionUnknown,
+    sessionBusMissing,
+    sessionBusMissingAdvice,
+    sessionBusSilent,
+    desktopSilentAdvice,
+    statusArea,
+    statusAreaMissing,
+    statusAreaAdvice,
+    statusAreaUnknown,
+    portal,
+    portalMissing,
+    portalAdvice,
+    portalUnknown,
+    sleepDelay,
+    sleepDelayRefused,
+    sleepDelayRefusedAdvice,
+    loginManagerMissing,
+    loginManagerAdvice,
+    loginManagerUnknown,
+    folder,
+    folderToBeMade,
+    folderSpace,
+    folderRefused,
+    folderRefusedAdvice,
+    folderSpaceShort,
+    folderSpaceAdvice,
+    folderSilent,
+    folderSilentAdvice,
+    interruptedNone,
+    interruptedWaiting,
+    interruptedAdvice,
+    interruptedUnknown,
+};
+
+/// The text, UTF-8, with the arguments in place of %1, %2, …; what an argument holds is inserted
+/// unchanged. Any thread.
+std::string doctorText(DoctorText text, AppLanguage language,
+                       const std::vector<std::string>& arguments = {});
+
+} // namespace vantoro
