@@ -52,7 +52,11 @@ public:
         delivery_ = std::make_shared<CaptureDelivery>(*queue_, receiver_, outputs_);
         session_ = std::make_unique<CaptureSession>(
             settings_, delivery_,
-            [this](std::exception_ptr error) { receiver_.streamDidStop(std::move(error)); });
+            CaptureSession::Events{
+                .stopped =
+                    [this](std::exception_ptr error) { receiver_.streamDidStop(std::move(error)); },
+                .microphoneMuted =
+                    [this](bool isMuted) { receiver_.microphoneDidChangeMute(isMuted); }});
         try {
             session_->start();
         } catch (...) {

@@ -39,10 +39,10 @@ std::string endedText(const InputStream& stream) {
 } // namespace
 
 CaptureSession::CaptureSession(CaptureSettings settings, std::shared_ptr<CaptureDelivery> delivery,
-                               Stopped stopped)
+                               Events events)
     : settings_(std::move(settings)),
       delivery_(std::move(delivery)),
-      stopped_(std::move(stopped)),
+      events_(std::move(events)),
       connection_(
           {.lost = [this] { fail(lostText); }, .identified = [this] { updateEvent_.request(); }}),
       updateEvent_(connection_.loop(), [this] { update(); }),
@@ -163,13 +163,19 @@ void CaptureSession::updateMicrophone() {
     if (!microphone_) {
         return;
     }
-    if (!mirror_.graph().nodes.contains(microphoneSource_)) {
+    const auto& nodes = mirror_.graph().nodes;
+    const auto source = nodes.find(microphoneSource_);
+    if (source == nodes.end()) {
         fail(microphoneGoneText);
     } else if (microphone_->state() == InputStream::State::ended) {
         fail(endedText(*microphone_));
     } else {
         const auto ports = microphonePorts(mirror_.graph(), microphoneSource_).size();
         microphone_->setChannelsAddedUp(std::max<std::size_t>(1, ports));
+        const bool isMuted = source->second.mixer.isSilent();
+        if (isMuted != std::exchange(isMicrophoneMuted_, isMuted)) {
+            events_.microphoneMuted(isMuted);
+        }
     }
 }
 
@@ -265,7 +271,7 @@ void CaptureSession::endByItself() {
     closeStreams();
     delivery_->finish();
     if (wasRunning) {
-        stopped_(std::make_exception_ptr(CaptureError(failure_)));
+        events_.stopped(std::make_exception_ptr(CaptureError(failure_)));
     } else {
         settled_.set();
     }

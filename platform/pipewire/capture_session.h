@@ -30,15 +30,20 @@ struct CaptureSettings {
 /// on the connection's loop.
 class CaptureSession {
 public:
-    /// Told, on the loop, why capture has stopped by itself; once at most.
-    using Stopped = std::function<void(std::exception_ptr error)>;
+    /// Told on the loop.
+    struct Events {
+        /// Why capture has stopped by itself; once at most.
+        std::function<void(std::exception_ptr error)> stopped;
+        /// The user has switched the microphone off in the mixer, or on again.
+        std::function<void(bool isMuted)> microphoneMuted;
+    };
 
     /// Throws `CaptureError` when there is no server. `delivery` is handed the feeds.
     CaptureSession(CaptureSettings settings, std::shared_ptr<CaptureDelivery> delivery,
-                   Stopped stopped);
+                   Events events);
     CaptureSession(const CaptureSession&) = delete;
     CaptureSession& operator=(const CaptureSession&) = delete;
-    /// Stops where it has not stopped: `delivery` is told to finish. `stopped` is called no more.
+    /// Stops where it has not stopped: `delivery` is told to finish. No event is told any more.
     ~CaptureSession();
 
     /// Returns when capture runs. Throws `CaptureError` when it does not within 5 seconds or so.
@@ -65,12 +70,13 @@ private:
 
     const CaptureSettings settings_;
     const std::shared_ptr<CaptureDelivery> delivery_;
-    const Stopped stopped_;
+    const Events events_;
     Phase phase_ = Phase::preparing;
     std::string failure_; // empty: none
     EventFlag settled_;   // started, or failed to
     Deadline startedAt_;
     ObjectId microphoneSource_ = SPA_ID_INVALID;
+    bool isMicrophoneMuted_ = false;
     int ticksPaused_ = 0; // for how long the microphone has been paused
     StallWatch systemWatch_;
     StallWatch microphoneWatch_;

@@ -2,6 +2,7 @@
 """The command line: what it prints, where, and with which status it ends."""
 
 import os
+import re
 import signal
 import subprocess
 import sys
@@ -122,6 +123,24 @@ class CommandLine(RecordingCase):
         self.assertIn(b"Saving 100 %", shown)
         self.assertTrue(output.startswith(str(self.folder)))
         os.close(master)
+
+    def test_terminalSaysOfWhichSourceNothingWillBeHeard(self):
+        self.folder.mkdir()
+        master, slave = os.openpty()
+        subprocess.run(["pactl", "set-source-mute", "vantoro-microphone", "1"], check=True)
+        process = subprocess.Popen([recorder.PROGRAM, *recorder.IN_ENGLISH, "--folder", str(self.folder)],
+                                   stdout=subprocess.DEVNULL, stderr=slave)
+        os.close(slave)
+        shown = b""
+        while b"] only silence!  Mic [--------------------] muted!" not in shown:
+            shown += os.read(master, 4096)
+        with sound.tone(440):
+            while not re.search(rb"#-*\]  Mic \[-+\] muted!", shown):
+                shown += os.read(master, 4096)
+        process.send_signal(signal.SIGINT)
+        self.assertEqual(process.wait(60), 0)
+        os.close(master)
+        self.assertNotIn(b"only silence!", shown.split(b"00:09", 1)[0])
 
     def test_twoRecordingsAtOnceAreTwoFiles(self):
         first = recorder.Recording(self.folder, "--seconds", 3)

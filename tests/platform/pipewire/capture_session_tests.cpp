@@ -62,6 +62,24 @@ TEST_F(Capture, hearsApplicationsOnAllOutputsAndTheMicrophone) {
     EXPECT_TRUE(sound.stops().empty());
 }
 
+TEST_F(Capture, tellsWhenTheMicrophoneIsSwitchedOffInTheMixerAndOnAgain) {
+    using namespace std::chrono_literals;
+    const auto mute = [](const char* on) {
+        ASSERT_EQ(run({"pactl", "set-source-mute", "vantoro-microphone", on}), 0);
+    };
+    mute("1");
+    start();
+    EXPECT_TRUE(sound.waitUntil([&] { return sound.mutes() == std::vector{true}; }, 10s));
+    mute("0");
+    EXPECT_TRUE(sound.waitUntil([&] { return sound.mutes() == std::vector{true, false}; }, 10s));
+    ASSERT_EQ(run({"pactl", "set-source-volume", "vantoro-microphone", "0%"}), 0);
+    EXPECT_TRUE(sound.waitUntil([&] { return sound.mutes().size() == 3; }, 10s));
+    ASSERT_EQ(run({"pactl", "set-source-volume", "vantoro-microphone", "50%"}), 0);
+    EXPECT_TRUE(sound.waitUntil([&] { return sound.mutes().size() == 4; }, 10s));
+    stop();
+    EXPECT_EQ(sound.mutes(), (std::vector{true, false, true, false}));
+}
+
 TEST_F(Capture, leavesOutWhatOurOwnProcessPlays) {
     const OwnTone own(2500);
     const auto other = session.play("app", "vantoro-output-1", 440);
