@@ -168,15 +168,47 @@ class Doctor(RecordingCase):
         problem, = self.problems()
         self.assertRegex(problem, r"^!   Sound server: PipeWire does not answer \(client library \d+\.\d+\.\d+\)$")
 
-    def test_doctorWaitsForNobodyThatHangs(self):
-        server = int(os.environ["VANTORO_SESSION_PIPEWIRE_PID"])
-        os.kill(server, signal.SIGSTOP)
-        self.addCleanup(os.kill, server, signal.SIGCONT)
+    def stop_until_the_end(self, pid):
+        os.kill(pid, signal.SIGSTOP)
+        self.addCleanup(os.kill, pid, signal.SIGCONT)
+
+    def test_doctorWaitsForNoSoundServerThatHangs(self):
+        self.stop_until_the_end(int(os.environ["VANTORO_SESSION_PIPEWIRE_PID"]))
         self.offer_services()
         found, advice = self.examine()
         problem, = [line for line in found if line.startswith("!")]
         self.assertRegex(problem, r"^!   Sound server: PipeWire does not answer")
         self.assertEqual(len(advice), 2)
+
+    def test_doctorWaitsForNoBusThatHangs(self):
+        bus = dbus.bus.BusConnection(os.environ["DBUS_SESSION_BUS_ADDRESS"])
+        self.addCleanup(bus.close)
+        daemon = bus.call_blocking("org.freedesktop.DBus", "/", "org.freedesktop.DBus", "GetConnectionUnixProcessID",
+                                   "s", ("org.freedesktop.DBus",))
+        self.stop_until_the_end(int(daemon))
+        found, advice = self.examine()
+        self.assertEqual([line for line in found if line.startswith("!")], [
+            "!   Permission for the microphone: the desktop does not answer",
+            "!   Session bus: does not answer",
+            "!   Login manager: not there",
+        ])
+        self.assertEqual(len(advice), 3)
+
+    def test_doctorWaitsForNoDiskThatHangs(self):
+        self.folder.mkdir()
+        before = time.monotonic()
+        # The question for the space in the folder is held back for a minute.
+        program = subprocess.Popen(
+            ["strace", "-f", "-o", os.devnull, "-P", str(self.folder), "-e", "trace=statfs",
+             "-e", "inject=statfs:delay_enter=60s", recorder.PROGRAM, "doctor", "--language", "en"],
+            env=self.environment, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
+        self.addCleanup(program.communicate)
+        self.addCleanup(program.kill)
+        findings = []
+        while (line := program.stdout.readline().strip()):
+            findings.append(line)
+        self.assertIn(f"!   Recording folder: {self.folder}: its disk does not answer", findings)
+        self.assertLess(time.monotonic() - before, SECONDS_FOR_ALL)
 
     def test_doctorWorksWithoutADesktopAndAHome(self):
         self.environment = {"PATH": os.environ["PATH"], "XDG_RUNTIME_DIR": str(self.folder.parent)}
