@@ -35,7 +35,8 @@ VantoroApp::VantoroApp(std::unique_ptr<Recorder> recorder, const ControlPlatform
                      },
                      {.ask = platform_.askForRecord}),
       savingFirst_(viewModel_),
-      window_(viewModel_, languageSettings_, updateChecker_, platform.preferences) {
+      window_(viewModel_, languageSettings_, updateChecker_, platform.preferences),
+      remoteRecording_(viewModel_, [this](const auto& token) { activate(token); }) {
     AppDelegate::applicationWillFinishLaunching();
     followWindow();
     window_.show();
@@ -63,6 +64,14 @@ void VantoroApp::followWindow() {
 
 void VantoroApp::activate(const std::string& activationToken) {
     bringToFront(window_, activationToken);
+}
+
+void VantoroApp::startRecording(const std::string& activationToken) {
+    remoteRecording_.start(activationToken);
+}
+
+void VantoroApp::stopRecording(const std::string& activationToken) {
+    remoteRecording_.stop(activationToken);
 }
 
 void VantoroApp::putWindowAway() {

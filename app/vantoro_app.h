@@ -9,6 +9,7 @@
 #include <QtCore/QObject>
 
 #include "app/app_delegate.h"
+#include "app/remote_recording.h"
 #include "app/saving_first.h"
 #include "control/recording_view_model.h"
 #include "l10n/language_settings.h"
@@ -40,6 +41,11 @@ public:
     /// Brings the window to the front. With the token the desktop lets us; it may be empty.
     void activate(const std::string& activationToken);
 
+    /// Start or stop a recording without a window in front; it comes there, with the token's leave,
+    /// when that fails. Do nothing where a recording runs already, or none does.
+    void startRecording(const std::string& activationToken);
+    void stopRecording(const std::string& activationToken);
+
     /// What becomes of the program when a recording could not be saved.
     enum class IfNotSaved : std::uint8_t {
         stay, ///< the user reads why, and may ask again
@@ -67,6 +73,7 @@ private:
     UpdateChecker updateChecker_;
     SavingFirst savingFirst_;
     MainWindow window_;
+    RemoteRecording remoteRecording_;
     bool hasLaunched_ = false;
 };
 

@@ -51,7 +51,7 @@ public:
                 .launched = [this] { platform_.letTasksBegin(); },
                 .end = [] { QApplication::exit(); }}),
           signalCame_(signals.descriptor(), QSocketNotifier::Read) {
-        instance.setActivated([this](const std::string& token) { app_.activate(token); });
+        instance.setRequested([this](const auto& request) { carryOut(request); });
         QObject::connect(&signalCame_, &QSocketNotifier::activated, &app_, [this, &signals] {
             if (signals.take()) {
                 app_.quit(VantoroApp::IfNotSaved::end);
@@ -62,6 +62,17 @@ public:
     }
 
 private:
+    void carryOut(const desktop::ApplicationRequest& request) {
+        using enum desktop::ApplicationAction;
+        if (!request.action) {
+            app_.activate(request.activationToken);
+        } else if (*request.action == startRecording) {
+            app_.startRecording(request.activationToken);
+        } else {
+            app_.stopRecording(request.activationToken);
+        }
+    }
+
     SettingsFile preferences_;
     // What looks for devices and old recordings takes processors from the window that is being
     // made.

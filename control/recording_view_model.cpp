@@ -82,6 +82,10 @@ void RecordingViewModel::toggleRecording() {
     }
 }
 
+void RecordingViewModel::stopRecording() {
+    handleStop(StopReason::user);
+}
+
 void RecordingViewModel::startRecording() {
     if (!canStart()) {
         return;

@@ -55,6 +55,8 @@ public:
 
     /// Does nothing unless `canStart`.
     void startRecording();
+    /// Stops a running recording, and one that is being prepared as soon as it has begun.
+    void stopRecording();
     /// Stops a running recording, else as `startRecording`.
     void toggleRecording();
     /// Soon after, the properties say what there is now. Never asks the user for anything.

@@ -35,9 +35,9 @@ void runUntil(const std::function<bool()>& isDone, std::chrono::milliseconds pat
 
 ApplicationInstance::ApplicationInstance(const std::string& busAddress) : bus_(busAddress) {
     // Not within the bus's call: what is done about it may take a while.
-    object_.activated = [this](const std::string& token) {
-        wanted_ = token;
-        QMetaObject::invokeMethod(&events_, [this] { tellActivated(); }, Qt::QueuedConnection);
+    object_.requested = [this](const ApplicationRequest& request) {
+        waiting_.push_back(request);
+        QMetaObject::invokeMethod(&events_, [this] { tellRequests(); }, Qt::QueuedConnection);
     };
     const bool asked =
         bus_.offer(applicationObject, applicationTable(), &object_) &&
@@ -60,15 +60,17 @@ ApplicationInstance::Role ApplicationInstance::awaitRole(std::chrono::millisecon
     return role_.value_or(Role::unknown);
 }
 
-void ApplicationInstance::setActivated(
-    std::function<void(const std::string& activationToken)> activated) {
-    activated_ = std::move(activated);
-    QMetaObject::invokeMethod(&events_, [this] { tellActivated(); }, Qt::QueuedConnection);
+void ApplicationInstance::setRequested(
+    std::function<void(const ApplicationRequest& request)> requested) {
+    requested_ = std::move(requested);
+    QMetaObject::invokeMethod(&events_, [this] { tellRequests(); }, Qt::QueuedConnection);
 }
 
-void ApplicationInstance::tellActivated() {
-    if (activated_ && wanted_) {
-        activated_(*std::exchange(wanted_, std::nullopt));
+void ApplicationInstance::tellRequests() {
+    if (requested_) {
+        for (const auto& request : std::exchange(waiting_, {})) {
+            requested_(request);
+        }
     }
 }
 

@@ -5,6 +5,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include <QtCore/QObject>
 
@@ -17,7 +18,8 @@ namespace vantoro::desktop {
 constexpr const char* applicationID = "com.vantoro.app";
 
 /// This run of the program among the others of the same session: the first one has the program's
-/// name on the session's bus, and is asked by all others to show its window. Main thread.
+/// name on the session's bus, and is asked by all others to show its window, and by the desktop
+/// also for its actions. Main thread.
 class ApplicationInstance {
 public:
     enum class Role : std::uint8_t {
@@ -35,19 +37,19 @@ public:
     /// Lets the event loop run until it is known, or the time is over.
     Role awaitRole(std::chrono::milliseconds patience);
 
-    /// `activated` is called by the event loop whenever the window is wanted, also for those who
-    /// wanted it before this call. Not after the end of this.
-    void setActivated(std::function<void(const std::string& activationToken)> activated);
+    /// `requested` is called by the event loop for everything that is asked of the program, in
+    /// order, also for what was asked before this call. Not after the end of this.
+    void setRequested(std::function<void(const ApplicationRequest& request)> requested);
 
     /// Has the first one show its window. Lets the event loop run until it has answered, or the
     /// time is over; false when it has not, or could not.
     bool activateFirst(const std::string& activationToken, std::chrono::milliseconds patience);
 
 private:
-    void tellActivated();
+    void tellRequests();
 
-    std::function<void(const std::string&)> activated_;
-    std::optional<std::string> wanted_; ///< the token, when nobody was told yet
+    std::function<void(const ApplicationRequest&)> requested_;
+    std::vector<ApplicationRequest> waiting_; ///< of which nobody was told yet
     ApplicationObject object_;
     std::optional<Role> role_;
     std::optional<bool> answer_; ///< whether the first one took what it was asked for

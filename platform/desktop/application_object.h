@@ -1,18 +1,31 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 
 #include "platform/desktop/bus_connection.h"
 
 namespace vantoro::desktop {
 
+/// What the desktop entry offers beside opening the window.
+enum class ApplicationAction : std::uint8_t { startRecording, stopRecording };
+
+struct ApplicationRequest {
+    /// Absent: the window is wanted.
+    std::optional<ApplicationAction> action;
+    /// The desktop's leave to bring the window to the front; empty where it gives none.
+    std::string activationToken;
+
+    friend bool operator==(const ApplicationRequest&, const ApplicationRequest&) = default;
+};
+
 /// What others on the bus may ask of the program, as the desktop does that starts it
 /// (org.freedesktop.Application). Main thread.
 struct ApplicationObject {
-    /// Called by the bus: the window is wanted. With the token the desktop lets us bring it to the
-    /// front; it is empty where the desktop gives none.
-    std::function<void(const std::string& activationToken)> activated;
+    /// Called by the bus.
+    std::function<void(const ApplicationRequest& request)> requested;
 };
 
 constexpr const char* applicationInterface = "org.freedesktop.Application";

@@ -141,6 +141,27 @@ TEST_F(VantoroAppTest, recordingGoesOnWhileTheWindowIsClosed) {
     EXPECT_EQ(window().findChild<RecordButton*>()->text(), "Stop Recording");
 }
 
+TEST_F(VantoroAppTest, desktopMakesARecordingWithoutTheWindow) {
+    start();
+    window().close();
+    app->startRecording("");
+    settle();
+    EXPECT_EQ(recorder.calls.back(), "start");
+    app->stopRecording("");
+    settle();
+    EXPECT_EQ(recorder.calls.back(), "stop");
+    EXPECT_FALSE(window().isVisible());
+}
+
+TEST_F(VantoroAppTest, windowComesBackWhenARecordingThatTheDesktopWantsFails) {
+    start();
+    window().close();
+    recorder.startError = failure("no sound server");
+    app->startRecording("");
+    settle();
+    EXPECT_TRUE(window().isVisible());
+}
+
 TEST_F(VantoroAppTest, quittingEndsTheProgramAtOnceWhereNothingIsToBeSaved) {
     start();
     Q_EMIT window().quitRequested();

@@ -21,6 +21,7 @@ constexpr Event startWithoutSource{"start without a source", [](World& world) {
     world.model->startRecording();
 }};
 constexpr Event toggle{"toggle", [](World& world) { world.model->toggleRecording(); }};
+constexpr Event stop{"stop", [](World& world) { world.model->stopRecording(); }};
 constexpr Event sleep{"sleep", [](World& world) { world.power.sleep(); }};
 constexpr Event interruption{"interruption", [](World& world) { world.interruptCapture(); }};
 constexpr Event tenSeconds{"ten seconds", [](World& world) {
@@ -39,6 +40,10 @@ constexpr Event answeredWithError{"the recorder's error", [](World& world) {
 }};
 constexpr Event answeredAfterSleep{"sleep, then the recorder's answer", [](World& world) {
     world.power.sleep();
+    world.scheduler.runTask();
+}};
+constexpr Event answeredAfterStop{"stop, then the recorder's answer", [](World& world) {
+    world.model->stopRecording();
     world.scheduler.runTask();
 }};
 constexpr Event answeredAfterInterruption{"interruption, then the recorder's answer",
@@ -109,8 +114,8 @@ TEST(TransitionTableTest, theButton) {
     }
 }
 
-TEST(TransitionTableTest, theSystem) {
-    for (const auto& event : {sleep, interruption}) {
+TEST(TransitionTableTest, theSystemAndWhoeverStops) {
+    for (const auto& event : {sleep, interruption, stop}) {
         for (const auto& cell : {
                  Cell{idle, event, idle, none, none, 0},
                  Cell{preparing, event, preparing, none, none, 0},
@@ -147,6 +152,7 @@ TEST(TransitionTableTest, theRecordersAnswers) {
     for (const auto& cell : {
              Cell{preparing, answered, recording, none, none, 0},
              Cell{preparing, answeredAfterSleep, processing, none, none, 0},
+             Cell{preparing, answeredAfterStop, processing, none, none, 0},
              Cell{preparing, answeredAfterInterruption, processing, none, none, 0},
              Cell{preparing, answeredWithError, failed, "broken", none, 0},
              Cell{processing, answered, completed, none, saved, 0},

@@ -9,6 +9,7 @@
 #include <QtCore/QStringList>
 #include <QtCore/QVariantMap>
 #include <QtDBus/QDBusMessage>
+#include <QtDBus/QDBusPendingCallWatcher>
 
 #include <gtest/gtest.h>
 
@@ -22,6 +23,7 @@ namespace {
 using namespace std::chrono_literals;
 using desktop::ApplicationInstance;
 using Role = ApplicationInstance::Role;
+using enum desktop::ApplicationAction;
 
 constexpr auto patience = 20s; // for what comes at once unless the machine is busy
 
@@ -30,15 +32,39 @@ protected:
     PrivateBus bus;
     std::string address = bus.address().toStdString();
     std::optional<ApplicationInstance> first{std::in_place, address};
-    std::vector<std::string> tokens; ///< of each time that the first was wanted
+    std::vector<std::string> tokens;                   ///< of each time that the first was wanted
+    std::vector<desktop::ApplicationRequest> requests; ///< all that it was asked for
 
     void listen() {
         ASSERT_EQ(first->awaitRole(patience), Role::first);
-        first->setActivated([this](const std::string& token) { tokens.push_back(token); });
+        first->setRequested([this](const desktop::ApplicationRequest& request) {
+            requests.push_back(request);
+            if (!request.action) {
+                tokens.push_back(request.activationToken);
+            }
+        });
     }
 
     bool comesToBeWanted(std::size_t times = 1) {
         return EventLoop::runUntil([&] { return tokens.size() >= times; });
+    }
+
+    bool comesToBeAskedFor(std::size_t things) {
+        return EventLoop::runUntil([&] { return requests.size() >= things; });
+    }
+
+    /// Calls the first one's action as the desktop does, and returns the name of the error, which
+    /// is empty for none.
+    std::string errorOfAction(const QString& name, const QVariantMap& platformData = {}) {
+        auto caller = bus.connect("caller");
+        auto message = QDBusMessage::createMethodCall(
+            "com.vantoro.app", "/com/vantoro/app", "org.freedesktop.Application", "ActivateAction");
+        message.setArguments({name, QVariantList{1, "two"}, platformData});
+        const QDBusPendingCallWatcher answer(caller.asyncCall(message));
+        EXPECT_TRUE(EventLoop::runUntil([&] { return answer.isFinished(); }));
+        const auto error = answer.error().name().toStdString();
+        QDBusConnection::disconnectFromBus("caller");
+        return error;
     }
 
     /// Calls the first one as the desktop does.
@@ -115,6 +141,36 @@ TEST_F(ApplicationInstanceTest, whoHasSomethingOpenedGetsTheWindow) {
     listen();
     call("Open", {QStringList{"file:///a.m4a"}, QVariantMap()});
     EXPECT_EQ(tokens, std::vector<std::string>({""}));
+}
+
+TEST_F(ApplicationInstanceTest, desktopStartsAndStopsRecordingsByTheirActions) {
+    listen();
+    EXPECT_EQ(errorOfAction("start-recording", {{"activation-token", "leave"}}), "");
+    EXPECT_EQ(errorOfAction("stop-recording"), "");
+    EXPECT_TRUE(comesToBeAskedFor(2));
+    EXPECT_EQ(requests, (std::vector<desktop::ApplicationRequest>{{startRecording, "leave"},
+                                                                  {stopRecording, ""}}));
+}
+
+TEST_F(ApplicationInstanceTest, actionThatIsUnknownIsRefused) {
+    listen();
+    EXPECT_EQ(errorOfAction("start-dancing"), "org.freedesktop.DBus.Error.InvalidArgs");
+    EXPECT_EQ(errorOfAction(""), "org.freedesktop.DBus.Error.InvalidArgs");
+    EXPECT_EQ(errorOfAction("stop-recording"), "");
+    EXPECT_TRUE(comesToBeAskedFor(1));
+    EXPECT_EQ(requests.size(), 1U);
+}
+
+TEST_F(ApplicationInstanceTest, allThatIsAskedBeforeItListensIsHeardThenInOrder) {
+    ASSERT_EQ(first->awaitRole(patience), Role::first);
+    EXPECT_EQ(errorOfAction("start-recording"), "");
+    ApplicationInstance second(address);
+    EXPECT_TRUE(second.activateFirst("early", patience));
+    EXPECT_EQ(errorOfAction("stop-recording"), "");
+    listen();
+    EXPECT_TRUE(comesToBeAskedFor(3));
+    EXPECT_EQ(requests, (std::vector<desktop::ApplicationRequest>{
+                            {startRecording, ""}, {std::nullopt, "early"}, {stopRecording, ""}}));
 }
 
 TEST(ApplicationInstanceBesideAnotherTest, firstThatDoesNotAnswerIsNotWaitedForLonger) {
