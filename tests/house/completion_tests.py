@@ -1,0 +1,66 @@
+#!/usr/bin/python3
+"""What the shells offer while somebody types a command line of the program."""
+
+import sys
+import tempfile
+import unittest
+from pathlib import Path
+
+sys.dont_write_bytecode = True
+
+import printed_help  # noqa: E402
+import shells  # noqa: E402
+
+
+class CompletionTests(unittest.TestCase):
+    def start(self, name):
+        temporary = tempfile.TemporaryDirectory(prefix="vantoro-shell-")
+        self.addCleanup(temporary.cleanup)
+        self.folder = Path(temporary.name)
+        shell = shells.started(name, self.folder)
+        self.addCleanup(shell.close)
+        return shell
+
+    def look_at(self, name):
+        """All that holds of every shell."""
+        shell = self.start(name)
+        (self.folder / "recordings").mkdir()
+        (self.folder / "record.txt").touch()
+        for typed, offered in (
+            ("vantoro re", ["record", "recover"]),
+            ("vantoro dev", ["devices"]),
+            ("vantoro devices ", []),
+            ("vantoro record --no", ["--no-microphone", "--no-system-audio"]),
+            ("vantoro record --microphone ", ["front", "rear:0"]),
+            ("vantoro record --no-system-audio --microphone rear:", ["rear:0"]),
+            ("vantoro record --seconds ", []),
+            ("vantoro record --language ", ["en", "zh-Hans"]),
+            ("vantoro doctor --language z", ["zh-Hans"]),
+        ):
+            with self.subTest(typed=typed):
+                self.assertEqual(shell.offered(typed), offered)
+        place = f"{self.folder}/recordings"
+        offered, = shell.offered(f"vantoro recover --folder {self.folder}/rec")
+        self.assertEqual(offered.rstrip("/"), place)
+        for command, names in printed_help.read().items():
+            options = {name for name in names if name.startswith("-")}
+            with self.subTest(command=command):
+                self.assertLessEqual(options, set(shell.offered(" ".join(f"vantoro {command} -".split()))))
+                self.assertLessEqual(names - options, set(shell.offered("vantoro ")))
+
+    def test_bashOffersWhatTheProgramTakes(self):
+        self.look_at("bash")
+
+    def test_zshOffersWhatTheProgramTakes(self):
+        self.look_at("zsh")
+
+    def test_fishOffersWhatTheProgramTakes(self):
+        self.look_at("fish")
+
+    def test_bashCompletesWhatIsWrittenWithAnEqualsSign(self):
+        shell = self.start("bash")
+        self.assertEqual(shell.offered("vantoro record --language="), ["--language=en", "zh-Hans"])
+
+
+if __name__ == "__main__":
+    unittest.main(argv=[sys.argv[0], *(f"CompletionTests.test_{name}" for name in sys.argv[1:])])

@@ -1,0 +1,101 @@
+"""Shells with a person at the keyboard: what each offers to complete of a command line."""
+
+import os
+import pty
+import re
+import select
+import shutil
+import subprocess
+import time
+from pathlib import Path
+
+COMPLETIONS = Path(__file__).resolve().parents[2] / "packaging/completions"
+SECONDS_TO_ANSWER = 60
+# Everything that is offered goes into the line, which is then shown by itself.
+SHOW_THE_LINE = "\x01print-line \n"
+PRINT_LINE = "print-line() { printf '[line:%s:line]\\n' \"$*\"; }\n"
+PROMPT = "ready> "
+
+
+class Typed:
+    """A shell on a terminal of its own, in which a key (`all_key`) puts all that is offered into the line."""
+
+    def __init__(self, command, environment, all_key):
+        self._all_key = all_key
+        self._pid, self._terminal = pty.fork()
+        if self._pid == 0:
+            os.execvpe(command[0], command, environment)
+        self._read_until(re.escape(PROMPT))
+
+    def offered(self, line):
+        """The words that the last word of a line may become."""
+        os.write(self._terminal, (line + self._all_key + SHOW_THE_LINE).encode())
+        shown = self._read_until(r"\[line:(.*):line\].*" + re.escape(PROMPT))
+        return sorted(shown.split()[len(line.rsplit(" ", 1)[0].split()):])
+
+    def close(self):
+        os.close(self._terminal)
+        os.waitpid(self._pid, 0)
+
+    def _read_until(self, pattern):
+        """What is in the pattern's parentheses, once the terminal shows all of it."""
+        deadline = time.monotonic() + SECONDS_TO_ANSWER
+        read = ""
+        while not (match := re.search(pattern, read, re.DOTALL)):
+            ready, _, _ = select.select([self._terminal], [], [], max(0, deadline - time.monotonic()))
+            if not ready:
+                raise AssertionError(f"the shell does not answer: {read!r}")
+            read += os.read(self._terminal, 65536).decode(errors="replace")
+        return match.group(match.lastindex or 0)
+
+
+def bash(folder, environment):
+    setup = folder / "bashrc"
+    setup.write_text(
+        f"{PRINT_LINE}PS1='{PROMPT}'\n"
+        f". /usr/share/bash-completion/bash_completion\n. '{COMPLETIONS}/bash/vantoro'\n")
+    return Typed(["bash", "--rcfile", str(setup), "--noprofile", "-i"], environment, "\x1b*")
+
+
+def zsh(folder, environment):
+    (folder / ".zshrc").write_text(
+        f"{PRINT_LINE}fpath=('{COMPLETIONS}/zsh' $fpath)\n"
+        f"autoload -Uz compinit\ncompinit -u -d '{folder}/.zcompdump'\n"
+        "zstyle ':completion:*' completer _all_matches _complete\nzstyle ':completion:*' insert true\n"
+        f"bindkey -e\nunset zle_bracketed_paste\nPS1='{PROMPT}'\nPROMPT_EOL_MARK=\n")
+    return Typed(["zsh", "-i"], dict(environment, ZDOTDIR=str(folder)), "\t")
+
+
+class Fish:
+    """Says what it offers without a terminal."""
+
+    def __init__(self, environment):
+        self._environment = environment
+
+    def offered(self, line):
+        result = subprocess.run(
+            ["fish", "--no-config", "--command", f"source '{COMPLETIONS}/fish/vantoro.fish'\n"
+             f"complete --do-complete '{line}'"],
+            env=self._environment, capture_output=True, text=True, check=True, timeout=SECONDS_TO_ANSWER)
+        if result.stderr:
+            raise AssertionError(f"fish complains: {result.stderr}")
+        return sorted(offer.split("\t")[0] for offer in result.stdout.splitlines())
+
+    def close(self):
+        pass
+
+
+def started(name, folder):
+    """A shell whose home is this folder, in which `vantoro` is a program that knows two microphones."""
+    programs = folder / "programs"
+    programs.mkdir()
+    program = programs / "vantoro"
+    program.write_text("#!/bin/sh\n[ \"$*\" = devices ] && printf '* front\\tFront Side\\n  rear:0\\tRear Side\\n'\n")
+    program.chmod(0o755)
+    environment = {"HOME": str(folder), "PATH": f"{programs}:{os.environ['PATH']}", "TERM": "dumb",
+                   "LC_ALL": "C.UTF-8", "COLUMNS": "1000"}
+    if shutil.which(name) is None:
+        raise AssertionError(f"{name} is not installed (tools/install-dependencies installs it)")
+    if name == "fish":
+        return Fish(environment)
+    return {"bash": bash, "zsh": zsh}[name](folder, environment)
