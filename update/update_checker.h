@@ -25,7 +25,7 @@ QString builtInBaseLocation();
 struct UpdateSource {
     QString baseLocation = builtInBaseLocation();
     std::chrono::milliseconds limit = std::chrono::seconds(15); ///< for a whole check
-    AskForRecord ask = {}; ///< not called where the location is not HTTPS
+    AskForRecord ask = nullptr; ///< not called where the location is not HTTPS
 };
 
 /// Asks the download server, when the user wants to know, whether there is a newer version than

@@ -92,7 +92,8 @@ public:
     }
 
 private:
-    static void meanwhile(std::function<void()> what) { // kept: it may be replaced by itself
+    // NOLINTNEXTLINE(performance-unnecessary-value-param): it may be replaced by itself
+    static void meanwhile(std::function<void()> what) {
         if (what) {
             what();
         }
