@@ -5,7 +5,9 @@
 
 namespace vantoro {
 
-RecordingProperties::RecordingProperties(std::filesystem::path outputDirectory) {
+RecordingProperties::RecordingProperties(std::filesystem::path outputDirectory,
+                                         AudioLevelStore& levels)
+    : levels_(levels) {
     values_.outputDirectory = std::move(outputDirectory);
 }
 
@@ -56,6 +58,35 @@ void RecordingProperties::setLastRecordingURL(std::optional<std::filesystem::pat
 
 void RecordingProperties::setElapsedSeconds(std::int64_t seconds) {
     set(Property::elapsedSeconds, &Values::elapsedSeconds, seconds);
+}
+
+void RecordingProperties::setLevel(AudioLevelSource source, double level) {
+    if (source == AudioLevelSource::systemAudio) {
+        set(Property::systemAudioLevel, &Values::systemAudioLevel, level);
+    } else {
+        set(Property::microphoneLevel, &Values::microphoneLevel, level);
+    }
+    levels_.setLevel(source, level);
+}
+
+void RecordingProperties::resetLevels() {
+    setLevel(AudioLevelSource::systemAudio, 0);
+    setLevel(AudioLevelSource::microphone, 0);
+}
+
+void RecordingProperties::setCondition(AudioLevelSource source, SourceCondition condition) {
+    const bool isSystemAudio = source == AudioLevelSource::systemAudio;
+    const auto field = isSystemAudio ? &Values::systemAudioCondition : &Values::microphoneCondition;
+    if (values_.*field != condition) {
+        set(isSystemAudio ? Property::systemAudioCondition : Property::microphoneCondition, field,
+            condition);
+    }
+    levels_.setCondition(source, condition);
+}
+
+void RecordingProperties::resetConditions() {
+    setCondition(AudioLevelSource::systemAudio, SourceCondition::delivering);
+    setCondition(AudioLevelSource::microphone, SourceCondition::delivering);
 }
 
 } // namespace vantoro

@@ -9,6 +9,7 @@
 
 #include <QtCore/QObject>
 
+#include "control/audio_level_store.h"
 #include "control/recording_state.h"
 #include "engine/ports/permissions.h"
 #include "engine/recording_types.h"
@@ -88,7 +89,8 @@ Q_SIGNALS:
     void propertyChanged(vantoro::RecordingProperties::Property property);
 
 protected:
-    explicit RecordingProperties(std::filesystem::path outputDirectory);
+    /// What is set of the sources' meters, `levels`, which outlives this, is told as well.
+    RecordingProperties(std::filesystem::path outputDirectory, AudioLevelStore& levels);
 
     template <class Value>
     void set(Property property, Value Values::* field, std::type_identity_t<Value> value) {
@@ -104,8 +106,14 @@ protected:
     void setErrorMessage(std::optional<std::string> message);
     void setLastRecordingURL(std::optional<std::filesystem::path> location);
     void setElapsedSeconds(std::int64_t seconds);
+    void setLevel(AudioLevelSource source, double level);
+    void resetLevels();
+    /// Told only where it is another one.
+    void setCondition(AudioLevelSource source, SourceCondition condition);
+    void resetConditions();
 
 private:
+    AudioLevelStore& levels_;
     Values values_;
 };
 

@@ -14,7 +14,8 @@ namespace vantoro {
 RecordingViewModel::RecordingViewModel(std::unique_ptr<Recorder> recorder,
                                        const ControlPlatform& platform)
     : RecordingProperties(recordingFolder(platform.preferences.get(Preference::outputDirectory),
-                                          platform.defaultRecordingFolder)),
+                                          platform.defaultRecordingFolder),
+                          platform.levels),
       platform_(platform),
       texts_(platform.preferences),
       recorder_(std::move(recorder)),
@@ -291,41 +292,12 @@ void RecordingViewModel::updateAudioLevel(AudioLevelSource source, float level) 
     }
 }
 
-void RecordingViewModel::setLevel(AudioLevelSource source, double level) {
-    if (source == AudioLevelSource::systemAudio) {
-        set(Property::systemAudioLevel, &Values::systemAudioLevel, level);
-    } else {
-        set(Property::microphoneLevel, &Values::microphoneLevel, level);
-    }
-    platform_.levels.setLevel(source, level);
-}
-
-void RecordingViewModel::resetLevels() {
-    setLevel(AudioLevelSource::systemAudio, 0);
-    setLevel(AudioLevelSource::microphone, 0);
-}
-
 /// It may come before the recorder has said that it runs: a microphone may be off from the start.
 void RecordingViewModel::updateCondition(AudioLevelSource source, SourceCondition condition) {
     const auto state = values().state.which();
     if (state == RecordingState::Case::preparing || state == RecordingState::Case::recording) {
         setCondition(source, condition);
     }
-}
-
-void RecordingViewModel::setCondition(AudioLevelSource source, SourceCondition condition) {
-    const bool isSystemAudio = source == AudioLevelSource::systemAudio;
-    const auto field = isSystemAudio ? &Values::systemAudioCondition : &Values::microphoneCondition;
-    if (values().*field != condition) {
-        set(isSystemAudio ? Property::systemAudioCondition : Property::microphoneCondition, field,
-            condition);
-    }
-    platform_.levels.setCondition(source, condition);
-}
-
-void RecordingViewModel::resetConditions() {
-    setCondition(AudioLevelSource::systemAudio, SourceCondition::delivering);
-    setCondition(AudioLevelSource::microphone, SourceCondition::delivering);
 }
 
 } // namespace vantoro

@@ -98,11 +98,7 @@ private:
     void recovered(const SalvageTask::Recordings& recordings);
 
     void updateAudioLevel(AudioLevelSource source, float level);
-    void setLevel(AudioLevelSource source, double level);
-    void resetLevels();
     void updateCondition(AudioLevelSource source, SourceCondition condition);
-    void setCondition(AudioLevelSource source, SourceCondition condition);
-    void resetConditions();
 
     ControlPlatform platform_;
     L10n texts_;

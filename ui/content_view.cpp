@@ -139,9 +139,9 @@ void ContentView::showAll() {
     showState();
     showSources();
     showPermissions();
-    for (const auto property :
-         {Property::systemVolume, Property::microphoneCondition, Property::elapsedSeconds,
-          Property::outputDirectory, Property::lastRecordingURL}) {
+    showMeters();
+    for (const auto property : {Property::systemVolume, Property::elapsedSeconds,
+                                Property::outputDirectory, Property::lastRecordingURL}) {
         showProperty(property);
     }
 }
@@ -193,11 +193,9 @@ void ContentView::showProperty(Property property) {
         break;
     case Property::systemAudioLevel:
     case Property::microphoneLevel:
-        status_->setLevels(values.systemAudioLevel, values.microphoneLevel);
-        break;
     case Property::systemAudioCondition:
     case Property::microphoneCondition:
-        status_->setConditions(values.systemAudioCondition, values.microphoneCondition, texts_);
+        showMeters();
         break;
     case Property::elapsedSeconds:
         status_->setElapsed(QString::fromStdString(model_.formattedElapsedTime()));
@@ -215,6 +213,12 @@ void ContentView::showProperty(Property property) {
     case Property::errorMessage:
         break; // has a window of its own
     }
+}
+
+void ContentView::showMeters() {
+    const auto& values = model_.values();
+    status_->setLevels(values.systemAudioLevel, values.microphoneLevel);
+    status_->setConditions(values.systemAudioCondition, values.microphoneCondition, texts_);
 }
 
 void ContentView::showLastRecording() {

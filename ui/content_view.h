@@ -40,6 +40,7 @@ private:
     void showTexts();
     void showProperty(Property property);
     void showState();
+    void showMeters();
     void showLastRecording();
     void showSources();
     void showPermissions();

@@ -57,6 +57,9 @@ void LevelMeterRow::setLevel(double level) {
 }
 
 void LevelMeterRow::setTrouble(const QString& trouble) {
+    if (trouble == toolTip()) {
+        return; // as it is with nearly every level
+    }
     setToolTip(trouble);
     bar_->setTrouble(trouble);
     percentage_->setTone(trouble.isEmpty() ? Tone::secondary : Tone::attention);
