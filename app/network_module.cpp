@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "app/network_module.h"
 
 #include "update/record_request.h"

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 # Compiler options of our own targets, as an interface library: what we include is not held to them.
 add_library(vantoro_options INTERFACE)
 target_compile_options(vantoro_options INTERFACE

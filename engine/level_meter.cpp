@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "engine/level_meter.h"
 
 #include "engine/audio_level.h"

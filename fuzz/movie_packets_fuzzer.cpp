@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 // Opens any bytes at all as the recorder opens an unfinished movie, and reads how each track is
 // coded and its packets, in order and from the middle on.
 

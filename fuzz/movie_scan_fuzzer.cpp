@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 // Gives the parser of unfinished movies any bytes at all, and holds it to what its headers promise.
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "l10n/error_description.h"
 
 #include "l10n/l10n.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "ui/source_row.h"
 
 #include <QtCore/QSignalBlocker>

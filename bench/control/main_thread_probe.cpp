@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 // Makes a recording through the view model on this desktop and prints, a line each, for how many
 // milliseconds at most the main thread answered nobody during each step. Then it stays idle until
 // its standard input ends, so that what it does meanwhile can be looked at from outside.

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 // Measures what exporting a recording costs, side by side with the `ffmpeg` program making the same
 // mix with its default and its fast coder, what salvaging it costs, and how peak memory grows with
 // length.

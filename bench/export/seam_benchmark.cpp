@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 // Measures what coding in chunks costs where they meet: the noise about each seam beside that of
 // one coder that made it all, and whether any packet's window may not follow the one before.
 // Usage: seam_benchmark MINUTES

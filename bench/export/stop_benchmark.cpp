@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 // Measures how long users wait for the file when they stop a recording whose volumes stayed, of
 // several lengths, beside the export that would be made of it then.
 

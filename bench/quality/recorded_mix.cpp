@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 // Makes the final file that a recording of given sound would become.
 // Usage: recorded_mix SYSTEM MICROPHONE TEMPORARY FINAL; the first two 32-bit float at 48 kHz, the
 // system's stereo with its samples in turn, the microphone's mono.

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "bench/support/child_process.h"
 
 #include <spawn.h>

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """What is played while recorders are compared: something to hear from an output, and somebody speaking."""
 
 import subprocess

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """The one table that all benchmarks print rows of; `bench/run` prints its head."""
 
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 // What any program of the toolkit needs for a window: the measure for ours.
 
 #include <QtWidgets/QApplication>

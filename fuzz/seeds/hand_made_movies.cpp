@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "fuzz/seeds/hand_made_movies.h"
 
 #include <cstdint>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 // Writes what the fuzzers begin with into a folder: small recordings, whole, cut and damaged, and
 // movies made by hand.
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "platform/desktop/gio_module.h"
 
 // NOLINTNEXTLINE(misc-use-internal-linkage): found by its name

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 // In place of what uses GIO itself, for a program that loads it when it needs it. Where it cannot
 // be loaded there is no default application, and no such setting.
 

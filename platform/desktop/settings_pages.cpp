@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "platform/desktop/settings_pages.h"
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "platform/ffmpeg/track_timeline.h"
 
 #include <algorithm>

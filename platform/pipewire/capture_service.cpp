@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "platform/pipewire/capture_service.h"
 
 #include <utility>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "platform/pipewire/device_list.h"
 
 #include "platform/pipewire/graph_query.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #pragma once
 
 struct spa_pod; // NOLINT(readability-identifier-naming): the name is the library's

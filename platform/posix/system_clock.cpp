@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "platform/posix/system_clock.h"
 
 #include <cerrno>

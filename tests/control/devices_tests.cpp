@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "tests/control/view_model_fixture.h"
 
 namespace vantoro::testing {

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 // The view model with the engine's own recorder, on threads as in the program.
 
 #include "control/engine_recorder.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 // Every state with everything that can happen in it.
 
 #include "tests/control/view_model_fixture.h"

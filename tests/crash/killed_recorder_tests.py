@@ -1,4 +1,5 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """The recorder dies as by kill -9 at any moment: all that its whole fragments hold is salvaged."""
 
 import random

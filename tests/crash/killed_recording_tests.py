@@ -1,4 +1,5 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """The program is killed while it records real sound; what others must leave alone meanwhile."""
 
 import signal

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """What is whole in a movie of fragments, told by a reader that shares nothing with the program's."""
 
 import struct

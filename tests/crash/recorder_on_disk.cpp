@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "tests/crash/recorder_on_disk.h"
 
 #include <algorithm>

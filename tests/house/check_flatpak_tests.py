@@ -1,4 +1,5 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """The check of the Flatpak manifest finds what it is there for."""
 
 import subprocess

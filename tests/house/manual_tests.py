@@ -1,4 +1,5 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """The manual pages are well formed, and speak of everything that the program's help does."""
 
 import re

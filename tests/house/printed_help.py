@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """The commands and options that the program's help prints."""
 
 import os

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Shells with a person at the keyboard: what each offers to complete of a command line."""
 
 import os

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """What the test cases share: a folder of their own, and being run one by one."""
 
 import sys

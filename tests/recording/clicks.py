@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Clicks that reach an output and the microphone at the same instant, and where a recording has them."""
 
 import subprocess

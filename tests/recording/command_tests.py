@@ -1,4 +1,5 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """The command line: what it prints, where, and with which status it ends."""
 
 import os

@@ -1,4 +1,5 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """The command that looks for faults: what it finds in a desktop, says in two languages, and ends with."""
 
 import os

@@ -1,4 +1,5 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """What breaks while a recording runs: what was captured is saved or kept, and the user is told."""
 
 import os

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Runs the program under test and watches the folder that it records into."""
 
 import ctypes

@@ -1,4 +1,5 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """The machine goes to sleep while a recording runs: it waits for the sound, which is saved."""
 
 import os

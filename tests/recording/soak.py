@@ -1,4 +1,5 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """A long recording in a private desktop: are both tracks still in step at its end?
 
 Prints how far apart clicks lie that reached an output and the microphone at the same instant.

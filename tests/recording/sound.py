@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Plays sounds in the private desktop and measures what a recording holds of them."""
 
 import array

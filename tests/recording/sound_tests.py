@@ -1,4 +1,5 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """What was played and said is in the final file, at its level, for its time, and in step."""
 
 import json

@@ -1,4 +1,5 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """What tools/session promises: a desktop that is ready, a status passed on, and nothing left behind."""
 
 import json

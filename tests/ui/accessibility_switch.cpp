@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "tests/ui/accessibility_switch.h"
 
 #include <QtGui/private/qguiapplication_p.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "tests/update/update_checker_fixture.h"
 
 #include <QtNetwork/QNetworkAccessManager>

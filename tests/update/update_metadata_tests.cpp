@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "update/update_metadata.h"
 
 #include <gtest/gtest.h>

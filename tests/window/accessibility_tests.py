@@ -1,4 +1,5 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Whoever does not see the window: finds, operates and hears of all that is in it."""
 
 import sys

@@ -1,4 +1,5 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Closing the window puts it away, not out of reach, and ends nothing."""
 
 import sys

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Waiting for what others do: while a test waits, the event loop runs, which also answers others' calls."""
 
 import time

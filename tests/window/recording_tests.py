@@ -1,4 +1,5 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """A whole recording through the window, by what a user has at hand."""
 
 import sys

@@ -1,4 +1,5 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """What a program leaves behind that was killed is saved by the next one, which says so."""
 
 import sys

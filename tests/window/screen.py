@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """The screen as its window manager and a user see it: the windows on it, the mouse, the keyboard."""
 
 import subprocess

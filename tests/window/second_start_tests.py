@@ -1,4 +1,5 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Starting the program again while it runs brings the window that there is to the front."""
 
 import signal

@@ -1,4 +1,5 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """A window that is shown, and waits, has cost nothing that it does not need yet."""
 
 import sys

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """A panel with a status area: keeps the list of items, and reads and clicks them."""
 
 from gi.repository import Gio, GLib

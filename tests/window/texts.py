@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """The texts of the user interface, by their keys."""
 
 import csv

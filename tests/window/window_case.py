@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """What the test cases share: a home of their own, and the program with its window in it."""
 
 import contextlib

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """The private desktop itself: its folders, its environment, its daemons, and how it becomes ready."""
 
 import os

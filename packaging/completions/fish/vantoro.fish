@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 # What fish completes of vantoro's command line.
 
 function __vantoro_microphones

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "tests/platform/desktop/mock_logind.h"
 
 #include <csignal>

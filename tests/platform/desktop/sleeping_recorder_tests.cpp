@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 // The view model on threads as in the program, with a login manager that we did not write.
 
 #include <semaphore>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "platform/ffmpeg/following_mix.h"
 
 #include <atomic>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 // Stands where the program's own module was, as after an update.
 
 #include "platform/ffmpeg/toolkit_module.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "tests/platform/ffmpeg/movie_recording.h"
 
 #include <gtest/gtest.h>
