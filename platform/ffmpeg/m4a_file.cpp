@@ -4,6 +4,8 @@
 
 #include <array>
 #include <bit>
+#include <limits>
+#include <stdexcept>
 #include <utility>
 
 #include "platform/ffmpeg/aac.h"
@@ -50,10 +52,14 @@ M4aFile::M4aFile(std::unique_ptr<OutputFile> file, M4aTrack track, std::int64_t 
 }
 
 void M4aFile::add(std::span<const std::byte> packet) {
+    using Size = decltype(packetSizes_)::value_type; // a packet has 1536 bytes at most
+    if (packet.size() > std::numeric_limits<Size>::max()) {
+        throw std::runtime_error("A packet is larger than any that AAC has.");
+    }
     if (packetSizes_.size() % packetsPerChunk == 0) {
         chunkOffsets_.push_back(written_ + buffer_.size());
     }
-    packetSizes_.push_back(static_cast<std::uint32_t>(packet.size()));
+    packetSizes_.push_back(static_cast<Size>(packet.size()));
     put(packet);
 }
 
@@ -65,8 +71,8 @@ void M4aFile::sync() {
 void M4aFile::finish(std::int64_t frames) {
     const std::uint64_t contentEnd = written_ + buffer_.size();
     put(m4aIndex(track_, frames, packetSizes_.size(), chunkOffsets_));
-    for (const std::uint32_t size : packetSizes_) {
-        put(bigEndian(size));
+    for (const auto size : packetSizes_) {
+        put(bigEndian(std::uint32_t{size}));
     }
     flush();
     file_->writeAt(contentStart_ + 8, bigEndian(contentEnd - contentStart_));

@@ -21,13 +21,14 @@ namespace vantoro::ffmpeg {
 /// Of packets with these parameters.
 M4aTrack describeTrack(const AVCodecParameters& parameters);
 
-/// Writes an M4A file of one AAC track packet by packet, keeping four bytes of each in memory.
+/// Writes an M4A file of one AAC track packet by packet, keeping two bytes of each in memory.
 /// Used by one thread; throws what the file throws.
 class M4aFile {
 public:
     /// `expectedFrames`: how long it will be, so far as that is known.
     M4aFile(std::unique_ptr<OutputFile> file, M4aTrack track, std::int64_t expectedFrames = 0);
 
+    /// Throws std::runtime_error where it is larger than any that AAC has.
     void add(std::span<const std::byte> packet);
     /// Brings the packets so far to the disk, so that less is left for the end.
     void sync();
@@ -48,7 +49,7 @@ private:
     std::vector<std::byte> buffer_; // not yet written
     std::uint64_t written_ = 0;
     std::uint64_t contentStart_ = 0; // offset of the box of packets
-    std::vector<std::uint32_t> packetSizes_;
+    std::vector<std::uint16_t> packetSizes_;
     std::vector<std::uint64_t> chunkOffsets_;
 };
 
