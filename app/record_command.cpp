@@ -66,7 +66,9 @@ int RecordRun::run(RecordingViewModel& model) {
         model.setSelectedMicrophoneID(command_.microphoneID);
     }
     model_ = &model;
-    follow(model);
+    // Behind the change, not within it: what the answer sets off finds the model at rest.
+    connect(&model, &RecordingProperties::stateChanged, this, &RecordRun::stateChanged,
+            Qt::QueuedConnection);
     const QSocketNotifier signalCame(signals_.descriptor(), QSocketNotifier::Read);
     connect(&signalCame, &QSocketNotifier::activated, this, [this] {
         if (signals_.take()) {
@@ -77,17 +79,6 @@ int RecordRun::run(RecordingViewModel& model) {
     const int status = QCoreApplication::exec();
     model_ = nullptr;
     return status;
-}
-
-void RecordRun::follow(RecordingViewModel& model) {
-    connect(&model, &RecordingProperties::propertyChanged, this,
-            [this](RecordingProperties::Property property) {
-                if (property == RecordingProperties::Property::state) {
-                    // Behind the change, not within it: what it sets off finds the model at rest.
-                    QMetaObject::invokeMethod(
-                        this, [this] { stateChanged(); }, Qt::QueuedConnection);
-                }
-            });
 }
 
 void RecordRun::stateChanged() {

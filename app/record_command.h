@@ -34,7 +34,6 @@ public:
 private:
     using Clock = std::chrono::steady_clock;
 
-    void follow(RecordingViewModel& model);
     void stateChanged();
     void recordingBegan();
     void waitForTheEnd();

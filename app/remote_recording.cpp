@@ -11,14 +11,8 @@ namespace vantoro {
 RemoteRecording::RemoteRecording(RecordingViewModel& model, ShowWindow showWindow)
     : model_(model), showWindow_(std::move(showWindow)) {
     // Behind the change: with the state comes the message that is to be read.
-    connect(
-        &model_, &RecordingProperties::propertyChanged, this,
-        [this](RecordingProperties::Property property) {
-            if (property == RecordingProperties::Property::state) {
-                stateChanged();
-            }
-        },
-        Qt::QueuedConnection);
+    connect(&model_, &RecordingProperties::stateChanged, this, &RemoteRecording::stateChanged,
+            Qt::QueuedConnection);
 }
 
 void RemoteRecording::start(const std::string& activationToken) {

@@ -9,9 +9,9 @@ namespace vantoro {
 SavingFirst::SavingFirst(RecordingViewModel& model) : model_(model) {
     // Behind the change, not within it: what is done about it finds the view model at rest.
     connect(
-        &model_, &RecordingProperties::propertyChanged, this,
-        [this](RecordingProperties::Property property) {
-            if (property == RecordingProperties::Property::state && isUnderWay()) {
+        &model_, &RecordingProperties::stateChanged, this,
+        [this] {
+            if (isUnderWay()) {
                 stateChanged();
             }
         },

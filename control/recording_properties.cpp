@@ -48,6 +48,7 @@ std::string RecordingProperties::formattedElapsedTime() const {
 
 void RecordingProperties::setState(RecordingState state) {
     set(Property::state, &Values::state, std::move(state));
+    Q_EMIT stateChanged();
 }
 
 void RecordingProperties::setErrorMessage(std::optional<std::string> message) {

@@ -90,6 +90,9 @@ Q_SIGNALS:
     /// Once for each writing, after it.
     void propertyChanged(vantoro::RecordingProperties::Property property);
 
+    /// The same of the state alone, for those who act upon it: levels come many times a second.
+    void stateChanged();
+
 protected:
     /// What is set of the sources' meters, `levels`, which outlives this, is told as well.
     RecordingProperties(std::filesystem::path outputDirectory, AudioLevelStore& levels);
