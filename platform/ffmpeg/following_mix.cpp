@@ -29,11 +29,10 @@ bool isMixed(const std::vector<float>& volumes) {
 } // namespace
 
 FollowingMix::FollowingMix(FileSystem& fileSystem, std::filesystem::path movie,
-                           IsPowerSaved isPowerSaved, std::chrono::milliseconds rest)
+                           IsPowerSaved isPowerSaved)
     : fileSystem_(fileSystem),
       movie_(std::move(movie)),
       isPowerSaved_(std::move(isPowerSaved)),
-      rest_(rest),
       thread_([this](const std::stop_token& stop) { follow(stop); }) {}
 
 FollowingMix::~FollowingMix() {
@@ -97,7 +96,7 @@ bool FollowingMix::waitForWork(const std::stop_token& stop) {
     while (changed_.wait(lock, stop, hasWork) && !stop.stop_requested()) {
         const auto change = changedAt_;
         const bool changedAgain =
-            changed_.wait_until(lock, stop, change + rest_, [&] { return changedAt_ != change; });
+            changed_.wait_until(lock, stop, change + rest, [&] { return changedAt_ != change; });
         if (!changedAgain && !stop.stop_requested()) {
             return true;
         }

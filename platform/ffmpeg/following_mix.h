@@ -27,12 +27,11 @@ class FollowingMix {
 public:
     /// Leaves the recording this much room on the disk.
     static constexpr std::uint64_t leastSpace = std::uint64_t{1} << 30U;
+    /// Volumes that change count once they have not for so long.
+    static constexpr std::chrono::seconds rest{1};
 
-    /// Volumes that change count once they have not for `rest`. Throws std::system_error when no
-    /// thread can be had.
-    FollowingMix(FileSystem& fileSystem, std::filesystem::path movie,
-                 IsPowerSaved isPowerSaved = {},
-                 std::chrono::milliseconds rest = std::chrono::seconds(1));
+    /// Throws std::system_error when no thread can be had.
+    FollowingMix(FileSystem& fileSystem, std::filesystem::path movie, IsPowerSaved isPowerSaved);
     FollowingMix(const FollowingMix&) = delete;
     FollowingMix& operator=(const FollowingMix&) = delete;
     ~FollowingMix();
@@ -57,7 +56,6 @@ private:
     FileSystem& fileSystem_;
     const std::filesystem::path movie_;
     const IsPowerSaved isPowerSaved_;
-    const std::chrono::milliseconds rest_;
 
     std::mutex mutex_; // guards the next ones
     std::condition_variable_any changed_;
