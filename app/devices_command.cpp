@@ -8,7 +8,7 @@ std::string devicesText(const std::vector<AudioInputDevice>& microphones,
                         const std::optional<std::string>& defaultID) {
     std::string text;
     for (const auto& [id, name] : microphones) {
-        text += (id == defaultID ? "* " : "  ") + id + "\t" + name + "\n";
+        text.append(id == defaultID ? "* " : "  ").append(id).append("\t").append(name) += "\n";
     }
     return text;
 }

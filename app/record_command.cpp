@@ -124,8 +124,11 @@ void RecordRun::recordingBegan() {
 }
 
 void RecordRun::waitForTheEnd() {
+    if (!end_) {
+        return;
+    }
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(*end_ - Clock::now());
-    if (left <= 0ms) {
+    if (left.count() <= 0) {
         stopWanted();
     } else {
         endTimer_.start(std::min<std::chrono::milliseconds>(left, longestWait));
@@ -142,7 +145,7 @@ void RecordRun::stopWanted() {
 }
 
 void RecordRun::recordingFailed() {
-    terminal_.message(*model_->values().errorMessage);
+    terminal_.message(model_->values().errorMessage.value_or(std::string()));
     if (!hasBegun_) {
         QCoreApplication::exit(1);
         return;
@@ -173,7 +176,7 @@ int RecordRun::printResult() {
     if (values.errorMessage) {
         terminal_.message(*values.errorMessage);
     }
-    const auto place = values.lastRecordingURL->string();
+    const auto place = values.lastRecordingURL.value_or(std::filesystem::path()).string();
     std::cout << place << std::endl; // NOLINT(performance-avoid-endl): checked below
     if (!std::cout) {
         terminal_.message("The recording was saved as " + place + ", which could not be printed.");
