@@ -40,6 +40,9 @@ public:
     FakeWriter(FakeMediaToolkit& toolkit, std::filesystem::path location)
         : toolkit_(toolkit), location_(std::move(location)) {}
 
+    FakeWriter(const FakeWriter&) = delete;
+    FakeWriter& operator=(const FakeWriter&) = delete;
+
     ~FakeWriter() override {
         if (finisher_.joinable()) {
             finisher_.join();
@@ -129,10 +132,10 @@ public:
 
     std::vector<std::shared_ptr<const AssetTrack>> audioTracks() override {
         throwIfSet(toolkit_.exporting.tracksError);
-        std::vector<std::shared_ptr<const AssetTrack>> tracks;
-        for (std::size_t i = 0; i < toolkit_.exporting.trackCount.value_or(toolkit_.inputCount);
-             ++i) {
-            tracks.push_back(std::make_shared<FakeTrack>(toolkit_));
+        std::vector<std::shared_ptr<const AssetTrack>> tracks(
+            toolkit_.exporting.trackCount.value_or(toolkit_.inputCount));
+        for (auto& track : tracks) {
+            track = std::make_shared<FakeTrack>(toolkit_);
         }
         return tracks;
     }
@@ -216,6 +219,9 @@ private:
 class FakeStream final : public CaptureStream {
 public:
     explicit FakeStream(FakeCaptureService& service) : service_(service) { ++service_.liveStreams; }
+
+    FakeStream(const FakeStream&) = delete;
+    FakeStream& operator=(const FakeStream&) = delete;
 
     ~FakeStream() override { --service_.liveStreams; }
 
