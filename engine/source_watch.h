@@ -14,7 +14,7 @@ namespace vantoro {
 /// Whether a source gives what it is recorded for.
 enum class SourceCondition : std::uint8_t {
     delivering,
-    silent, ///< nothing but zeros for `SourceWatch::noticed`, which a quiet room never gives
+    silent, ///< nothing but zeros for `SourceWatch::noticed`, which a quiet room hardly gives
     muted,  ///< switched off in the desktop's mixer
 };
 
