@@ -8,7 +8,6 @@ namespace vantoro::desktop {
 
 namespace {
 
-const std::string busService = "org.freedesktop.DBus";
 const std::string service = loginManagerService;
 const std::string path = "/org/freedesktop/login1";
 const std::string manager = "org.freedesktop.login1.Manager";
@@ -23,8 +22,7 @@ bool askToInhibit(BusConnection& systemBus, const std::string& owner, const Logi
 }
 
 Logind::Logind(BusConnection& systemBus, std::function<void(bool)> prepareForSleep)
-    : bus_(systemBus) {
-    observeOwner();
+    : bus_(systemBus), owner_(systemBus, service, [this] { takeAll(); }) {
     observeSleep(std::move(prepareForSleep));
 }
 
@@ -41,35 +39,8 @@ std::shared_ptr<LogindInhibitor> Logind::inhibit(std::string what, std::string r
     return inhibitor;
 }
 
-/// The question comes after the rule: no change gets lost between the two.
-void Logind::observeOwner() {
-    bus_.listen("type='signal',sender='" + busService +
-                    "',interface='org.freedesktop.DBus',member='NameOwnerChanged',arg0='" +
-                    service + "'",
-                [this](BusMessage& signal) {
-                    const auto name = signal.readText();
-                    const auto before = signal.readText();
-                    const auto after = signal.readText();
-                    if (signal.sender() == busService && name == service && before && after) {
-                        setOwner(*after);
-                    }
-                });
-    bus_.call({.service = busService,
-               .path = "/org/freedesktop/DBus",
-               .interface = "org.freedesktop.DBus",
-               .member = "GetNameOwner"},
-              {service}, [this](BusMessage& reply) {
-                  if (!reply.isError()) {
-                      setOwner(reply.readText().value_or(""));
-                  }
-              });
-}
-
-void Logind::setOwner(const std::string& owner) {
-    if (owner == owner_) {
-        return;
-    }
-    owner_ = owner;
+/// Of another process than before: what the last one held off has ended with it.
+void Logind::takeAll() {
     for (const auto& wanted : inhibitors_) {
         if (const auto inhibitor = wanted.lock()) {
             take(inhibitor);
@@ -82,20 +53,21 @@ void Logind::observeSleep(std::function<void(bool)> prepareForSleep) {
                     "',member='PrepareForSleep'",
                 [this, tell = std::move(prepareForSleep)](BusMessage& signal) {
                     const auto sleeping = signal.readFlag();
-                    if (signal.sender() == owner_ && sleeping) {
+                    if (signal.sender() == owner_.name() && sleeping) {
                         tell(*sleeping);
                     }
                 });
 }
 
 void Logind::take(const std::shared_ptr<LogindInhibitor>& inhibitor) {
-    if (owner_.empty()) {
+    const auto owner = owner_.name().value_or("");
+    if (owner.empty()) {
         return;
     }
-    askToInhibit(bus_, owner_, *inhibitor,
+    askToInhibit(bus_, owner, *inhibitor,
                  [this, wanted = std::weak_ptr(inhibitor)](BusMessage& reply) {
                      const auto taken = wanted.lock(); // otherwise the lock ends with the reply
-                     if (taken && !reply.isError() && reply.sender() == owner_) {
+                     if (taken && !reply.isError() && reply.sender() == owner_.name()) {
                          taken->lock = reply.readDescriptor();
                      }
                  });

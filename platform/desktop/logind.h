@@ -11,6 +11,7 @@
 #include <QtDBus/QDBusUnixFileDescriptor>
 
 #include "platform/desktop/bus_connection.h"
+#include "platform/desktop/service_owner.h"
 
 namespace vantoro::desktop {
 
@@ -44,13 +45,12 @@ public:
                                              std::string mode);
 
 private:
-    void observeOwner();
-    void setOwner(const std::string& owner);
+    void takeAll();
     void observeSleep(std::function<void(bool)> prepareForSleep);
     void take(const std::shared_ptr<LogindInhibitor>& inhibitor);
 
     BusConnection& bus_;
-    std::string owner_; ///< the process's name on the bus, empty for none
+    ServiceOwner owner_;
     std::vector<std::weak_ptr<LogindInhibitor>> inhibitors_;
 };
 
