@@ -23,6 +23,7 @@
 #include "platform/ffmpeg/loaded_toolkit.h"
 #include "platform/pipewire/device_list.h"
 #include "platform/pipewire/screen_capture_access.h"
+#include "platform/posix/allocation.h"
 #include "platform/posix/posix_file_system.h"
 #include "platform/posix/system_clock.h"
 
@@ -113,7 +114,9 @@ private:
 
 int main(int argc, char** argv) {
     try {
-        vantoro::StopSignals signals; // before anything starts a thread
+        // Before anything starts a thread.
+        vantoro::posix::keepMemorySmall();
+        vantoro::StopSignals signals;
         if (argc <= 1) {
             return vantoro::runWindowCommand(argc, argv, signals);
         }
