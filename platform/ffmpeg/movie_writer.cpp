@@ -187,11 +187,20 @@ void MovieWriter::fail(const std::string& description) {
 }
 
 void MovieWriter::closeFragments() {
-    fillShortTracks();
-    while (coversFragment()) {
+    for (prepareFragment(); coversFragment(); prepareFragment()) {
         file_->append(muxer_.closeFragment(schedule_.end()));
         schedule_.advance();
-        fillShortTracks();
+    }
+}
+
+void MovieWriter::prepareFragment() {
+    fillShortTracks();
+    for (const auto& input : inputs_) {
+        // What waits to be coded together would hold the fragment back.
+        if (!input->hasEnded() && !reachesFragmentEnd(*input) &&
+            input->encoder().position() >= schedule_.framesToClose()) {
+            input->encoder().codeWholePackets(sinkOf(*input));
+        }
     }
 }
 
@@ -214,12 +223,15 @@ void MovieWriter::fillShortTracks() {
 
 /// Whether no track has anything left to add to the fragment, and one goes beyond it.
 bool MovieWriter::coversFragment() const {
-    const auto covers = [this](const auto& input) {
-        return muxer_.end(input->index()) >= schedule_.end();
-    };
+    const auto covers = [this](const auto& input) { return reachesFragmentEnd(*input); };
     return std::ranges::any_of(inputs_, covers) &&
            std::ranges::all_of(
                inputs_, [&](const auto& input) { return input->hasEnded() || covers(input); });
+}
+
+/// Whether the packets that a track has handed over do.
+bool MovieWriter::reachesFragmentEnd(const Input& input) const {
+    return muxer_.end(input.index()) >= schedule_.end();
 }
 
 std::int64_t MovieWriter::longestTrack() const {

@@ -59,8 +59,10 @@ private:
     bool attempt(const std::function<void()>& work);
     void fail(const std::string& description);
     void closeFragments();
+    void prepareFragment();
     void fillShortTracks();
     bool coversFragment() const;
+    bool reachesFragmentEnd(const Input& input) const;
     std::int64_t longestTrack() const;
     PacketSink sinkOf(const Input& input);
 

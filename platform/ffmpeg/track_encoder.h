@@ -14,13 +14,13 @@
 namespace vantoro::ffmpeg {
 
 /// Turns one track's timed buffers into one unbroken row of packets. The coder gets whole packets'
-/// worth of frames only, since it silently pads a short one in mid-stream, and several packets at a
-/// time: one by one they cost a fifth more, since what the coder needs has left the caches
-/// meanwhile. Used by one thread at a time; throws std::runtime_error where it fails.
+/// worth of frames only, since it silently pads a short one in mid-stream, and a second of them
+/// at a time: one by one they cost half as much again, since what the coder needs has left the
+/// caches meanwhile. Used by one thread at a time; throws std::runtime_error where it fails.
 class TrackEncoder {
 public:
     /// How many frames wait to be coded together, at most.
-    static constexpr int batchFrames = 8 * packetFrames;
+    static constexpr int batchFrames = 47 * packetFrames;
 
     TrackEncoder(int channels, int bitRate);
 
@@ -31,6 +31,8 @@ public:
 
     /// `time`: frames from the session's start to the buffer's first frame.
     void append(const SampleBuffer& buffer, std::int64_t time, const PacketSink& sink);
+    /// Codes what waits, but for a last packet that is not whole yet.
+    void codeWholePackets(const PacketSink& sink);
     /// Silence up to `position`, where the track is shorter. Every whole packet is handed over.
     void fillTo(std::int64_t position, const PacketSink& sink);
     /// Hands over all that is left. Nothing may follow.
@@ -42,7 +44,6 @@ private:
     void addSilence(std::int64_t frames, const PacketSink& sink);
     std::span<float> batch(int channel) noexcept;
     void code(int frames, const PacketSink& sink);
-    void codeWholePackets(const PacketSink& sink);
 
     AacEncoder coder_;
     TrackTimeline timeline_;
