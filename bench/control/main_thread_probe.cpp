@@ -35,13 +35,18 @@ using Case = RecordingState::Case;
 /// not answer.
 class StallMeter {
 public:
+    StallMeter() = default;
+    StallMeter(const StallMeter&) = delete;
+    StallMeter& operator=(const StallMeter&) = delete;
+
     ~StallMeter() { end(); }
 
     /// Prints the longest stall of this step, which ends now.
     void print(const std::string& step) {
         const auto longest = std::exchange(longest_, Clock::duration(0));
         std::cout << step << " " << std::chrono::duration<double, std::milli>(longest).count()
-                  << std::endl;
+                  << '\n'
+                  << std::flush;
     }
 
     void end() {
@@ -104,14 +109,14 @@ private:
             break;
         case Case::completed:
             if (const auto& recording = model_.values().lastRecordingURL;
-                !model_.values().errorMessage) {
+                recording && !model_.values().errorMessage) {
                 meter_.print("stop");
                 meter_.end(); // from here on nothing is to disturb
-                std::cout << "saved " << recording->string() << std::endl;
+                std::cout << "saved " << recording->string() << '\n' << std::flush;
             }
             break;
         case Case::failed:
-            std::cerr << model_.values().errorMessage.value_or("") << std::endl;
+            std::cerr << model_.values().errorMessage.value_or("") << '\n';
             QCoreApplication::exit(1);
             break;
         default:
@@ -132,8 +137,8 @@ int run(const std::string& folder, double seconds) {
     RecordingViewModel model(std::make_unique<EngineRecorder>(platform.forRecorder()),
                              platform.forControl(preferences));
     std::cout << "construction "
-              << std::chrono::duration<double, std::milli>(Clock::now() - before).count()
-              << std::endl;
+              << std::chrono::duration<double, std::milli>(Clock::now() - before).count() << '\n'
+              << std::flush;
     StallMeter meter;
     const Probe probe(model, meter, std::chrono::milliseconds(static_cast<int>(seconds * 1000)));
     QSocketNotifier input(STDIN_FILENO, QSocketNotifier::Read);

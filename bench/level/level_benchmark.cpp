@@ -26,7 +26,7 @@ void levelOfOneStereoBuffer(benchmark::State& state) {
         .format =
             vantoro::AudioStreamDescription{.sampleRate = 48000, .channelsPerFrame = channels},
         .samples = std::span<const float>(samples)};
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         benchmark::DoNotOptimize(vantoro::audioLevel(buffer));
     }
 }

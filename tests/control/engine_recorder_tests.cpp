@@ -75,7 +75,7 @@ TEST_F(EngineRecorderTest, showsNoMoreThanFifteenLevelsASecondOfEachSource) {
     QObject::connect(model.get(), &RecordingProperties::propertyChanged, model.get(),
                      [&](auto property) { ++writings[property]; });
     constexpr int buffers = 188; // of 256 frames: a second, with time for the last one to be shown
-    for (int i = 0; i < buffers; ++i) {
+    for (std::int64_t i = 0; i < buffers; ++i) {
         clock.uptime += 256.0 / 48000;
         capture.deliver(bufferAt(i * 256, 2, 256, 0.1F), StreamOutputType::audio);
         capture.deliver(bufferAt(i * 256, 1, 256, 0.1F), StreamOutputType::microphone);

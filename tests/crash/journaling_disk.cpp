@@ -315,6 +315,7 @@ std::unique_ptr<InputFile> JournalingDisk::open(const std::filesystem::path& pat
 std::vector<FolderEntry> JournalingDisk::list(const std::filesystem::path& /*folder*/) {
     const std::lock_guard lock(mutex_);
     std::vector<FolderEntry> entries;
+    entries.reserve(names_.size());
     for (const auto& [path, file] : names_) {
         entries.push_back({path, std::nullopt});
     }

@@ -31,12 +31,14 @@ struct DiskOperation {
         remove
     };
 
+    // NOLINTBEGIN(readability-redundant-member-init): what has none must always be named
     Kind kind = Kind::create;
     std::size_t file = 0;           ///< by the order of creation; of all but folders
     std::filesystem::path path{};   ///< of what has a name
     std::filesystem::path target{}; ///< of a move
     std::uint64_t offset = 0;       ///< of a write; the size of a truncation
     std::vector<std::byte> bytes{}; ///< of a write
+    // NOLINTEND(readability-redundant-member-init)
 };
 
 using DiskJournal = std::vector<DiskOperation>;

@@ -172,13 +172,17 @@ protected:
         for (const auto& scene : scenes) {
             for (const std::string spoken : {"en", "zh-Hans"}) {
                 stage(scene, spoken);
-                const auto name = scene.name + "-" + spoken + "-" + light.name + size;
-                keepPicture(*window, name);
-                expectNothingClipped(*window, name);
-                window->resize(10, 10);
-                expectNothingClipped(*window, name + ", at its least size");
+                lookAs(scene.name + "-" + spoken, light.name + size);
             }
         }
+    }
+
+    void lookAs(const std::string& scene, const std::string& appearance) {
+        const auto name = scene + "-" + appearance;
+        keepPicture(*window, name);
+        expectNothingClipped(*window, name);
+        window->resize(10, 10);
+        expectNothingClipped(*window, name + ", at its least size");
     }
 
     std::string folder =

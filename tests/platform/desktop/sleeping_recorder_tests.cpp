@@ -44,7 +44,7 @@ protected:
         waitForTheFirstSalvage();
     }
 
-    ~SleepingRecorderTest() override {
+    void TearDown() override {
         model.reset();
         scheduler.reset(); // what it still does works with the rest
     }

@@ -36,14 +36,16 @@ private:
 
 /// A status area, and a panel that looks at what is in it.
 class StatusNotifierTest : public ::testing::Test {
+public:
+    StatusNotifierTest(const StatusNotifierTest&) = delete;
+    StatusNotifierTest& operator=(const StatusNotifierTest&) = delete;
+
 protected:
     PrivateBus bus;
     desktop::StatusNotifierArea area{bus.address().toStdString()};
     QStringList clicks; ///< their tokens
 
     StatusNotifierTest();
-    StatusNotifierTest(const StatusNotifierTest&) = delete;
-    StatusNotifierTest& operator=(const StatusNotifierTest&) = delete;
     ~StatusNotifierTest() override;
 
     std::unique_ptr<StatusItem> makeItem(const std::string& identifier = "an-item",

@@ -95,7 +95,7 @@ Sound music() {
 }
 
 /// One sound until a frame, another one from there to a second frame, then the first again.
-Sound interrupted(Sound sound, Sound by, std::int64_t from, std::int64_t to) {
+Sound interrupted(const Sound& sound, const Sound& by, std::int64_t from, std::int64_t to) {
     return
         [=](std::int64_t frame) { return frame >= from && frame < to ? by(frame) : sound(frame); };
 }

@@ -34,7 +34,7 @@ constexpr WindowEnd longEnd{.isShort = false, .shape = 1};
 constexpr WindowEnd shortEnd{.isShort = true, .shape = 1};
 
 /// As many packets of one byte each, which tells its number and whose it is.
-CodedChunk made(std::int64_t first, std::int64_t count, int maker,
+CodedChunk made(std::int64_t first, std::int64_t count, std::int64_t maker,
                 const std::vector<WindowEnds>& ends) {
     CodedChunk chunk;
     chunk.firstPacket = first;

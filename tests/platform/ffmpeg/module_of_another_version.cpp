@@ -7,5 +7,6 @@
 // NOLINTNEXTLINE(misc-use-internal-linkage): found by its name
 extern "C" const vantoro::ffmpeg::ToolkitModule vantoroToolkitModule{
     {.version = "another version"},
+    // NOLINTNEXTLINE(performance-unnecessary-value-param): as the module's is
     [](vantoro::FileSystem&, vantoro::IsPowerSaved) -> vantoro::MediaToolkit* { return nullptr; },
 };

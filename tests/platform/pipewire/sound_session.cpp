@@ -249,7 +249,7 @@ void SoundSession::destroyNode(const std::string& name) {
 }
 
 void SoundSession::makeDefaultMicrophone(const std::string& name) {
-    const auto value = "{ \"name\": \"" + name + "\" }";
+    const auto value = R"({ "name": ")" + name + R"(" })";
     run({"pw-metadata", "0", "default.configured.audio.source", value});
     if (!eventually([&] {
             return outputOf("pw-metadata 0 default.audio.source").find('"' + name + '"') !=
