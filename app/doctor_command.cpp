@@ -88,7 +88,7 @@ std::optional<desktop::MicrophoneFacts> askForMicrophone(desktop::Presence sessi
 } // namespace
 
 DoctorFindings examine(const std::filesystem::path& recordingFolder) {
-    Awaited sound(&pipewire::surveySound);
+    Awaited sound([] { return pipewire::surveySound(serviceLimit); });
     Awaited folder([recordingFolder] { return askDisk(recordingFolder); });
     Awaited interrupted([recordingFolder] { return askForInterrupted(recordingFolder); });
     const auto desktop = desktop::surveyDesktop(desktop::standardBusAddresses(), serviceLimit);

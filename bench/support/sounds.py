@@ -24,13 +24,15 @@ class Sounds:
             output = ["--file", file]
         self._players = [
             subprocess.Popen([_PLAYER, *output, "--to", OUTPUT]),
-            subprocess.Popen([_PLAYER, "--say", _SPEECH * (1 + seconds // 8), "--into", MICROPHONE]),
+            subprocess.Popen([_PLAYER, "--say", _SPEECH * (1 + seconds // 8), "--into", MICROPHONE],
+                             stdout=subprocess.PIPE),
         ]
 
     def __enter__(self):
+        self._players[1].stdout.readline()  # it tells when the microphone hears it
         return self
 
     def __exit__(self, *_):
         for player in self._players:
             player.kill()
-            player.wait()
+            player.communicate()

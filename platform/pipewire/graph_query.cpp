@@ -2,8 +2,6 @@
 
 #include "platform/pipewire/graph_query.h"
 
-#include <chrono>
-
 #include "platform/pipewire/capture_error.h"
 #include "platform/pipewire/connection.h"
 #include "platform/pipewire/graph_mirror.h"
@@ -12,11 +10,11 @@ namespace vantoro::pipewire {
 
 namespace {
 
-std::optional<Graph> query(Connection& connection) {
+std::optional<Graph> query(Connection& connection, std::chrono::seconds limit) {
     std::optional<GraphMirror> mirror;
     mirror.emplace(connection.core(), [] {});
     connection.run();
-    const Deadline deadline = std::chrono::steady_clock::now() + std::chrono::seconds(2);
+    const Deadline deadline = std::chrono::steady_clock::now() + limit;
     // The first answer comes behind all objects, the second behind what they tell of themselves.
     const bool answered = connection.roundTrip(deadline) && connection.roundTrip(deadline);
     const LoopLock lock(connection.threadLoop());
@@ -27,10 +25,10 @@ std::optional<Graph> query(Connection& connection) {
 
 } // namespace
 
-std::optional<Graph> queryGraph() {
+std::optional<Graph> queryGraph(std::chrono::seconds limit) {
     try {
         Connection connection({.lost = [] {}, .identified = [] {}});
-        return query(connection);
+        return query(connection, limit);
     } catch (const CaptureError&) {
         return std::nullopt;
     }

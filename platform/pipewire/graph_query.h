@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include <chrono>
 #include <optional>
 
 #include "platform/pipewire/graph.h"
@@ -9,7 +10,7 @@
 namespace vantoro::pipewire {
 
 /// The sound server's objects at this moment; nothing when it is not there, or has not answered
-/// within 2 seconds. Connects anew each time. Task threads, and the main thread.
-std::optional<Graph> queryGraph();
+/// within the limit. Connects anew each time. Task threads, and the main thread.
+std::optional<Graph> queryGraph(std::chrono::seconds limit = std::chrono::seconds(2));
 
 } // namespace vantoro::pipewire

@@ -25,8 +25,8 @@ SoundSurvey surveyOf(const Graph& graph) {
     return survey;
 }
 
-std::optional<SoundSurvey> surveySound() {
-    const auto graph = queryGraph();
+std::optional<SoundSurvey> surveySound(std::chrono::seconds limit) {
+    const auto graph = queryGraph(limit);
     return graph ? std::optional(surveyOf(*graph)) : std::nullopt;
 }
 

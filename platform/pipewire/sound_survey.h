@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <optional>
 #include <string>
@@ -35,9 +36,9 @@ struct SoundSurvey {
 
 SoundSurvey surveyOf(const Graph& graph);
 
-/// At this moment; nothing when the sound server is not there, or has not answered within 2
-/// seconds. Task threads, and the main thread.
-std::optional<SoundSurvey> surveySound();
+/// At this moment; nothing when the sound server is not there, or has not answered within the
+/// limit. Task threads, and the main thread.
+std::optional<SoundSurvey> surveySound(std::chrono::seconds limit);
 
 /// Of the sound server's library that this program runs with.
 std::string soundLibraryVersion();
