@@ -91,7 +91,7 @@ public:
                             std::filesystem::absolute(*command.folder).string());
         }
         RecordRun run(command, signals_, preferences);
-        RecordingPlatform platform;
+        RecordingPlatform platform(RecordingPlatform::Meters::none);
         platform.setChosenMicrophone(command.microphoneID);
         RecordingViewModel model(
             std::make_unique<EngineRecorder>(platform.forRecorder(), run.details()),

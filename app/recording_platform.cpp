@@ -2,6 +2,7 @@
 
 #include "app/recording_platform.h"
 
+#include <chrono>
 #include <exception>
 #include <utility>
 
@@ -11,6 +12,9 @@
 namespace vantoro {
 
 namespace {
+
+/// Where nobody waits for the next level.
+constexpr std::chrono::milliseconds unhurriedDelivery(500);
 
 /// Takes what is captured, and no notice of it.
 class DiscardingReceiver final : public CaptureStreamReceiver {
@@ -48,8 +52,10 @@ bool isHidden(const std::optional<std::string>& microphone) {
 
 } // namespace
 
-RecordingPlatform::RecordingPlatform(QtScheduler::TasksBegin tasksBegin)
-    : microphoneAccess_([this] { return canOpen(captureService_, chosenMicrophone()); },
+RecordingPlatform::RecordingPlatform(Meters meters, QtScheduler::TasksBegin tasksBegin)
+    : captureService_(meters == Meters::shown ? pipewire::CaptureService::metersInterval
+                                              : unhurriedDelivery),
+      microphoneAccess_([this] { return canOpen(captureService_, chosenMicrophone()); },
                         [this] { return isHidden(chosenMicrophone()); }),
       scheduler_(tasksBegin) {}
 

@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include <cstdint>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -28,8 +29,11 @@ namespace vantoro {
 /// view model, and waits at its end for what they still have in work. Main thread.
 class RecordingPlatform {
 public:
+    /// Whether somebody looks at the sources' levels.
+    enum class Meters : std::uint8_t { shown, none };
+
     explicit RecordingPlatform(
-        QtScheduler::TasksBegin tasksBegin = QtScheduler::TasksBegin::atOnce);
+        Meters meters, QtScheduler::TasksBegin tasksBegin = QtScheduler::TasksBegin::atOnce);
     RecordingPlatform(const RecordingPlatform&) = delete;
     RecordingPlatform& operator=(const RecordingPlatform&) = delete;
     ~RecordingPlatform() = default;

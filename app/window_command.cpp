@@ -78,7 +78,7 @@ private:
     SettingsFile preferences_;
     // What looks for devices and old recordings takes processors from the window that is being
     // made.
-    RecordingPlatform platform_{QtScheduler::TasksBegin::whenLet};
+    RecordingPlatform platform_{RecordingPlatform::Meters::shown, QtScheduler::TasksBegin::whenLet};
     desktop::StatusNotifierArea notifierArea_;
     TrayIconArea trayIconArea_;
     SubstitutedStatusArea statusArea_{notifierArea_, trayIconArea_};

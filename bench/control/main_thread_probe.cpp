@@ -133,7 +133,7 @@ int run(const std::string& folder, double seconds) {
     SettingsFile preferences;
     preferences.set(Preference::outputDirectory, folder);
     const auto before = Clock::now();
-    RecordingPlatform platform;
+    RecordingPlatform platform(RecordingPlatform::Meters::shown);
     RecordingViewModel model(std::make_unique<EngineRecorder>(platform.forRecorder()),
                              platform.forControl(preferences));
     std::cout << "construction "

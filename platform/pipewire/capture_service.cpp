@@ -11,17 +11,19 @@ namespace vantoro::pipewire {
 
 namespace {
 
-CaptureSettings settingsOf(const StreamConfiguration& configuration) {
+CaptureSettings settingsOf(const StreamConfiguration& configuration,
+                           std::chrono::milliseconds deliveryInterval) {
     return {.systemAudio = configuration.capturesAudio,
             .microphone = configuration.captureMicrophone,
             .microphoneName = configuration.microphoneCaptureDeviceID,
-            .excludesOwnSound = configuration.excludesCurrentProcessAudio};
+            .excludesOwnSound = configuration.excludesCurrentProcessAudio,
+            .deliveryInterval = deliveryInterval};
 }
 
 class Stream final : public CaptureStream {
 public:
-    Stream(const StreamConfiguration& configuration, CaptureStreamReceiver& receiver)
-        : settings_(settingsOf(configuration)), receiver_(receiver) {}
+    Stream(CaptureSettings settings, CaptureStreamReceiver& receiver)
+        : settings_(std::move(settings)), receiver_(receiver) {}
 
     Stream(const Stream&) = delete;
     Stream& operator=(const Stream&) = delete;
@@ -83,7 +85,7 @@ private:
 std::shared_ptr<CaptureStream> CaptureService::makeStream(const ContentFilter& /*filter*/,
                                                           const StreamConfiguration& configuration,
                                                           CaptureStreamReceiver& receiver) {
-    return std::make_shared<Stream>(configuration, receiver);
+    return std::make_shared<Stream>(settingsOf(configuration, deliveryInterval_), receiver);
 }
 
 } // namespace vantoro::pipewire

@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include <chrono>
 #include <memory>
 
 #include "engine/ports/capture_stream.h"
@@ -12,9 +13,20 @@ namespace vantoro::pipewire {
 /// one microphone. Errors are `CaptureError`s. A microphone's identifier is its node's name.
 class CaptureService final : public vantoro::CaptureService {
 public:
+    /// What a level meter needs to be told something new twelve times a second. Waking the capture
+    /// queue costs more than the copying does.
+    static constexpr std::chrono::milliseconds metersInterval{80};
+
+    /// Sound is delivered once so much of it is there, and twice a second at least.
+    explicit CaptureService(std::chrono::milliseconds deliveryInterval = metersInterval)
+        : deliveryInterval_(deliveryInterval) {}
+
     std::shared_ptr<CaptureStream> makeStream(const ContentFilter& filter,
                                               const StreamConfiguration& configuration,
                                               CaptureStreamReceiver& receiver) override;
+
+private:
+    std::chrono::milliseconds deliveryInterval_;
 };
 
 } // namespace vantoro::pipewire

@@ -112,10 +112,12 @@ void CaptureSession::openMicrophone() {
 
 std::unique_ptr<InputStream> CaptureSession::makeStream(CaptureSource source) {
     auto feed = std::make_shared<CaptureFeed>(source);
-    const InputStream::Wake wake = [](void* delivery) noexcept {
-        static_cast<CaptureDelivery*>(delivery)->wake();
-    };
-    auto stream = std::make_unique<InputStream>(connection_.core(), feed, wake, delivery_.get(),
+    const InputStream::Wake wake{
+        .frames =
+            static_cast<std::size_t>(framesInMilliseconds(settings_.deliveryInterval.count())),
+        .call = [](void* delivery) noexcept { static_cast<CaptureDelivery*>(delivery)->wake(); },
+        .receiver = delivery_.get()};
+    auto stream = std::make_unique<InputStream>(connection_.core(), feed, wake,
                                                 [this] { updateEvent_.request(); });
     delivery_->addFeed(std::move(feed));
     return stream;
@@ -208,7 +210,7 @@ void CaptureSession::tick() {
         if (microphone_) {
             microphone_->applySpeed();
         }
-        // Where nothing is captured at all, silence goes on.
+        // Where nothing is captured at all, silence goes on; otherwise little waits long.
         delivery_->wake();
         checkStalls();
     }

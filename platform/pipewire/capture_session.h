@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <map>
 #include <memory>
@@ -24,6 +25,7 @@ struct CaptureSettings {
     bool microphone = false;
     std::optional<std::string> microphoneName; ///< absent: the default one
     bool excludesOwnSound = true;
+    std::chrono::milliseconds deliveryInterval{}; ///< for how much sound the queue is woken
 };
 
 /// One run of capture: the connection, the streams and the links, from start to stop.

@@ -18,10 +18,6 @@ namespace vantoro::pipewire {
 
 namespace {
 
-// Waking the capture queue costs more than the copying does: four graph cycles of usual length,
-// after which a level meter is still told something new twelve times a second.
-constexpr std::size_t framesWorthWaking = framesInMilliseconds(80);
-
 std::uint32_t nodeChannels(CaptureSource source) {
     return source == CaptureSource::systemAudio ? tapChannels.size() : 1;
 }
@@ -85,11 +81,10 @@ const pw_stream_events InputStream::events = [] {
     return table;
 }();
 
-InputStream::InputStream(pw_core* core, std::shared_ptr<CaptureFeed> feed, Wake wake,
-                         void* receiver, StateChanged stateChanged)
+InputStream::InputStream(pw_core* core, std::shared_ptr<CaptureFeed> feed, const Wake& wake,
+                         StateChanged stateChanged)
     : feed_(std::move(feed)),
       wake_(wake),
-      receiver_(receiver),
       stateChanged_(std::move(stateChanged)),
       stream_(pw_stream_new(core, "Recording", streamProperties(feed_->source).release())) {
     if (!stream_) {
@@ -184,8 +179,8 @@ void InputStream::process(void* data) {
         self.takeIn(*buffer->buffer);
         pw_stream_queue_buffer(self.stream_.get(), buffer);
     }
-    if (self.feed_->ring.pendingFrames() >= framesWorthWaking) {
-        self.wake_(self.receiver_);
+    if (self.feed_->ring.pendingFrames() >= self.wake_.frames) {
+        self.wake_.call(self.wake_.receiver);
     }
 }
 

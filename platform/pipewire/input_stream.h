@@ -26,11 +26,16 @@ public:
 
     /// Called on the loop.
     using StateChanged = std::function<void()>;
-    /// Called on the real-time thread when enough is waiting in the feed.
-    using Wake = void (*)(void* receiver) noexcept;
 
-    /// Throws `CaptureError`. `receiver` is what `wake` is called with.
-    InputStream(pw_core* core, std::shared_ptr<CaptureFeed> feed, Wake wake, void* receiver,
+    /// What is called on the real-time thread when so many frames are waiting in the feed.
+    struct Wake {
+        std::size_t frames = 0;
+        void (*call)(void* receiver) noexcept = nullptr;
+        void* receiver = nullptr;
+    };
+
+    /// Throws `CaptureError`.
+    InputStream(pw_core* core, std::shared_ptr<CaptureFeed> feed, const Wake& wake,
                 StateChanged stateChanged);
     InputStream(const InputStream&) = delete;
     InputStream& operator=(const InputStream&) = delete;
@@ -69,7 +74,6 @@ private:
 
     const std::shared_ptr<CaptureFeed> feed_;
     const Wake wake_;
-    void* const receiver_;
     const StateChanged stateChanged_;
     State state_ = State::starting;
     std::string reason_;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "platform/pipewire/frame_clock.h"
 #include "tests/platform/pipewire/capture_fixture.h"
 #include "tests/platform/pipewire/own_tone.h"
 
@@ -62,6 +63,15 @@ TEST_F(Capture, hearsApplicationsOnAllOutputsAndTheMicrophone) {
     EXPECT_EQ(heard.start, spoken.start);
     EXPECT_EQ(heard.frames(), spoken.frames());
     EXPECT_TRUE(sound.stops().empty());
+}
+
+TEST_F(Capture, waitsForAsMuchSoundAsIsToBeDeliveredAtATime) {
+    service = pipewire::CaptureService(std::chrono::milliseconds(300));
+    start();
+    ASSERT_TRUE(sound.waitForMore(1.5));
+    EXPECT_GE(sound.largestDelay(), pipewire::framesInMilliseconds(250)); // without a last cycle
+    EXPECT_EQ(sound.audio().discontinuities, 0U);
+    EXPECT_EQ(sound.microphone().discontinuities, 0U);
 }
 
 TEST_F(Capture, tellsWhenTheMicrophoneIsSwitchedOffInTheMixerAndOnAgain) {

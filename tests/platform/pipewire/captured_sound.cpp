@@ -8,6 +8,8 @@
 #include <functional>
 #include <numbers>
 
+#include "platform/pipewire/frame_clock.h"
+
 namespace vantoro::testing {
 
 namespace {
@@ -36,6 +38,8 @@ void CapturedSound::didOutputSampleBuffer(const SampleBuffer& buffer, StreamOutp
     if (position != track.start + static_cast<std::int64_t>(track.frames())) {
         ++track.discontinuities;
     }
+    const auto now = pipewire::gridPosition(pipewire::nanosecondsOn(CLOCK_MONOTONIC));
+    largestDelay_ = std::max(largestDelay_, now - position);
     const auto frames = static_cast<std::size_t>(buffer.frameCount);
     const auto samples = std::get<std::span<const float>>(buffer.samples);
     for (std::size_t channel = 0; channel < track.channels.size(); ++channel) {
@@ -74,6 +78,11 @@ DeliveredTrack CapturedSound::audio() const {
 DeliveredTrack CapturedSound::microphone() const {
     const std::lock_guard lock(mutex_);
     return microphone_;
+}
+
+std::int64_t CapturedSound::largestDelay() const {
+    const std::lock_guard lock(mutex_);
+    return largestDelay_;
 }
 
 std::int64_t CapturedSound::largestLead() const {

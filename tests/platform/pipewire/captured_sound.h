@@ -37,6 +37,8 @@ public:
     DeliveredTrack microphone() const;
     /// By how many frames one source was ever delivered ahead of the other.
     std::int64_t largestLead() const;
+    /// How many frames the oldest sample was behind the moment when it was delivered.
+    std::int64_t largestDelay() const;
     /// Texts of all the errors that the stream stopped with.
     std::vector<std::string> stops() const;
     /// As the stream told.
@@ -55,6 +57,7 @@ private:
     DeliveredTrack audio_;
     DeliveredTrack microphone_;
     std::int64_t largestLead_ = 0;
+    std::int64_t largestDelay_ = 0;
     std::vector<std::string> stops_;
     std::vector<bool> mutes_;
 };
