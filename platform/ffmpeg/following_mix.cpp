@@ -62,6 +62,19 @@ void FollowingMix::movieHasGrown() {
     changed_.notify_one();
 }
 
+std::shared_ptr<const Movie> FollowingMix::finishedMovie() {
+    stopFollowing();
+    if (!mix_) {
+        return nullptr;
+    }
+    try {
+        return mix_->finishedMovie();
+    } catch (const std::exception&) {
+        mix_.reset();
+        return nullptr;
+    }
+}
+
 bool FollowingMix::completeAs(const std::filesystem::path& destination, const Mix& mix,
                               unsigned threads, const ExportProgress& progress) {
     stopFollowing();

@@ -41,6 +41,10 @@ public:
     /// Another fragment is on the disk. Any thread.
     void movieHasGrown();
 
+    /// The movie, which is finished, where the mix knows it already: of a long one, most may have
+    /// to come from the disk again. Null where it does not. Nothing is followed any more.
+    std::shared_ptr<const Movie> finishedMovie();
+
     /// Completes the mix of the movie, which is finished, under the name given; false where it was
     /// not followed, with these volumes: then nothing is at that place. Nothing may follow.
     bool completeAs(const std::filesystem::path& destination, const Mix& mix, unsigned threads,

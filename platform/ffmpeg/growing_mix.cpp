@@ -62,9 +62,17 @@ void GrowingMix::goOn(const std::stop_token& stop) {
     }
 }
 
+std::shared_ptr<const Movie> GrowingMix::finishedMovie() {
+    readFragments();
+    return movie_;
+}
+
 /// Takes in what the file has grown by. Returns how many frames all tracks have.
 std::int64_t GrowingMix::readFragments() {
     movie_->file = fileSystem_.open(location_);
+    if (movie_->file->size() < movie_->scan.fragmentsEnd) {
+        throw std::runtime_error("The movie has become shorter.");
+    }
     continueScan(*movie_->file, movie_->scan);
     return std::ranges::min(movie_->scan.ends) - primingFrames;
 }

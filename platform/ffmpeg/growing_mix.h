@@ -31,6 +31,9 @@ public:
     /// Mixes what there is by now. A stop is heeded at once.
     void goOn(const std::stop_token& stop);
 
+    /// The movie, which is finished. Only what it has grown by since is looked through.
+    std::shared_ptr<const Movie> finishedMovie();
+
     /// Mixes the rest of the movie, which is finished, and gives the file its name. `mix`: the
     /// whole of it. Throws std::runtime_error when it is not the mix that was begun.
     void complete(const Mix& mix, const std::filesystem::path& destination, unsigned threads,

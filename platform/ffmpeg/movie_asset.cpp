@@ -31,9 +31,6 @@ TimeRange MovieTrack::timeRange() const {
             .duration = {.value = frames, .timescale = framesPerSecond}};
 }
 
-MovieAsset::MovieAsset(FileSystem& fileSystem, const std::filesystem::path& location)
-    : movie_(openMovie(fileSystem, location)) {}
-
 std::vector<std::shared_ptr<const AssetTrack>> MovieAsset::audioTracks() {
     std::vector<std::shared_ptr<const AssetTrack>> tracks;
     for (std::size_t index = 0; index < movie_->scan.tracks.size(); ++index) {

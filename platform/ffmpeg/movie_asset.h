@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <filesystem>
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "engine/ports/file_system.h"
@@ -22,7 +23,8 @@ struct Movie {
     std::vector<ParametersHandle> codecs; ///< as `readCodecs` gives them
 };
 
-/// Throws as `MovieAsset`.
+/// Throws DamagedMovie where there is no movie, or one that nobody here has written; what the file
+/// system throws when the file cannot be read.
 std::shared_ptr<Movie> openMovie(FileSystem& fileSystem, const std::filesystem::path& location);
 
 /// One audio track of a movie, whose time begins behind the coder's priming.
@@ -45,9 +47,7 @@ private:
 /// What is whole in a movie of fragments, be it finished or not.
 class MovieAsset final : public Asset {
 public:
-    /// Throws DamagedMovie where there is no movie, or one that nobody here has written; what the
-    /// file system throws when the file cannot be read.
-    MovieAsset(FileSystem& fileSystem, const std::filesystem::path& location);
+    explicit MovieAsset(std::shared_ptr<const Movie> movie) : movie_(std::move(movie)) {}
 
     std::vector<std::shared_ptr<const AssetTrack>> audioTracks() override;
     MediaTime duration() override;

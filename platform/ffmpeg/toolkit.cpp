@@ -27,7 +27,10 @@ std::unique_ptr<FileWriter> FfmpegToolkit::makeWriter(const std::filesystem::pat
 }
 
 std::unique_ptr<Asset> FfmpegToolkit::openAsset(const std::filesystem::path& location) {
-    return std::make_unique<MovieAsset>(fileSystem_, location);
+    const auto following = following_->of(location);
+    auto movie = following ? following->finishedMovie() : nullptr;
+    return std::make_unique<MovieAsset>(movie ? std::move(movie)
+                                              : openMovie(fileSystem_, location));
 }
 
 std::unique_ptr<Composition> FfmpegToolkit::makeComposition() {

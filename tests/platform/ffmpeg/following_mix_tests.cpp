@@ -2,11 +2,14 @@
 
 #include "platform/ffmpeg/following_mix.h"
 
+#include <algorithm>
 #include <atomic>
+#include <span>
 
 #include <gtest/gtest.h>
 
 #include "engine/track_mixing.h"
+#include "platform/ffmpeg/box_reader.h"
 #include "tests/platform/ffmpeg/memory_file_system.h"
 #include "tests/platform/ffmpeg/movie_recording.h"
 
@@ -32,10 +35,22 @@ protected:
         position = end;
     }
 
+    /// A finished movie of which the mix has begun.
+    void recordFollowed() {
+        recording.writer().expectMix({0.9F, 0.5F});
+        recordSeconds(12);
+        ASSERT_TRUE(files.waitForUnnamed(1));
+        recording.finish();
+    }
+
     void mix(MediaToolkit& toolkit, const char* destination, const Volumes& volumes) {
         const auto asset = toolkit.openAsset("movie.mov");
         mixTracks(toolkit, files, *asset, destination,
                   [&](std::size_t track) { return volumes[track]; }, {});
+    }
+
+    double finishedSeconds(MediaToolkit& toolkit) {
+        return toolkit.openAsset("movie.mov")->duration().seconds();
     }
 
     /// Whether the mix was made ahead; in any case it is the one that is made without.
@@ -105,15 +120,33 @@ TEST_F(FollowingMixTest, isNotMadeWhereFilesHaveNames) {
 }
 
 TEST_F(FollowingMixTest, aFailureOnTheDiskIsNotTheRecordings) {
-    recording.writer().expectMix({0.9F, 0.5F});
-    recordSeconds(12);
-    ASSERT_TRUE(files.waitForUnnamed(1));
-    recording.finish();
+    recordFollowed();
     files.setSyncFails(true); // for the mix that followed
     EXPECT_THROW(mix(recording.toolkit(), "mix.m4a", {0.9F, 0.5F}), std::system_error);
     files.setSyncFails(false);
     mix(recording.toolkit(), "mix.m4a", {0.9F, 0.5F});
     EXPECT_EQ(files.journalOf("mix.m4a").front(), "create");
+}
+
+TEST_F(FollowingMixTest, knowsTheFinishedMovieWithoutReadingItAgain) {
+    recordFollowed();
+    const double seconds = finishedSeconds(recording.toolkit());
+    auto content = files.contentOf("movie.mov");
+    std::ranges::fill(std::span(content).first(64), std::byte(0));
+    files.put("movie.mov", content);
+    EXPECT_EQ(finishedSeconds(recording.toolkit()), seconds);
+    FfmpegToolkit another(files);
+    EXPECT_THROW(finishedSeconds(another), DamagedMovie);
+}
+
+TEST_F(FollowingMixTest, doesNotKnowAMovieThatHasBecomeShorter) {
+    recordFollowed();
+    const double seconds = finishedSeconds(recording.toolkit());
+    auto content = files.contentOf("movie.mov");
+    content.resize(content.size() / 2);
+    files.put("movie.mov", content);
+    EXPECT_LT(finishedSeconds(recording.toolkit()), seconds);
+    EXPECT_GT(finishedSeconds(recording.toolkit()), 0);
 }
 
 TEST_F(FollowingMixTest, endsWithTheRecordingThatIsGivenUp) {
