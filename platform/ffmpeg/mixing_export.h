@@ -16,7 +16,7 @@ namespace vantoro::ffmpeg {
 
 /// Mixes a composition's tracks into a stereo M4A file of 256 kb/s, as long as the longest track to
 /// the sample; a single track whose volume stays 1 is copied instead. The sum is limited to full
-/// scale only where it is coded. Needs the same memory for any length, but for four bytes a packet.
+/// scale only where it is coded. Needs the same memory for any length, but for two bytes a packet.
 class MixingExport final : public ExportSession {
 public:
     /// The first two outlive the session. A mix that followed the recording is only completed. So

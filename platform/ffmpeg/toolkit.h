@@ -18,6 +18,7 @@ public:
     explicit FfmpegToolkit(FileSystem& fileSystem, IsPowerSaved isPowerSaved = {});
 
     std::unique_ptr<FileWriter> makeWriter(const std::filesystem::path& location) override;
+    /// Of a movie that is finished, or that nobody here writes: its mix is followed no further.
     std::unique_ptr<Asset> openAsset(const std::filesystem::path& location) override;
     std::unique_ptr<Composition> makeComposition() override;
     /// Null without an AAC coder, and for a composition without tracks or of another toolkit.
