@@ -205,17 +205,12 @@ std::filesystem::path AudioRecorder::exportFinal(float systemVolume, float micro
     if (outputDirectory_.empty()) {
         throw RecordingError(RecordingError::Case::exportFailed);
     }
-    auto destination = uniqueOutputURL(outputDirectory_, platform_.fileSystem, platform_.clock);
-    try {
-        const auto asset = platform_.mediaToolkit.openAsset(temporaryURL_);
-        mixTracks(platform_.mediaToolkit, platform_.fileSystem, *asset, destination,
-                  recordingVolumes(hasSystemAudioTrack_, systemVolume, microphoneVolume),
-                  onExportProgress);
-    } catch (...) {
-        removeIgnoringErrors(platform_.fileSystem, destination);
-        throw;
-    }
-    return destination;
+    auto place = uniqueOutputURL(outputDirectory_, platform_.fileSystem, platform_.clock);
+    const auto asset = platform_.mediaToolkit.openAsset(temporaryURL_);
+    return mixTracks(platform_.mediaToolkit, *asset, std::move(place),
+                     recordingVolumes(hasSystemAudioTrack_, systemVolume, microphoneVolume),
+                     onExportProgress, {})
+        .location;
 }
 
 void AudioRecorder::resetKeepingWhatWasWritten() {

@@ -43,27 +43,9 @@ std::string temporaryFileName() {
     return ".Vantoro-" + randomUUID() + ".partial.mov";
 }
 
-std::filesystem::path uniqueOutputURL(const std::filesystem::path& folder, FileSystem& fileSystem,
-                                      const Clock& clock) {
-    const std::string base = "Vantoro-" + timeStamp(clock.localTime());
-    auto candidate = folder / (base + ".m4a");
-    const auto isTaken = [&] {
-        return fileSystem.exists(candidate) || isBeingExportedTo(candidate, fileSystem);
-    };
-    for (std::int64_t counter = 2; isTaken(); ++counter) {
-        candidate = folder / (base + "-" + std::to_string(counter) + ".m4a");
-    }
-    return candidate;
-}
-
-std::filesystem::path stagingURL(std::filesystem::path destination) {
-    return destination.replace_extension("exporting.m4a");
-}
-
-bool isBeingExportedTo(const std::filesystem::path& destination, FileSystem& fileSystem) {
-    const auto staging = stagingURL(destination);
-    // What nobody has locked was left behind by an export that died.
-    return fileSystem.exists(staging) && fileSystem.lock(staging) == nullptr;
+OutputPlace uniqueOutputURL(const std::filesystem::path& folder, FileSystem& fileSystem,
+                            const Clock& clock) {
+    return {fileSystem, folder, "Vantoro-" + timeStamp(clock.localTime())};
 }
 
 } // namespace vantoro

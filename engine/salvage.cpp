@@ -24,12 +24,11 @@ std::string lowerCased(std::string text) {
     return text;
 }
 
-void exportRecoveredAsset(const SalvagePlatform& platform, Asset& asset,
-                          const std::filesystem::path& destination,
-                          const ExportProgress& progress) {
+FinalFile exportRecoveredAsset(const SalvagePlatform& platform, Asset& asset, OutputPlace place,
+                               const ExportProgress& progress, const std::stop_token& stop) {
     // The volumes that the user had chosen died with the recorder.
     const auto fullVolume = [](std::size_t) { return 1.0F; };
-    mixTracks(platform.mediaToolkit, platform.fileSystem, asset, destination, fullVolume, progress);
+    return mixTracks(platform.mediaToolkit, asset, std::move(place), fullVolume, progress, stop);
 }
 
 /// Null where it holds no sound. Throws where it cannot be read.
@@ -63,21 +62,20 @@ std::optional<std::filesystem::path> recover(const SalvagePlatform& platform,
     if (!asset) {
         return std::nullopt;
     }
-    auto destination =
-        uniqueOutputURL(candidate.parent_path(), platform.fileSystem, platform.clock);
+    auto place = uniqueOutputURL(candidate.parent_path(), platform.fileSystem, platform.clock);
+    const auto final = exportRecoveredAsset(platform, *asset, std::move(place), progress, stop);
     try {
-        exportRecoveredAsset(platform, *asset, destination, progress);
         if (stop.stop_requested()) {
-            removeIgnoringErrors(platform.fileSystem, destination);
+            final.file->discard();
             return std::nullopt;
         }
         platform.fileSystem.remove(candidate);
     } catch (...) {
         // A recording is never both kept for another attempt and finished.
-        removeIgnoringErrors(platform.fileSystem, destination);
+        final.file->discard();
         throw;
     }
-    return destination;
+    return final.location;
 }
 
 std::vector<FolderEntry> listOrNothing(FileSystem& fileSystem,

@@ -37,7 +37,7 @@ std::size_t recordingsToRecover(MediaToolkit& mediaToolkit, FileSystem& fileSyst
 /// then deletes what it was made from. Returns the final files in the order in which they were
 /// made. Blocks; task threads only. Never throws: what cannot be read, is in use by a recorder, or
 /// cannot be exported or deleted stays, and nothing is left of the attempt.
-/// A requested stop is honoured before each recording and right after its export.
+/// A requested stop is honoured before each recording, within its export, and right after it.
 /// `progress` is told of each recording's export on this thread; it may be empty.
 std::vector<std::filesystem::path> recoverIncompleteRecordings(const SalvagePlatform& platform,
                                                                const std::filesystem::path& folder,

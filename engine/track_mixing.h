@@ -5,7 +5,9 @@
 #include <cstddef>
 #include <filesystem>
 #include <functional>
+#include <stop_token>
 
+#include "engine/output_place.h"
 #include "engine/ports/file_system.h"
 #include "engine/ports/media_toolkit.h"
 
@@ -18,18 +20,17 @@ using TrackVolume = std::function<float(std::size_t trackIndex)>;
 TrackVolume recordingVolumes(bool hasSystemAudioTrack, float systemVolume, float microphoneVolume);
 
 /// Lays all audio tracks of the asset side by side from time zero, each at its volume, and exports
-/// the mix to the destination, which on return is complete and on disk. Task threads only.
-/// Throws `RecordingError` (`noAudioCaptured`, `exportFailed`), or the platform's error unchanged;
-/// then the destination holds nothing complete of this attempt.
-void mixTracks(MediaToolkit& toolkit, FileSystem& fileSystem, Asset& asset,
-               const std::filesystem::path& destination, const TrackVolume& volumeOfTrack,
-               const ExportProgress& progress);
+/// the mix to the place, where on return it is complete and on disk. Task threads only.
+/// Throws `RecordingError` (`noAudioCaptured`, `exportFailed`), or the platform's error unchanged,
+/// after a requested stop std::errc::operation_canceled; then nothing is left of this attempt.
+FinalFile mixTracks(MediaToolkit& toolkit, Asset& asset, OutputPlace place,
+                    const TrackVolume& volumeOfTrack, const ExportProgress& progress,
+                    const std::stop_token& stop);
 
-/// Exports a composition through a staging file that is moved into place when it is complete. No
-/// staging file is left, whatever happens. Throws as `mixTracks`.
-void exportM4A(MediaToolkit& toolkit, FileSystem& fileSystem, const Composition& composition,
-               AudioMix mix, const std::filesystem::path& destination,
-               const ExportProgress& progress);
+/// Exports a composition through a staging file that takes its final name when it is complete.
+/// Throws as `mixTracks`.
+FinalFile exportM4A(MediaToolkit& toolkit, const Composition& composition, AudioMix mix,
+                    OutputPlace place, const ExportProgress& progress, const std::stop_token& stop);
 
 /// Removes what may be there. For clean-up, where a failure changes nothing.
 void removeIgnoringErrors(FileSystem& fileSystem, const std::filesystem::path& path) noexcept;

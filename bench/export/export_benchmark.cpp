@@ -34,8 +34,8 @@ void exportMovie(const std::filesystem::path& movie, const std::filesystem::path
     posix::PosixFileSystem files;
     ffmpeg::FfmpegToolkit toolkit(files);
     const auto asset = toolkit.openAsset(movie);
-    mixTracks(toolkit, files, *asset, destination,
-              recordingVolumes(true, systemVolume, microphoneVolume), {});
+    mixTracks(toolkit, *asset, OutputPlace(files, destination.parent_path(), destination.stem()),
+              recordingVolumes(true, systemVolume, microphoneVolume), {}, {});
 }
 
 void salvageFolder(const std::filesystem::path& folder) {

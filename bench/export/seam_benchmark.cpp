@@ -42,7 +42,7 @@ Packets codedInChunks(const Mix& mix) {
     ChunkSplicer splicer([&](std::span<const std::byte> packet) {
         packets.emplace_back(packet.begin(), packet.end());
     });
-    codeInParallel(mix, 0, 2, splicer, {});
+    codeInParallel(mix, 0, 2, splicer, {}, {});
     return packets;
 }
 

@@ -44,8 +44,8 @@ void waitUntilTheMixHasCaughtUp() {
 void mix(MediaToolkit& toolkit, FileSystem& files, const std::filesystem::path& movie,
          const std::filesystem::path& destination) {
     const auto asset = toolkit.openAsset(movie);
-    mixTracks(toolkit, files, *asset, destination, [](std::size_t track) { return volumes[track]; },
-              {});
+    mixTracks(toolkit, *asset, OutputPlace(files, destination.parent_path(), destination.stem()),
+              [](std::size_t track) { return volumes[track]; }, {}, {});
 }
 
 template <class Work>

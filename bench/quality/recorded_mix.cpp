@@ -65,8 +65,9 @@ void run(std::span<char*> arguments) {
     writer->finishWriting([&finished] { finished.set_value(); });
     finished.get_future().wait();
     const auto asset = toolkit.openAsset(arguments[3]);
-    mixTracks(toolkit, files, *asset, arguments[4],
-              recordingVolumes(true, systemVolume, microphoneVolume), {});
+    const std::filesystem::path destination = arguments[4];
+    mixTracks(toolkit, *asset, OutputPlace(files, destination.parent_path(), destination.stem()),
+              recordingVolumes(true, systemVolume, microphoneVolume), {}, {});
 }
 
 } // namespace

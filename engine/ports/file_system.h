@@ -26,10 +26,13 @@ public:
     /// Makes the file reachable at the path that it was created with, should its folder have been
     /// removed or moved since: the folder is made again and the file's content copied into it.
     virtual void ensureReachable() = 0;
-    /// Gives a file that was created without one its name; throws when something exists there.
-    virtual void takeName(const std::filesystem::path& path) = 0;
-    /// Nothing may follow but destruction.
+    /// Nothing may follow but `takeName`, `discard` and destruction.
     virtual void close() = 0;
+    /// Gives the file this name in place of the one that it has, if any. Never replaces anything:
+    /// throws with std::errc::file_exists when something is there. Within one file system.
+    virtual void takeName(const std::filesystem::path& path) = 0;
+    /// Removes the file's name, unless it is another file's by now. For clean-up: silent.
+    virtual void discard() noexcept = 0;
 };
 
 /// A file being read, at any offset. Used by any number of threads at a time.
@@ -73,13 +76,18 @@ public:
     /// A file, or an empty folder: what holds something else is never removed. Throws when there is
     /// nothing to remove.
     virtual void remove(const std::filesystem::path& path) = 0;
-    /// Within one file system.
+    /// Never replaces anything: throws with std::errc::file_exists when something is there. Within
+    /// one file system.
     virtual void move(const std::filesystem::path& from, const std::filesystem::path& to) = 0;
     /// Returns when the names in the folder (creations, moves, removals) are on the disk.
     virtual void syncFolder(const std::filesystem::path& folder) = 0;
-    /// Fails when something exists there.
+    /// Throws with std::errc::file_exists when something exists there.
     virtual std::unique_ptr<OutputFile> create(const std::filesystem::path& path,
                                                FileAudience audience) = 0;
+    /// As `create`, but a file that somebody who died left there is emptied and taken over. Null
+    /// where somebody else may still use what is there, or it is no file of ours at all.
+    virtual std::unique_ptr<OutputFile> claim(const std::filesystem::path& path,
+                                              FileAudience audience) = 0;
     /// A file that nobody finds until it takes a name, and that is gone with the process if it
     /// takes none. Null where the folder's file system has no such files.
     virtual std::unique_ptr<OutputFile> createUnnamed(const std::filesystem::path& folder,

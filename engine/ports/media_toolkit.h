@@ -5,9 +5,11 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <stop_token>
 #include <vector>
 
 #include "engine/media_time.h"
+#include "engine/ports/file_system.h"
 #include "engine/ports/file_writer.h"
 
 namespace vantoro {
@@ -64,10 +66,12 @@ class ExportSession {
 public:
     virtual ~ExportSession() = default;
     virtual void setAudioMix(AudioMix mix) = 0;
-    /// Returns when the file is complete and synced to disk. On failure a part of the file may be
-    /// left at the place. `progress` may be empty.
-    virtual void exportTo(const std::filesystem::path& destination,
-                          const ExportProgress& progress) = 0;
+    /// Returns when the file is complete, synced to disk and closed: `staging`, or the file that is
+    /// returned, which has no name yet. On failure a part of it may be left in `staging`.
+    /// A requested stop ends it at once, with std::errc::operation_canceled. `progress` may be
+    /// empty.
+    virtual std::unique_ptr<OutputFile>
+    exportTo(OutputFile& staging, const ExportProgress& progress, const std::stop_token& stop) = 0;
 };
 
 /// Writing, reading and mixing media files.

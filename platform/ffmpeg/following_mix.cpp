@@ -75,17 +75,17 @@ std::shared_ptr<const Movie> FollowingMix::finishedMovie() {
     }
 }
 
-bool FollowingMix::completeAs(const std::filesystem::path& destination, const Mix& mix,
-                              unsigned threads, const ExportProgress& progress) {
+std::unique_ptr<OutputFile> FollowingMix::complete(const Mix& mix, unsigned threads,
+                                                   const ExportProgress& progress,
+                                                   const std::stop_token& stop) {
     stopFollowing();
     if (!mix_) {
-        return false;
+        return nullptr;
     }
     try {
-        std::exchange(mix_, nullptr)->complete(mix, destination, threads, progress);
-        return true;
+        return std::exchange(mix_, nullptr)->complete(mix, threads, progress, stop);
     } catch (const std::exception&) {
-        return false;
+        return nullptr;
     }
 }
 

@@ -45,10 +45,11 @@ public:
     /// to come from the disk again. Null where it does not. Nothing is followed any more.
     std::shared_ptr<const Movie> finishedMovie();
 
-    /// Completes the mix of the movie, which is finished, under the name given; false where it was
-    /// not followed, with these volumes: then nothing is at that place. Nothing may follow.
-    bool completeAs(const std::filesystem::path& destination, const Mix& mix, unsigned threads,
-                    const ExportProgress& progress);
+    /// Completes the mix of the movie, which is finished, in a file that has no name yet; null
+    /// where it was not followed, with these volumes, or a stop is requested. Nothing may follow.
+    std::unique_ptr<OutputFile> complete(const Mix& mix, unsigned threads,
+                                         const ExportProgress& progress,
+                                         const std::stop_token& stop);
 
 private:
     void follow(const std::stop_token& stop);

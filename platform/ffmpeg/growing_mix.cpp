@@ -31,7 +31,8 @@ GrowingMix::GrowingMix(FileSystem& fileSystem, const std::filesystem::path& movi
     : fileSystem_(fileSystem),
       location_(movie),
       movie_(openMovie(fileSystem, movie)),
-      file_(unnamedFileBeside(movie, fileSystem), describeTrack(makeMixCoder().parameters())),
+      unnamed_(unnamedFileBeside(movie, fileSystem)),
+      file_(*unnamed_, describeTrack(makeMixCoder().parameters())),
       splicer_([this](std::span<const std::byte> packet) { file_.add(packet); }) {
     if (volumes.size() != movie_->scan.tracks.size()) {
         throw std::runtime_error("The movie has other tracks.");
@@ -77,25 +78,20 @@ std::int64_t GrowingMix::readFragments() {
     return std::ranges::min(movie_->scan.ends) - primingFrames;
 }
 
-void GrowingMix::complete(const Mix& mix, const std::filesystem::path& destination,
-                          unsigned threads, const ExportProgress& progress) {
+std::unique_ptr<OutputFile> GrowingMix::complete(const Mix& mix, unsigned threads,
+                                                 const ExportProgress& progress,
+                                                 const std::stop_token& stop) {
     readFragments();
     check(mix);
     if (progress) {
         progress(0);
     }
     if (coder_) {
-        completeChunk(*coder_, mix);
+        completeChunk(*coder_, mix, stop);
     }
-    codeInParallel(mix, chunk_, threads, splicer_, progress);
+    codeInParallel(mix, chunk_, threads, splicer_, progress, stop);
     file_.finish(framesOf(mix));
-    file_.takeName(destination);
-    try {
-        file_.close();
-    } catch (...) {
-        fileSystem_.remove(destination);
-        throw;
-    }
+    return std::move(unnamed_);
 }
 
 void GrowingMix::check(const Mix& mix) const {
@@ -110,9 +106,10 @@ void GrowingMix::check(const Mix& mix) const {
 }
 
 /// The chunk that was being coded when the movie ended.
-void GrowingMix::completeChunk(ChunkCoder& coder, const Mix& mix) {
+void GrowingMix::completeChunk(ChunkCoder& coder, const Mix& mix, const std::stop_token& stop) {
     coder.endAs(mix);
-    coder.code(framesOf(mix), {}, [] {});
+    coder.code(framesOf(mix), stop, [] {});
+    throwIfStopped(stop);
     splicer_.add(coder.take());
     coder_.reset();
     ++chunk_;

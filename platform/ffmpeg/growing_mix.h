@@ -34,22 +34,25 @@ public:
     /// The movie, which is finished. Only what it has grown by since is looked through.
     std::shared_ptr<const Movie> finishedMovie();
 
-    /// Mixes the rest of the movie, which is finished, and gives the file its name. `mix`: the
-    /// whole of it. Throws std::runtime_error when it is not the mix that was begun.
-    void complete(const Mix& mix, const std::filesystem::path& destination, unsigned threads,
-                  const ExportProgress& progress);
+    /// Mixes the rest of the movie, which is finished, and returns the file: complete, on the disk,
+    /// closed, and without a name. `mix`: the whole of it. Throws std::runtime_error when it is not
+    /// the mix that was begun. Nothing may follow.
+    std::unique_ptr<OutputFile> complete(const Mix& mix, unsigned threads,
+                                         const ExportProgress& progress,
+                                         const std::stop_token& stop);
 
 private:
     std::int64_t readFragments();
     void check(const Mix& mix) const;
-    void completeChunk(ChunkCoder& coder, const Mix& mix);
+    void completeChunk(ChunkCoder& coder, const Mix& mix, const std::stop_token& stop);
 
     FileSystem& fileSystem_;
     std::filesystem::path location_;
     std::shared_ptr<Movie> movie_;
     std::vector<MovieTrack> tracks_;
     Mix mix_; // of no known end
-    M4aFile file_;
+    std::unique_ptr<OutputFile> unnamed_;
+    M4aFile file_; // in that one
     ChunkSplicer splicer_;
     std::int64_t chunk_ = 0;          // being coded
     std::optional<ChunkCoder> coder_; // of that one, once it is begun

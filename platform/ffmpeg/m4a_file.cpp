@@ -36,8 +36,8 @@ M4aTrack describeTrack(const AVCodecParameters& parameters) {
             .coderConfiguration = {configuration.begin(), configuration.end()}};
 }
 
-M4aFile::M4aFile(std::unique_ptr<OutputFile> file, M4aTrack track, std::int64_t expectedFrames)
-    : file_(std::move(file)), track_(std::move(track)) {
+M4aFile::M4aFile(OutputFile& file, M4aTrack track, std::int64_t expectedFrames)
+    : file_(file), track_(std::move(track)) {
     buffer_.reserve(bufferSize);
     // Growing by doubling would cost more memory than the table itself.
     const auto packets = (static_cast<std::size_t>(expectedFrames) / packetFrames) + 3;
@@ -65,7 +65,7 @@ void M4aFile::add(std::span<const std::byte> packet) {
 
 void M4aFile::sync() {
     flush();
-    file_->sync();
+    file_.sync();
 }
 
 void M4aFile::finish(std::int64_t frames) {
@@ -75,16 +75,9 @@ void M4aFile::finish(std::int64_t frames) {
         put(bigEndian(std::uint32_t{size}));
     }
     flush();
-    file_->writeAt(contentStart_ + 8, bigEndian(contentEnd - contentStart_));
-    file_->sync();
-}
-
-void M4aFile::takeName(const std::filesystem::path& path) {
-    file_->takeName(path);
-}
-
-void M4aFile::close() {
-    file_->close();
+    file_.writeAt(contentStart_ + 8, bigEndian(contentEnd - contentStart_));
+    file_.sync();
+    file_.close();
 }
 
 void M4aFile::put(std::span<const std::byte> bytes) {
@@ -95,7 +88,7 @@ void M4aFile::put(std::span<const std::byte> bytes) {
 }
 
 void M4aFile::flush() {
-    file_->writeAt(written_, buffer_);
+    file_.writeAt(written_, buffer_);
     written_ += buffer_.size();
     buffer_.clear();
 }

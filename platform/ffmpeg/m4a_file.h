@@ -4,8 +4,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <filesystem>
-#include <memory>
 #include <span>
 #include <vector>
 
@@ -25,26 +23,23 @@ M4aTrack describeTrack(const AVCodecParameters& parameters);
 /// Used by one thread; throws what the file throws.
 class M4aFile {
 public:
-    /// `expectedFrames`: how long it will be, so far as that is known.
-    M4aFile(std::unique_ptr<OutputFile> file, M4aTrack track, std::int64_t expectedFrames = 0);
+    /// Into an empty file that outlives this. `expectedFrames`: how long it will be, so far as that
+    /// is known.
+    M4aFile(OutputFile& file, M4aTrack track, std::int64_t expectedFrames = 0);
 
     /// Throws std::runtime_error where it is larger than any that AAC has.
     void add(std::span<const std::byte> packet);
     /// Brings the packets so far to the disk, so that less is left for the end.
     void sync();
-    /// Writes the index behind the packets, of which there is at least one, and syncs. So many
-    /// frames are to be heard of them: neither priming nor padding.
+    /// Writes the index behind the packets, of which there is at least one, syncs and closes the
+    /// file. So many frames are to be heard of them: neither priming nor padding.
     void finish(std::int64_t frames);
-    /// Gives the file, which has none, its name.
-    void takeName(const std::filesystem::path& path);
-    /// Nothing may follow.
-    void close();
 
 private:
     void put(std::span<const std::byte> bytes);
     void flush();
 
-    std::unique_ptr<OutputFile> file_;
+    OutputFile& file_;
     M4aTrack track_;
     std::vector<std::byte> buffer_; // not yet written
     std::uint64_t written_ = 0;

@@ -26,20 +26,27 @@ void MixingExport::setAudioMix(AudioMix mix) {
     mix_ = std::move(mix);
 }
 
-void MixingExport::exportTo(const std::filesystem::path& destination,
-                            const ExportProgress& progress) {
-    if (const MovieCompositionTrack* const track = unchangedTrack()) {
-        copy(*track, destination, progress);
+std::unique_ptr<OutputFile> MixingExport::exportTo(OutputFile& staging,
+                                                   const ExportProgress& progress,
+                                                   const std::stop_token& stop) {
+    std::unique_ptr<OutputFile> madeAhead;
+    if (const MovieCompositionTrack* const track = unchangedTrack(stop)) {
+        const MovieTrack& source = *track->source();
+        M4aFile file(staging, describeTrack(*source.movie()->codecs[source.index()]),
+                     track->frames());
+        copyPackets(source, track->frames(), file, progress, stop);
+        file.finish(track->frames());
     } else {
-        mix(destination, progress);
+        madeAhead = mixInto(staging, progress, stop);
     }
     if (progress) {
         progress(1.0);
     }
+    return madeAhead;
 }
 
 /// The only track there is, when coding it again would change nothing but its quality.
-const MovieCompositionTrack* MixingExport::unchangedTrack() const {
+const MovieCompositionTrack* MixingExport::unchangedTrack(const std::stop_token& stop) const {
     const MovieCompositionTrack* only = nullptr;
     for (const auto& track : composition_.tracks()) {
         if (track->source() != nullptr && track->frames() > 0) {
@@ -50,21 +57,11 @@ const MovieCompositionTrack* MixingExport::unchangedTrack() const {
         }
     }
     const bool isUnchanged = only != nullptr && only->start() == 0 && volumeOf(*only) == 1.0F &&
-                             isIntact(*only->source()->movie());
+                             isIntact(*only->source()->movie(), stop);
     return isUnchanged ? only : nullptr;
 }
 
-void MixingExport::copy(const MovieCompositionTrack& track,
-                        const std::filesystem::path& destination, const ExportProgress& progress) {
-    const MovieTrack& source = *track.source();
-    M4aFile file(fileSystem_.create(destination, FileAudience::asUserPrefers),
-                 describeTrack(*source.movie()->codecs[source.index()]), track.frames());
-    copyPackets(source, track.frames(), file, progress);
-    file.finish(track.frames());
-    file.close();
-}
-
-void MixingExport::mix(const std::filesystem::path& destination, const ExportProgress& progress) {
+Mix MixingExport::mixOfTracks() const {
     Mix mix;
     for (const auto& track : composition_.tracks()) {
         if (track->source() != nullptr) {
@@ -74,6 +71,14 @@ void MixingExport::mix(const std::filesystem::path& destination, const ExportPro
                            .volume = volumeOf(*track)});
         }
     }
+    return mix;
+}
+
+/// Null where the mix is in `staging`.
+std::unique_ptr<OutputFile> MixingExport::mixInto(OutputFile& staging,
+                                                  const ExportProgress& progress,
+                                                  const std::stop_token& stop) {
+    const Mix mix = mixOfTracks();
     const std::int64_t frames = framesOf(mix);
     if (frames == 0) {
         throw std::runtime_error("There is no sound to export.");
@@ -86,16 +91,16 @@ void MixingExport::mix(const std::filesystem::path& destination, const ExportPro
             reported = done;
         }
     };
-    const auto ahead = following_->of(mix.front().source->movie()->location);
-    if (ahead && ahead->completeAs(destination, mix, threads_, rising)) {
-        return;
+    if (const auto ahead = following_->of(mix.front().source->movie()->location)) {
+        if (auto complete = ahead->complete(mix, threads_, rising, stop)) {
+            return complete;
+        }
     }
-    M4aFile file(fileSystem_.create(destination, FileAudience::asUserPrefers),
-                 describeTrack(makeMixCoder().parameters()), frames);
+    M4aFile file(staging, describeTrack(makeMixCoder().parameters()), frames);
     ChunkSplicer splicer([&file](std::span<const std::byte> packet) { file.add(packet); });
-    codeInParallel(mix, 0, threads_, splicer, rising);
+    codeInParallel(mix, 0, threads_, splicer, rising, stop);
     file.finish(frames);
-    file.close();
+    return nullptr;
 }
 
 float MixingExport::volumeOf(const CompositionTrack& track) const noexcept {

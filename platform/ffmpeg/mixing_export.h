@@ -2,8 +2,8 @@
 
 #pragma once
 
-#include <filesystem>
 #include <memory>
+#include <stop_token>
 #include <thread>
 #include <utility>
 
@@ -11,6 +11,7 @@
 #include "engine/ports/media_toolkit.h"
 #include "platform/ffmpeg/composition.h"
 #include "platform/ffmpeg/following_mix.h"
+#include "platform/ffmpeg/mixer.h"
 
 namespace vantoro::ffmpeg {
 
@@ -19,33 +20,28 @@ namespace vantoro::ffmpeg {
 /// scale only where it is coded. Needs the same memory for any length, but for two bytes a packet.
 class MixingExport final : public ExportSession {
 public:
-    /// The first two outlive the session. A mix that followed the recording is only completed. So
-    /// many threads mix, of which the file tells nothing.
-    MixingExport(FileSystem& fileSystem, const MovieComposition& composition,
-                 std::shared_ptr<FollowingMixes> following,
+    /// Of a composition that outlives the session. A mix that followed the recording is only
+    /// completed. So many threads mix, of which the file tells nothing.
+    MixingExport(const MovieComposition& composition, std::shared_ptr<FollowingMixes> following,
                  unsigned threads = std::thread::hardware_concurrency())
-        : fileSystem_(fileSystem),
-          composition_(composition),
-          following_(std::move(following)),
-          threads_(threads) {}
+        : composition_(composition), following_(std::move(following)), threads_(threads) {}
 
     /// A track without an entry keeps its volume. Throws std::invalid_argument for a volume that is
     /// no finite number, or one that does not hold from the beginning.
     void setAudioMix(AudioMix mix) override;
 
     /// Throws std::runtime_error for a composition without sound, DamagedMovie for a source that
-    /// was changed meanwhile, and what the file system throws.
-    void exportTo(const std::filesystem::path& destination,
-                  const ExportProgress& progress) override;
+    /// was changed meanwhile, and what the files throw.
+    std::unique_ptr<OutputFile> exportTo(OutputFile& staging, const ExportProgress& progress,
+                                         const std::stop_token& stop) override;
 
 private:
-    const MovieCompositionTrack* unchangedTrack() const;
-    void copy(const MovieCompositionTrack& track, const std::filesystem::path& destination,
-              const ExportProgress& progress);
-    void mix(const std::filesystem::path& destination, const ExportProgress& progress);
+    const MovieCompositionTrack* unchangedTrack(const std::stop_token& stop) const;
+    Mix mixOfTracks() const;
+    std::unique_ptr<OutputFile> mixInto(OutputFile& staging, const ExportProgress& progress,
+                                        const std::stop_token& stop);
     float volumeOf(const CompositionTrack& track) const noexcept;
 
-    FileSystem& fileSystem_;
     const MovieComposition& composition_;
     std::shared_ptr<FollowingMixes> following_;
     unsigned threads_;

@@ -11,13 +11,15 @@
 #include "platform/ffmpeg/box_reader.h"
 #include "platform/ffmpeg/fragment_checksum.h"
 #include "platform/ffmpeg/packet_reader.h"
+#include "platform/ffmpeg/parallel_coding.h"
 
 namespace vantoro::ffmpeg {
 
-bool isIntact(const Movie& movie) {
+bool isIntact(const Movie& movie, const std::stop_token& stop) {
     constexpr std::uint64_t blockSize = 512U << 10U;
     std::vector<std::byte> block(blockSize);
     return std::ranges::all_of(movie.scan.fragments, [&](std::uint64_t begin) {
+        throwIfStopped(stop);
         const Fragment fragment = readFragment(*movie.file, begin, movie.scan.tracks);
         Checksum sum;
         for (std::uint64_t offset = begin; offset < fragment.contentEnd;) {
@@ -32,7 +34,7 @@ bool isIntact(const Movie& movie) {
 }
 
 void copyPackets(const MovieTrack& track, std::int64_t frames, M4aFile& file,
-                 const ExportProgress& progress) {
+                 const ExportProgress& progress, const std::stop_token& stop) {
     constexpr std::int64_t progressInterval = 1000;
     const std::int64_t count = 1 + ((frames + packetFrames - 1) / packetFrames);
     PacketReader packets(track.movie(), track.index());
@@ -43,7 +45,11 @@ void copyPackets(const MovieTrack& track, std::int64_t frames, M4aFile& file,
             throw DamagedMovie("it has become shorter");
         }
         file.add(*packet);
-        if (progress && done % progressInterval == 0) {
+        if (done % progressInterval != 0) {
+            continue;
+        }
+        throwIfStopped(stop);
+        if (progress) {
             progress(static_cast<double>(done) / static_cast<double>(count));
         }
     }

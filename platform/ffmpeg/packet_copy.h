@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <stop_token>
 
 #include "engine/ports/media_toolkit.h"
 #include "platform/ffmpeg/m4a_file.h"
@@ -11,13 +12,15 @@
 namespace vantoro::ffmpeg {
 
 /// Whether every byte of the movie's fragments is as it was written. Reads them all, which takes a
-/// small part of the time of decoding them. Throws when the file cannot be read.
-bool isIntact(const Movie& movie);
+/// small part of the time of decoding them. Throws when the file cannot be read, and when a stop is
+/// requested std::errc::operation_canceled.
+bool isIntact(const Movie& movie, const std::stop_token& stop);
 
 /// Copies the packets of the first frames of a track, and the priming before them, as they are:
 /// what they sound like does not change, and an hour takes a fraction of a second.
-/// Throws DamagedMovie when the file has changed meanwhile, and what either file throws.
+/// Throws DamagedMovie when the file has changed meanwhile, what either file throws, and when a
+/// stop is requested std::errc::operation_canceled.
 void copyPackets(const MovieTrack& track, std::int64_t frames, M4aFile& file,
-                 const ExportProgress& progress);
+                 const ExportProgress& progress, const std::stop_token& stop);
 
 } // namespace vantoro::ffmpeg

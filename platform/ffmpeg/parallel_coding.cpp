@@ -21,8 +21,9 @@ namespace {
 /// Chunks that threads code ahead of the one who takes them in their order.
 class Workshop {
 public:
-    Workshop(const Mix& mix, std::int64_t firstChunk, unsigned threads)
+    Workshop(const Mix& mix, std::int64_t firstChunk, unsigned threads, std::stop_token stop)
         : mix_(mix),
+          stop_(std::move(stop)),
           chunks_(chunksOf(framesOf(mix))),
           largestLead_(2 * std::int64_t{threads}),
           claimed_(firstChunk),
@@ -50,7 +51,8 @@ public:
     /// The next chunk. Meanwhile `packetsDone` is told of how many packets are coded.
     CodedChunk take(const std::function<void(std::int64_t)>& packetsDone) {
         if (workers_.empty()) {
-            auto chunk = codeChunk(mix_, taken_++, {}, [this] { ++packetsDone_; });
+            auto chunk = codeChunk(mix_, taken_++, stop_, [this] { ++packetsDone_; });
+            throwIfStopped(stop_);
             packetsDone(packetsDone_);
             return chunk;
         }
@@ -60,9 +62,10 @@ public:
             lock.unlock();
             packetsDone(done);
             lock.lock();
-            changed_.wait(lock, [&] {
+            changed_.wait(lock, stop_, [&] {
                 return failure_ || done_.contains(taken_) || packetsDone_ >= done + reportInterval;
             });
+            throwIfStopped(stop_);
             if (failure_) {
                 std::rethrow_exception(failure_);
             }
@@ -111,13 +114,14 @@ private:
     }
 
     const Mix& mix_;
+    const std::stop_token stop_; // of the one who takes the chunks
     const std::int64_t chunks_;
     const std::int64_t
         largestLead_; // of what is claimed before what is taken: it is kept in memory
 
     std::mutex mutex_; // guards all below but the threads
     std::condition_variable_any room_;
-    std::condition_variable changed_;
+    std::condition_variable_any changed_;
     std::int64_t claimed_;
     std::int64_t taken_;
     std::int64_t packetsDone_ = 0;
@@ -129,8 +133,15 @@ private:
 
 } // namespace
 
+void throwIfStopped(const std::stop_token& stop) {
+    if (stop.stop_requested()) {
+        throw std::system_error(std::make_error_code(std::errc::operation_canceled));
+    }
+}
+
 void codeInParallel(const Mix& mix, std::int64_t firstChunk, unsigned threads,
-                    ChunkSplicer& splicer, const ExportProgress& progress) {
+                    ChunkSplicer& splicer, const ExportProgress& progress,
+                    const std::stop_token& stop) {
     const auto packets = static_cast<double>(packetsOf(framesOf(mix)));
     std::int64_t reported = -1;
     const auto report = [&](std::int64_t done) {
@@ -141,7 +152,7 @@ void codeInParallel(const Mix& mix, std::int64_t firstChunk, unsigned threads,
     };
     const std::int64_t packetsBefore = firstChunk * chunkPackets;
     report(packetsBefore); // before any of it can be done
-    Workshop workshop(mix, firstChunk, std::max(threads, 1U));
+    Workshop workshop(mix, firstChunk, std::max(threads, 1U), stop);
     for (std::int64_t chunk = firstChunk; chunk < workshop.chunks(); ++chunk) {
         splicer.add(workshop.take([&](std::int64_t done) { report(packetsBefore + done); }));
         report((chunk + 1) * chunkPackets);

@@ -43,7 +43,7 @@ std::unique_ptr<ExportSession> FfmpegToolkit::makeExportSession(const Compositio
         !AacEncoder::isAvailable()) {
         return nullptr;
     }
-    return std::make_unique<MixingExport>(fileSystem_, *movieComposition, following_);
+    return std::make_unique<MixingExport>(*movieComposition, following_);
 }
 
 } // namespace vantoro::ffmpeg

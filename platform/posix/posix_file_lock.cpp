@@ -17,7 +17,7 @@ std::unique_ptr<PosixFileLock> PosixFileLock::tryTo(const std::filesystem::path&
     } else if (!file.isOpen()) {
         throwFailure("open", path, errno);
     }
-    if (!tryLock(file, kind, path)) {
+    if (tryLock(file, kind, path) == LockAttempt::heldByOthers) {
         return nullptr;
     }
     return std::make_unique<PosixFileLock>(std::move(file));

@@ -8,6 +8,7 @@
 #include "platform/posix/posix_file_lock.h"
 #include "platform/posix/posix_input_file.h"
 #include "platform/posix/posix_output_file.h"
+#include "platform/posix/renaming.h"
 #include "platform/posix/system_calls.h"
 
 namespace vantoro::posix {
@@ -39,9 +40,7 @@ void PosixFileSystem::remove(const std::filesystem::path& path) {
 }
 
 void PosixFileSystem::move(const std::filesystem::path& from, const std::filesystem::path& to) {
-    if (std::rename(from.c_str(), to.c_str()) != 0) {
-        throwFailure("create", to, errno);
-    }
+    renameWithoutReplacing(from, to);
 }
 
 void PosixFileSystem::syncFolder(const std::filesystem::path& folder) {
@@ -53,6 +52,11 @@ void PosixFileSystem::syncFolder(const std::filesystem::path& folder) {
 std::unique_ptr<OutputFile> PosixFileSystem::create(const std::filesystem::path& path,
                                                     FileAudience audience) {
     return std::make_unique<PosixOutputFile>(path, audience);
+}
+
+std::unique_ptr<OutputFile> PosixFileSystem::claim(const std::filesystem::path& path,
+                                                   FileAudience audience) {
+    return PosixOutputFile::claim(path, audience);
 }
 
 std::unique_ptr<OutputFile> PosixFileSystem::createUnnamed(const std::filesystem::path& folder,

@@ -12,11 +12,13 @@ public:
     void createFolders(const std::filesystem::path& folder) override;
     bool exists(const std::filesystem::path& path) const override;
     void remove(const std::filesystem::path& path) override;
-    /// What lies at `to` is replaced, but for a folder.
     void move(const std::filesystem::path& from, const std::filesystem::path& to) override;
     void syncFolder(const std::filesystem::path& folder) override;
     std::unique_ptr<OutputFile> create(const std::filesystem::path& path,
                                        FileAudience audience) override;
+    /// Where the file system has no locks, nothing is taken over.
+    std::unique_ptr<OutputFile> claim(const std::filesystem::path& path,
+                                      FileAudience audience) override;
     std::unique_ptr<OutputFile> createUnnamed(const std::filesystem::path& folder,
                                               FileAudience audience) override;
     std::uint64_t availableSpace(const std::filesystem::path& folder) const override;

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "platform/posix/posix_file_system.h"
+#include "platform/posix/renaming.h"
 #include "platform/posix/system_calls.h"
 
 namespace vantoro::posix {
@@ -28,7 +29,7 @@ FileDescriptor createFile(const std::filesystem::path& path, FileAudience audien
     for (int attempt = 0; attempt < mostAttempts; ++attempt) {
         FileDescriptor file =
             openFile(path, O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW, "create", modeFor(audience));
-        if (tryLock(file, F_WRLCK, path)) {
+        if (tryLock(file, F_WRLCK, path) != LockAttempt::heldByOthers) {
             return file;
         }
         // Somebody who looks for files that were left behind was quicker; let them have this one.
@@ -37,6 +38,46 @@ FileDescriptor createFile(const std::filesystem::path& path, FileAudience audien
         }
     }
     throwFailure("create", path, EBUSY);
+}
+
+/// Whether a file is of the kind that an export leaves behind: not a pipe, nor one that has
+/// another name, under which somebody may want it.
+bool mayBeTakenOver(const FileDescriptor& file, const std::filesystem::path& path) {
+    const auto status = statusOf(file, path);
+    return S_ISREG(status.st_mode) && status.st_nlink == 1;
+}
+
+/// A file that somebody left behind, emptied; not open where it is to be left alone.
+FileDescriptor takeOver(const std::filesystem::path& path) {
+    FileDescriptor file(uninterrupted(
+        [&] { return ::open(path.c_str(), O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC); }));
+    // Under the lock it is looked at again: it may have been finished, or removed, meanwhile.
+    if (!file.isOpen() || !mayBeTakenOver(file, path) ||
+        tryLock(file, F_WRLCK, path) != LockAttempt::locked || !isAt(path, file)) {
+        return {};
+    }
+    if (uninterrupted([&] { return ::ftruncate(file.get(), 0); }) != 0) {
+        throwFailure("write", path, errno);
+    }
+    return file;
+}
+
+/// Not open where something is there.
+FileDescriptor createIfAbsent(const std::filesystem::path& path, FileAudience audience) {
+    FileDescriptor file;
+    try {
+        file = openFile(path, O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW, "create", modeFor(audience));
+    } catch (const std::system_error& error) {
+        if (error.code() != std::errc::file_exists) {
+            throw;
+        }
+        return {};
+    }
+    // Somebody may have taken it over before it was locked.
+    if (tryLock(file, F_WRLCK, path) == LockAttempt::heldByOthers || !isAt(path, file)) {
+        return {};
+    }
+    return file;
 }
 
 } // namespace
@@ -56,6 +97,21 @@ PosixOutputFile::PosixOutputFile(std::filesystem::path path, FileAudience audien
       file_(std::move(file)),
       lock_(duplicate(file_, path_)) {}
 
+std::unique_ptr<PosixOutputFile> PosixOutputFile::claim(const std::filesystem::path& path,
+                                                        FileAudience audience) {
+    FileDescriptor file = createIfAbsent(path, audience);
+    if (!file.isOpen()) {
+        file = takeOver(path);
+    }
+    if (!file.isOpen()) {
+        return nullptr;
+    }
+    auto absolute = std::filesystem::absolute(path);
+    auto folder = openFile(absolute.parent_path(), O_RDONLY | O_DIRECTORY, "open");
+    return std::unique_ptr<PosixOutputFile>(
+        new PosixOutputFile(std::move(absolute), audience, std::move(folder), std::move(file)));
+}
+
 std::unique_ptr<PosixOutputFile> PosixOutputFile::createUnnamed(const std::filesystem::path& folder,
                                                                 FileAudience audience) {
     FileDescriptor file;
@@ -70,8 +126,10 @@ std::unique_ptr<PosixOutputFile> PosixOutputFile::createUnnamed(const std::files
         throw;
     }
     tryLock(file, F_WRLCK, folder); // nobody else can have it open
-    return std::unique_ptr<PosixOutputFile>(
+    auto unnamed = std::unique_ptr<PosixOutputFile>(
         new PosixOutputFile(folder, audience, FileDescriptor(), std::move(file)));
+    unnamed->hasName_ = false;
+    return unnamed;
 }
 
 void PosixOutputFile::writeAt(std::uint64_t offset, std::span<const std::byte> bytes) {
@@ -93,7 +151,7 @@ void PosixOutputFile::sync() {
 }
 
 void PosixOutputFile::ensureReachable() {
-    if (isReachable()) {
+    if (isAt(path_, file_)) {
         return;
     }
     PosixFileSystem().createFolders(path_.parent_path());
@@ -110,25 +168,28 @@ void PosixOutputFile::ensureReachable() {
 }
 
 void PosixOutputFile::takeName(const std::filesystem::path& path) {
-    const auto open = "/proc/self/fd/" + std::to_string(file_.get());
-    if (::linkat(AT_FDCWD, open.c_str(), AT_FDCWD, path.c_str(), AT_SYMLINK_FOLLOW) != 0) {
-        throwFailure("create", path, errno);
+    if (!hasName_) {
+        const auto open = "/proc/self/fd/" + std::to_string(lock_.get());
+        if (::linkat(AT_FDCWD, open.c_str(), AT_FDCWD, path.c_str(), AT_SYMLINK_FOLLOW) != 0) {
+            throwFailure("create", path, errno);
+        }
+    } else if (isAt(path_, lock_)) {
+        renameWithoutReplacing(path_, path);
+    } else {
+        throwFailure("find", path_, ENOENT);
     }
+    hasName_ = true;
     path_ = std::filesystem::absolute(path);
     folder_ = openFile(path_.parent_path(), O_RDONLY | O_DIRECTORY, "open");
 }
 
-bool PosixOutputFile::isReachable() const {
-    struct stat named{};
-
-    if (::lstat(path_.c_str(), &named) != 0) {
-        if (errno == ENOENT || errno == ENOTDIR) {
-            return false;
+void PosixOutputFile::discard() noexcept {
+    try {
+        if (hasName_ && isAt(path_, lock_)) {
+            ::unlink(path_.c_str());
         }
-        throwFailure("find", path_, errno);
+    } catch (const std::exception&) { // NOLINT(bugprone-empty-catch): it stays, as if we had died
     }
-    const auto ours = statusOf(file_, path_);
-    return named.st_dev == ours.st_dev && named.st_ino == ours.st_ino;
 }
 
 void PosixOutputFile::copyContentTo(PosixOutputFile& target) const {

@@ -15,6 +15,10 @@ public:
     /// Creates the file; throws when anything exists there, be it a link that leads nowhere.
     PosixOutputFile(const std::filesystem::path& path, FileAudience audience);
 
+    /// Creates the file, or takes over one that was left behind; null where neither can be had.
+    static std::unique_ptr<PosixOutputFile> claim(const std::filesystem::path& path,
+                                                  FileAudience audience);
+
     /// A file without a name; null where the folder's file system has none.
     static std::unique_ptr<PosixOutputFile> createUnnamed(const std::filesystem::path& folder,
                                                           FileAudience audience);
@@ -25,16 +29,17 @@ public:
     void sync() override;
     /// Leaves what may now lie at the path alone, and throws, when it is not our file.
     void ensureReachable() override;
-    void takeName(const std::filesystem::path& path) override;
     void close() override;
+    void takeName(const std::filesystem::path& path) override;
+    void discard() noexcept override;
 
 private:
     PosixOutputFile(std::filesystem::path path, FileAudience audience, FileDescriptor folder,
                     FileDescriptor file);
-    bool isReachable() const;
     void copyContentTo(PosixOutputFile& target) const;
 
     std::filesystem::path path_; // absolute: the program's folder may change
+    bool hasName_ = true;
     FileAudience audience_;
     FileDescriptor folder_; // open until the name is on the disk, wherever it is moved to
     FileDescriptor file_;

@@ -47,26 +47,39 @@ struct stat statusOf(const FileDescriptor& file, const std::filesystem::path& pa
     return status;
 }
 
-bool tryLock(const FileDescriptor& file, short kind, const std::filesystem::path& path) {
+LockAttempt tryLock(const FileDescriptor& file, short kind, const std::filesystem::path& path) {
     struct flock whole{};
 
     whole.l_type = kind;
     whole.l_whence = SEEK_SET;
     if (uninterrupted([&] { return ::fcntl(file.get(), F_OFD_SETLK, &whole); }) == 0) {
-        return true;
+        return LockAttempt::locked;
     }
     switch (errno) {
     case EAGAIN:
     case EACCES:
-        return false;
+        return LockAttempt::heldByOthers;
     case ENOLCK:
     case EINVAL:
     case ENOSYS:
     case EOPNOTSUPP:
-        return true;
+        return LockAttempt::unknown;
     default:
         throwFailure("lock", path, errno);
     }
+}
+
+bool isAt(const std::filesystem::path& path, const FileDescriptor& file) {
+    struct stat named{};
+
+    if (::lstat(path.c_str(), &named) != 0) {
+        if (errno == ENOENT || errno == ENOTDIR) {
+            return false;
+        }
+        throwFailure("find", path, errno);
+    }
+    const auto ours = statusOf(file, path);
+    return named.st_dev == ours.st_dev && named.st_ino == ours.st_ino;
 }
 
 std::size_t readFully(const FileDescriptor& file, std::uint64_t offset, std::span<std::byte> into,

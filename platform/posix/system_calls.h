@@ -41,10 +41,18 @@ FileDescriptor duplicate(const FileDescriptor& file, const std::filesystem::path
 
 struct stat statusOf(const FileDescriptor& file, const std::filesystem::path& path);
 
+enum class LockAttempt : std::uint8_t {
+    locked,
+    heldByOthers,
+    unknown ///< the file system has no locks: nobody can be told apart
+};
+
 /// Locks the file for whoever has it open now, until the last copy of the descriptor is closed.
-/// `kind`: F_WRLCK, or F_RDLCK for a file that is open for reading only. False while somebody else
-/// has it locked. Where the file system has no locks, nobody can be told apart, and it is true.
-bool tryLock(const FileDescriptor& file, short kind, const std::filesystem::path& path);
+/// `kind`: F_WRLCK, or F_RDLCK for a file that is open for reading only.
+LockAttempt tryLock(const FileDescriptor& file, short kind, const std::filesystem::path& path);
+
+/// Whether the path leads to this very file, and not by a link. Throws when that cannot be told.
+bool isAt(const std::filesystem::path& path, const FileDescriptor& file);
 
 /// As many bytes as there are, up to `into.size()`; fewer only at the file's end. Throws.
 std::size_t readFully(const FileDescriptor& file, std::uint64_t offset, std::span<std::byte> into,

@@ -46,6 +46,12 @@ public:
         return files_.create(path, audience);
     }
 
+    std::unique_ptr<OutputFile> claim(const std::filesystem::path& path,
+                                      FileAudience audience) override {
+        refuse();
+        return files_.claim(path, audience);
+    }
+
     std::unique_ptr<OutputFile> createUnnamed(const std::filesystem::path& folder,
                                               FileAudience audience) override {
         refuse();

@@ -65,7 +65,8 @@ protected:
         if (files.exists("mix.m4a")) {
             files.remove("mix.m4a");
         }
-        toolkit.makeExportSession(*composition)->exportTo("mix.m4a", {});
+        toolkit.makeExportSession(*composition)
+            ->exportTo(*files.create("mix.m4a", FileAudience::asUserPrefers), {}, {});
         const auto file = folder.put("mix.m4a", files.contentOf("mix.m4a"));
         EXPECT_EQ(framesOf(file, 0), duration);
         EXPECT_GE(static_cast<std::int64_t>(decode(file, 0).size()), duration);

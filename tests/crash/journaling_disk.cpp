@@ -165,9 +165,9 @@ private:
 
 class JournaledFile final : public OutputFile {
 public:
-    /// An empty folder: without a name.
-    JournaledFile(JournalingDisk& disk, std::size_t file, std::filesystem::path folder = {})
-        : disk_(disk), file_(file), folder_(std::move(folder)), nameIsSafe_(folder_.empty()) {}
+    /// An empty path: without a name.
+    JournaledFile(JournalingDisk& disk, std::size_t file, std::filesystem::path path = {})
+        : disk_(disk), file_(file), path_(std::move(path)), nameIsSafe_(path_.empty()) {}
 
     void writeAt(std::uint64_t offset, std::span<const std::byte> bytes) override {
         add({.kind = Kind::write,
@@ -184,7 +184,7 @@ public:
         add({.kind = Kind::syncFile, .file = file_});
         // As on the real disk: the first time with the file's name.
         if (!std::exchange(nameIsSafe_, true)) {
-            disk_.syncFolder(folder_);
+            disk_.syncFolder(path_.parent_path());
         }
     }
 
@@ -194,9 +194,19 @@ public:
         if (disk_.exists(path)) {
             fail(std::errc::file_exists, path);
         }
-        add({.kind = Kind::name, .file = file_, .path = path});
-        folder_ = path.parent_path();
+        if (path_.empty()) {
+            add({.kind = Kind::name, .file = file_, .path = path});
+        } else {
+            add({.kind = Kind::move, .path = path_, .target = path});
+        }
+        path_ = path;
         nameIsSafe_ = false;
+    }
+
+    void discard() noexcept override {
+        if (!path_.empty() && disk_.exists(path_)) {
+            disk_.remove(path_);
+        }
     }
 
     void close() override {}
@@ -209,7 +219,7 @@ private:
 
     JournalingDisk& disk_;
     std::size_t file_;
-    std::filesystem::path folder_;
+    std::filesystem::path path_;
     bool nameIsSafe_;
 };
 
@@ -261,6 +271,9 @@ void JournalingDisk::move(const std::filesystem::path& from, const std::filesyst
     if (!names_.contains(from)) {
         fail(std::errc::no_such_file_or_directory, from);
     }
+    if (names_.contains(to)) {
+        fail(std::errc::file_exists, to);
+    }
     add({.kind = Kind::move, .path = from, .target = to});
 }
 
@@ -277,7 +290,15 @@ std::unique_ptr<OutputFile> JournalingDisk::create(const std::filesystem::path& 
     }
     const std::size_t file = nextFile();
     add({.kind = Kind::create, .file = file, .path = path});
-    return std::make_unique<JournaledFile>(*this, file, path.parent_path());
+    return std::make_unique<JournaledFile>(*this, file, path);
+}
+
+std::unique_ptr<OutputFile> JournalingDisk::claim(const std::filesystem::path& path,
+                                                  FileAudience audience) {
+    if (exists(path)) {
+        remove(path);
+    }
+    return create(path, audience);
 }
 
 std::unique_ptr<OutputFile> JournalingDisk::createUnnamed(const std::filesystem::path& /*folder*/,

@@ -138,7 +138,7 @@ TEST_F(SalvageTest, fileWithoutAPositiveDurationStays) {
         toolkit.exporting.duration = duration;
         expectUntouched();
     }
-    EXPECT_TRUE(log.startingWith("export").empty());
+    EXPECT_TRUE(log.startingWith("write").empty());
 }
 
 TEST_F(SalvageTest, fileWithoutATrackStaysAndNoFinalFileRemains) {
@@ -151,7 +151,7 @@ TEST_F(SalvageTest, failedExportLeavesTheFileAndNothingElseAndTheOthersHaveTheir
     put("a.partial.mov", daysAgo(2));
     put("b.partial.mov", daysAgo(1));
     toolkit.exporting.duringExport = [this] {
-        const bool first = log.startingWith("export").size() == 1;
+        const bool first = log.startingWith("write").size() == 1;
         toolkit.exporting.exportError =
             first ? std::make_exception_ptr(std::runtime_error("no")) : nullptr;
     };
@@ -165,7 +165,7 @@ TEST_F(SalvageTest, fileThatCannotBeDeletedIsNotFinishedEither) {
     put("a.partial.mov", daysAgo(1));
     fileSystem.removeErrors["/r/a.partial.mov"] = std::make_exception_ptr(std::runtime_error("no"));
     expectUntouched();
-    EXPECT_TRUE(log.contains("export Vantoro-2025-03-01-093015.exporting.m4a"));
+    EXPECT_TRUE(log.contains("write Vantoro-2025-03-01-093015.exporting.m4a"));
 }
 
 TEST_F(SalvageTest, fileThatSomebodyHasLockedStays) {
@@ -209,7 +209,7 @@ TEST_F(SalvageTest, stopDuringAnExportRemovesItsFileAndKeepsTheRecording) {
     put("b.partial.mov", daysAgo(1));
     toolkit.exporting.duringExport = [this] { stop.request_stop(); };
     expectUntouched();
-    EXPECT_EQ(log.startingWith("export").size(), 1U);
+    EXPECT_EQ(log.startingWith("write").size(), 1U);
 }
 
 TEST_F(SalvageTest, recordingsThatWaitAreCountedAndLeftAlone) {

@@ -17,11 +17,17 @@ protected:
     const std::filesystem::path destination = "/recordings/Vantoro-2025-03-01-093015.m4a";
     const std::filesystem::path staging = "/recordings/Vantoro-2025-03-01-093015.exporting.m4a";
 
+    std::filesystem::path location; ///< of the last mix
+    std::stop_token stop;
+
+    OutputPlace place() { return {fileSystem, "/recordings", "Vantoro-2025-03-01-093015"}; }
+
     void mix(std::size_t trackCount, bool hasSystemAudioTrack) {
         toolkit.exporting.trackCount = trackCount;
         const auto asset = toolkit.openAsset("/recordings/x.partial.mov");
-        mixTracks(toolkit, fileSystem, *asset, destination,
-                  recordingVolumes(hasSystemAudioTrack, 0.9F, 0.25F), {});
+        location = mixTracks(toolkit, *asset, place(),
+                             recordingVolumes(hasSystemAudioTrack, 0.9F, 0.25F), {}, stop)
+                       .location;
     }
 
     std::string failureOf(std::size_t trackCount = 2) {
@@ -61,7 +67,7 @@ TEST_F(TrackMixingTest, everyTrackAfterTheFirstTakesTheMicrophoneVolume) {
 TEST_F(TrackMixingTest, volumesAreNotClamped) {
     toolkit.exporting.trackCount = 2;
     const auto asset = toolkit.openAsset("/recordings/x.partial.mov");
-    mixTracks(toolkit, fileSystem, *asset, destination, recordingVolumes(true, 12.5F, 0), {});
+    mixTracks(toolkit, *asset, place(), recordingVolumes(true, 12.5F, 0), {}, {});
     EXPECT_EQ(toolkit.exportedGains, (std::vector<float>{12.5F, 0}));
 }
 
@@ -97,36 +103,44 @@ TEST_F(TrackMixingTest, errorsOfThePlatformAreThrownUnchanged) {
     }
 }
 
-TEST_F(TrackMixingTest, exportGoesThroughAStagingFileThatIsMovedAndSyncedAtTheEnd) {
+TEST_F(TrackMixingTest, exportGoesThroughAStagingFileThatTakesItsNameAndIsSyncedAtTheEnd) {
     mix(2, true);
     const auto calls = log.calls();
-    const std::vector<std::string> end(calls.end() - 4, calls.end());
-    EXPECT_EQ(end,
-              (std::vector<std::string>{
-                  "export Vantoro-2025-03-01-093015.exporting.m4a",
-                  "move Vantoro-2025-03-01-093015.exporting.m4a Vantoro-2025-03-01-093015.m4a",
-                  "syncFolder /recordings", "remove Vantoro-2025-03-01-093015.exporting.m4a"}));
+    const std::vector<std::string> end(calls.end() - 3, calls.end());
+    EXPECT_EQ(end, (std::vector<std::string>{
+                       "write Vantoro-2025-03-01-093015.exporting.m4a",
+                       "move Vantoro-2025-03-01-093015.exporting.m4a Vantoro-2025-03-01-093015.m4a",
+                       "syncFolder /recordings"}));
     EXPECT_EQ(fileSystem.entries, std::set<std::filesystem::path>{destination});
 }
 
-TEST_F(TrackMixingTest, leftoverStagingFileIsReplaced) {
-    fileSystem.entries.insert(staging);
+TEST_F(TrackMixingTest, mixMadeAheadTakesTheNameAndNoStagingFileStays) {
+    toolkit.exporting.isMadeAhead = true;
     mix(2, true);
+    EXPECT_TRUE(log.contains("name Vantoro-2025-03-01-093015.m4a"));
     EXPECT_EQ(fileSystem.entries, std::set<std::filesystem::path>{destination});
 }
 
-TEST_F(TrackMixingTest, fileThatAppearedAtTheDestinationIsReplaced) {
+TEST_F(TrackMixingTest, requestedStopEndsTheExportAndLeavesNothing) {
+    std::stop_source source;
+    stop = source.get_token();
+    toolkit.exporting.duringExport = [&] { source.request_stop(); };
+    EXPECT_THROW(mix(2, true), std::system_error);
+    EXPECT_TRUE(fileSystem.entries.empty());
+}
+
+TEST_F(TrackMixingTest, fileThatAppearedAtTheDestinationStaysAndTheNextNameIsTaken) {
     toolkit.exporting.duringExport = [this] { fileSystem.entries.insert(destination); };
     mix(2, true);
-    EXPECT_EQ(log.startingWith("remove Vantoro-2025-03-01-093015.m4a").size(), 1U);
-    EXPECT_EQ(fileSystem.entries, std::set<std::filesystem::path>{destination});
+    EXPECT_EQ(location, "/recordings/Vantoro-2025-03-01-093015-2.m4a");
+    EXPECT_EQ(fileSystem.entries, (std::set{destination, location}));
 }
 
-TEST_F(TrackMixingTest, destinationThatCannotBeRemovedFailsWithThatError) {
+TEST_F(TrackMixingTest, failureRemovesNothingThatSomebodyElseMade) {
     toolkit.exporting.duringExport = [this] { fileSystem.entries.insert(destination); };
-    fileSystem.removeErrors[destination] = platformError();
+    toolkit.exporting.exportError = platformError();
     EXPECT_EQ(failureOf(), "the platform's own");
-    EXPECT_FALSE(fileSystem.entries.contains(staging));
+    EXPECT_EQ(fileSystem.entries, std::set{destination});
 }
 
 TEST_F(TrackMixingTest, failedMoveFailsWithThatErrorAndLeavesNoStagingFile) {
@@ -138,23 +152,16 @@ TEST_F(TrackMixingTest, failedMoveFailsWithThatErrorAndLeavesNoStagingFile) {
 TEST_F(TrackMixingTest, folderThatCannotBeSyncedFailsTheExport) {
     fileSystem.syncFolderError = platformError();
     EXPECT_EQ(failureOf(), "the platform's own");
+    EXPECT_TRUE(fileSystem.entries.empty()) << "neither file may stay beside the recording";
 }
 
 TEST_F(TrackMixingTest, progressReachesItsReceiver) {
     toolkit.exporting.trackCount = 1;
     const auto asset = toolkit.openAsset("/recordings/x.partial.mov");
     double reported = 0;
-    mixTracks(toolkit, fileSystem, *asset, destination, recordingVolumes(true, 1, 1),
-              [&](double fraction) { reported = fraction; });
+    mixTracks(toolkit, *asset, place(), recordingVolumes(true, 1, 1),
+              [&](double fraction) { reported = fraction; }, {});
     EXPECT_EQ(reported, 1);
-}
-
-TEST_F(TrackMixingTest, stagingFileOfSomebodyElsesExportIsLeftAlone) {
-    fileSystem.entries.insert(staging);
-    fileSystem.locked.insert(staging);
-    EXPECT_NE(failureOf(), "none");
-    EXPECT_EQ(fileSystem.entries, std::set{staging});
-    EXPECT_TRUE(log.startingWith("export").empty());
 }
 
 } // namespace

@@ -196,24 +196,64 @@ public:
         }
     }
 
-    void exportTo(const std::filesystem::path& destination,
-                  const ExportProgress& progress) override {
-        toolkit_.log().add("export " + destination.filename().string());
-        if (!toolkit_.fileSystem().entries.insert(destination).second) {
-            throw std::system_error(std::make_error_code(std::errc::file_exists));
-        }
+    std::unique_ptr<OutputFile> exportTo(OutputFile& staging, const ExportProgress& progress,
+                                         const std::stop_token& stop) override {
+        staging.writeAt(0, {});
         if (toolkit_.exporting.duringExport) {
             toolkit_.exporting.duringExport();
         }
         throwIfSet(toolkit_.exporting.exportError);
+        if (stop.stop_requested()) {
+            throw std::system_error(std::make_error_code(std::errc::operation_canceled));
+        }
         if (progress) {
             progress(1);
         }
+        return toolkit_.exporting.isMadeAhead
+                   ? toolkit_.fileSystem().createUnnamed({}, FileAudience::asUserPrefers)
+                   : nullptr;
     }
 
 private:
     FakeMediaToolkit& toolkit_;
     const FakeComposition& composition_;
+};
+
+/// An empty path: without a name.
+class FakeOutputFile final : public OutputFile {
+public:
+    FakeOutputFile(CallLog& log, FakeFileSystem& fileSystem, std::filesystem::path path)
+        : log_(log), fileSystem_(fileSystem), path_(std::move(path)) {}
+
+    void writeAt(std::uint64_t /*offset*/, std::span<const std::byte> /*bytes*/) override {
+        log_.add("write " + path_.filename().string());
+    }
+
+    void truncate(std::uint64_t /*size*/) override {}
+
+    void sync() override {}
+
+    void ensureReachable() override {}
+
+    void close() override {}
+
+    void takeName(const std::filesystem::path& path) override {
+        log_.add(path_.empty()
+                     ? "name " + path.filename().string()
+                     : "move " + path_.filename().string() + " " + path.filename().string());
+        throwIfSet(fileSystem_.moveError);
+        if (!fileSystem_.entries.insert(path).second) {
+            throw std::system_error(std::make_error_code(std::errc::file_exists));
+        }
+        fileSystem_.entries.erase(std::exchange(path_, path));
+    }
+
+    void discard() noexcept override { fileSystem_.entries.erase(path_); }
+
+private:
+    CallLog& log_;
+    FakeFileSystem& fileSystem_;
+    std::filesystem::path path_;
 };
 
 class FakeStream final : public CaptureStream {
@@ -333,8 +373,10 @@ void FakeFileSystem::remove(const std::filesystem::path& path) {
 void FakeFileSystem::move(const std::filesystem::path& from, const std::filesystem::path& to) {
     log_.add("move " + from.filename().string() + " " + to.filename().string());
     throwIfSet(moveError);
+    if (!entries.insert(to).second) {
+        throw std::system_error(std::make_error_code(std::errc::file_exists));
+    }
     entries.erase(from);
-    entries.insert(to);
 }
 
 void FakeFileSystem::syncFolder(const std::filesystem::path& folder) {
@@ -345,6 +387,25 @@ void FakeFileSystem::syncFolder(const std::filesystem::path& folder) {
 std::unique_ptr<OutputFile> FakeFileSystem::create(const std::filesystem::path& /*path*/,
                                                    FileAudience /*audience*/) {
     throw std::logic_error("the recorder creates no file itself");
+}
+
+std::unique_ptr<OutputFile> FakeFileSystem::claim(const std::filesystem::path& path,
+                                                  FileAudience /*audience*/) {
+    log_.add("claim " + path.filename().string());
+    throwIfSet(claimError);
+    if (locked.contains(path)) {
+        return nullptr;
+    }
+    entries.insert(path);
+    if (afterClaim) {
+        afterClaim();
+    }
+    return std::make_unique<FakeOutputFile>(log_, *this, path);
+}
+
+std::unique_ptr<OutputFile> FakeFileSystem::createUnnamed(const std::filesystem::path& /*folder*/,
+                                                          FileAudience /*audience*/) {
+    return std::make_unique<FakeOutputFile>(log_, *this, std::filesystem::path());
 }
 
 std::unique_ptr<InputFile> FakeFileSystem::open(const std::filesystem::path& /*path*/) {

@@ -107,7 +107,9 @@ public:
     std::exception_ptr createFoldersError;
     std::map<std::filesystem::path, std::exception_ptr> removeErrors;
     std::function<void(const std::filesystem::path&)> afterRemove;
-    std::exception_ptr moveError;
+    std::function<void()> afterClaim;
+    std::exception_ptr claimError;
+    std::exception_ptr moveError; ///< of names that files take, too
     std::exception_ptr syncFolderError;
     std::exception_ptr listError;
     std::set<std::filesystem::path> locked; ///< by somebody else
@@ -125,10 +127,11 @@ public:
     void syncFolder(const std::filesystem::path& folder) override;
     std::unique_ptr<OutputFile> create(const std::filesystem::path& path,
                                        FileAudience audience) override;
-
-    std::unique_ptr<OutputFile> createUnnamed(const std::filesystem::path&, FileAudience) override {
-        return nullptr;
-    }
+    /// Null where the path is `locked`.
+    std::unique_ptr<OutputFile> claim(const std::filesystem::path& path,
+                                      FileAudience audience) override;
+    std::unique_ptr<OutputFile> createUnnamed(const std::filesystem::path& folder,
+                                              FileAudience audience) override;
 
     std::uint64_t availableSpace(const std::filesystem::path&) const override { return 0; }
 
@@ -167,6 +170,7 @@ struct ExportBehaviour {
     std::optional<std::size_t> trackCount; ///< absent: as many as the writer had inputs
     bool compositionTakesTracks = true;
     bool sessionCanBeMade = true;
+    bool isMadeAhead = false; ///< in a file without a name
     std::function<void()> duringExport;
 };
 

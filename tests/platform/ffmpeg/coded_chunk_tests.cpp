@@ -212,7 +212,7 @@ protected:
         ChunkSplicer splicer([&](std::span<const std::byte> packet) {
             packets.emplace_back(packet.begin(), packet.end());
         });
-        codeInParallel(mix, 0, threads, splicer, {});
+        codeInParallel(mix, 0, threads, splicer, {}, {});
         return packets;
     }
 
@@ -272,7 +272,7 @@ TEST_F(ChunkedCoding, aSinkThatFailsEndsItAll) {
             throw std::runtime_error("No space left on device");
         }
     });
-    EXPECT_THROW(codeInParallel(mix, 0, 2, splicer, {}), std::runtime_error);
+    EXPECT_THROW(codeInParallel(mix, 0, 2, splicer, {}, {}), std::runtime_error);
     EXPECT_EQ(taken, 100);
 }
 

@@ -28,7 +28,7 @@ void readAll(const std::vector<std::byte>& movie) {
         composition->addAudioTrack()->insert(track->timeRange(), track, zeroTime);
     }
     if (const auto session = toolkit.makeExportSession(*composition)) {
-        session->exportTo("mix.m4a", {});
+        session->exportTo(*files.create("mix.m4a", FileAudience::asUserPrefers), {}, {});
     }
 }
 

@@ -45,8 +45,8 @@ protected:
 
     void mix(MediaToolkit& toolkit, const char* destination, const Volumes& volumes) {
         const auto asset = toolkit.openAsset("movie.mov");
-        mixTracks(toolkit, files, *asset, destination,
-                  [&](std::size_t track) { return volumes[track]; }, {});
+        mixTracks(toolkit, *asset, OutputPlace(files, "", destination),
+                  [&](std::size_t track) { return volumes[track]; }, {}, {});
     }
 
     double finishedSeconds(MediaToolkit& toolkit) {
@@ -56,9 +56,9 @@ protected:
     /// Whether the mix was made ahead; in any case it is the one that is made without.
     bool finishAndMix(const Volumes& volumes) {
         recording.finish();
-        mix(recording.toolkit(), "mix.m4a", volumes);
+        mix(recording.toolkit(), "mix", volumes);
         FfmpegToolkit another(files);
-        mix(another, "expected.m4a", volumes);
+        mix(another, "expected", volumes);
         EXPECT_TRUE(files.contentOf("mix.m4a") == files.contentOf("expected.m4a"));
         EXPECT_EQ(files.journalOf("expected.m4a").front(), "create");
         return files.journalOf("mix.m4a").front() == "unnamed";
@@ -122,9 +122,9 @@ TEST_F(FollowingMixTest, isNotMadeWhereFilesHaveNames) {
 TEST_F(FollowingMixTest, aFailureOnTheDiskIsNotTheRecordings) {
     recordFollowed();
     files.setSyncFails(true); // for the mix that followed
-    EXPECT_THROW(mix(recording.toolkit(), "mix.m4a", {0.9F, 0.5F}), std::system_error);
+    EXPECT_THROW(mix(recording.toolkit(), "mix", {0.9F, 0.5F}), std::system_error);
     files.setSyncFails(false);
-    mix(recording.toolkit(), "mix.m4a", {0.9F, 0.5F});
+    mix(recording.toolkit(), "mix", {0.9F, 0.5F});
     EXPECT_EQ(files.journalOf("mix.m4a").front(), "create");
 }
 

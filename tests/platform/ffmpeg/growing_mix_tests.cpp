@@ -40,8 +40,8 @@ protected:
     void exportTo(const std::string& name) {
         FfmpegToolkit toolkit(files);
         const auto asset = toolkit.openAsset("movie.mov");
-        mixTracks(toolkit, files, *asset, name,
-                  [this](std::size_t track) { return volumes[track]; }, {});
+        mixTracks(toolkit, *asset, OutputPlace(files, "", name),
+                  [this](std::size_t track) { return volumes[track]; }, {}, {});
     }
 
     /// As an export lays it out.
@@ -59,7 +59,7 @@ protected:
     }
 
     void expectTheSameFile() {
-        exportTo("exported.m4a");
+        exportTo("exported");
         EXPECT_TRUE(files.contentOf("followed.m4a") == files.contentOf("exported.m4a"));
     }
 
@@ -85,7 +85,7 @@ TEST_F(GrowingMixTest, becomesTheFileThatAnExportMakesWheneverItGoesOn) {
         record(from, std::min(from + (7 * second), length));
     }
     recording.finish();
-    mix.complete(wholeMix(), "followed.m4a", 2, {});
+    mix.complete(wholeMix(), 2, {}, {})->takeName("followed.m4a");
     expectTheSameFile();
 }
 
@@ -98,7 +98,7 @@ TEST_F(GrowingMixTest, becomesItWhereASourceEndsBeforeTheOther) {
     ASSERT_TRUE(recording.append(0, 20 * second, 26 * second, melody));
     mix.goOn({});
     recording.finish();
-    mix.complete(wholeMix(), "followed.m4a", 1, {});
+    mix.complete(wholeMix(), 1, {}, {})->takeName("followed.m4a");
     expectTheSameFile();
 }
 
@@ -106,7 +106,7 @@ TEST_F(GrowingMixTest, becomesItWhereNothingWasMixedYet) {
     record(0, 40 * second);
     recording.finish();
     GrowingMix mix(files, "movie.mov", volumes);
-    mix.complete(wholeMix(), "followed.m4a", 2, {});
+    mix.complete(wholeMix(), 2, {}, {})->takeName("followed.m4a");
     expectTheSameFile();
 }
 
@@ -116,7 +116,7 @@ TEST_F(GrowingMixTest, isOfNoUseForOtherVolumes) {
     GrowingMix mix(files, "movie.mov", volumes);
     mix.goOn({});
     volumes[1] = 0.5F;
-    EXPECT_THROW(mix.complete(wholeMix(), "followed.m4a", 2, {}), std::runtime_error);
+    EXPECT_THROW(mix.complete(wholeMix(), 2, {}, {})->takeName("followed.m4a"), std::runtime_error);
     EXPECT_FALSE(files.exists("followed.m4a"));
 }
 
@@ -125,7 +125,7 @@ TEST_F(GrowingMixTest, leavesWhatIsAtItsPlaceAlone) {
     recording.finish();
     files.put("followed.m4a", std::vector<std::byte>(7));
     GrowingMix mix(files, "movie.mov", volumes);
-    EXPECT_THROW(mix.complete(wholeMix(), "followed.m4a", 2, {}), std::system_error);
+    EXPECT_THROW(mix.complete(wholeMix(), 2, {}, {})->takeName("followed.m4a"), std::system_error);
     EXPECT_EQ(files.contentOf("followed.m4a").size(), 7U);
 }
 

@@ -15,8 +15,8 @@ namespace {
 
 TEST(M4aFile, takesNoPacketThatItsIndexCannotDescribe) {
     MemoryFileSystem files;
-    ffmpeg::M4aFile file(files.create("/recording.m4a", FileAudience::asUserPrefers),
-                         {.coderConfiguration = std::vector(2, std::byte{0})});
+    const auto output = files.create("/recording.m4a", FileAudience::asUserPrefers);
+    ffmpeg::M4aFile file(*output, {.coderConfiguration = std::vector(2, std::byte{0})});
     file.add(std::vector(65535, std::byte{1}));
     EXPECT_THROW(file.add(std::vector(65536, std::byte{1})), std::runtime_error);
 }

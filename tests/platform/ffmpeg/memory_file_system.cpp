@@ -40,8 +40,10 @@ private:
 
 class MemoryOutputFile final : public OutputFile {
 public:
-    MemoryOutputFile(MemoryFileSystem& system, std::shared_ptr<MemoryFile> file)
-        : system_(system), file_(std::move(file)) {}
+    /// An empty path: without a name.
+    MemoryOutputFile(MemoryFileSystem& system, std::shared_ptr<MemoryFile> file,
+                     std::filesystem::path path = {})
+        : system_(system), file_(std::move(file)), path_(std::move(path)) {}
 
     void writeAt(std::uint64_t offset, std::span<const std::byte> bytes) override {
         std::unique_lock lock(system_.mutex_);
@@ -91,7 +93,13 @@ public:
         if (!system_.files_.try_emplace(path, file_).second) {
             fail(std::errc::file_exists, "Naming the file");
         }
+        system_.files_.erase(std::exchange(path_, path));
         note("name");
+    }
+
+    void discard() noexcept override {
+        const std::lock_guard lock(system_.mutex_);
+        system_.files_.erase(path_);
     }
 
     void close() override {
@@ -104,6 +112,7 @@ private:
 
     MemoryFileSystem& system_;
     std::shared_ptr<MemoryFile> file_;
+    std::filesystem::path path_;
 };
 
 bool MemoryFileSystem::exists(const std::filesystem::path& path) const {
@@ -120,7 +129,9 @@ void MemoryFileSystem::remove(const std::filesystem::path& path) {
 
 void MemoryFileSystem::move(const std::filesystem::path& from, const std::filesystem::path& to) {
     const std::lock_guard lock(mutex_);
-    files_[to] = files_.at(from);
+    if (!files_.try_emplace(to, files_.at(from)).second) {
+        fail(std::errc::file_exists, "Moving the file");
+    }
     files_.erase(from);
 }
 
@@ -136,7 +147,16 @@ std::unique_ptr<OutputFile> MemoryFileSystem::create(const std::filesystem::path
     }
     audience_ = audience;
     place->second->journal.emplace_back("create");
-    return std::make_unique<MemoryOutputFile>(*this, place->second);
+    return std::make_unique<MemoryOutputFile>(*this, place->second, path);
+}
+
+std::unique_ptr<OutputFile> MemoryFileSystem::claim(const std::filesystem::path& path,
+                                                    FileAudience audience) {
+    {
+        const std::lock_guard lock(mutex_);
+        files_.erase(path);
+    }
+    return create(path, audience);
 }
 
 std::unique_ptr<OutputFile> MemoryFileSystem::createUnnamed(const std::filesystem::path&,

@@ -38,6 +38,10 @@ public:
     std::unique_ptr<OutputFile> create(const std::filesystem::path& path,
                                        FileAudience audience) override;
 
+    /// Whoever left something there has died.
+    std::unique_ptr<OutputFile> claim(const std::filesystem::path& path,
+                                      FileAudience audience) override;
+
     std::unique_ptr<OutputFile> createUnnamed(const std::filesystem::path& folder,
                                               FileAudience audience) override;
     std::uint64_t availableSpace(const std::filesystem::path& folder) const override;

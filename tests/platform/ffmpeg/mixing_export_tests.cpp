@@ -58,7 +58,9 @@ protected:
         const auto session = toolkit.makeExportSession(*composition);
         ASSERT_NE(session, nullptr);
         session->setAudioMix(mix);
-        session->exportTo("mix.m4a", progress);
+        OutputPlace place(files, "", "mix");
+        session->exportTo(place.stagingFile(), progress, {});
+        place.publish(nullptr);
     }
 
     std::filesystem::path mixFile() { return folder.put("mix.m4a", files.contentOf("mix.m4a")); }
@@ -89,8 +91,8 @@ TEST_F(MixingExport, isAnM4aFileOfStereoAacAt256Kilobits) {
     EXPECT_EQ(sections[0].at("start_time"), "0.000000");
     EXPECT_EQ(files.audience(), FileAudience::asUserPrefers);
     const auto journal = files.journalOf("mix.m4a");
-    EXPECT_EQ(std::vector(journal.end() - 2, journal.end()),
-              (std::vector<std::string>{"sync", "close"}));
+    EXPECT_EQ(std::vector(journal.end() - 3, journal.end()),
+              (std::vector<std::string>{"sync", "close", "name"}));
 }
 
 TEST_F(MixingExport, eachTrackHasItsGainWithinATenthOfADecibel) {
@@ -286,7 +288,8 @@ TEST(MixingExportOnDisk, writesAndReadsRealFiles) {
     for (const auto& track : toolkit.openAsset(recording.location())->audioTracks()) {
         composition->addAudioTrack()->insert(track->timeRange(), track, zeroTime);
     }
-    toolkit.makeExportSession(*composition)->exportTo(folder.path() / "mix.m4a", {});
+    const auto file = files.create(folder.path() / "mix.m4a", FileAudience::asUserPrefers);
+    toolkit.makeExportSession(*composition)->exportTo(*file, {}, {});
     const auto samples = decode(folder.path() / "mix.m4a", 0);
     EXPECT_EQ(framesOf(folder.path() / "mix.m4a", 0), 3 * second);
     EXPECT_NEAR(levelOf(middleOf(samples), 440), 20 * std::log10(0.8), 0.1);

@@ -35,7 +35,7 @@ protected:
         }
         const auto session = toolkit.makeExportSession(*composition);
         session->setAudioMix(mix);
-        session->exportTo("mix.m4a", progress);
+        session->exportTo(*files.create("mix.m4a", FileAudience::asUserPrefers), progress, {});
         file = folder.put("mix.m4a", files.contentOf("mix.m4a"));
     }
 

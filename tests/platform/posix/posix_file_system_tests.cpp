@@ -78,21 +78,25 @@ TEST_F(PosixFileSystemTest, removingNothingFails) {
                   "Cannot remove nothing: " + reason(ENOENT));
 }
 
-TEST_F(PosixFileSystemTest, movingKeepsTheContentAndReplacesAFile) {
+TEST_F(PosixFileSystemTest, movingKeepsTheContent) {
     writeFile(in("staging"), "new");
-    writeFile(in("final"), "old");
     fileSystem.move(in("staging"), in("final"));
     EXPECT_EQ(contentOf(in("final")), "new");
     EXPECT_FALSE(fileSystem.exists(in("staging")));
 }
 
-TEST_F(PosixFileSystemTest, movingOntoAFolderFailsAndKeepsBoth) {
+TEST_F(PosixFileSystemTest, movingOntoAnythingFailsAndKeepsBoth) {
     writeFile(in("staging"), "new");
-    fileSystem.createFolders(in("final"));
-    expectFailure([&] { fileSystem.move(in("staging"), in("final")); },
-                  "Cannot create final: " + reason(EISDIR));
-    EXPECT_EQ(contentOf(in("staging")), "new");
-    EXPECT_TRUE(std::filesystem::is_directory(in("final")));
+    writeFile(in("file"), "old");
+    fileSystem.createFolders(in("folder"));
+    std::filesystem::create_symlink("nowhere", in("link"));
+    for (const char* const taken : {"file", "folder", "link"}) {
+        expectFailure([&] { fileSystem.move(in("staging"), in(taken)); },
+                      std::string("Cannot create ") + taken + ": " + reason(EEXIST));
+        EXPECT_EQ(contentOf(in("staging")), "new");
+    }
+    EXPECT_EQ(contentOf(in("file")), "old");
+    EXPECT_TRUE(std::filesystem::is_symlink(in("link")));
 }
 
 TEST_F(PosixFileSystemTest, folderIsSyncedWhereItsFileSystemCan) {

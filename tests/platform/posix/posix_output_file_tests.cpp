@@ -6,6 +6,7 @@
 
 #include <dirent.h>
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <gtest/gtest.h>
@@ -100,6 +101,66 @@ TEST_F(PosixOutputFileTest, unnamedFileTakesNoNameThatIsTaken) {
 TEST_F(PosixOutputFileTest, unnamedFileIsGoneWhenItTookNoName) {
     fileSystem.createUnnamed(takes, FileAudience::userOnly)->writeAt(0, bytesOf("music"));
     EXPECT_TRUE(std::filesystem::is_empty(takes));
+}
+
+TEST_F(PosixOutputFileTest, keepsItsLockUnderANewName) {
+    const auto file = fileHolding("music");
+    file->sync();
+    file->close();
+    file->takeName(takes / "final");
+    EXPECT_FALSE(std::filesystem::exists(path));
+    EXPECT_EQ(contentOf(takes / "final"), "music");
+    EXPECT_EQ(fileSystem.lock(takes / "final"), nullptr);
+    writeFile(takes / "other", "precious");
+    expectFailure([&] { file->takeName(takes / "other"); },
+                  "Cannot create other: " + reason(EEXIST));
+    EXPECT_EQ(contentOf(takes / "other"), "precious");
+}
+
+TEST_F(PosixOutputFileTest, takesNoNameFromAnotherFileInItsPlace) {
+    const auto file = fileHolding("music");
+    std::filesystem::remove(path);
+    writeFile(path, "precious");
+    EXPECT_THROW(file->takeName(takes / "final"), std::system_error);
+    file->discard();
+    EXPECT_EQ(contentOf(path), "precious");
+}
+
+TEST_F(PosixOutputFileTest, discardedFileIsGoneUnderWhateverName) {
+    const auto file = fileHolding("music");
+    file->close();
+    file->takeName(takes / "final");
+    file->discard();
+    EXPECT_TRUE(std::filesystem::is_empty(takes));
+}
+
+TEST_F(PosixOutputFileTest, claimTakesOverWhatTheDeadLeftAndEmptiesIt) {
+    writeFile(path, "half a file");
+    const auto file = fileSystem.claim(path, FileAudience::asUserPrefers);
+    ASSERT_NE(file, nullptr);
+    EXPECT_EQ(contentOf(path), "");
+    EXPECT_EQ(fileSystem.lock(path), nullptr);
+    file->writeAt(0, bytesOf("music"));
+    file->sync();
+    EXPECT_EQ(contentOf(path), "music");
+}
+
+TEST_F(PosixOutputFileTest, claimLeavesWhatIsInUseOrNoFileOfOurs) {
+    const auto living = fileHolding("music");
+    EXPECT_EQ(fileSystem.claim(path, FileAudience::asUserPrefers), nullptr);
+    EXPECT_EQ(contentOf(path), "music");
+
+    std::filesystem::create_directory(takes / "folder");
+    std::filesystem::create_symlink("nowhere", takes / "dangling");
+    writeFile(takes / "precious", "precious");
+    std::filesystem::create_symlink("precious", takes / "link");
+    std::filesystem::create_hard_link(takes / "precious", takes / "second name");
+    ASSERT_EQ(::mkfifo((takes / "pipe").c_str(), 0600), 0);
+    for (const char* const odd : {"folder", "dangling", "link", "second name", "pipe"}) {
+        EXPECT_EQ(fileSystem.claim(takes / odd, FileAudience::asUserPrefers), nullptr) << odd;
+    }
+    EXPECT_EQ(contentOf(takes / "precious"), "precious");
+    EXPECT_FALSE(std::filesystem::exists(takes / "nowhere"));
 }
 
 TEST_F(PosixOutputFileTest, thereAreNoUnnamedFilesWhereTheSystemHasNone) {

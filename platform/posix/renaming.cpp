@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "platform/posix/renaming.h"
+
+#include <cerrno>
+#include <cstdio>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include "platform/posix/system_calls.h"
+
+namespace vantoro::posix {
+
+namespace {
+
+/// Whether it was refused for want of such a thing, which file systems say in several ways.
+bool isUnknownToTheFileSystem(int errorNumber) {
+    return errorNumber == EINVAL || errorNumber == ENOSYS || errorNumber == EOPNOTSUPP ||
+           errorNumber == EPERM || errorNumber == EMLINK;
+}
+
+} // namespace
+
+bool renameInOneStep(const std::filesystem::path& from, const std::filesystem::path& to) {
+    if (::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) {
+        return true;
+    }
+    if (!isUnknownToTheFileSystem(errno)) {
+        throwFailure("create", to, errno);
+    }
+    return false;
+}
+
+bool renameByLink(const std::filesystem::path& from, const std::filesystem::path& to) {
+    if (::link(from.c_str(), to.c_str()) != 0) {
+        if (!isUnknownToTheFileSystem(errno)) {
+            throwFailure("create", to, errno);
+        }
+        return false;
+    }
+    if (::unlink(from.c_str()) != 0) {
+        const int reason = errno;
+        ::unlink(to.c_str()); // which is ours
+        throwFailure("remove", from, reason);
+    }
+    return true;
+}
+
+bool renameOverOwnFile(const std::filesystem::path& from, const std::filesystem::path& to) {
+    constexpr mode_t nobodyYet = 0;
+    openFile(to, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, "create", nobodyYet);
+    if (::rename(from.c_str(), to.c_str()) != 0) {
+        const int reason = errno;
+        ::unlink(to.c_str());
+        throwFailure("create", to, reason);
+    }
+    return true;
+}
+
+void renameWithoutReplacing(const std::filesystem::path& from, const std::filesystem::path& to) {
+    static_cast<void>(renameInOneStep(from, to) || renameByLink(from, to) ||
+                      renameOverOwnFile(from, to));
+}
+
+} // namespace vantoro::posix
