@@ -106,7 +106,7 @@ void CaptureSession::openMicrophone() {
                                ? "The microphone \"" + name + "\" was not found."
                                : "There is no default microphone.");
     }
-    microphoneSource_ = *source;
+    microphoneSource_ = {*source, graph.nodes.at(*source).serial};
     microphone_ = makeStream(CaptureSource::microphone);
 }
 
@@ -141,7 +141,7 @@ void CaptureSession::update() {
 }
 
 void CaptureSession::updateTaps() {
-    const auto present = settings_.systemAudio ? outputs(mirror_.graph()) : std::set<ObjectId>();
+    const auto present = settings_.systemAudio ? outputs(mirror_.graph()) : std::set<Identity>();
     for (auto entry = taps_.begin(); entry != taps_.end();) {
         auto& [output, tap] = *entry;
         if (present.contains(output)) {
@@ -156,7 +156,7 @@ void CaptureSession::updateTaps() {
         delivery_->removeFeed(feed);
         entry = taps_.erase(entry);
     }
-    for (const ObjectId output : present) {
+    for (const Identity& output : present) {
         if (!taps_.contains(output)) {
             taps_.emplace(output, makeStream(CaptureSource::systemAudio));
         }
@@ -167,16 +167,15 @@ void CaptureSession::updateMicrophone() {
     if (!microphone_) {
         return;
     }
-    const auto& nodes = mirror_.graph().nodes;
-    const auto source = nodes.find(microphoneSource_);
-    if (source == nodes.end()) {
+    const Node* const source = findMicrophone(mirror_.graph(), microphoneSource_);
+    if (source == nullptr) {
         fail(microphoneGoneText);
     } else if (microphone_->state() == InputStream::State::ended) {
         fail(endedText(*microphone_));
     } else {
         const auto ports = microphonePorts(mirror_.graph(), microphoneSource_).size();
         microphone_->setChannelsAddedUp(std::max<std::size_t>(1, ports));
-        const bool isMuted = source->second.mixer.isSilent();
+        const bool isMuted = source->mixer.isSilent();
         if (isMuted != std::exchange(isMicrophoneMuted_, isMuted)) {
             events_.microphoneMuted(isMuted);
         }

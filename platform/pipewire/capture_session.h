@@ -79,7 +79,7 @@ private:
     std::string failure_; // empty: none
     EventFlag settled_;   // started, or failed to
     Deadline startedAt_;
-    ObjectId microphoneSource_ = SPA_ID_INVALID;
+    Identity microphoneSource_;
     bool isMicrophoneMuted_ = false;
     int ticksPaused_ = 0; // for how long the microphone has been paused
     StallWatch systemWatch_;
@@ -90,7 +90,7 @@ private:
     LoopTimer timer_;
     GraphMirror mirror_;
     Linker linker_;
-    std::map<ObjectId, std::unique_ptr<InputStream>> taps_; // by output
+    std::map<Identity, std::unique_ptr<InputStream>> taps_; // by output
     std::unique_ptr<InputStream> microphone_;
 };
 

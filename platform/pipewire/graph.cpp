@@ -22,11 +22,22 @@ void read(bool& value, const Properties& properties, const char* key) {
 
 } // namespace
 
+std::uint64_t serialOf(const Properties& properties) {
+    std::uint64_t serial = 0;
+    if (const auto found = properties.find("object.serial"); found != properties.end()) {
+        const std::string& text = found->second;
+        std::from_chars(text.data(), text.data() + text.size(), serial);
+    }
+    return serial;
+}
+
 void readProperties(Node& node, const Properties& properties) {
     read(node.mediaClass, properties, "media.class");
     read(node.name, properties, "node.name");
     read(node.description, properties, "node.description");
-    read(node.serial, properties, "object.serial");
+    if (const std::uint64_t serial = serialOf(properties); serial != 0) {
+        node.serial = serial;
+    }
     read(node.linkGroup, properties, "node.link-group");
     read(node.targetObject, properties, "node.target"); // the older name of the next one
     read(node.targetObject, properties, "target.object");

@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include <compare>
 #include <cstdint>
 #include <map>
 #include <optional>
@@ -17,11 +18,20 @@ using Properties = std::map<std::string, std::string, std::less<>>;
 /// The property that marks everything that we start ourselves: its sound is our own.
 inline constexpr const char* ownSoundProperty = "vantoro.own";
 
+/// One object, and no other at any time: the server gives an id to the next object as soon as its
+/// object is gone, and a serial never again.
+struct Identity {
+    ObjectId id = 0;
+    std::uint64_t serial = 0; ///< 0: not told
+
+    friend auto operator<=>(const Identity&, const Identity&) = default;
+};
+
 struct Node {
     std::string mediaClass;
     std::string name;
     std::string description;
-    std::string serial;
+    std::uint64_t serial = 0;
     std::string linkGroup;
     std::string targetObject; ///< what it asks to be connected to: a name or a serial
     std::string processId;
@@ -39,6 +49,8 @@ struct Port {
     ObjectId node = 0;
     PortDirection direction = PortDirection::input;
     std::string channel;
+    std::uint64_t serial = 0;
+    bool isMonitor = false; ///< gives what is played to its node
 };
 
 struct Link {
@@ -46,13 +58,18 @@ struct Link {
     ObjectId inputNode = 0;
 };
 
+struct Client {
+    std::string processId; ///< of native clients
+    std::uint64_t serial = 0;
+};
+
 /// What we know of the sound server's objects, by their ids.
 struct Graph {
     std::map<ObjectId, Node> nodes;
     std::map<ObjectId, Port> ports; ///< of sound only
     std::map<ObjectId, Link> links;
-    std::map<ObjectId, std::string> clientProcesses; ///< process ids of native clients
-    std::map<ObjectId, std::string> targets;         ///< where the user moved a stream to
+    std::map<ObjectId, Client> clients;
+    std::map<ObjectId, std::string> targets; ///< where the user moved a stream to
     std::string defaultOutput;
     std::string defaultMicrophone;
     /// What the two are told by, where it is a session manager that tells them.
@@ -61,6 +78,9 @@ struct Graph {
     bool mayExecute = false;   ///< what we are permitted on the server's core
     bool canMakeLinks = false;
 };
+
+/// 0 where the properties do not tell it.
+std::uint64_t serialOf(const Properties& properties);
 
 /// Takes from an object's properties what a `Node` holds; what they do not name stays as it is.
 void readProperties(Node& node, const Properties& properties);

@@ -100,7 +100,8 @@ void GraphMirror::addObject(ObjectId id, std::uint32_t permissions, const std::s
                text(properties, "factory.name") == "link-factory") {
         graph_.canMakeLinks = (permissions & PW_PERM_R) != 0;
     } else if (type == PW_TYPE_INTERFACE_Client) {
-        graph_.clientProcesses[id] = text(properties, "pipewire.sec.pid");
+        graph_.clients[id] = {.processId = text(properties, "pipewire.sec.pid"),
+                              .serial = serialOf(properties)};
     } else if (type == PW_TYPE_INTERFACE_Node) {
         addNode(id, properties);
     } else if (type == PW_TYPE_INTERFACE_Port) {
@@ -133,11 +134,13 @@ void GraphMirror::addPort(ObjectId id, const Properties& properties) {
     if (text(properties, "format.dsp").find("audio") == std::string::npos) {
         return; // MIDI, or an ability to take one stream as a whole
     }
-    graph_.ports.insert_or_assign(id, Port{.node = number(properties, "node.id"),
-                                           .direction = text(properties, "port.direction") == "out"
-                                                            ? PortDirection::output
-                                                            : PortDirection::input,
-                                           .channel = text(properties, "audio.channel")});
+    graph_.ports.insert_or_assign(
+        id, Port{.node = number(properties, "node.id"),
+                 .direction = text(properties, "port.direction") == "out" ? PortDirection::output
+                                                                          : PortDirection::input,
+                 .channel = text(properties, "audio.channel"),
+                 .serial = serialOf(properties),
+                 .isMonitor = text(properties, "port.monitor") == "true"});
 }
 
 void GraphMirror::addLink(ObjectId id, const Properties& properties) {
@@ -164,7 +167,7 @@ void GraphMirror::removeObject(ObjectId id) {
     graph_.nodes.erase(id);
     graph_.ports.erase(id);
     graph_.links.erase(id);
-    graph_.clientProcesses.erase(id);
+    graph_.clients.erase(id);
     graph_.targets.erase(id);
 }
 

@@ -13,9 +13,13 @@ namespace {
 
 constexpr std::string_view captureStreamClass = "Stream/Input/Audio";
 
+bool isCalled(const Node& node, std::string_view nameOrSerial) {
+    return node.name == nameOrSerial || std::to_string(node.serial) == nameOrSerial;
+}
+
 std::optional<ObjectId> findOutput(const Graph& graph, std::string_view nameOrSerial) {
     for (const auto& [id, node] : graph.nodes) {
-        if (isOutput(node) && (node.name == nameOrSerial || node.serial == nameOrSerial)) {
+        if (isOutput(node) && isCalled(node, nameOrSerial)) {
             return id;
         }
     }
@@ -27,9 +31,8 @@ bool namesSomething(const std::string& target) {
 }
 
 bool exists(const Graph& graph, std::string_view nameOrSerial) {
-    return std::ranges::any_of(graph.nodes, [&](const auto& entry) {
-        return entry.second.name == nameOrSerial || entry.second.serial == nameOrSerial;
-    });
+    return std::ranges::any_of(
+        graph.nodes, [&](const auto& entry) { return isCalled(entry.second, nameOrSerial); });
 }
 
 /// Where the session manager is going to connect a stream: where the user moved it, else where it
@@ -49,20 +52,20 @@ std::optional<ObjectId> predictedOutput(ObjectId stream, const Graph& graph) {
     return graph.defaultOutput.empty() ? std::nullopt : findOutput(graph, graph.defaultOutput);
 }
 
-std::vector<ObjectId> portsOf(const Graph& graph, ObjectId node, PortDirection direction) {
-    std::vector<ObjectId> result;
+std::vector<Identity> portsOf(const Graph& graph, ObjectId node, PortDirection direction) {
+    std::vector<Identity> result;
     for (const auto& [id, port] : graph.ports) {
         if (port.node == node && port.direction == direction) {
-            result.push_back(id);
+            result.push_back({id, port.serial});
         }
     }
     return result;
 }
 
-std::map<std::string_view, ObjectId> inputsByChannel(const Graph& graph, ObjectId node) {
-    std::map<std::string_view, ObjectId> result;
-    for (const ObjectId port : portsOf(graph, node, PortDirection::input)) {
-        result.emplace(graph.ports.at(port).channel, port);
+std::map<std::string_view, Identity> inputsByChannel(const Graph& graph, ObjectId node) {
+    std::map<std::string_view, Identity> result;
+    for (const Identity& port : portsOf(graph, node, PortDirection::input)) {
+        result.emplace(graph.ports.at(port.id).channel, port);
     }
     return result;
 }
@@ -72,8 +75,8 @@ void addStreamLinks(std::set<PortLink>& links, const Graph& graph, ObjectId stre
     const auto ports = portsOf(graph, stream, PortDirection::output);
     std::vector<std::string> channels;
     channels.reserve(ports.size());
-    for (const ObjectId port : ports) {
-        channels.push_back(graph.ports.at(port).channel);
+    for (const Identity& port : ports) {
+        channels.push_back(graph.ports.at(port.id).channel);
     }
     const auto targets = tapChannelsFor(channels);
     for (std::size_t i = 0; i < ports.size(); ++i) {
@@ -91,7 +94,7 @@ void addMicrophoneLinks(std::set<PortLink>& links, const Graph& graph, const Own
     }
     const auto inputs = portsOf(graph, *own.microphoneStream, PortDirection::input);
     if (!inputs.empty()) {
-        for (const ObjectId port : microphonePorts(graph, *own.microphone)) {
+        for (const Identity& port : microphonePorts(graph, *own.microphone)) {
             links.insert({port, inputs.front()});
         }
     }
@@ -119,9 +122,13 @@ bool isOwnSound(const Node& stream, const Graph& graph, const Self& self) {
     if (!stream.client) {
         return false;
     }
-    const auto process = graph.clientProcesses.find(*stream.client);
-    return stream.client == self.client ||
-           (process != graph.clientProcesses.end() && process->second == self.processId);
+    const auto client = graph.clients.find(*stream.client);
+    if (client == graph.clients.end()) {
+        return stream.client == self.client;
+    }
+    // A stream may outlive its client, whose id somebody else has then: us, for example.
+    return client->second.serial <= stream.serial &&
+           (stream.client == self.client || client->second.processId == self.processId);
 }
 
 bool passesOnAnOutput(const Node& stream, const Graph& graph) {
@@ -155,7 +162,8 @@ std::set<PortLink> wantedLinks(const Graph& graph, const Self& self, const OwnNo
             continue;
         }
         const auto output = outputOf(id, graph);
-        const auto tap = output ? own.tapOfOutput.find(*output) : own.tapOfOutput.end();
+        const auto tap = output ? own.tapOfOutput.find({*output, graph.nodes.at(*output).serial})
+                                : own.tapOfOutput.end();
         if (tap != own.tapOfOutput.end()) {
             addStreamLinks(links, graph, id, tap->second);
         }
@@ -164,11 +172,11 @@ std::set<PortLink> wantedLinks(const Graph& graph, const Self& self, const OwnNo
     return links;
 }
 
-std::set<ObjectId> outputs(const Graph& graph) {
-    std::set<ObjectId> result;
+std::set<Identity> outputs(const Graph& graph) {
+    std::set<Identity> result;
     for (const auto& [id, node] : graph.nodes) {
         if (isOutput(node)) {
-            result.insert(id);
+            result.insert({id, node.serial});
         }
     }
     return result;
@@ -197,8 +205,25 @@ std::optional<ObjectId> findMicrophone(const Graph& graph, const std::string& na
     return std::nullopt;
 }
 
-std::vector<ObjectId> microphonePorts(const Graph& graph, ObjectId microphone) {
-    return portsOf(graph, microphone, PortDirection::output);
+const Node* findMicrophone(const Graph& graph, const Identity& microphone) {
+    const auto found = graph.nodes.find(microphone.id);
+    const bool isThere = found != graph.nodes.end() && found->second.serial == microphone.serial &&
+                         isMicrophone(found->second);
+    return isThere ? &found->second : nullptr;
+}
+
+std::vector<Identity> microphonePorts(const Graph& graph, const Identity& microphone) {
+    const Node* const node = findMicrophone(graph, microphone);
+    if (node == nullptr) {
+        return {};
+    }
+    auto ports = portsOf(graph, microphone.id, PortDirection::output);
+    const auto isMonitor = [&](const Identity& port) { return graph.ports.at(port.id).isMonitor; };
+    // A microphone that programs speak into has nothing but monitors to give that sound out.
+    if (node->mediaClass == "Audio/Source" || !std::ranges::all_of(ports, isMonitor)) {
+        std::erase_if(ports, isMonitor);
+    }
+    return ports;
 }
 
 } // namespace vantoro::pipewire

@@ -25,14 +25,14 @@ struct Self {
 
 /// The capture nodes that we have, by what they capture.
 struct OwnNodes {
-    std::map<ObjectId, ObjectId> tapOfOutput; ///< by the output whose applications it hears
+    std::map<Identity, ObjectId> tapOfOutput; ///< by the output whose applications it hears
     std::optional<ObjectId> microphoneStream;
-    std::optional<ObjectId> microphone; ///< the source that the stream is to hear
+    std::optional<Identity> microphone; ///< the source that the stream is to hear
 };
 
 struct PortLink {
-    ObjectId output = 0;
-    ObjectId input = 0;
+    Identity output;
+    Identity input;
 
     friend auto operator<=>(const PortLink&, const PortLink&) = default;
 };
@@ -59,12 +59,14 @@ std::set<PortLink> wantedLinks(const Graph& graph, const Self& self, const OwnNo
 bool mayCapture(const Graph& graph);
 
 /// The outputs that need a tap.
-std::set<ObjectId> outputs(const Graph& graph);
+std::set<Identity> outputs(const Graph& graph);
 
 /// In the order in which the server lists them.
 std::vector<AudioInputDevice> microphones(const Graph& graph);
 std::optional<ObjectId> findMicrophone(const Graph& graph, const std::string& name);
-/// Ports that the microphone's sound comes out of.
-std::vector<ObjectId> microphonePorts(const Graph& graph, ObjectId microphone);
+/// The microphone itself; null once it is gone, whatever has its id by then.
+const Node* findMicrophone(const Graph& graph, const Identity& microphone);
+/// Ports that the microphone's own sound comes out of; none once it is gone.
+std::vector<Identity> microphonePorts(const Graph& graph, const Identity& microphone);
 
 } // namespace vantoro::pipewire

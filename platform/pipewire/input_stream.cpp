@@ -112,7 +112,8 @@ void InputStream::connect() {
 
 std::optional<ObjectId> InputStream::node() const {
     const std::uint32_t id = pw_stream_get_node_id(stream_.get());
-    return id == SPA_ID_INVALID ? std::nullopt : std::optional(id);
+    // Once it has ended the id is somebody else's.
+    return id == SPA_ID_INVALID || state_ == State::ended ? std::nullopt : std::optional(id);
 }
 
 void InputStream::setChannelsAddedUp(std::size_t count) noexcept {

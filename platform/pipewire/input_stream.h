@@ -41,7 +41,7 @@ public:
     InputStream& operator=(const InputStream&) = delete;
     ~InputStream() = default;
 
-    /// Present once the server has made the node.
+    /// Present from when the server has made the node until the stream has ended.
     std::optional<ObjectId> node() const;
 
     State state() const noexcept { return state_; }

@@ -31,8 +31,8 @@ bool Linker::forgetFailed() {
 
 std::unique_ptr<Linker::OwnLink> Linker::make(const PortLink& link) {
     const PropertiesPointer properties(
-        pw_properties_new(PW_KEY_LINK_OUTPUT_PORT, std::to_string(link.output).c_str(),
-                          PW_KEY_LINK_INPUT_PORT, std::to_string(link.input).c_str(), nullptr));
+        pw_properties_new(PW_KEY_LINK_OUTPUT_PORT, std::to_string(link.output.id).c_str(),
+                          PW_KEY_LINK_INPUT_PORT, std::to_string(link.input.id).c_str(), nullptr));
     void* const object = pw_core_create_object(core_, "link-factory", PW_TYPE_INTERFACE_Link,
                                                PW_VERSION_LINK, &properties->dict, 0);
     if (object == nullptr) {

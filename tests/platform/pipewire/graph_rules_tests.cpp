@@ -47,16 +47,19 @@ protected:
         graph.ports[300] = {microphone, PortDirection::output, "FL"};
         graph.ports[301] = {microphone, PortDirection::output, "FR"};
         graph.ports[310] = {microphoneStream, PortDirection::input, "MONO"};
-        own.tapOfOutput = {{speakers, speakersTap}, {headphones, headphonesTap}};
+        own.tapOfOutput = {{identity(speakers), speakersTap},
+                           {identity(headphones), headphonesTap}};
     }
 
     void addNode(ObjectId id, const char* mediaClass, const char* name) {
         Node node;
         node.mediaClass = mediaClass;
         node.name = name;
-        node.serial = std::to_string(id + 1000);
+        node.serial = id + 1000;
         graph.nodes[id] = node;
     }
+
+    Identity identity(ObjectId node) const { return {node, graph.nodes.at(node).serial}; }
 
     void addTapPorts(ObjectId first, ObjectId tap) {
         for (const std::string_view channel : tapChannels) {
@@ -68,12 +71,19 @@ protected:
         graph.links[static_cast<ObjectId>(400 + graph.links.size())] = {from, to};
     }
 
-    std::set<PortLink> links(bool excludesOwnSound = true) {
-        return wantedLinks(graph, self, own, excludesOwnSound);
+    using LinkedIds = std::set<std::pair<ObjectId, ObjectId>>;
+
+    /// The ids of the ports that are to be linked.
+    LinkedIds links(bool excludesOwnSound = true) {
+        LinkedIds ids;
+        for (const auto& link : wantedLinks(graph, self, own, excludesOwnSound)) {
+            ids.emplace(link.output.id, link.input.id);
+        }
+        return ids;
     }
 
-    const std::set<PortLink> toSpeakersTap{{200, 100}, {201, 101}};
-    const std::set<PortLink> toHeadphonesTap{{200, 110}, {201, 111}};
+    const LinkedIds toSpeakersTap{{200, 100}, {201, 101}};
+    const LinkedIds toHeadphonesTap{{200, 110}, {201, 111}};
     Graph graph;
     Self self{.client = 61, .processId = "4711"};
     OwnNodes own;
@@ -139,7 +149,7 @@ TEST_F(GraphRules, anotherRecorderOfAnApplicationChangesNothing) {
 
 TEST_F(GraphRules, anApplicationWithoutPortsOrTapWaits) {
     connect(application, headphones);
-    own.tapOfOutput.erase(headphones);
+    own.tapOfOutput.erase(identity(headphones));
     EXPECT_THAT(links(), IsEmpty());
 }
 
@@ -149,7 +159,7 @@ TEST_F(GraphRules, portsThatWereMadeAnewAreLinkedAnew) {
     graph.ports.erase(201);
     EXPECT_THAT(links(), IsEmpty());
     graph.ports[205] = {application, PortDirection::output, "MONO"};
-    EXPECT_EQ(links(), (std::set<PortLink>{{205, 100}, {205, 101}}));
+    EXPECT_EQ(links(), (LinkedIds{{205, 100}, {205, 101}}));
 }
 
 TEST_F(GraphRules, ourOwnSoundIsLeftOutHoweverItIsKnown) {
@@ -161,13 +171,13 @@ TEST_F(GraphRules, ourOwnSoundIsLeftOutHoweverItIsKnown) {
     };
     graph.nodes[application].client = self.client;
     expectOwn();
-    graph.clientProcesses[applicationClient] = "4711";
+    graph.clients[applicationClient].processId = "4711";
     expectOwn();
     graph.nodes[application].processId = "4711";
     expectOwn();
     graph.nodes[application].markedAsOwn = true;
     expectOwn();
-    graph.clientProcesses[applicationClient] = "471";
+    graph.clients[applicationClient].processId = "471";
     EXPECT_EQ(links(), toSpeakersTap);
 }
 
@@ -182,15 +192,104 @@ TEST_F(GraphRules, whatPassesOnAnOutputIsNotHeardTwice) {
 
 TEST_F(GraphRules, allChannelsOfTheMicrophoneReachItsStream) {
     graph.nodes.erase(application);
-    own.microphone = microphone;
+    own.microphone = identity(microphone);
     own.microphoneStream = microphoneStream;
-    EXPECT_EQ(links(), (std::set<PortLink>{{300, 310}, {301, 310}}));
+    EXPECT_EQ(links(), (LinkedIds{{300, 310}, {301, 310}}));
     own.microphoneStream = std::nullopt;
     EXPECT_THAT(links(), IsEmpty());
 }
 
+TEST_F(GraphRules, whatTookTheMicrophonesIdIsNotLinkedInItsPlace) {
+    graph.nodes.erase(application);
+    own.microphone = identity(microphone);
+    own.microphoneStream = microphoneStream;
+    const Graph before = graph;
+
+    struct Case {
+        const char* mediaClass;
+        std::uint64_t serial;
+        bool isStillThere;
+    };
+
+    const std::uint64_t serial = own.microphone->serial;
+    for (const Case& now :
+         {Case{"Audio/Source", serial, true}, Case{"Audio/Duplex", serial, true},
+          Case{"Audio/Source/Virtual", serial, true}, Case{"Audio/Source", serial + 1, false},
+          Case{"Audio/Sink", serial + 1, false}, Case{"Audio/Sink", serial, false},
+          Case{"", serial, false}}) {
+        graph = before;
+        graph.nodes[microphone].mediaClass = now.mediaClass;
+        graph.nodes[microphone].serial = now.serial;
+        EXPECT_EQ(findMicrophone(graph, *own.microphone) != nullptr, now.isStillThere);
+        EXPECT_EQ(links().size(), now.isStillThere ? 2U : 0U) << now.mediaClass << now.serial;
+    }
+    graph.nodes.erase(microphone);
+    EXPECT_EQ(findMicrophone(graph, *own.microphone), nullptr);
+    EXPECT_THAT(links(), IsEmpty());
+}
+
+TEST_F(GraphRules, aMicrophoneIsHeardAtItsCapturePortsAndNotAtItsMonitors) {
+    struct Case {
+        const char* mediaClass;
+        bool firstIsMonitor;
+        bool secondIsMonitor;
+        std::vector<ObjectId> heard;
+    };
+
+    const std::vector<Case> cases{
+        {"Audio/Source", false, false, {300, 301}},
+        {"Audio/Source", true, false, {301}},
+        {"Audio/Source", true, true, {}},
+        {"Audio/Duplex", false, true, {300}},
+        // These give out what programs speak into them, and nothing else.
+        {"Audio/Duplex", true, true, {300, 301}},
+        {"Audio/Source/Virtual", true, true, {300, 301}},
+        {"Audio/Source/Virtual", false, true, {300}},
+        {"Audio/Sink", true, true, {}},
+    };
+    for (const Case& now : cases) {
+        graph.nodes[microphone].mediaClass = now.mediaClass;
+        graph.ports[300].isMonitor = now.firstIsMonitor;
+        graph.ports[301].isMonitor = now.secondIsMonitor;
+        std::vector<ObjectId> heard;
+        for (const Identity& port : microphonePorts(graph, identity(microphone))) {
+            heard.push_back(port.id);
+        }
+        EXPECT_EQ(heard, now.heard) << now.mediaClass;
+    }
+}
+
+TEST_F(GraphRules, whatTookAnIdIsLinkedAnew) {
+    connect(application, speakers);
+    graph.ports[200].serial = 5;
+    const auto before = wantedLinks(graph, self, own, true);
+    graph.ports[200].serial = 6;
+    const auto after = wantedLinks(graph, self, own, true);
+    EXPECT_TRUE(before.contains({{200, 5}, {100, 0}}));
+    EXPECT_FALSE(after.contains({{200, 5}, {100, 0}}));
+    EXPECT_TRUE(after.contains({{200, 6}, {100, 0}}));
+}
+
+TEST_F(GraphRules, anOutputThatTookTheIdOfAnotherHasNotItsTap) {
+    connect(application, speakers);
+    graph.nodes[speakers].serial = 5000;
+    EXPECT_THAT(outputs(graph), ElementsAre(Identity{speakers, 5000}, identity(headphones)));
+    EXPECT_THAT(links(), IsEmpty());
+    own.tapOfOutput.emplace(identity(speakers), speakersTap);
+    EXPECT_EQ(links(), toSpeakersTap);
+}
+
+TEST_F(GraphRules, aClientThatTookTheIdOfAStreamsMakerDidNotMakeIt) {
+    graph.nodes[application].client = self.client;
+    graph.nodes[application].serial = 70;
+    graph.clients[*self.client] = {.processId = "4711", .serial = 69};
+    EXPECT_THAT(links(), IsEmpty());
+    graph.clients[*self.client].serial = 71;
+    EXPECT_EQ(links(), toSpeakersTap);
+}
+
 TEST_F(GraphRules, outputsAreSinksOnly) {
-    EXPECT_THAT(outputs(graph), ElementsAre(speakers, headphones));
+    EXPECT_THAT(outputs(graph), ElementsAre(identity(speakers), identity(headphones)));
 }
 
 TEST_F(GraphRules, microphonesAreNamedByTheirDescription) {
@@ -207,13 +306,17 @@ TEST_F(GraphRules, microphonesAreNamedByTheirDescription) {
 
 TEST(ReadProperties, takesWhatIsNamedAndKeepsTheRest) {
     Node node;
-    readProperties(node, {{"media.class", "Audio/Sink"}, {"node.name", "a"}, {"client.id", "35"}});
+    readProperties(node, {{"media.class", "Audio/Sink"},
+                          {"node.name", "a"},
+                          {"client.id", "35"},
+                          {"object.serial", "5000000000"}});
     readProperties(node, {{"node.link-group", "g"},
                           {"node.target", "old"},
                           {"node.autoconnect", "true"},
                           {"vantoro.own", "true"}});
     EXPECT_EQ(node.mediaClass, "Audio/Sink");
     EXPECT_EQ(node.client, 35U);
+    EXPECT_EQ(node.serial, 5000000000U);
     EXPECT_EQ(node.linkGroup, "g");
     EXPECT_EQ(node.targetObject, "old");
     EXPECT_TRUE(node.autoconnect);

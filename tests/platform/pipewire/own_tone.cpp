@@ -18,12 +18,38 @@ using namespace vantoro::pipewire;
 
 class OwnTone::Player {
 public:
-    explicit Player(double frequency)
-        : step_(2 * std::numbers::pi * frequency / 48000),
-          connection_({.lost = [] {}, .identified = [] {}}),
-          stream_(pw_stream_new(connection_.core(), "own tone",
-                                pw_properties_new(PW_KEY_MEDIA_TYPE, "Audio", PW_KEY_MEDIA_CATEGORY,
-                                                  "Playback", nullptr))) {
+    explicit Player(double frequency) : connection_({.lost = [] {}, .identified = [] {}}) {
+        play(frequency);
+        connection_.run();
+    }
+
+    void replace(double frequency) {
+        const LoopLock lock(connection_.threadLoop());
+        hook_.reset();
+        stream_.reset();
+        play(frequency);
+    }
+
+    std::uint32_t node() const {
+        const LoopLock lock(connection_.threadLoop());
+        return pw_stream_get_node_id(stream_.get());
+    }
+
+    Player(const Player&) = delete;
+    Player& operator=(const Player&) = delete;
+
+    ~Player() {
+        const LoopLock lock(connection_.threadLoop());
+        hook_.reset();
+        stream_.reset();
+    }
+
+private:
+    void play(double frequency) {
+        step_ = 2 * std::numbers::pi * frequency / 48000;
+        stream_.reset(pw_stream_new(connection_.core(), "own tone",
+                                    pw_properties_new(PW_KEY_MEDIA_TYPE, "Audio",
+                                                      PW_KEY_MEDIA_CATEGORY, "Playback", nullptr)));
         pw_stream_add_listener(stream_.get(), hook_.emplace().get(), &events, this);
         std::array<std::uint8_t, 512> memory{};
         spa_pod_builder builder = SPA_POD_BUILDER_INIT(memory.data(), memory.size());
@@ -41,19 +67,8 @@ public:
                               parameters.data(), parameters.size()) < 0) {
             throw std::runtime_error("no playback");
         }
-        connection_.run();
     }
 
-    Player(const Player&) = delete;
-    Player& operator=(const Player&) = delete;
-
-    ~Player() {
-        const LoopLock lock(connection_.threadLoop());
-        hook_.reset();
-        stream_.reset();
-    }
-
-private:
     static void process(void* data) {
         auto& self = *static_cast<Player*>(data);
         pw_buffer* const buffer = pw_stream_dequeue_buffer(self.stream_.get());
@@ -80,7 +95,7 @@ private:
         return table;
     }();
 
-    const double step_;
+    double step_ = 0;
     double phase_ = 0;
     Connection connection_;
     StreamPointer stream_;
@@ -88,6 +103,14 @@ private:
 };
 
 OwnTone::OwnTone(double frequency) : player_(std::make_unique<Player>(frequency)) {}
+
+void OwnTone::replace(double frequency) {
+    player_->replace(frequency);
+}
+
+std::uint32_t OwnTone::node() const {
+    return player_->node();
+}
 
 OwnTone::~OwnTone() = default;
 

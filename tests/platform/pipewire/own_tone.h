@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include <cstdint>
 #include <memory>
 
 namespace vantoro::testing {
@@ -10,6 +11,10 @@ namespace vantoro::testing {
 class OwnTone {
 public:
     explicit OwnTone(double frequency);
+    /// Ends the tone and begins another in one go, as a player does from one title to the next.
+    void replace(double frequency);
+    /// The id of the stream's node, once it plays.
+    std::uint32_t node() const;
     OwnTone(const OwnTone&) = delete;
     OwnTone& operator=(const OwnTone&) = delete;
     ~OwnTone();

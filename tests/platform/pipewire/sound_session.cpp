@@ -104,17 +104,6 @@ bool eventually(Condition condition) {
     return true;
 }
 
-/// The id of a node, or an empty text.
-std::string nodeId(const std::string& name) {
-    const std::string lines = outputOf("pw-cli ls Node");
-    const auto found = lines.find("node.name = \"" + name + "\"");
-    if (found == std::string::npos) {
-        return {};
-    }
-    const auto start = lines.rfind("id ", lines.rfind(", type", found));
-    return lines.substr(start + 3, lines.find(',', start) - start - 3);
-}
-
 template <class Value>
 void put(std::ofstream& file, Value value) {
     file.write(reinterpret_cast<const char*>(&value), sizeof value);
@@ -244,6 +233,16 @@ void SoundSession::makeDevice(const std::string& name, const std::string& mediaC
     }
 }
 
+std::string SoundSession::nodeId(const std::string& name) {
+    const std::string lines = outputOf("pw-cli ls Node");
+    const auto found = lines.find("node.name = \"" + name + "\"");
+    if (found == std::string::npos) {
+        return {};
+    }
+    const auto start = lines.rfind("id ", lines.rfind(", type", found));
+    return lines.substr(start + 3, lines.find(',', start) - start - 3);
+}
+
 void SoundSession::destroyNode(const std::string& name) {
     run({"pw-cli", "destroy", nodeId(name)});
 }
@@ -261,7 +260,7 @@ void SoundSession::makeDefaultMicrophone(const std::string& name) {
 
 SoundSession::Player SoundSession::startServerAgain() {
     auto server = std::make_unique<ChildProcess>(std::vector<std::string>{"pipewire"});
-    if (!eventually([] { return !nodeId("vantoro-microphone").empty(); })) {
+    if (!eventually([] { return !SoundSession::nodeId("vantoro-microphone").empty(); })) {
         throw std::runtime_error("the sound server does not come back");
     }
     return server;

@@ -56,6 +56,8 @@ public:
     static void makeDevice(const std::string& name, const std::string& mediaClass,
                            const std::string& positions);
     static void destroyNode(const std::string& name);
+    /// The node's id, or an empty text.
+    static std::string nodeId(const std::string& name);
     /// As the user does in the desktop's settings. Returns once it is so.
     static void makeDefaultMicrophone(const std::string& name);
     static void signalServer(int signal);
