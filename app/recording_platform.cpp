@@ -22,6 +22,8 @@ public:
     void didOutputSampleBuffer(const SampleBuffer& /*buffer*/, StreamOutputType /*type*/) override {
     }
 
+    void didLoseSound(StreamOutputType /*type*/, double /*seconds*/) override {}
+
     void streamDidStop(std::exception_ptr /*error*/) override {}
 
     void microphoneDidChangeMute(bool /*isMuted*/) override {}

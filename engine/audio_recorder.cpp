@@ -247,6 +247,12 @@ void AudioRecorder::didOutputSampleBuffer(const SampleBuffer& buffer, StreamOutp
     }
 }
 
+void AudioRecorder::didLoseSound(StreamOutputType /*type*/, double seconds) {
+    if (onSoundLoss) {
+        onSoundLoss({.cause = SoundLoss::Cause::notTakenInTime, .seconds = seconds, .reason = {}});
+    }
+}
+
 void AudioRecorder::streamDidStop(std::exception_ptr error) {
     captureQueue_.async([this, error = std::move(error)] {
         stream_.reset();

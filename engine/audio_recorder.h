@@ -75,6 +75,8 @@ public:
     AudioLevelCallback onAudioLevel;
     /// A source gives no sound, or does again. Capture queue.
     SourceConditionCallback onSourceCondition;
+    /// Sound was lost; of both sources, each tells of its own. Capture queue.
+    SoundLossCallback onSoundLoss;
     /// During `stop`: all that was captured is on the disk. Whatever becomes of the final file, it
     /// can be made again. On the thread of `stop`.
     std::function<void()> onRecordingSafe;
@@ -96,6 +98,7 @@ private:
     void reset(bool removeTemporaryFile);
 
     void didOutputSampleBuffer(const SampleBuffer& buffer, StreamOutputType type) override;
+    void didLoseSound(StreamOutputType type, double seconds) override;
     void streamDidStop(std::exception_ptr error) override;
     void microphoneDidChangeMute(bool isMuted) override;
 

@@ -65,6 +65,23 @@ private:
 /// The two sources a level can belong to.
 enum class AudioLevelSource : std::uint8_t { systemAudio, microphone };
 
+/// Sound that was captured and is not in the recording.
+struct SoundLoss {
+    enum class Cause : std::uint8_t {
+        notTakenInTime, ///< the program stood still for too long: silence stands for it
+        notWritten,
+    };
+
+    Cause cause;
+    double seconds;
+    std::string reason; ///< the system's words, for `notWritten`
+
+    friend bool operator==(const SoundLoss&, const SoundLoss&) = default;
+};
+
+/// Receives each loss once it is known.
+using SoundLossCallback = std::function<void(const SoundLoss&)>;
+
 /// One microphone as a list shows it.
 struct AudioInputDevice {
     std::string id;   ///< what goes into `RecordingOptions::microphoneDeviceID`

@@ -46,12 +46,16 @@ struct StreamConfiguration {
     std::optional<std::string> microphoneCaptureDeviceID; ///< absent: the default microphone
 };
 
-/// Receives what a stream captures: sound on the queue given to `addOutput`, all else on a thread
-/// of the stream's own, where it must only be handed over.
+/// Receives what a stream captures: sound, and what is missing of it, on the queue given to
+/// `addOutput`, all else on a thread of the stream's own, where it must only be handed over.
 class CaptureStreamReceiver {
 public:
     virtual ~CaptureStreamReceiver() = default;
     virtual void didOutputSampleBuffer(const SampleBuffer& buffer, StreamOutputType type) = 0;
+    /// This much of what was captured was not taken in time and is lost: silence stands for it,
+    /// and what follows is at its right time. Each output tells of its own. Delivery queue; before
+    /// the first buffer behind the loss, or behind the last buffer of all.
+    virtual void didLoseSound(StreamOutputType type, double seconds) = 0;
     /// The stream stopped by itself; it delivers nothing more. Called once at most, and never
     /// after `stopCapture` was called. The stream may be destroyed from the work that it hands
     /// over.

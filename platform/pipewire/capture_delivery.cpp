@@ -12,6 +12,11 @@ CaptureTimeline::TapId tapId(const CaptureFeed* feed) {
     return reinterpret_cast<std::uintptr_t>(feed);
 }
 
+StreamOutputType outputType(CaptureSource source) {
+    return source == CaptureSource::systemAudio ? StreamOutputType::audio
+                                                : StreamOutputType::microphone;
+}
+
 std::int64_t gridNow() {
     return gridPosition(nanosecondsOn(CLOCK_MONOTONIC));
 }
@@ -39,6 +44,7 @@ void CaptureDelivery::removeFeed(std::shared_ptr<CaptureFeed> feed) {
     queue_.async([self = shared_from_this(), feed = std::move(feed)] {
         if (self->delivering_) {
             self->drain(self->inlets_.at(feed.get()));
+            self->tellLoss();
         }
         self->timeline_.removeTap(tapId(feed.get()));
         self->inlets_.erase(feed.get());
@@ -84,21 +90,44 @@ void CaptureDelivery::drainAll() {
     for (auto& [key, inlet] : inlets_) {
         drain(inlet);
     }
+    tellLoss();
 }
 
 void CaptureDelivery::drain(Inlet& inlet) {
     Stamp stamp;
     while (inlet.feed->ring.read(stamp, samples_)) {
-        const auto behind = timeline_.place(tapId(inlet.feed.get()), stamp, samples_);
-        inlet.steering.observe(stamp.nanoseconds, stamp.clockId, behind);
+        const auto tap = tapId(inlet.feed.get());
+        if (stamp.lostFrames > 0) {
+            lost_[static_cast<std::size_t>(inlet.feed->source)] +=
+                timeline_.lose(tap, static_cast<std::int64_t>(stamp.lostFrames));
+        }
+        if (stamp.frames > 0) {
+            const auto behind = timeline_.place(tap, stamp, samples_);
+            inlet.steering.observe(stamp.nanoseconds, stamp.clockId, behind);
+        }
     }
     inlet.feed->speed.store(inlet.steering.speed(), std::memory_order_relaxed);
+}
+
+/// Once for each source, however many pieces its loss was made of.
+void CaptureDelivery::tellLoss() {
+    for (const CaptureSource source : {CaptureSource::systemAudio, CaptureSource::microphone}) {
+        const auto frames = std::exchange(lost_[static_cast<std::size_t>(source)], 0);
+        if (frames > 0 && hasOutput(source)) {
+            receiver_.didLoseSound(outputType(source),
+                                   static_cast<double>(frames) / framesPerSecond);
+        }
+    }
+}
+
+bool CaptureDelivery::hasOutput(CaptureSource source) const {
+    return source == CaptureSource::systemAudio ? outputs_.audio : outputs_.microphone;
 }
 
 void CaptureDelivery::deliver(CaptureSource source, std::int64_t position,
                               std::span<const float> planes, std::size_t frames) {
     const bool isAudio = source == CaptureSource::systemAudio;
-    if (!(isAudio ? outputs_.audio : outputs_.microphone)) {
+    if (!hasOutput(source)) {
         return;
     }
     SampleBuffer buffer;
@@ -107,8 +136,7 @@ void CaptureDelivery::deliver(CaptureSource source, std::int64_t position,
     buffer.format = AudioStreamDescription{.sampleRate = framesPerSecond,
                                            .channelsPerFrame = isAudio ? 2U : 1U};
     buffer.samples = planes;
-    receiver_.didOutputSampleBuffer(buffer, isAudio ? StreamOutputType::audio
-                                                    : StreamOutputType::microphone);
+    receiver_.didOutputSampleBuffer(buffer, outputType(source));
 }
 
 } // namespace vantoro::pipewire

@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <map>
 #include <memory>
@@ -52,6 +53,8 @@ private:
     void pump();
     void drain(Inlet& inlet);
     void drainAll();
+    void tellLoss();
+    bool hasOutput(CaptureSource source) const;
     void deliver(CaptureSource source, std::int64_t position, std::span<const float> planes,
                  std::size_t frames);
 
@@ -62,7 +65,8 @@ private:
     CaptureTimeline timeline_;
     CaptureTimeline::Emit emit_;
     std::map<const CaptureFeed*, Inlet> inlets_;
-    std::vector<float> samples_; // of the piece being placed
+    std::vector<float> samples_;         // of the piece being placed
+    std::array<std::int64_t, 2> lost_{}; // frames by source, not told yet
     bool delivering_ = false;
     bool finished_ = false;
 };

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <atomic>
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 
@@ -15,18 +16,16 @@ namespace vantoro::pipewire {
 /// that empties it, and the loop that looks after it.
 struct CaptureFeed {
     /// For how long the capture queue may stand still before sound is lost.
-    static constexpr std::size_t seconds = 30;
+    static constexpr std::chrono::seconds usualLength{30};
 
-    explicit CaptureFeed(CaptureSource which)
+    explicit CaptureFeed(CaptureSource which, std::chrono::seconds length = usualLength)
         : ring(which == CaptureSource::systemAudio ? 2 : 1,
-               seconds * static_cast<std::size_t>(framesPerSecond), 65536),
+               static_cast<std::size_t>(length.count() * framesPerSecond), 65536),
           source(which) {}
 
     StampedRing ring;
     /// Callbacks so far. Real-time thread to loop.
     std::atomic<std::uint64_t> callbacks{0};
-    /// Frames for which there was no room. Real-time thread to anybody.
-    std::atomic<std::uint64_t> lostFrames{0};
     /// How fast the resampler should run (see `ClockSteering`). Capture queue to loop.
     std::atomic<double> speed{1};
     const CaptureSource source;

@@ -12,12 +12,14 @@ namespace vantoro::pipewire {
 namespace {
 
 CaptureSettings settingsOf(const StreamConfiguration& configuration,
-                           std::chrono::milliseconds deliveryInterval) {
+                           std::chrono::milliseconds deliveryInterval,
+                           std::chrono::seconds longestStandstill) {
     return {.systemAudio = configuration.capturesAudio,
             .microphone = configuration.captureMicrophone,
             .microphoneName = configuration.microphoneCaptureDeviceID,
             .excludesOwnSound = configuration.excludesCurrentProcessAudio,
-            .deliveryInterval = deliveryInterval};
+            .deliveryInterval = deliveryInterval,
+            .longestStandstill = longestStandstill};
 }
 
 class Stream final : public CaptureStream {
@@ -85,7 +87,8 @@ private:
 std::shared_ptr<CaptureStream> CaptureService::makeStream(const ContentFilter& /*filter*/,
                                                           const StreamConfiguration& configuration,
                                                           CaptureStreamReceiver& receiver) {
-    return std::make_shared<Stream>(settingsOf(configuration, deliveryInterval_), receiver);
+    return std::make_shared<Stream>(
+        settingsOf(configuration, deliveryInterval_, longestStandstill_), receiver);
 }
 
 } // namespace vantoro::pipewire

@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "engine/ports/capture_stream.h"
+#include "platform/pipewire/capture_feed.h"
 
 namespace vantoro::pipewire {
 
@@ -17,9 +18,11 @@ public:
     /// queue costs more than the copying does.
     static constexpr std::chrono::milliseconds metersInterval{80};
 
-    /// Sound is delivered once so much of it is there, and twice a second at least.
-    explicit CaptureService(std::chrono::milliseconds deliveryInterval = metersInterval)
-        : deliveryInterval_(deliveryInterval) {}
+    /// Sound is delivered once so much of it is there, and twice a second at least. It is lost
+    /// where the delivery queue stands still for longer than `longestStandstill`.
+    explicit CaptureService(std::chrono::milliseconds deliveryInterval = metersInterval,
+                            std::chrono::seconds longestStandstill = CaptureFeed::usualLength)
+        : deliveryInterval_(deliveryInterval), longestStandstill_(longestStandstill) {}
 
     std::shared_ptr<CaptureStream> makeStream(const ContentFilter& filter,
                                               const StreamConfiguration& configuration,
@@ -27,6 +30,7 @@ public:
 
 private:
     std::chrono::milliseconds deliveryInterval_;
+    std::chrono::seconds longestStandstill_;
 };
 
 } // namespace vantoro::pipewire

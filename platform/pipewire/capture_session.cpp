@@ -111,7 +111,7 @@ void CaptureSession::openMicrophone() {
 }
 
 std::unique_ptr<InputStream> CaptureSession::makeStream(CaptureSource source) {
-    auto feed = std::make_shared<CaptureFeed>(source);
+    auto feed = std::make_shared<CaptureFeed>(source, settings_.longestStandstill);
     const InputStream::Wake wake{
         .frames =
             static_cast<std::size_t>(framesInMilliseconds(settings_.deliveryInterval.count())),

@@ -26,6 +26,7 @@ struct CaptureSettings {
     std::optional<std::string> microphoneName; ///< absent: the default one
     bool excludesOwnSound = true;
     std::chrono::milliseconds deliveryInterval{}; ///< for how much sound the queue is woken
+    std::chrono::seconds longestStandstill{};     ///< of the queue, before sound is lost
 };
 
 /// One run of capture: the connection, the streams and the links, from start to stop.

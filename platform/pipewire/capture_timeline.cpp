@@ -54,6 +54,15 @@ std::int64_t CaptureTimeline::place(TapId id, const Stamp& stamp, std::span<cons
     return error;
 }
 
+std::int64_t CaptureTimeline::lose(TapId id, std::int64_t frames) {
+    Tap& tap = taps_.at(id);
+    std::int64_t& told = lossTold_[static_cast<std::size_t>(tap.source)];
+    const std::int64_t first = std::max({tap.next, told, begin_});
+    tap.next += frames;
+    told = std::max(told, tap.next);
+    return std::max<std::int64_t>(0, tap.next - first);
+}
+
 std::int64_t CaptureTimeline::horizon(std::int64_t now) const {
     const std::int64_t limit = now - patience;
     std::int64_t slowest = limit;

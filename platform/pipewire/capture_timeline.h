@@ -23,7 +23,8 @@ enum class CaptureSource : std::uint8_t { systemAudio, microphone };
 /// A tap's first piece lies where its stamp says; after that its frames are counted, since stamps
 /// tremble. Only when they are behind their stamps by more than `tolerance` does silence fill the
 /// gap. Nothing ever overlaps: frames ahead of their stamps stay where the count puts them. Pure
-/// silence, though, is made longer or shorter by what its stamps ask for.
+/// silence, though, is made longer or shorter by what its stamps ask for. Where frames were lost
+/// there is as much silence.
 class CaptureTimeline {
 public:
     using TapId = std::uint64_t;
@@ -47,6 +48,10 @@ public:
     /// Interleaved, of the tap's source's channel count. Returns by how many frames the count is
     /// behind the stamp (negative: ahead of it), once the piece has been placed.
     std::int64_t place(TapId tap, const Stamp& stamp, std::span<const float> samples);
+
+    /// The frames that the tap captured next are lost. Returns for how many no loss of the source
+    /// was told before: what was played to two outputs at one time is lost once.
+    std::int64_t lose(TapId tap, std::int64_t frames);
 
     /// How far both sources are complete: as far as the slowest tap, where taps that are more than
     /// `patience` behind now are not waited for.
@@ -73,6 +78,7 @@ private:
 
     std::array<MixLine, 2> lines_{MixLine(2), MixLine(1)};
     std::map<TapId, Tap> taps_;
+    std::array<std::int64_t, 2> lossTold_{}; // by source: how far loss was told
     std::int64_t begin_ = 0;
     std::int64_t emitted_ = 0; // everything before has been emitted
 };

@@ -228,7 +228,7 @@ void InputStream::takeIn(const spa_buffer& buffer) noexcept {
         foldToStereo(part, target);
     });
     if (!taken) {
-        feed_->lostFrames.fetch_add(stamp.frames, std::memory_order_relaxed);
+        feed_->ring.lose(stamp.frames);
     }
 }
 

@@ -11,11 +11,12 @@
 
 namespace vantoro::pipewire {
 
-/// What is known of one piece of captured sound.
+/// What is known of one piece of captured sound. A piece of no frames tells only what was lost.
 struct Stamp {
     std::uint64_t nanoseconds = 0; ///< CLOCK_MONOTONIC, of the cycle that the piece came in
     std::uint32_t frames = 0;
-    std::uint32_t clockId = 0; ///< which driver's clock the cycle ran on
+    std::uint32_t clockId = 0;    ///< which driver's clock the cycle ran on
+    std::uint64_t lostFrames = 0; ///< that lay between the piece before and this one
 };
 
 /// Hands pieces of interleaved sound from one real-time thread to one other thread. Memory is all
@@ -44,10 +45,18 @@ public:
         if (first < stamp.frames) {
             fill(std::span(samples_).first((stamp.frames - first) * channels_), first);
         }
-        stamps_[piece % stamps_.size()] = stamp;
+        Stamp& kept = stamps_[piece % stamps_.size()];
+        kept = stamp;
+        kept.lostFrames = framesLost_.load(std::memory_order_relaxed);
         framesWritten_ += stamp.frames;
         piecesWritten_.store(piece + 1, std::memory_order_release);
         return true;
+    }
+
+    /// Writer: of a piece that was refused and is given up. The reader learns where it is missing.
+    void lose(std::uint32_t frames) noexcept {
+        framesLost_.store(framesLost_.load(std::memory_order_relaxed) + frames,
+                          std::memory_order_release);
     }
 
     /// Writer: frames that the reader has not taken yet.
@@ -58,11 +67,20 @@ public:
 
     /// Reader. False when there is nothing to read. `samples` becomes the piece, interleaved.
     bool read(Stamp& stamp, std::vector<float>& samples) {
+        // Before it is known that nothing is left: what was lost up to here then lies behind all
+        // that was read, and before all that will be.
+        const std::uint64_t lost = framesLost_.load(std::memory_order_acquire);
         const std::uint64_t piece = piecesRead_.load(std::memory_order_relaxed);
         if (piece == piecesWritten_.load(std::memory_order_acquire)) {
-            return false;
+            stamp = {.lostFrames = lost - lossTold_};
+            samples.clear();
+            lossTold_ = lost;
+            return stamp.lostFrames > 0;
         }
         stamp = stamps_[piece % stamps_.size()];
+        const std::uint64_t lostBefore = stamp.lostFrames;
+        stamp.lostFrames -= lossTold_;
+        lossTold_ = lostBefore;
         samples.resize(stamp.frames * channels_);
         const std::uint64_t frame = framesRead_.load(std::memory_order_relaxed);
         const std::size_t start = frame * channels_ % samples_.size();
@@ -78,7 +96,7 @@ public:
 private:
     const std::size_t channels_;
     std::vector<float> samples_;
-    std::vector<Stamp> stamps_;
+    std::vector<Stamp> stamps_; // each with all that was lost before it
 
     // All counts only grow, and the place in the ring is the count modulo its size.
     // - piecesRead_ <= piecesWritten_ <= piecesRead_ + stamps_.size()
@@ -89,8 +107,10 @@ private:
     //   of framesRead_ and piecesRead_ give their places back.
     std::uint64_t framesWritten_ = 0; // the writer's own: the reader learns it from the stamps
     alignas(64) std::atomic<std::uint64_t> piecesWritten_{0}; // stored by the writer only
+    std::atomic<std::uint64_t> framesLost_{0};                // stored by the writer only
     alignas(64) std::atomic<std::uint64_t> piecesRead_{0};    // stored by the reader only
     std::atomic<std::uint64_t> framesRead_{0};                // stored by the reader only
+    std::uint64_t lossTold_ = 0;                              // the reader's own
 };
 
 } // namespace vantoro::pipewire

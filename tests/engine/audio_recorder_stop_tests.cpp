@@ -277,6 +277,23 @@ TEST_F(AudioRecorderStop, mutedMicrophoneIsToldOfOnTheCaptureQueue) {
                         {AudioLevelSource::microphone, SourceCondition::delivering}}));
 }
 
+TEST_F(AudioRecorderStop, soundThatWasNotTakenInTimeIsTold) {
+    std::vector<SoundLoss> told;
+    recorder.onSoundLoss = [&](const SoundLoss& loss) { told.push_back(loss); };
+    startAndCapture(bothSources());
+    capture.loseSound(StreamOutputType::audio, 2.5);
+    capture.loseSound(StreamOutputType::microphone, 0.25);
+    recorder.stop(1, 1);
+    constexpr auto cause = SoundLoss::Cause::notTakenInTime;
+    EXPECT_EQ(told, (std::vector<SoundLoss>{{cause, 2.5, ""}, {cause, 0.25, ""}}));
+}
+
+TEST_F(AudioRecorderStop, aLossThatNobodyListensForIsNoFailure) {
+    startAndCapture(bothSources());
+    capture.loseSound(StreamOutputType::audio, 2.5);
+    EXPECT_NO_THROW(recorder.stop(1, 1));
+}
+
 TEST_F(AudioRecorderStop, screenBuffersAreIgnored) {
     recorder.start(bothSources());
     capture.deliver(bufferAt(0), StreamOutputType::screen);

@@ -488,6 +488,10 @@ void FakeCaptureService::deliverLater(const SampleBuffer& buffer, StreamOutputTy
     queue->async([this, buffer, type] { receiver_->didOutputSampleBuffer(buffer, type); });
 }
 
+void FakeCaptureService::loseSound(StreamOutputType type, double seconds) {
+    queue->sync([&] { receiver_->didLoseSound(type, seconds); });
+}
+
 void FakeCaptureService::muteMicrophone(bool isMuted) {
     receiver_->microphoneDidChangeMute(isMuted);
     queue->sync([] {});

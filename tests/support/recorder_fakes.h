@@ -220,6 +220,8 @@ public:
     /// Returns at once, as the buffer queues behind what is there.
     void deliverLater(const SampleBuffer& buffer, StreamOutputType type);
     /// Returns when it has been dealt with.
+    void loseSound(StreamOutputType type, double seconds);
+    /// Returns when it has been dealt with.
     void muteMicrophone(bool isMuted);
     /// Returns when the stop has been dealt with.
     void stopByItself(std::exception_ptr error);

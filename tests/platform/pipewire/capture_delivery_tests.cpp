@@ -3,6 +3,7 @@
 #include "platform/pipewire/capture_delivery.h"
 
 #include <future>
+#include <set>
 
 #include <gtest/gtest.h>
 
@@ -16,6 +17,10 @@ using testing::CapturedSound;
 
 class Delivery : public ::testing::Test {
 protected:
+    explicit Delivery(std::chrono::seconds ringLength = CaptureFeed::usualLength)
+        : tap(std::make_shared<CaptureFeed>(CaptureSource::systemAudio, ringLength)),
+          microphone(std::make_shared<CaptureFeed>(CaptureSource::microphone, ringLength)) {}
+
     void SetUp() override {
         for (const auto& feed : {tap, microphone}) {
             delivery->addFeed(feed);
@@ -27,17 +32,22 @@ protected:
 
     void TearDown() override { delivery->close(); }
 
-    /// What a real-time callback does: a cycle of samples that count on, in both feeds.
+    /// What a real-time callback does: a cycle of samples that count on, in both feeds. Where there
+    /// is no room it is lost.
     void writeCycle() {
         const Stamp stamp{.nanoseconds = static_cast<std::uint64_t>(position) * 62500 / 3,
                           .frames = 1024,
                           .clockId = 1};
         for (const auto& feed : {tap, microphone}) {
-            ASSERT_TRUE(feed->ring.write(stamp, [&](std::span<float> target, std::size_t first) {
+            const auto fill = [&](std::span<float> target, std::size_t first) {
                 for (std::size_t i = 0; i < target.size(); ++i) {
                     target[i] = valueOf(written + first + (i / feed->ring.channels()));
                 }
-            }));
+            };
+            if (!feed->ring.write(stamp, fill)) {
+                feed->ring.lose(stamp.frames);
+                lost.insert(written);
+            }
         }
         delivery->wake();
         written += 1024;
@@ -46,14 +56,16 @@ protected:
 
     static float valueOf(std::size_t frame) { return static_cast<float>(frame % 65536 + 1); }
 
-    /// How many frames of a channel, from the first one written on, are not what was written.
+    /// How many frames of a channel, from the first one written on, are neither what was written
+    /// nor silence for what was lost.
     std::size_t wrongFrames(const testing::DeliveredTrack& track) const {
         std::size_t wrong = 0;
         for (const auto& channel : track.channels) {
             const auto first = std::ranges::find(channel, 1.0F) - channel.begin();
             for (std::size_t frame = 0; frame < written; ++frame) {
                 const std::size_t at = static_cast<std::size_t>(first) + frame;
-                wrong += at < channel.size() && channel[at] == valueOf(frame) ? 0U : 1U;
+                const float expected = lost.contains(frame / 1024 * 1024) ? 0 : valueOf(frame);
+                wrong += at < channel.size() && channel[at] == expected ? 0U : 1U;
             }
         }
         return wrong;
@@ -61,13 +73,47 @@ protected:
 
     SerialQueue queue{"com.vantoro.capture"};
     CapturedSound sound;
-    std::shared_ptr<CaptureFeed> tap = std::make_shared<CaptureFeed>(CaptureSource::systemAudio);
-    std::shared_ptr<CaptureFeed> microphone =
-        std::make_shared<CaptureFeed>(CaptureSource::microphone);
+    const std::shared_ptr<CaptureFeed> tap;
+    const std::shared_ptr<CaptureFeed> microphone;
     std::shared_ptr<CaptureDelivery> delivery = std::make_shared<CaptureDelivery>(
         queue, sound, DeliveredOutputs{.audio = true, .microphone = true});
     std::int64_t position = 0;
     std::size_t written = 0;
+    std::set<std::size_t> lost; // first frames of cycles
+};
+
+/// Rings of two seconds.
+class BriefDelivery : public Delivery {
+protected:
+    BriefDelivery() : Delivery(std::chrono::seconds(2)) {}
+
+    /// The queue stands still for this long.
+    void standStill(int cycles) {
+        std::promise<void> standing;
+        std::promise<void> release;
+        queue.async([&standing, blocked = release.get_future().share()] {
+            standing.set_value();
+            blocked.wait();
+        });
+        standing.get_future().wait();
+        for (int i = 0; i < cycles; ++i) {
+            writeCycle();
+        }
+        release.set_value();
+        queue.sync([] {});
+    }
+
+    /// That both sources have all that was written, but for what was told to be lost, in step.
+    void expectAllButTheLosses(const std::vector<double>& losses) {
+        EXPECT_EQ(wrongFrames(sound.audio()), 0U);
+        EXPECT_EQ(wrongFrames(sound.microphone()), 0U);
+        EXPECT_EQ(sound.losses(StreamOutputType::audio), losses);
+        EXPECT_EQ(sound.losses(StreamOutputType::microphone), losses);
+        EXPECT_EQ(sound.audio().start, sound.microphone().start);
+        EXPECT_EQ(sound.audio().frames(), sound.microphone().frames());
+        EXPECT_EQ(sound.audio().discontinuities, 0U);
+        EXPECT_EQ(sound.largestLead(), 1024);
+    }
 };
 
 TEST_F(Delivery, losesNotAFrameOfTwentyNineSecondsInWhichTheQueueStoodStill) {
@@ -84,6 +130,41 @@ TEST_F(Delivery, losesNotAFrameOfTwentyNineSecondsInWhichTheQueueStoodStill) {
     EXPECT_EQ(sound.audio().discontinuities, 0U);
     EXPECT_EQ(sound.microphone().discontinuities, 0U);
     EXPECT_EQ(sound.largestLead(), 1024);
+}
+
+TEST_F(BriefDelivery, tellsOfALongStandstillAndPutsSilenceWhereSoundWasLost) {
+    writeCycle();
+    queue.sync([] {});
+    standStill(230);
+    for (int i = 0; i < 10; ++i) {
+        writeCycle();
+        queue.sync([] {});
+    }
+    standStill(100);
+    writeCycle();
+    delivery->finish();
+    queue.sync([] {});
+    constexpr int held = 2 * 48000 / 1024; // cycles
+    ASSERT_EQ(lost.size(), static_cast<std::size_t>(230 - held + 100 - held));
+    EXPECT_EQ(*lost.begin(), static_cast<std::size_t>(1 + held) * 1024);
+    expectAllButTheLosses({(230 - held) * 1024 / 48000.0, (100 - held) * 1024 / 48000.0});
+}
+
+TEST_F(BriefDelivery, tellsOfALossThatNothingFollows) {
+    standStill(94);
+    delivery->finish();
+    queue.sync([] {});
+    ASSERT_EQ(lost.size(), 1U);
+    expectAllButTheLosses({1024 / 48000.0});
+}
+
+TEST_F(BriefDelivery, tellsNothingOfAStandstillThatTheRingsHold) {
+    standStill(93);
+    writeCycle();
+    delivery->finish();
+    queue.sync([] {});
+    EXPECT_TRUE(lost.empty());
+    expectAllButTheLosses({});
 }
 
 TEST_F(Delivery, deliversAllThatWasCapturedUpToTheFinishAndNothingAfter) {

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <future>
+#include <numeric>
 
 #include "platform/pipewire/frame_clock.h"
 #include "tests/platform/pipewire/capture_fixture.h"
@@ -280,6 +282,45 @@ TEST_F(Capture, losesNotAFrameWhileTheQueueIsBlocked) {
     EXPECT_LE(gaps(300, spoken, before), aTenth);
     EXPECT_EQ(heard.discontinuities, 0U);
     EXPECT_LE(sound.largestLead(), 1024);
+}
+
+TEST_F(Capture, tellsWhatAStandstillOfTheQueueLostAndStaysInStep) {
+    service =
+        pipewire::CaptureService(pipewire::CaptureService::metersInterval, std::chrono::seconds(1));
+    const auto app = session.click("app");
+    ASSERT_TRUE(SoundSession::link("app:output_FL", "vantoro-microphone:input_MONO"));
+    start();
+    ASSERT_TRUE(sound.waitForMore(2));
+    const auto before = sound.audio().frames();
+    {
+        // Another recording, whose queue runs, tells how much sound the one that stands still gets.
+        CapturedSound clockSound;
+        SerialQueue clockQueue("com.vantoro.clock");
+        const auto clock = service.makeStream({}, configurationFor(true, false), clockSound);
+        clock->addOutput(audio, clockQueue);
+        clock->startCapture();
+        std::promise<void> release;
+        queue.async([blocked = release.get_future().share()] { blocked.wait(); });
+        EXPECT_TRUE(clockSound.waitForMore(4));
+        release.set_value();
+        clock->stopCapture();
+    }
+    ASSERT_TRUE(sound.waitForMore(2));
+    stop();
+    const auto heard = sound.audio();
+    const auto spoken = sound.microphone();
+    for (const auto type : {audio, microphone}) {
+        const auto losses = sound.losses(type);
+        EXPECT_NEAR(std::accumulate(losses.begin(), losses.end(), 0.0), 3, 0.4);
+    }
+    EXPECT_EQ(heard.frames(), spoken.frames());
+    EXPECT_EQ(heard.discontinuities, 0U);
+    const auto atStart = clicks(heard).front();
+    const auto later = clicks(heard).back();
+    EXPECT_GT(later, heard.start + static_cast<std::int64_t>(before) + (4 * 48000));
+    EXPECT_LT(std::abs((later - atStart + 12000) % 24000 - 12000), 960) << "half seconds";
+    EXPECT_TRUE(std::ranges::any_of(
+        clicks(spoken), [&](std::int64_t position) { return std::abs(position - later) < 960; }));
 }
 
 TEST_F(Capture, takesTheMeanOfAMicrophonesChannels) {

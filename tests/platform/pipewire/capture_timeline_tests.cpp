@@ -86,6 +86,45 @@ TEST_F(Timeline, fillsALongGapWithSilence) {
     EXPECT_EQ(system[101 + CaptureTimeline::tolerance], 1);
 }
 
+TEST_F(Timeline, putsAsMuchSilenceAsWasLostWhereItWasLost) {
+    timeline.addTap(tapA, CaptureSource::systemAudio, start);
+    place(tapA, start, 500, 1);
+    std::int64_t position = start + 500;
+    std::vector<float> expected(500, 1);
+    for (const std::int64_t lost : {1, 100, 1024, 480000}) {
+        EXPECT_EQ(timeline.lose(tapA, lost), lost);
+        // However its stamp trembles, what follows lies where its count says.
+        EXPECT_EQ(place(tapA, position + lost + 40, 500, 2), 40);
+        position += lost + 500;
+        expected.insert(expected.end(), static_cast<std::size_t>(lost), 0);
+        expected.insert(expected.end(), 500, 2);
+    }
+    EXPECT_EQ(timeline.end(position), position);
+    emitAll(position);
+    EXPECT_EQ(system, expected);
+}
+
+TEST_F(Timeline, countsOnceWhatWasLostOfTwoOutputsAtOneTime) {
+    for (const auto tap : {tapA, tapB}) {
+        timeline.addTap(tap, CaptureSource::systemAudio, start);
+        place(tap, start, 100, 1);
+    }
+    timeline.addTap(mic, CaptureSource::microphone, start);
+    place(mic, start, 100, 1);
+    EXPECT_EQ(timeline.lose(tapA, 1000), 1000);
+    EXPECT_EQ(timeline.lose(tapB, 1300), 300);
+    EXPECT_EQ(timeline.lose(mic, 1000), 1000);
+    EXPECT_EQ(timeline.lose(tapA, 200), 0);
+    EXPECT_EQ(timeline.lose(tapA, 200), 100);
+}
+
+TEST_F(Timeline, doesNotMissWhatWasLostBeforeTheBeginning) {
+    timeline.addTap(tapA, CaptureSource::systemAudio, start - 500);
+    place(tapA, start - 500, 100, 1);
+    EXPECT_EQ(timeline.lose(tapA, 300), 0);
+    EXPECT_EQ(timeline.lose(tapA, 300), 200);
+}
+
 TEST_F(Timeline, neverOverlapsSoundThatIsAheadOfItsStamps) {
     timeline.addTap(tapA, CaptureSource::systemAudio, start);
     place(tapA, start, 4000, 1);

@@ -60,6 +60,12 @@ void CapturedSound::microphoneDidChangeMute(bool isMuted) {
     changed_.notify_all();
 }
 
+void CapturedSound::didLoseSound(StreamOutputType type, double seconds) {
+    const std::lock_guard lock(mutex_);
+    losses_[type].push_back(seconds);
+    changed_.notify_all();
+}
+
 void CapturedSound::streamDidStop(std::exception_ptr error) {
     const std::lock_guard lock(mutex_);
     try {
@@ -93,6 +99,12 @@ std::int64_t CapturedSound::largestLead() const {
 std::vector<bool> CapturedSound::mutes() const {
     const std::lock_guard lock(mutex_);
     return mutes_;
+}
+
+std::vector<double> CapturedSound::losses(StreamOutputType type) const {
+    const std::lock_guard lock(mutex_);
+    const auto found = losses_.find(type);
+    return found != losses_.end() ? found->second : std::vector<double>();
 }
 
 std::vector<std::string> CapturedSound::stops() const {

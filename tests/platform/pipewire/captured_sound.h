@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <exception>
 #include <functional>
+#include <map>
 #include <mutex>
 #include <optional>
 #include <span>
@@ -30,6 +31,7 @@ struct DeliveredTrack {
 class CapturedSound final : public CaptureStreamReceiver {
 public:
     void didOutputSampleBuffer(const SampleBuffer& buffer, StreamOutputType type) override;
+    void didLoseSound(StreamOutputType type, double seconds) override;
     void streamDidStop(std::exception_ptr error) override;
     void microphoneDidChangeMute(bool isMuted) override;
 
@@ -41,6 +43,8 @@ public:
     std::int64_t largestDelay() const;
     /// Texts of all the errors that the stream stopped with.
     std::vector<std::string> stops() const;
+    /// How many seconds the stream told to be lost, once for each time.
+    std::vector<double> losses(StreamOutputType type) const;
     /// As the stream told.
     std::vector<bool> mutes() const;
 
@@ -58,6 +62,7 @@ private:
     DeliveredTrack microphone_;
     std::int64_t largestLead_ = 0;
     std::int64_t largestDelay_ = 0;
+    std::map<StreamOutputType, std::vector<double>> losses_;
     std::vector<std::string> stops_;
     std::vector<bool> mutes_;
 };

@@ -67,6 +67,76 @@ TEST(StampedRing, refusesMorePiecesThanItHasStampsFor) {
     EXPECT_FALSE(writeCounting(ring, 2, 1));
 }
 
+TEST(StampedRing, tellsHowMuchIsMissingBeforeAPiece) {
+    StampedRing ring(1, 50, 8);
+    ASSERT_TRUE(writeCounting(ring, 0, 40));
+    ASSERT_FALSE(writeCounting(ring, 40, 20));
+    ring.lose(20);
+    ASSERT_FALSE(writeCounting(ring, 60, 11));
+    ring.lose(11);
+    Stamp stamp;
+    std::vector<float> samples;
+    ASSERT_TRUE(ring.read(stamp, samples));
+    EXPECT_EQ(stamp.lostFrames, 0U);
+    ASSERT_TRUE(writeCounting(ring, 71, 10));
+    ASSERT_TRUE(writeCounting(ring, 81, 10));
+    ASSERT_TRUE(ring.read(stamp, samples));
+    EXPECT_EQ(stamp.lostFrames, 31U);
+    EXPECT_EQ(stamp.frames, 10U);
+    ASSERT_TRUE(ring.read(stamp, samples));
+    EXPECT_EQ(stamp.lostFrames, 0U);
+    EXPECT_FALSE(ring.read(stamp, samples));
+}
+
+TEST(StampedRing, tellsWhatIsMissingBehindTheLastPieceByOneOfNoFrames) {
+    StampedRing ring(1, 50, 8);
+    ASSERT_TRUE(writeCounting(ring, 0, 50));
+    ring.lose(20);
+    Stamp stamp;
+    std::vector<float> samples;
+    ASSERT_TRUE(ring.read(stamp, samples));
+    EXPECT_EQ(stamp.lostFrames, 0U);
+    ASSERT_TRUE(ring.read(stamp, samples));
+    EXPECT_EQ(stamp.lostFrames, 20U);
+    EXPECT_EQ(stamp.frames, 0U);
+    EXPECT_TRUE(samples.empty());
+    EXPECT_FALSE(ring.read(stamp, samples));
+    ASSERT_TRUE(writeCounting(ring, 70, 10));
+    ASSERT_TRUE(ring.read(stamp, samples));
+    EXPECT_EQ(stamp.lostFrames, 0U) << "told once";
+}
+
+TEST(StampedRing, tellsEveryLossAtItsPlaceBetweenTwoThreads) {
+    constexpr std::uint64_t total = 2000000;
+    StampedRing ring(1, 1000, 16);
+    std::jthread writer([&] {
+        std::uint64_t frame = 0;
+        for (std::uint32_t length = 1; frame < total; length = (length * 7 % 331) + 1) {
+            if (!writeCounting(ring, frame, length)) {
+                ring.lose(length);
+            }
+            frame += length;
+        }
+    });
+    std::uint64_t next = 0;
+    std::uint64_t lost = 0;
+    std::size_t misplaced = 0;
+    Stamp stamp;
+    std::vector<float> samples;
+    while (next < total) {
+        if (!ring.read(stamp, samples)) {
+            std::this_thread::yield();
+            continue;
+        }
+        next += stamp.lostFrames;
+        lost += stamp.lostFrames;
+        misplaced += stamp.frames == 0 || stamp.nanoseconds == next ? 0U : 1U;
+        next += stamp.frames;
+    }
+    EXPECT_EQ(misplaced, 0U);
+    EXPECT_GT(lost, 0U);
+}
+
 TEST(StampedRing, losesAndChangesNothingBetweenTwoThreads) {
     constexpr std::uint64_t total = 400000;
     StampedRing ring(2, 1000, 16);
