@@ -10,6 +10,7 @@
 #include <QtCore/QSocketNotifier>
 
 #include "app/live_line.h"
+#include "control/transitions.h"
 #include "l10n/error_description.h"
 
 namespace vantoro {
@@ -69,6 +70,11 @@ int RecordRun::run(RecordingViewModel& model) {
     // Behind the change, not within it: what the answer sets off finds the model at rest.
     connect(&model, &RecordingProperties::stateChanged, this, &RecordRun::stateChanged,
             Qt::QueuedConnection);
+    connect(&model, &RecordingProperties::propertyChanged, this, [this, &model](auto property) {
+        if (property == RecordingProperties::Property::errorMessage) {
+            showMessage(model.values());
+        }
+    });
     const QSocketNotifier signalCame(signals_.descriptor(), QSocketNotifier::Read);
     connect(&signalCame, &QSocketNotifier::activated, this, [this] {
         if (signals_.take()) {
@@ -103,6 +109,13 @@ void RecordRun::stateChanged() {
         break;
     default:
         break;
+    }
+}
+
+/// What comes while it records; at the end, messages are shown with what they are about.
+void RecordRun::showMessage(const RecordingProperties::Values& values) {
+    if (values.errorMessage && isUnderWay(values.state.which())) {
+        terminal_.message(*values.errorMessage);
     }
 }
 

@@ -17,9 +17,9 @@
 
 namespace vantoro {
 
-/// Makes one recording: until its time has passed, a signal came, the machine went to sleep or
-/// capture broke. Prints the final file's path on standard output and all else on standard error.
-/// Main thread, where the application's event loop is not yet running.
+/// Makes one recording: until its time has passed, a signal came, the machine went to sleep,
+/// capture broke or the disk got full. Prints the final file's path on standard output and all else
+/// on standard error. Main thread, where the application's event loop is not yet running.
 class RecordRun final : public QObject {
 public:
     /// All of it outlives the run, which outlives the recorder that its `details` are given to.
@@ -35,6 +35,7 @@ private:
     using Clock = std::chrono::steady_clock;
 
     void stateChanged();
+    void showMessage(const RecordingProperties::Values& values);
     void recordingBegan();
     void waitForTheEnd();
     void stopWanted();

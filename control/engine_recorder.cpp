@@ -21,6 +21,7 @@ void EngineRecorder::setCallbacks(RecorderCallbacks callbacks) {
         };
     recorder_.onAudioLevel = std::move(callbacks.onAudioLevel);
     recorder_.onSourceCondition = std::move(callbacks.onSourceCondition);
+    recorder_.onDiskRoom = std::move(callbacks.onDiskRoom);
     recorder_.onRecordingSafe = std::move(callbacks.onRecordingSafe);
 }
 
@@ -34,6 +35,10 @@ void EngineRecorder::expectVolumes(float systemVolume, float microphoneVolume) {
 
 std::filesystem::path EngineRecorder::stop(float systemVolume, float microphoneVolume) {
     return recorder_.stop(systemVolume, microphoneVolume);
+}
+
+bool EngineRecorder::hasKeptRecording() const {
+    return recorder_.hasKeptRecording();
 }
 
 std::vector<std::filesystem::path>

@@ -23,6 +23,7 @@ public:
     void start(const RecordingOptions& options) override;
     void expectVolumes(float systemVolume, float microphoneVolume) override;
     std::filesystem::path stop(float systemVolume, float microphoneVolume) override;
+    bool hasKeptRecording() const override;
     std::vector<std::filesystem::path>
     recoverIncompleteRecordings(const std::filesystem::path& folder,
                                 const std::stop_token& stop) override;

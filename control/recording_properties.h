@@ -59,7 +59,8 @@ public:
         std::int64_t elapsedSeconds = 0;
         std::filesystem::path outputDirectory;
         std::optional<std::filesystem::path> lastRecordingURL;
-        /// The one message line: failures, and what was saved without the user's doing.
+        /// The one message line: failures, what was saved without the user's doing, and that the
+        /// disk gets full.
         std::optional<std::string> errorMessage;
         bool hasScreenPermission = false;
         AuthorizationStatus microphonePermission = AuthorizationStatus::notDetermined;

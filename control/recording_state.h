@@ -43,6 +43,6 @@ private:
 };
 
 /// Why a recording ends.
-enum class StopReason : std::uint8_t { user, systemSleep, captureInterruption };
+enum class StopReason : std::uint8_t { user, systemSleep, captureInterruption, diskNearlyFull };
 
 } // namespace vantoro

@@ -66,6 +66,10 @@ void RecordingViewModel::installCallbacks() {
                     model.updateCondition(source, condition);
                 });
             },
+        .onDiskRoom =
+            [toMainThread](DiskRoom room) {
+                toMainThread([room](RecordingViewModel& model) { model.handleDiskRoom(room); });
+            },
         .onRecordingSafe =
             [toMainThread] {
                 toMainThread([](RecordingViewModel& model) { model.sleepHold_.reset(); });
@@ -144,6 +148,9 @@ void RecordingViewModel::stopRecording(StopReason reason) {
         return;
     }
     timer_.reset();
+    if (values().errorMessage) {
+        setErrorMessage(std::nullopt); // what was said of the room on the disk
+    }
     setState(RecordingState::Case::processing);
     resetLevels();
     resetConditions();
@@ -175,7 +182,7 @@ void RecordingViewModel::saved(const std::filesystem::path& recording, StopReaso
 }
 
 void RecordingViewModel::stopFailed(const std::exception_ptr& error) {
-    fail(error, true);
+    fail(error, recorder_->hasKeptRecording());
     recoverIncompleteRecordings();
 }
 
@@ -214,6 +221,15 @@ void RecordingViewModel::handleStop(StopReason reason) {
         break;
     case StopAnswer::ignore:
         break;
+    }
+}
+
+/// It may come before the recorder has said that it runs, and after a stop was asked for.
+void RecordingViewModel::handleDiskRoom(DiskRoom room) {
+    if (room.advice == RoomAdvice::end) {
+        handleStop(StopReason::diskNearlyFull);
+    } else if (isUnderWay(values().state.which())) {
+        setErrorMessage(texts_.roomLeft(room.minutesLeft));
     }
 }
 
@@ -296,8 +312,7 @@ void RecordingViewModel::updateAudioLevel(AudioLevelSource source, float level) 
 
 /// It may come before the recorder has said that it runs: a microphone may be off from the start.
 void RecordingViewModel::updateCondition(AudioLevelSource source, SourceCondition condition) {
-    const auto state = values().state.which();
-    if (state == RecordingState::Case::preparing || state == RecordingState::Case::recording) {
+    if (isUnderWay(values().state.which())) {
         setCondition(source, condition);
     }
 }

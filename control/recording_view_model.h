@@ -94,6 +94,7 @@ private:
     void startTimer();
     void handleDidWake();
     void handleStop(StopReason reason);
+    void handleDiskRoom(DiskRoom room);
     void surveyed(const Survey& survey);
     void moveTo(const std::filesystem::path& outputDirectory);
     void recoverIncompleteRecordings();

@@ -10,6 +10,10 @@ bool isBusy(RecordingState::Case state) {
     return state == preparing || state == recording || state == processing;
 }
 
+bool isUnderWay(RecordingState::Case state) {
+    return state == preparing || state == recording;
+}
+
 bool isProcessing(RecordingState::Case state) {
     return state == preparing || state == processing;
 }
@@ -61,6 +65,8 @@ std::optional<L10n::Key> savedMessageKey(StopReason reason) {
         return L10n::Key::sleepSaved;
     case StopReason::captureInterruption:
         return L10n::Key::captureInterruptedSaved;
+    case StopReason::diskNearlyFull:
+        return L10n::Key::diskNearlyFullSaved;
     case StopReason::user:
         break;
     }

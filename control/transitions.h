@@ -16,6 +16,9 @@ namespace vantoro {
 /// salvage found is not shown.
 bool isBusy(RecordingState::Case state);
 
+/// Whether a recording is being prepared or made.
+bool isUnderWay(RecordingState::Case state);
+
 /// Whether the recorder is at work, and nothing is being recorded.
 bool isProcessing(RecordingState::Case state);
 
@@ -30,7 +33,7 @@ enum class StopAnswer : std::uint8_t {
 StopAnswer answerToStop(RecordingState::Case state);
 
 /// The reason to stop for, when another one arrives before the recording has begun: sleep replaces
-/// any, an interruption none.
+/// any, all others none.
 StopReason pendingStop(std::optional<StopReason> pending, StopReason arrived);
 
 /// The text that says how things stand.

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "engine/file_names.h"
+#include "engine/room_watch.h"
 #include "engine/salvage.h"
 #include "engine/track_mixing.h"
 
@@ -22,6 +23,21 @@ FileWriterInput& makeWriterInput(FileWriter& writer, const AudioTrackSettings& s
         throw RecordingError(RecordingError::Case::writerSetupFailed);
     }
     return writer.add(settings);
+}
+
+/// Of all tracks together, bits a second.
+int totalBitRate(const RecordingOptions& options) {
+    return (options.captureSystemAudio ? systemAudioTrack.bitRate : 0) +
+           (options.captureMicrophone ? microphoneTrack.bitRate : 0);
+}
+
+/// Whether a salvage will find something in the file.
+bool holdsSound(MediaToolkit& toolkit, const std::filesystem::path& file) {
+    try {
+        return zeroTime < toolkit.openAsset(file)->duration();
+    } catch (const std::exception&) {
+        return false;
+    }
 }
 
 StreamConfiguration streamConfiguration(const RecordingOptions& options) {
@@ -42,6 +58,7 @@ AudioRecorder::AudioRecorder(const RecorderPlatform& platform)
 
 AudioRecorder::~AudioRecorder() {
     captureQueue_.sync([this] { stream_.reset(); });
+    resetKeepingWhatWasWritten();
 }
 
 void AudioRecorder::start(const RecordingOptions& options) {
@@ -95,14 +112,20 @@ Display AudioRecorder::chooseDisplay() {
 void AudioRecorder::prepareWriter(const RecordingOptions& options) {
     const auto temporaryURL = options.outputDirectory / temporaryFileName();
     auto writer = platform_.mediaToolkit.makeWriter(temporaryURL);
+    temporaryURL_ = temporaryURL; // a file that a failure has to remove
+    const auto room = std::make_shared<RoomWatch>(platform_.fileSystem, options.outputDirectory,
+                                                  totalBitRate(options), onDiskRoom);
+    room->lookBeforeTheStart();
     writer->setMovieFragmentInterval(checkpointInterval);
     writer->setInitialMovieFragmentInterval(initialCheckpointInterval);
+    writer->setOnFragmentWritten([room](MediaTime recorded, std::uint64_t waitingBytes) {
+        room->look(recorded, waitingBytes);
+    });
     FileWriterInput* const systemAudioInput =
         options.captureSystemAudio ? &makeWriterInput(*writer, systemAudioTrack) : nullptr;
     FileWriterInput* const microphoneInput =
         options.captureMicrophone ? &makeWriterInput(*writer, microphoneTrack) : nullptr;
 
-    temporaryURL_ = temporaryURL;
     outputDirectory_ = options.outputDirectory;
     hasSystemAudioTrack_ = options.captureSystemAudio;
     captureQueue_.sync([&] {
@@ -140,11 +163,12 @@ void AudioRecorder::startStream(const RecordingOptions& options, Display display
 }
 
 std::filesystem::path AudioRecorder::stop(float systemVolume, float microphoneVolume) {
+    hasKeptRecording_ = false;
     stopStream();
     try {
         finishWriting();
     } catch (...) {
-        resetKeepingWhatWasWritten();
+        resetAfterFailedStop();
         throw;
     }
     if (onRecordingSafe) {
@@ -156,7 +180,7 @@ std::filesystem::path AudioRecorder::stop(float systemVolume, float microphoneVo
         reset(false);
         return destination;
     } catch (...) {
-        reset(false);
+        resetAfterFailedStop();
         throw;
     }
 }
@@ -211,6 +235,12 @@ std::filesystem::path AudioRecorder::exportFinal(float systemVolume, float micro
                      recordingVolumes(hasSystemAudioTrack_, systemVolume, microphoneVolume),
                      onExportProgress, {})
         .location;
+}
+
+void AudioRecorder::resetAfterFailedStop() {
+    const bool started = captureQueue_.sync([this] { return samplePath_.hasStartedWriting(); });
+    hasKeptRecording_ = started && holdsSound(platform_.mediaToolkit, temporaryURL_);
+    reset(!started);
 }
 
 void AudioRecorder::resetKeepingWhatWasWritten() {

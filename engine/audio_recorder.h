@@ -11,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+#include "engine/disk_room.h"
 #include "engine/media_time.h"
 #include "engine/ports/capture_stream.h"
 #include "engine/ports/clock.h"
@@ -62,6 +63,10 @@ public:
     /// kept if sound was written to it. In either case another recording can be started.
     std::filesystem::path stop(float systemVolume, float microphoneVolume);
 
+    /// After a `stop` that threw: whether the temporary file is in the folder, and sound can be
+    /// read from it. Until the next `start`; not beside a `stop`.
+    bool hasKeptRecording() const noexcept { return hasKeptRecording_; }
+
     /// Finishes the recordings in the folder that were interrupted; see `salvage.h`. Blocks. May
     /// run beside all else: a recording in work is passed over.
     std::vector<std::filesystem::path>
@@ -77,6 +82,9 @@ public:
     SourceConditionCallback onSourceCondition;
     /// Sound was lost; of both sources, each tells of its own. Capture queue.
     SoundLossCallback onSoundLoss;
+    /// The disk gets full. When there is only room for the final file left, the receiver is
+    /// expected to call `stop`.
+    DiskRoomCallback onDiskRoom;
     /// During `stop`: all that was captured is on the disk. Whatever becomes of the final file, it
     /// can be made again. On the thread of `stop`.
     std::function<void()> onRecordingSafe;
@@ -94,6 +102,7 @@ private:
     void stopStream();
     void finishWriting();
     std::filesystem::path exportFinal(float systemVolume, float microphoneVolume);
+    void resetAfterFailedStop();
     void resetKeepingWhatWasWritten();
     void reset(bool removeTemporaryFile);
 
@@ -108,6 +117,7 @@ private:
     std::filesystem::path temporaryURL_;
     std::filesystem::path outputDirectory_;
     bool hasSystemAudioTrack_ = false;
+    bool hasKeptRecording_ = false; // of the latest stop
 
     // Touched on the capture queue only.
     SamplePath samplePath_;

@@ -10,10 +10,15 @@ namespace vantoro {
 namespace {
 
 constexpr std::array caseNames{
-    "writerFailed",           "noAudioSource",
-    "screenPermissionDenied", "microphonePermissionDenied",
-    "noDisplayAvailable",     "writerSetupFailed",
-    "noAudioCaptured",        "exportFailed",
+    "writerFailed",
+    "noAudioSource",
+    "screenPermissionDenied",
+    "microphonePermissionDenied",
+    "noDisplayAvailable",
+    "writerSetupFailed",
+    "noAudioCaptured",
+    "exportFailed",
+    "diskTooFull",
 };
 
 } // namespace

@@ -36,6 +36,7 @@ public:
         writerSetupFailed,
         noAudioCaptured,
         exportFailed,
+        diskTooFull,
     };
 
     /// Any case but `writerFailed`, which has a message: see the factory below.

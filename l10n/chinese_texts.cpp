@@ -59,6 +59,7 @@ constexpr std::pair<L10n::Key, std::string_view> chineseRows[] = {
     {choose, "选择"},
     {sleepSaved, "电脑进入睡眠，录音已中断；已成功保存已录制的音频。"},
     {captureInterruptedSaved, "音频采集被中断，已成功保存已录制的音频。"},
+    {diskNearlyFullSaved, "磁盘空间即将用尽，录音已结束；已保存已录制的音频。"},
     {noAudioSource, "请先开启系统声音或麦克风。"},
     {screenPermissionDenied,
      "需要屏幕与系统声音录制权限。请在系统设置中允许 Vantoro，然后重新打开应用。"},
@@ -68,6 +69,7 @@ constexpr std::pair<L10n::Key, std::string_view> chineseRows[] = {
     {writerSetupFailed, "Vantoro 无法准备录音文件。"},
     {noAudioCaptured, "没有采集到音频，请检查已选择的音频来源。"},
     {exportFailed, "Vantoro 无法创建最终 M4A 文件。"},
+    {diskTooFull, "磁盘空间不足，无法录音。请释放一些空间，或更改录音文件夹。"},
 };
 
 } // namespace

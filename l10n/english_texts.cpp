@@ -60,6 +60,8 @@ constexpr std::pair<L10n::Key, std::string_view> englishRows[] = {
     {sleepSaved, "Recording was interrupted by sleep. The captured audio was saved successfully."},
     {captureInterruptedSaved,
      "Audio capture was interrupted. The captured audio was saved successfully."},
+    {diskNearlyFullSaved,
+     "The disk is nearly full, so the recording was ended. What was captured was saved."},
     {noAudioSource, "Turn on System Audio or Microphone before recording."},
     {screenPermissionDenied, "Screen & System Audio Recording permission is required. Enable "
                              "Vantoro in System Settings, then reopen the app."},
@@ -70,6 +72,9 @@ constexpr std::pair<L10n::Key, std::string_view> englishRows[] = {
     {writerSetupFailed, "Vantoro could not prepare the audio file."},
     {noAudioCaptured, "No audio was captured. Check the selected sources and try again."},
     {exportFailed, "Vantoro could not create the final M4A file."},
+    {diskTooFull,
+     "There is not enough room on the disk for a recording. Free some space, or choose "
+     "another folder."},
 };
 
 } // namespace

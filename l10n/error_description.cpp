@@ -27,6 +27,8 @@ std::string errorDescription(const RecordingError& error, AppLanguage language) 
         return L10n::text(Key::noAudioCaptured, language);
     case exportFailed:
         return L10n::text(Key::exportFailed, language);
+    case diskTooFull:
+        return L10n::text(Key::diskTooFull, language);
     }
     return {};
 }

@@ -28,6 +28,18 @@ std::string L10n::recovered(std::size_t count) const {
                       : "已恢复并保存 " + number + " 段此前中断的录音。";
 }
 
+std::string L10n::roomLeft(std::int64_t minutes) const {
+    const auto number = std::to_string(minutes);
+    if (language() == AppLanguage::english) {
+        const std::string left = minutes < 1    ? "less than a minute"
+                                 : minutes == 1 ? "about 1 minute"
+                                                : "about " + number + " minutes";
+        return "The disk is nearly full: there is room for " + left + " of recording.";
+    }
+    return minutes < 1 ? "磁盘空间即将用尽：剩余空间只够录音不到 1 分钟。"
+                       : "磁盘空间即将用尽：剩余空间大约还能录音 " + number + " 分钟。";
+}
+
 std::string L10n::newVersionAvailable(std::string_view version) const {
     const std::string inserted(version);
     return language() == AppLanguage::english ? "Version " + inserted + " is available."

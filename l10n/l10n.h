@@ -66,6 +66,7 @@ public:
         choose,
         sleepSaved,
         captureInterruptedSaved,
+        diskNearlyFullSaved,
         recoveredOne,
         recoveredMany,
         checkpointKept,
@@ -78,6 +79,7 @@ public:
         recordingFailed,
         noAudioCaptured,
         exportFailed,
+        diskTooFull,
     };
     using Table = std::unordered_map<Key, std::string_view>;
 
@@ -94,6 +96,9 @@ public:
 
     /// That so many interrupted recordings were saved.
     std::string recovered(std::size_t count) const;
+
+    /// That the disk has room for so many minutes of recording, less than one included.
+    std::string roomLeft(std::int64_t minutes) const;
 
     /// That there is a newer version than this one.
     std::string newVersionAvailable(std::string_view version) const;

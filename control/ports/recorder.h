@@ -7,6 +7,7 @@
 #include <stop_token>
 #include <vector>
 
+#include "engine/disk_room.h"
 #include "engine/level_meter.h"
 #include "engine/recording_types.h"
 #include "engine/sample_path.h"
@@ -18,6 +19,7 @@ struct RecorderCallbacks {
     CaptureInterruptedCallback onCaptureInterrupted;
     AudioLevelCallback onAudioLevel;
     SourceConditionCallback onSourceCondition;
+    DiskRoomCallback onDiskRoom;
     /// During `stop`: all that was captured is on the disk, what follows can be done again.
     std::function<void()> onRecordingSafe;
 };
@@ -41,6 +43,10 @@ public:
     /// Returns the final file, mixed with these linear gains; or throws, and what was captured
     /// stays in the recording folder.
     virtual std::filesystem::path stop(float systemVolume, float microphoneVolume) = 0;
+
+    /// After a `stop` that threw: whether there is anything in the folder that a salvage can make a
+    /// recording of. Until the next `start`; any thread, and does not block.
+    virtual bool hasKeptRecording() const = 0;
 
     /// Returns the final files that it made of interrupted recordings in the folder, in order.
     /// Never throws. A requested stop is honoured between two of them, at the latest.

@@ -92,7 +92,8 @@ public:
     /// takes none. Null where the folder's file system has no such files.
     virtual std::unique_ptr<OutputFile> createUnnamed(const std::filesystem::path& folder,
                                                       FileAudience audience) = 0;
-    /// Bytes that the user may still write there.
+    /// Bytes that the user may still write there. Throws where the file system does not count them.
+    /// May wait for the disk.
     virtual std::uint64_t availableSpace(const std::filesystem::path& folder) const = 0;
     virtual std::unique_ptr<InputFile> open(const std::filesystem::path& path) = 0;
     /// What lies directly in the folder, hidden things included.

@@ -34,14 +34,18 @@ public:
     virtual void markAsFinished() = 0;
 };
 
+/// Told, on a thread that may wait for the disk, that another fragment is on it: how much was
+/// recorded by then, in whole fragments, and how many bytes of that still wait to be written.
+using FragmentWrittenCallback = std::function<void(MediaTime recorded, std::uint64_t waitingBytes)>;
+
 enum class FileWriterStatus : std::uint8_t { unknown, writing, completed, failed };
 
 /// Writes tracks into a movie file of fragments, each complete on disk (synced) when it closes, so
 /// that a file whose writer died is readable up to its last whole fragment.
 ///
 /// Set up on a task thread, then used on the capture queue alone; `status` and `errorDescription`
-/// on any thread. Creates the file in `startWriting`, not before. Destroyed without a finish, it
-/// leaves the file as far as it was written.
+/// on any thread. The file is there from the beginning, empty and locked. Destroyed without a
+/// finish, the writer leaves it as far as it was written.
 class FileWriter {
 public:
     virtual ~FileWriter() = default;
@@ -49,6 +53,8 @@ public:
     virtual void setMovieFragmentInterval(MediaTime interval) = 0;
     /// Media time covered by the first fragment.
     virtual void setInitialMovieFragmentInterval(MediaTime interval) = 0;
+    /// Before `startWriting`. Called until the writer is destroyed.
+    virtual void setOnFragmentWritten(FragmentWrittenCallback callback) = 0;
 
     virtual bool canAdd(const AudioTrackSettings& settings) const = 0;
     /// The track's place in the file is the place in the order of calls. Lives as long as the

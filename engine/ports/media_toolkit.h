@@ -78,7 +78,8 @@ public:
 class MediaToolkit {
 public:
     virtual ~MediaToolkit() = default;
-    /// A writer over a QuickTime movie that does not exist yet.
+    /// A writer over a QuickTime movie, which it creates: empty, and locked for as long as the
+    /// writer lives.
     virtual std::unique_ptr<FileWriter> makeWriter(const std::filesystem::path& location) = 0;
     virtual std::unique_ptr<Asset> openAsset(const std::filesystem::path& location) = 0;
     virtual std::unique_ptr<Composition> makeComposition() = 0;

@@ -53,7 +53,7 @@ void FragmentFile::run() {
             lock.unlock();
             const bool written = writeNext();
             if (written) {
-                onGrowth_();
+                onGrowth_(backlog());
             } else {
                 onFailure_(failure_);
             }

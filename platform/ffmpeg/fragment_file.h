@@ -28,8 +28,8 @@ class FragmentFile {
 public:
     /// Told, on the file thread, why a write failed.
     using Failure = std::function<void(const std::string& description)>;
-    /// Told, on the file thread, that another fragment is on the disk.
-    using Growth = std::function<void()>;
+    /// Told, on the file thread, that another fragment is on the disk, and how many bytes wait.
+    using Growth = std::function<void(std::size_t backlog)>;
     /// Told, on the file thread, that the file is closed: why it holds nothing of use, or nothing.
     using Completion = std::function<void(const std::optional<std::string>& failure)>;
 

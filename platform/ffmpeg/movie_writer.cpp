@@ -42,7 +42,8 @@ MovieWriter::MovieWriter(FileSystem& fileSystem, std::filesystem::path location,
     : fileSystem_(fileSystem),
       location_(std::move(location)),
       largestBacklog_(largestBacklog),
-      following_(std::move(following)) {}
+      following_(std::move(following)),
+      created_(fileSystem.create(location_, FileAudience::userOnly)) {}
 
 MovieWriter::~MovieWriter() = default;
 
@@ -52,6 +53,10 @@ void MovieWriter::setMovieFragmentInterval(MediaTime interval) {
 
 void MovieWriter::setInitialMovieFragmentInterval(MediaTime interval) {
     initialInterval_ = interval;
+}
+
+void MovieWriter::setOnFragmentWritten(FragmentWrittenCallback callback) {
+    onFragmentWritten_ = std::move(callback);
 }
 
 bool MovieWriter::canAdd(const AudioTrackSettings& settings) const {
@@ -71,16 +76,11 @@ bool MovieWriter::startWriting() {
         muxer_.start();
         schedule_ = FragmentSchedule(initialInterval_.inUnitsOf(framesPerSecond),
                                      interval_.inUnitsOf(framesPerSecond));
-        auto file = fileSystem_.create(location_, FileAudience::userOnly);
         mix_ = following_->begin(fileSystem_, location_);
         expectMix(std::move(expectedVolumes_));
         file_ = std::make_unique<FragmentFile>(
-            std::move(file), [this](const std::string& description) { fail(description); },
-            [mix = mix_] {
-                if (mix) {
-                    mix->movieHasGrown();
-                }
-            });
+            std::move(created_), [this](const std::string& description) { fail(description); },
+            [this](std::size_t backlog) { fragmentWritten(backlog); });
         const std::lock_guard lock(mutex_);
         status_ = FileWriterStatus::writing;
     });
@@ -186,8 +186,19 @@ void MovieWriter::fail(const std::string& description) {
     errorDescription_ = description;
 }
 
+/// On the file thread.
+void MovieWriter::fragmentWritten(std::size_t backlog) {
+    if (mix_) {
+        mix_->movieHasGrown();
+    }
+    if (onFragmentWritten_) {
+        onFragmentWritten_({closedFrames_, framesPerSecond}, backlog);
+    }
+}
+
 void MovieWriter::closeFragments() {
     for (prepareFragment(); coversFragment(); prepareFragment()) {
+        closedFrames_ = schedule_.end();
         file_->append(muxer_.closeFragment(schedule_.end()));
         schedule_.advance();
     }

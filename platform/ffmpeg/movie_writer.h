@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
@@ -30,8 +31,8 @@ public:
     /// Some 15 minutes of both tracks.
     static constexpr std::size_t usualLargestBacklog = 32U << 20U;
 
-    /// The inputs are not ready while more than `largestBacklog` bytes wait for the disk. A mix
-    /// that is expected becomes one of `following`.
+    /// Creates the file; throws where that fails. The inputs are not ready while more than
+    /// `largestBacklog` bytes wait for the disk. A mix that is expected becomes one of `following`.
     MovieWriter(FileSystem& fileSystem, std::filesystem::path location,
                 std::shared_ptr<FollowingMixes> following,
                 std::size_t largestBacklog = usualLargestBacklog);
@@ -41,6 +42,7 @@ public:
 
     void setMovieFragmentInterval(MediaTime interval) override;
     void setInitialMovieFragmentInterval(MediaTime interval) override;
+    void setOnFragmentWritten(FragmentWrittenCallback callback) override;
     bool canAdd(const AudioTrackSettings& settings) const override;
     FileWriterInput& add(const AudioTrackSettings& settings) override;
     bool startWriting() override;
@@ -58,6 +60,7 @@ private:
     void end(Input& input);
     bool attempt(const std::function<void()>& work);
     void fail(const std::string& description);
+    void fragmentWritten(std::size_t backlog);
     void closeFragments();
     void prepareFragment();
     void fillShortTracks();
@@ -74,7 +77,9 @@ private:
     std::shared_ptr<FollowingMix> mix_; // from the start on, where it can be had
     MediaTime initialInterval_{1, 1};
     MediaTime interval_{10, 1};
-    FragmentSchedule schedule_; // begins anew when writing starts
+    FragmentWrittenCallback onFragmentWritten_;
+    FragmentSchedule schedule_;                 // begins anew when writing starts
+    std::atomic<std::int64_t> closedFrames_{0}; // in whole fragments, written or not
     MediaTime sessionStart_;
     FragmentMuxer muxer_;
     std::vector<std::unique_ptr<Input>> inputs_;
@@ -83,7 +88,8 @@ private:
     FileWriterStatus status_ = FileWriterStatus::unknown;
     std::optional<std::string> errorDescription_;
 
-    std::unique_ptr<FragmentFile> file_; // last: its thread calls back into the above
+    std::unique_ptr<OutputFile> created_; // until writing starts
+    std::unique_ptr<FragmentFile> file_;  // last: its thread calls back into the above
 };
 
 } // namespace vantoro::ffmpeg

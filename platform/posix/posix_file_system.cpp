@@ -65,7 +65,11 @@ std::unique_ptr<OutputFile> PosixFileSystem::createUnnamed(const std::filesystem
 }
 
 std::uint64_t PosixFileSystem::availableSpace(const std::filesystem::path& folder) const {
-    return std::filesystem::space(folder.empty() ? "." : folder).available;
+    const auto space = std::filesystem::space(folder.empty() ? "." : folder);
+    if (space.capacity == 0) {
+        throwFailure("count the free space of", folder, ENOTSUP);
+    }
+    return space.available;
 }
 
 std::unique_ptr<InputFile> PosixFileSystem::open(const std::filesystem::path& path) {

@@ -33,6 +33,7 @@ struct RecorderScript {
 
     std::exception_ptr startError;
     std::exception_ptr stopError;
+    bool keepsRecording = true; ///< when a stop fails
     std::filesystem::path recording = "/music/recorded.m4a";
     Recordings salvaged; ///< what each salvage makes, heedless of a requested stop
     std::function<void()> duringStart;
@@ -42,6 +43,7 @@ struct RecorderScript {
     CaptureInterruptedCallback interrupted;
     AudioLevelCallback level;
     SourceConditionCallback condition;
+    DiskRoomCallback room;
     std::function<void()> safe;
     bool recorderLives = false;
 };
@@ -61,6 +63,7 @@ public:
         script_.interrupted = std::move(callbacks.onCaptureInterrupted);
         script_.level = std::move(callbacks.onAudioLevel);
         script_.condition = std::move(callbacks.onSourceCondition);
+        script_.room = std::move(callbacks.onDiskRoom);
         script_.safe = std::move(callbacks.onRecordingSafe);
     }
 
@@ -83,6 +86,8 @@ public:
         script_.safe();
         return script_.recording;
     }
+
+    bool hasKeptRecording() const override { return script_.keepsRecording; }
 
     Recordings recoverIncompleteRecordings(const std::filesystem::path& folder,
                                            const std::stop_token& stop) override {

@@ -201,6 +201,33 @@ TEST_F(StopTest, thatFailsSaysThatTheCheckpointWasKeptInTheUsersLanguage) {
     EXPECT_EQ(model->statusText(), "需要处理");
 }
 
+TEST_F(StopTest, thatFailsWithNothingKeptDoesNotSayThatACheckpointWas) {
+    recorder.stopError = failure(noAudioCaptured);
+    recorder.keepsRecording = false;
+    model->toggleRecording();
+    scheduler.settle();
+    EXPECT_EQ(message(), text(Key::noAudioCaptured));
+}
+
+TEST_F(StopTest, forWantOfRoomSavesAndSaysWhy) {
+    reportRoom(RoomAdvice::end);
+    EXPECT_EQ(state(), Case::processing);
+    scheduler.settle();
+    EXPECT_EQ(state(), Case::completed);
+    EXPECT_EQ(message(), text(Key::diskNearlyFullSaved));
+    EXPECT_EQ(recorder.volumes.size(), 1U);
+}
+
+TEST_F(StopTest, takesAwayWhatWasSaidOfTheRoom) {
+    reportRoom(RoomAdvice::tell, 7);
+    EXPECT_NE(message(), "(none)");
+    model->toggleRecording();
+    EXPECT_EQ(message(), "(none)");
+    scheduler.settle();
+    EXPECT_EQ(state(), Case::completed);
+    EXPECT_EQ(message(), "(none)");
+}
+
 TEST_F(StopTest, thatFailsIsFollowedByASalvageOfWhatWasKept) {
     recorder.stopError = failure(exportFailed);
     recorder.salvaged = {"/music/salvaged.m4a"};

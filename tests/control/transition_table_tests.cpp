@@ -26,6 +26,12 @@ constexpr Event toggle{"toggle", [](World& world) { world.model->toggleRecording
 constexpr Event stop{"stop", [](World& world) { world.model->stopRecording(); }};
 constexpr Event sleep{"sleep", [](World& world) { world.power.sleep(); }};
 constexpr Event interruption{"interruption", [](World& world) { world.interruptCapture(); }};
+constexpr Event roomGetsShort{"room gets short", [](World& world) {
+    world.reportRoom(RoomAdvice::tell, 7);
+}};
+constexpr Event roomIsUsedUp{"room is used up", [](World& world) {
+    world.reportRoom(RoomAdvice::end);
+}};
 constexpr Event tenSeconds{"ten seconds", [](World& world) {
     world.scheduler.advance(std::chrono::seconds(10));
 }};
@@ -42,6 +48,16 @@ constexpr Event answeredWithError{"the recorder's error", [](World& world) {
 }};
 constexpr Event answeredAfterSleep{"sleep, then the recorder's answer", [](World& world) {
     world.power.sleep();
+    world.scheduler.runTask();
+}};
+constexpr Event answeredAfterRoomWasUsedUp{"room used up, then the recorder's answer",
+    [](World& world) {
+        world.reportRoom(RoomAdvice::end);
+        world.scheduler.runTask();
+}};
+constexpr Event answeredWithNothingKept{"the recorder's error, and nothing kept", [](World& world) {
+    world.recorder.keepsRecording = false;
+    world.recorder.stopError = failure("broken");
     world.scheduler.runTask();
 }};
 constexpr Event answeredAfterStop{"stop, then the recorder's answer", [](World& world) {
@@ -117,7 +133,7 @@ TEST(TransitionTableTest, theButton) {
 }
 
 TEST(TransitionTableTest, theSystemAndWhoeverStops) {
-    for (const auto& event : {sleep, interruption, stop}) {
+    for (const auto& event : {sleep, interruption, stop, roomIsUsedUp}) {
         for (const auto& cell : {
                  Cell{idle, event, idle, none, none, 0},
                  Cell{preparing, event, preparing, none, none, 0},
@@ -128,6 +144,21 @@ TEST(TransitionTableTest, theSystemAndWhoeverStops) {
              }) {
             expectCell(cell);
         }
+    }
+}
+
+TEST(TransitionTableTest, roomThatGetsShort) {
+    const char* const sevenMinutes =
+        "The disk is nearly full: there is room for about 7 minutes of recording.";
+    for (const auto& cell : {
+             Cell{idle, roomGetsShort, idle, none, none, 0},
+             Cell{preparing, roomGetsShort, preparing, sevenMinutes, none, 0},
+             Cell{recording, roomGetsShort, recording, sevenMinutes, none, 0},
+             Cell{processing, roomGetsShort, processing, none, none, 0},
+             Cell{completed, roomGetsShort, completed, none, saved, 0},
+             Cell{failed, roomGetsShort, failed, unlucky, none, 0},
+         }) {
+        expectCell(cell);
     }
 }
 
@@ -156,10 +187,13 @@ TEST(TransitionTableTest, theRecordersAnswers) {
              Cell{preparing, answeredAfterSleep, processing, none, none, 0},
              Cell{preparing, answeredAfterStop, processing, none, none, 0},
              Cell{preparing, answeredAfterInterruption, processing, none, none, 0},
+             Cell{preparing, answeredAfterRoomWasUsedUp, processing, none, none, 0},
              Cell{preparing, answeredWithError, failed, "broken", none, 0},
              Cell{processing, answered, completed, none, saved, 0},
              Cell{processing, answeredAfterSleep, completed, none, saved, 0},
              Cell{processing, answeredAfterInterruption, completed, none, saved, 0},
+             Cell{processing, answeredAfterRoomWasUsedUp, completed, none, saved, 0},
+             Cell{processing, answeredWithNothingKept, failed, "broken", none, 0},
              Cell{processing, answeredWithError, failed,
                   "broken A recoverable recording checkpoint was kept in the recording folder.",
                   none, 0},

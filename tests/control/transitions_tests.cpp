@@ -30,6 +30,7 @@ TEST(TransitionsTest, followFromTheStateAlone) {
         SCOPED_TRACE(static_cast<int>(row.state));
         EXPECT_EQ(isBusy(row.state), row.busy);
         EXPECT_EQ(isProcessing(row.state), row.processing);
+        EXPECT_EQ(isUnderWay(row.state), row.answer != StopAnswer::ignore);
         EXPECT_EQ(answerToStop(row.state), row.answer);
         EXPECT_EQ(statusKey(row.state), row.status);
         EXPECT_EQ(canStart(row.state, true, true), !row.busy);
@@ -53,6 +54,10 @@ TEST(TransitionsTest, keepSleepAsThePendingReasonAndAnInterruptionOnlyWhereThere
              Row{systemSleep, captureInterruption, systemSleep},
              Row{captureInterruption, systemSleep, systemSleep},
              Row{captureInterruption, captureInterruption, captureInterruption},
+             Row{std::nullopt, diskNearlyFull, diskNearlyFull},
+             Row{systemSleep, diskNearlyFull, systemSleep},
+             Row{diskNearlyFull, systemSleep, systemSleep},
+             Row{diskNearlyFull, captureInterruption, diskNearlyFull},
          }) {
         EXPECT_EQ(pendingStop(pending, arrived), kept);
     }
@@ -62,6 +67,7 @@ TEST(TransitionsTest, sayWhyARecordingEndedUnlessTheUserWishedIt) {
     EXPECT_EQ(savedMessageKey(user), std::nullopt);
     EXPECT_EQ(savedMessageKey(systemSleep), L10n::Key::sleepSaved);
     EXPECT_EQ(savedMessageKey(captureInterruption), L10n::Key::captureInterruptedSaved);
+    EXPECT_EQ(savedMessageKey(diskNearlyFull), L10n::Key::diskNearlyFullSaved);
 }
 
 } // namespace

@@ -95,6 +95,11 @@ struct ViewModelWorld {
         scheduler.runMain();
     }
 
+    void reportRoom(RoomAdvice advice, std::int64_t minutes = 0) {
+        recorder.room({.advice = advice, .minutesLeft = minutes});
+        scheduler.runMain();
+    }
+
     /// Launches, and leads to a state as a user would, without a task of the recorder's waiting but
     /// the one that the state is about.
     void lead(Case to) {

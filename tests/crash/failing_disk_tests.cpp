@@ -64,6 +64,15 @@ TEST_F(FailingDisk, salvageOnAFullDiskKeepsTheRecordingUntilThereIsRoom) {
     EXPECT_EQ(salvage(disk.path()).size(), 1U);
 }
 
+TEST_F(FailingDisk, emptyFileOfAStartThatDiedStaysAndDisturbsNobody) {
+    const testing::TemporaryFolder folder;
+    put(folder.path() / "a.partial.mov", {});
+    put(folder.path() / "b.partial.mov", movie);
+    EXPECT_EQ(recordingsToRecover(toolkit, fileSystem, folder.path()), 1U);
+    EXPECT_EQ(salvage(folder.path()).size(), 1U);
+    EXPECT_THAT(namesIn(folder.path()), UnorderedElementsAre("a.partial.mov", finalName));
+}
+
 TEST_F(FailingDisk, folderUnderTheFinalNameInMidSalvageStaysAndTheNextNameIsTaken) {
     const testing::TemporaryFolder folder;
     put(folder.path() / "a.partial.mov", movie);

@@ -54,8 +54,9 @@ class KilledRecording(RecordingCase):
         with sound.tone(440):
             recording = recorder.Recording(self.folder)
             recording.wait_until_written()
-            # What the path leads to from now on can only be read; the file itself is open elsewhere.
-            subprocess.run(["mount", "-t", "tmpfs", "-o", "ro", "tmpfs", str(self.folder)], check=True)
+            # By its path the folder can only be read from now on; the file is open already.
+            subprocess.run(["mount", "--bind", str(self.folder), str(self.folder)], check=True)
+            subprocess.run(["mount", "-o", "remount,bind,ro", str(self.folder)], check=True)
             try:
                 result = recording.stop()
             finally:

@@ -28,14 +28,14 @@ TEST_F(AudioRecorderStart, takesItsStepsInOrder) {
     ASSERT_GE(calls.size(), 5U);
     EXPECT_TRUE(calls[4].starts_with("makeWriter /recordings/.Vantoro-")) << calls[4];
     calls[4] = "makeWriter";
-    EXPECT_EQ(calls, (std::vector<std::string>{"screen preflight", "microphone status",
-                                               "createFolders /recordings", "displays",
-                                               "makeWriter", "movieFragmentInterval 6000/600",
-                                               "initialMovieFragmentInterval 600/600",
-                                               "add 48000 Hz 2 ch 192000 b/s real-time",
-                                               "add 48000 Hz 1 ch 96000 b/s real-time",
-                                               "makeStream", "addOutput 1 com.vantoro.capture",
-                                               "addOutput 2 com.vantoro.capture", "startCapture"}));
+    EXPECT_EQ(
+        calls,
+        (std::vector<std::string>{
+            "screen preflight", "microphone status", "createFolders /recordings", "displays",
+            "makeWriter", "availableSpace /recordings", "movieFragmentInterval 6000/600",
+            "initialMovieFragmentInterval 600/600", "add 48000 Hz 2 ch 192000 b/s real-time",
+            "add 48000 Hz 1 ch 96000 b/s real-time", "makeStream",
+            "addOutput 1 com.vantoro.capture", "addOutput 2 com.vantoro.capture", "startCapture"}));
 }
 
 TEST_F(AudioRecorderStart, tellsTheWriterWithWhichVolumesItsTracksWillBeMixed) {
@@ -151,6 +151,47 @@ TEST_F(AudioRecorderStart, folderThatCannotBeCreatedFailsWithThatError) {
     EXPECT_FALSE(log.contains("displays"));
 }
 
+TEST_F(AudioRecorderStart, diskWithoutRoomFailsBeforeCaptureIsAskedForAndLeavesNoFile) {
+    fileSystem.available = 5'000'000;
+    EXPECT_EQ(startError(bothSources()), Case::diskTooFull);
+    EXPECT_FALSE(log.contains("makeStream"));
+    EXPECT_TRUE(fileSystem.entries.empty());
+    EXPECT_EQ(startError(microphoneOnly()), std::nullopt) << "which needs less";
+}
+
+TEST_F(AudioRecorderStart, saysAtOnceThatTheRoomIsShort) {
+    std::vector<DiskRoom> told;
+    recorder.onDiskRoom = [&](DiskRoom room) {
+        EXPECT_FALSE(log.contains("startCapture"));
+        told.push_back(room);
+    };
+    fileSystem.available = 20'000'000;
+    recorder.start(bothSources());
+    EXPECT_EQ(told, (std::vector<DiskRoom>{{RoomAdvice::tell, 3}}));
+}
+
+TEST_F(AudioRecorderStart, looksAtTheRoomWheneverAFragmentIsOnTheDisk) {
+    std::vector<DiskRoom> told;
+    recorder.onDiskRoom = [&](DiskRoom room) { told.push_back(room); };
+    recorder.start(bothSources());
+    toolkit.fragmentWritten({48000, 48000}, 0);
+    EXPECT_TRUE(told.empty());
+    fileSystem.available = 126'000'000;
+    toolkit.fragmentWritten({INT64_C(3600) * 48000, 48000}, 0);
+    toolkit.fragmentWritten({INT64_C(3610) * 48000, 48000}, 1'000'000);
+    EXPECT_EQ(told, (std::vector<DiskRoom>{{RoomAdvice::tell, 0}, {RoomAdvice::end, 0}}));
+}
+
+TEST_F(AudioRecorderStart, everyRecordingIsToldOfItsRoomAnew) {
+    int told = 0;
+    recorder.onDiskRoom = [&](DiskRoom) { ++told; };
+    fileSystem.available = 20'000'000;
+    recorder.start(bothSources());
+    EXPECT_EQ(errorOf([&] { recorder.stop(1, 1); }), Case::noAudioCaptured);
+    recorder.start(bothSources());
+    EXPECT_EQ(told, 2);
+}
+
 TEST_F(AudioRecorderStart, unavailableContentFailsWithThatError) {
     content.error = platformError();
     EXPECT_EQ(textOf([&] { recorder.start(bothSources()); }), "the platform's own");
@@ -178,17 +219,33 @@ TEST_F(AudioRecorderStart, writerThatCannotBeCreatedFailsWithThatErrorAndLeavesN
     expectIdle();
 }
 
-TEST_F(AudioRecorderStart, refusedTrackFailsTheSetup) {
+TEST_F(AudioRecorderStart, temporaryFileIsThereBeforeAnythingIsCaptured) {
+    std::size_t files = 0;
+    capture.duringStart = [&] { files = fileSystem.temporaryFiles().size(); };
+    recorder.start(bothSources());
+    EXPECT_EQ(files, 1U);
+    capture.duringStart = nullptr;
+}
+
+TEST_F(AudioRecorderStart, fileThatCannotBeCreatedFailsBeforeCaptureIsAskedFor) {
+    toolkit.writing.creationError = platformError();
+    EXPECT_EQ(textOf([&] { recorder.start(bothSources()); }), "the platform's own");
+    EXPECT_FALSE(log.contains("makeStream"));
+}
+
+TEST_F(AudioRecorderStart, refusedTrackFailsTheSetupAndLeavesNoFile) {
     toolkit.writing.refusedChannelCounts = {2};
     EXPECT_EQ(startError(bothSources()), Case::writerSetupFailed);
     toolkit.writing.refusedChannelCounts = {1};
     EXPECT_EQ(startError(bothSources()), Case::writerSetupFailed);
+    EXPECT_TRUE(fileSystem.entries.empty());
     EXPECT_EQ(startError(systemAudioOnly()), std::nullopt);
 }
 
 TEST_F(AudioRecorderStart, outputThatCannotBeAddedFailsWithThatError) {
     capture.addOutputError = platformError();
     EXPECT_EQ(textOf([&] { recorder.start(bothSources()); }), "the platform's own");
+    EXPECT_TRUE(fileSystem.entries.empty());
     expectIdle();
 }
 

@@ -105,6 +105,7 @@ TEST_F(AudioRecorderStop, stopBeforeAnyBufferFailsWithNoAudioCapturedAndLeavesNo
     recorder.start(bothSources());
     EXPECT_EQ(errorOf([&] { recorder.stop(1, 1); }), Case::noAudioCaptured);
     EXPECT_TRUE(fileSystem.entries.empty());
+    EXPECT_FALSE(recorder.hasKeptRecording());
     EXPECT_TRUE(log.contains("stopCapture"));
     expectIdle();
 }
@@ -189,7 +190,8 @@ TEST_F(AudioRecorderStop, fileThatCannotBeFinishedIsKept) {
     EXPECT_EQ(textOf([&] { recorder.stop(1, 1); }),
               "writerFailed: Unable to finish the recording.");
     EXPECT_EQ(fileSystem.temporaryFiles().size(), 1U);
-    EXPECT_TRUE(log.startingWith("openAsset").empty());
+    EXPECT_TRUE(recorder.hasKeptRecording());
+    EXPECT_TRUE(log.startingWith("export").empty());
     expectIdle();
 }
 
@@ -213,7 +215,9 @@ TEST_F(AudioRecorderStop, failedExportKeepsTheTemporaryFileAndNothingElse) {
     EXPECT_EQ(textOf([&] { recorder.stop(1, 1); }), "the platform's own");
     EXPECT_EQ(fileSystem.entries.size(), 1U);
     EXPECT_EQ(fileSystem.temporaryFiles().size(), 1U);
+    EXPECT_TRUE(recorder.hasKeptRecording());
     expectIdle();
+    EXPECT_FALSE(recorder.hasKeptRecording());
 }
 
 TEST_F(AudioRecorderStop, finalFileWhoseNameCannotBeSyncedIsTakenBack) {
@@ -229,6 +233,18 @@ TEST_F(AudioRecorderStop, temporaryFileThatCannotBeOpenedIsKept) {
     toolkit.exporting.openError = platformError();
     EXPECT_EQ(textOf([&] { recorder.stop(1, 1); }), "the platform's own");
     EXPECT_EQ(fileSystem.temporaryFiles().size(), 1U);
+    EXPECT_FALSE(recorder.hasKeptRecording()) << "as far as anybody can tell";
+}
+
+TEST_F(AudioRecorderStop, fileThatHoldsNoSoundIsNotCalledARecording) {
+    startAndCapture(bothSources());
+    toolkit.writing.statusAfterFinish = FileWriterStatus::failed;
+    for (const MediaTime duration : {MediaTime(), zeroTime}) {
+        toolkit.exporting.duration = duration;
+        EXPECT_EQ(errorOf([&] { recorder.stop(1, 1); }), Case::writerFailed);
+        EXPECT_FALSE(recorder.hasKeptRecording());
+        startAndCapture(bothSources());
+    }
 }
 
 TEST_F(AudioRecorderStop, temporaryFileThatCannotBeRemovedIsNoFailure) {
@@ -316,6 +332,15 @@ TEST_F(AudioRecorderStop, destroyedWhileRecordingKeepsTheTemporaryFile) {
     other.reset();
     EXPECT_EQ(capture.liveStreams, 0);
     EXPECT_EQ(fileSystem.temporaryFiles().size(), 1U);
+}
+
+TEST_F(AudioRecorderStop, destroyedBeforeAnyBufferLeavesNoFile) {
+    auto other = std::make_unique<AudioRecorder>(
+        RecorderPlatform{screen, microphone, content, capture, toolkit, fileSystem, clock});
+    other->start(bothSources());
+    EXPECT_EQ(fileSystem.temporaryFiles().size(), 1U);
+    other.reset();
+    EXPECT_TRUE(fileSystem.entries.empty());
 }
 
 } // namespace

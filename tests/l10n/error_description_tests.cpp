@@ -44,6 +44,10 @@ TEST(ErrorDescriptionTest, everyCaseHasItsTextInEitherLanguage) {
                          "没有采集到音频，请检查已选择的音频来源。"},
              Description{exportFailed, "Vantoro could not create the final M4A file.",
                          "Vantoro 无法创建最终 M4A 文件。"},
+             Description{diskTooFull,
+                         "There is not enough room on the disk for a recording. Free some space, "
+                         "or choose another folder.",
+                         "磁盘空间不足，无法录音。请释放一些空间，或更改录音文件夹。"},
          }) {
         EXPECT_EQ(errorDescription(RecordingError(which), english), inEnglish);
         EXPECT_EQ(errorDescription(RecordingError(which), chinese), inChinese);

@@ -173,6 +173,26 @@ TEST_F(ComposedTextTest, anyOtherNumberOfRecoveredRecordingsIsCountedWithoutGrou
     }
 }
 
+TEST_F(ComposedTextTest, roomThatIsLeftIsCountedInMinutes) {
+    struct Row {
+        std::int64_t minutes;
+        const char* english;
+        const char* chinese;
+    };
+
+    for (const auto& row : {
+             Row{0, "The disk is nearly full: there is room for less than a minute of recording.",
+                 "磁盘空间即将用尽：剩余空间只够录音不到 1 分钟。"},
+             Row{1, "The disk is nearly full: there is room for about 1 minute of recording.",
+                 "磁盘空间即将用尽：剩余空间大约还能录音 1 分钟。"},
+             Row{9, "The disk is nearly full: there is room for about 9 minutes of recording.",
+                 "磁盘空间即将用尽：剩余空间大约还能录音 9 分钟。"},
+         }) {
+        EXPECT_EQ(english.roomLeft(row.minutes), row.english);
+        EXPECT_EQ(chinese.roomLeft(row.minutes), row.chinese);
+    }
+}
+
 TEST_F(ComposedTextTest, newVersionIsInsertedUnchanged) {
     EXPECT_EQ(english.newVersionAvailable("1.2.0"), "Version 1.2.0 is available.");
     EXPECT_EQ(chinese.newVersionAvailable("1.2.0"), "发现新版本 1.2.0。");

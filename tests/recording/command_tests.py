@@ -57,11 +57,8 @@ class CommandLine(RecordingCase):
         self.folder.mkdir()
         subprocess.run(["mount", "-t", "tmpfs", "-o", "ro", "tmpfs", str(self.folder)], check=True)
         self.addCleanup(subprocess.run, ["umount", str(self.folder)], check=True)
-        result = recorder.record(self.folder)
-        self.assertEqual((result.status, result.output), (1, ""), result)
-        cause, consequence = result.errors.splitlines()
-        self.assertIn("Read-only file system", cause)
-        self.assertIn("No audio was captured.", consequence)
+        self.assert_refused(recorder.record(self.folder), 1, "Read-only file system")
+        self.assertEqual(list(self.folder.iterdir()), [])
 
     def test_bothSourcesOffIsRefused(self):
         self.assert_refused(recorder.record(self.folder, "--no-system-audio", "--no-microphone"), 1,

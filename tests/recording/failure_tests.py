@@ -2,6 +2,7 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """What breaks while a recording runs: what was captured is saved or kept, and the user is told."""
 
+import contextlib
 import os
 import shutil
 import signal
@@ -41,37 +42,86 @@ class Failure(RecordingCase):
             result = recording.finish()
         self.assert_saved_with(result, "The microphone was disconnected.", 0.9)
 
-    def record_on_a_small_disk(self, kilobytes, others_file=None):
-        """Records until no further fragment fits, at the latest behind the first when others take the rest."""
+    def mount_a_small_disk(self, megabytes):
         self.folder.mkdir()
-        subprocess.run(["mount", "-t", "tmpfs", "-o", f"size={kilobytes}k", "tmpfs", str(self.folder)], check=True)
+        subprocess.run(["mount", "-t", "tmpfs", "-o", f"size={megabytes}m", "tmpfs", str(self.folder)], check=True)
         self.addCleanup(subprocess.run, ["umount", "-l", str(self.folder)], check=True)
+
+    @contextlib.contextmanager
+    def noise_from_both_sources(self):
         elsewhere = self.folder.parent
         with sound.noise(elsewhere), sound.noise(elsewhere, "--into", sound.MICROPHONE):
+            yield
+
+    def leave_free(self, kilobytes):
+        """Others take the rest of the disk."""
+        status = os.statvfs(self.folder)
+        with (self.folder / "others").open("ab") as others:
+            others.write(bytes(status.f_bavail * status.f_frsize - kilobytes * 1024))
+
+    def record_on_a_disk_that_others_fill(self, kilobytes_left):
+        """Behind the first fragment, so that no further one fits."""
+        self.mount_a_small_disk(64)
+        with self.noise_from_both_sources():
             recording = recorder.Recording(self.folder)
-            if others_file:
-                recording.wait_until_written()
-                subprocess.run(["dd", "if=/dev/zero", f"of={others_file}"], stderr=subprocess.DEVNULL, check=False)
+            recording.wait_until_written()
+            self.leave_free(kilobytes_left)
             return recording.finish()
 
     def test_diskThatFillsUpEndsTheRecordingSaved(self):
-        result = self.record_on_a_small_disk(200)
+        result = self.record_on_a_disk_that_others_fill(100)
         lines = result.errors.splitlines()
         self.assertIn("No space left on device", lines[0])
         self.assertEqual(lines[1:], [SAVED_AFTER_INTERRUPTION])
         path = result.saved()
         self.assertGreater(len(sound.decoded(path)[0]) / sound.RATE, 0.9)
-        self.assertEqual([entry.name for entry in self.folder.iterdir()], [path.name])
+        self.assertEqual({entry.name for entry in self.folder.iterdir()}, {path.name, "others"})
 
     def test_diskWithoutRoomForTheFinalFileKeepsWhatWasCaptured(self):
-        others = self.folder / "others"
-        result = self.record_on_a_small_disk(400, others)
+        result = self.record_on_a_disk_that_others_fill(0)
         self.assertEqual((result.status, result.output), (1, ""))
         self.assertIn("No space left on device", result.errors)
         self.assertIn("checkpoint was kept", result.errors)
         path, = recorder.temporary_files(self.folder)
         self.assertGreater(len(sound.decoded(path)[0]) / sound.RATE, 0.9)
-        self.assertEqual({entry.name for entry in self.folder.iterdir()}, {path.name, others.name})
+        self.assertEqual({entry.name for entry in self.folder.iterdir()}, {path.name, "others"})
+
+    def test_diskThatGetsFullIsToldThenEndsTheRecordingSavedInFull(self):
+        self.mount_a_small_disk(64)
+        with self.noise_from_both_sources():
+            recording = recorder.Recording(self.folder)
+            recording.watch.wait_for_fragments(1)
+            self.leave_free(20 * 1024)
+            recording.watch.wait_for_fragments(1)
+            self.leave_free(2 * 1024)
+            result = recording.finish()
+        self.assertEqual(result.errors.splitlines(),
+                         ["The disk is nearly full: there is room for about 3 minutes of recording.",
+                          "The disk is nearly full, so the recording was ended. What was captured was saved."])
+        path = result.saved()
+        # Told at the second fragment and ended at the third: nothing of what came before is missing.
+        seconds = float(sound.probe(path)["streams"][0]["duration"])
+        self.assertGreater(seconds, 21)
+        left, _ = sound.decoded(path)
+        self.assertAlmostEqual(len(left) / sound.RATE, seconds, delta=0.05)
+        self.assertGreater(sum(end - begin for begin, end in sound.sounding(left, 0.05)), seconds - 1.5)
+        self.assertEqual({entry.name for entry in self.folder.iterdir()}, {path.name, "others"})
+
+    def test_diskWithoutRoomForARecordingIsRefused(self):
+        self.mount_a_small_disk(4)
+        result = recorder.record(self.folder)
+        self.assertEqual((result.status, result.output), (1, ""))
+        self.assertEqual(result.errors.splitlines(), ["There is not enough room on the disk for a recording. "
+                                                      "Free some space, or choose another folder."])
+        self.assertEqual(list(self.folder.iterdir()), [])
+
+    def test_shortRoomIsToldOnceAtTheStart(self):
+        self.mount_a_small_disk(12)
+        with sound.tone(440):
+            result = recorder.record(self.folder, "--seconds", 2)
+        self.assertEqual(result.errors.splitlines(),
+                         ["The disk is nearly full: there is room for about 2 minutes of recording."])
+        result.saved()
 
     def test_folderThatIsRemovedIsMadeAgainForTheRecording(self):
         with sound.tone(440):

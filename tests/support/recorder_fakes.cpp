@@ -37,8 +37,7 @@ std::string textOf(MediaTime time) {
 
 class FakeWriter final : public FileWriter {
 public:
-    FakeWriter(FakeMediaToolkit& toolkit, std::filesystem::path location)
-        : toolkit_(toolkit), location_(std::move(location)) {}
+    explicit FakeWriter(FakeMediaToolkit& toolkit) : toolkit_(toolkit) {}
 
     FakeWriter(const FakeWriter&) = delete;
     FakeWriter& operator=(const FakeWriter&) = delete;
@@ -55,6 +54,10 @@ public:
 
     void setInitialMovieFragmentInterval(MediaTime interval) override {
         toolkit_.log().add("initialMovieFragmentInterval " + textOf(interval));
+    }
+
+    void setOnFragmentWritten(FragmentWrittenCallback callback) override {
+        toolkit_.fragmentWritten = std::move(callback);
     }
 
     bool canAdd(const AudioTrackSettings& settings) const override {
@@ -74,7 +77,6 @@ public:
 
     bool startWriting() override {
         toolkit_.log().add("startWriting");
-        toolkit_.fileSystem().entries.insert(location_);
         status_ =
             toolkit_.writing.startSucceeds ? FileWriterStatus::writing : FileWriterStatus::failed;
         return toolkit_.writing.startSucceeds;
@@ -106,7 +108,6 @@ public:
 
 private:
     FakeMediaToolkit& toolkit_;
-    std::filesystem::path location_;
     std::vector<std::unique_ptr<FakeInput>> inputs_;
     FileWriterStatus status_ = FileWriterStatus::unknown;
     std::thread finisher_;
@@ -408,6 +409,12 @@ std::unique_ptr<OutputFile> FakeFileSystem::createUnnamed(const std::filesystem:
     return std::make_unique<FakeOutputFile>(log_, *this, std::filesystem::path());
 }
 
+std::uint64_t FakeFileSystem::availableSpace(const std::filesystem::path& folder) const {
+    log_.add("availableSpace " + folder.string());
+    throwIfSet(availableSpaceError);
+    return available;
+}
+
 std::unique_ptr<InputFile> FakeFileSystem::open(const std::filesystem::path& /*path*/) {
     throw std::logic_error("the recorder reads no file itself");
 }
@@ -448,7 +455,8 @@ std::vector<std::filesystem::path> FakeFileSystem::temporaryFiles() const {
 std::unique_ptr<FileWriter> FakeMediaToolkit::makeWriter(const std::filesystem::path& location) {
     log_.add("makeWriter " + location.string());
     throwIfSet(writing.creationError);
-    return std::make_unique<FakeWriter>(*this, location);
+    fileSystem_.entries.insert(location);
+    return std::make_unique<FakeWriter>(*this);
 }
 
 std::unique_ptr<Asset> FakeMediaToolkit::openAsset(const std::filesystem::path& location) {

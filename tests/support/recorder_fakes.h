@@ -5,6 +5,7 @@
 #include <exception>
 #include <filesystem>
 #include <functional>
+#include <limits>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -112,6 +113,8 @@ public:
     std::exception_ptr moveError; ///< of names that files take, too
     std::exception_ptr syncFolderError;
     std::exception_ptr listError;
+    std::uint64_t available = std::numeric_limits<std::uint64_t>::max(); ///< bytes, in any folder
+    std::exception_ptr availableSpaceError;
     std::set<std::filesystem::path> locked; ///< by somebody else
 
     /// Puts what a listing, of any folder, names. From any thread, also while one is made.
@@ -133,7 +136,7 @@ public:
     std::unique_ptr<OutputFile> createUnnamed(const std::filesystem::path& folder,
                                               FileAudience audience) override;
 
-    std::uint64_t availableSpace(const std::filesystem::path&) const override { return 0; }
+    std::uint64_t availableSpace(const std::filesystem::path& folder) const override;
 
     std::unique_ptr<InputFile> open(const std::filesystem::path& path) override;
     std::vector<FolderEntry> list(const std::filesystem::path& folder) override;
@@ -181,8 +184,9 @@ public:
 
     WriterBehaviour writing;
     ExportBehaviour exporting;
-    std::size_t inputCount = 0;       ///< of the last writer
-    std::vector<float> exportedGains; ///< of the last export, in track order
+    std::size_t inputCount = 0;              ///< of the last writer
+    FragmentWrittenCallback fragmentWritten; ///< of the last writer
+    std::vector<float> exportedGains;        ///< of the last export, in track order
 
     std::unique_ptr<FileWriter> makeWriter(const std::filesystem::path& location) override;
     std::unique_ptr<Asset> openAsset(const std::filesystem::path& location) override;

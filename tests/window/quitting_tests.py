@@ -30,11 +30,11 @@ class Quitting(WindowCase):
 
     def window_that_records_on_a_full_disk(self):
         """Its first second fits."""
-        subprocess.run(["mount", "-t", "tmpfs", "-o", "size=1m", "tmpfs", str(self.folder)], check=True)
+        subprocess.run(["mount", "-t", "tmpfs", "-o", "size=64m", "tmpfs", str(self.folder)], check=True)
         self.addCleanup(subprocess.run, ["umount", "-l", str(self.folder)], check=True)
         window = self.window_that_records()
         with (self.folder / "filler").open("wb", buffering=0) as filler, contextlib.suppress(OSError):
-            while filler.write(b"\0" * 4096):
+            while filler.write(bytes(65536)):
                 pass
         return window
 

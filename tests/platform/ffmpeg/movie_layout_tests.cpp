@@ -120,15 +120,15 @@ TEST(MovieLayout, everyFragmentIsOneWriteAndOneSync) {
                                         "write", "sync", "reach", "close"}));
 }
 
-TEST(MovieLayout, theFileIsCreatedWhenWritingStartsAndNotBefore) {
+TEST(MovieLayout, theFileIsThereForItsUserAloneBeforeWritingStarts) {
     MemoryFileSystem files;
     ffmpeg::FfmpegToolkit toolkit(files);
     const auto writer = toolkit.makeWriter("movie.mov");
     writer->add(systemTrack);
-    EXPECT_FALSE(files.exists("movie.mov"));
+    EXPECT_EQ(files.journalOf("movie.mov"), std::vector<std::string>{"create"});
+    EXPECT_EQ(files.audience(), FileAudience::userOnly);
     EXPECT_EQ(writer->status(), FileWriterStatus::unknown);
     EXPECT_TRUE(writer->startWriting());
-    EXPECT_TRUE(files.exists("movie.mov"));
     EXPECT_EQ(writer->status(), FileWriterStatus::writing);
     EXPECT_FALSE(writer->canAdd(microphoneTrack));
 }

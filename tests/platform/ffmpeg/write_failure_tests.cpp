@@ -138,11 +138,8 @@ TEST(WriterStart, failsWithTheSystemsTextWhenTheFileCannotBeCreated) {
     MemoryFileSystem files;
     files.put("movie.mov", {});
     ffmpeg::FfmpegToolkit toolkit(files);
-    const auto writer = toolkit.makeWriter("movie.mov");
-    writer->add(systemTrack);
-    EXPECT_FALSE(writer->startWriting());
-    EXPECT_EQ(writer->status(), FileWriterStatus::failed);
-    EXPECT_THAT(writer->errorDescription().value_or(""), HasSubstr("File exists"));
+    EXPECT_THAT([&] { toolkit.makeWriter("movie.mov"); },
+                testing::ThrowsMessage<std::system_error>(HasSubstr("File exists")));
 }
 
 TEST(WriterStart, finishingAWriterThatNeverStartedFails) {
@@ -171,11 +168,38 @@ TEST(WriterBacklog, inputsAreNotReadyWhileTooMuchWaitsForTheDisk) {
     EXPECT_TRUE(input.isReadyForMoreMediaData());
 }
 
+TEST(WriterProgress, isToldWithEachFragmentOnTheDisk) {
+    MemoryFileSystem files;
+    std::vector<std::pair<double, std::uint64_t>> told;
+    {
+        ffmpeg::FfmpegToolkit toolkit(files);
+        const auto writer = toolkit.makeWriter("movie.mov");
+        writer->setOnFragmentWritten([&](MediaTime recorded, std::uint64_t waiting) {
+            EXPECT_EQ(files.journalOf("movie.mov").back(), "sync");
+            told.emplace_back(recorded.seconds(), waiting);
+        });
+        FileWriterInput& input = writer->add(microphoneTrack);
+        ASSERT_TRUE(writer->startWriting());
+        writer->startSession(SoundBuffer::sessionStart);
+        files.setStuck(true);
+        ASSERT_TRUE(input.append(SoundBuffer(0, 12 * second, 1, tone(440, 0.5F)).buffer()));
+        ASSERT_TRUE(files.waitUntilStuck());
+        files.setStuck(false);
+    }
+    ASSERT_EQ(told.size(), 2U);
+    // When the first second is on the disk, ten more have been recorded and wait.
+    EXPECT_NEAR(told[0].first, 11, 0.03);
+    EXPECT_GT(told[0].second, 20'000U);
+    EXPECT_NEAR(told[1].first, 11, 0.03);
+    EXPECT_EQ(told[1].second, 0U);
+}
+
 TEST(FragmentFile, countsWhatWaits) {
     MemoryFileSystem files;
     files.setStuck(true);
     ffmpeg::FragmentFile file(
-        files.create("movie.mov", FileAudience::userOnly), [](const std::string&) {}, [] {});
+        files.create("movie.mov", FileAudience::userOnly), [](const std::string&) {},
+        [](std::size_t) {});
     file.append(std::vector<std::byte>(1000));
     file.append(std::vector<std::byte>(500));
     ASSERT_TRUE(files.waitUntilStuck());

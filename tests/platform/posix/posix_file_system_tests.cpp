@@ -131,6 +131,12 @@ TEST_F(PosixFileSystemTest, readsAtAnyOffsetAndLessOnlyAtTheEnd) {
     EXPECT_EQ(file->readAt(0, {}), 0);
 }
 
+TEST_F(PosixFileSystemTest, roomThatIsNotCountedIsNotCalledNone) {
+    EXPECT_GT(fileSystem.availableSpace(folder.path()), 0U);
+    expectFailure([&] { static_cast<void>(fileSystem.availableSpace("/proc")); },
+                  "Cannot count the free space of proc: " + reason(ENOTSUP));
+}
+
 TEST_F(PosixFileSystemTest, readerSeesAFileGrow) {
     const auto writer = fileSystem.create(in("file"), FileAudience::userOnly);
     const auto reader = fileSystem.open(in("file"));
