@@ -97,7 +97,7 @@ void RecordingViewModel::startRecording() {
     if (!canStart()) {
         return;
     }
-    salvage_.cancel();
+    salvage_.suspend();
     setState(RecordingState::Case::preparing);
     setErrorMessage(std::nullopt);
     setLastRecordingURL(std::nullopt);
@@ -179,6 +179,7 @@ void RecordingViewModel::saved(const std::filesystem::path& recording, StopReaso
     if (const auto key = savedMessageKey(reason)) {
         setErrorMessage(texts_.text(*key));
     }
+    salvage_.resume(values().outputDirectory);
 }
 
 void RecordingViewModel::stopFailed(const std::exception_ptr& error) {

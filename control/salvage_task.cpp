@@ -16,6 +16,7 @@ SalvageTask::~SalvageTask() {
 
 void SalvageTask::start(std::filesystem::path folder) {
     cancel();
+    isSuspended_ = false;
     if (running_) {
         next_ = std::move(folder);
     } else {
@@ -26,6 +27,17 @@ void SalvageTask::start(std::filesystem::path folder) {
 void SalvageTask::cancel() {
     next_.reset();
     stop_.request_stop();
+}
+
+void SalvageTask::suspend() {
+    isSuspended_ = isSuspended_ || next_ || (running_ && !stop_.stop_requested());
+    cancel();
+}
+
+void SalvageTask::resume(std::filesystem::path folder) {
+    if (isSuspended_) {
+        start(std::move(folder));
+    }
 }
 
 void SalvageTask::begin(const std::filesystem::path& folder) {

@@ -19,8 +19,8 @@ namespace vantoro {
 
 /// The salvage of interrupted recordings, one at a time. Main thread.
 ///
-/// An export that is under way when its salvage is cancelled is still finished before the recorder
-/// heeds it. The salvage that follows waits for that: the file would be locked for it.
+/// The recorder takes a moment to heed that a salvage is cancelled. The salvage that follows waits
+/// for that: the file would be locked for it.
 class SalvageTask final : public QObject {
 public:
     using Recordings = std::vector<std::filesystem::path>;
@@ -39,6 +39,13 @@ public:
     /// What this salvage still makes is not told to anybody.
     void cancel();
 
+    /// As `cancel`, until `resume`: something else needs the machine now.
+    void suspend();
+
+    /// Salvages what is in the folder where `suspend` has cut a salvage short and none was started
+    /// since.
+    void resume(std::filesystem::path folder);
+
 private:
     void begin(const std::filesystem::path& folder);
     void finish(const Answer<Recordings>& answer);
@@ -47,6 +54,7 @@ private:
     std::shared_ptr<Recorder> recorder_;
     std::function<void(const Recordings&)> onEnded_;
     bool running_ = false;
+    bool isSuspended_ = false;
     std::stop_source stop_;                     // of the salvage that runs, or ran last
     std::optional<std::filesystem::path> next_; // the folder to turn to when that one has ended
 };

@@ -49,7 +49,8 @@ public:
     virtual bool hasKeptRecording() const = 0;
 
     /// Returns the final files that it made of interrupted recordings in the folder, in order.
-    /// Never throws. A requested stop is honoured between two of them, at the latest.
+    /// Never throws. Returns a moment after a stop was requested, also in the middle of one of
+    /// them, which then stays as it was.
     virtual std::vector<std::filesystem::path>
     recoverIncompleteRecordings(const std::filesystem::path& folder,
                                 const std::stop_token& stop) = 0;

@@ -79,13 +79,78 @@ TEST_F(ViewModelTest, beginsASalvageOnlyWhenTheCancelledOneHasEnded) {
     EXPECT_EQ(recorder.stopRequested, (std::vector<bool>{true, false}));
 }
 
-TEST_F(ViewModelTest, forgetsASalvageThatHasNotBegunWhenARecordingIsStarted) {
+TEST_F(ViewModelTest, doesNotBeginASalvageWhileARecordingIsMade) {
     launch();
     power.wake();
     model->startRecording();
     scheduler.settle();
     EXPECT_EQ(recorder.calls, (std::vector<std::string>{"salvage", "start"}));
     EXPECT_EQ(state(), Case::recording);
+}
+
+TEST_F(ViewModelTest, takesTheSalvageUpAgainThatARecordingHasCutShortOnceThatIsSaved) {
+    launch();
+    model->startRecording();
+    scheduler.settle();
+    ASSERT_EQ(recorder.stopRequested, (std::vector<bool>{true}));
+    recorder.salvaged = three;
+    model->stopRecording();
+    scheduler.runMain();
+    scheduler.runTask();
+    EXPECT_EQ(state(), Case::completed);
+    EXPECT_EQ(lastRecording(), "/music/recorded.m4a");
+    scheduler.settle();
+    EXPECT_EQ(recorder.calls, (std::vector<std::string>{"salvage", "start", "stop", "salvage"}));
+    EXPECT_EQ(recorder.stopRequested, (std::vector<bool>{true, false}));
+    EXPECT_EQ(lastRecording(), "/music/third.m4a");
+}
+
+TEST_F(ViewModelTest, takesUpASalvageAgainThatHadNotBegun) {
+    launch();
+    power.wake();
+    scheduler.runTask(1); // the look at the devices
+    model->startRecording();
+    scheduler.settle();
+    model->stopRecording();
+    scheduler.settle();
+    EXPECT_EQ(recorder.calls, (std::vector<std::string>{"salvage", "start", "stop", "salvage"}));
+}
+
+TEST_F(ViewModelTest, takesASalvageUpAgainOnceOnly) {
+    launch();
+    for (int time = 0; time < 2; ++time) {
+        model->startRecording();
+        scheduler.settle();
+        model->stopRecording();
+        scheduler.settle();
+    }
+    EXPECT_EQ(recorder.calls,
+              (std::vector<std::string>{"salvage", "start", "stop", "salvage", "start", "stop"}));
+}
+
+TEST_F(ViewModelTest, salvagesOnceAfterAFailureThoughItHadCutASalvageShort) {
+    recorder.startError = failure("broken");
+    launch();
+    model->startRecording();
+    scheduler.settle();
+    recorder.startError = nullptr;
+    model->startRecording();
+    scheduler.settle();
+    model->stopRecording();
+    scheduler.settle();
+    EXPECT_EQ(recorder.calls,
+              (std::vector<std::string>{"salvage", "start", "salvage", "start", "stop"}));
+}
+
+TEST_F(ViewModelTest, takesASalvageUpAgainInTheFolderThatWasChosenMeanwhile) {
+    launch();
+    model->startRecording();
+    scheduler.settle();
+    model->chooseOutputDirectory();
+    folderPanel.answer("/elsewhere");
+    model->stopRecording();
+    scheduler.settle();
+    EXPECT_EQ(recorder.foldersSought.back(), "/elsewhere");
 }
 
 TEST_F(ViewModelTest, cancelsASalvageWhenItEnds) {
