@@ -10,6 +10,7 @@
 #include "app/command_line.h"
 #include "app/devices_command.h"
 #include "app/doctor_command.h"
+#include "app/ending.h"
 #include "app/preferences_for_one_run.h"
 #include "app/record_command.h"
 #include "app/recording_platform.h"
@@ -43,7 +44,7 @@ bool print(const std::string& text) {
 /// Carries out one command; the result is the exit status.
 class Program {
 public:
-    explicit Program(StopSignals& signals) : signals_(signals) {}
+    explicit Program(Ending& ending) : ending_(ending) {}
 
     int operator()(const PrintCommand& command) const { return print(command.text) ? 0 : 1; }
 
@@ -70,7 +71,7 @@ public:
         const posix::SystemClock clock;
         const SettingsFile preferences;
         return runRecoverCommand(command, recordingFolderOf(preferences),
-                                 {mediaToolkit, fileSystem, clock}, signals_, L10n(preferences));
+                                 {mediaToolkit, fileSystem, clock}, ending_, L10n(preferences));
     }
 
     int operator()(const DoctorCommand& command) const {
@@ -90,7 +91,7 @@ public:
             preferences.set(Preference::outputDirectory,
                             std::filesystem::absolute(*command.folder).string());
         }
-        RecordRun run(command, signals_, preferences);
+        RecordRun run(command, ending_, preferences);
         RecordingPlatform platform(RecordingPlatform::Meters::none);
         platform.setChosenMicrophone(command.microphoneID);
         RecordingViewModel model(
@@ -105,7 +106,7 @@ private:
                                desktop::defaultRecordingFolder());
     }
 
-    StopSignals& signals_;
+    Ending& ending_;
 };
 
 } // namespace
@@ -117,11 +118,12 @@ int main(int argc, char** argv) {
         // Before anything starts a thread.
         vantoro::posix::keepMemorySmall();
         vantoro::StopSignals signals;
+        vantoro::Ending ending(signals);
         if (argc <= 1) {
-            return vantoro::runWindowCommand(argc, argv, signals);
+            return vantoro::runWindowCommand(argc, argv, ending);
         }
         const QCoreApplication application(argc, argv);
-        return std::visit(vantoro::Program(signals),
+        return std::visit(vantoro::Program(ending),
                           vantoro::parseCommandLine(QCoreApplication::arguments().mid(1)));
     } catch (const std::exception& error) {
         std::cerr << error.what() << "\n";

@@ -7,7 +7,6 @@
 #include <iostream>
 
 #include <QtCore/QCoreApplication>
-#include <QtCore/QSocketNotifier>
 
 #include "app/live_line.h"
 #include "control/transitions.h"
@@ -26,9 +25,8 @@ constexpr double foreverSeconds = 1e9;
 
 } // namespace
 
-RecordRun::RecordRun(const RecordCommand& command, StopSignals& signals,
-                     const Preferences& preferences)
-    : command_(command), signals_(signals), texts_(preferences) {
+RecordRun::RecordRun(const RecordCommand& command, Ending& ending, const Preferences& preferences)
+    : command_(command), ending_(ending), texts_(preferences) {
     endTimer_.setSingleShot(true);
     endTimer_.setTimerType(Qt::PreciseTimer);
     connect(&endTimer_, &QTimer::timeout, this, &RecordRun::waitForTheEnd);
@@ -48,8 +46,10 @@ RecorderDetails RecordRun::details() {
             },
         .onExportProgress =
             [this, onMainThread](double fraction) {
+                ending_.moved();
                 onMainThread([this, fraction] { showSaving(fraction); });
             },
+        .onRecordingSafe = [this] { ending_.moved(); },
     };
 }
 
@@ -67,24 +67,34 @@ int RecordRun::run(RecordingViewModel& model) {
         model.setSelectedMicrophoneID(command_.microphoneID);
     }
     model_ = &model;
-    // Behind the change, not within it: what the answer sets off finds the model at rest.
-    connect(&model, &RecordingProperties::stateChanged, this, &RecordRun::stateChanged,
-            Qt::QueuedConnection);
-    connect(&model, &RecordingProperties::propertyChanged, this, [this, &model](auto property) {
-        if (property == RecordingProperties::Property::errorMessage) {
-            showMessage(model.values());
-        }
-    });
-    const QSocketNotifier signalCame(signals_.descriptor(), QSocketNotifier::Read);
-    connect(&signalCame, &QSocketNotifier::activated, this, [this] {
-        if (signals_.take()) {
-            stopWanted();
-        }
-    });
-    model.startRecording();
-    const int status = QCoreApplication::exec();
+    const int status = runUntilItIsOver();
     model_ = nullptr;
+    ending_.concluded(status);
     return status;
+}
+
+int RecordRun::runUntilItIsOver() {
+    // Behind the change, not within it: what the answer sets off finds the model at rest.
+    connect(model_, &RecordingProperties::stateChanged, this, &RecordRun::stateChanged,
+            Qt::QueuedConnection);
+    connect(model_, &RecordingProperties::stateChanged, this, &RecordRun::followForTheEnd);
+    connect(model_, &RecordingProperties::propertyChanged, this, [this](auto property) {
+        if (property == RecordingProperties::Property::errorMessage) {
+            showMessage(model_->values());
+        }
+    });
+    followForTheEnd();
+    const Ending::Attendance attendance(ending_, [this] {
+        QMetaObject::invokeMethod(this, &RecordRun::stopWanted, Qt::QueuedConnection);
+    });
+    model_->startRecording();
+    return QCoreApplication::exec();
+}
+
+void RecordRun::followForTheEnd() {
+    ending_.moved({.state = model_->values().state.which(),
+                   .folder = model_->values().outputDirectory,
+                   .language = texts_.language()});
 }
 
 void RecordRun::stateChanged() {

@@ -9,7 +9,7 @@
 #include <QtCore/QTimer>
 
 #include "app/command_line.h"
-#include "app/stop_signals.h"
+#include "app/ending.h"
 #include "app/terminal.h"
 #include "control/engine_recorder.h"
 #include "control/recording_view_model.h"
@@ -23,17 +23,19 @@ namespace vantoro {
 class RecordRun final : public QObject {
 public:
     /// All of it outlives the run, which outlives the recorder that its `details` are given to.
-    RecordRun(const RecordCommand& command, StopSignals& signals, const Preferences& preferences);
+    RecordRun(const RecordCommand& command, Ending& ending, const Preferences& preferences);
 
     /// What this run shows beside what the view model knows.
     RecorderDetails details();
 
-    /// Returns the exit status: 0 when a file was saved, else 1.
+    /// Returns the exit status: 0 when a file was saved, else 1. The ending knows it by then.
     int run(RecordingViewModel& model);
 
 private:
     using Clock = std::chrono::steady_clock;
 
+    int runUntilItIsOver();
+    void followForTheEnd();
     void stateChanged();
     void showMessage(const RecordingProperties::Values& values);
     void recordingBegan();
@@ -45,7 +47,7 @@ private:
     int printResult();
 
     const RecordCommand& command_;
-    StopSignals& signals_;
+    Ending& ending_;
     L10n texts_;
     Terminal terminal_;
     RecordingViewModel* model_ = nullptr; // while it runs

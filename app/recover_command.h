@@ -5,7 +5,7 @@
 #include <filesystem>
 
 #include "app/command_line.h"
-#include "app/stop_signals.h"
+#include "app/ending.h"
 #include "engine/salvage.h"
 #include "l10n/l10n.h"
 
@@ -16,6 +16,6 @@ namespace vantoro {
 /// all else on standard error. Returns the exit status: 1 where there is no such folder, or the
 /// result cannot be printed, else 0.
 int runRecoverCommand(const RecoverCommand& command, const std::filesystem::path& defaultFolder,
-                      const SalvagePlatform& platform, StopSignals& signals, const L10n& texts);
+                      const SalvagePlatform& platform, Ending& ending, const L10n& texts);
 
 } // namespace vantoro

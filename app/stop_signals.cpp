@@ -74,8 +74,8 @@ StopSignals::Event StopSignals::wait(std::optional<Clock::time_point> deadline) 
         if (::poll(ready.data(), ready.size(), pollTimeout(deadline)) < 0 && errno != EINTR) {
             throwLast("poll");
         }
-        if (take()) {
-            return Event::signal;
+        if (const auto signal = take()) {
+            return *signal;
         }
         std::uint64_t count = 0;
         if (::read(wakes_, &count, sizeof count) == sizeof count) {
@@ -87,9 +87,13 @@ StopSignals::Event StopSignals::wait(std::optional<Clock::time_point> deadline) 
     }
 }
 
-bool StopSignals::take() noexcept {
+/// One that came.
+std::optional<StopSignals::Event> StopSignals::take() noexcept {
     signalfd_siginfo signal{};
-    return ::read(signals_, &signal, sizeof signal) == sizeof signal;
+    if (::read(signals_, &signal, sizeof signal) != sizeof signal) {
+        return std::nullopt;
+    }
+    return signal.ssi_signo == SIGHUP ? Event::hangUp : Event::signal;
 }
 
 void StopSignals::wake() noexcept {

@@ -15,7 +15,12 @@ namespace vantoro {
 /// all that come from it. Throws std::system_error.
 class StopSignals {
 public:
-    enum class Event : std::uint8_t { signal, wake, deadline };
+    enum class Event : std::uint8_t {
+        signal, ///< SIGINT or SIGTERM
+        hangUp, ///< SIGHUP
+        wake,
+        deadline,
+    };
     using Clock = std::chrono::steady_clock;
 
     StopSignals();
@@ -27,16 +32,12 @@ public:
     /// deadline (never, when there is none).
     Event wait(std::optional<Clock::time_point> deadline);
 
-    /// Can be read from while a signal waits to be taken: for an event loop.
-    int descriptor() const noexcept { return signals_; }
-
-    /// Takes one signal that came; false when none did.
-    bool take() noexcept;
-
     /// Ends the wait in progress, or the next one. Any thread.
     void wake() noexcept;
 
 private:
+    std::optional<Event> take() noexcept;
+
     int signals_ = -1;
     int wakes_ = -1;
 };

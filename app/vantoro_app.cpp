@@ -41,6 +41,7 @@ VantoroApp::VantoroApp(std::unique_ptr<Recorder> recorder, const ControlPlatform
       remoteRecording_(viewModel_, [this](const auto& token) { activate(token); }) {
     AppDelegate::applicationWillFinishLaunching();
     followWindow();
+    followRecording();
     window_.show();
     QTimer::singleShot(longestLaunch, this, &VantoroApp::endLaunch);
 }
@@ -64,6 +65,21 @@ void VantoroApp::followWindow() {
     });
 }
 
+void VantoroApp::followRecording() {
+    const auto tell = [this] {
+        const auto& values = viewModel_.values();
+        platform_.moved(values.state.which(), values.outputDirectory);
+    };
+    connect(&viewModel_, &RecordingProperties::propertyChanged, this,
+            [tell](RecordingProperties::Property property) {
+                using enum RecordingProperties::Property;
+                if (property == state || property == outputDirectory) {
+                    tell();
+                }
+            });
+    tell();
+}
+
 void VantoroApp::activate(const std::string& activationToken) {
     bringToFront(window_, activationToken);
 }
@@ -85,10 +101,15 @@ void VantoroApp::putWindowAway() {
 }
 
 void VantoroApp::quit(IfNotSaved ifNotSaved) {
+    if (ifNotSaved == IfNotSaved::stay) {
+        platform_.quits();
+    }
     savingFirst_.request([this, ifNotSaved](bool saved) {
         if (saved || ifNotSaved == IfNotSaved::end) {
             window_.hide(); // what is still in work may take a moment to end
             platform_.end();
+        } else {
+            platform_.stays();
         }
     });
     if (savingFirst_.isUnderWay()) {

@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <string>
@@ -29,7 +30,11 @@ struct WindowPlatform {
     std::string version;            ///< of this program
     AskForRecord askForRecord;      ///< of the latest version
     std::function<void()> launched; ///< the window stands: what is dear may begin
-    std::function<void()> end;      ///< ends the event loop
+    /// A recording has come a step further, or will go to another folder.
+    std::function<void(RecordingState::Case state, const std::filesystem::path& folder)> moved;
+    std::function<void()> quits; ///< the user wants the program to end
+    std::function<void()> stays; ///< and thinks better of it, since something could not be saved
+    std::function<void()> end;   ///< ends the event loop
 };
 
 /// The program with a window: the three objects that live as long as it does, the window that shows
@@ -63,6 +68,7 @@ public:
 
 private:
     void followWindow();
+    void followRecording();
     /// What the window did not have to wait for.
     void endLaunch();
     /// Out of sight, but not out of reach.

@@ -4,8 +4,9 @@
 
 #include <chrono>
 #include <iostream>
+#include <memory>
 
-#include <QtCore/QSocketNotifier>
+#include <QtCore/QMetaObject>
 #include <QtWidgets/QApplication>
 
 #include "app/network_module.h"
@@ -42,28 +43,42 @@ bool isThereADesktop() {
 /// Everything that a program with a window is made of.
 class WindowRun {
 public:
-    WindowRun(const std::string& sessionBus, ApplicationInstance& instance, StopSignals& signals)
+    WindowRun(const std::string& sessionBus, ApplicationInstance& instance, Ending& ending)
         : notifierArea_(sessionBus),
-          app_(std::make_unique<EngineRecorder>(platform_.forRecorder()),
+          app_(std::make_unique<EngineRecorder>(platform_.forRecorder(), detailsFor(ending)),
                platform_.forControl(preferences_),
                {.statusArea = statusArea_,
                 .desktops = qgetenv("XDG_CURRENT_DESKTOP").toStdString(),
                 .version = VANTORO_VERSION,
                 .askForRecord = askOverLoadedNetwork(),
                 .launched = [this] { platform_.letTasksBegin(); },
+                .moved =
+                    [this, &ending](RecordingState::Case state, const auto& folder) {
+                        ending.moved({.state = state,
+                                      .folder = folder,
+                                      .language = L10n(preferences_).language()});
+                    },
+                .quits = [&ending] { ending.userQuits(); },
+                .stays = [&ending] { ending.userStays(); },
                 .end = [] { QApplication::exit(); }}),
-          signalCame_(signals.descriptor(), QSocketNotifier::Read) {
+          attendance_(ending, [this] { quitOnMainThread(); }) {
         instance.setRequested([this](const auto& request) { carryOut(request); });
-        QObject::connect(&signalCame_, &QSocketNotifier::activated, &app_, [this, &signals] {
-            if (signals.take()) {
-                app_.quit(VantoroApp::IfNotSaved::end);
-            }
-        });
         QObject::connect(qApp, &QGuiApplication::commitDataRequest, &app_,
                          [this] { app_.saveBeforeTheSessionEnds(sessionsPatience); });
     }
 
 private:
+    static RecorderDetails detailsFor(Ending& ending) {
+        return {.onCaptureInterrupted = {},
+                .onExportProgress = [&ending](double /*fraction*/) { ending.moved(); },
+                .onRecordingSafe = [&ending] { ending.moved(); }};
+    }
+
+    void quitOnMainThread() {
+        QMetaObject::invokeMethod(
+            &app_, [this] { app_.quit(VantoroApp::IfNotSaved::end); }, Qt::QueuedConnection);
+    }
+
     void carryOut(const desktop::ApplicationRequest& request) {
         using enum desktop::ApplicationAction;
         if (!request.action) {
@@ -83,12 +98,12 @@ private:
     TrayIconArea trayIconArea_;
     SubstitutedStatusArea statusArea_{notifierArea_, trayIconArea_};
     VantoroApp app_;
-    QSocketNotifier signalCame_;
+    Ending::Attendance attendance_;
 };
 
 } // namespace
 
-int runWindowCommand(int& argc, char** argv, StopSignals& signals) {
+int runWindowCommand(int& argc, char** argv, Ending& ending) {
     if (!isThereADesktop()) {
         std::cerr << "There is no desktop to show a window on. See vantoro --help for what can be "
                      "done without.\n";
@@ -102,16 +117,19 @@ int runWindowCommand(int& argc, char** argv, StopSignals& signals) {
     QApplication::setDesktopFileName(desktop::applicationID);
     QApplication::setQuitOnLastWindowClosed(false);
     const auto sessionBus = desktop::standardBusAddresses().session;
-    ApplicationInstance instance(sessionBus);
-    if (instance.awaitRole(busPatience) == ApplicationInstance::Role::another) {
-        if (instance.activateFirst(token, firstOnesPatience)) {
+    auto instance = std::make_unique<ApplicationInstance>(sessionBus);
+    if (instance->awaitRole(busPatience) == ApplicationInstance::Role::another) {
+        if (instance->activateFirst(token, firstOnesPatience)) {
             return 0;
         }
         std::cerr << "Vantoro is running already, and does not answer.\n";
         return 1;
     }
-    const WindowRun run(sessionBus, instance, signals);
-    return QApplication::exec();
+    const WindowRun run(sessionBus, *instance, ending);
+    const int status = QApplication::exec();
+    ending.concluded(status);
+    instance.reset(); // who starts the program now need not wait for what this run still ends
+    return status;
 }
 
 } // namespace vantoro

@@ -7,7 +7,9 @@
 namespace vantoro {
 
 EngineRecorder::EngineRecorder(const RecorderPlatform& platform, RecorderDetails details)
-    : onInterruptionCause_(std::move(details.onCaptureInterrupted)), recorder_(platform) {
+    : onInterruptionCause_(std::move(details.onCaptureInterrupted)),
+      onRecordingSafe_(std::move(details.onRecordingSafe)),
+      recorder_(platform) {
     recorder_.onExportProgress = std::move(details.onExportProgress);
 }
 
@@ -22,7 +24,12 @@ void EngineRecorder::setCallbacks(RecorderCallbacks callbacks) {
     recorder_.onAudioLevel = std::move(callbacks.onAudioLevel);
     recorder_.onSourceCondition = std::move(callbacks.onSourceCondition);
     recorder_.onDiskRoom = std::move(callbacks.onDiskRoom);
-    recorder_.onRecordingSafe = std::move(callbacks.onRecordingSafe);
+    recorder_.onRecordingSafe = [this, toViewModel = std::move(callbacks.onRecordingSafe)] {
+        if (onRecordingSafe_) {
+            onRecordingSafe_();
+        }
+        toViewModel();
+    };
 }
 
 void EngineRecorder::start(const RecordingOptions& options) {

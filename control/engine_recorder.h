@@ -2,6 +2,8 @@
 
 #pragma once
 
+#include <functional>
+
 #include "control/ports/recorder.h"
 #include "engine/audio_recorder.h"
 
@@ -11,7 +13,8 @@ namespace vantoro {
 /// threads; each may be empty.
 struct RecorderDetails {
     CaptureInterruptedCallback onCaptureInterrupted; ///< why, before the view model hears of it
-    ExportProgress onExportProgress;
+    ExportProgress onExportProgress;                 ///< of a stop and of salvage
+    std::function<void()> onRecordingSafe;           ///< before the view model hears of it
 };
 
 /// The engine's recorder, for the view model to control.
@@ -30,6 +33,7 @@ public:
 
 private:
     CaptureInterruptedCallback onInterruptionCause_;
+    std::function<void()> onRecordingSafe_;
     AudioRecorder recorder_;
 };
 

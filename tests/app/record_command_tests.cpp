@@ -4,6 +4,8 @@
 
 #include <csignal>
 #include <functional>
+#include <mutex>
+#include <optional>
 
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -37,6 +39,14 @@ protected:
     AudioLevelStore levels;
     std::string output;
     std::string errors;
+    std::mutex mutex;
+    std::optional<int> endedAtOnce; ///< the status; guarded by mutex
+    std::string saidAtTheEnd;       ///< guarded by mutex
+    Ending ending{signals, [this](int status, const std::string& text) {
+                      const std::scoped_lock lock(mutex);
+                      endedAtOnce = status;
+                      saidAtTheEnd = text;
+                  }};
 
     /// Runs the command; `meanwhile` happens once capture has been started.
     int run(const std::function<void()>& meanwhile) {
@@ -56,7 +66,7 @@ protected:
 
 private:
     int runWithViewModel() {
-        RecordRun recordRun(command, signals, preferences);
+        RecordRun recordRun(command, ending, preferences);
         QtScheduler scheduler;
         auto engine = std::make_unique<EngineRecorder>(
             RecorderPlatform{screen, microphone, content, capture, toolkit, fileSystem, clock},

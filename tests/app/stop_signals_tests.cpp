@@ -19,9 +19,11 @@ auto longAway() {
 
 TEST(StopSignals, everySignalThatEndsAProgramIsAnEvent) {
     StopSignals signals;
-    for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
+    for (const auto& [number, event] :
+         {std::pair{SIGINT, Event::signal}, std::pair{SIGTERM, Event::signal},
+          std::pair{SIGHUP, Event::hangUp}}) {
         ASSERT_EQ(::kill(::getpid(), number), 0);
-        EXPECT_EQ(signals.wait(longAway()), Event::signal) << number;
+        EXPECT_EQ(signals.wait(longAway()), event) << number;
     }
 }
 

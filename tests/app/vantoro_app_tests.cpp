@@ -2,7 +2,9 @@
 
 #include "app/vantoro_app.h"
 
+#include <filesystem>
 #include <optional>
+#include <vector>
 
 #include <QtCore/QTimer>
 #include <QtWidgets/QApplication>
@@ -24,6 +26,9 @@ protected:
     FakeStatusArea area;
     int launches = 0;
     int ends = 0;
+    int quits = 0;            ///< that were not called off
+    std::vector<Case> states; ///< of recording, as they were told
+    std::filesystem::path recordingFolder;
     std::optional<VantoroApp> app;
 
     VantoroAppTest() { area.available = true; }
@@ -35,6 +40,13 @@ protected:
                                    .version = "1.2.3",
                                    .askForRecord = {},
                                    .launched = [this] { ++launches; },
+                                   .moved =
+                                       [this](Case state, const auto& folder) {
+                                           states.push_back(state);
+                                           recordingFolder = folder;
+                                       },
+                                   .quits = [this] { ++quits; },
+                                   .stays = [this] { --quits; },
                                    .end = [this] { ++ends; }});
         scheduler.settle();
     }
@@ -187,11 +199,27 @@ TEST_F(VantoroAppTest, quittingStaysWithWhatCouldNotBeSaved) {
     startRecording();
     recorder.stopError = failure("disk full");
     app->quit(VantoroApp::IfNotSaved::stay);
+    EXPECT_EQ(quits, 1);
     settle();
     EXPECT_EQ(ends, 0);
+    EXPECT_EQ(quits, 0);
     EXPECT_TRUE(window().isVisible());
     app->quit(VantoroApp::IfNotSaved::stay);
     EXPECT_EQ(ends, 1);
+    EXPECT_EQ(quits, 1);
+}
+
+TEST_F(VantoroAppTest, whatMovesIsToldToWhoeverEndsTheProgram) {
+    start();
+    EXPECT_EQ(states, std::vector<Case>{Case::idle});
+    EXPECT_EQ(recordingFolder, "/home/somebody/Movies/Vantoro");
+    startRecording();
+    settle();
+    EXPECT_EQ(states, (std::vector<Case>{Case::idle, Case::preparing, Case::recording}));
+    app->quit(VantoroApp::IfNotSaved::stay);
+    settle();
+    EXPECT_EQ(states, (std::vector<Case>{Case::idle, Case::preparing, Case::recording,
+                                         Case::processing, Case::completed}));
 }
 
 TEST_F(VantoroAppTest, aSignalEndsTheProgramEvenIfThatCouldNotBeSaved) {

@@ -4,7 +4,6 @@
 
 import os
 import pty
-import signal
 import sys
 from pathlib import Path
 
@@ -29,15 +28,6 @@ class EndedSession(RecordingCase):
         left, _ = sound.decoded(result.saved())
         self.assertGreater(sound.usual_amplitude(left, 440, 0.2, 0.9), 0.2)
         self.assertEqual(recorder.temporary_files(self.folder), [])
-
-    def test_secondTerminationDoesNotBreakTheSaving(self):
-        with sound.tone(440):
-            recording = recorder.Recording(self.folder)
-            recording.wait_until_written()
-            os.kill(recording.pid, signal.SIGTERM)
-            result = recording.stop(signal.SIGTERM)
-        left, _ = sound.decoded(result.saved())
-        self.assertGreater(len(left) / sound.RATE, 0.9)
 
 
 if __name__ == "__main__":

@@ -1,0 +1,24 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+"""A disk that does not answer any more, for a program that is started with this environment."""
+
+from pathlib import Path
+
+from recorder import IN_CREATE, PROGRAM, FolderWatch
+
+LIBRARY = Path(PROGRAM).parent / "tests/support/libhanging_calls.so"
+
+
+class HangingDisk:
+    """From a call's given time on, it never returns on what lies in the folder."""
+
+    def __init__(self, folder, place, call, time=1):
+        self._mark = Path(place) / "hangs"
+        self._watch = FolderWatch(place)
+        self.environment = {"LD_PRELOAD": str(LIBRARY), "VANTORO_HANG_CALL": call, "VANTORO_HANG_FROM": str(time),
+                            "VANTORO_HANG_UNDER": str(folder), "VANTORO_HANG_MARK": str(self._mark)}
+
+    def close(self):
+        self._watch.close()
+
+    def wait_until_it_hangs(self):
+        self._watch.wait_for(lambda mask, name: mask & IN_CREATE and name == self._mark.name, 40)
