@@ -107,6 +107,25 @@ TEST_F(EngineRecorderTest, failsAsTheEngineDoes) {
     EXPECT_TRUE(log.contains("screen request")) << ::testing::PrintToString(log.calls());
 }
 
+TEST_F(EngineRecorderTest, tellsOfEachStepOfAStopBesideTheViewModel) {
+    std::vector<std::string> steps;
+    EngineRecorder engine(
+        RecorderPlatform{screen, microphone, content, capture, toolkit, fileSystem, clock},
+        {.onCaptureInterrupted = {},
+         .onExportProgress = [&](double) { steps.emplace_back("exported"); },
+         .onRecordingSafe = [&] { steps.emplace_back("safe"); }});
+    engine.setCallbacks({.onCaptureInterrupted = {},
+                         .onAudioLevel = {},
+                         .onSourceCondition = {},
+                         .onRecordingSafe = [&] { steps.emplace_back("told the view model"); }});
+    engine.start({true, true, std::nullopt, "/recordings"});
+    capture.deliver(bufferAt(0), StreamOutputType::audio);
+    engine.stop(1, 1);
+    ASSERT_GE(steps.size(), 2U);
+    EXPECT_EQ(steps.at(0), "safe");
+    EXPECT_EQ(steps.at(1), "told the view model");
+}
+
 TEST_F(EngineRecorderTest, salvages) {
     fileSystem.leave("/recordings/left.partial.mov");
     toolkit.exporting.trackCount = 2;

@@ -110,6 +110,56 @@ class Quitting(WindowCase):
         self.assertEqual(window.program.finish(), 0)
         self.assert_first_second_is_kept()
 
+    def window_that_prepares_on_a_disk_that_hangs(self):
+        self.folder.rmdir()
+        disk = self.hang("mkdir")
+        window = self.open_window(**disk.environment)
+        self.wait_until_ready(window)
+        press_keys("ctrl+r")
+        disk.wait_until_it_hangs()
+        window.text(ENGLISH["preparing"])
+        return window
+
+    def window_that_records_on_a_disk_that_hangs(self):
+        self.enterContext(sound.tone(440))
+        disk = self.hang("fdatasync")
+        window = self.open_window(**disk.environment)
+        self.record(window)
+        disk.wait_until_it_hangs()
+        return window
+
+    def assert_ends_without_a_recording(self, window):
+        self.assertEqual(self.assert_ends_soon(window.program), 1)
+        self.assertIn(f"the folder {self.folder}, the sound server or the desktop does not answer",
+                      window.program.errors)
+
+    def assert_ends_with_what_was_written(self, window):
+        self.assertEqual(self.assert_ends_soon(window.program), 1)
+        self.assertIn(f"What has reached the disk is kept in a temporary file in {self.folder}.",
+                      window.program.errors)
+        self.assert_first_second_is_kept()
+
+    def test_quittingWhilePreparingHangsEndsSoon(self):
+        window = self.window_that_prepares_on_a_disk_that_hangs()
+        press_keys("ctrl+q")
+        self.assert_ends_without_a_recording(window)
+
+    def test_terminationWhilePreparingHangsEndsSoon(self):
+        window = self.window_that_prepares_on_a_disk_that_hangs()
+        window.program.send(signal.SIGTERM)
+        self.assert_ends_without_a_recording(window)
+
+    def test_quittingWhileSavingHangsEndsSoon(self):
+        window = self.window_that_records_on_a_disk_that_hangs()
+        press_keys("ctrl+q")
+        window.text(ENGLISH["saving"])
+        self.assert_ends_with_what_was_written(window)
+
+    def test_terminationWhileSavingHangsEndsSoon(self):
+        window = self.window_that_records_on_a_disk_that_hangs()
+        window.program.send(signal.SIGTERM)
+        self.assert_ends_with_what_was_written(window)
+
     def assert_first_second_is_kept(self):
         path, = recorder.temporary_files(self.folder)
         self.assertGreater(len(sound.decoded(path)[0]) / sound.RATE, 0.9)

@@ -4,9 +4,11 @@
 import contextlib
 import os
 import re
+import signal
 import subprocess
 import sys
 import tempfile
+import time
 import unittest
 from pathlib import Path
 
@@ -16,10 +18,12 @@ import recorder  # noqa: E402
 import sound  # noqa: E402
 from accessible import ScreenReader  # noqa: E402
 from events import wait_for  # noqa: E402
+from hanging_disk import HangingDisk  # noqa: E402
 from screen import Screen  # noqa: E402
 from texts import ENGLISH  # noqa: E402
 
 SECONDS_TO_END = 60
+DYING_RECORDER = Path(recorder.PROGRAM).parent / "tests/crash/dying_recorder"
 ELAPSED_TIME = re.compile(r"\d\d:\d\d")
 
 
@@ -93,16 +97,35 @@ class WindowCase(unittest.TestCase):
         file.parent.mkdir(parents=True, exist_ok=True)
         file.write_text("".join(["[General]\n", *(f"{key}={value}\n" for key, value in preferences.items())]))
 
-    def start_program(self):
+    def start_program(self, **additions):
+        """With what it finds in its environment besides."""
         environment = {name: value for name, value in os.environ.items() if not name.startswith("XDG_")}
-        environment.update(HOME=str(self.home), XDG_RUNTIME_DIR=os.environ["XDG_RUNTIME_DIR"])
+        environment.update(HOME=str(self.home), XDG_RUNTIME_DIR=os.environ["XDG_RUNTIME_DIR"], **additions)
         program = Program(environment)
         self.addCleanup(program.kill)
         return program
 
-    def open_window(self):
+    def open_window(self, **additions):
         """The window of a program that is started for it, in front."""
-        return Window(self.start_program(), self.reader, self.screen)
+        return Window(self.start_program(**additions), self.reader, self.screen)
+
+    def hang(self, call, time=1):
+        """The disk of the recording folder, which does not answer from this call on."""
+        disk = HangingDisk(self.folder, self.home, call, time)
+        self.addCleanup(disk.close)
+        return disk
+
+    def assert_ends_soon(self, program, seconds=5):
+        """The exit status."""
+        begin = time.monotonic()
+        status = program.finish()
+        self.assertLess(time.monotonic() - begin, seconds)
+        return status
+
+    def leave_interrupted_recording(self, seconds):
+        """As of a program that was killed."""
+        command = [DYING_RECORDER, self.folder, str(seconds * sound.RATE), "safe"]
+        self.assertEqual(subprocess.run(command, check=False).returncode, -signal.SIGKILL)
 
     def add_microphone(self, name):
         """One more, of a name without spaces."""
