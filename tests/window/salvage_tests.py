@@ -42,6 +42,16 @@ class Salvage(WindowCase):
         self.addCleanup(watch.close)
         return watch
 
+    def test_quittingWhileSalvageGoesOnEndsAtOnceAndLeavesItForTheNextStart(self):
+        self.leave_interrupted_recording(LONG)
+        before = list(self.folder.iterdir())
+        watch = self.watch()
+        window = self.open_window()
+        self.until_exporting(watch)
+        press_keys("ctrl+q")
+        self.assertEqual(self.assert_ends_soon(window.program, seconds=1.5), 0)
+        self.assertEqual(list(self.folder.iterdir()), before)
+
     def test_recordingCutsSalvageShortWhichIsTakenUpAgainBehindIt(self):
         self.leave_interrupted_recording(LONG)
         self.enterContext(sound.tone(440))
