@@ -9,6 +9,7 @@ namespace vantoro {
 bool EndingAccount::asked(EndingRequest request, TimePoint now) {
     if (!isAsked() && !status_) {
         lastMove_ = now;
+        isUnheard_ = !isAttended_;
     }
     if (request == EndingRequest::quitting) {
         isQuitting_ = true;
@@ -30,8 +31,7 @@ EndingStep EndingAccount::step(TimePoint now) const {
     if (!isAsked() && !status_) {
         return EndingStep::goOn;
     }
-    const bool isAwaited = isAttended_ || status_;
-    return isImpatient_ || !isAwaited || now - lastMove_ >= longestStandstill
+    return isImpatient_ || isUnheard_ || now - lastMove_ >= longestStandstill
                ? EndingStep::endAtOnce
                : EndingStep::wait;
 }

@@ -70,6 +70,7 @@ private:
     bool isAttended_ = false;
     bool isQuitting_ = false;
     bool isSignalled_ = false; // or hung up
+    bool isUnheard_ = false;   // asked for when nobody attended
     bool isImpatient_ = false;
     std::optional<TimePoint> firstSignal_; // SIGINT or SIGTERM
     TimePoint lastMove_;                   // the request, or what moved since

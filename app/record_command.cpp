@@ -69,7 +69,6 @@ int RecordRun::run(RecordingViewModel& model) {
     model_ = &model;
     const int status = runUntilItIsOver();
     model_ = nullptr;
-    ending_.concluded(status);
     return status;
 }
 
@@ -88,7 +87,9 @@ int RecordRun::runUntilItIsOver() {
         QMetaObject::invokeMethod(this, &RecordRun::stopWanted, Qt::QueuedConnection);
     });
     model_->startRecording();
-    return QCoreApplication::exec();
+    const int status = QCoreApplication::exec();
+    ending_.concluded(status);
+    return status;
 }
 
 void RecordRun::followForTheEnd() {

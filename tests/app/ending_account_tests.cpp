@@ -195,6 +195,10 @@ TEST(EndingAccountTest, whereNobodyAttendsASignalEndsAtOnce) {
              Row{"signal", {{0, signal}}, 0, endAtOnce},
              Row{"hang-up", {{0, hangUp}}, 0, endAtOnce},
              Row{"no longer attended", {{0, attended}, {1, left}, {5, signal}}, 5, endAtOnce},
+             Row{"asked while it was attended",
+                 {{0, attended}, {1, signal}, {5, left}},
+                 4000,
+                 wait},
          }) {
         expectRow(row);
     }
