@@ -8,8 +8,8 @@
 
 namespace vantoro {
 
-/// While it lives the machine does not suspend for want of a user, and puts off any other sleep for
-/// as long as the system allows. Main thread.
+/// While it lives the machine does not suspend for want of a user, and puts off any other sleep,
+/// and its shutdown, for as long as the system allows. Main thread.
 class SleepHold {
 public:
     virtual ~SleepHold() = default;
@@ -26,7 +26,8 @@ class PowerManagement {
 public:
     virtual ~PowerManagement() = default;
 
-    /// Both are called on the main thread.
+    /// Both are called on the main thread; `willSleep` also before a shutdown, which no `didWake`
+    /// follows even where it is called off.
     virtual std::unique_ptr<PowerObservation> observe(std::function<void()> willSleep,
                                                       std::function<void()> didWake) = 0;
 

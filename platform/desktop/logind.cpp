@@ -21,9 +21,11 @@ bool askToInhibit(BusConnection& systemBus, const std::string& owner, const Logi
         {wanted.what, "Vantoro", wanted.reason, wanted.mode}, std::move(answered));
 }
 
-Logind::Logind(BusConnection& systemBus, std::function<void(bool)> prepareForSleep)
+Logind::Logind(BusConnection& systemBus, std::function<void(bool)> prepareForSleep,
+               std::function<void(bool)> prepareForShutdown)
     : bus_(systemBus), owner_(systemBus, service, [this] { takeAll(); }) {
-    observeSleep(std::move(prepareForSleep));
+    observe("PrepareForSleep", std::move(prepareForSleep));
+    observe("PrepareForShutdown", std::move(prepareForShutdown));
 }
 
 std::shared_ptr<LogindInhibitor> Logind::inhibit(std::string what, std::string reason,
@@ -48,13 +50,13 @@ void Logind::takeAll() {
     }
 }
 
-void Logind::observeSleep(std::function<void(bool)> prepareForSleep) {
+void Logind::observe(const std::string& signal, std::function<void(bool)> prepare) {
     bus_.listen("type='signal',sender='" + service + "',path='" + path + "',interface='" + manager +
-                    "',member='PrepareForSleep'",
-                [this, tell = std::move(prepareForSleep)](BusMessage& signal) {
-                    const auto sleeping = signal.readFlag();
-                    if (signal.sender() == owner_.name() && sleeping) {
-                        tell(*sleeping);
+                    "',member='" + signal + "'",
+                [this, tell = std::move(prepare)](BusMessage& message) {
+                    const auto begins = message.readFlag();
+                    if (message.sender() == owner_.name() && begins) {
+                        tell(*begins);
                     }
                 });
 }

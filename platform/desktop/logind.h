@@ -35,9 +35,12 @@ bool askToInhibit(BusConnection& systemBus, const std::string& owner, const Logi
 /// may come yet. Main thread.
 class Logind {
 public:
-    /// `prepareForSleep` is called by the bus: true before a sleep, false after it. The bus must
-    /// end together with this object: it does not forget what it was given.
-    Logind(BusConnection& systemBus, std::function<void(bool)> prepareForSleep);
+    /// Both are called by the bus. `prepareForSleep`: true before a sleep, false after it;
+    /// `prepareForShutdown`: true before the machine is switched off or started anew, false when
+    /// that was called off. The bus must end together with this object: it does not forget what it
+    /// was given.
+    Logind(BusConnection& systemBus, std::function<void(bool)> prepareForSleep,
+           std::function<void(bool)> prepareForShutdown);
 
     /// Taken as soon as there is a login manager, and again whenever another takes its place.
     /// `mode` is "delay" or "block".
@@ -46,7 +49,7 @@ public:
 
 private:
     void takeAll();
-    void observeSleep(std::function<void(bool)> prepareForSleep);
+    void observe(const std::string& signal, std::function<void(bool)> prepare);
     void take(const std::shared_ptr<LogindInhibitor>& inhibitor);
 
     BusConnection& bus_;

@@ -42,11 +42,13 @@ public:
     explicit Services(const BusAddresses& buses)
         : systemBus_(buses.system),
           sessionBus_(buses.session),
-          logind_(systemBus_, [this](bool sleeping) {
-              for (auto* const observation : observations_) {
-                  observation->tell(sleeping);
-              }
-          }) {}
+          logind_(
+              systemBus_, [this](bool sleeping) { tell(sleeping); },
+              [this](bool shuttingDown) {
+                  if (shuttingDown) { // called off, it leaves nothing to do
+                      tell(true);
+                  }
+              }) {}
 
     Logind& logind() { return logind_; }
 
@@ -57,6 +59,12 @@ public:
     void remove(Observation* observation) { observations_.erase(observation); }
 
 private:
+    void tell(bool sleeping) {
+        for (auto* const observation : observations_) {
+            observation->tell(sleeping);
+        }
+    }
+
     BusConnection systemBus_;
     BusConnection sessionBus_;
     std::set<Observation*> observations_;
@@ -82,6 +90,7 @@ public:
          std::chrono::milliseconds portalPatience)
         : services_(std::move(services)),
           sleep_(services_->logind().inhibit("sleep", reason, "delay")),
+          shutdown_(services_->logind().inhibit("shutdown", reason, "delay")),
           portal_(services_->sessionBus(), reason, portalPatience, [this, reason] {
               idle_ = services_->logind().inhibit("idle", reason, "block");
           }) {}
@@ -93,6 +102,8 @@ public:
 private:
     std::shared_ptr<Services> services_;
     std::shared_ptr<LogindInhibitor> sleep_;
+    // Apart from the former: a user may be allowed one and not the other.
+    std::shared_ptr<LogindInhibitor> shutdown_;
     std::shared_ptr<LogindInhibitor> idle_; // where the portal does not do it
     PortalInhibition portal_;
 };

@@ -20,8 +20,9 @@ struct BusAddresses {
 /// As programs are told in their environment, otherwise the places that are agreed upon.
 BusAddresses standardBusAddresses();
 
-/// The login manager's sleep and wake, and what it and the desktop portal do to hold them off.
-/// Where these are missing, nothing is observed and nothing held off.
+/// The login manager's sleep and wake, and what it and the desktop portal do to hold them off. A
+/// shutdown is held off, and told of, as a sleep that nothing wakes from. Where these are missing,
+/// nothing is observed and nothing held off.
 ///
 /// Never keeps the main thread waiting, and wakes it only when there is something to do. What it
 /// returns may live longer than it, and then goes on working.

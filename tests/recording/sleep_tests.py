@@ -1,8 +1,9 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""The machine goes to sleep while a recording runs: it waits for the sound, which is saved."""
+"""The machine goes to sleep, or is switched off, while a recording runs: it waits for the sound, which is saved."""
 
 import os
+import signal
 import subprocess
 import sys
 import time
@@ -17,6 +18,7 @@ from case import RecordingCase, main  # noqa: E402
 
 LOGIN = "org.freedesktop.login1"
 SECONDS_THAT_LOGIND_GRANTS = 5
+SECONDS_TO_SAVE = 15
 
 
 class Logind:
@@ -44,16 +46,19 @@ class Logind:
             process.wait()
         self._daemon.stdout.close()
 
-    def delays(self):
-        """Who puts off sleep, and why."""
+    def delays(self, of="sleep"):
+        """Who puts it off, and why."""
         return [(str(who), str(why)) for what, who, why, mode, _, _ in self._manager.ListInhibitors()
-                if (what, mode) == ("sleep", "delay")]
+                if (what, mode) == (of, "delay")]
 
-    def wait_for_delays(self, count):
-        self._wait_until(lambda: len(self.delays()) == count)
+    def wait_for_delays(self, count, of="sleep"):
+        self._wait_until(lambda: len(self.delays(of)) == count)
 
     def say_that_sleep_begins(self):
         self._control.EmitSignal(f"{LOGIN}.Manager", "PrepareForSleep", "b", [True])
+
+    def say_that_shutdown_begins(self):
+        self._control.EmitSignal(f"{LOGIN}.Manager", "PrepareForShutdown", "b", [True])
 
     @staticmethod
     def _wait_until(condition):
@@ -86,12 +91,34 @@ class Sleep(RecordingCase):
         left, _ = sound.decoded(result.saved())
         self.assertGreater(sound.usual_amplitude(left, 440, 0.2, 0.9), 0.2)
 
-    def test_nothingPutsOffSleepOnceTheRecordingIsSaved(self):
+    def test_shutdownWaitsForTheSoundWhichIsSaved(self):
+        self.assert_shutdown_waits(lambda recording: recording.finish())
+
+    def test_shutdownThatAlsoEndsTheSessionWaitsForTheSoundWhichIsSaved(self):
+        self.assert_shutdown_waits(lambda recording: recording.stop(signal.SIGTERM))
+
+    def assert_shutdown_waits(self, end):
+        with sound.tone(440):
+            recording = recorder.Recording(self.folder, env=self.logind.environment)
+            recording.wait_until_written()
+            self.logind.wait_for_delays(1, of="shutdown")
+            self.assertEqual(self.logind.delays(of="shutdown"), [("Vantoro", "Recording")])
+            self.logind.say_that_shutdown_begins()
+            before = time.monotonic()
+            result = end(recording)
+            self.logind.wait_for_delays(0, of="shutdown")
+            self.assertLess(time.monotonic() - before, SECONDS_TO_SAVE)
+        left, _ = sound.decoded(result.saved())
+        self.assertGreater(sound.usual_amplitude(left, 440, 0.2, 0.9), 0.2)
+
+    def test_nothingPutsOffSleepOrShutdownOnceTheRecordingIsSaved(self):
         recording = recorder.Recording(self.folder, env=self.logind.environment)
         recording.wait_until_written()
         self.logind.wait_for_delays(1)
+        self.logind.wait_for_delays(1, of="shutdown")
         recording.stop().saved()
         self.logind.wait_for_delays(0)
+        self.logind.wait_for_delays(0, of="shutdown")
 
 
 if __name__ == "__main__":

@@ -85,6 +85,11 @@ void MockLogind::prepareForSleep(bool sleeping) const {
          {manager, "PrepareForSleep", "b", QVariantList{sleeping}});
 }
 
+void MockLogind::prepareForShutdown(bool shuttingDown) const {
+    call("org.freedesktop.DBus.Mock", "EmitSignal",
+         {manager, "PrepareForShutdown", "b", QVariantList{shuttingDown}});
+}
+
 QDBusMessage MockLogind::call(const QString& interface, const QString& method,
                               const QVariantList& arguments) const {
     auto question =

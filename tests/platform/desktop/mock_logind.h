@@ -29,6 +29,7 @@ public:
     /// Whether these come to be in force, and no others.
     bool comesToHave(const QStringList& expected) const;
     void prepareForSleep(bool sleeping) const;
+    void prepareForShutdown(bool shuttingDown) const;
 
 private:
     QDBusMessage call(const QString& interface, const QString& method,

@@ -20,8 +20,9 @@ namespace vantoro::testing {
 /// Power management on buses that nothing else is on.
 class PowerManagementTest : public ::testing::Test {
 protected:
-    const QStringList sleepOnly{"sleep, Vantoro, recording, delay"};
-    const QStringList sleepAndIdle{"idle, Vantoro, recording, block", sleepOnly.front()};
+    const QStringList sleepOnly{"shutdown, Vantoro, recording, delay",
+                                "sleep, Vantoro, recording, delay"};
+    const QStringList sleepAndIdle = QStringList("idle, Vantoro, recording, block") + sleepOnly;
     PrivateBus systemBus;
     PrivateBus sessionBus;
     std::chrono::milliseconds portalPatience = std::chrono::minutes(10); // unless it is the subject

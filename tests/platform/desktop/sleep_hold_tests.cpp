@@ -60,8 +60,10 @@ TEST_F(SleepHoldTest, eachHoldIsOneOfItsOwn) {
     start();
     auto first = hold();
     const auto second = power->holdOffSleep("saving");
-    const QStringList ofSecond{"idle, Vantoro, saving, block", "sleep, Vantoro, saving, delay"};
-    const QStringList all{sleepAndIdle[0], ofSecond[0], sleepAndIdle[1], ofSecond[1]};
+    const QStringList ofSecond{"idle, Vantoro, saving, block", "shutdown, Vantoro, saving, delay",
+                               "sleep, Vantoro, saving, delay"};
+    auto all = sleepAndIdle + ofSecond;
+    all.sort();
     EXPECT_TRUE(logind.comesToHave(all));
     first.reset();
     EXPECT_TRUE(logind.comesToHave(ofSecond));
@@ -76,6 +78,20 @@ TEST_F(SleepHoldTest, sleepWaitsUntilItsObserverIsReady) {
     const auto observation = power->observe([&] { sleeping = true; }, [] {});
     logind.prepareForSleep(true);
     EXPECT_TRUE(EventLoop::runUntil([&] { return sleeping; }));
+    EXPECT_EQ(logind.inhibitors(), sleepAndIdle); // the recording is being finished
+    held.reset();
+    EXPECT_TRUE(logind.comesToHave({}));
+}
+
+TEST_F(SleepHoldTest, shutdownWaitsUntilItsObserverIsReady) {
+    const MockLogind logind(systemBus);
+    start();
+    auto held = hold();
+    ASSERT_TRUE(logind.comesToHave(sleepAndIdle));
+    bool ending = false;
+    const auto observation = power->observe([&] { ending = true; }, [] {});
+    logind.prepareForShutdown(true);
+    EXPECT_TRUE(EventLoop::runUntil([&] { return ending; }));
     EXPECT_EQ(logind.inhibitors(), sleepAndIdle); // the recording is being finished
     held.reset();
     EXPECT_TRUE(logind.comesToHave({}));

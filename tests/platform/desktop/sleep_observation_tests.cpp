@@ -67,6 +67,16 @@ TEST_F(SleepObservationTest, sleepAndWakeAreHeardOnceEachOnTheMainThread) {
     EXPECT_EQ(threads, std::vector(3, std::this_thread::get_id()));
 }
 
+TEST_F(SleepObservationTest, shutdownIsHeardAsASleepWithoutAWake) {
+    const auto observation = observe(heard);
+    awaitConnection();
+    logind.prepareForShutdown(true);
+    logind.prepareForShutdown(false);
+    logind.prepareForSleep(false);
+    EXPECT_TRUE(EventLoop::runUntil([&] { return heard.size() >= 2; }));
+    EXPECT_EQ(heard, (Heard{"sleep", "wake"}));
+}
+
 TEST_F(SleepObservationTest, eachObserverHearsUntilItsEnd) {
     Heard early;
     auto first = observe(early);

@@ -21,7 +21,8 @@ using Case = RecordingState::Case;
 
 class SleepingRecorderTest : public PowerManagementTest {
 protected:
-    const QStringList held{"idle, Vantoro, Recording, block", "sleep, Vantoro, Recording, delay"};
+    const QStringList held{"idle, Vantoro, Recording, block", "shutdown, Vantoro, Recording, delay",
+                           "sleep, Vantoro, Recording, delay"};
     MockLogind logind{systemBus};
     MemoryPreferences preferences = preferencesIn("en");
     FakeAudioDevices devices;
