@@ -13,6 +13,7 @@
 #include <utility>
 
 #include "engine/salvage.h"
+#include "platform/desktop/answering_bus.h"
 #include "platform/desktop/microphone_access.h"
 #include "platform/ffmpeg/loaded_toolkit.h"
 #include "platform/posix/posix_file_system.h"
@@ -71,7 +72,18 @@ std::size_t askForInterrupted(const std::filesystem::path& folder) {
     return recordingsToRecover(mediaToolkit, fileSystem, folder);
 }
 
-/// A bus that hangs must not be connected with: that takes as long as it hangs.
+/// Nothing is known of a bus that is silent, nor of what is on it.
+desktop::DesktopSurvey askDesktop(const desktop::SilentBuses& silent) {
+    auto found = desktop::surveyDesktop(desktop::standardBusAddresses(), serviceLimit);
+    if (silent.session) {
+        found.sessionBus = found.statusArea = found.portal = desktop::Presence::unknown;
+    }
+    if (silent.system) {
+        found.sleepDelay = desktop::SleepDelay::unknown;
+    }
+    return found;
+}
+
 std::optional<desktop::MicrophoneFacts> askForMicrophone(desktop::Presence sessionBus) {
     if (sessionBus == desktop::Presence::unknown) {
         return std::nullopt;
@@ -79,7 +91,7 @@ std::optional<desktop::MicrophoneFacts> askForMicrophone(desktop::Presence sessi
     const bool hasBus = sessionBus == desktop::Presence::present;
     return Awaited([hasBus] {
                return desktop::microphoneFacts(
-                   hasBus ? QDBusConnection::sessionBus()
+                   hasBus ? desktop::answeringSessionBus()
                           : QDBusConnection(QStringLiteral("a bus that there is not")));
            })
         .get();
@@ -87,11 +99,12 @@ std::optional<desktop::MicrophoneFacts> askForMicrophone(desktop::Presence sessi
 
 } // namespace
 
-DoctorFindings examine(const std::filesystem::path& recordingFolder) {
+DoctorFindings examine(const std::filesystem::path& recordingFolder,
+                       const desktop::SilentBuses& silent) {
     Awaited sound([] { return pipewire::surveySound(serviceLimit); });
     Awaited folder([recordingFolder] { return askDisk(recordingFolder); });
     Awaited interrupted([recordingFolder] { return askForInterrupted(recordingFolder); });
-    const auto desktop = desktop::surveyDesktop(desktop::standardBusAddresses(), serviceLimit);
+    const auto desktop = askDesktop(silent);
     const auto microphone = askForMicrophone(desktop.sessionBus);
     return {.soundLibraryVersion = pipewire::soundLibraryVersion(),
             .sound = sound.get().value_or(std::nullopt),

@@ -15,13 +15,17 @@
 #include "app/record_command.h"
 #include "app/recording_platform.h"
 #include "app/recover_command.h"
+#include "app/silent_bus_messages.h"
 #include "app/stop_signals.h"
 #include "app/window_command.h"
 #include "control/engine_recorder.h"
 #include "control/recording_folder.h"
 #include "l10n/settings_file.h"
+#include "platform/desktop/realtime_services.h"
 #include "platform/desktop/recording_folder.h"
+#include "platform/desktop/silent_buses.h"
 #include "platform/ffmpeg/loaded_toolkit.h"
+#include "platform/pipewire/bus_use.h"
 #include "platform/pipewire/device_list.h"
 #include "platform/pipewire/screen_capture_access.h"
 #include "platform/posix/allocation.h"
@@ -44,7 +48,7 @@ bool print(const std::string& text) {
 /// Carries out one command; the result is the exit status.
 class Program {
 public:
-    explicit Program(Ending& ending) : ending_(ending) {}
+    explicit Program(StopSignals& signals) : signals_(signals) {}
 
     int operator()(const PrintCommand& command) const { return print(command.text) ? 0 : 1; }
 
@@ -54,6 +58,7 @@ public:
     }
 
     int operator()(const DevicesCommand& /*command*/) const {
+        leaveOutSilentBuses();
         pipewire::DeviceList devices;
         const auto microphones = devices.microphones();
         if (!microphones.empty()) {
@@ -66,22 +71,26 @@ public:
     }
 
     int operator()(const RecoverCommand& command) const {
+        Ending ending(signals_);
         posix::PosixFileSystem fileSystem;
         ffmpeg::LoadedToolkit mediaToolkit(fileSystem);
         const posix::SystemClock clock;
         const SettingsFile preferences;
         return runRecoverCommand(command, recordingFolderOf(preferences),
-                                 {mediaToolkit, fileSystem, clock}, ending_, L10n(preferences));
+                                 {mediaToolkit, fileSystem, clock}, ending, L10n(preferences));
     }
 
     int operator()(const DoctorCommand& command) const {
+        const auto silent = leaveOutSilentBuses();
         const SettingsFile preferences;
-        const auto report = doctorReport(examine(recordingFolderOf(preferences)),
+        const auto report = doctorReport(examine(recordingFolderOf(preferences), silent),
                                          command.language.value_or(L10n(preferences).language()));
         return print(report.text) && report.isAllWell ? 0 : 1;
     }
 
     int operator()(const RecordCommand& command) const {
+        std::cerr << silentBusMessages(leaveOutSilentBuses());
+        Ending ending(signals_);
         const SettingsFile users;
         PreferencesForOneRun preferences(users);
         if (command.language) {
@@ -91,7 +100,7 @@ public:
             preferences.set(Preference::outputDirectory,
                             std::filesystem::absolute(*command.folder).string());
         }
-        RecordRun run(command, ending_, preferences);
+        RecordRun run(command, ending, preferences);
         RecordingPlatform platform(RecordingPlatform::Meters::none);
         platform.setChosenMicrophone(command.microphoneID);
         RecordingViewModel model(
@@ -101,12 +110,16 @@ public:
     }
 
 private:
+    desktop::SilentBuses leaveOutSilentBuses() const {
+        return desktop::leaveOutSilentBuses(desktop::BusUsers::soundAlone, signals_.descriptor());
+    }
+
     static std::filesystem::path recordingFolderOf(const Preferences& preferences) {
         return recordingFolder(preferences.get(Preference::outputDirectory),
                                desktop::defaultRecordingFolder());
     }
 
-    Ending& ending_;
+    StopSignals& signals_;
 };
 
 } // namespace
@@ -118,12 +131,12 @@ int main(int argc, char** argv) {
         // Before anything starts a thread.
         vantoro::posix::keepMemorySmall();
         vantoro::StopSignals signals;
-        vantoro::Ending ending(signals);
+        vantoro::pipewire::useBusesIf(vantoro::desktop::realtimeServicesAnswerHere);
         if (argc <= 1) {
-            return vantoro::runWindowCommand(argc, argv, ending);
+            return vantoro::runWindowCommand(argc, argv, signals);
         }
         const QCoreApplication application(argc, argv);
-        return std::visit(vantoro::Program(ending),
+        return std::visit(vantoro::Program(signals),
                           vantoro::parseCommandLine(QCoreApplication::arguments().mid(1)));
     } catch (const std::exception& error) {
         std::cerr << error.what() << "\n";

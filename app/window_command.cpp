@@ -11,11 +11,13 @@
 
 #include "app/network_module.h"
 #include "app/recording_platform.h"
+#include "app/silent_bus_messages.h"
 #include "app/vantoro_app.h"
 #include "control/engine_recorder.h"
 #include "l10n/settings_file.h"
 #include "platform/desktop/application_instance.h"
 #include "platform/desktop/font_configuration.h"
+#include "platform/desktop/silent_buses.h"
 #include "platform/desktop/status_notifier_area.h"
 #include "ui/application_style.h"
 #include "ui/substituted_status_area.h"
@@ -103,12 +105,18 @@ private:
 
 } // namespace
 
-int runWindowCommand(int& argc, char** argv, Ending& ending) {
+int runWindowCommand(int& argc, char** argv, StopSignals& signals) {
     if (!isThereADesktop()) {
         std::cerr << "There is no desktop to show a window on. See vantoro --help for what can be "
                      "done without.\n";
         return 2;
     }
+    // First: it changes the environment, which threads and the toolkit read.
+    const auto silent =
+        desktop::leaveOutSilentBuses(desktop::BusUsers::soundAndWindow, signals.descriptor());
+    std::cerr << silentBusMessages(silent);
+    QApplication::setAttribute(Qt::AA_DontUseNativeMenuBar, silent.menuRegistrar);
+    Ending ending(signals);
     const auto fonts = desktop::readFontConfigurationAhead();
     const auto token = desktop::activationTokenOfThisStart();
     const QApplication application(argc, argv);

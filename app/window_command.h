@@ -2,13 +2,13 @@
 
 #pragma once
 
-#include "app/ending.h"
+#include "app/stop_signals.h"
 
 namespace vantoro {
 
 /// Shows the window, until the user quits or a signal comes; where it is open already, brings it to
 /// the front and returns. As `main`'s are the arguments, which outlive the call. Returns the exit
 /// status.
-int runWindowCommand(int& argc, char** argv, Ending& ending);
+int runWindowCommand(int& argc, char** argv, StopSignals& signals);
 
 } // namespace vantoro

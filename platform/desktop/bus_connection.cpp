@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdint>
-#include <limits>
 #include <utility>
 
 #include <poll.h>
@@ -15,50 +14,6 @@
 namespace vantoro::desktop {
 
 namespace {
-
-using Receive = BusConnection::Receive;
-
-struct Release {
-    void operator()(sd_bus_message* message) const { sd_bus_message_unref(message); }
-
-    void operator()(sd_bus_slot* slot) const { sd_bus_slot_unref(slot); }
-};
-
-using Message = std::unique_ptr<sd_bus_message, Release>;
-using Slot = std::unique_ptr<sd_bus_slot, Release>;
-
-/// A service may take its time: what is late is still of use.
-constexpr auto noLimit = std::numeric_limits<std::uint64_t>::max();
-
-/// Null when there is no bus at the address.
-sd_bus* startConnecting(const std::string& address) {
-    sd_bus* bus = nullptr;
-    if (address.empty() || sd_bus_new(&bus) < 0) {
-        return nullptr;
-    }
-    if (sd_bus_set_address(bus, address.c_str()) < 0 || sd_bus_set_bus_client(bus, 1) < 0 ||
-        sd_bus_start(bus) < 0) {
-        return sd_bus_close_unref(bus); // null
-    }
-    return bus;
-}
-
-int hand(sd_bus_message* message, void* receive, sd_bus_error* /*answer*/) {
-    BusMessage received(message);
-    (*static_cast<Receive*>(receive))(received);
-    return 0; // others may hear it too
-}
-
-/// Leaves the function to the bus, for as long as it may call it.
-bool keep(sd_bus_slot* started, std::unique_ptr<Receive> receive) {
-    const Slot slot(started);
-    if (sd_bus_slot_set_destroy_callback(
-            slot.get(), [](void* kept) { delete static_cast<Receive*>(kept); }) < 0) {
-        return false;
-    }
-    sd_bus_slot_set_userdata(slot.get(), receive.release());
-    return sd_bus_slot_set_floating(slot.get(), 1) >= 0;
-}
 
 /// A moment of the bus's clock, which is the steady one, in microseconds.
 std::chrono::milliseconds timeUntil(std::uint64_t moment) {
@@ -70,11 +25,7 @@ std::chrono::milliseconds timeUntil(std::uint64_t moment) {
 
 } // namespace
 
-void BusConnection::Close::operator()(sd_bus* bus) const {
-    sd_bus_close_unref(bus);
-}
-
-BusConnection::BusConnection(const std::string& address) : bus_(startConnecting(address)) {
+BusConnection::BusConnection(const std::string& address) : bus_(startConnecting(address).bus) {
     if (bus_ == nullptr) {
         return;
     }
@@ -95,21 +46,10 @@ BusConnection::~BusConnection() = default;
 
 bool BusConnection::call(const BusMethod& method, const std::vector<BusArgument>& arguments,
                          Receive answered) {
-    sd_bus_message* created = nullptr;
-    if (bus_ == nullptr || sd_bus_message_new_method_call(
-                               bus_.get(), &created, method.service.c_str(), method.path.c_str(),
-                               method.interface.c_str(), method.member.c_str()) < 0) {
+    if (bus_ == nullptr) {
         return false;
     }
-    const Message message(created);
-    if (!append(message.get(), arguments)) {
-        return false;
-    }
-    auto receive = std::make_unique<Receive>(std::move(answered));
-    sd_bus_slot* slot = nullptr;
-    const int called =
-        sd_bus_call_async(bus_.get(), &slot, message.get(), hand, receive.get(), noLimit);
-    const bool succeeded = called >= 0 && keep(slot, std::move(receive));
+    const bool succeeded = callAsync(bus_.get(), method, arguments, std::move(answered));
     awaitEvents();
     return succeeded;
 }
@@ -118,11 +58,7 @@ bool BusConnection::listen(const std::string& rule, Receive heard) {
     if (bus_ == nullptr) {
         return false;
     }
-    auto receive = std::make_unique<Receive>(std::move(heard));
-    sd_bus_slot* slot = nullptr;
-    const int added =
-        sd_bus_add_match_async(bus_.get(), &slot, rule.c_str(), hand, nullptr, receive.get());
-    const bool succeeded = added >= 0 && keep(slot, std::move(receive));
+    const bool succeeded = listenAsync(bus_.get(), rule, std::move(heard));
     awaitEvents();
     return succeeded;
 }

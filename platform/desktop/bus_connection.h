@@ -2,7 +2,6 @@
 
 #pragma once
 
-#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -10,19 +9,11 @@
 #include <QtCore/QSocketNotifier>
 #include <QtCore/QTimer>
 
-#include "platform/desktop/bus_message.h"
+#include "platform/desktop/bus_calls.h"
 
-struct sd_bus;
 struct sd_bus_vtable; // NOLINT(readability-identifier-naming): the name is the library's
 
 namespace vantoro::desktop {
-
-struct BusMethod {
-    std::string service;
-    std::string path;
-    std::string interface;
-    std::string member;
-};
 
 /// One of ours.
 struct BusObject {
@@ -39,7 +30,7 @@ struct BusObject {
 /// not end it.
 class BusConnection {
 public:
-    using Receive = std::function<void(BusMessage& message)>;
+    using Receive = BusReceive;
 
     /// A local address, as `unix:path=/run/bus`; empty for no bus.
     explicit BusConnection(const std::string& address);
@@ -69,15 +60,11 @@ public:
     bool isBehind() const;
 
 private:
-    struct Close {
-        void operator()(sd_bus* bus) const;
-    };
-
     /// What the bus is waiting for now; after everything that is done with it.
     void awaitEvents();
     void process();
 
-    std::unique_ptr<sd_bus, Close> bus_;
+    Bus bus_;
     std::unique_ptr<QSocketNotifier> readable_;
     std::unique_ptr<QSocketNotifier> writable_;
     QTimer deadline_;

@@ -82,6 +82,9 @@ bool openInAContextOfItsOwn(std::string uri, GCancellable* cancellable) {
     if (bus) {
         g_dbus_connection_set_exit_on_close(bus.get(), FALSE);
     }
+    if (g_cancellable_is_cancelled(cancellable) != FALSE) {
+        return false; // what comes next may want the bus as well, and could not be called off
+    }
     const Owned<GFile> file(g_file_new_for_uri(uri.c_str()));
     const Owned<GAppInfo> application(
         g_file_query_default_handler(file.get(), cancellable, nullptr));

@@ -21,11 +21,16 @@ namespace vantoro::desktop {
 
 namespace {
 
+constexpr std::chrono::milliseconds limitWithoutABus = std::chrono::seconds(2);
+
 /// Here, and not by whoever asks: whether there is a sandbox is read from the disk.
 Opening openingIn(const WorkspaceSurroundings& surroundings, std::stop_token stop) {
-    return {surroundings.sessionBus(),
-            sandboxedApplicationID(surroundings.sandboxDescription).has_value(),
-            Patience{.limit = surroundings.limit, .stop = std::move(stop)}};
+    auto bus = surroundings.sessionBus();
+    // What is opened without the bus takes no time, unless it comes across that bus itself.
+    const auto limit =
+        bus.isConnected() ? surroundings.limit : std::min(surroundings.limit, limitWithoutABus);
+    return {std::move(bus), sandboxedApplicationID(surroundings.sandboxDescription).has_value(),
+            Patience{.limit = limit, .stop = std::move(stop)}};
 }
 
 /// The address of the page that was installed with us, or nothing.

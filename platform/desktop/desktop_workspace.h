@@ -11,13 +11,14 @@
 #include <QtCore/QThreadPool>
 
 #include "control/ports/workspace.h"
+#include "platform/desktop/answering_bus.h"
 #include "platform/desktop/session_bus.h"
 
 namespace vantoro::desktop {
 
 /// Where the workspace finds the desktop.
 struct WorkspaceSurroundings {
-    SessionBus sessionBus = &QDBusConnection::sessionBus;
+    SessionBus sessionBus = &answeringSessionBus;
     std::filesystem::path sandboxDescription = "/.flatpak-info";
     /// The desktop's names, with colons between.
     std::string desktops = qgetenv("XDG_CURRENT_DESKTOP").toStdString();

@@ -7,6 +7,7 @@
 #include <functional>
 
 #include "engine/ports/permissions.h"
+#include "platform/desktop/answering_bus.h"
 #include "platform/desktop/portal.h"
 #include "platform/desktop/session_bus.h"
 
@@ -32,7 +33,7 @@ public:
     /// server does not let us see. Either may be called on any thread.
     DesktopMicrophoneAccess(std::function<bool()> openMicrophone,
                             std::function<bool()> chosenSourceIsHidden,
-                            SessionBus sessionBus = &QDBusConnection::sessionBus,
+                            SessionBus sessionBus = &answeringSessionBus,
                             std::filesystem::path sandboxDescription = standardSandboxDescription,
                             std::chrono::milliseconds limit = answerLimit);
 

@@ -10,6 +10,8 @@
 #include <QtDBus/QDBusMessage>
 #include <QtDBus/QDBusVariant>
 
+#include "platform/desktop/answering_bus.h"
+
 namespace vantoro::desktop {
 
 namespace {
@@ -48,12 +50,11 @@ bool isPowerSaved(const QDBusConnection& systemBus, const QDBusConnection& sessi
 
 bool isPowerSavedHere() {
     constexpr std::chrono::seconds limit(1);
-    // On a thread that nobody waits for: connecting takes as long as a bus takes to answer.
+    // On a thread that nobody waits for: a bus is asked whether it answers first.
     const auto answer = std::make_shared<std::promise<bool>>();
     auto answered = answer->get_future();
     std::thread([answer] {
-        answer->set_value(
-            isPowerSaved(QDBusConnection::systemBus(), QDBusConnection::sessionBus()));
+        answer->set_value(isPowerSaved(answeringSystemBus(), answeringSessionBus()));
     }).detach();
     return answered.wait_for(limit) != std::future_status::ready || answered.get();
 }

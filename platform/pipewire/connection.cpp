@@ -9,6 +9,7 @@
 
 #include <unistd.h>
 
+#include "platform/pipewire/bus_use.h"
 #include "platform/pipewire/capture_error.h"
 #include "platform/pipewire/server_calls.h"
 
@@ -21,11 +22,15 @@ std::mutex contextIsBeingMade;
 
 ContextPointer makeContext(pw_loop* loop) {
     const std::lock_guard lock(contextIsBeingMade);
+    const bool usesBuses = mayUseBuses();
     // Only the first of the two asks for real-time scheduling where PipeWire is old; where it is
     // new there may be no such file, and the second does.
     for (const char* const configuration : {"client-rt.conf", "client.conf"}) {
-        ContextPointer context(
-            pw_context_new(loop, pw_properties_new(PW_KEY_CONFIG_NAME, configuration, nullptr), 0));
+        auto* const properties = pw_properties_new(PW_KEY_CONFIG_NAME, configuration, nullptr);
+        if (properties != nullptr && !usesBuses) {
+            pw_properties_set(properties, "support.dbus", "false");
+        }
+        ContextPointer context(pw_context_new(loop, properties, 0));
         if (context) {
             return context;
         }

@@ -113,8 +113,8 @@ class Result:
         return f"status {self.status}, output {self.output!r}, errors {self.errors!r}"
 
 
-def run(*arguments, timeout=SECONDS_TO_END, **options):
-    result = subprocess.run([PROGRAM, *map(str, arguments)], stdin=subprocess.DEVNULL, capture_output=True,
+def run(*arguments, timeout=SECONDS_TO_END, prefix=(), **options):
+    result = subprocess.run([*prefix, PROGRAM, *map(str, arguments)], stdin=subprocess.DEVNULL, capture_output=True,
                             text=True, timeout=timeout, check=False, **options)
     return Result(result.returncode, result.stdout, result.stderr)
 

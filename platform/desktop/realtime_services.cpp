@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "platform/desktop/realtime_services.h"
+
+#include <array>
+#include <string>
+
+#include "platform/desktop/asked_bus.h"
+#include "platform/desktop/asked_service.h"
+#include "platform/desktop/silence.h"
+
+namespace vantoro::desktop {
+
+namespace {
+
+BusMethod gettingOf(const std::string& service, const std::string& path) {
+    return {.service = service,
+            .path = path,
+            .interface = "org.freedesktop.DBus.Properties",
+            .member = "Get"};
+}
+
+} // namespace
+
+bool realtimeServicesAnswer(const BusAddresses& addresses, std::chrono::milliseconds limit) {
+    const auto deadline = std::chrono::steady_clock::now() + limit;
+    AskedService portal(
+        gettingOf("org.freedesktop.portal.Desktop", "/org/freedesktop/portal/desktop"),
+        {"org.freedesktop.portal.Realtime", "version"});
+    AskedService service(gettingOf("org.freedesktop.RealtimeKit1", "/org/freedesktop/RealtimeKit1"),
+                         {"org.freedesktop.RealtimeKit1", "MaxRealtimePriority"});
+    AskedBus session(addresses.session, busIdentifier, [&](AskedBus& bus) { portal.begin(bus); });
+    AskedBus system(addresses.system, busIdentifier, [&](AskedBus& bus) { service.begin(bus); });
+    const std::array<AskedBus*, 2> buses{&session, &system};
+    const auto areSettled = [&] {
+        return (portal.isSettled() || session.isGone()) && (service.isSettled() || system.isGone());
+    };
+    while (!areSettled() && std::chrono::steady_clock::now() < deadline) {
+        awaitBuses(buses, deadline);
+    }
+    return areSettled();
+}
+
+bool realtimeServicesAnswerHere() {
+    // Never destroyed: a thread that nobody waits for may ask while the program ends.
+    static auto* const silence = new Silence;
+    return !silence->isSilent([] { return !realtimeServicesAnswer(standardBusAddresses()); });
+}
+
+} // namespace vantoro::desktop

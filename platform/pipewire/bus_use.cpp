@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "platform/pipewire/bus_use.h"
+
+#include <atomic>
+
+namespace vantoro::pipewire {
+
+namespace {
+
+std::atomic<bool (*)()> answers = nullptr;
+
+} // namespace
+
+void useBusesIf(bool (*theyAnswer)()) {
+    answers = theyAnswer;
+}
+
+bool mayUseBuses() {
+    const auto ask = answers.load();
+    return ask == nullptr || ask();
+}
+
+} // namespace vantoro::pipewire
