@@ -8,7 +8,7 @@ namespace vantoro::desktop {
 
 namespace {
 
-constexpr const char* service = "org.a11y.Bus";
+constexpr const char* accessibilityService = "org.a11y.Bus";
 constexpr const char* properties = "org.freedesktop.DBus.Properties";
 
 } // namespace
@@ -29,7 +29,7 @@ void AccessibilityQuestions::begin(AskedBus& session) {
                                     .path = "/org/freedesktop/DBus",
                                     .interface = "org.freedesktop.DBus",
                                     .member = "NameHasOwner"},
-                                   {std::string(service)}, [this](BusMessage& reply) {
+                                   {std::string(accessibilityService)}, [this](BusMessage& reply) {
                                        if (!reply.readFlag().value_or(false)) {
                                            isOver_ = true;
                                        } else if (settings_.isAlwaysOn) {
@@ -43,9 +43,11 @@ void AccessibilityQuestions::begin(AskedBus& session) {
 
 void AccessibilityQuestions::ask(const char* interface, const char* member,
                                  const std::vector<BusArgument>& arguments, BusReceive answered) {
-    const bool asked = session_->ask(
-        {.service = service, .path = "/org/a11y/bus", .interface = interface, .member = member},
-        arguments, std::move(answered));
+    const bool asked = session_->ask({.service = accessibilityService,
+                                      .path = "/org/a11y/bus",
+                                      .interface = interface,
+                                      .member = member},
+                                     arguments, std::move(answered));
     isOver_ = isOver_ || !asked;
 }
 
@@ -69,7 +71,7 @@ void AccessibilityQuestions::askWhetherWanted() {
 }
 
 void AccessibilityQuestions::askForAddress() {
-    ask(service, "GetAddress", {}, [this](BusMessage& reply) {
+    ask(accessibilityService, "GetAddress", {}, [this](BusMessage& reply) {
         const auto address = reply.isError() ? std::nullopt : reply.readText();
         if (address) {
             connect(*address);

@@ -27,13 +27,16 @@ bool realtimeServicesAnswer(const BusAddresses& addresses, std::chrono::millisec
     AskedService portal(
         gettingOf("org.freedesktop.portal.Desktop", "/org/freedesktop/portal/desktop"),
         {"org.freedesktop.portal.Realtime", "version"});
-    AskedService service(gettingOf("org.freedesktop.RealtimeKit1", "/org/freedesktop/RealtimeKit1"),
-                         {"org.freedesktop.RealtimeKit1", "MaxRealtimePriority"});
+    AskedService realtimeKit(
+        gettingOf("org.freedesktop.RealtimeKit1", "/org/freedesktop/RealtimeKit1"),
+        {"org.freedesktop.RealtimeKit1", "MaxRealtimePriority"});
     AskedBus session(addresses.session, busIdentifier, [&](AskedBus& bus) { portal.begin(bus); });
-    AskedBus system(addresses.system, busIdentifier, [&](AskedBus& bus) { service.begin(bus); });
+    AskedBus system(addresses.system, busIdentifier,
+                    [&](AskedBus& bus) { realtimeKit.begin(bus); });
     const std::array<AskedBus*, 2> buses{&session, &system};
     const auto areSettled = [&] {
-        return (portal.isSettled() || session.isGone()) && (service.isSettled() || system.isGone());
+        return (portal.isSettled() || session.isGone()) &&
+               (realtimeKit.isSettled() || system.isGone());
     };
     while (!areSettled() && std::chrono::steady_clock::now() < deadline) {
         awaitBuses(buses, deadline);
@@ -43,8 +46,8 @@ bool realtimeServicesAnswer(const BusAddresses& addresses, std::chrono::millisec
 
 bool realtimeServicesAnswerHere() {
     // Never destroyed: a thread that nobody waits for may ask while the program ends.
-    static auto* const silence = new Silence;
-    return !silence->isSilent([] { return !realtimeServicesAnswer(standardBusAddresses()); });
+    static auto* const kept = new Silence;
+    return !kept->isSilent([] { return !realtimeServicesAnswer(standardBusAddresses()); });
 }
 
 } // namespace vantoro::desktop
