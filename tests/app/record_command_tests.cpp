@@ -187,6 +187,7 @@ TEST_F(RecordCommandTest, shortRoomIsToldOnceThoughTheUserEndsTheRecording) {
 
 TEST_F(RecordCommandTest, diskWithoutRoomIsAFailureBeforeAnythingIsRecorded) {
     fileSystem.available = 2'000'000;
+    command.seconds = 0.01;
     EXPECT_EQ(run({}), 1);
     EXPECT_EQ(output, "");
     EXPECT_EQ(errors, "There is not enough room on the disk for a recording. Free some space, or "
