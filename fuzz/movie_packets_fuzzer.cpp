@@ -37,6 +37,7 @@ std::shared_ptr<const Movie> open(std::unique_ptr<SparseFile> file) {
     movie->file = std::move(file);
     try {
         movie->scan = ffmpeg::scanMovie(*movie->file);
+        ffmpeg::scanBehindDamage(*movie->file, movie->scan);
         movie->codecs = ffmpeg::readCodecs(movie->scan);
     } catch (const std::runtime_error&) {
         return nullptr;
@@ -54,7 +55,7 @@ std::vector<Bytes> readTrack(const std::shared_ptr<const Movie>& movie, std::siz
     std::vector<Bytes> packets;
     PacketReader reader(movie, track);
     while (const auto packet = reader.next()) {
-        require(!packet->empty(), "packets are not empty");
+        require(!packet->empty() || movie->scan.skipped > 0, "only damage takes packets");
         packets.emplace_back(packet->begin(), packet->end());
     }
     return packets;

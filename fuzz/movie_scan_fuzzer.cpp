@@ -25,6 +25,9 @@ constexpr std::uint64_t mostPackets = 65536; // of a track in a fragment
 constexpr std::uint64_t largestPacket = 65536;
 constexpr std::uint64_t largestHeader = 1U << 20U;
 
+/// How far a fragment is looked for: all that is held, and not all of the zeros.
+constexpr std::uint64_t reach = 4096;
+
 /// What one look at each fragment may cost. The smallest whole fragment has 73 bytes, of which the
 /// last may be a zero of the tail, and takes six reads: the header and the large size of two boxes,
 /// a description, and the checksum if there is one; so does at most one that is found not to be
@@ -34,6 +37,15 @@ void allowScan(SparseFile& file) {
     constexpr std::uint64_t largestRead = 28; // of a fixed size: a checksum with its box
     const std::uint64_t reads = 40 + (6 * (file.heldSize() / 72));
     file.allow(reads, (largestRead * reads) + largestHeader + file.heldSize());
+}
+
+/// What a scan behind damage may cost: the search reads each byte once, but for names on a border.
+/// Each four bytes may seem to be a fragment, which takes seven reads to find that they are not,
+/// and one more for the checksum; the bytes of those are bounded together, but for one too many.
+void allowDamageScan(SparseFile& file) {
+    const std::uint64_t held = file.heldSize();
+    const std::uint64_t reads = 40 + (9 * (held / 4));
+    file.allow(reads, (28 * reads) + (2 * reach) + (6 * held));
 }
 
 void checkTracks(const std::vector<ffmpeg::TrackHeader>& tracks) {
@@ -62,18 +74,36 @@ public:
                     scan_.ends.size() == scan_.tracks.size(),
                 "each track has a start in each fragment, and an end");
         require(scan_.headerEnd <= file_.size(), "the header lies inside the file");
-        end_ = scan_.headerEnd;
+        begin_ = scan_.headerEnd;
+        endOfPackets_ = scan_.headerEnd;
         for (std::size_t index = 0; index < scan_.fragments.size(); ++index) {
-            require(std::ranges::equal(scan_.startsOf(index), frames_),
-                    "a track goes on where the fragment before has ended");
+            goOnAt(scan_.startsOf(index), scan_.fragments[index]);
             walkFragment(scan_.fragments[index]);
         }
+        require(scan_.skipped <= file_.size(), "what was skipped lies in the file");
         require(frames_ == scan_.ends, "tracks are as long as their packets");
     }
 
 private:
+    /// A track may have a gap where bytes were skipped, of no more packets than they could hold.
+    void goOnAt(std::span<const std::int64_t> starts, std::uint64_t offset) {
+        constexpr std::uint64_t smallestPacket = 4;
+        require(offset >= begin_, "fragments lie one behind the other");
+        std::uint64_t missing = 0;
+        for (std::size_t track = 0; track < frames_.size(); ++track) {
+            require(starts[track] >= frames_[track], "a track never goes back");
+            const std::int64_t gap = starts[track] - frames_[track];
+            require(gap == 0 || (!ended_[track] && gap % packetFrames == 0),
+                    "gaps are of whole packets");
+            missing += static_cast<std::uint64_t>(gap / packetFrames);
+            frames_[track] = starts[track];
+        }
+        require(missing * smallestPacket <= offset - begin_,
+                "a gap is no longer than what the skipped bytes could have held");
+    }
+
     void walkFragment(std::uint64_t offset) {
-        require(offset == end_ && offset < file_.size(), "fragments follow one another");
+        require(offset >= endOfPackets_ && offset < file_.size(), "fragments do not overlap");
         allowScan(file_);
         // Whole when it was scanned, so whole now: this may not throw.
         const ffmpeg::Fragment fragment = ffmpeg::readFragment(file_, offset, scan_.tracks);
@@ -82,7 +112,8 @@ private:
                 "a fragment lies inside the file");
         require(fragment.checksum.has_value() == (fragment.end > fragment.contentEnd),
                 "a fragment ends behind its checksum");
-        end_ = fragment.end;
+        begin_ = offset;
+        endOfPackets_ = offset;
 
         std::vector<bool> seen(scan_.tracks.size());
         bool isEmpty = true;
@@ -105,6 +136,7 @@ private:
             require(packet.size > 0 && packet.size <= largestPacket, "packets have a likely size");
             require(packet.offset >= next, "packets lie one behind the other");
             next = packet.offset + packet.size;
+            endOfPackets_ = std::max(endOfPackets_, next);
             require(next <= fragment.end, "packets lie inside their fragment");
             require(packet.duration <= packetFrames && !ended_[row.track],
                     "only a track's last packet is short");
@@ -125,7 +157,8 @@ private:
 
     SparseFile& file_;
     const ffmpeg::MovieScan& scan_;
-    std::uint64_t end_ = 0; // of the fragment before
+    std::uint64_t begin_ = 0;        // of the fragment before
+    std::uint64_t endOfPackets_ = 0; // of that one
     std::vector<std::int64_t> frames_;
     std::vector<bool> ended_;
     std::vector<std::byte> bytes_;
@@ -147,6 +180,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         return 0;
     } // whatever else comes ends the process
     fuzz::checkTracks(scan.tracks);
+    fuzz::Walk(file, scan).run();
+    fuzz::allowDamageScan(file);
+    ffmpeg::scanBehindDamage(file, scan, fuzz::reach);
     fuzz::Walk(file, scan).run();
     return 0;
 }

@@ -31,6 +31,10 @@ public:
     virtual std::vector<std::shared_ptr<const AssetTrack>> audioTracks() = 0;
     /// Covered by what is whole in the file; the invalid time when that cannot be told.
     virtual MediaTime duration() = 0;
+    /// Whether the tracks hold all that the file does: no byte of it is damaged, and it does not
+    /// end in the middle of something. If not, it may be the only copy of what is missing in them.
+    /// May read the whole file. Never throws: what cannot be read is not whole.
+    virtual bool isWhole() noexcept = 0;
 };
 
 class CompositionTrack {

@@ -105,6 +105,12 @@ std::vector<Seed> damagedRecordings() {
         seeds.push_back({"cut-in-checksum-" + std::to_string(missing),
                          cut(unfinished, unfinished.size() - missing)});
     }
+    const auto boxes = topBoxes(movie);
+    for (std::size_t index = 0; index < boxes.size(); ++index) {
+        Bytes damaged = movie;
+        damaged[boxes[index].offset + 5] = std::byte('x');
+        seeds.push_back({"box-" + std::to_string(index) + "-of-another-name", std::move(damaged)});
+    }
     std::mt19937 random(1); // NOLINT(bugprone-random-generator-seed): the same seeds each time
     for (std::size_t round = 0; round < 24; ++round) {
         Bytes damaged = movie;

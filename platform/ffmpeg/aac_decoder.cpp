@@ -62,4 +62,8 @@ std::optional<DecodedSound> AacDecoder::decode(std::span<const std::byte> packet
     return sound;
 }
 
+void AacDecoder::forget() noexcept {
+    avcodec_flush_buffers(decoder_.get());
+}
+
 } // namespace vantoro::ffmpeg

@@ -28,6 +28,9 @@ public:
     /// Nothing for a packet that makes no sense.
     std::optional<DecodedSound> decode(std::span<const std::byte> packet);
 
+    /// The next packet does not follow the one before.
+    void forget() noexcept;
+
 private:
     CoderHandle decoder_;
     PacketHandle packet_;

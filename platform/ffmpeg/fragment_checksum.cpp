@@ -8,6 +8,7 @@ extern "C" {
 
 #include <algorithm>
 #include <array>
+#include <span>
 
 #include "platform/ffmpeg/box_writer.h"
 
@@ -44,6 +45,20 @@ std::optional<StoredChecksum> readChecksum(const InputFile& file, std::uint64_t 
         return std::nullopt;
     }
     return StoredChecksum{.value = fields.u32(), .end = offset + boxSize};
+}
+
+std::uint32_t checksumOf(const InputFile& file, std::uint64_t begin, std::uint64_t end) {
+    constexpr std::uint64_t blockSize = 512U << 10U;
+    std::vector<std::byte> block(std::min(blockSize, end - begin));
+    Checksum sum;
+    for (std::uint64_t offset = begin; offset < end;) {
+        const auto part =
+            std::span(block).first(std::min<std::uint64_t>(block.size(), end - offset));
+        readExactly(file, offset, part);
+        sum.add(part);
+        offset += part.size();
+    }
+    return sum.value();
 }
 
 void Checksum::add(ByteSpan bytes) noexcept {

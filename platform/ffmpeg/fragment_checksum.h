@@ -26,6 +26,10 @@ std::vector<std::byte> checksumBox(ByteSpan fragment);
 /// The checksum that lies at `offset`; nothing where none lies whole. Throws what the file throws.
 std::optional<StoredChecksum> readChecksum(const InputFile& file, std::uint64_t offset);
 
+/// The sum of a file's bytes from `begin` to `end`. Throws DamagedMovie where the file ends before,
+/// and what the file throws.
+std::uint32_t checksumOf(const InputFile& file, std::uint64_t begin, std::uint64_t end);
+
 /// The same sum, over bytes that come piece by piece.
 class Checksum {
 public:

@@ -12,8 +12,6 @@ namespace vantoro::ffmpeg {
 
 namespace {
 
-// Ten seconds of two tracks take some 940 packets and 10 KB of description.
-constexpr std::uint64_t largestDescription = 1U << 20U;
 constexpr std::uint32_t mostPackets = 1U << 16U;
 constexpr std::uint32_t largestPacket = 1U << 16U;
 

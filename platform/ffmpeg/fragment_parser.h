@@ -13,6 +13,9 @@
 
 namespace vantoro::ffmpeg {
 
+/// Of a fragment, in bytes. Ten seconds of two tracks take some 940 packets and 10 KB.
+inline constexpr std::uint64_t largestDescription = 1U << 20U;
+
 /// Where a packet lies in a file.
 struct PacketPlace {
     std::uint64_t offset = 0;

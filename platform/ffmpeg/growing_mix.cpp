@@ -10,6 +10,7 @@
 
 #include "platform/ffmpeg/aac.h"
 #include "platform/ffmpeg/parallel_coding.h"
+#include "platform/ffmpeg/stopping.h"
 
 namespace vantoro::ffmpeg {
 
@@ -30,7 +31,7 @@ GrowingMix::GrowingMix(FileSystem& fileSystem, const std::filesystem::path& movi
                        const std::vector<float>& volumes)
     : fileSystem_(fileSystem),
       location_(movie),
-      movie_(openMovie(fileSystem, movie)),
+      movie_(openGrowingMovie(fileSystem, movie)),
       unnamed_(unnamedFileBeside(movie, fileSystem)),
       file_(*unnamed_, describeTrack(makeMixCoder().parameters())),
       splicer_([this](std::span<const std::byte> packet) { file_.add(packet); }) {
@@ -65,6 +66,7 @@ void GrowingMix::goOn(const std::stop_token& stop) {
 
 std::shared_ptr<const Movie> GrowingMix::finishedMovie() {
     readFragments();
+    scanBehindDamage(*movie_->file, movie_->scan);
     return movie_;
 }
 

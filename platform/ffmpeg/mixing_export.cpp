@@ -12,6 +12,7 @@
 
 #include "platform/ffmpeg/coded_chunk.h"
 #include "platform/ffmpeg/m4a_file.h"
+#include "platform/ffmpeg/movie_asset.h"
 #include "platform/ffmpeg/packet_copy.h"
 #include "platform/ffmpeg/parallel_coding.h"
 

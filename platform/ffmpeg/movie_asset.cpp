@@ -3,14 +3,25 @@
 #include "platform/ffmpeg/movie_asset.h"
 
 #include <algorithm>
+#include <exception>
 
 #include "platform/ffmpeg/aac.h"
 #include "platform/ffmpeg/box_reader.h"
+#include "platform/ffmpeg/fragment_checksum.h"
+#include "platform/ffmpeg/fragment_parser.h"
 #include "platform/ffmpeg/movie_codecs.h"
+#include "platform/ffmpeg/stopping.h"
 
 namespace vantoro::ffmpeg {
 
 std::shared_ptr<Movie> openMovie(FileSystem& fileSystem, const std::filesystem::path& location) {
+    auto movie = openGrowingMovie(fileSystem, location);
+    scanBehindDamage(*movie->file, movie->scan);
+    return movie;
+}
+
+std::shared_ptr<Movie> openGrowingMovie(FileSystem& fileSystem,
+                                        const std::filesystem::path& location) {
     auto movie = std::make_shared<Movie>();
     movie->location = location;
     movie->file = fileSystem.open(location);
@@ -22,6 +33,15 @@ std::shared_ptr<Movie> openMovie(FileSystem& fileSystem, const std::filesystem::
         }
     }
     return movie;
+}
+
+bool isIntact(const Movie& movie, const std::stop_token& stop) {
+    return movie.scan.skipped == 0 &&
+           std::ranges::all_of(movie.scan.fragments, [&](std::uint64_t begin) {
+               throwIfStopped(stop);
+               const Fragment fragment = readFragment(*movie.file, begin, movie.scan.tracks);
+               return fragment.checksum == checksumOf(*movie.file, begin, fragment.contentEnd);
+           });
 }
 
 TimeRange MovieTrack::timeRange() const {
@@ -48,6 +68,15 @@ MediaTime MovieAsset::duration() {
         longest = longest.isValid() ? std::max(longest, duration, std::less<>()) : duration;
     }
     return longest;
+}
+
+bool MovieAsset::isWhole() noexcept {
+    try {
+        return movie_->scan.skipped == 0 && endsWithItsFragments(*movie_->file, movie_->scan) &&
+               (origin_ == Origin::written || isIntact(*movie_, {}));
+    } catch (const std::exception&) {
+        return false;
+    }
 }
 
 } // namespace vantoro::ffmpeg

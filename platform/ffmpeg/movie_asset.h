@@ -3,8 +3,10 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <memory>
+#include <stop_token>
 #include <utility>
 #include <vector>
 
@@ -23,11 +25,23 @@ struct Movie {
     std::vector<ParametersHandle> codecs; ///< as `readCodecs` gives them
 };
 
-/// Throws DamagedMovie where there is no movie, or one that nobody here has written; what the file
-/// system throws when the file cannot be read.
+/// A movie that nobody writes any more, with what is whole in it. Throws DamagedMovie where there
+/// is no movie, or one that nobody here has written; what the file system throws when the file
+/// cannot be read.
 std::shared_ptr<Movie> openMovie(FileSystem& fileSystem, const std::filesystem::path& location);
 
-/// One audio track of a movie, whose time begins behind the coder's priming.
+/// The same for a movie that may still be written: only what lies before anything that is not
+/// whole.
+std::shared_ptr<Movie> openGrowingMovie(FileSystem& fileSystem,
+                                        const std::filesystem::path& location);
+
+/// Whether every byte of the movie's fragments is as it was written, and none is missing between
+/// them. Reads them all, which takes a small part of the time of decoding them. Throws when the
+/// file cannot be read, and when a stop is requested std::errc::operation_canceled.
+bool isIntact(const Movie& movie, const std::stop_token& stop);
+
+/// One audio track of a movie, whose time begins behind the coder's priming. Where damage has taken
+/// packets from it, it is silent for as long as they were.
 class MovieTrack final : public AssetTrack {
 public:
     MovieTrack(std::shared_ptr<const Movie> movie, std::size_t index)
@@ -47,13 +61,23 @@ private:
 /// What is whole in a movie of fragments, be it finished or not.
 class MovieAsset final : public Asset {
 public:
-    explicit MovieAsset(std::shared_ptr<const Movie> movie) : movie_(std::move(movie)) {}
+    /// Who has put a movie's bytes where they are read from.
+    enum class Origin : std::uint8_t {
+        unknown,
+        written, ///< we have, just now, and have looked at each fragment since
+    };
+
+    explicit MovieAsset(std::shared_ptr<const Movie> movie, Origin origin = Origin::unknown)
+        : movie_(std::move(movie)), origin_(origin) {}
 
     std::vector<std::shared_ptr<const AssetTrack>> audioTracks() override;
     MediaTime duration() override;
+    /// Reads all of the movie, but where it was just written.
+    bool isWhole() noexcept override;
 
 private:
     std::shared_ptr<const Movie> movie_;
+    Origin origin_;
 };
 
 } // namespace vantoro::ffmpeg

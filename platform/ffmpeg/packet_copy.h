@@ -11,13 +11,9 @@
 
 namespace vantoro::ffmpeg {
 
-/// Whether every byte of the movie's fragments is as it was written. Reads them all, which takes a
-/// small part of the time of decoding them. Throws when the file cannot be read, and when a stop is
-/// requested std::errc::operation_canceled.
-bool isIntact(const Movie& movie, const std::stop_token& stop);
-
-/// Copies the packets of the first frames of a track, and the priming before them, as they are:
-/// what they sound like does not change, and an hour takes a fraction of a second.
+/// Copies the packets of the first frames of a track of an intact movie, and the priming before
+/// them, as they are: what they sound like does not change, and an hour takes a fraction of a
+/// second.
 /// Throws DamagedMovie when the file has changed meanwhile, what either file throws, and when a
 /// stop is requested std::errc::operation_canceled.
 void copyPackets(const MovieTrack& track, std::int64_t frames, M4aFile& file,

@@ -23,8 +23,6 @@ PacketReader::PacketReader(std::shared_ptr<const Movie> movie, std::size_t track
 void PacketReader::seek(std::int64_t packet) {
     const MovieScan& scan = movie_->scan;
     const std::int64_t frame = packet * packetFrames;
-    places_.clear();
-    nextPlace_ = 0;
     // The last fragment that begins at or before the packet.
     std::size_t begin = 0;
     std::size_t end = scan.fragments.size();
@@ -32,22 +30,24 @@ void PacketReader::seek(std::int64_t packet) {
         const std::size_t middle = begin + ((end - begin) / 2);
         (scan.startsOf(middle)[track_] <= frame ? begin : end) = middle;
     }
+    nextPacket_ = packet;
     nextFragment_ = begin;
-    if (begin < scan.fragments.size()) {
-        load(begin);
-        const std::int64_t first = scan.startsOf(begin)[track_] / packetFrames;
-        nextPlace_ = std::min(static_cast<std::size_t>(packet - first), places_.size());
-    }
+    places_.clear();
+    firstPacket_ = packet;
 }
 
 std::optional<std::span<const std::byte>> PacketReader::next() {
-    while (nextPlace_ == places_.size()) {
+    while (nextPacket_ >= firstPacket_ + static_cast<std::int64_t>(places_.size())) {
         if (nextFragment_ == movie_->scan.fragments.size()) {
             return std::nullopt;
         }
         load(nextFragment_);
     }
-    const PacketPlace& place = places_[nextPlace_++];
+    const std::int64_t index = nextPacket_++ - firstPacket_;
+    if (index < 0) {
+        return std::span<const std::byte>();
+    }
+    const PacketPlace& place = places_[static_cast<std::size_t>(index)];
     if (place.offset < windowOffset_ ||
         place.offset + place.size > windowOffset_ + window_.size()) {
         const PacketPlace& last = places_.back();
@@ -62,7 +62,7 @@ std::optional<std::span<const std::byte>> PacketReader::next() {
 void PacketReader::load(std::size_t fragment) {
     const MovieScan& scan = movie_->scan;
     places_.clear();
-    nextPlace_ = 0;
+    firstPacket_ = scan.startsOf(fragment)[track_] / packetFrames;
     for (PacketRow& row : readFragment(*movie_->file, scan.fragments[fragment], scan.tracks).rows) {
         if (row.track == track_) {
             places_.insert(places_.end(), row.packets.begin(), row.packets.end());

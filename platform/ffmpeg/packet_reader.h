@@ -24,8 +24,9 @@ public:
     /// Throws as `next`.
     void seek(std::int64_t packet);
 
-    /// Valid until the next call; nothing behind the last packet. Throws DamagedMovie when the file
-    /// has changed since it was scanned, and what the file throws when it cannot be read.
+    /// Valid until the next call; empty for a packet that damage has taken, nothing behind the last
+    /// one. Throws DamagedMovie when the file has changed since it was scanned, and what the file
+    /// throws when it cannot be read.
     std::optional<std::span<const std::byte>> next();
 
 private:
@@ -35,7 +36,8 @@ private:
     std::size_t track_;
     std::size_t nextFragment_ = 0;
     std::vector<PacketPlace> places_; // of the fragment before that
-    std::size_t nextPlace_ = 0;
+    std::int64_t firstPacket_ = 0;    // number of the first of these
+    std::int64_t nextPacket_ = 0;
     std::vector<std::byte> window_; // a piece of the file, read ahead
     std::uint64_t windowOffset_ = 0;
 };

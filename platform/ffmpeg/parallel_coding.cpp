@@ -14,6 +14,8 @@
 #include <utility>
 #include <vector>
 
+#include "platform/ffmpeg/stopping.h"
+
 namespace vantoro::ffmpeg {
 
 namespace {
@@ -132,12 +134,6 @@ private:
 };
 
 } // namespace
-
-void throwIfStopped(const std::stop_token& stop) {
-    if (stop.stop_requested()) {
-        throw std::system_error(std::make_error_code(std::errc::operation_canceled));
-    }
-}
 
 void codeInParallel(const Mix& mix, std::int64_t firstChunk, unsigned threads,
                     ChunkSplicer& splicer, const ExportProgress& progress,

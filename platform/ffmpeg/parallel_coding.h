@@ -20,7 +20,4 @@ void codeInParallel(const Mix& mix, std::int64_t firstChunk, unsigned threads,
                     ChunkSplicer& splicer, const ExportProgress& progress,
                     const std::stop_token& stop);
 
-/// Throws std::errc::operation_canceled when a stop is requested.
-void throwIfStopped(const std::stop_token& stop);
-
 } // namespace vantoro::ffmpeg

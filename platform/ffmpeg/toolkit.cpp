@@ -28,9 +28,10 @@ std::unique_ptr<FileWriter> FfmpegToolkit::makeWriter(const std::filesystem::pat
 
 std::unique_ptr<Asset> FfmpegToolkit::openAsset(const std::filesystem::path& location) {
     const auto following = following_->of(location);
-    auto movie = following ? following->finishedMovie() : nullptr;
-    return std::make_unique<MovieAsset>(movie ? std::move(movie)
-                                              : openMovie(fileSystem_, location));
+    if (auto movie = following ? following->finishedMovie() : nullptr) {
+        return std::make_unique<MovieAsset>(std::move(movie), MovieAsset::Origin::written);
+    }
+    return std::make_unique<MovieAsset>(openMovie(fileSystem_, location));
 }
 
 std::unique_ptr<Composition> FfmpegToolkit::makeComposition() {

@@ -52,7 +52,11 @@ void TrackSamples::addTo(const StereoBlock& block, float gain) {
 
 void TrackSamples::loadPacket() {
     const auto packet = packets_.next();
-    sound_ = packet ? decoder_.decode(*packet) : std::nullopt;
+    const bool isThere = packet && !packet->empty();
+    if (packet && packet->empty()) {
+        decoder_.forget(); // or what lies before the gap would echo behind it
+    }
+    sound_ = isThere ? decoder_.decode(*packet) : std::nullopt;
     position_ = 0;
 }
 

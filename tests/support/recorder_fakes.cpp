@@ -143,6 +143,8 @@ public:
 
     MediaTime duration() override { return toolkit_.exporting.duration; }
 
+    bool isWhole() noexcept override { return toolkit_.exporting.isWhole; }
+
 private:
     FakeMediaToolkit& toolkit_;
 };

@@ -170,6 +170,7 @@ struct ExportBehaviour {
     std::exception_ptr insertError;
     std::exception_ptr exportError;
     MediaTime duration{48000, 48000};
+    bool isWhole = true;
     std::optional<std::size_t> trackCount; ///< absent: as many as the writer had inputs
     bool compositionTakesTracks = true;
     bool sessionCanBeMade = true;

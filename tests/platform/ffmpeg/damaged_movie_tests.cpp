@@ -10,6 +10,8 @@
 #include "platform/ffmpeg/aac.h"
 #include "platform/ffmpeg/box_reader.h"
 #include "platform/ffmpeg/box_writer.h"
+#include "platform/ffmpeg/fragment_parser.h"
+#include "platform/ffmpeg/movie_asset.h"
 #include "tests/platform/ffmpeg/memory_file_system.h"
 #include "tests/platform/ffmpeg/movie_recording.h"
 
@@ -58,7 +60,31 @@ std::int64_t durationOf(const std::vector<std::byte>& movie) {
     return ffmpeg::FfmpegToolkit(files).openAsset("movie.mov")->duration().inUnitsOf(48000);
 }
 
-TEST(DamagedMovie, aFragmentThatDoesNotAddUpEndsTheMovie) {
+/// Frames in each track of the second fragment of a movie: ten seconds, in whole packets.
+constexpr std::int64_t secondFragment = 528'384 - 48'128;
+
+/// In frames of all tracks together.
+std::int64_t gapsIn(const std::vector<std::byte>& movie) {
+    MemoryFileSystem files;
+    files.put("movie.mov", movie);
+    const ffmpeg::MovieScan scan = ffmpeg::openMovie(files, "movie.mov")->scan;
+    std::int64_t gaps = 0;
+    std::vector<std::int64_t> ends(scan.tracks.size());
+    for (std::size_t index = 0; index < scan.fragments.size(); ++index) {
+        const auto fragment =
+            ffmpeg::readFragment(*files.open("movie.mov"), scan.fragments[index], scan.tracks);
+        for (const ffmpeg::PacketRow& row : fragment.rows) {
+            gaps += scan.startsOf(index)[row.track] - ends[row.track];
+            ends[row.track] = scan.startsOf(index)[row.track];
+            for (const ffmpeg::PacketPlace& packet : row.packets) {
+                ends[row.track] += packet.duration;
+            }
+        }
+    }
+    return gaps;
+}
+
+TEST(DamagedMovie, aFragmentThatDoesNotAddUpIsAGap) {
     const auto movie = recordMovie(12 * second, tone(440, 0.5F));
     ASSERT_EQ(durationOf(movie), 12 * second);
 
@@ -81,16 +107,18 @@ TEST(DamagedMovie, aFragmentThatDoesNotAddUpEndsTheMovie) {
     for (const Case& test : cases) {
         auto damaged = movie;
         setNumber(damaged, findContent(damaged, test.box, test.skip) + test.field, test.value);
-        EXPECT_EQ(durationOf(damaged), 48128) << test.box << " " << test.field;
+        EXPECT_EQ(durationOf(damaged), 12 * second) << test.box << " " << test.field;
+        EXPECT_EQ(gapsIn(damaged), 2 * secondFragment) << test.box << " " << test.field;
     }
 }
 
-TEST(DamagedMovie, aFragmentWithoutPacketsEndsTheMovie) {
+TEST(DamagedMovie, aFragmentWithoutPacketsIsAGap) {
     auto movie = recordMovie(12 * second, tone(440, 0.5F));
     for (const int track : {2, 3}) {
         setNumber(movie, findContent(movie, "trun", track) + 4, 0);
     }
-    EXPECT_EQ(durationOf(movie), 48128);
+    EXPECT_EQ(durationOf(movie), 12 * second);
+    EXPECT_EQ(gapsIn(movie), 2 * secondFragment);
 }
 
 /// Packets of four bytes and 1024 frames of the first track, each said to lie at an offset in its

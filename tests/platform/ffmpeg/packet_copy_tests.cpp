@@ -110,6 +110,34 @@ TEST_F(PacketCopy, damagedPacketsAreNotCopiedButCodedAgain) {
     EXPECT_EQ(framesOf(file, 0), 3 * second);
 }
 
+TEST_F(PacketCopy, trackWithAGapIsNotCopiedButSilentThere) {
+    for (const auto& track : {systemTrack, microphoneTrack}) {
+        auto movie = recordMovie(13 * second, clicks({20'000, 200'000, 570'000}), {track});
+        const auto boxes = topBoxes(movie);
+        ASSERT_EQ(boxes[5].type, "moof");
+        movie[boxes[5].offset + 1] ^= std::byte{0x10};
+        exportAt(movie, 1.0F);
+        EXPECT_EQ(framesOf(file, 0), 13 * second);
+        const auto samples = decode(file, 0);
+        EXPECT_LE(std::abs(clickIn(samples, 0, second) - 20'000), 2);
+        EXPECT_LE(std::abs(clickIn(samples, 540'000, 600'000) - 570'000), 2);
+        const auto gap = std::span(samples).subspan(49'152, 528'384 - 49'152 - 1024);
+        EXPECT_LT(std::ranges::max(gap, {}, [](float sample) { return std::abs(sample); }), 1e-4F);
+    }
+}
+
+TEST_F(PacketCopy, whatLiesBeforeAGapDoesNotEchoBehindIt) {
+    const auto toneAtFirst = [](std::int64_t frame) {
+        return frame < 60'000 ? speech()(frame) : 0.0F;
+    };
+    auto movie = recordMovie(13 * second, toneAtFirst, {microphoneTrack});
+    movie[topBoxes(movie)[5].offset + 1] ^= std::byte{0x10};
+    exportAt(movie, 1.0F);
+    const auto samples = decode(file, 0);
+    const auto behind = std::span(samples).subspan(528'384 - 2048, 4096);
+    EXPECT_LT(std::ranges::max(behind, {}, [](float sample) { return std::abs(sample); }), 1e-3F);
+}
+
 TEST_F(PacketCopy, packetsThatNothingVouchesForAreCodedAgain) {
     auto movie = recordMovie(3 * second, speech(), {systemTrack});
     const auto boxes = topBoxes(movie);
