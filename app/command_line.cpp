@@ -42,6 +42,7 @@ Options:
   -v, --version             Print the version.
 
 Exit status: 0 saved, 1 failed, 2 wrong usage. Of doctor: 0 nothing is wrong, 1 something is.
+Of recover: 3 saved, but for a part that is damaged.
 )");
 
 const QString seconds = QStringLiteral("seconds");

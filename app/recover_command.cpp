@@ -13,6 +13,9 @@ namespace vantoro {
 
 namespace {
 
+/// The exit status when final files were made, but not of all that was recorded.
+constexpr int partlyUnreadable = 3;
+
 bool isFolder(const std::filesystem::path& path) {
     std::error_code error;
     return std::filesystem::is_directory(path, error);
@@ -27,24 +30,34 @@ bool print(const std::vector<std::filesystem::path>& files) {
     return std::cout.good();
 }
 
+/// The exit status.
+int report(const SalvageResult& result, const std::filesystem::path& folder, Terminal& terminal,
+           const L10n& texts) {
+    for (const auto& original : result.keptOriginals) {
+        terminal.message(texts.originalKept(original));
+    }
+    if (!print(result.recordings)) {
+        terminal.message("The recovered recordings are in " + folder.string() +
+                         "; their names could not be printed.");
+        return 1;
+    }
+    return result.keptOriginals.empty() ? 0 : partlyUnreadable;
+}
+
 int recover(const std::filesystem::path& folder, const SalvagePlatform& platform, Ending& ending,
             Terminal& terminal, const L10n& texts) {
     std::stop_source stop;
     ending.moved({.folder = folder, .language = texts.language()});
     const Ending::Attendance attendance(ending, [&stop] { stop.request_stop(); });
-    const auto files =
+    const auto result =
         recoverIncompleteRecordings(platform, folder, stop.get_token(), [&](double fraction) {
             ending.moved();
             terminal.showLine(savingLine(fraction, texts));
         });
     terminal.clearLine();
-    const bool isPrinted = print(files);
-    if (!isPrinted) {
-        terminal.message("The recovered recordings are in " + folder.string() +
-                         "; their names could not be printed.");
-    }
-    ending.concluded(isPrinted ? 0 : 1);
-    return isPrinted ? 0 : 1;
+    const int status = report(result, folder, terminal, texts);
+    ending.concluded(status);
+    return status;
 }
 
 } // namespace

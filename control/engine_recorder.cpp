@@ -48,9 +48,8 @@ bool EngineRecorder::hasKeptRecording() const {
     return recorder_.hasKeptRecording();
 }
 
-std::vector<std::filesystem::path>
-EngineRecorder::recoverIncompleteRecordings(const std::filesystem::path& folder,
-                                            const std::stop_token& stop) {
+SalvageResult EngineRecorder::recoverIncompleteRecordings(const std::filesystem::path& folder,
+                                                          const std::stop_token& stop) {
     return recorder_.recoverIncompleteRecordings(folder, stop);
 }
 

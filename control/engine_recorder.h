@@ -27,9 +27,8 @@ public:
     void expectVolumes(float systemVolume, float microphoneVolume) override;
     std::filesystem::path stop(float systemVolume, float microphoneVolume) override;
     bool hasKeptRecording() const override;
-    std::vector<std::filesystem::path>
-    recoverIncompleteRecordings(const std::filesystem::path& folder,
-                                const std::stop_token& stop) override;
+    SalvageResult recoverIncompleteRecordings(const std::filesystem::path& folder,
+                                              const std::stop_token& stop) override;
 
 private:
     CaptureInterruptedCallback onInterruptionCause_;

@@ -21,8 +21,7 @@ RecordingViewModel::RecordingViewModel(std::unique_ptr<Recorder> recorder,
       platform_(platform),
       texts_(platform.preferences),
       recorder_(std::move(recorder)),
-      salvage_(platform.scheduler, recorder_,
-               [this](const auto& recordings) { recovered(recordings); }),
+      salvage_(platform.scheduler, recorder_, [this](const auto& result) { recovered(result); }),
       survey_(platform.scheduler, platform.audioDevices, platform.screenCaptureAccess,
               platform.microphoneAccess, [this](const auto& survey) { surveyed(survey); }) {
     installCallbacks();
@@ -240,11 +239,12 @@ void RecordingViewModel::recoverIncompleteRecordings() {
     }
 }
 
-void RecordingViewModel::recovered(const SalvageTask::Recordings& recordings) {
-    if (!recordings.empty() && !isBusy(values().state.which())) {
-        setLastRecordingURL(recordings.back());
+void RecordingViewModel::recovered(const SalvageResult& result) {
+    if (!result.recordings.empty() && !isBusy(values().state.which())) {
+        setLastRecordingURL(result.recordings.back());
         setState(RecordingState::Case::completed);
-        setErrorMessage(texts_.recovered(recordings.size()));
+        setErrorMessage(texts_.recovered(result.recordings.size()) +
+                        texts_.originalsKept(result.keptOriginals));
     }
     Q_EMIT salvageEnded();
 }

@@ -98,7 +98,7 @@ private:
     void surveyed(const Survey& survey);
     void moveTo(const std::filesystem::path& outputDirectory);
     void recoverIncompleteRecordings();
-    void recovered(const SalvageTask::Recordings& recordings);
+    void recovered(const SalvageResult& result);
 
     void updateAudioLevel(AudioLevelSource source, float level);
     void updateCondition(AudioLevelSource source, SourceCondition condition);

@@ -7,7 +7,7 @@
 namespace vantoro {
 
 SalvageTask::SalvageTask(Scheduler& scheduler, std::shared_ptr<Recorder> recorder,
-                         std::function<void(const Recordings&)> onEnded)
+                         std::function<void(const SalvageResult&)> onEnded)
     : scheduler_(scheduler), recorder_(std::move(recorder)), onEnded_(std::move(onEnded)) {}
 
 SalvageTask::~SalvageTask() {
@@ -51,14 +51,14 @@ void SalvageTask::begin(const std::filesystem::path& folder) {
         &SalvageTask::finish);
 }
 
-void SalvageTask::finish(const Answer<Recordings>& answer) {
+void SalvageTask::finish(const Answer<SalvageResult>& answer) {
     running_ = false;
     const bool cancelled = stop_.stop_requested();
     if (const auto folder = std::exchange(next_, std::nullopt)) {
         begin(*folder);
     }
     if (!cancelled) {
-        onEnded_(answer.value_or(Recordings()));
+        onEnded_(answer.value_or(SalvageResult()));
     }
 }
 

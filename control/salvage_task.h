@@ -7,7 +7,6 @@
 #include <memory>
 #include <optional>
 #include <stop_token>
-#include <vector>
 
 #include <QtCore/QObject>
 
@@ -23,11 +22,9 @@ namespace vantoro {
 /// for that: the file would be locked for it.
 class SalvageTask final : public QObject {
 public:
-    using Recordings = std::vector<std::filesystem::path>;
-
     /// `onEnded` is told of what each salvage made, be it nothing, unless it was cancelled.
     SalvageTask(Scheduler& scheduler, std::shared_ptr<Recorder> recorder,
-                std::function<void(const Recordings&)> onEnded);
+                std::function<void(const SalvageResult&)> onEnded);
     SalvageTask(const SalvageTask&) = delete;
     SalvageTask& operator=(const SalvageTask&) = delete;
     /// Cancels.
@@ -48,11 +45,11 @@ public:
 
 private:
     void begin(const std::filesystem::path& folder);
-    void finish(const Answer<Recordings>& answer);
+    void finish(const Answer<SalvageResult>& answer);
 
     Scheduler& scheduler_;
     std::shared_ptr<Recorder> recorder_;
-    std::function<void(const Recordings&)> onEnded_;
+    std::function<void(const SalvageResult&)> onEnded_;
     bool running_ = false;
     bool isSuspended_ = false;
     std::stop_source stop_;                     // of the salvage that runs, or ran last

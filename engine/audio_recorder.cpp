@@ -185,9 +185,8 @@ std::filesystem::path AudioRecorder::stop(float systemVolume, float microphoneVo
     }
 }
 
-std::vector<std::filesystem::path>
-AudioRecorder::recoverIncompleteRecordings(const std::filesystem::path& folder,
-                                           const std::stop_token& stop) {
+SalvageResult AudioRecorder::recoverIncompleteRecordings(const std::filesystem::path& folder,
+                                                         const std::stop_token& stop) {
     return vantoro::recoverIncompleteRecordings(
         {platform_.mediaToolkit, platform_.fileSystem, platform_.clock}, folder, stop,
         onExportProgress);

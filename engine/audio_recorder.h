@@ -19,6 +19,7 @@
 #include "engine/ports/media_toolkit.h"
 #include "engine/ports/permissions.h"
 #include "engine/recording_types.h"
+#include "engine/salvage.h"
 #include "engine/sample_path.h"
 #include "engine/serial_queue.h"
 
@@ -69,8 +70,8 @@ public:
 
     /// Finishes the recordings in the folder that were interrupted; see `salvage.h`. Blocks. May
     /// run beside all else: a recording in work is passed over.
-    std::vector<std::filesystem::path>
-    recoverIncompleteRecordings(const std::filesystem::path& folder, const std::stop_token& stop);
+    SalvageResult recoverIncompleteRecordings(const std::filesystem::path& folder,
+                                              const std::stop_token& stop);
 
     // Set before `start`, and not while a recording runs. Each may be empty.
 

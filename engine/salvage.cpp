@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "engine/file_names.h"
+#include "engine/set_aside.h"
 #include "engine/track_mixing.h"
 
 namespace vantoro {
@@ -49,11 +50,16 @@ bool isToBeRecovered(MediaToolkit& mediaToolkit, FileSystem& fileSystem,
     }
 }
 
-/// The final file; nothing when the candidate is to stay. Throws what made the attempt fail.
-std::optional<std::filesystem::path> recover(const SalvagePlatform& platform,
-                                             const std::filesystem::path& candidate,
-                                             const std::stop_token& stop,
-                                             const ExportProgress& progress) {
+/// A final file, and its original where that was kept.
+struct Recovered {
+    std::filesystem::path recording;
+    std::optional<std::filesystem::path> keptOriginal;
+};
+
+/// Nothing when the candidate is to stay. Throws what made the attempt fail.
+std::optional<Recovered> recover(const SalvagePlatform& platform,
+                                 const std::filesystem::path& candidate,
+                                 const std::stop_token& stop, const ExportProgress& progress) {
     const auto lock = platform.fileSystem.lock(candidate);
     if (!lock) {
         return std::nullopt; // still being recorded, or salvaged by somebody else
@@ -63,19 +69,25 @@ std::optional<std::filesystem::path> recover(const SalvagePlatform& platform,
         return std::nullopt;
     }
     auto place = uniqueOutputURL(candidate.parent_path(), platform.fileSystem, platform.clock);
-    const auto final = exportRecoveredAsset(platform, *asset, std::move(place), progress, stop);
+    auto final = exportRecoveredAsset(platform, *asset, std::move(place), progress, stop);
+    std::optional<std::filesystem::path> keptOriginal;
     try {
         if (stop.stop_requested()) {
             final.file->discard();
             return std::nullopt;
         }
-        platform.fileSystem.remove(candidate);
+        if (asset->isWhole()) {
+            platform.fileSystem.remove(candidate);
+        } else {
+            keptOriginal = setAside(platform.fileSystem, candidate, final.location);
+        }
     } catch (...) {
         // A recording is never both kept for another attempt and finished.
         final.file->discard();
         throw;
     }
-    return final.location;
+    return Recovered{.recording = std::move(final.location),
+                     .keptOriginal = std::move(keptOriginal)};
 }
 
 std::vector<FolderEntry> listOrNothing(FileSystem& fileSystem,
@@ -110,24 +122,27 @@ std::size_t recordingsToRecover(MediaToolkit& mediaToolkit, FileSystem& fileSyst
     }));
 }
 
-std::vector<std::filesystem::path> recoverIncompleteRecordings(const SalvagePlatform& platform,
-                                                               const std::filesystem::path& folder,
-                                                               const std::stop_token& stop,
-                                                               const ExportProgress& progress) {
-    std::vector<std::filesystem::path> recovered;
+SalvageResult recoverIncompleteRecordings(const SalvagePlatform& platform,
+                                          const std::filesystem::path& folder,
+                                          const std::stop_token& stop,
+                                          const ExportProgress& progress) {
+    SalvageResult result;
     for (const auto& candidate : incompleteRecordings(listOrNothing(platform.fileSystem, folder))) {
         if (stop.stop_requested()) {
             break;
         }
         try {
-            if (auto location = recover(platform, candidate, stop, progress)) {
-                recovered.push_back(std::move(*location));
+            if (auto recovered = recover(platform, candidate, stop, progress)) {
+                result.recordings.push_back(std::move(recovered->recording));
+                if (recovered->keptOriginal) {
+                    result.keptOriginals.push_back(std::move(*recovered->keptOriginal));
+                }
             }
         } catch (const std::exception&) { // NOLINT(bugprone-empty-catch)
             // It stays for the next time, and the others have their turn.
         }
     }
-    return recovered;
+    return result;
 }
 
 } // namespace vantoro

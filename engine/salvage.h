@@ -20,6 +20,15 @@ struct SalvagePlatform {
     const Clock& clock;
 };
 
+/// What a salvage has made.
+struct SalvageResult {
+    std::vector<std::filesystem::path> recordings; ///< final files, in the order of their making
+    /// What was kept of those that could not be read whole; see `setAside`.
+    std::vector<std::filesystem::path> keptOriginals;
+
+    friend bool operator==(const SalvageResult&, const SalvageResult&) = default;
+};
+
 /// Whether a file has the name of a recording that was not finished.
 bool isIncompleteRecording(const std::filesystem::path& file);
 
@@ -34,14 +43,14 @@ std::size_t recordingsToRecover(MediaToolkit& mediaToolkit, FileSystem& fileSyst
                                 const std::filesystem::path& folder);
 
 /// Makes a final file of each unfinished recording in the folder, every track at full volume, and
-/// then deletes what it was made from. Returns the final files in the order in which they were
-/// made. Blocks; task threads only. Never throws: what cannot be read, is in use by a recorder, or
-/// cannot be exported or deleted stays, and nothing is left of the attempt.
+/// then deletes what it was made from, or sets it aside where not all of it could be read. Blocks;
+/// task threads only. Never throws: what cannot be read at all, is in use by a recorder, or cannot
+/// be exported, deleted or set aside stays, and nothing is left of the attempt.
 /// A requested stop is honoured before each recording, within its export, and right after it.
 /// `progress` is told of each recording's export on this thread; it may be empty.
-std::vector<std::filesystem::path> recoverIncompleteRecordings(const SalvagePlatform& platform,
-                                                               const std::filesystem::path& folder,
-                                                               const std::stop_token& stop,
-                                                               const ExportProgress& progress);
+SalvageResult recoverIncompleteRecordings(const SalvagePlatform& platform,
+                                          const std::filesystem::path& folder,
+                                          const std::stop_token& stop,
+                                          const ExportProgress& progress);
 
 } // namespace vantoro

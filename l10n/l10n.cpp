@@ -40,6 +40,35 @@ std::string L10n::roomLeft(std::int64_t minutes) const {
                        : "磁盘空间即将用尽：剩余空间大约还能录音 " + number + " 分钟。";
 }
 
+std::string L10n::originalsKept(const std::vector<std::filesystem::path>& originals) const {
+    if (originals.empty()) {
+        return {};
+    }
+    const bool isEnglish = language() == AppLanguage::english;
+    if (originals.size() == 1) {
+        const auto name = originals.front().filename().string();
+        return isEnglish
+                   ? " Part of it could not be read. The damaged original was kept in the "
+                     "recording folder as " +
+                         name + "."
+                   : "其中有一部分内容无法读取，损坏的原始文件已保留在录音文件夹中：" + name + "。";
+    }
+    const auto number = std::to_string(originals.size());
+    return isEnglish ? " Parts of " + number +
+                           " of them could not be read. The damaged originals were kept in the "
+                           "recording folder. Their names end in “.incomplete.mov”."
+                     : "其中 " + number +
+                           " 段录音有一部分内容无法读取，损坏的原始文件已保留在录音文件夹中，"
+                           "文件名以“.incomplete.mov”结尾。";
+}
+
+std::string L10n::originalKept(const std::filesystem::path& original) const {
+    return language() == AppLanguage::english
+               ? "Part of a recording could not be read. The damaged original was kept: " +
+                     original.string()
+               : "有一段录音的一部分内容无法读取，损坏的原始文件已保留：" + original.string();
+}
+
 std::string L10n::newVersionAvailable(std::string_view version) const {
     const std::string inserted(version);
     return language() == AppLanguage::english ? "Version " + inserted + " is available."

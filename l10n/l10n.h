@@ -4,9 +4,11 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <filesystem>
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <vector>
 
 #include "engine/source_watch.h"
 #include "l10n/app_language.h"
@@ -99,6 +101,13 @@ public:
 
     /// That the disk has room for so many minutes of recording, less than one included.
     std::string roomLeft(std::int64_t minutes) const;
+
+    /// That parts of so many recordings could not be read, and where they were kept: a sentence to
+    /// append to that of `recovered`. Empty where there are none.
+    std::string originalsKept(const std::vector<std::filesystem::path>& originals) const;
+
+    /// The same of one recording, in a sentence of its own, with the file's whole path.
+    std::string originalKept(const std::filesystem::path& original) const;
 
     /// That there is a newer version than this one.
     std::string newVersionAvailable(std::string_view version) const;

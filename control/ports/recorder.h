@@ -5,11 +5,11 @@
 #include <filesystem>
 #include <functional>
 #include <stop_token>
-#include <vector>
 
 #include "engine/disk_room.h"
 #include "engine/level_meter.h"
 #include "engine/recording_types.h"
+#include "engine/salvage.h"
 #include "engine/sample_path.h"
 
 namespace vantoro {
@@ -48,12 +48,10 @@ public:
     /// recording of. Until the next `start`; any thread, and does not block.
     virtual bool hasKeptRecording() const = 0;
 
-    /// Returns the final files that it made of interrupted recordings in the folder, in order.
-    /// Never throws. Returns a moment after a stop was requested, also in the middle of one of
-    /// them, which then stays as it was.
-    virtual std::vector<std::filesystem::path>
-    recoverIncompleteRecordings(const std::filesystem::path& folder,
-                                const std::stop_token& stop) = 0;
+    /// Makes final files of interrupted recordings in the folder. Never throws. Returns a moment
+    /// after a stop was requested, also in the middle of one of them, which then stays as it was.
+    virtual SalvageResult recoverIncompleteRecordings(const std::filesystem::path& folder,
+                                                      const std::stop_token& stop) = 0;
 };
 
 } // namespace vantoro

@@ -36,6 +36,7 @@ struct RecorderScript {
     bool keepsRecording = true; ///< when a stop fails
     std::filesystem::path recording = "/music/recorded.m4a";
     Recordings salvaged; ///< what each salvage makes, heedless of a requested stop
+    Recordings keptOriginals;
     std::function<void()> duringStart;
     std::function<void()> duringStop;
     std::function<void()> duringSalvage;
@@ -89,13 +90,13 @@ public:
 
     bool hasKeptRecording() const override { return script_.keepsRecording; }
 
-    Recordings recoverIncompleteRecordings(const std::filesystem::path& folder,
-                                           const std::stop_token& stop) override {
+    SalvageResult recoverIncompleteRecordings(const std::filesystem::path& folder,
+                                              const std::stop_token& stop) override {
         script_.calls.emplace_back("salvage");
         script_.foldersSought.push_back(folder);
         meanwhile(script_.duringSalvage);
         script_.stopRequested.push_back(stop.stop_requested());
-        return script_.salvaged;
+        return {script_.salvaged, script_.keptOriginals};
     }
 
 private:

@@ -25,6 +25,16 @@ TEST_F(ViewModelTest, saysThatOneRecordingWasSalvaged) {
     EXPECT_EQ(message(), "A previously interrupted recording was recovered and saved.");
 }
 
+TEST_F(ViewModelTest, saysWhatOfARecordingCouldNotBeReadAndWhereThatIs) {
+    recorder.salvaged = {"/music/only.m4a"};
+    recorder.keptOriginals = {"/music/only.incomplete.mov"};
+    launchAndSettle();
+    EXPECT_EQ(message(), "A previously interrupted recording was recovered and saved. Part of it "
+                         "could not be read. The damaged original was kept in the recording folder "
+                         "as only.incomplete.mov.");
+    EXPECT_EQ(lastRecording(), "/music/only.m4a");
+}
+
 TEST_F(ViewModelTest, showsNothingOfASalvageThatFoundNothing) {
     launchAndSettle();
     EXPECT_EQ(recorder.calls, std::vector<std::string>{"salvage"});

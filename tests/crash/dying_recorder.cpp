@@ -38,15 +38,17 @@ std::int64_t framesDue(std::int64_t heard) {
 
 std::int64_t framesOnDisk(FileSystem& fileSystem, const std::filesystem::path& folder) {
     ffmpeg::FfmpegToolkit toolkit(fileSystem);
-    for (const auto& file : incompleteRecordings(fileSystem.list(folder))) {
-        try {
-            const auto duration = toolkit.openAsset(file)->duration();
-            return duration.isValid() ? duration.inUnitsOf(48000) : 0;
-        } catch (const std::exception&) {
-            return 0; // not even its header is there
-        }
+    const auto files = incompleteRecordings(fileSystem.list(folder));
+    if (files.empty()) {
+        return 0;
     }
-    return 0;
+    try {
+        // The others are older.
+        const auto duration = toolkit.openAsset(files.back())->duration();
+        return duration.isValid() ? duration.inUnitsOf(48000) : 0;
+    } catch (const std::exception&) {
+        return 0; // not even its header is there
+    }
 }
 
 int run(const std::filesystem::path& folder, std::int64_t frames, bool whenSafe) {

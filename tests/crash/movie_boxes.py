@@ -29,6 +29,11 @@ def whole_frames(data):
     return {track: max(0, count - 1024) for track, count in frames.items()}
 
 
+def ends_torn(data):
+    """Whether the file ends in the middle of a box."""
+    return max((end for _, _, end in boxes(data)), default=0) < len(data)
+
+
 def fragment_frames(data, begin, end):
     frames = {}
     for kind, content, traf_end in boxes(data, begin, end):

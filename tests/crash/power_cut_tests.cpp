@@ -25,7 +25,7 @@ constexpr std::int64_t second = 48000;
 std::vector<std::filesystem::path> salvage(JournalingDisk& disk) {
     ffmpeg::FfmpegToolkit toolkit(disk);
     const posix::SystemClock clock;
-    return recoverIncompleteRecordings({toolkit, disk, clock}, recordings, {}, {});
+    return recoverIncompleteRecordings({toolkit, disk, clock}, recordings, {}, {}).recordings;
 }
 
 /// The power fails after each operation of a run, in each way in which it can.

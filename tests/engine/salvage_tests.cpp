@@ -35,10 +35,12 @@ protected:
         fileSystem.leave("/r/" + name, modified);
     }
 
-    Files recover() {
+    SalvageResult salvage() {
         return recoverIncompleteRecordings({toolkit, fileSystem, clock}, "/r", stop.get_token(),
                                            {});
     }
+
+    Files recover() { return salvage().recordings; }
 
     bool isThere(const std::string& name) const {
         return fileSystem.entries.contains("/r/" + name);
@@ -182,6 +184,34 @@ TEST_F(SalvageTest, fileIsLockedFromItsReadingToItsDeletion) {
     EXPECT_EQ(calls.front(), "lock a.partial.mov");
     EXPECT_EQ(calls.back(), "unlock a.partial.mov");
     EXPECT_EQ(*(calls.end() - 2), "remove a.partial.mov");
+}
+
+TEST_F(SalvageTest, originalThatIsNotWholeIsSetAsideAndNotSalvagedAgain) {
+    put("a.partial.mov", daysAgo(1));
+    toolkit.exporting.isWhole = false;
+    const std::filesystem::path kept = "/r/Vantoro-2025-03-01-093015.incomplete.mov";
+    EXPECT_EQ(salvage(), (SalvageResult{{finalFiles[0]}, {kept}}));
+    EXPECT_EQ(fileSystem.entries, (std::set{finalFiles[0], kept}));
+    EXPECT_FALSE(log.contains("remove a.partial.mov"));
+    EXPECT_TRUE(incompleteRecordings({{kept, daysAgo(1)}}).empty());
+}
+
+TEST_F(SalvageTest, wholeOriginalIsNotKept) {
+    put("a.partial.mov", daysAgo(1));
+    EXPECT_EQ(salvage(), (SalvageResult{{finalFiles[0]}, {}}));
+}
+
+TEST_F(SalvageTest, originalIsSetAsideOnlyWhenTheFinalFilesNameIsOnTheDisk) {
+    put("a.partial.mov", daysAgo(1));
+    toolkit.exporting.isWhole = false;
+    recover();
+    const auto calls = log.calls();
+    const auto synced = std::ranges::find(calls, "syncFolder /r");
+    const auto moved =
+        std::ranges::find(calls, "move a.partial.mov Vantoro-2025-03-01-093015.incomplete.mov");
+    ASSERT_NE(moved, calls.end());
+    EXPECT_LT(synced, moved);
+    EXPECT_EQ(calls.back(), "unlock a.partial.mov");
 }
 
 TEST_F(SalvageTest, stopBeforeTheFirstTouchesNothing) {

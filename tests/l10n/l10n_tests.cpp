@@ -193,6 +193,33 @@ TEST_F(ComposedTextTest, roomThatIsLeftIsCountedInMinutes) {
     }
 }
 
+TEST_F(ComposedTextTest, keptOriginalsAreNamedOrCounted) {
+    for (const auto& texts : {english, chinese}) {
+        EXPECT_EQ(texts.originalsKept({}), "");
+    }
+    EXPECT_EQ(
+        english.originalsKept({"/r/a.incomplete.mov"}),
+        " Part of it could not be read. The damaged original was kept in the recording folder "
+        "as a.incomplete.mov.");
+    EXPECT_EQ(chinese.originalsKept({"/r/a.incomplete.mov"}),
+              "其中有一部分内容无法读取，损坏的原始文件已保留在录音文件夹中：a.incomplete.mov。");
+    const std::vector<std::filesystem::path> two{"/r/a.incomplete.mov", "/r/b.incomplete.mov"};
+    EXPECT_EQ(english.originalsKept(two),
+              " Parts of 2 of them could not be read. The damaged originals were kept in the "
+              "recording folder. Their names end in “.incomplete.mov”.");
+    EXPECT_EQ(chinese.originalsKept(two),
+              "其中 2 段录音有一部分内容无法读取，损坏的原始文件已保留在录音文件夹中，"
+              "文件名以“.incomplete.mov”结尾。");
+}
+
+TEST_F(ComposedTextTest, keptOriginalIsToldWithItsPath) {
+    EXPECT_EQ(english.originalKept("/r/a.incomplete.mov"),
+              "Part of a recording could not be read. The damaged original was kept: "
+              "/r/a.incomplete.mov");
+    EXPECT_EQ(chinese.originalKept("/r/a.incomplete.mov"),
+              "有一段录音的一部分内容无法读取，损坏的原始文件已保留：/r/a.incomplete.mov");
+}
+
 TEST_F(ComposedTextTest, newVersionIsInsertedUnchanged) {
     EXPECT_EQ(english.newVersionAvailable("1.2.0"), "Version 1.2.0 is available.");
     EXPECT_EQ(chinese.newVersionAvailable("1.2.0"), "发现新版本 1.2.0。");
