@@ -204,7 +204,8 @@ void AudioRecorder::stopStream() {
         stream->stopCapture();
     } catch (...) {
         // What was captured is saved all the same.
-        captureQueue_.sync([&] { samplePath_.recordErrorIfNone(std::current_exception()); });
+        const auto error = std::current_exception(); // of this thread
+        captureQueue_.sync([&] { samplePath_.recordErrorIfNone(error); });
     }
     captureQueue_.sync([this] { stream_.reset(); });
 }

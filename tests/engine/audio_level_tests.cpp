@@ -2,6 +2,7 @@
 
 #include "engine/audio_level.h"
 
+#include <algorithm>
 #include <cmath>
 #include <numbers>
 #include <vector>
@@ -75,13 +76,30 @@ TEST(AudioLevel, allChannelsCount) {
     EXPECT_NEAR(audioLevel(bufferOf(samples, 2)), 0.933104F, 1e-5F);
 }
 
+TEST(AudioLevel, sumsInSinglePrecisionInTheOrderOfTheSamples) {
+    // Behind 2^19 full samples the squares of an eighth are below what the sum can still tell.
+    std::vector<float> samples(1U << 20U, 0.125F);
+    std::fill_n(samples.begin(), 1U << 19U, 1.0F);
+    EXPECT_NEAR(audioLevel(bufferOf(samples, 1)), 0.933104F, 1e-5F);
+    std::ranges::reverse(samples);
+    EXPECT_NEAR(audioLevel(bufferOf(samples, 1)), 0.934600F, 1e-5F);
+}
+
 TEST(AudioLevel, sixteenBitSamplesAreDividedByTheirLargestValue) {
     EXPECT_FLOAT_EQ(audioLevel(bufferOf(std::vector<std::int16_t>(512, 32767), 2)), 1.0F);
-    EXPECT_NEAR(audioLevel(bufferOf(std::vector<std::int16_t>(512, 16384), 2)), 0.866214F, 1e-5F);
+    // 20 log10(16384 / 32767) = -6.02033 dBFS
+    EXPECT_NEAR(audioLevel(bufferOf(std::vector<std::int16_t>(512, 16384), 2)), 0.8662148F, 2e-6F);
 }
 
 TEST(AudioLevel, thirtyTwoBitSamplesAreScaledByTwoToTheThirtyFirst) {
     EXPECT_NEAR(audioLevel(bufferOf(std::vector<std::int32_t>(512, 1 << 30), 1)), 0.866209F, 1e-5F);
+}
+
+TEST(AudioLevel, oneFrameAtOneHertzIsEnough) {
+    const std::vector<float> loud(2, 1.0F);
+    auto buffer = bufferOf(loud, 2);
+    buffer.format->sampleRate = 1;
+    EXPECT_FLOAT_EQ(audioLevel(buffer), 1.0F);
 }
 
 TEST(AudioLevel, whatCannotBeMeasuredReadsZero) {

@@ -130,6 +130,44 @@ TEST_F(AudioRecorderStop, failedStopOfTheCaptureIsNotTheStopsFailure) {
     EXPECT_TRUE(interruptions.empty());
 }
 
+TEST_F(AudioRecorderStop, whatComesAfterAFailedStopOfTheCaptureIsLeftOut) {
+    startAndCapture(systemAudioOnly());
+    capture.stopError = platformError();
+    capture.whenStreamGoes = [this] { capture.deliver(bufferAt(256), StreamOutputType::audio); };
+    EXPECT_EQ(recorder.stop(1, 1), finalFile);
+    EXPECT_TRUE(log.contains("append system 0"));
+    EXPECT_FALSE(log.contains("append system 256"));
+}
+
+TEST_F(AudioRecorderStop, streamIsGoneBeforeTheFileIsFinished) {
+    capture.whenStreamGoes = [this] { log.add("stream is gone"); };
+    startAndCapture(bothSources());
+    recorder.stop(1, 1);
+    const auto calls = log.calls();
+    EXPECT_LT(std::ranges::find(calls, "stream is gone"),
+              std::ranges::find(calls, "markAsFinished system"));
+}
+
+TEST_F(AudioRecorderStop, eachSourcesSoundGoesToItsOwnTrackAlone) {
+    startAndCapture(bothSources());
+    capture.deliver(bufferAt(256), StreamOutputType::audio);
+    capture.deliver(bufferAt(512, 1), StreamOutputType::microphone);
+    EXPECT_EQ(log.startingWith("append"),
+              (std::vector<std::string>{"append system 0", "append microphone 0",
+                                        "append system 256", "append microphone 512"}));
+}
+
+TEST_F(AudioRecorderStop, whatAnEarlierRecordingKeptStaysWhenTheNextOneCannotStart) {
+    startAndCapture(bothSources());
+    toolkit.exporting.exportError = platformError();
+    EXPECT_THROW(recorder.stop(1, 1), std::exception);
+    const auto kept = fileSystem.temporaryFiles();
+    ASSERT_EQ(kept.size(), 1U);
+    toolkit.writing.creationError = platformError();
+    EXPECT_THROW(recorder.start(bothSources()), std::exception);
+    EXPECT_EQ(fileSystem.temporaryFiles(), kept);
+}
+
 TEST_F(AudioRecorderStop, streamThatStoppedByItselfIsReportedAndNotStoppedAgain) {
     startAndCapture(bothSources());
     const auto error = platformError("the sound server is gone");
@@ -327,9 +365,12 @@ TEST_F(AudioRecorderStop, progressOfTheExportIsReported) {
 TEST_F(AudioRecorderStop, destroyedWhileRecordingKeepsTheTemporaryFile) {
     auto other = std::make_unique<AudioRecorder>(
         RecorderPlatform{screen, microphone, content, capture, toolkit, fileSystem, clock});
+    bool onCaptureQueue = false;
+    capture.whenStreamGoes = [&] { onCaptureQueue = capture.queue->isCurrent(); };
     other->start(bothSources());
     capture.deliver(bufferAt(0), StreamOutputType::audio);
     other.reset();
+    EXPECT_TRUE(onCaptureQueue);
     EXPECT_EQ(capture.liveStreams, 0);
     EXPECT_EQ(fileSystem.temporaryFiles().size(), 1U);
 }

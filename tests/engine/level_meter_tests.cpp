@@ -2,6 +2,7 @@
 
 #include "engine/level_meter.h"
 
+#include <cmath>
 #include <utility>
 #include <vector>
 
@@ -54,6 +55,13 @@ TEST_F(LevelMeterTest, bufferAfterTheIntervalIsPublished) {
     publish(systemAudio, 1000);
     publish(systemAudio, 1000 + 1.0 / 15 + 1e-9);
     EXPECT_EQ(published.size(), 2U);
+}
+
+TEST_F(LevelMeterTest, intervalIsAFifteenthOfASecondToTheLastDigit) {
+    publish(systemAudio, std::nextafter(1.0 / 15, 0));
+    EXPECT_TRUE(published.empty());
+    publish(systemAudio, 1.0 / 15);
+    EXPECT_EQ(published.size(), 1U);
 }
 
 TEST_F(LevelMeterTest, levelIsThatOfTheOneBuffer) {

@@ -35,6 +35,11 @@ TEST(MediaTime, roundsToTheNearestUnit) {
     EXPECT_EQ((MediaTime{10'000'000'010'417, 1'000'000'000}).inUnitsOf(48000), 480'000'001);
 }
 
+TEST(MediaTime, isAlsoToldInSeconds) {
+    EXPECT_EQ((MediaTime{72000, 48000}).seconds(), 1.5);
+    EXPECT_EQ(MediaTime{}.seconds(), 0);
+}
+
 TEST(MediaTime, checkpointsAreOneAndTenSeconds) {
     EXPECT_EQ(AudioRecorder::initialCheckpointInterval.value, 600);
     EXPECT_EQ(AudioRecorder::initialCheckpointInterval.timescale, 600);

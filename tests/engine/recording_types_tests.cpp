@@ -31,7 +31,10 @@ TEST(RecordingTypes, optionsWithBothSourcesOffAreAValue) {
 TEST(RecordingTypes, onlyWriterFailedHasAMessage) {
     EXPECT_EQ(RecordingError::writerFailed("disk").message(), "disk");
     EXPECT_EQ(RecordingError(RecordingError::Case::exportFailed).message(), "");
+    EXPECT_EQ(RecordingError::writerFailed("disk"), RecordingError::writerFailed("disk"));
     EXPECT_NE(RecordingError::writerFailed("disk"), RecordingError::writerFailed("card"));
+    EXPECT_NE(RecordingError(RecordingError::Case::exportFailed),
+              RecordingError(RecordingError::Case::noAudioCaptured));
 }
 
 TEST(RecordingTypes, errorTellsDevelopersItsCaseAndDetail) {

@@ -115,6 +115,7 @@ TEST_F(SamplePathTest, writerThatCannotStartIsReportedOnceAndEverythingIsDropped
     EXPECT_EQ(interruptions,
               std::vector<std::string>{"writerFailed: Unable to start the file writer."});
     EXPECT_FALSE(path.hasStartedWriting());
+    EXPECT_TRUE(written().empty());
 }
 
 TEST_F(SamplePathTest, writerThatCannotStartIsReportedWithItsOwnError) {
@@ -163,6 +164,28 @@ TEST_F(SamplePathTest, quietlyRecordedErrorStopsTheWritingButTellsNobody) {
     path.append(bufferAt(0), systemAudio);
     EXPECT_TRUE(interruptions.empty());
     EXPECT_FALSE(log.contains("startWriting"));
+}
+
+TEST_F(SamplePathTest, aSingleFrameIsWritten) {
+    path.append(bufferAt(0, 2, 1), systemAudio);
+    EXPECT_EQ(written(), std::vector<std::string>{"append system 0"});
+}
+
+TEST_F(SamplePathTest, nothingIsTakenOnceTheRecordingIsOver) {
+    path.append(bufferAt(0), systemAudio);
+    path.disarm();
+    path.append(bufferAt(256), systemAudio);
+    path.append(bufferAt(256, 1), microphone);
+    EXPECT_EQ(written().size(), 1U);
+    EXPECT_EQ(levels, 1);
+    EXPECT_TRUE(interruptions.empty());
+}
+
+TEST_F(SamplePathTest, failureOfARecordingDoesNotConcernTheNextOne) {
+    path.interrupt(std::make_exception_ptr(std::runtime_error("gone")));
+    SetUp();
+    path.append(bufferAt(0), systemAudio);
+    EXPECT_EQ(written(), std::vector<std::string>{"append system 0"});
 }
 
 TEST_F(SamplePathTest, finishMarksTheSystemsTrackThenTheMicrophonesThenFinishes) {

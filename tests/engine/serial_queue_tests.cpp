@@ -122,6 +122,50 @@ TEST(SerialQueue, removedSourceRunsNoMore) {
     EXPECT_EQ(runs, before);
 }
 
+TEST(SerialQueue, sourceDoesNotRunBeforeItIsSignalled) {
+    SerialQueue queue("test");
+    int runs = 0;
+    const auto source = queue.addSource([&] { ++runs; });
+    queue.sync([] {});
+    queue.sync([] {});
+    EXPECT_EQ(runs, 0);
+}
+
+TEST(SerialQueue, signalWakesAQueueThatSleeps) {
+    SerialQueue queue("test");
+    std::atomic<int> runs{0};
+    const auto source = queue.addSource([&] { ++runs; });
+    for (int round = 1; round <= 200; ++round) {
+        queue.sync([] {});
+        for (int i = 0; i < 50; ++i) {
+            std::this_thread::yield(); // while the queue finds nothing to do
+        }
+        source.signal();
+        const auto end = std::chrono::steady_clock::now() + deadline;
+        while (runs < round && std::chrono::steady_clock::now() < end) {
+            std::this_thread::yield();
+        }
+        ASSERT_EQ(runs, round);
+    }
+}
+
+TEST(SerialQueue, removedSourceLetsGoOfWhatItsHandlerHolds) {
+    SerialQueue queue("test");
+    const auto held = std::make_shared<int>();
+    {
+        auto source = queue.addSource([held] {});
+        queue.sync([] {});
+        EXPECT_GT(held.use_count(), 1);
+        source = queue.addSource([] {});
+        queue.sync([] {});
+        EXPECT_EQ(held.use_count(), 1) << "replaced by another";
+        source = queue.addSource([held] {});
+        queue.sync([] {});
+    }
+    queue.sync([] {});
+    EXPECT_EQ(held.use_count(), 1);
+}
+
 TEST(SerialQueue, sourceMayRemoveItselfInItsHandler) {
     SerialQueue queue("test");
     std::promise<void> removed;

@@ -95,6 +95,36 @@ TEST_F(SourceWatchTest, bufferWithoutAFormatIsNoSilence) {
     EXPECT_TRUE(told.empty());
 }
 
+TEST_F(SourceWatchTest, bufferWithoutASampleRateIsNoSilence) {
+    auto buffer = bufferAt(0, 1, 4096, 0);
+    buffer.format->sampleRate = 0;
+    watch.observe(buffer, microphone, collect);
+    EXPECT_TRUE(told.empty());
+}
+
+TEST_F(SourceWatchTest, countsFrameByFrame) {
+    for (const bool afterSound : {false, true}) {
+        SourceWatch other;
+        told.clear();
+        if (afterSound) {
+            other.observe(bufferAt(0, 1, 480, 0.5F), microphone, collect);
+        }
+        auto buffer = bufferAt(0, 1, 9, 0);
+        buffer.format->sampleRate = 1;
+        other.observe(buffer, microphone, collect);
+        EXPECT_TRUE(told.empty());
+        buffer = bufferAt(0, 1, 1, 0);
+        buffer.format->sampleRate = 1;
+        other.observe(buffer, microphone, collect);
+        EXPECT_EQ(told, (Told{{microphone, silent}}));
+    }
+}
+
+TEST_F(SourceWatchTest, microphoneThatIsSwitchedOnIsNoNews) {
+    watch.setMuted(microphone, false, collect);
+    EXPECT_TRUE(told.empty());
+}
+
 TEST_F(SourceWatchTest, resetForgetsWhatWasToldAndHeard) {
     hear(microphone, 10, 0);
     watch.setMuted(microphone, true, collect);

@@ -266,7 +266,12 @@ public:
     FakeStream(const FakeStream&) = delete;
     FakeStream& operator=(const FakeStream&) = delete;
 
-    ~FakeStream() override { --service_.liveStreams; }
+    ~FakeStream() override {
+        if (service_.whenStreamGoes) {
+            service_.whenStreamGoes();
+        }
+        --service_.liveStreams;
+    }
 
     void addOutput(StreamOutputType type, SerialQueue& queue) override {
         throwIfSet(service_.addOutputError);

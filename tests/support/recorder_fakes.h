@@ -212,6 +212,7 @@ public:
     std::exception_ptr startError;
     std::exception_ptr stopError;
     std::function<void()> duringStart;
+    std::function<void()> whenStreamGoes;
     StreamConfiguration configuration; ///< of the last stream
     ContentFilter filter;
     int liveStreams = 0;
