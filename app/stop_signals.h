@@ -35,6 +35,9 @@ public:
     /// Ends the wait in progress, or the next one. Any thread.
     void wake() noexcept;
 
+    /// Can be read from, and must not be, while a signal was not yet waited for.
+    int descriptor() const noexcept { return signals_; }
+
 private:
     std::optional<Event> take() noexcept;
 

@@ -2,6 +2,7 @@
 
 #include "platform/pipewire/capture_timeline.h"
 
+#include <algorithm>
 #include <limits>
 #include <vector>
 
@@ -125,6 +126,22 @@ TEST_F(Timeline, doesNotMissWhatWasLostBeforeTheBeginning) {
     EXPECT_EQ(timeline.lose(tapA, 300), 200);
 }
 
+TEST_F(Timeline, toleratesThirtyMillisecondsBehindTheStamps) {
+    timeline.addTap(tapA, CaptureSource::systemAudio, start);
+    place(tapA, start, 100, 1);
+    EXPECT_EQ(place(tapA, start + 100 + 1440, 100, 1), 1440);
+    EXPECT_EQ(place(tapA, start + 200 + 1441, 100, 1), 0);
+}
+
+TEST_F(Timeline, toleratesAMillisecondInSilenceEitherWay) {
+    timeline.addTap(tapA, CaptureSource::systemAudio, start);
+    place(tapA, start, 1000, 1);
+    EXPECT_EQ(place(tapA, start + 1000 - 48, 100, 0), -48);
+    EXPECT_EQ(place(tapA, start + 1100 + 48, 100, 0), 48);
+    EXPECT_EQ(place(tapA, start + 1200 + 49, 100, 0), 0);
+    EXPECT_EQ(place(tapA, start + 1349 - 49, 100, 0), 0);
+}
+
 TEST_F(Timeline, neverOverlapsSoundThatIsAheadOfItsStamps) {
     timeline.addTap(tapA, CaptureSource::systemAudio, start);
     place(tapA, start, 4000, 1);
@@ -154,8 +171,10 @@ TEST_F(Timeline, bringsSilenceThatIsBehindToItsStamps) {
 TEST_F(Timeline, leavesOutWhatWasCapturedBeforeTheBeginning) {
     timeline.addTap(tapA, CaptureSource::systemAudio, start - 500);
     place(tapA, start - 60, 100, 1);
-    emitAll(start + 40);
-    EXPECT_EQ(system, std::vector<float>(40, 1));
+    emitAll(start + 100);
+    std::vector<float> expected(100, 0);
+    std::fill_n(expected.begin(), 40, 1.0F);
+    EXPECT_EQ(system, expected);
 }
 
 TEST_F(Timeline, waitsForTheSlowestTap) {
@@ -165,13 +184,16 @@ TEST_F(Timeline, waitsForTheSlowestTap) {
     EXPECT_EQ(timeline.horizon(start + 1000), start);
     place(mic, start, 400, 1);
     EXPECT_EQ(timeline.horizon(start + 1000), start + 400);
+    place(mic, start + 400, 700, 1);
+    EXPECT_EQ(timeline.horizon(start + 1100), start + 1000);
 }
 
 TEST_F(Timeline, waitsNoLongerThanItsPatience) {
     timeline.addTap(tapA, CaptureSource::systemAudio, start);
     timeline.addTap(mic, CaptureSource::microphone, start);
     place(tapA, start, 60000, 1);
-    EXPECT_EQ(timeline.horizon(start + CaptureTimeline::patience), start + 60000);
+    EXPECT_EQ(timeline.horizon(start + 47999), start);
+    EXPECT_EQ(timeline.horizon(start + 48000), start + 60000);
     timeline.removeTap(tapA);
     EXPECT_EQ(timeline.horizon(start + 90000), start + 90000 - CaptureTimeline::patience);
 }
@@ -179,6 +201,38 @@ TEST_F(Timeline, waitsNoLongerThanItsPatience) {
 TEST_F(Timeline, goesOnInSilenceWithoutAnyTap) {
     EXPECT_EQ(timeline.horizon(start + 60000), start + 60000 - CaptureTimeline::patience);
     EXPECT_EQ(timeline.end(start + 60000), start + 60000);
+}
+
+TEST_F(Timeline, endsWithItsTapsUnlessTheyAreATenthOfASecondBehind) {
+    timeline.addTap(tapA, CaptureSource::systemAudio, start);
+    EXPECT_EQ(timeline.end(start + 4800), start);
+    EXPECT_EQ(timeline.end(start + 4801), start + 4801);
+}
+
+TEST_F(Timeline, emitsWholeBlocksWhileItGoesOn) {
+    std::vector<std::int64_t> positions;
+    const auto note = [&](CaptureSource, std::int64_t position, std::span<const float>,
+                          std::size_t frames) {
+        EXPECT_EQ(frames, 1024U);
+        positions.push_back(position - start);
+    };
+    timeline.emitBlocks(start + 1023, note);
+    EXPECT_TRUE(positions.empty());
+    timeline.emitBlocks(start + 1024, note);
+    EXPECT_EQ(positions, (std::vector<std::int64_t>{0, 0}));
+    timeline.emitAll(start + 1024, note);
+    EXPECT_EQ(positions.size(), 2U);
+}
+
+TEST_F(Timeline, losesAFirstSoundThatIsLaterThanItsTolerance) {
+    timeline.addTap(tapA, CaptureSource::systemAudio, start);
+    emitAll(start + 2048);
+    place(tapA, start + 2048 - 1440, 100, 1);
+    timeline.addTap(tapB, CaptureSource::systemAudio, start + 2048);
+    place(tapB, start + 2048 - 1441, 100, 2);
+    emitAll(start + 2148);
+    EXPECT_EQ(system[2048], 1);
+    EXPECT_EQ(system[2147], 1);
 }
 
 TEST_F(Timeline, putsTheFirstSoundOfALateTapBehindRatherThanLosingIt) {
@@ -226,14 +280,6 @@ TEST_F(Timeline, countsSamplesThatAreNoNumbersAsSilence) {
     place(tapB, start, 10, 0.5F);
     emitAll(start + 10);
     EXPECT_EQ(system, std::vector<float>(10, 0.5F));
-}
-
-TEST(GridPosition, isTheNearestFrame) {
-    EXPECT_EQ(gridPosition(0), 0);
-    EXPECT_EQ(gridPosition(1'000'000'000), 48000);
-    EXPECT_EQ(gridPosition(20'833), 1);
-    EXPECT_EQ(gridPosition(10'416), 0);
-    EXPECT_EQ(gridPosition(10'417), 1);
 }
 
 } // namespace

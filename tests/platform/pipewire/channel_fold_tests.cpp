@@ -34,6 +34,17 @@ TEST_P(FoldToStereo, givesEachChannelItsPlace) {
     EXPECT_FLOAT_EQ(stereo[3], GetParam().right);
 }
 
+TEST(FoldToStereo, endsWithTheRoomThatItIsGiven) {
+    constexpr std::array<float, 3> sound{1, 1, 1};
+    TapPlanes planes;
+    planes.fill(sound);
+    std::array<float, 6> stereo{9, 9, 9, 9, 9, 9};
+    foldToStereo(planes, std::span(stereo).first(4));
+    EXPECT_NE(stereo[3], 9);
+    EXPECT_EQ(stereo[4], 9);
+    EXPECT_EQ(stereo[5], 9);
+}
+
 constexpr float low = 0.70710678F;
 
 INSTANTIATE_TEST_SUITE_P(Channels, FoldToStereo,
@@ -60,6 +71,8 @@ INSTANTIATE_TEST_SUITE_P(
                       TargetCase{{"AUX0", "AUX1", "AUX2"}, {{"FL"}, {"FR"}, {"FL"}}},
                       TargetCase{{"FL", "FR", "FC", "LFE", "RL", "RR"},
                                  {{"FL"}, {"FR"}, {"SL", "SR"}, {}, {"SL"}, {"SR"}}},
+                      TargetCase{{"FL", "FLW", "FLH", "FR", "FRW", "FRH"},
+                                 {{"FL"}, {"FL"}, {"FL"}, {"FR"}, {"FR"}, {"FR"}}},
                       TargetCase{{"FL", "FR", "MONO"}, {{"FL"}, {"FR"}, {"SL", "SR"}}},
                       TargetCase{{"FLC", "FRC", "RC", "LFE2", "TFL", "TFR"},
                                  {{"FL"}, {"FR"}, {"SL", "SR"}, {}, {"SL"}, {"SR"}}}));

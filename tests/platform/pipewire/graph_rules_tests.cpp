@@ -147,6 +147,64 @@ TEST_F(GraphRules, anotherRecorderOfAnApplicationChangesNothing) {
     EXPECT_EQ(links(), toSpeakersTap);
 }
 
+TEST_F(GraphRules, whereOthersPlaySaysNothingAboutAnApplication) {
+    connect(31, headphones);
+    connect(application, 999); // not known yet
+    EXPECT_EQ(links(), toSpeakersTap);
+}
+
+TEST_F(GraphRules, aStreamOfNobodyIsNotOurs) {
+    graph.nodes[application].client.reset();
+    EXPECT_EQ(links(), toSpeakersTap);
+}
+
+TEST(NodeProperties, areReadByTheirNames) {
+    Node node;
+    readProperties(node, {{"media.class", "Audio/Sink"},
+                          {"node.name", "name"},
+                          {"node.description", "description"},
+                          {"object.serial", "1030"},
+                          {"node.link-group", "group"},
+                          {"node.target", "older"},
+                          {"application.process.id", "4711"},
+                          {"node.autoconnect", "true"},
+                          {"client.id", "60"}});
+    EXPECT_EQ(node.mediaClass, "Audio/Sink");
+    EXPECT_EQ(node.name, "name");
+    EXPECT_EQ(node.description, "description");
+    EXPECT_EQ(node.serial, "1030");
+    EXPECT_EQ(node.linkGroup, "group");
+    EXPECT_EQ(node.targetObject, "older");
+    EXPECT_EQ(node.processId, "4711");
+    EXPECT_TRUE(node.autoconnect);
+    EXPECT_FALSE(node.markedAsOwn);
+    EXPECT_EQ(node.client, 60U);
+
+    readProperties(node, {{"node.target", "older"},
+                          {"target.object", "newer"},
+                          {"node.autoconnect", "false"},
+                          {ownSoundProperty, "1"},
+                          {"client.id", "nonsense"}});
+    EXPECT_EQ(node.targetObject, "newer");
+    EXPECT_FALSE(node.autoconnect);
+    EXPECT_TRUE(node.markedAsOwn);
+    EXPECT_EQ(node.client, 60U) << "what cannot be read leaves what there was";
+}
+
+TEST(NodeProperties, thatAreMissingSayNo) {
+    Node node;
+    readProperties(node, {});
+    EXPECT_FALSE(node.autoconnect);
+    EXPECT_FALSE(node.markedAsOwn);
+    EXPECT_FALSE(node.client);
+}
+
+TEST(Graph, permitsNothingUntilTheServerHasTold) {
+    const Graph graph;
+    EXPECT_FALSE(graph.mayExecute);
+    EXPECT_FALSE(graph.canMakeLinks);
+}
+
 TEST_F(GraphRules, anApplicationWithoutPortsOrTapWaits) {
     connect(application, headphones);
     own.tapOfOutput.erase(identity(headphones));

@@ -3,6 +3,7 @@
 #include "platform/pipewire/mixer_setting.h"
 
 #include <array>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -84,6 +85,11 @@ TEST(MixerSetting, isReadFromWhatTheNodeTells) {
         {"1 % of a mixer", [](auto& node) { node.gains(SPA_PROP_channelVolumes, {0.000001F}); },
          turnedDown},
         {"quiet", [](auto& node) { node.gains(SPA_PROP_channelVolumes, {0.001F}); }, audible},
+        {"a 16-bit sample's smallest step",
+         [](auto& node) { node.gains(SPA_PROP_channelVolumes, {0x1p-15F}); }, audible},
+        {"just below it",
+         [](auto& node) { node.gains(SPA_PROP_channelVolumes, {std::nextafter(0x1p-15F, 0.0F)}); },
+         turnedDown},
         {"all channels together at zero",
          [](auto& node) {
              node.gain(SPA_PROP_volume, 0.0F).gains(SPA_PROP_channelVolumes, {1.0F});

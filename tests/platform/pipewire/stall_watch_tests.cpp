@@ -56,6 +56,43 @@ TEST_F(Stall, doesNotCountTimeInWhichWeDidNotRun) {
     EXPECT_EQ(secondsUntilStall(20), 9U);
 }
 
+TEST_F(Stall, countsFromTheFirstLookAtAStreamThatNeverBegan) {
+    callbacks = 0;
+    asleep = 0;
+    watch.update(callbacks, now, now);
+    EXPECT_EQ(secondsUntilStall(20), 10U);
+}
+
+TEST_F(Stall, isToldAtTheVeryMomentThatTheLimitIsReached) {
+    watch.update(callbacks, now, now + asleep);
+    now += 60 * second; // counts as one
+    watch.update(callbacks, now, now + asleep);
+    for (int i = 0; i < 8; ++i) {
+        now += second;
+        EXPECT_FALSE(watch.update(callbacks, now, now + asleep));
+    }
+    now += second - 1;
+    EXPECT_FALSE(watch.update(callbacks, now, now + asleep));
+    now += 1;
+    EXPECT_TRUE(watch.update(callbacks, now, now + asleep));
+}
+
+TEST_F(Stall, takesTheClocksTremblingForNoSuspension) {
+    for (const bool wasSuspended : {false, true}) {
+        StallWatch other;
+        other.update(callbacks, now, now + asleep);
+        now += second;
+        other.update(callbacks, now, now + asleep);
+        asleep += second / 2 + (wasSuspended ? 1 : 0);
+        int seconds = 1;
+        do {
+            now += second;
+            ++seconds;
+        } while (!other.update(callbacks, now, now + asleep) && seconds < 20);
+        EXPECT_EQ(seconds, wasSuspended ? 12 : 10);
+    }
+}
+
 } // namespace
 
 } // namespace vantoro::pipewire

@@ -137,6 +137,34 @@ TEST(StampedRing, tellsEveryLossAtItsPlaceBetweenTwoThreads) {
     EXPECT_GT(lost, 0U);
 }
 
+TEST(StampedRing, hasRoomForAsManyPiecesAsBeforeWhenSomeWereRead) {
+    StampedRing ring(1, 50, 2);
+    Stamp stamp;
+    std::vector<float> samples;
+    for (int round = 0; round < 5; ++round) {
+        EXPECT_TRUE(writeCounting(ring, 0, 1));
+        EXPECT_TRUE(writeCounting(ring, 1, 1));
+        EXPECT_FALSE(writeCounting(ring, 2, 1));
+        EXPECT_TRUE(ring.read(stamp, samples));
+        EXPECT_TRUE(writeCounting(ring, 2, 1));
+        EXPECT_TRUE(ring.read(stamp, samples));
+        EXPECT_TRUE(ring.read(stamp, samples));
+    }
+}
+
+TEST(StampedRing, asksForAPieceInTwoPartsOnlyWhereItEnds) {
+    StampedRing ring(1, 10, 4);
+    std::vector<std::size_t> parts;
+    const auto note = [&](std::span<float> target, std::size_t) { parts.push_back(target.size()); };
+    Stamp stamp;
+    std::vector<float> samples;
+    ring.write({.frames = 6}, note);
+    EXPECT_EQ(parts, (std::vector<std::size_t>{6}));
+    ring.read(stamp, samples);
+    ring.write({.frames = 5}, note);
+    EXPECT_EQ(parts, (std::vector<std::size_t>{6, 4, 1}));
+}
+
 TEST(StampedRing, losesAndChangesNothingBetweenTwoThreads) {
     constexpr std::uint64_t total = 400000;
     StampedRing ring(2, 1000, 16);
