@@ -88,6 +88,15 @@ TEST_F(ViewModelTest, staysResponsiveWhileTheDesktopDoesNotAnswer) {
     EXPECT_EQ(state(), Case::recording);
 }
 
+TEST_F(ViewModelTest, knowsOfNoPermissionAndNoMicrophoneWhereLookingFails) {
+    launchAndSettle();
+    EXPECT_TRUE(values().hasScreenPermission);
+    devices.meanwhile = [] { throw std::runtime_error("the sound server is gone"); };
+    refresh();
+    EXPECT_FALSE(values().hasScreenPermission);
+    EXPECT_TRUE(values().microphones.empty());
+}
+
 TEST_F(ViewModelTest, neverAsksForAPermissionByItself) {
     screen.allowed = false;
     microphone.current = AuthorizationStatus::notDetermined;

@@ -23,6 +23,7 @@ TEST(ElapsedTimeTest, isShownWithHoursOnlyFromOneHourOn) {
              Row{75, "01:15"},
              Row{3599, "59:59"},
              Row{3600, "01:00:00"},
+             Row{7199, "01:59:59"},
              Row{36125, "10:02:05"},
              Row{86400, "24:00:00"},
              Row{360000, "100:00:00"},

@@ -38,10 +38,11 @@ protected:
     QtScheduler scheduler;
     std::unique_ptr<RecordingViewModel> model;
 
-    void launch() {
+    void launch(RecorderDetails details = {}) {
         model = std::make_unique<RecordingViewModel>(
             std::make_unique<EngineRecorder>(
-                RecorderPlatform{screen, microphone, content, capture, toolkit, fileSystem, clock}),
+                RecorderPlatform{screen, microphone, content, capture, toolkit, fileSystem, clock},
+                std::move(details)),
             ControlPlatform{scheduler, power, devices, screen, microphone, workspace, folderPanel,
                             preferences, levels, "/recordings"});
     }
@@ -97,6 +98,53 @@ TEST_F(EngineRecorderTest, savesWhenCaptureStopsByItself) {
     ASSERT_TRUE(comesTo(Case::completed));
     EXPECT_EQ(model->values().errorMessage,
               "Audio capture was interrupted. The captured audio was saved successfully.");
+}
+
+TEST_F(EngineRecorderTest, tellsOfAMutedMicrophone) {
+    startRecording();
+    ASSERT_TRUE(comesTo(Case::recording));
+    capture.muteMicrophone(true);
+    EXPECT_TRUE(EventLoop::runUntil(
+        [&] { return model->values().microphoneCondition == SourceCondition::muted; }));
+}
+
+TEST_F(EngineRecorderTest, letsTheMachineSleepOnceTheRecordingIsSafe) {
+    startRecording();
+    ASSERT_TRUE(comesTo(Case::recording));
+    capture.deliver(bufferAt(0), StreamOutputType::audio);
+    EXPECT_TRUE(power.isHeldOff());
+    model->toggleRecording();
+    ASSERT_TRUE(comesTo(Case::completed));
+    EXPECT_FALSE(power.isHeldOff());
+}
+
+TEST_F(EngineRecorderTest, saysWithWhichVolumesTheRecordingWillBeMixed) {
+    startRecording();
+    ASSERT_TRUE(comesTo(Case::recording));
+    model->setSystemVolume(0.25);
+    EXPECT_TRUE(EventLoop::runUntil([&] { return log.contains("expectMix 0.25 1.00"); }))
+        << ::testing::PrintToString(log.startingWith("expectMix"));
+}
+
+TEST_F(EngineRecorderTest, givesTheCommandLineItsDetails) {
+    std::atomic<double> progress = 0;
+    std::string cause;
+    launch({.onCaptureInterrupted =
+                [&](const std::exception_ptr& error) {
+                    try {
+                        std::rethrow_exception(error);
+                    } catch (const std::exception& exception) {
+                        cause = exception.what();
+                    }
+                },
+            .onExportProgress = [&](double fraction) { progress = fraction; }});
+    model->startRecording();
+    ASSERT_TRUE(comesTo(Case::recording));
+    capture.deliver(bufferAt(0), StreamOutputType::audio);
+    capture.stopByItself(std::make_exception_ptr(std::runtime_error("connection lost")));
+    ASSERT_TRUE(comesTo(Case::completed));
+    EXPECT_EQ(cause, "connection lost");
+    EXPECT_EQ(progress, 1);
 }
 
 TEST_F(EngineRecorderTest, failsAsTheEngineDoes) {

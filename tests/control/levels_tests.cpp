@@ -189,8 +189,11 @@ TEST_F(ConditionsTest, areIgnoredWhenNothingIsRecorded) {
 TEST_F(ConditionsTest, endWithTheRecording) {
     lead(Case::recording);
     reportMuted();
+    recorder.condition(systemAudio, SourceCondition::silent);
+    scheduler.runMain();
     model->toggleRecording();
     EXPECT_EQ(ofMicrophone(), SourceCondition::delivering);
+    EXPECT_EQ(values().systemAudioCondition, SourceCondition::delivering);
 }
 
 TEST_F(ConditionsTest, endWithAStartThatFails) {

@@ -78,6 +78,31 @@ TEST_F(NotificationTest, comesForAllThatARecordingChangesInOrder) {
     EXPECT_EQ(seen, each({lastRecordingURL, Property::state, errorMessage}));
 }
 
+TEST_F(NotificationTest, ofTheStateAloneComesOnceAfterEachChange) {
+    launchAndSettle();
+    std::vector<Case> states;
+    QObject::connect(model.get(), &RecordingProperties::stateChanged,
+                     [&] { states.push_back(state()); });
+    record();
+    reportLevel(AudioLevelSource::microphone, 0.5F);
+    model->stopRecording();
+    scheduler.settle();
+    EXPECT_EQ(states,
+              (std::vector{Case::preparing, Case::recording, Case::processing, Case::completed}));
+}
+
+TEST_F(NotificationTest, ofAConditionNamesItsSource) {
+    lead(Case::recording);
+    watch();
+    recorder.condition(AudioLevelSource::systemAudio, SourceCondition::silent);
+    scheduler.runMain();
+    EXPECT_EQ(seen, each({systemAudioCondition}));
+    seen.clear();
+    recorder.condition(AudioLevelSource::microphone, SourceCondition::muted);
+    scheduler.runMain();
+    EXPECT_EQ(seen, each({microphoneCondition}));
+}
+
 TEST_F(NotificationTest, doesNotComeForARequestThatIsIgnored) {
     lead(Case::processing);
     watch();

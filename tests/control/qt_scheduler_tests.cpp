@@ -82,6 +82,18 @@ TEST_F(QtSchedulerTest, tasksThatWereNeverLetBeginDoNot) {
     EXPECT_EQ(held.use_count(), 1);
 }
 
+TEST_F(QtSchedulerTest, letsGoOfWhatATaskHeldWhenItHasEnded) {
+    std::binary_semaphore gone(0);
+    auto held = std::shared_ptr<int>(new int, [&](int* value) {
+        delete value;
+        gone.release();
+    });
+    QtScheduler other;
+    other.runOnTaskThread([held] { EXPECT_NE(held, nullptr); });
+    held.reset();
+    EXPECT_TRUE(gone.try_acquire_for(std::chrono::seconds(20)));
+}
+
 TEST_F(QtSchedulerTest, waitsForItsTasksWhenItEnds) {
     std::atomic<bool> done = false;
     std::binary_semaphore begun(0);

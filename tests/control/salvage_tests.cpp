@@ -35,6 +35,25 @@ TEST_F(ViewModelTest, saysWhatOfARecordingCouldNotBeReadAndWhereThatIs) {
     EXPECT_EQ(lastRecording(), "/music/only.m4a");
 }
 
+TEST_F(ViewModelTest, tellsThatASalvageHasEndedWhateverItFound) {
+    launch();
+    int ended = 0;
+    QObject::connect(model.get(), &RecordingViewModel::salvageEnded, [&] { ++ended; });
+    scheduler.settle();
+    EXPECT_EQ(ended, 1);
+    recorder.salvaged = {"/music/salvaged.m4a"};
+    power.wake();
+    scheduler.settle();
+    EXPECT_EQ(ended, 2);
+}
+
+TEST_F(ViewModelTest, forgetsAMessageThatTheUserHasRead) {
+    lead(Case::failed);
+    EXPECT_NE(message(), "(none)");
+    model->dismissMessage();
+    EXPECT_EQ(message(), "(none)");
+}
+
 TEST_F(ViewModelTest, showsNothingOfASalvageThatFoundNothing) {
     launchAndSettle();
     EXPECT_EQ(recorder.calls, std::vector<std::string>{"salvage"});
