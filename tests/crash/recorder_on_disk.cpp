@@ -2,17 +2,12 @@
 
 #include "tests/crash/recorder_on_disk.h"
 
-#include <algorithm>
-#include <cmath>
-#include <numbers>
 #include <utility>
-#include <vector>
 
 namespace vantoro::testing {
 
 namespace {
 
-constexpr std::int64_t framesPerSecond = 48000;
 constexpr float systemVolume = 0.9F;
 constexpr float microphoneVolume = 1;
 
@@ -32,13 +27,7 @@ void RecorderOnDisk::start() {
 }
 
 void RecorderOnDisk::hearUntil(std::int64_t frames) {
-    constexpr std::int64_t bufferFrames = 960;
-    while (heard_ < frames) {
-        const std::int64_t count = std::min(bufferFrames, frames - heard_);
-        hear(StreamOutputType::audio, 2, count, systemTone);
-        hear(StreamOutputType::microphone, 1, count, microphoneTone);
-        heard_ += count;
-    }
+    tones_.until(frames);
 }
 
 std::filesystem::path RecorderOnDisk::stop() {
@@ -51,35 +40,6 @@ void RecorderOnDisk::whileExporting(std::function<void()> action) {
             action();
         }
     };
-}
-
-double RecorderOnDisk::systemTone(std::int64_t second) {
-    return 300.0 + 50.0 * static_cast<double>(second % 20);
-}
-
-double RecorderOnDisk::microphoneTone(std::int64_t second) {
-    return 2000.0 + 50.0 * static_cast<double>(second % 20);
-}
-
-void RecorderOnDisk::hear(StreamOutputType type, std::uint32_t channels, std::int64_t frames,
-                          double (*toneOf)(std::int64_t)) {
-    std::vector<float> channel;
-    for (std::int64_t frame = heard_; frame < heard_ + frames; ++frame) {
-        const double phase = 2 * std::numbers::pi * toneOf(frame / framesPerSecond) *
-                             static_cast<double>(frame) / framesPerSecond;
-        channel.push_back(amplitude * static_cast<float>(std::sin(phase)));
-    }
-    std::vector<float> samples; // one channel behind the other
-    for (std::uint32_t index = 0; index < channels; ++index) {
-        samples.insert(samples.end(), channel.begin(), channel.end());
-    }
-    capture_.deliver({.dataIsReady = true,
-                      .frameCount = frames,
-                      .presentationTime = {heard_, framesPerSecond},
-                      .format = AudioStreamDescription{.sampleRate = framesPerSecond,
-                                                       .channelsPerFrame = channels},
-                      .samples = samples},
-                     type);
 }
 
 } // namespace vantoro::testing

@@ -1,0 +1,280 @@
+#!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
+"""Every call that a recording, its stop and a salvage make on the recording folder goes wrong, in each way."""
+
+import sys
+from concurrent.futures import ThreadPoolExecutor
+from pathlib import Path
+
+sys.dont_write_bytecode = True
+sys.path.insert(0, str(Path(__file__).resolve().parents[1] / "recording"))
+
+import faults  # noqa: E402
+import recorder  # noqa: E402
+import sound  # noqa: E402
+from case import RecordingCase, main  # noqa: E402
+from faults import WRITTEN, FED_RECORDER, ONCE, Fault, Folder, named, problems_of  # noqa: E402
+from movie_boxes import whole_frames  # noqa: E402
+
+FRAMES = 12 * sound.RATE
+# What the recorder asks of a disk. It cuts a file back only when a write has failed.
+KINDS = {"open", "lock", "pwrite", "fdatasync", "fsync", "close", "rename", "link", "unlink", "mkdir", "statvfs",
+         "ftruncate"}
+FEWEST_CALLS = 70
+ATTEMPTS = 3
+
+
+class Recording:
+    """A recording and its stop."""
+
+    name = "recording"
+
+    def __init__(self, place):
+        self._place = place / self.name
+        self._frames_at = {0: 0}
+
+    def folder(self, name):
+        return Folder(self._place / name)
+
+    def command(self, folder):
+        return [FED_RECORDER, folder.path, FRAMES]
+
+    def is_in_the_table(self, _):
+        return True
+
+    def calls(self):
+        """Of a run without any fault."""
+        folder = self.folder("without a fault")
+        outcome = faults.run(self.command(folder), folder.path)
+        problems = self.problems(folder, Fault("none", "EIO"), outcome)
+        if problems or outcome.errors:
+            raise AssertionError(f"without any fault: {outcome.errors} {problems}")
+        self._learn_lengths(outcome)
+        return [named(call) for call in outcome.calls if self.is_in_the_table(call)]
+
+    def _learn_lengths(self, outcome):
+        """How many frames each of the lengths means that the temporary file has when it is synced."""
+        folder = self.folder("dead at its end")
+        faults.run(self.command(folder), folder.path, Fault(WRITTEN, "die"))
+        path, = folder.temporaries()
+        data = path.read_bytes()
+        for call in filter(faults.is_sync, outcome.calls):
+            self._frames_at[call.size] = min(whole_frames(data[:call.size]).values(), default=0)
+        if max(self._frames_at.values()) != FRAMES:
+            raise AssertionError(f"the temporary file is not all of the sound: {self._frames_at}")
+
+    def synced(self, outcome):
+        """Frames that were on the disk for certain, at least."""
+        size = max((call.size for call in outcome.calls if faults.is_sync(call)), default=0)
+        return self._frames_at[max(known for known in self._frames_at if known <= size)]
+
+    def problems(self, folder, fault, outcome):
+        """What is wrong after a run, and after a salvage that follows it."""
+        told = self._problems_of_what_is_told(folder, fault, outcome)
+        left = problems_of_what_is_left(folder, fault)
+        return told + left + folder.recover() + self._problems_of_what_is_saved(folder, fault, outcome)
+
+    def _problems_of_what_is_told(self, folder, fault, outcome):
+        if fault.how == "die":
+            return []
+        printed = [Path(line) for line in outcome.output.splitlines()]
+        problems = [f"{path} was printed, and is not there" for path in printed if path not in folder.finals()]
+        if outcome.status != 0:
+            if outcome.status != 1 or not outcome.errors.strip():
+                problems.append("it fails without a word")
+            return problems
+        if len(printed) != 1:
+            return [*problems, f"it succeeds with {len(printed)} files"]
+        frames, not_whole = problems_of(printed[0])
+        if not outcome.errors and frames != FRAMES:
+            problems.append(f"it says that all is well with {frames} frames")
+        return problems + not_whole
+
+    def _problems_of_what_is_saved(self, folder, fault, outcome):
+        results = [problems_of(path) for path in folder.finals()]
+        problems = [problem for _, found in results for problem in found]
+        best = max((frames for frames, _ in results), default=0)
+        if best < self.synced(outcome):
+            problems.append(f"{self.synced(outcome)} frames were synced, {best} are left")
+        if len(results) > 1 and fault.how in ONCE and not fault.call.startswith("unlink temporary"):
+            problems.append("it was saved twice")
+        return problems
+
+
+class MixedAhead(Recording):
+    """One whose mix is made while it goes on, in a file without a name."""
+
+    name = "mix made ahead"
+
+    def command(self, folder):
+        return [*super().command(folder), "ahead"]
+
+    def is_in_the_table(self, call):
+        return call.role == "unnamed" or call.kind in ("link", "statvfs")
+
+
+class IntoANewFolder(Recording):
+    """One into a folder that is to be made."""
+
+    name = "new folder"
+
+    def command(self, folder):
+        return [FED_RECORDER, folder.path / "made by it", FRAMES]
+
+    def is_in_the_table(self, call):
+        return call.kind == "mkdir"
+
+    def problems(self, folder, fault, outcome):
+        if (folder.path / "made by it").is_dir():
+            return self._problems_of_what_is_told(folder, fault, outcome)
+        return [] if outcome.status == 1 and outcome.errors.strip() or fault.how == "die" else ["it fails without a word"]
+
+
+class Salvage:
+    """A salvage of two recordings."""
+
+    name = "salvage"
+
+    def __init__(self, place):
+        self._place = place / self.name
+        self._leftovers = faults.Leftovers(
+            place / "leftovers", {FRAMES: "pwrite temporary 3", 2 * sound.RATE: "pwrite temporary 2"})
+
+    def folder(self, name):
+        folder = Folder(self._place / name)
+        self._leftovers.put_into(folder.path)
+        return folder
+
+    def command(self, folder):
+        return [recorder.PROGRAM, "recover", "--folder", folder.path]
+
+    def calls(self):
+        folder = self.folder("without a fault")
+        outcome = faults.run(self.command(folder), folder.path)
+        problems = self.problems(folder, Fault("none", "EIO"), outcome)
+        if problems or outcome.errors or outcome.status != 0:
+            raise AssertionError(f"without any fault: {outcome.errors} {problems}")
+        return [named(call) for call in outcome.calls]
+
+    def problems(self, folder, fault, outcome):
+        told = self._problems_of_what_is_told(folder, fault, outcome)
+        left = problems_of_what_is_left(folder, fault)
+        return told + left + folder.recover() + self._problems_of_what_is_saved(folder, fault)
+
+    def _problems_of_what_is_told(self, folder, fault, outcome):
+        if fault.how == "die":
+            return []
+        printed = [Path(line) for line in outcome.output.splitlines()]
+        problems = [f"{path} was printed, and is not there" for path in printed if path not in folder.finals()]
+        if len(set(printed)) != len(printed):
+            problems.append("it prints a file twice")
+        if fault.how in ONCE and set(printed) != set(folder.finals()):
+            problems.append(f"it prints {len(printed)} of {len(folder.finals())} files")
+        if outcome.status != 0 and (outcome.status != 1 or not outcome.errors.strip()):
+            problems.append("it fails without a word")
+        if outcome.status == 0 and len(printed) != len(self._leftovers.frames):
+            problems.append(f"it says that all is well with {len(printed)} recordings saved")
+        return problems
+
+    def _problems_of_what_is_saved(self, folder, fault):
+        results = [problems_of(path) for path in folder.finals()]
+        problems = [problem for _, found in results for problem in found]
+        frames = sorted(frames for frames, _ in results)
+        wanted = sorted(self._leftovers.frames)
+        if (frames if fault.how in ONCE else sorted(set(frames))) != wanted:
+            problems.append(f"of recordings of {wanted} frames it makes files of {frames}")
+        return problems
+
+
+def problems_of_what_is_left(folder, fault):
+    problems = folder.foreigners.problems()
+    if fault.how in ONCE:
+        problems += [f"{path.name} is left" for path in folder.stagings()]
+    return problems
+
+
+def try_fault(scenario, fault):
+    """What is wrong with it, and the kinds of calls that it leads to."""
+    for attempt in range(ATTEMPTS):
+        folder = scenario.folder(f"{fault.how} {fault.call} {attempt}")
+        outcome = faults.run(scenario.command(folder), folder.path, fault)
+        if faults.is_met(outcome, fault):
+            problems = outcome.problems + scenario.problems(folder, fault, outcome)
+            told = f"status {outcome.status}, {outcome.output!r}, {outcome.errors!r}".replace(f"{folder.path}/", "")
+            return [f"{scenario.name}, {fault.how} at {fault.call!r}: {problem} ({told})" for problem in problems]
+    return [f"{scenario.name}: no run meets {fault.call!r}"]
+
+
+class FaultTable(RecordingCase):
+    def setUp(self):
+        super().setUp()
+        self.folder = self.folder.resolve()
+
+    def go_through(self, how, *kinds):
+        """Every call of these goes wrong in that way."""
+        scenarios = [kind(self.folder) for kind in kinds]
+        cases = [(scenario, Fault(call, how)) for scenario in scenarios for call in scenario.calls()]
+        self.assertTrue(cases)
+        # Those that hang wait for nothing but the test's own patience.
+        with ThreadPoolExecutor(16 if how == "hang" else 4) as pool:
+            problems = [problem for found in pool.map(lambda case: try_fault(*case), cases) for problem in found]
+        print(f"{len(cases)} calls, {len(problems)} problems", file=sys.stderr)
+        self.assertEqual(problems, [], "\n" + "\n".join(problems))
+
+    def test_everyCallOfTheTableIsMet(self):
+        scenarios = [kind(self.folder) for kind in (Recording, MixedAhead, IntoANewFolder, Salvage)]
+        calls = [call for scenario in scenarios for call in scenario.calls()]
+        folder = Folder(self.folder / "failed write")
+        failed = faults.run([FED_RECORDER, folder.path, FRAMES], folder.path, Fault("pwrite temporary 2", "EIO"))
+        kinds = {call.split()[0] for call in calls} | {call.kind for call in failed.calls}
+        self.assertEqual(KINDS - kinds, set())
+        self.assertGreaterEqual(len(calls), FEWEST_CALLS)
+
+    def test_recordingWithAnyCallFailingIsKept(self):
+        self.go_through("EIO", Recording)
+
+    def test_recordingWithAnyCallFindingNoSpaceIsKept(self):
+        self.go_through("ENOSPC", Recording)
+
+    def test_recordingWithAnyCallHangingIsKept(self):
+        self.go_through("hang", Recording)
+
+    def test_recordingWhoseDiskVanishesAtAnyCallIsKept(self):
+        self.go_through("gone", Recording)
+
+    def test_recordingThatDiesAtAnyCallIsKept(self):
+        self.go_through("die", Recording)
+
+    def test_mixMadeAheadWithAnyCallFailingIsMadeAgain(self):
+        self.go_through("EIO", MixedAhead, IntoANewFolder)
+
+    def test_mixMadeAheadWithAnyCallFindingNoSpaceIsMadeAgain(self):
+        self.go_through("ENOSPC", MixedAhead, IntoANewFolder)
+
+    def test_mixMadeAheadWithAnyCallHangingLosesNothing(self):
+        self.go_through("hang", MixedAhead, IntoANewFolder)
+
+    def test_mixMadeAheadWhoseDiskVanishesAtAnyCallLosesNothing(self):
+        self.go_through("gone", MixedAhead, IntoANewFolder)
+
+    def test_mixMadeAheadThatDiesAtAnyCallLosesNothing(self):
+        self.go_through("die", MixedAhead, IntoANewFolder)
+
+    def test_salvageWithAnyCallFailingCanBeRepeated(self):
+        self.go_through("EIO", Salvage)
+
+    def test_salvageWithAnyCallFindingNoSpaceCanBeRepeated(self):
+        self.go_through("ENOSPC", Salvage)
+
+    def test_salvageWithAnyCallHangingCanBeRepeated(self):
+        self.go_through("hang", Salvage)
+
+    def test_salvageWhoseDiskVanishesAtAnyCallCanBeRepeated(self):
+        self.go_through("gone", Salvage)
+
+    def test_salvageThatDiesAtAnyCallCanBeRepeated(self):
+        self.go_through("die", Salvage)
+
+
+if __name__ == "__main__":
+    main(FaultTable)
