@@ -70,17 +70,28 @@ class LogReader:
                 self.calls.append(Call(kind, role, int(number), result, int(size)))
         return True
 
+    def has_synced(self):
+        """The first fragment is on the disk, and so is the name of its file."""
+        return any(map(is_sync, self.calls)) and any(
+            call.kind == "fsync" and call.role == "folder" and call.result == "succeeds" for call in self.calls)
+
     def hangs(self):
         return any(call.result == "hangs" for call in self.calls)
+
+
+def environment_with(folder, log, fault=None):
+    """In which a program writes its calls into a descriptor, and one of them goes wrong."""
+    environment = {**os.environ, "LD_PRELOAD": str(FAILING_CALLS), "VANTORO_FAILING_FOLDER": str(folder),
+                   "VANTORO_FAILING_LOG": str(log)}
+    if fault:
+        environment |= {"VANTORO_FAILING_CALL": fault.call, "VANTORO_FAILING_HOW": fault.how}
+    return environment
 
 
 def run(command, folder, fault=None):
     """Runs a program to its end. One that hangs is asked to end, twice if once is not enough."""
     reading, writing = os.pipe()
-    environment = {**os.environ, "LD_PRELOAD": str(FAILING_CALLS), "VANTORO_FAILING_FOLDER": str(folder),
-                   "VANTORO_FAILING_LOG": str(writing)}
-    if fault:
-        environment |= {"VANTORO_FAILING_CALL": fault.call, "VANTORO_FAILING_HOW": fault.how}
+    environment = environment_with(folder, writing, fault)
     with tempfile.TemporaryFile("w+") as output, tempfile.TemporaryFile("w+") as errors:
         process = subprocess.Popen([str(word) for word in command], env=environment, pass_fds=[writing],
                                    stdin=subprocess.DEVNULL, stdout=output, stderr=errors)
