@@ -112,6 +112,7 @@ ssize_t readFrom(int file, void* bytes, std::size_t count, off_t offset) {
 }
 
 int renamed(int fromFolder, const char* from, int toFolder, const char* to, unsigned flags) {
+    FailurePlan::shared().keep(pathOf(fromFolder, from));
     return madeAt("rename", pathOf(toFolder, to), [&] {
         return static_cast<int>(::syscall(SYS_renameat2, fromFolder, from, toFolder, to, flags));
     });
@@ -124,6 +125,7 @@ int linked(int fromFolder, const char* from, int toFolder, const char* to, int f
 }
 
 int removed(int folder, const char* path, int flags) {
+    FailurePlan::shared().keep(pathOf(folder, path));
     return madeAt("unlink", pathOf(folder, path),
                   [&] { return static_cast<int>(::syscall(SYS_unlinkat, folder, path, flags)); });
 }

@@ -48,6 +48,7 @@ FailurePlan::FailurePlan()
     : folder_(settingOf("VANTORO_FAILING_FOLDER")),
       chosen_(settingOf("VANTORO_FAILING_CALL")),
       how_(settingOf("VANTORO_FAILING_HOW")),
+      kept_(settingOf("VANTORO_KEPT_RECORDINGS")),
       log_(std::atoi((settingOf("VANTORO_FAILING_LOG") + " -1").c_str())) {}
 
 bool FailurePlan::concerns(const std::string& path) const {
@@ -91,6 +92,13 @@ Fate FailurePlan::meet(std::string& name) {
 bool FailurePlan::isGone() {
     const std::scoped_lock lock(mutex_);
     return isGone_;
+}
+
+void FailurePlan::keep(const std::string& path) const {
+    if (!kept_.empty() && role(path) == "temporary") {
+        const std::string other = kept_ + path.substr(path.rfind('/'));
+        ::syscall(SYS_linkat, AT_FDCWD, path.c_str(), AT_FDCWD, other.c_str(), 0);
+    }
 }
 
 int FailurePlan::error() const {

@@ -24,6 +24,7 @@ enum class Fate { succeeds, fails, hangs, dies };
 /// VANTORO_FAILING_CALL    "KIND ROLE NUMBER": which call goes wrong; none when it is not set
 /// VANTORO_FAILING_HOW     how: EIO, ENOSPC, "hang" (it never returns), "gone" (EIO from then on,
 ///                         whatever is called), "die" (the program is killed instead)
+/// VANTORO_KEPT_RECORDINGS another folder, where each temporary file that goes keeps a name
 class FailurePlan {
 public:
     static FailurePlan& shared();
@@ -34,6 +35,8 @@ public:
     /// Counts the call. `name`: "KIND ROLE", to which its number is added.
     Fate meet(std::string& name);
     bool isGone();
+    /// Gives a temporary file that is about to lose its name another one, where one is wanted.
+    void keep(const std::string& path) const;
     int error() const;
     /// `size`: of the file, in bytes; -1 where there is none.
     void log(const std::string& name, std::string_view result, long long size = -1) const;
@@ -47,6 +50,7 @@ private:
     std::string folder_;
     std::string chosen_;
     std::string how_;
+    std::string kept_;
     int log_;
 };
 

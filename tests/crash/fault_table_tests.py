@@ -20,7 +20,7 @@ FRAMES = 12 * sound.RATE
 # What the recorder asks of a disk. It cuts a file back only when a write has failed.
 KINDS = {"open", "lock", "pwrite", "fdatasync", "fsync", "close", "rename", "link", "unlink", "mkdir", "statvfs",
          "ftruncate"}
-FEWEST_CALLS = 70
+FEWEST_CALLS = 90
 ATTEMPTS = 3
 
 

@@ -9,9 +9,13 @@ def boxes(data, begin=0, end=None):
     end = len(data) if end is None else end
     while begin + 8 <= end:
         size, kind = struct.unpack_from(">I4s", data, begin)
-        if size < 8 or begin + size > end:
+        header = 8
+        if size == 1 and begin + 16 <= end:  # too large for that field, or unknown when it was begun
+            size, = struct.unpack_from(">Q", data, begin + 8)
+            header = 16
+        if size < header or begin + size > end:
             return
-        yield kind.decode("latin-1"), begin + 8, begin + size
+        yield kind.decode("latin-1"), begin + header, begin + size
         begin += size
 
 
@@ -58,3 +62,8 @@ def run_frames(data, at, duration):
     if not flags & 0x100:
         return count * duration
     return sum(struct.unpack_from(">I", data, position + index * width)[0] for index in range(count))
+
+
+def packets(data):
+    """The coded sound of a movie with one track, as far as it is in whole boxes."""
+    return b"".join(data[content:end] for kind, content, end in boxes(data) if kind == "mdat")

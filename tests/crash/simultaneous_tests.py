@@ -12,6 +12,7 @@ sys.dont_write_bytecode = True
 sys.path.insert(0, str(Path(__file__).resolve().parents[1] / "recording"))
 
 import recorder  # noqa: E402
+import soak_processes  # noqa: E402
 import sound  # noqa: E402
 from case import RecordingCase, main  # noqa: E402
 from faults import WRITTEN, Leftovers  # noqa: E402
@@ -19,6 +20,7 @@ from faults import WRITTEN, Leftovers  # noqa: E402
 ROUNDS = 4
 RECORDERS = 4
 LEFTOVERS = 12
+SEED = 1  # the moments are the same each time; what happens in them is not
 
 
 def stop_at_once(recordings):
@@ -73,6 +75,11 @@ class Simultaneous(RecordingCase):
             printed += [Path(line) for line in output.splitlines()]
         self.assertEqual(sorted(self.folder.iterdir()), sorted(printed))
         self.assertEqual(sorted(frames_in(path) for path in printed), sorted(leftovers.frames))
+
+    def test_minuteOfRecordersSalvagesAndAKillerAccountsForEveryRecording(self):
+        problems, summary = soak_processes.soak(minutes=1, seed=SEED)
+        print(summary, file=sys.stderr)
+        self.assertEqual(problems, [], summary)
 
 
 if __name__ == "__main__":
