@@ -206,7 +206,7 @@ int RecordRun::printResult() {
         terminal_.message("The recording was saved as " + place + ", which could not be printed.");
         return 1;
     }
-    return 0;
+    return model_->hasLostSound() ? 1 : 0;
 }
 
 } // namespace vantoro

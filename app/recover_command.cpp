@@ -8,6 +8,7 @@
 
 #include "app/live_line.h"
 #include "app/terminal.h"
+#include "l10n/error_description.h"
 
 namespace vantoro {
 
@@ -33,12 +34,19 @@ bool print(const std::vector<std::filesystem::path>& files) {
 /// The exit status.
 int report(const SalvageResult& result, const std::filesystem::path& folder, Terminal& terminal,
            const L10n& texts) {
+    for (const auto& failure : result.failures) {
+        terminal.message(texts.notRecovered(failure.location,
+                                            errorDescription(failure.error, texts.language())));
+    }
     for (const auto& original : result.keptOriginals) {
         terminal.message(texts.originalKept(original));
     }
     if (!print(result.recordings)) {
         terminal.message("The recovered recordings are in " + folder.string() +
                          "; their names could not be printed.");
+        return 1;
+    }
+    if (!result.failures.empty()) {
         return 1;
     }
     return result.keptOriginals.empty() ? 0 : partlyUnreadable;

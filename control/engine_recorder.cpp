@@ -23,6 +23,7 @@ void EngineRecorder::setCallbacks(RecorderCallbacks callbacks) {
         };
     recorder_.onAudioLevel = std::move(callbacks.onAudioLevel);
     recorder_.onSourceCondition = std::move(callbacks.onSourceCondition);
+    recorder_.onSoundLoss = std::move(callbacks.onSoundLoss);
     recorder_.onDiskRoom = std::move(callbacks.onDiskRoom);
     recorder_.onRecordingSafe = [this, toViewModel = std::move(callbacks.onRecordingSafe)] {
         if (onRecordingSafe_) {

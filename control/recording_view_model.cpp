@@ -65,6 +65,10 @@ void RecordingViewModel::installCallbacks() {
                     model.updateCondition(source, condition);
                 });
             },
+        .onSoundLoss =
+            [toMainThread](const SoundLoss& loss) {
+                toMainThread([loss](RecordingViewModel& model) { model.handleSoundLoss(loss); });
+            },
         .onDiskRoom =
             [toMainThread](DiskRoom room) {
                 toMainThread([room](RecordingViewModel& model) { model.handleDiskRoom(room); });
@@ -101,6 +105,7 @@ void RecordingViewModel::startRecording() {
     setErrorMessage(std::nullopt);
     setLastRecordingURL(std::nullopt);
     pendingStopReason_.reset();
+    lost_ = {};
     sleepHold_ = platform_.power.holdOffSleep(texts_.text(L10n::Key::recording));
     resetLevels();
     resetConditions();
@@ -175,7 +180,9 @@ void RecordingViewModel::finishRecording(StopReason reason) {
 void RecordingViewModel::saved(const std::filesystem::path& recording, StopReason reason) {
     setLastRecordingURL(recording);
     setState(RecordingState::Case::completed);
-    if (const auto key = savedMessageKey(reason)) {
+    if (lost_.isAny()) {
+        setErrorMessage(lost_.text(texts_) + texts_.restSaved());
+    } else if (const auto key = savedMessageKey(reason)) {
         setErrorMessage(texts_.text(*key));
     }
     salvage_.resume(values().outputDirectory);
@@ -191,7 +198,8 @@ void RecordingViewModel::fail(const std::exception_ptr& error, bool preserveChec
     sleepHold_.reset();
     const auto description = errorDescription(error, texts_.language());
     setState(RecordingState::failed(description));
-    setErrorMessage(preserveCheckpoint ? description + texts_.checkpointKept() : description);
+    const auto lost = lost_.isAny() ? " " + lost_.text(texts_) : std::string();
+    setErrorMessage(description + (preserveCheckpoint ? texts_.checkpointKept() : "") + lost);
     refreshDevicesAndPermissions(); // a permission that was refused is shown as such
 }
 
@@ -233,6 +241,14 @@ void RecordingViewModel::handleDiskRoom(DiskRoom room) {
     }
 }
 
+/// What was not written is told with the result, which it comes just before.
+void RecordingViewModel::handleSoundLoss(const SoundLoss& loss) {
+    lost_.add(loss);
+    if (isUnderWay(values().state.which())) {
+        setErrorMessage(lost_.text(texts_));
+    }
+}
+
 void RecordingViewModel::recoverIncompleteRecordings() {
     if (!isBusy(values().state.which())) {
         salvage_.start(values().outputDirectory);
@@ -241,10 +257,13 @@ void RecordingViewModel::recoverIncompleteRecordings() {
 
 void RecordingViewModel::recovered(const SalvageResult& result) {
     if (!result.recordings.empty() && !isBusy(values().state.which())) {
+        // Behind a failed stop, what was recovered is what that one could write.
+        const bool isOfTheFailed = values().state.which() == RecordingState::Case::failed;
+        const auto lost = isOfTheFailed && lost_.isAny() ? " " + lost_.text(texts_) : std::string();
         setLastRecordingURL(result.recordings.back());
         setState(RecordingState::Case::completed);
         setErrorMessage(texts_.recovered(result.recordings.size()) +
-                        texts_.originalsKept(result.keptOriginals));
+                        texts_.originalsKept(result.keptOriginals) + lost);
     }
     Q_EMIT salvageEnded();
 }

@@ -8,6 +8,7 @@
 #include <optional>
 
 #include "control/audio_level_store.h"
+#include "control/lost_sound.h"
 #include "control/ports/audio_devices.h"
 #include "control/ports/folder_panel.h"
 #include "control/ports/power_management.h"
@@ -52,6 +53,9 @@ public:
     /// Cancels a salvage. What a running recording has captured stays in the recording folder.
     ~RecordingViewModel() override;
 
+    /// Whether the recording that is made, or was last, lacks sound that was captured.
+    bool hasLostSound() const noexcept { return lost_.isAny(); }
+
     /// How things stand, in the user's language.
     std::string statusText() const;
 
@@ -95,6 +99,7 @@ private:
     void handleDidWake();
     void handleStop(StopReason reason);
     void handleDiskRoom(DiskRoom room);
+    void handleSoundLoss(const SoundLoss& loss);
     void surveyed(const Survey& survey);
     void moveTo(const std::filesystem::path& outputDirectory);
     void recoverIncompleteRecordings();
@@ -110,6 +115,7 @@ private:
     SurveyTask survey_;
     std::unique_ptr<RepeatingTimer> timer_;       // while recording
     std::optional<StopReason> pendingStopReason_; // arrived while preparing
+    LostSound lost_;                              // of the recording that is made, or was last
     std::unique_ptr<SleepHold> sleepHold_;        // until what was recorded is on the disk
     std::unique_ptr<PowerObservation> powerObservation_;
 };

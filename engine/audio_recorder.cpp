@@ -9,6 +9,7 @@
 #include "engine/file_names.h"
 #include "engine/room_watch.h"
 #include "engine/salvage.h"
+#include "engine/set_aside.h"
 #include "engine/track_mixing.h"
 
 namespace vantoro {
@@ -168,15 +169,16 @@ std::filesystem::path AudioRecorder::stop(float systemVolume, float microphoneVo
     try {
         finishWriting();
     } catch (...) {
+        tellOfLoss();
         resetAfterFailedStop();
         throw;
     }
+    const bool isAllWritten = !tellOfLoss();
     if (onRecordingSafe) {
         onRecordingSafe();
     }
     try {
-        auto destination = exportFinal(systemVolume, microphoneVolume);
-        removeIgnoringErrors(platform_.fileSystem, temporaryURL_);
+        auto destination = exportFinal(systemVolume, microphoneVolume, isAllWritten);
         reset(false);
         return destination;
     } catch (...) {
@@ -225,16 +227,39 @@ void AudioRecorder::finishWriting() {
     done->get_future().get();
 }
 
-std::filesystem::path AudioRecorder::exportFinal(float systemVolume, float microphoneVolume) {
+/// Whether there was any.
+bool AudioRecorder::tellOfLoss() {
+    const auto loss = captureQueue_.sync([this] { return samplePath_.loss(); });
+    if (loss && onSoundLoss) {
+        onSoundLoss(*loss);
+    }
+    return loss.has_value();
+}
+
+std::filesystem::path AudioRecorder::exportFinal(float systemVolume, float microphoneVolume,
+                                                 bool isAllWritten) {
     if (outputDirectory_.empty()) {
         throw RecordingError(RecordingError::Case::exportFailed);
     }
     auto place = uniqueOutputURL(outputDirectory_, platform_.fileSystem, platform_.clock);
     const auto asset = platform_.mediaToolkit.openAsset(temporaryURL_);
-    return mixTracks(platform_.mediaToolkit, *asset, std::move(place),
-                     recordingVolumes(hasSystemAudioTrack_, systemVolume, microphoneVolume),
-                     onExportProgress, {})
-        .location;
+    auto final = mixTracks(platform_.mediaToolkit, *asset, std::move(place),
+                           recordingVolumes(hasSystemAudioTrack_, systemVolume, microphoneVolume),
+                           onExportProgress, {});
+    if (isAllWritten && asset->isWhole()) {
+        removeIgnoringErrors(platform_.fileSystem, temporaryURL_);
+    } else {
+        setAsideIgnoringErrors(final.location);
+    }
+    return final.location;
+}
+
+/// Where it cannot be moved, it stays for salvage: better twice than not at all.
+void AudioRecorder::setAsideIgnoringErrors(const std::filesystem::path& finalFile) noexcept {
+    try {
+        setAside(platform_.fileSystem, temporaryURL_, finalFile);
+    } catch (const std::exception&) { // NOLINT(bugprone-empty-catch): see above
+    }
 }
 
 void AudioRecorder::resetAfterFailedStop() {
@@ -277,9 +302,13 @@ void AudioRecorder::didOutputSampleBuffer(const SampleBuffer& buffer, StreamOutp
     }
 }
 
-void AudioRecorder::didLoseSound(StreamOutputType /*type*/, double seconds) {
+void AudioRecorder::didLoseSound(StreamOutputType type, double seconds) {
     if (onSoundLoss) {
-        onSoundLoss({.cause = SoundLoss::Cause::notTakenInTime, .seconds = seconds, .reason = {}});
+        onSoundLoss({.cause = SoundLoss::Cause::notTakenInTime,
+                     .seconds = seconds,
+                     .source = type == StreamOutputType::microphone ? AudioLevelSource::microphone
+                                                                    : AudioLevelSource::systemAudio,
+                     .reason = {}});
     }
 }
 

@@ -81,7 +81,7 @@ public:
     AudioLevelCallback onAudioLevel;
     /// A source gives no sound, or does again. Capture queue.
     SourceConditionCallback onSourceCondition;
-    /// Sound was lost; of both sources, each tells of its own. Capture queue.
+    /// Sound was lost: on the capture queue, or on the thread of `stop`.
     SoundLossCallback onSoundLoss;
     /// The disk gets full. When there is only room for the final file left, the receiver is
     /// expected to call `stop`.
@@ -102,7 +102,10 @@ private:
 
     void stopStream();
     void finishWriting();
-    std::filesystem::path exportFinal(float systemVolume, float microphoneVolume);
+    bool tellOfLoss();
+    std::filesystem::path exportFinal(float systemVolume, float microphoneVolume,
+                                      bool isAllWritten);
+    void setAsideIgnoringErrors(const std::filesystem::path& finalFile) noexcept;
     void resetAfterFailedStop();
     void resetKeepingWhatWasWritten();
     void reset(bool removeTemporaryFile);

@@ -75,6 +75,8 @@ struct SoundLoss {
 
     Cause cause;
     double seconds;
+    /// Whose it was; of two that are lost at a time, each is told. Nothing: of all.
+    std::optional<AudioLevelSource> source;
     std::string reason; ///< the system's words, for `notWritten`
 
     friend bool operator==(const SoundLoss&, const SoundLoss&) = default;

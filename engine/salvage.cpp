@@ -8,6 +8,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <system_error>
 #include <utility>
 
 #include "engine/file_names.h"
@@ -50,6 +51,19 @@ bool isToBeRecovered(MediaToolkit& mediaToolkit, FileSystem& fileSystem,
     }
 }
 
+/// Null also for what is no movie, as the empty file of a start that died. Throws where the disk
+/// does not give it.
+std::unique_ptr<Asset> openIfReadable(MediaToolkit& mediaToolkit,
+                                      const std::filesystem::path& candidate) {
+    try {
+        return openUnlessSilent(mediaToolkit, candidate);
+    } catch (const std::system_error&) {
+        throw;
+    } catch (const std::exception&) {
+        return nullptr;
+    }
+}
+
 /// A final file, and its original where that was kept.
 struct Recovered {
     std::filesystem::path recording;
@@ -64,7 +78,7 @@ std::optional<Recovered> recover(const SalvagePlatform& platform,
     if (!lock) {
         return std::nullopt; // still being recorded, or salvaged by somebody else
     }
-    const auto asset = openUnlessSilent(platform.mediaToolkit, candidate);
+    const auto asset = openIfReadable(platform.mediaToolkit, candidate);
     if (!asset) {
         return std::nullopt;
     }
@@ -99,6 +113,24 @@ std::vector<FolderEntry> listOrNothing(FileSystem& fileSystem,
     }
 }
 
+/// Not where somebody else has taken the thing away: he has what was in it.
+bool isFailure(const std::exception& error) {
+    const auto* const systemError = dynamic_cast<const std::system_error*>(&error);
+    return systemError == nullptr || systemError->code() != std::errc::no_such_file_or_directory;
+}
+
+std::vector<std::filesystem::path>
+candidatesIn(FileSystem& fileSystem, const std::filesystem::path& folder, SalvageResult& result) {
+    try {
+        return incompleteRecordings(fileSystem.list(folder));
+    } catch (const std::exception& error) {
+        if (isFailure(error)) {
+            result.failures.push_back({folder, std::current_exception()});
+        }
+        return {};
+    }
+}
+
 } // namespace
 
 bool isIncompleteRecording(const std::filesystem::path& file) {
@@ -127,7 +159,7 @@ SalvageResult recoverIncompleteRecordings(const SalvagePlatform& platform,
                                           const std::stop_token& stop,
                                           const ExportProgress& progress) {
     SalvageResult result;
-    for (const auto& candidate : incompleteRecordings(listOrNothing(platform.fileSystem, folder))) {
+    for (const auto& candidate : candidatesIn(platform.fileSystem, folder, result)) {
         if (stop.stop_requested()) {
             break;
         }
@@ -138,8 +170,11 @@ SalvageResult recoverIncompleteRecordings(const SalvagePlatform& platform,
                     result.keptOriginals.push_back(std::move(*recovered->keptOriginal));
                 }
             }
-        } catch (const std::exception&) { // NOLINT(bugprone-empty-catch)
+        } catch (const std::exception& error) {
             // It stays for the next time, and the others have their turn.
+            if (isFailure(error) && !stop.stop_requested()) {
+                result.failures.push_back({candidate, std::current_exception()});
+            }
         }
     }
     return result;

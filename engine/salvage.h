@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <exception>
 #include <filesystem>
 #include <stop_token>
 #include <vector>
@@ -20,11 +21,21 @@ struct SalvagePlatform {
     const Clock& clock;
 };
 
+/// Why an interrupted recording, or the folder, was left as it is.
+struct SalvageFailure {
+    std::filesystem::path location;
+    std::exception_ptr error;
+
+    friend bool operator==(const SalvageFailure&, const SalvageFailure&) = default;
+};
+
 /// What a salvage has made.
 struct SalvageResult {
     std::vector<std::filesystem::path> recordings; ///< final files, in the order of their making
     /// What was kept of those that could not be read whole; see `setAside`.
     std::vector<std::filesystem::path> keptOriginals;
+    /// What stays for another time, though it may hold sound.
+    std::vector<SalvageFailure> failures;
 
     friend bool operator==(const SalvageResult&, const SalvageResult&) = default;
 };

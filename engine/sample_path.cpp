@@ -2,6 +2,7 @@
 
 #include "engine/sample_path.h"
 
+#include <algorithm>
 #include <utility>
 #include <vector>
 
@@ -31,6 +32,8 @@ std::unique_ptr<FileWriter> SamplePath::disarm() {
     writerStarted_ = false;
     sessionStartTime_ = {};
     captureError_ = nullptr;
+    secondsDropped_.clear();
+    writerFailure_.clear();
     levelMeter_.reset();
     sourceWatch_.reset();
     return std::move(writer_);
@@ -38,7 +41,13 @@ std::unique_ptr<FileWriter> SamplePath::disarm() {
 
 void SamplePath::append(const SampleBuffer& buffer, AudioLevelSource source) {
     FileWriterInput* const input = inputOf(source);
-    if (!buffer.dataIsReady || buffer.frameCount < 1 || input == nullptr || captureError_) {
+    if (!buffer.dataIsReady || buffer.frameCount < 1 || input == nullptr) {
+        return;
+    }
+    if (captureError_) {
+        if (writer_->status() == FileWriterStatus::failed) {
+            drop(buffer, source);
+        }
         return;
     }
     levelMeter_.publishAudioLevel(buffer, source, onAudioLevel_);
@@ -50,14 +59,38 @@ void SamplePath::append(const SampleBuffer& buffer, AudioLevelSource source) {
     if (!writerStarted_ && !startWriting(time)) {
         return;
     }
-    // The other source's buffers from before the start, and what the disk cannot take, are left
-    // out.
-    if (time < sessionStartTime_ || !input->isReadyForMoreMediaData()) {
-        return;
+    if (time < sessionStartTime_) {
+        return; // the other source's, from before the start
     }
-    if (!input->append(buffer)) {
+    if (!input->isReadyForMoreMediaData()) {
+        drop(buffer, source);
+    } else if (!input->append(buffer)) {
+        drop(buffer, source);
         reportWriterFailure("Unable to write an audio sample.");
     }
+}
+
+/// Counts what the file cannot take.
+void SamplePath::drop(const SampleBuffer& buffer, AudioLevelSource source) {
+    if (writerStarted_ && buffer.format) {
+        secondsDropped_[source] +=
+            static_cast<double>(buffer.frameCount) / buffer.format->sampleRate;
+    }
+}
+
+std::optional<SoundLoss> SamplePath::loss() const {
+    double longest = 0;
+    for (const auto& [source, seconds] : secondsDropped_) {
+        longest = std::max(longest, seconds);
+    }
+    const double seconds = longest + (writer_ ? writer_->secondsNotWritten() : 0);
+    if (seconds <= 0) {
+        return std::nullopt;
+    }
+    return SoundLoss{.cause = SoundLoss::Cause::notWritten,
+                     .seconds = seconds,
+                     .source = std::nullopt,
+                     .reason = writer_->errorDescription().value_or(writerFailure_)};
 }
 
 bool SamplePath::startWriting(MediaTime sourceTime) {
@@ -73,7 +106,8 @@ bool SamplePath::startWriting(MediaTime sourceTime) {
 
 void SamplePath::reportWriterFailure(const char* text) {
     const auto description = writer_ ? writer_->errorDescription() : std::nullopt;
-    interrupt(std::make_exception_ptr(RecordingError::writerFailed(description.value_or(text))));
+    writerFailure_ = description.value_or(text);
+    interrupt(std::make_exception_ptr(RecordingError::writerFailed(writerFailure_)));
 }
 
 void SamplePath::setMicrophoneMuted(bool isMuted) {

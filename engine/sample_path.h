@@ -4,11 +4,14 @@
 
 #include <exception>
 #include <functional>
+#include <map>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "engine/level_meter.h"
 #include "engine/ports/file_writer.h"
+#include "engine/recording_types.h"
 #include "engine/source_watch.h"
 
 namespace vantoro {
@@ -44,6 +47,9 @@ public:
     /// error when the file is complete: here, or on a thread of the writer's.
     void finish(std::function<void(std::exception_ptr)> completion);
 
+    /// Behind `finish`: what was captured and is not in the file.
+    std::optional<SoundLoss> loss() const;
+
     /// With which gain each source will probably be mixed.
     void expectMix(float systemVolume, float microphoneVolume);
 
@@ -54,6 +60,7 @@ public:
 private:
     FileWriterInput* inputOf(AudioLevelSource source) const noexcept;
     bool startWriting(MediaTime sourceTime);
+    void drop(const SampleBuffer& buffer, AudioLevelSource source);
     void reportWriterFailure(const char* text);
 
     const AudioLevelCallback& onAudioLevel_;
@@ -67,6 +74,8 @@ private:
     bool writerStarted_ = false;
     MediaTime sessionStartTime_; // of the first buffer written; invalid until then
     std::exception_ptr captureError_;
+    std::string writerFailure_;
+    std::map<AudioLevelSource, double> secondsDropped_; // since the file could not take them
 };
 
 } // namespace vantoro

@@ -2,7 +2,22 @@
 
 #include "l10n/l10n.h"
 
+#include <cmath>
+
 namespace vantoro {
+
+namespace {
+
+/// Rounded up: a loss is never told to be nothing.
+std::int64_t wholeSeconds(double seconds) {
+    return static_cast<std::int64_t>(std::ceil(seconds));
+}
+
+std::string secondsInEnglish(std::int64_t number) {
+    return std::to_string(number) + (number == 1 ? " second" : " seconds");
+}
+
+} // namespace
 
 AppLanguage L10n::language() const {
     const auto stored = preferences_.get(Preference::appLanguage);
@@ -26,6 +41,36 @@ std::string L10n::recovered(std::size_t count) const {
     }
     return count == 1 ? "已恢复并保存一段此前中断的录音。"
                       : "已恢复并保存 " + number + " 段此前中断的录音。";
+}
+
+std::string L10n::soundNotTakenInTime(double seconds) const {
+    const auto number = wholeSeconds(seconds);
+    return language() == AppLanguage::english
+               ? "The computer did not keep up: " + secondsInEnglish(number) +
+                     " of the recording " + (number == 1 ? "is" : "are") + " silent."
+               : "电脑一度没有响应，录音中有约 " + std::to_string(number) + " 秒没有声音。";
+}
+
+std::string L10n::soundNotWritten(double seconds, const std::string& reason) const {
+    const auto number = wholeSeconds(seconds);
+    if (language() == AppLanguage::english) {
+        return "About " + secondsInEnglish(number) + " of sound could not be written to the disk" +
+               (reason.empty() ? ", which was too slow." : ": " + reason + ".");
+    }
+    return "约 " + std::to_string(number) + " 秒的声音未能写入磁盘" +
+           (reason.empty() ? "：磁盘太慢。" : "：" + reason + "。");
+}
+
+std::string L10n::restSaved() const {
+    return language() == AppLanguage::english ? " Everything else was saved." : "其余内容已保存。";
+}
+
+std::string L10n::notRecovered(const std::filesystem::path& recording,
+                               const std::string& reason) const {
+    return language() == AppLanguage::english
+               ? "An interrupted recording could not be saved: " + reason +
+                     ". It stays as it is: " + recording.string()
+               : "有一段中断的录音未能保存：" + reason + "。它仍保留在：" + recording.string();
 }
 
 std::string L10n::roomLeft(std::int64_t minutes) const {

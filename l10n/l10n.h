@@ -99,6 +99,20 @@ public:
     /// That so many interrupted recordings were saved.
     std::string recovered(std::size_t count) const;
 
+    /// That so many seconds are silent, since the program stood still.
+    std::string soundNotTakenInTime(double seconds) const;
+
+    /// That so many seconds could not be written, in the system's own words why; empty where the
+    /// disk was only too slow.
+    std::string soundNotWritten(double seconds, const std::string& reason) const;
+
+    /// That all else is saved: a sentence to append to those two.
+    std::string restSaved() const;
+
+    /// That a recording which was interrupted could not be saved, why, and that it stays.
+    std::string notRecovered(const std::filesystem::path& recording,
+                             const std::string& reason) const;
+
     /// That the disk has room for so many minutes of recording, less than one included.
     std::string roomLeft(std::int64_t minutes) const;
 

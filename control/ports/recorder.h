@@ -19,6 +19,7 @@ struct RecorderCallbacks {
     CaptureInterruptedCallback onCaptureInterrupted;
     AudioLevelCallback onAudioLevel;
     SourceConditionCallback onSourceCondition;
+    SoundLossCallback onSoundLoss;
     DiskRoomCallback onDiskRoom;
     /// During `stop`: all that was captured is on the disk, what follows can be done again.
     std::function<void()> onRecordingSafe;

@@ -75,6 +75,9 @@ public:
 
     virtual FileWriterStatus status() const = 0;
     virtual std::optional<std::string> errorDescription() const = 0;
+    /// Once it is finished: how much of what was appended is not in the file, at its end. Any
+    /// thread. A file can be completed all the same; `errorDescription` then says why.
+    virtual double secondsNotWritten() const = 0;
 };
 
 } // namespace vantoro

@@ -22,11 +22,11 @@ FragmentFile::~FragmentFile() {
     thread_.join();
 }
 
-void FragmentFile::append(std::vector<std::byte> fragment) {
+void FragmentFile::append(std::vector<std::byte> fragment, std::int64_t end) {
     {
         const std::lock_guard lock(mutex_);
         backlog_ += fragment.size();
-        fragments_.push_back(std::move(fragment));
+        fragments_.push_back({std::move(fragment), end});
     }
     changed_.notify_one();
 }
@@ -72,19 +72,20 @@ void FragmentFile::run() {
 /// Writes the first waiting fragment, which stays in its place until it is on disk.
 bool FragmentFile::writeNext() {
     std::unique_lock lock(mutex_);
-    const std::vector<std::byte>& fragment = fragments_.front(); // others only add behind it
+    const Fragment& fragment = fragments_.front(); // others only add behind it
     lock.unlock();
     try {
-        file_->writeAt(end_, fragment);
+        file_->writeAt(end_, fragment.bytes);
         file_->sync();
     } catch (const std::exception& error) {
         failure_ = error.what();
         cutBack();
         return false;
     }
-    end_ += fragment.size();
+    end_ += fragment.bytes.size();
+    framesOnDisk_ = fragment.end;
     lock.lock();
-    backlog_ -= fragment.size();
+    backlog_ -= fragment.bytes.size();
     fragments_.pop_front();
     return true;
 }

@@ -39,15 +39,27 @@ public:
     /// Waits until all fragments are written, or one fails; the file stays. Not on the file thread.
     ~FragmentFile();
 
-    void append(std::vector<std::byte> fragment);
+    /// `end`: how many frames the movie has up to the fragment's end.
+    void append(std::vector<std::byte> fragment, std::int64_t end);
     /// Bytes that wait to be written.
     std::size_t backlog() const;
+
+    /// How many frames the movie has on the disk, and why the latest write failed. File thread.
+    std::int64_t framesOnDisk() const noexcept { return framesOnDisk_; }
+
+    const std::string& latestFailure() const noexcept { return failure_; }
+
     /// Writes what is left, syncs, makes the file reachable and closes it. Fragments that cannot be
     /// written are given up when a whole one is on disk. The completion is called once, last of
     /// all. Nothing may follow.
     void finish(Completion completion);
 
 private:
+    struct Fragment {
+        std::vector<std::byte> bytes;
+        std::int64_t end; // frames
+    };
+
     void run();
     bool writeNext();
     void conclude();
@@ -59,11 +71,12 @@ private:
     Failure onFailure_;
     Growth onGrowth_;
     std::uint64_t end_ = 0; // of the last whole fragment
-    std::string failure_;   // why the latest write failed
+    std::int64_t framesOnDisk_ = 0;
+    std::string failure_; // why the latest write failed
 
     mutable std::mutex mutex_;
     std::condition_variable changed_;
-    std::deque<std::vector<std::byte>> fragments_;
+    std::deque<Fragment> fragments_;
     std::size_t backlog_ = 0;
     bool failed_ = false;
     bool stopping_ = false;

@@ -137,20 +137,33 @@ void MovieWriter::finishWriting(std::function<void()> completion) {
     attempt([this] {
         if (longestTrack() > 0) {
             if (muxer_.hasPackets()) {
-                file_->append(muxer_.closeFragment(std::numeric_limits<std::int64_t>::max()));
+                file_->append(muxer_.closeFragment(std::numeric_limits<std::int64_t>::max()),
+                              longestTrack());
             }
-            file_->append(muxer_.finish());
+            file_->append(muxer_.finish(), longestTrack());
         }
     });
-    file_->finish(
-        [this, completion = std::move(completion)](const std::optional<std::string>& failure) {
-            {
-                const std::lock_guard lock(mutex_);
-                status_ = failure ? FileWriterStatus::failed : FileWriterStatus::completed;
-                errorDescription_ = failure;
-            }
-            completion();
-        });
+    file_->finish([this, frames = longestTrack(),
+                   completion = std::move(completion)](const std::optional<std::string>& failure) {
+        conclude(failure, std::max<std::int64_t>(frames - file_->framesOnDisk(), 0));
+        completion();
+    });
+}
+
+/// On the file thread.
+void MovieWriter::conclude(const std::optional<std::string>& failure, std::int64_t framesMissing) {
+    const std::lock_guard lock(mutex_);
+    status_ = failure ? FileWriterStatus::failed : FileWriterStatus::completed;
+    errorDescription_ = failure;
+    secondsNotWritten_ = static_cast<double>(framesMissing) / framesPerSecond;
+    if (!failure && framesMissing > 0) {
+        errorDescription_ = file_->latestFailure();
+    }
+}
+
+double MovieWriter::secondsNotWritten() const {
+    const std::lock_guard lock(mutex_);
+    return secondsNotWritten_;
 }
 
 void MovieWriter::expectMix(std::vector<float> volumes) {
@@ -199,7 +212,7 @@ void MovieWriter::fragmentWritten(std::size_t backlog) {
 void MovieWriter::closeFragments() {
     for (prepareFragment(); coversFragment(); prepareFragment()) {
         closedFrames_ = schedule_.end();
-        file_->append(muxer_.closeFragment(schedule_.end()));
+        file_->append(muxer_.closeFragment(schedule_.end()), schedule_.end());
         schedule_.advance();
     }
 }

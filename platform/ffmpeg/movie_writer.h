@@ -51,6 +51,7 @@ public:
     void expectMix(std::vector<float> volumes) override;
     FileWriterStatus status() const override;
     std::optional<std::string> errorDescription() const override;
+    double secondsNotWritten() const override;
 
 private:
     class Input;
@@ -60,6 +61,7 @@ private:
     void end(Input& input);
     bool attempt(const std::function<void()>& work);
     void fail(const std::string& description);
+    void conclude(const std::optional<std::string>& failure, std::int64_t framesMissing);
     void fragmentWritten(std::size_t backlog);
     void closeFragments();
     void prepareFragment();
@@ -84,9 +86,10 @@ private:
     FragmentMuxer muxer_;
     std::vector<std::unique_ptr<Input>> inputs_;
 
-    mutable std::mutex mutex_; // guards the two below, which the file thread sets too
+    mutable std::mutex mutex_; // guards the three below, which the file thread sets too
     FileWriterStatus status_ = FileWriterStatus::unknown;
     std::optional<std::string> errorDescription_;
+    double secondsNotWritten_ = 0;
 
     std::unique_ptr<OutputFile> created_; // until writing starts
     std::unique_ptr<FragmentFile> file_;  // last: its thread calls back into the above

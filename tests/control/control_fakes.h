@@ -44,6 +44,7 @@ struct RecorderScript {
     CaptureInterruptedCallback interrupted;
     AudioLevelCallback level;
     SourceConditionCallback condition;
+    SoundLossCallback loss;
     DiskRoomCallback room;
     std::function<void()> safe;
     bool recorderLives = false;
@@ -64,6 +65,7 @@ public:
         script_.interrupted = std::move(callbacks.onCaptureInterrupted);
         script_.level = std::move(callbacks.onAudioLevel);
         script_.condition = std::move(callbacks.onSourceCondition);
+        script_.loss = std::move(callbacks.onSoundLoss);
         script_.room = std::move(callbacks.onDiskRoom);
         script_.safe = std::move(callbacks.onRecordingSafe);
     }
@@ -96,7 +98,7 @@ public:
         script_.foldersSought.push_back(folder);
         meanwhile(script_.duringSalvage);
         script_.stopRequested.push_back(stop.stop_requested());
-        return {script_.salvaged, script_.keptOriginals};
+        return {script_.salvaged, script_.keptOriginals, {}};
     }
 
 private:

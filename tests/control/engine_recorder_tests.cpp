@@ -137,7 +137,8 @@ TEST_F(EngineRecorderTest, givesTheCommandLineItsDetails) {
                         cause = exception.what();
                     }
                 },
-            .onExportProgress = [&](double fraction) { progress = fraction; }});
+            .onExportProgress = [&](double fraction) { progress = fraction; },
+            .onRecordingSafe = {}});
     model->startRecording();
     ASSERT_TRUE(comesTo(Case::recording));
     capture.deliver(bufferAt(0), StreamOutputType::audio);
@@ -165,6 +166,8 @@ TEST_F(EngineRecorderTest, tellsOfEachStepOfAStopBesideTheViewModel) {
     engine.setCallbacks({.onCaptureInterrupted = {},
                          .onAudioLevel = {},
                          .onSourceCondition = {},
+                         .onSoundLoss = {},
+                         .onDiskRoom = {},
                          .onRecordingSafe = [&] { steps.emplace_back("told the view model"); }});
     engine.start({true, true, std::nullopt, "/recordings"});
     capture.deliver(bufferAt(0), StreamOutputType::audio);

@@ -16,6 +16,7 @@
 #include <QtCore/QEventLoop>
 #include <QtCore/QTimer>
 
+#include "app/ending.h"
 #include "app/record_command.h"
 #include "app/stop_signals.h"
 #include "control/engine_recorder.h"
@@ -47,7 +48,7 @@ void waitForSalvage(const RecordingViewModel& model) {
 
 class FedRecorder {
 public:
-    FedRecorder(StopSignals& signals, const std::filesystem::path& folder, std::int64_t frames,
+    FedRecorder(Ending& ending, const std::filesystem::path& folder, std::int64_t frames,
                 bool isMixedAhead)
         : frames_(frames),
           isMixedAhead_(isMixedAhead),
@@ -56,7 +57,7 @@ public:
                        mixBegins_.release(); // asked when all else is decided
                        return !isMixedAhead_;
                    }),
-          run_(command_, signals, preferences_),
+          run_(command_, ending, preferences_),
           model_(std::make_unique<EngineRecorder>(RecorderPlatform{screen_, microphone_, content_,
                                                                    capture_, toolkit_, fileSystem_,
                                                                    clock_},
@@ -129,9 +130,10 @@ int main(int argc, char** argv) {
     }
     try {
         vantoro::StopSignals signals;
+        vantoro::Ending ending(signals);
         const QCoreApplication application(argc, argv);
         const bool isMixedAhead = argc > 3 && std::string(argv[3]) == "ahead";
-        return vantoro::testing::FedRecorder(signals, argv[1], std::stoll(argv[2]), isMixedAhead)
+        return vantoro::testing::FedRecorder(ending, argv[1], std::stoll(argv[2]), isMixedAhead)
             .run();
     } catch (const std::exception& error) {
         std::cerr << error.what() << "\n";

@@ -331,6 +331,51 @@ TEST_F(AudioRecorderStop, mutedMicrophoneIsToldOfOnTheCaptureQueue) {
                         {AudioLevelSource::microphone, SourceCondition::delivering}}));
 }
 
+TEST_F(AudioRecorderStop, soundThatCouldNotBeWrittenIsToldAndTheTemporaryFileIsSetAside) {
+    std::vector<SoundLoss> told;
+    recorder.onSoundLoss = [&](const SoundLoss& loss) { told.push_back(loss); };
+    toolkit.writing.secondsNotWritten = 7.5;
+    toolkit.writing.error = "No space left on device";
+    startAndCapture(bothSources());
+    EXPECT_EQ(recorder.stop(1, 1), finalFile);
+    EXPECT_EQ(told, (std::vector<SoundLoss>{{SoundLoss::Cause::notWritten, 7.5, std::nullopt,
+                                             "No space left on device"}}));
+    auto aside = finalFile;
+    aside.replace_extension("incomplete.mov");
+    EXPECT_EQ(fileSystem.entries, (std::set<std::filesystem::path>{finalFile, aside}));
+    expectIdle();
+}
+
+TEST_F(AudioRecorderStop, soundThatTheFileHadNoRoomForIsTold) {
+    std::vector<SoundLoss> told;
+    recorder.onSoundLoss = [&](const SoundLoss& loss) { told.push_back(loss); };
+    startAndCapture(bothSources());
+    toolkit.writing.ready = false;
+    capture.deliver(bufferAt(256, 2, 480), StreamOutputType::audio);
+    capture.deliver(bufferAt(736, 2, 480), StreamOutputType::audio);
+    capture.deliver(bufferAt(256, 1, 480), StreamOutputType::microphone);
+    recorder.stop(1, 1);
+    ASSERT_EQ(told.size(), 1U);
+    EXPECT_EQ(told.front().cause, SoundLoss::Cause::notWritten);
+    EXPECT_DOUBLE_EQ(told.front().seconds, 0.02) << "the longer of both";
+}
+
+TEST_F(AudioRecorderStop, nothingIsToldLostOfARecordingThatIsWhole) {
+    bool isTold = false;
+    recorder.onSoundLoss = [&](const SoundLoss&) { isTold = true; };
+    startAndCapture(bothSources());
+    recorder.stop(1, 1);
+    EXPECT_FALSE(isTold);
+}
+
+TEST_F(AudioRecorderStop, temporaryFileThatIsNotWholeIsSetAside) {
+    toolkit.exporting.isWhole = false;
+    startAndCapture(bothSources());
+    recorder.stop(1, 1);
+    EXPECT_TRUE(fileSystem.temporaryFiles().empty());
+    EXPECT_EQ(fileSystem.entries.size(), 2U);
+}
+
 TEST_F(AudioRecorderStop, soundThatWasNotTakenInTimeIsTold) {
     std::vector<SoundLoss> told;
     recorder.onSoundLoss = [&](const SoundLoss& loss) { told.push_back(loss); };
@@ -339,7 +384,8 @@ TEST_F(AudioRecorderStop, soundThatWasNotTakenInTimeIsTold) {
     capture.loseSound(StreamOutputType::microphone, 0.25);
     recorder.stop(1, 1);
     constexpr auto cause = SoundLoss::Cause::notTakenInTime;
-    EXPECT_EQ(told, (std::vector<SoundLoss>{{cause, 2.5, ""}, {cause, 0.25, ""}}));
+    EXPECT_EQ(told, (std::vector<SoundLoss>{{cause, 2.5, AudioLevelSource::systemAudio, ""},
+                                            {cause, 0.25, AudioLevelSource::microphone, ""}}));
 }
 
 TEST_F(AudioRecorderStop, aLossThatNobodyListensForIsNoFailure) {

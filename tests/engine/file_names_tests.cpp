@@ -54,7 +54,7 @@ private:
 TEST_F(OutputNameTest, allNamesThatAreTriedHaveTheSameTime) {
     fileSystem.entries = {"/recordings/Vantoro-2025-03-01-093115.m4a",
                           "/recordings/Vantoro-2025-03-01-093115-2.m4a"};
-    EXPECT_EQ(uniqueOutputURL("/recordings", fileSystem, HurryingClock{}).filename(),
+    EXPECT_EQ(uniqueOutputURL("/recordings", fileSystem, HurryingClock{}).location().filename(),
               "Vantoro-2025-03-01-093115-3.m4a");
 }
 

@@ -170,6 +170,47 @@ TEST_F(SalvageTest, fileThatCannotBeDeletedIsNotFinishedEither) {
     EXPECT_TRUE(log.contains("write Vantoro-2025-03-01-093015.exporting.m4a"));
 }
 
+TEST_F(SalvageTest, tellsWhatCouldNotBeSavedAndWhy) {
+    put("a.partial.mov", daysAgo(2));
+    put("b.partial.mov", daysAgo(1));
+    fileSystem.removeErrors["/r/a.partial.mov"] = std::make_exception_ptr(std::runtime_error("no"));
+    const auto result = salvage();
+    ASSERT_EQ(result.failures.size(), 1U);
+    EXPECT_EQ(result.failures.front().location, "/r/a.partial.mov");
+    EXPECT_EQ(result.recordings.size(), 1U);
+}
+
+TEST_F(SalvageTest, tellsThatTheDiskDoesNotGiveAFileOrTheFolder) {
+    const auto failing = [](std::errc reason) {
+        return std::make_exception_ptr(std::system_error(std::make_error_code(reason)));
+    };
+    put("a.partial.mov", daysAgo(1));
+    toolkit.exporting.openError = failing(std::errc::io_error);
+    EXPECT_EQ(salvage().failures.size(), 1U);
+    fileSystem.listError = failing(std::errc::io_error);
+    const auto failures = salvage().failures;
+    ASSERT_EQ(failures.size(), 1U);
+    EXPECT_EQ(failures.front().location, "/r");
+}
+
+TEST_F(SalvageTest, nothingFailedWhereThereIsNothingOrSomebodyElseSavedIt) {
+    const auto gone = std::make_exception_ptr(
+        std::system_error(std::make_error_code(std::errc::no_such_file_or_directory)));
+    put("a.partial.mov", daysAgo(1));
+    toolkit.exporting.openError = gone;
+    EXPECT_TRUE(salvage().failures.empty());
+    toolkit.exporting.openError = std::make_exception_ptr(std::runtime_error("no movie"));
+    EXPECT_TRUE(salvage().failures.empty());
+    fileSystem.listError = gone;
+    EXPECT_TRUE(salvage().failures.empty());
+}
+
+TEST_F(SalvageTest, stopIsNoFailure) {
+    put("a.partial.mov", daysAgo(1));
+    toolkit.exporting.duringExport = [this] { stop.request_stop(); };
+    EXPECT_TRUE(salvage().failures.empty());
+}
+
 TEST_F(SalvageTest, fileThatSomebodyHasLockedStays) {
     put("a.partial.mov", daysAgo(1));
     fileSystem.locked.insert("/r/a.partial.mov");
@@ -190,7 +231,7 @@ TEST_F(SalvageTest, originalThatIsNotWholeIsSetAsideAndNotSalvagedAgain) {
     put("a.partial.mov", daysAgo(1));
     toolkit.exporting.isWhole = false;
     const std::filesystem::path kept = "/r/Vantoro-2025-03-01-093015.incomplete.mov";
-    EXPECT_EQ(salvage(), (SalvageResult{{finalFiles[0]}, {kept}}));
+    EXPECT_EQ(salvage(), (SalvageResult{{finalFiles[0]}, {kept}, {}}));
     EXPECT_EQ(fileSystem.entries, (std::set{finalFiles[0], kept}));
     EXPECT_FALSE(log.contains("remove a.partial.mov"));
     EXPECT_TRUE(incompleteRecordings({{kept, daysAgo(1)}}).empty());
@@ -198,7 +239,7 @@ TEST_F(SalvageTest, originalThatIsNotWholeIsSetAsideAndNotSalvagedAgain) {
 
 TEST_F(SalvageTest, wholeOriginalIsNotKept) {
     put("a.partial.mov", daysAgo(1));
-    EXPECT_EQ(salvage(), (SalvageResult{{finalFiles[0]}, {}}));
+    EXPECT_EQ(salvage(), (SalvageResult{{finalFiles[0]}, {}, {}}));
 }
 
 TEST_F(SalvageTest, originalIsSetAsideOnlyWhenTheFinalFilesNameIsOnTheDisk) {

@@ -173,6 +173,30 @@ TEST_F(ComposedTextTest, anyOtherNumberOfRecoveredRecordingsIsCountedWithoutGrou
     }
 }
 
+TEST_F(ComposedTextTest, lostSoundIsToldInWholeSecondsThatAreNeverNone) {
+    EXPECT_EQ(english.soundNotTakenInTime(0.2),
+              "The computer did not keep up: 1 second of the recording is silent.");
+    EXPECT_EQ(english.soundNotTakenInTime(12),
+              "The computer did not keep up: 12 seconds of the recording are silent.");
+    EXPECT_EQ(chinese.soundNotTakenInTime(1.5), "电脑一度没有响应，录音中有约 2 秒没有声音。");
+    EXPECT_EQ(english.soundNotWritten(7.5, "Input/output error"),
+              "About 8 seconds of sound could not be written to the disk: Input/output error.");
+    EXPECT_EQ(english.soundNotWritten(0.5, ""),
+              "About 1 second of sound could not be written to the disk, which was too slow.");
+    EXPECT_EQ(chinese.soundNotWritten(7.5, "Input/output error"),
+              "约 8 秒的声音未能写入磁盘：Input/output error。");
+    EXPECT_EQ(chinese.soundNotWritten(1, ""), "约 1 秒的声音未能写入磁盘：磁盘太慢。");
+}
+
+TEST_F(ComposedTextTest, recordingThatCouldNotBeSavedIsToldWithItsPlace) {
+    EXPECT_EQ(
+        english.notRecovered("/r/a.partial.mov", "Cannot open a.partial.mov: No"),
+        "An interrupted recording could not be saved: Cannot open a.partial.mov: No. It stays "
+        "as it is: /r/a.partial.mov");
+    EXPECT_EQ(chinese.notRecovered("/r/a.partial.mov", "不行"),
+              "有一段中断的录音未能保存：不行。它仍保留在：/r/a.partial.mov");
+}
+
 TEST_F(ComposedTextTest, roomThatIsLeftIsCountedInMinutes) {
     struct Row {
         std::int64_t minutes;

@@ -106,6 +106,8 @@ public:
 
     std::optional<std::string> errorDescription() const override { return toolkit_.writing.error; }
 
+    double secondsNotWritten() const override { return toolkit_.writing.secondsNotWritten; }
+
 private:
     FakeMediaToolkit& toolkit_;
     std::vector<std::unique_ptr<FakeInput>> inputs_;

@@ -159,6 +159,7 @@ struct WriterBehaviour {
     bool appendSucceeds = true;
     bool ready = true;
     FileWriterStatus statusAfterFinish = FileWriterStatus::completed;
+    double secondsNotWritten = 0;
     std::optional<std::string> error;
 };
 

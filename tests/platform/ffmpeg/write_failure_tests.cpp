@@ -60,6 +60,7 @@ TEST_F(WriteFailure, nothingIsLostWhenTheDiskHasRoomAgainAtTheEnd) {
     recording.finish();
     EXPECT_EQ(recording.writer().status(), FileWriterStatus::completed);
     EXPECT_EQ(recording.writer().errorDescription(), std::nullopt);
+    EXPECT_EQ(recording.writer().secondsNotWritten(), 0);
     // The system track may have taken the buffer that the microphone's track refused.
     EXPECT_EQ(framesOnDisk(), recorded);
     EXPECT_EQ(topBoxes(files.contentOf("movie.mov")).back().type, "mfra");
@@ -67,12 +68,16 @@ TEST_F(WriteFailure, nothingIsLostWhenTheDiskHasRoomAgainAtTheEnd) {
 
 TEST_F(WriteFailure, whatWasWrittenBeforeCountsWhenTheDiskStaysFull) {
     files.setCapacity(100'000);
-    recordUntilRefused(0);
+    const std::int64_t recorded = recordUntilRefused(0);
     recording.finish();
     EXPECT_EQ(recording.writer().status(), FileWriterStatus::completed);
     // Cut back to the one whole fragment.
     EXPECT_EQ(topBoxes(files.contentOf("movie.mov")).back().type, "uuid");
     EXPECT_EQ(framesOnDisk(), 48128);
+    EXPECT_NEAR(recording.writer().secondsNotWritten(), static_cast<double>(recorded) / second - 1,
+                0.05);
+    EXPECT_THAT(recording.writer().errorDescription().value_or(""),
+                HasSubstr("No space left on device"));
     EXPECT_EQ(files.journalOf("movie.mov").back(), "close");
 }
 
@@ -206,8 +211,8 @@ TEST(FragmentFile, countsWhatWaits) {
     ffmpeg::FragmentFile file(
         files.create("movie.mov", FileAudience::userOnly), [](const std::string&) {},
         [](std::size_t) {});
-    file.append(std::vector<std::byte>(1000));
-    file.append(std::vector<std::byte>(500));
+    file.append(std::vector<std::byte>(1000), 0);
+    file.append(std::vector<std::byte>(500), 0);
     ASSERT_TRUE(files.waitUntilStuck());
     EXPECT_EQ(file.backlog(), 1500U);
     files.setStuck(false);

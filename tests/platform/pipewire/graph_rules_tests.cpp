@@ -172,7 +172,7 @@ TEST(NodeProperties, areReadByTheirNames) {
     EXPECT_EQ(node.mediaClass, "Audio/Sink");
     EXPECT_EQ(node.name, "name");
     EXPECT_EQ(node.description, "description");
-    EXPECT_EQ(node.serial, "1030");
+    EXPECT_EQ(node.serial, 1030U);
     EXPECT_EQ(node.linkGroup, "group");
     EXPECT_EQ(node.targetObject, "older");
     EXPECT_EQ(node.processId, "4711");
