@@ -90,8 +90,9 @@ class Places:
             self._may_be_constant |= cursor.kind == Kind.FIELD_DECL
             self._note_constant(cursor, start)
         if cursor.kind in FUNCTIONS or cursor.kind in (Kind.VAR_DECL, Kind.FIELD_DECL, Kind.PARM_DECL):
-            # What stands before the name belongs to the type.
-            children = [child for child in children if span(child)[0] >= cursor.location.offset]
+            # What stands before the name belongs to the type, and so does an array's size behind it.
+            children = [child for child in children if span(child)[0] >= cursor.location.offset
+                        and self.source[span(child)[0] - 1] != "["]
         self._change(cursor, start, end, children)
         for child in self._running(cursor, children):
             self._visit(child)

@@ -77,10 +77,17 @@ public:
              .defaultDuration = 512,
              .defaultSize = 20,
              .information = {}},
+            // not one of the movie's
+            {.id = 8,
+             .isAudio = true,
+             .timescale = 48000,
+             .defaultDuration = 1024,
+             .defaultSize = 10,
+             .information = {}},
         };
         MemoryFileSystem files;
         files.put("movie.mov", file_);
-        return readFragment(*files.open("movie.mov"), before, tracks);
+        return readFragment(*files.open("movie.mov"), before, std::span(tracks).first(3));
     }
 
     bool isRefused() const {
@@ -112,7 +119,8 @@ void track(BoxWriter& writer, std::uint32_t id = 5, std::uint32_t flags = 0) {
 }
 
 void start(BoxWriter& writer, std::uint64_t frame = 0) {
-    writer.fullBox("tfdt", 0, [&] { writer.u32(frame); });
+    writer.fullBox("tfdt", 0x00FFFFFF,
+                   [&] { writer.u32(frame); }); // version 0, flags of no meaning
 }
 
 /// Packets as the defaults say, from an offset on.

@@ -146,6 +146,29 @@ TEST(MovieCodecs, channelsAreThoseOfTheConfiguration) {
     }
 }
 
+TEST(MovieCodecs, areThoseOfEachKindOfAac) {
+    for (unsigned coding = 0; coding < 256; ++coding) {
+        const bool isAac = coding == 0x40 || coding == 0x66 || coding == 0x67 || coding == 0x68;
+        const auto codec = codecOf(informationOf(description(0, streamOf(stereo(), coding))));
+        EXPECT_EQ(codec != nullptr, isAac) << coding;
+    }
+    for (unsigned kind = 0; kind < 32; ++kind) {
+        const Bytes configuration = bytesOf({(kind << 3U) | 1U, 0x90});
+        const auto codec = codecOf(informationOf(description(0, streamOf(configuration))));
+        EXPECT_EQ(codec != nullptr, kind >= 1 && kind <= 4) << kind;
+    }
+}
+
+TEST(MovieCodecs, areRefusedWithTheReason) {
+    std::string complaint;
+    try {
+        codecOf(informationOf(description(0, box("btrt", Bytes(12)))));
+    } catch (const std::runtime_error& damage) {
+        complaint = damage.what();
+    }
+    EXPECT_EQ(complaint, "The recording file is damaged: a track does not say how it is coded.");
+}
+
 TEST(MovieCodecs, aTrackThatIsNotAacHasNone) {
     const Bytes stream = streamOf(stereo());
     const std::vector<Bytes> cases{

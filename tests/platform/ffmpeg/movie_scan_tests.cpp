@@ -6,6 +6,7 @@
 
 #include <array>
 #include <functional>
+#include <string>
 
 #include "platform/ffmpeg/box_reader.h"
 #include "platform/ffmpeg/box_writer.h"
@@ -46,7 +47,7 @@ struct MadeUpTrack {
 };
 
 void writeTrack(BoxWriter& writer, const MadeUpTrack& track) {
-    const std::uint32_t version = track.version << 24U;
+    const std::uint32_t version = track.version << 24U | 0x00FFFFFFU; // and flags of no meaning
     const std::size_t times = track.version == 0 ? 8 : 16;
     writer.box("trak", [&] {
         writer.fullBox("tkhd", version, [&] {
@@ -192,8 +193,15 @@ TEST(MovieScan, findsTheHeaderAmongTheFirstSixteenBoxes) {
     BoxWriter another;
     another.box("free", [] {});
     EXPECT_TRUE(isRefused(another.take() + some + header));
-    EXPECT_TRUE(isRefused(some));
-    EXPECT_TRUE(isRefused({}));
+    for (const FileBytes& movie : {some, FileBytes{}}) {
+        std::string complaint;
+        try {
+            scanOf(movie);
+        } catch (const DamagedMovie& damage) {
+            complaint = damage.what();
+        }
+        EXPECT_EQ(complaint, "The recording file is damaged: it has no header.");
+    }
 }
 
 TEST(MovieScan, readsHeadersOfUpToAMebibyte) {
