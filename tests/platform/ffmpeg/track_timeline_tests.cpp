@@ -40,6 +40,7 @@ INSTANTIATE_TEST_SUITE_P(
     All, TrackTimelineCases,
     testing::Values(
         Case{"contiguous", {{0, 1024, {0, 0, 1024}}, {1024, 7, {0, 0, 7}}, {1031, 1, {0, 0, 1}}}},
+        Case{"aSingleFrameIsABufferToo", {{0, 1, {0, 0, 1}}, {480, 480, {0, 0, 480}}}},
         Case{"lateFirstBuffer", {{1, 480, {1, 0, 480}}}},
         Case{"veryLateFirstBuffer", {{480000, 480, {480000, 0, 480}}}},
         Case{"firstBufferBeforeTheSession", {{-100, 480, {0, 100, 380}}}},
@@ -64,6 +65,16 @@ TEST(TrackTimeline, fillingUpIsExactAndSoIsWhatFollows) {
     EXPECT_EQ(timeline.position(), 1490);
 }
 
+TEST(TrackTimeline, whatIsFullAlreadyIsNotFilledUp) {
+    TrackTimeline timeline;
+    timeline.place(0, 480);
+    EXPECT_EQ(timeline.fillTo(480), 0);
+    EXPECT_EQ(timeline.fillTo(100), 0);
+    EXPECT_EQ(timeline.place(980, 480), (Placement{0, 0, 480})) << "stamps may wander";
+    EXPECT_EQ(timeline.fillTo(961), 1);
+    EXPECT_EQ(timeline.position(), 961);
+}
+
 TEST(TrackTimeline, whatComesTooLateForAFilledTrackIsLeftOut) {
     TrackTimeline timeline;
     timeline.fillTo(1000);
@@ -73,9 +84,9 @@ TEST(TrackTimeline, whatComesTooLateForAFilledTrackIsLeftOut) {
 
 TEST(TrackTimeline, refusesAGapThatCannotBe) {
     TrackTimeline timeline;
-    EXPECT_THROW(timeline.place(TrackTimeline::longestGap + 1, 480), std::runtime_error);
+    EXPECT_THROW(timeline.place(172'800'001, 480), std::runtime_error);
     EXPECT_EQ(timeline.position(), 0);
-    EXPECT_EQ(timeline.place(TrackTimeline::longestGap, 480).silence, TrackTimeline::longestGap);
+    EXPECT_EQ(timeline.place(172'800'000, 480).silence, 172'800'000);
 }
 
 class ClockDrift : public testing::TestWithParam<double> {};
