@@ -92,7 +92,7 @@ class Places:
         if cursor.kind in FUNCTIONS or cursor.kind in (Kind.VAR_DECL, Kind.FIELD_DECL, Kind.PARM_DECL):
             # What stands before the name belongs to the type, and so does an array's size behind it.
             children = [child for child in children if span(child)[0] >= cursor.location.offset
-                        and self.source[span(child)[0] - 1] != "["]
+                        and not self.source.endswith("[", 0, span(child)[0])]
         self._change(cursor, start, end, children)
         for child in self._running(cursor, children):
             self._visit(child)
