@@ -73,9 +73,14 @@ FileDescriptor createIfAbsent(const std::filesystem::path& path, FileAudience au
         }
         return {};
     }
-    // Somebody may have taken it over before it was locked.
-    if (tryLock(file, F_WRLCK, path) == LockAttempt::heldByOthers || !isAt(path, file)) {
-        return {};
+    try {
+        // Somebody may have taken it over before it was locked.
+        if (tryLock(file, F_WRLCK, path) == LockAttempt::heldByOthers || !isAt(path, file)) {
+            return {};
+        }
+    } catch (...) {
+        ::unlink(path.c_str()); // who has taken it over keeps what he makes it of
+        throw;
     }
     return file;
 }
@@ -99,6 +104,8 @@ PosixOutputFile::PosixOutputFile(std::filesystem::path path, FileAudience audien
 
 std::unique_ptr<PosixOutputFile> PosixOutputFile::claim(const std::filesystem::path& path,
                                                         FileAudience audience) {
+    auto absolute = std::filesystem::absolute(path);
+    auto folder = openFile(absolute.parent_path(), O_RDONLY | O_DIRECTORY, "open");
     FileDescriptor file = createIfAbsent(path, audience);
     if (!file.isOpen()) {
         file = takeOver(path);
@@ -106,8 +113,6 @@ std::unique_ptr<PosixOutputFile> PosixOutputFile::claim(const std::filesystem::p
     if (!file.isOpen()) {
         return nullptr;
     }
-    auto absolute = std::filesystem::absolute(path);
-    auto folder = openFile(absolute.parent_path(), O_RDONLY | O_DIRECTORY, "open");
     return std::unique_ptr<PosixOutputFile>(
         new PosixOutputFile(std::move(absolute), audience, std::move(folder), std::move(file)));
 }

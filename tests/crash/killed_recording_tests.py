@@ -5,6 +5,7 @@
 import signal
 import subprocess
 import sys
+import tempfile
 import threading
 from pathlib import Path
 
@@ -54,13 +55,17 @@ class KilledRecording(RecordingCase):
         with sound.tone(440):
             recording = recorder.Recording(self.folder)
             recording.wait_until_written()
-            # By its path the folder can only be read from now on; the file is open already.
-            subprocess.run(["mount", "--bind", str(self.folder), str(self.folder)], check=True)
-            subprocess.run(["mount", "-o", "remount,bind,ro", str(self.folder)], check=True)
-            try:
-                result = recording.stop()
-            finally:
-                subprocess.run(["umount", "-l", str(self.folder)], check=True)
+            # By its path the folder can only be read from now on; the file is open already. In one step: what is
+            # mixed ahead opens files there.
+            with tempfile.TemporaryDirectory(prefix="vantoro-read-only-") as place:
+                subprocess.run(["mount", "--bind", str(self.folder), place], check=True)
+                subprocess.run(["mount", "-o", "remount,bind,ro", place], check=True)
+                subprocess.run(["mount", "--bind", place, str(self.folder)], check=True)
+                try:
+                    result = recording.stop()
+                finally:
+                    subprocess.run(["umount", "-l", str(self.folder)], check=True)
+                    subprocess.run(["umount", "-l", place], check=True)
         self.assertEqual((result.status, result.output), (1, ""))
         self.assertIn("Read-only file system", result.errors)
         self.assertIn("checkpoint was kept", result.errors)

@@ -2,7 +2,7 @@
 
 // Preloaded into a program, has it meet a disk that does not answer: a call to the file system
 // never returns, as with a network disk whose server is gone. The environment says which:
-//   VANTORO_HANG_CALL    mkdir, open, fsync, fdatasync, rename or linkat
+//   VANTORO_HANG_CALL    mkdir, open, fsync, fdatasync or rename, be it by a link
 //   VANTORO_HANG_FROM    from its how manieth time on (1 for the first)
 //   VANTORO_HANG_UNDER   on what lies in this folder, or is it
 //   VANTORO_HANG_MARK    the file that is made when it hangs
@@ -104,8 +104,16 @@ int rename(const char* from, const char* to) noexcept {
     return function(from, to);
 }
 
+int renameat2(int fromFolder, const char* from, int toFolder, const char* to,
+              unsigned int flags) noexcept {
+    hangIfDue("rename", to);
+    static auto* const function =
+        next<int(int, const char*, int, const char*, unsigned int)>("renameat2");
+    return function(fromFolder, from, toFolder, to, flags);
+}
+
 int linkat(int fromFolder, const char* from, int toFolder, const char* to, int flags) noexcept {
-    hangIfDue("linkat", to);
+    hangIfDue("rename", to);
     static auto* const function = next<int(int, const char*, int, const char*, int)>("linkat");
     return function(fromFolder, from, toFolder, to, flags);
 }

@@ -18,7 +18,7 @@ from events import wait_for  # noqa: E402
 from screen import press_keys  # noqa: E402
 from texts import ENGLISH  # noqa: E402
 
-KEPT = re.compile(r".* A recoverable recording checkpoint was kept in the recording folder\.")
+KEPT = re.compile(r".* A recoverable recording checkpoint was kept in the recording folder\..*")
 
 
 class Quitting(WindowCase):

@@ -305,7 +305,7 @@ TEST_F(Capture, tellsWhatAStandstillOfTheQueueLostAndStaysInStep) {
         release.set_value();
         clock->stopCapture();
     }
-    ASSERT_TRUE(sound.waitForMore(2));
+    ASSERT_TRUE(sound.waitForMore(6)); // four of which stand for the standstill
     stop();
     const auto heard = sound.audio();
     const auto spoken = sound.microphone();
