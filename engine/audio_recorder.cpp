@@ -7,9 +7,9 @@
 #include <utility>
 
 #include "engine/file_names.h"
+#include "engine/final_export.h"
 #include "engine/room_watch.h"
 #include "engine/salvage.h"
-#include "engine/set_aside.h"
 #include "engine/track_mixing.h"
 
 namespace vantoro {
@@ -178,7 +178,15 @@ std::filesystem::path AudioRecorder::stop(float systemVolume, float microphoneVo
         onRecordingSafe();
     }
     try {
-        auto destination = exportFinal(systemVolume, microphoneVolume, isAllWritten);
+        if (outputDirectory_.empty()) {
+            throw RecordingError(RecordingError::Case::exportFailed);
+        }
+        const FinalExport wanted{
+            .temporaryFile = temporaryURL_,
+            .volumeOfTrack = recordingVolumes(hasSystemAudioTrack_, systemVolume, microphoneVolume),
+            .isAllWritten = isAllWritten};
+        auto destination = exportFinal(platform_.mediaToolkit, platform_.fileSystem,
+                                       platform_.clock, wanted, onExportProgress);
         reset(false);
         return destination;
     } catch (...) {
@@ -234,32 +242,6 @@ bool AudioRecorder::tellOfLoss() {
         onSoundLoss(*loss);
     }
     return loss.has_value();
-}
-
-std::filesystem::path AudioRecorder::exportFinal(float systemVolume, float microphoneVolume,
-                                                 bool isAllWritten) {
-    if (outputDirectory_.empty()) {
-        throw RecordingError(RecordingError::Case::exportFailed);
-    }
-    auto place = uniqueOutputURL(outputDirectory_, platform_.fileSystem, platform_.clock);
-    const auto asset = platform_.mediaToolkit.openAsset(temporaryURL_);
-    auto final = mixTracks(platform_.mediaToolkit, *asset, std::move(place),
-                           recordingVolumes(hasSystemAudioTrack_, systemVolume, microphoneVolume),
-                           onExportProgress, {});
-    if (isAllWritten && asset->isWhole()) {
-        removeIgnoringErrors(platform_.fileSystem, temporaryURL_);
-    } else {
-        setAsideIgnoringErrors(final.location);
-    }
-    return final.location;
-}
-
-/// Where it cannot be moved, it stays for salvage: better twice than not at all.
-void AudioRecorder::setAsideIgnoringErrors(const std::filesystem::path& finalFile) noexcept {
-    try {
-        setAside(platform_.fileSystem, temporaryURL_, finalFile);
-    } catch (const std::exception&) { // NOLINT(bugprone-empty-catch): see above
-    }
 }
 
 void AudioRecorder::resetAfterFailedStop() {

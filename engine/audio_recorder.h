@@ -103,9 +103,6 @@ private:
     void stopStream();
     void finishWriting();
     bool tellOfLoss();
-    std::filesystem::path exportFinal(float systemVolume, float microphoneVolume,
-                                      bool isAllWritten);
-    void setAsideIgnoringErrors(const std::filesystem::path& finalFile) noexcept;
     void resetAfterFailedStop();
     void resetKeepingWhatWasWritten();
     void reset(bool removeTemporaryFile);

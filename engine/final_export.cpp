@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "engine/final_export.h"
+
+#include <exception>
+#include <utility>
+
+#include "engine/file_names.h"
+#include "engine/set_aside.h"
+
+namespace vantoro {
+
+namespace {
+
+/// Where it cannot be moved, it stays for salvage: better twice than not at all.
+void setAsideIgnoringErrors(FileSystem& fileSystem, const std::filesystem::path& temporaryFile,
+                            const std::filesystem::path& finalFile) noexcept {
+    try {
+        setAside(fileSystem, temporaryFile, finalFile);
+    } catch (const std::exception&) { // NOLINT(bugprone-empty-catch): see above
+    }
+}
+
+} // namespace
+
+std::filesystem::path exportFinal(MediaToolkit& toolkit, FileSystem& fileSystem, const Clock& clock,
+                                  const FinalExport& wanted, const ExportProgress& progress) {
+    const auto& temporaryFile = wanted.temporaryFile;
+    auto place = uniqueOutputURL(temporaryFile.parent_path(), fileSystem, clock);
+    const auto asset = toolkit.openAsset(temporaryFile);
+    const auto final =
+        mixTracks(toolkit, *asset, std::move(place), wanted.volumeOfTrack, progress, {});
+    if (wanted.isAllWritten && asset->isWhole()) {
+        removeIgnoringErrors(fileSystem, temporaryFile);
+    } else {
+        setAsideIgnoringErrors(fileSystem, temporaryFile, final.location);
+    }
+    return final.location;
+}
+
+} // namespace vantoro
