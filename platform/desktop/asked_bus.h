@@ -15,10 +15,12 @@
 namespace vantoro::desktop {
 
 /// What every bus answers.
-const BusMethod busIdentifier{.service = "org.freedesktop.DBus",
-                              .path = "/org/freedesktop/DBus",
-                              .interface = "org.freedesktop.DBus",
-                              .member = "GetId"};
+inline BusMethod busIdentifier() {
+    return {.service = "org.freedesktop.DBus",
+            .path = "/org/freedesktop/DBus",
+            .interface = "org.freedesktop.DBus",
+            .member = "GetId"};
+}
 
 /// A bus of which it is to be known whether it hangs, before anything waits for it. Needs no event
 /// loop: whoever has it polls for what it awaits. It does not move. One thread at a time.

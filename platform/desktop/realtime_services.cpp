@@ -30,8 +30,8 @@ bool realtimeServicesAnswer(const BusAddresses& addresses, std::chrono::millisec
     AskedService realtimeKit(
         gettingOf("org.freedesktop.RealtimeKit1", "/org/freedesktop/RealtimeKit1"),
         {"org.freedesktop.RealtimeKit1", "MaxRealtimePriority"});
-    AskedBus session(addresses.session, busIdentifier, [&](AskedBus& bus) { portal.begin(bus); });
-    AskedBus system(addresses.system, busIdentifier,
+    AskedBus session(addresses.session, busIdentifier(), [&](AskedBus& bus) { portal.begin(bus); });
+    AskedBus system(addresses.system, busIdentifier(),
                     [&](AskedBus& bus) { realtimeKit.begin(bus); });
     const std::array<AskedBus*, 2> buses{&session, &system};
     const auto areSettled = [&] {

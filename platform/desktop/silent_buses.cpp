@@ -25,8 +25,8 @@ public:
     explicit Inquiry(const BusQuestions& questions)
         : hasWindow_(questions.accessibility.has_value()),
           accessibility_(questions.accessibility.value_or(AccessibilitySettings())),
-          system_(questions.addresses.system, busIdentifier),
-          session_(questions.addresses.session, busIdentifier, [this](AskedBus& session) {
+          system_(questions.addresses.system, busIdentifier()),
+          session_(questions.addresses.session, busIdentifier(), [this](AskedBus& session) {
               if (hasWindow_) {
                   accessibility_.begin(session);
                   menuRegistrar_.begin(session);
