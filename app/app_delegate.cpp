@@ -7,7 +7,7 @@
 #include <QtCore/QEvent>
 #include <QtWidgets/QApplication>
 
-#include "ui/symbols.h"
+#include "ui/style/symbols.h"
 
 namespace vantoro {
 

@@ -11,7 +11,7 @@
 #include "control/audio_level_store.h"
 #include "l10n/l10n.h"
 #include "l10n/preferences.h"
-#include "ui/level_pictures.h"
+#include "ui/meters/level_pictures.h"
 #include "ui/ports/status_area.h"
 
 namespace vantoro {

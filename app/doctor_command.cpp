@@ -13,8 +13,8 @@
 #include <utility>
 
 #include "engine/salvage.h"
-#include "platform/desktop/answering_bus.h"
-#include "platform/desktop/microphone_access.h"
+#include "platform/desktop/bus/answering_bus.h"
+#include "platform/desktop/permission/microphone_access.h"
 #include "platform/ffmpeg/loaded_toolkit.h"
 #include "platform/posix/posix_file_system.h"
 

@@ -5,7 +5,7 @@
 #include <filesystem>
 
 #include "app/doctor_report.h"
-#include "platform/desktop/silent_buses.h"
+#include "platform/desktop/bus/silent_buses.h"
 
 namespace vantoro {
 

@@ -122,6 +122,9 @@ void addSound(Writer& writer, const DoctorFindings& findings) {
     } else {
         writer.problem(Text::outputsMissing, Text::outputsAdvice);
     }
+    if (sound.playsCodedSound) {
+        writer.problem(Text::codedSound, Text::codedSoundAdvice);
+    }
     addMicrophones(writer, sound);
 }
 

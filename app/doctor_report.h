@@ -10,7 +10,7 @@
 #include "app/folder_check.h"
 #include "l10n/app_language.h"
 #include "platform/desktop/desktop_survey.h"
-#include "platform/desktop/microphone_policy.h"
+#include "platform/desktop/permission/microphone_policy.h"
 #include "platform/pipewire/sound_survey.h"
 
 namespace vantoro {

@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "engine/serial_queue.h"
-#include "platform/desktop/recording_folder.h"
+#include "platform/desktop/opening/recording_folder.h"
 
 namespace vantoro {
 
@@ -26,7 +26,7 @@ public:
 
     void streamDidStop(std::exception_ptr /*error*/) override {}
 
-    void microphoneDidChangeMute(bool /*isMuted*/) override {}
+    void obstacleDidChange(AudioLevelSource /*source*/, SourceCondition /*obstacle*/) override {}
 };
 
 /// Records a microphone for a moment; whether that is possible.

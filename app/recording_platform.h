@@ -10,18 +10,18 @@
 #include "control/qt_scheduler.h"
 #include "control/recording_view_model.h"
 #include "engine/audio_recorder.h"
-#include "platform/desktop/desktop_workspace.h"
 #include "platform/desktop/displays.h"
-#include "platform/desktop/microphone_access.h"
-#include "platform/desktop/power_management.h"
-#include "platform/desktop/power_profile.h"
+#include "platform/desktop/opening/desktop_workspace.h"
+#include "platform/desktop/permission/microphone_access.h"
+#include "platform/desktop/power/power_management.h"
+#include "platform/desktop/power/power_profile.h"
 #include "platform/ffmpeg/loaded_toolkit.h"
 #include "platform/pipewire/capture_service.h"
 #include "platform/pipewire/device_list.h"
 #include "platform/pipewire/screen_capture_access.h"
 #include "platform/posix/posix_file_system.h"
 #include "platform/posix/system_clock.h"
-#include "ui/dialog_folder_panel.h"
+#include "ui/window/dialog_folder_panel.h"
 
 namespace vantoro {
 

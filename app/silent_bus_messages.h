@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "platform/desktop/silent_buses.h"
+#include "platform/desktop/bus/silent_buses.h"
 
 namespace vantoro {
 

@@ -8,7 +8,7 @@
 #include <QtCore/QPointer>
 #include <QtCore/QTimer>
 
-#include "ui/activation.h"
+#include "ui/window/activation.h"
 
 namespace vantoro {
 

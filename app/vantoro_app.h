@@ -16,8 +16,8 @@
 #include "app/saving_first.h"
 #include "control/recording_view_model.h"
 #include "l10n/language_settings.h"
-#include "ui/main_window.h"
 #include "ui/ports/status_area.h"
+#include "ui/window/main_window.h"
 #include "update/update_checker.h"
 
 namespace vantoro {

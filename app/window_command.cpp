@@ -15,13 +15,13 @@
 #include "app/vantoro_app.h"
 #include "control/engine_recorder.h"
 #include "l10n/settings_file.h"
-#include "platform/desktop/application_instance.h"
+#include "platform/desktop/bus/silent_buses.h"
 #include "platform/desktop/font_configuration.h"
-#include "platform/desktop/silent_buses.h"
-#include "platform/desktop/status_notifier_area.h"
-#include "ui/application_style.h"
-#include "ui/substituted_status_area.h"
-#include "ui/tray_icon_area.h"
+#include "platform/desktop/instance/application_instance.h"
+#include "platform/desktop/status_area/status_notifier_area.h"
+#include "ui/status_area/substituted_status_area.h"
+#include "ui/status_area/tray_icon_area.h"
+#include "ui/style/application_style.h"
 
 namespace vantoro {
 

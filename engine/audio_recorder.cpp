@@ -301,8 +301,8 @@ void AudioRecorder::streamDidStop(std::exception_ptr error) {
     });
 }
 
-void AudioRecorder::microphoneDidChangeMute(bool isMuted) {
-    captureQueue_.async([this, isMuted] { samplePath_.setMicrophoneMuted(isMuted); });
+void AudioRecorder::obstacleDidChange(AudioLevelSource source, SourceCondition obstacle) {
+    captureQueue_.async([this, source, obstacle] { samplePath_.setObstacle(source, obstacle); });
 }
 
 } // namespace vantoro

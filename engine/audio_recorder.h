@@ -110,7 +110,7 @@ private:
     void didOutputSampleBuffer(const SampleBuffer& buffer, StreamOutputType type) override;
     void didLoseSound(StreamOutputType type, double seconds) override;
     void streamDidStop(std::exception_ptr error) override;
-    void microphoneDidChangeMute(bool isMuted) override;
+    void obstacleDidChange(AudioLevelSource source, SourceCondition obstacle) override;
 
     RecorderPlatform platform_;
 

@@ -66,6 +66,14 @@ private:
 /// The two sources a level can belong to.
 enum class AudioLevelSource : std::uint8_t { systemAudio, microphone };
 
+/// Whether a source gives what it is recorded for.
+enum class SourceCondition : std::uint8_t {
+    delivering,
+    silent, ///< nothing but zeros for `SourceWatch::noticed`, which a quiet room hardly gives
+    muted,  ///< switched off in the desktop's mixer
+    coded,  ///< some of it goes to a receiver in a coded form, which cannot be recorded
+};
+
 /// Sound that was captured and is not in the recording.
 struct SoundLoss {
     enum class Cause : std::uint8_t {

@@ -110,8 +110,8 @@ void SamplePath::reportWriterFailure(const char* text) {
     interrupt(std::make_exception_ptr(RecordingError::writerFailed(writerFailure_)));
 }
 
-void SamplePath::setMicrophoneMuted(bool isMuted) {
-    sourceWatch_.setMuted(AudioLevelSource::microphone, isMuted, onSourceCondition_);
+void SamplePath::setObstacle(AudioLevelSource source, SourceCondition obstacle) {
+    sourceWatch_.setObstacle(source, obstacle, onSourceCondition_);
 }
 
 void SamplePath::interrupt(std::exception_ptr error) {

@@ -37,7 +37,7 @@ public:
 
     void append(const SampleBuffer& buffer, AudioLevelSource source);
     /// The microphone was switched off, or on again, in the desktop's mixer.
-    void setMicrophoneMuted(bool isMuted);
+    void setObstacle(AudioLevelSource source, SourceCondition obstacle);
     /// Every buffer from now on is dropped, and the receiver is told.
     void interrupt(std::exception_ptr error);
     /// As `interrupt`, but silent, and an earlier cause is kept.

@@ -32,17 +32,16 @@ void SourceWatch::observe(const SampleBuffer& buffer, AudioLevelSource source,
     tell(source, callback);
 }
 
-void SourceWatch::setMuted(AudioLevelSource source, bool isMuted,
-                           const SourceConditionCallback& callback) {
-    at(source).isMuted = isMuted;
+void SourceWatch::setObstacle(AudioLevelSource source, SourceCondition obstacle,
+                              const SourceConditionCallback& callback) {
+    at(source).obstacle = obstacle;
     tell(source, callback);
 }
 
 void SourceWatch::tell(AudioLevelSource source, const SourceConditionCallback& callback) {
     Source& watched = at(source);
-    const auto condition = watched.isMuted    ? SourceCondition::muted
-                           : watched.isSilent ? SourceCondition::silent
-                                              : SourceCondition::delivering;
+    const bool isFree = watched.obstacle == SourceCondition::delivering;
+    const auto condition = isFree && watched.isSilent ? SourceCondition::silent : watched.obstacle;
     if (condition != watched.told) {
         watched.told = condition;
         if (callback) {

@@ -11,13 +11,6 @@
 
 namespace vantoro {
 
-/// Whether a source gives what it is recorded for.
-enum class SourceCondition : std::uint8_t {
-    delivering,
-    silent, ///< nothing but zeros for `SourceWatch::noticed`, which a quiet room hardly gives
-    muted,  ///< switched off in the desktop's mixer
-};
-
 /// Receives a condition that differs from the one before, which is `delivering` at first. Called on
 /// the capture queue.
 using SourceConditionCallback =
@@ -31,7 +24,9 @@ public:
 
     void observe(const SampleBuffer& buffer, AudioLevelSource source,
                  const SourceConditionCallback& callback);
-    void setMuted(AudioLevelSource source, bool isMuted, const SourceConditionCallback& callback);
+    /// What is known to keep a source from being recorded, `delivering` where nothing is.
+    void setObstacle(AudioLevelSource source, SourceCondition obstacle,
+                     const SourceConditionCallback& callback);
 
     /// For the next recording.
     void reset() noexcept { sources_ = {}; }
@@ -40,7 +35,7 @@ private:
     struct Source {
         std::int64_t silentFrames = 0; // up to now
         bool isSilent = false;
-        bool isMuted = false;
+        SourceCondition obstacle = SourceCondition::delivering;
         SourceCondition told = SourceCondition::delivering;
     };
 

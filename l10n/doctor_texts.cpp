@@ -48,6 +48,11 @@ constexpr Row rows[] = {
     {Text::outputsAdvice,
      "Connect loudspeakers or headphones, or enable them in the sound settings.",
      "请连接扬声器或耳机，或在声音设置中启用。"},
+    {Text::codedSound, "System audio: an application sends coded sound straight to the receiver",
+     "系统声音：有应用将编码音频直通到功放"},
+    {Text::codedSoundAdvice,
+     "Coded sound cannot be recorded: switch passthrough off in the application that plays.",
+     "编码音频无法录制：请在播放的应用中关闭直通。"},
 
     {Text::microphone, "Microphone: %1", "麦克风：%1"},
     {Text::microphoneDefault, "%1 (default)", "%1（默认）"},

@@ -29,6 +29,8 @@ enum class DoctorText : std::uint8_t {
     outputs,
     outputsMissing,
     outputsAdvice,
+    codedSound,
+    codedSoundAdvice,
     microphone,
     microphoneDefault,
     microphoneMuted,

@@ -132,6 +132,8 @@ std::string L10n::conditionInShort(SourceCondition condition) const {
         return isEnglish ? "only silence" : "没有声音";
     case SourceCondition::muted:
         return isEnglish ? "muted" : "已静音";
+    case SourceCondition::coded:
+        return isEnglish ? "coded, not recorded" : "编码音频未录制";
     case SourceCondition::delivering:
         break;
     }
@@ -145,6 +147,11 @@ std::string L10n::condition(SourceCondition condition) const {
         return isEnglish ? "Nothing but silence for at least 10 seconds" : "至少 10 秒没有任何声音";
     case SourceCondition::muted:
         return isEnglish ? "Muted in the desktop's sound settings" : "已在系统声音设置中静音";
+    case SourceCondition::coded:
+        return isEnglish
+                   ? "An application sends coded sound straight to the receiver, which cannot "
+                     "be recorded. Switch passthrough off in that application"
+                   : "有应用将编码音频直通到功放，无法录制。请在该应用中关闭直通";
     case SourceCondition::delivering:
         break;
     }

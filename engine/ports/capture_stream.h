@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "engine/media_time.h"
+#include "engine/recording_types.h"
 #include "engine/sample_buffer.h"
 #include "engine/serial_queue.h"
 
@@ -60,9 +61,9 @@ public:
     /// after `stopCapture` was called. The stream may be destroyed from the work that it hands
     /// over.
     virtual void streamDidStop(std::exception_ptr error) = 0;
-    /// The microphone was switched off in the desktop's mixer (or found to be at the start), or on
-    /// again.
-    virtual void microphoneDidChangeMute(bool isMuted) = 0;
+    /// What keeps a source from being recorded, or, from a source of which it was told, that
+    /// nothing does any more (`delivering`): the microphone is `muted`, the system's audio `coded`.
+    virtual void obstacleDidChange(AudioLevelSource source, SourceCondition obstacle) = 0;
 };
 
 /// A stream of timed sound: every application's but our own, and one microphone.

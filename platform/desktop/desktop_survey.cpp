@@ -9,10 +9,10 @@
 #include <QtCore/QEventLoop>
 #include <QtCore/QTimer>
 
-#include "platform/desktop/bus_connection.h"
-#include "platform/desktop/logind.h"
-#include "platform/desktop/service_owner.h"
-#include "platform/desktop/status_notifier_area.h"
+#include "platform/desktop/bus/bus_connection.h"
+#include "platform/desktop/bus/service_owner.h"
+#include "platform/desktop/power/logind.h"
+#include "platform/desktop/status_area/status_notifier_area.h"
 
 namespace vantoro::desktop {
 

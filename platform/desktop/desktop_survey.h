@@ -5,7 +5,7 @@
 #include <chrono>
 #include <cstdint>
 
-#include "platform/desktop/power_management.h"
+#include "platform/desktop/power/power_management.h"
 
 namespace vantoro::desktop {
 

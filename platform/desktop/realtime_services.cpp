@@ -5,9 +5,9 @@
 #include <array>
 #include <string>
 
-#include "platform/desktop/asked_bus.h"
-#include "platform/desktop/asked_service.h"
-#include "platform/desktop/silence.h"
+#include "platform/desktop/bus/asked_bus.h"
+#include "platform/desktop/bus/asked_service.h"
+#include "platform/desktop/bus/silence.h"
 
 namespace vantoro::desktop {
 

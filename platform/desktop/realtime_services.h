@@ -4,7 +4,7 @@
 
 #include <chrono>
 
-#include "platform/desktop/power_management.h"
+#include "platform/desktop/bus/bus_addresses.h"
 
 namespace vantoro::desktop {
 

@@ -9,6 +9,7 @@ extern "C" {
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 #include <stdexcept>
 
 #include "platform/ffmpeg/aac.h"
@@ -110,16 +111,18 @@ std::span<const std::uint8_t> contentOf(const AVPacket& packet) noexcept {
 
 } // namespace
 
-AacEncoder::AacEncoder(int channels, int bitRate)
+AacEncoder::AacEncoder(int channels, int bitRate, int packetsAhead)
     : coders_(static_cast<std::size_t>(channels)), joined_(checkAllocated(av_packet_alloc())) {
     if (channels < 1 || channels > 2) {
         throw std::invalid_argument("Sound has one channel or two.");
     }
     for (int channel = 0; channel < channels; ++channel) {
         CoderHandle coder = openCoder(bitRate / channels);
-        FrameHandle frame = makeFrame(*coder);
+        std::vector<FrameHandle> frames;
+        std::generate_n(std::back_inserter(frames), packetsAhead,
+                        [&coder] { return makeFrame(*coder); });
         channels_.push_back({.coder = std::move(coder),
-                             .frame = std::move(frame),
+                             .frames = std::move(frames),
                              .packet = PacketHandle(checkAllocated(av_packet_alloc()))});
     }
     parameters_ = makeParameters(*channels_[0].coder, channels, bitRate);
@@ -129,8 +132,9 @@ bool AacEncoder::isAvailable() noexcept {
     return findCoder() != nullptr;
 }
 
-std::span<float> AacEncoder::plane(int channel) noexcept {
-    return samplesOf(*channels_[static_cast<std::size_t>(channel)].frame);
+std::span<float> AacEncoder::plane(int channel, int packetsLater) noexcept {
+    const auto& frames = channels_[static_cast<std::size_t>(channel)].frames;
+    return samplesOf(*frames[(next_ + static_cast<std::size_t>(packetsLater)) % frames.size()]);
 }
 
 void AacEncoder::encode(int frames, const PacketSink& sink) {
@@ -141,15 +145,17 @@ void AacEncoder::encode(int frames, const PacketSink& sink) {
     }
     shareOrCatchUp(frames);
     for (const Channel& channel : std::span(channels_).first(coders_)) {
-        send(*channel.coder, *channel.frame, frames, position_);
+        send(*channel.coder, *channel.frames[next_], frames, position_);
     }
     position_ += frames;
     receive(sink);
     for (const Channel& channel : channels_) {
         // The coder may hold on to the samples; then the next ones go elsewhere.
-        channel.frame->nb_samples = packetFrames;
-        check(av_frame_make_writable(channel.frame.get()), "Coding sound");
+        AVFrame& frame = *channel.frames[next_];
+        frame.nb_samples = packetFrames;
+        check(av_frame_make_writable(&frame), "Coding sound");
     }
+    next_ = (next_ + 1) % channels_[0].frames.size();
 }
 
 void AacEncoder::finish(const PacketSink& sink) {

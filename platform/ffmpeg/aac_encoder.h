@@ -40,8 +40,8 @@ using WindowEnds = std::array<WindowEnd, 2>;
 /// its packets go on from those that it takes over.
 class AacEncoder {
 public:
-    /// One or two channels.
-    AacEncoder(int channels, int bitRate);
+    /// One or two channels; the sound of so many packets may be written before it is coded.
+    AacEncoder(int channels, int bitRate, int packetsAhead = 1);
 
     /// Whether the library was built with the coder.
     static bool isAvailable() noexcept;
@@ -51,10 +51,11 @@ public:
     /// What a container has to know about the packets.
     const AVCodecParameters& parameters() const noexcept { return *parameters_; }
 
-    /// The sound of the next `encode`: 1024 frames of one channel, to be written before each.
-    std::span<float> plane(int channel) noexcept;
+    /// The sound of the next `encode`, or of one of those after it: 1024 frames of one channel, to
+    /// be written before.
+    std::span<float> plane(int channel, int packetsLater = 0) noexcept;
 
-    /// Codes the first `frames` of the planes: 1024, or fewer in the last call.
+    /// Codes the first `frames` of the next planes: 1024, or fewer in the last call.
     void encode(int frames, const PacketSink& sink);
 
     /// Hands over what the coder still holds. Nothing may follow.
@@ -66,7 +67,7 @@ public:
 private:
     struct Channel {
         CoderHandle coder;
-        FrameHandle frame;
+        std::vector<FrameHandle> frames; // as many as packets may be ahead
         PacketHandle packet;
     };
 
@@ -77,6 +78,7 @@ private:
 
     std::vector<Channel> channels_;
     ChannelSharing sharing_;
+    std::size_t next_ = 0;                  // of the frames: the one to be coded next
     std::size_t coders_;                    // at work: the channels', or one for both
     std::deque<std::vector<float>> missed_; // by the second coder, whole packets
     ParametersHandle parameters_;

@@ -11,6 +11,9 @@
 
 namespace vantoro::ffmpeg {
 
+/// 1 as boxes have it, with 16 bits before the point and behind it.
+inline constexpr std::uint32_t fixedPointOne = 0x10000;
+
 /// Puts boxes one into another.
 class BoxWriter {
 public:
@@ -29,6 +32,14 @@ public:
     }
 
     void zeros(std::size_t count) { bytes_.resize(bytes_.size() + count); }
+
+    /// That nothing is turned or moved, which is said of pictures.
+    void unityMatrix() {
+        for (const std::uint32_t value :
+             {fixedPointOne, 0U, 0U, 0U, fixedPointOne, 0U, 0U, 0U, 0x40000000U}) {
+            u32(value);
+        }
+    }
 
     /// `following`: bytes that belong to the box but are written later.
     template <class Content>

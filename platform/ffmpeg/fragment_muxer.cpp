@@ -2,14 +2,10 @@
 
 #include "platform/ffmpeg/fragment_muxer.h"
 
-extern "C" {
-#include <libavutil/dict.h>
-#include <libavutil/mem.h>
-}
-
 #include <algorithm>
-#include <exception>
+#include <limits>
 #include <span>
+#include <stdexcept>
 #include <utility>
 
 #include "platform/ffmpeg/aac.h"
@@ -19,73 +15,28 @@ namespace vantoro::ffmpeg {
 
 namespace {
 
-#if LIBAVFORMAT_VERSION_MAJOR >= 61
-using StreamBytes = const std::uint8_t*;
-#else
-using StreamBytes = std::uint8_t*;
-#endif
-
-// The muxer goes back to fill in the sizes of the boxes of a fragment's description, which it can
-// as long as that lies in this buffer: some 10 KB for ten seconds of two tracks.
-constexpr int streamBufferSize = 1 << 20;
-
-int appendBytes(void* opaque, StreamBytes bytes, int size) noexcept {
-    try {
-        auto& target = *static_cast<std::vector<std::byte>*>(opaque);
-        const auto added = std::as_bytes(std::span(bytes, static_cast<std::size_t>(size)));
-        target.insert(target.end(), added.begin(), added.end());
-        return size;
-    } catch (const std::exception&) {
-        return AVERROR(ENOMEM);
-    }
+void append(std::vector<std::byte>& target, std::span<const std::byte> bytes) {
+    target.insert(target.end(), bytes.begin(), bytes.end());
 }
 
-ByteStreamHandle openStream(std::vector<std::byte>& target) {
-    auto* const buffer =
-        checkAllocated(static_cast<unsigned char*>(av_malloc(std::size_t{streamBufferSize})));
-    AVIOContext* const stream =
-        avio_alloc_context(buffer, streamBufferSize, 1, &target, nullptr, appendBytes, nullptr);
-    if (stream == nullptr) {
-        av_free(buffer);
-    }
-    return ByteStreamHandle(checkAllocated(stream));
+std::span<const std::byte> bytesOf(const AVPacket& packet) {
+    return std::as_bytes(std::span(packet.data, static_cast<std::size_t>(packet.size)));
 }
 
-OutputHandle openMuxer(AVIOContext* stream) {
-    AVFormatContext* muxer = nullptr;
-    check(avformat_alloc_output_context2(&muxer, nullptr, "mov", nullptr), "Preparing the movie");
-    muxer->pb = stream;
-    // Nothing of the machine's library version goes into a recording.
-    muxer->flags |= AVFMT_FLAG_CUSTOM_IO | AVFMT_FLAG_BITEXACT;
-    return OutputHandle(muxer);
+/// From the priming on.
+std::int64_t timeOf(const AVPacket& packet) {
+    return packet.pts + primingFrames;
 }
 
 } // namespace
 
-FragmentMuxer::FragmentMuxer() : stream_(openStream(bytes_)), muxer_(openMuxer(stream_.get())) {}
-
 void FragmentMuxer::addTrack(const AVCodecParameters& parameters) {
-    AVStream* const stream = checkAllocated(avformat_new_stream(muxer_.get(), nullptr));
-    check(avcodec_parameters_copy(stream->codecpar, &parameters), "Preparing a track");
-    stream->time_base = {1, framesPerSecond};
-    tracks_.emplace_back();
-}
-
-void FragmentMuxer::start() {
-    // The header waits for the first packets, since only they tell it about the coder's priming.
-    AVDictionary* options = nullptr;
-    av_dict_set(&options, "movflags", "frag_custom+delay_moov+default_base_moof", 0);
-    av_dict_set_int(&options, "movie_timescale", framesPerSecond, 0);
-    const int result = avformat_write_header(muxer_.get(), &options);
-    const bool allUsed = av_dict_count(options) == 0;
-    av_dict_free(&options);
-    check(allUsed ? result : AVERROR_OPTION_NOT_FOUND, "Beginning the movie");
+    tracks_.push_back({.description = describeTrack(parameters), .packets = {}, .fragments = {}});
 }
 
 void FragmentMuxer::add(std::size_t track, AVPacket& packet) {
     PacketHandle held(checkAllocated(av_packet_alloc()));
     av_packet_move_ref(held.get(), &packet);
-    held->stream_index = static_cast<int>(track);
     tracks_[track].end = held->pts + held->duration;
     tracks_[track].packets.push_back(std::move(held));
 }
@@ -94,44 +45,49 @@ bool FragmentMuxer::hasPackets() const noexcept {
     return std::ranges::any_of(tracks_, [](const Track& track) { return !track.packets.empty(); });
 }
 
+std::vector<std::byte> FragmentMuxer::header() const {
+    std::vector<AacTrack> descriptions;
+    std::ranges::transform(tracks_, std::back_inserter(descriptions), &Track::description);
+    return movieHeader(descriptions);
+}
+
 std::vector<std::byte> FragmentMuxer::closeFragment(std::int64_t end) {
-    for (Track& track : tracks_) {
-        auto& packets = track.packets;
-        auto first = packets.begin();
-        for (; first != packets.end() && (*first)->pts < end; ++first) {
-            check(av_write_frame(muxer_.get(), first->get()), "Writing a packet");
+    auto bytes = fragments_ == 0 ? header() : std::vector<std::byte>();
+    const std::size_t begin = bytes.size();
+    std::vector<FragmentTrack> parts;
+    std::vector<std::byte> content;
+    for (std::uint32_t number = 1; Track & track : tracks_) {
+        const auto last = std::ranges::find_if(
+            track.packets, [end](const PacketHandle& packet) { return packet->pts >= end; });
+        if (last != track.packets.begin()) {
+            auto& part = parts.emplace_back();
+            part.number = number;
+            part.time = timeOf(*track.packets.front());
+            for (const auto& packet : std::span(track.packets.begin(), last)) {
+                append(content, bytesOf(*packet));
+                part.packets.push_back({.bytes = static_cast<std::uint32_t>(packet->size),
+                                        .frames = static_cast<std::uint32_t>(packet->duration)});
+            }
+            track.fragments.push_back({.time = std::max<std::int64_t>(0, part.time - primingFrames),
+                                       .offset = size_ + begin});
+            track.packets.erase(track.packets.begin(), last);
         }
-        packets.erase(packets.begin(), first);
+        ++number;
     }
-    if (!std::exchange(headerWritten_, true)) {
-        // The first flush writes nothing but the header that had been waiting.
-        check(av_write_frame(muxer_.get(), nullptr), "Writing the movie's header");
+    if (content.size() > std::numeric_limits<std::uint32_t>::max() / 2) {
+        throw std::runtime_error("A fragment is larger than its size can say.");
     }
-    flush();
-    const std::size_t begin = bytes_.size();
-    check(av_write_frame(muxer_.get(), nullptr), "Closing a fragment");
-    flush();
-    // Through the muxer's stream, so that it knows where the next fragment will lie.
-    const auto checksum = checksumBox(std::span(bytes_).subspan(begin));
-    const void* const first = checksum.data();
-    avio_write(stream_.get(), static_cast<const unsigned char*>(first),
-               static_cast<int>(checksum.size()));
-    return takeBytes();
+    append(bytes, fragmentHeader(++fragments_, parts));
+    append(bytes, content);
+    append(bytes, checksumBox(std::span(bytes).subspan(begin)));
+    size_ += bytes.size();
+    return bytes;
 }
 
-std::vector<std::byte> FragmentMuxer::finish() {
-    check(av_write_trailer(muxer_.get()), "Finishing the movie");
-    return takeBytes();
-}
-
-std::vector<std::byte> FragmentMuxer::takeBytes() {
-    flush();
-    return std::exchange(bytes_, {});
-}
-
-void FragmentMuxer::flush() {
-    avio_flush(stream_.get());
-    check(stream_->error, "Gathering a fragment");
+std::vector<std::byte> FragmentMuxer::finish() const {
+    std::vector<std::vector<FragmentEntry>> entries;
+    std::ranges::transform(tracks_, std::back_inserter(entries), &Track::fragments);
+    return fragmentIndex(entries);
 }
 
 } // namespace vantoro::ffmpeg

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/ffmpeg/handles.h"
+#include "platform/ffmpeg/movie_boxes.h"
 
 namespace vantoro::ffmpeg {
 
@@ -14,14 +15,8 @@ namespace vantoro::ffmpeg {
 /// Used by one thread at a time; throws std::runtime_error where it fails.
 class FragmentMuxer {
 public:
-    FragmentMuxer();
-    FragmentMuxer(const FragmentMuxer&) = delete;
-    FragmentMuxer& operator=(const FragmentMuxer&) = delete;
-    ~FragmentMuxer() = default;
-
-    /// Before `start`, in the order in which the tracks lie in the file.
+    /// Before the first fragment, in the order in which the tracks lie in the file.
     void addTrack(const AVCodecParameters& parameters);
-    void start();
 
     /// Takes the packet's content. Packets of a track come in order and without gaps.
     void add(std::size_t track, AVPacket& packet);
@@ -35,22 +30,21 @@ public:
     /// that begin before `end`.
     std::vector<std::byte> closeFragment(std::int64_t end);
     /// The movie's last bytes, behind the last fragment.
-    std::vector<std::byte> finish();
+    std::vector<std::byte> finish() const;
 
 private:
     struct Track {
+        AacTrack description;
         std::vector<PacketHandle> packets; // not yet in a fragment
         std::int64_t end = 0;
+        std::vector<FragmentEntry> fragments;
     };
 
-    std::vector<std::byte> takeBytes();
-    void flush();
+    std::vector<std::byte> header() const;
 
-    std::vector<std::byte> bytes_; // written by the muxer, not yet taken
-    ByteStreamHandle stream_;
-    OutputHandle muxer_;
     std::vector<Track> tracks_;
-    bool headerWritten_ = false;
+    std::uint32_t fragments_ = 0;
+    std::uint64_t size_ = 0; // of all that was handed out
 };
 
 } // namespace vantoro::ffmpeg

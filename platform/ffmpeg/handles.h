@@ -4,7 +4,6 @@
 
 extern "C" {
 #include <libavcodec/avcodec.h>
-#include <libavformat/avformat.h>
 }
 
 #include <memory>
@@ -22,23 +21,10 @@ struct Release {
     }
 };
 
-struct ReleaseOutputContext {
-    void operator()(AVFormatContext* context) const noexcept { avformat_free_context(context); }
-};
-
-struct ReleaseByteStream {
-    void operator()(AVIOContext* stream) const noexcept {
-        av_freep(static_cast<void*>(&stream->buffer));
-        avio_context_free(&stream);
-    }
-};
-
 using CoderHandle = std::unique_ptr<AVCodecContext, Release<avcodec_free_context>>;
 using ParametersHandle = std::unique_ptr<AVCodecParameters, Release<avcodec_parameters_free>>;
 using PacketHandle = std::unique_ptr<AVPacket, Release<av_packet_free>>;
 using FrameHandle = std::unique_ptr<AVFrame, Release<av_frame_free>>;
-using OutputHandle = std::unique_ptr<AVFormatContext, ReleaseOutputContext>;
-using ByteStreamHandle = std::unique_ptr<AVIOContext, ReleaseByteStream>;
 
 /// Passes a result on; throws std::runtime_error with the library's text where it is negative.
 int check(int result, std::string_view action);

@@ -28,15 +28,7 @@ std::array<std::byte, sizeof(Number)> bigEndian(Number value) {
 
 } // namespace
 
-M4aTrack describeTrack(const AVCodecParameters& parameters) {
-    const auto configuration = std::as_bytes(
-        std::span(parameters.extradata, static_cast<std::size_t>(parameters.extradata_size)));
-    return {.channels = parameters.ch_layout.nb_channels,
-            .bitRate = static_cast<int>(parameters.bit_rate),
-            .coderConfiguration = {configuration.begin(), configuration.end()}};
-}
-
-M4aFile::M4aFile(OutputFile& file, M4aTrack track, std::int64_t expectedFrames)
+M4aFile::M4aFile(OutputFile& file, AacTrack track, std::int64_t expectedFrames)
     : file_(file), track_(std::move(track)) {
     buffer_.reserve(bufferSize);
     // Growing by doubling would cost more memory than the table itself.

@@ -7,17 +7,10 @@
 #include <span>
 #include <vector>
 
-extern "C" {
-#include <libavcodec/codec_par.h>
-}
-
 #include "engine/ports/file_system.h"
 #include "platform/ffmpeg/m4a_index.h"
 
 namespace vantoro::ffmpeg {
-
-/// Of packets with these parameters.
-M4aTrack describeTrack(const AVCodecParameters& parameters);
 
 /// Writes an M4A file of one AAC track packet by packet, keeping two bytes of each in memory.
 /// Used by one thread; throws what the file throws.
@@ -25,7 +18,7 @@ class M4aFile {
 public:
     /// Into an empty file that outlives this. `expectedFrames`: how long it will be, so far as that
     /// is known.
-    M4aFile(OutputFile& file, M4aTrack track, std::int64_t expectedFrames = 0);
+    M4aFile(OutputFile& file, AacTrack track, std::int64_t expectedFrames = 0);
 
     /// Throws std::runtime_error where it is larger than any that AAC has.
     void add(std::span<const std::byte> packet);
@@ -40,7 +33,7 @@ private:
     void flush();
 
     OutputFile& file_;
-    M4aTrack track_;
+    AacTrack track_;
     std::vector<std::byte> buffer_; // not yet written
     std::uint64_t written_ = 0;
     std::uint64_t contentStart_ = 0; // offset of the box of packets

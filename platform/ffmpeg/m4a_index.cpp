@@ -13,11 +13,9 @@ namespace vantoro::ffmpeg {
 
 namespace {
 
-constexpr std::uint32_t fixedPointOne = 0x10000;
-
 class IndexWriter {
 public:
-    IndexWriter(const M4aTrack& track, std::int64_t frames, std::size_t packetCount,
+    IndexWriter(const AacTrack& track, std::int64_t frames, std::size_t packetCount,
                 std::span<const std::uint64_t> chunkOffsets)
         : track_(track),
           packetCount_(packetCount),
@@ -53,13 +51,6 @@ private:
     /// The version of boxes that hold counts of frames.
     std::uint32_t version() const noexcept { return long_ ? 1U << 24U : 0; }
 
-    void unityMatrix() {
-        for (const std::uint32_t value :
-             {fixedPointOne, 0U, 0U, 0U, fixedPointOne, 0U, 0U, 0U, 0x40000000U}) {
-            out_.u32(value);
-        }
-    }
-
     void movieHeader() {
         out_.fullBox("mvhd", version(), [this] {
             frames(0); // made when? The file system knows.
@@ -69,7 +60,7 @@ private:
             out_.u32(fixedPointOne); // speed
             out_.u16(0x100);         // volume
             out_.zeros(10);
-            unityMatrix();
+            out_.unityMatrix();
             out_.zeros(24);
             out_.u32(2); // the next track's number
         });
@@ -86,7 +77,7 @@ private:
             out_.zeros(12);
             out_.u16(0x100); // volume
             out_.u16(0);
-            unityMatrix();
+            out_.unityMatrix();
             out_.zeros(8);
         });
     }
@@ -160,38 +151,9 @@ private:
             out_.u16(16); // bits a sample, by convention
             out_.u32(0);
             out_.u32(std::uint64_t{framesPerSecond} << 16U);
-            out_.fullBox("esds", 0, [this] { elementaryStream(); });
+            const auto channels = static_cast<std::uint64_t>(track_.channels);
+            writeElementaryStream(out_, track_, 0, 768 * channels);
         });
-    }
-
-    /// A descriptor's tag and the length of what follows, always in four bytes.
-    void descriptor(std::uint8_t tag, std::uint64_t length) {
-        out_.u8(tag);
-        for (const unsigned shift : {21U, 14U, 7U}) {
-            out_.u8(0x80U | ((length >> shift) & 0x7fU));
-        }
-        out_.u8(length & 0x7fU);
-    }
-
-    void elementaryStream() {
-        constexpr std::uint64_t header = 5;
-        const std::uint64_t configuration = track_.coderConfiguration.size();
-        const std::uint64_t coding = 13 + header + configuration;
-        const auto bitRate = static_cast<std::uint64_t>(track_.bitRate);
-        descriptor(3, 3 + header + coding + header + 1);
-        out_.u16(0);
-        out_.u8(0);
-        descriptor(4, coding);
-        out_.u8(0x40); // MPEG-4 audio
-        out_.u8(0x15); // a stream of sound
-        out_.u8(0);
-        out_.u16(768 * static_cast<std::uint64_t>(track_.channels)); // most bytes a packet
-        out_.u32(bitRate);                                           // at most
-        out_.u32(bitRate);                                           // on average
-        descriptor(5, configuration);
-        out_.bytes(track_.coderConfiguration);
-        descriptor(6, 1);
-        out_.u8(2);
     }
 
     void packetTables() {
@@ -261,7 +223,7 @@ private:
         });
     }
 
-    const M4aTrack& track_;
+    const AacTrack& track_;
     const std::size_t packetCount_;
     const std::span<const std::uint64_t> chunkOffsets_;
     const std::uint64_t sizesLength_;
@@ -285,7 +247,7 @@ std::vector<std::byte> m4aFileType() {
     return out.take();
 }
 
-std::vector<std::byte> m4aIndex(const M4aTrack& track, std::int64_t frames, std::size_t packetCount,
+std::vector<std::byte> m4aIndex(const AacTrack& track, std::int64_t frames, std::size_t packetCount,
                                 std::span<const std::uint64_t> chunkOffsets) {
     return IndexWriter(track, frames, packetCount, chunkOffsets).write();
 }

@@ -7,14 +7,9 @@
 #include <span>
 #include <vector>
 
-namespace vantoro::ffmpeg {
+#include "platform/ffmpeg/aac_track.h"
 
-/// What an M4A file of one AAC track says about it.
-struct M4aTrack {
-    int channels = 2;
-    int bitRate = 0;                           ///< bits a second
-    std::vector<std::byte> coderConfiguration; ///< how the packets are to be decoded
-};
+namespace vantoro::ffmpeg {
 
 /// How many packets lie in one row in the file, before another offset is noted.
 inline constexpr std::size_t packetsPerChunk = 64;
@@ -26,7 +21,7 @@ std::vector<std::byte> m4aFileType();
 /// the table of the packets' sizes, which its caller writes behind it: 32 bits big-endian for each
 /// packet, as many as `packetCount`, at least one. `chunkOffsets`: where each row of packets begins
 /// in the file.
-std::vector<std::byte> m4aIndex(const M4aTrack& track, std::int64_t frames, std::size_t packetCount,
+std::vector<std::byte> m4aIndex(const AacTrack& track, std::int64_t frames, std::size_t packetCount,
                                 std::span<const std::uint64_t> chunkOffsets);
 
 } // namespace vantoro::ffmpeg

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <exception>
 #include <limits>
+#include <stdexcept>
 #include <utility>
 
 #include "platform/ffmpeg/aac.h"
@@ -73,7 +74,9 @@ FileWriterInput& MovieWriter::add(const AudioTrackSettings& settings) {
 
 bool MovieWriter::startWriting() {
     return attempt([this] {
-        muxer_.start();
+        if (inputs_.empty()) {
+            throw std::runtime_error("The movie has no tracks.");
+        }
         schedule_ = FragmentSchedule(initialInterval_.inUnitsOf(framesPerSecond),
                                      interval_.inUnitsOf(framesPerSecond));
         mix_ = following_->begin(fileSystem_, location_);

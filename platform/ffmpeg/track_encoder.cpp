@@ -12,9 +12,7 @@
 
 namespace vantoro::ffmpeg {
 
-TrackEncoder::TrackEncoder(int channels, int bitRate)
-    : coder_(channels, bitRate),
-      batch_(static_cast<std::size_t>(channels) * static_cast<std::size_t>(batchFrames)) {}
+TrackEncoder::TrackEncoder(int channels, int bitRate) : coder_(channels, bitRate, batchPackets) {}
 
 void TrackEncoder::append(const SampleBuffer& buffer, std::int64_t time, const PacketSink& sink) {
     if (!fitsTrack(buffer, coder_.channels())) {
@@ -37,8 +35,8 @@ void TrackEncoder::fillTo(std::int64_t position, const PacketSink& sink) {
 
 void TrackEncoder::finish(const PacketSink& sink) {
     codeWholePackets(sink);
-    if (filled_ > 0) {
-        code(filled_, sink);
+    if (waiting_ > 0) {
+        code(waiting_, sink);
     }
     coder_.finish(sink);
 }
@@ -52,49 +50,32 @@ void TrackEncoder::addSilence(std::int64_t frames, const PacketSink& sink) {
 template <class Fill>
 void TrackEncoder::add(std::int64_t frames, const Fill& fill, const PacketSink& sink) {
     for (std::int64_t done = 0; done < frames;) {
+        const int place = waiting_ % packetFrames;
         const int count =
-            static_cast<int>(std::min<std::int64_t>(batchFrames - filled_, frames - done));
+            static_cast<int>(std::min<std::int64_t>(packetFrames - place, frames - done));
         for (int channel = 0; channel < coder_.channels(); ++channel) {
             fill(channel, done,
-                 batch(channel).subspan(static_cast<std::size_t>(filled_),
-                                        static_cast<std::size_t>(count)));
+                 coder_.plane(channel, waiting_ / packetFrames)
+                     .subspan(static_cast<std::size_t>(place), static_cast<std::size_t>(count)));
         }
         done += count;
-        filled_ += count;
-        if (filled_ == batchFrames) {
+        waiting_ += count;
+        if (waiting_ == batchFrames) {
             codeWholePackets(sink);
         }
     }
 }
 
-std::span<float> TrackEncoder::batch(int channel) noexcept {
-    return std::span(batch_).subspan(static_cast<std::size_t>(channel) *
-                                         static_cast<std::size_t>(batchFrames),
-                                     static_cast<std::size_t>(batchFrames));
-}
-
-/// Codes the first frames of the batch, and moves the rest to its front.
 void TrackEncoder::code(int frames, const PacketSink& sink) {
-    for (int coded = 0; coded < frames; coded += packetFrames) {
-        const int count = std::min(packetFrames, frames - coded);
-        for (int channel = 0; channel < coder_.channels(); ++channel) {
-            std::ranges::copy(batch(channel).subspan(static_cast<std::size_t>(coded),
-                                                     static_cast<std::size_t>(count)),
-                              coder_.plane(channel).begin());
-        }
+    for (; frames > 0; frames -= packetFrames) {
+        const int count = std::min(packetFrames, frames);
         coder_.encode(count, sink);
-    }
-    filled_ -= frames;
-    for (int channel = 0; channel < coder_.channels(); ++channel) {
-        const std::span<float> samples = batch(channel);
-        std::ranges::copy(
-            samples.subspan(static_cast<std::size_t>(frames), static_cast<std::size_t>(filled_)),
-            samples.begin());
+        waiting_ -= count;
     }
 }
 
 void TrackEncoder::codeWholePackets(const PacketSink& sink) {
-    code(filled_ - (filled_ % packetFrames), sink);
+    code(waiting_ - (waiting_ % packetFrames), sink);
 }
 
 } // namespace vantoro::ffmpeg

@@ -3,8 +3,6 @@
 #pragma once
 
 #include <cstdint>
-#include <span>
-#include <vector>
 
 #include "engine/sample_buffer.h"
 #include "platform/ffmpeg/aac.h"
@@ -20,7 +18,8 @@ namespace vantoro::ffmpeg {
 class TrackEncoder {
 public:
     /// How many frames wait to be coded together, at most.
-    static constexpr int batchFrames = 47 * packetFrames;
+    static constexpr int batchPackets = 47;
+    static constexpr int batchFrames = batchPackets * packetFrames;
 
     TrackEncoder(int channels, int bitRate);
 
@@ -42,13 +41,11 @@ private:
     template <class Fill>
     void add(std::int64_t frames, const Fill& fill, const PacketSink& sink);
     void addSilence(std::int64_t frames, const PacketSink& sink);
-    std::span<float> batch(int channel) noexcept;
     void code(int frames, const PacketSink& sink);
 
     AacEncoder coder_;
     TrackTimeline timeline_;
-    std::vector<float> batch_; // channels × batchFrames
-    int filled_ = 0;           // frames of the batch
+    int waiting_ = 0; // frames that lie in the coder's planes
 };
 
 } // namespace vantoro::ffmpeg

@@ -51,9 +51,9 @@ void CaptureDelivery::removeFeed(std::shared_ptr<CaptureFeed> feed) {
     });
 }
 
-void CaptureDelivery::begin() {
-    queue_.async([self = shared_from_this(), now = gridNow()] {
-        self->timeline_.begin(now);
+void CaptureDelivery::begin(std::int64_t position) {
+    queue_.async([self = shared_from_this(), position] {
+        self->timeline_.begin(position);
         self->delivering_ = true;
     });
 }
@@ -94,19 +94,22 @@ void CaptureDelivery::drainAll() {
 }
 
 void CaptureDelivery::drain(Inlet& inlet) {
-    Stamp stamp;
-    while (inlet.feed->ring.read(stamp, samples_)) {
-        const auto tap = tapId(inlet.feed.get());
-        if (stamp.lostFrames > 0) {
-            lost_[static_cast<std::size_t>(inlet.feed->source)] +=
-                timeline_.lose(tap, static_cast<std::int64_t>(stamp.lostFrames));
-        }
-        if (stamp.frames > 0) {
-            const auto behind = timeline_.place(tap, stamp, samples_);
-            inlet.steering.observe(stamp.nanoseconds, stamp.clockId, behind);
-        }
+    const auto take = [&](const Stamp& stamp, Planes planes) { takeIn(inlet, stamp, planes); };
+    while (inlet.feed->ring.read(take)) {
     }
     inlet.feed->speed.store(inlet.steering.speed(), std::memory_order_relaxed);
+}
+
+void CaptureDelivery::takeIn(Inlet& inlet, const Stamp& stamp, Planes planes) {
+    const auto tap = tapId(inlet.feed.get());
+    if (stamp.lostFrames > 0) {
+        lost_[static_cast<std::size_t>(inlet.feed->source)] +=
+            timeline_.lose(tap, static_cast<std::int64_t>(stamp.lostFrames));
+    }
+    if (stamp.frames > 0) {
+        const auto behind = timeline_.place(tap, stamp, planes);
+        inlet.steering.observe(stamp, behind);
+    }
 }
 
 /// Once for each source, however many pieces its loss was made of.

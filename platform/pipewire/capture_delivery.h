@@ -6,7 +6,6 @@
 #include <cstdint>
 #include <map>
 #include <memory>
-#include <vector>
 
 #include "engine/ports/capture_stream.h"
 #include "engine/serial_queue.h"
@@ -33,8 +32,8 @@ public:
     void addFeed(std::shared_ptr<CaptureFeed> feed);
     /// After its stream is gone. What it still holds is delivered.
     void removeFeed(std::shared_ptr<CaptureFeed> feed);
-    /// Delivery begins, with what was captured from now on.
-    void begin();
+    /// Delivery begins, with what was captured from a position of the grid on, be it past.
+    void begin(std::int64_t position);
     /// After all streams are gone: delivers everything, and nothing after that.
     void finish();
     /// Returns when the queue has let go of the receiver.
@@ -52,6 +51,7 @@ private:
     // On the queue only, as all that follows is.
     void pump();
     void drain(Inlet& inlet);
+    void takeIn(Inlet& inlet, const Stamp& stamp, Planes planes);
     void drainAll();
     void tellLoss();
     bool hasOutput(CaptureSource source) const;
@@ -65,7 +65,6 @@ private:
     CaptureTimeline timeline_;
     CaptureTimeline::Emit emit_;
     std::map<const CaptureFeed*, Inlet> inlets_;
-    std::vector<float> samples_;         // of the piece being placed
     std::array<std::int64_t, 2> lost_{}; // frames by source, not told yet
     bool delivering_ = false;
     bool finished_ = false;

@@ -61,8 +61,10 @@ public:
             CaptureSession::Events{
                 .stopped =
                     [this](std::exception_ptr error) { receiver_.streamDidStop(std::move(error)); },
-                .microphoneMuted =
-                    [this](bool isMuted) { receiver_.microphoneDidChangeMute(isMuted); }});
+                .obstacleChanged =
+                    [this](AudioLevelSource source, SourceCondition obstacle) {
+                        receiver_.obstacleDidChange(source, obstacle);
+                    }});
         try {
             session_->start();
         } catch (...) {

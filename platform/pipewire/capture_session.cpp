@@ -6,7 +6,9 @@
 #include <utility>
 #include <vector>
 
+#include "platform/pipewire/capture_beginning.h"
 #include "platform/pipewire/capture_error.h"
+#include "platform/pipewire/channel_fold.h"
 #include "platform/pipewire/frame_clock.h"
 
 namespace vantoro::pipewire {
@@ -20,14 +22,14 @@ constexpr auto startLimit = 5s;
 constexpr auto tapLimit = 1s; // an output that is broken must not keep the others from starting
 constexpr auto startingInterval = 5ms;
 constexpr auto runningInterval = 500ms;
-constexpr int pauseLimit = 6; // ticks of the running interval
 
 constexpr const char* lostText = "The connection to the sound server was lost.";
 constexpr const char* silentServerText = "The sound server does not respond.";
 constexpr const char* microphoneGoneText = "The microphone was disconnected.";
 constexpr const char* microphoneStalledText = "The microphone no longer delivers sound.";
 
-/// The first cycles after links were made are often cut short or late.
+/// The first cycles after links were made are often cut short or late: it takes some until a stream
+/// is known to run. What it heard meanwhile is kept all the same.
 bool hasSettled(const InputStream& stream) {
     constexpr std::uint64_t cycles = 4;
     return stream.feed()->callbacks.load(std::memory_order_relaxed) >= cycles;
@@ -81,9 +83,8 @@ void CaptureSession::start() {
         throw CaptureError(failure_);
     }
     if (!settled) {
-        throw CaptureError(microphone_ && !hasSettled(*microphone_)
-                               ? "The microphone does not deliver any sound."
-                               : "The recording could not be started in time.");
+        throw CaptureError(!microphoneRuns() ? "The microphone does not deliver any sound."
+                                             : "The recording could not be started in time.");
     }
 }
 
@@ -106,18 +107,19 @@ void CaptureSession::openMicrophone() {
                                ? "The microphone \"" + name + "\" was not found."
                                : "There is no default microphone.");
     }
-    microphoneSource_ = {*source, graph.nodes.at(*source).serial};
-    microphone_ = makeStream(CaptureSource::microphone);
+    followed_.emplace(name, *source);
+    hearMicrophone(*source);
 }
 
-std::unique_ptr<InputStream> CaptureSession::makeStream(CaptureSource source) {
+std::unique_ptr<InputStream> CaptureSession::makeStream(CaptureSource source,
+                                                        std::size_t channels) {
     auto feed = std::make_shared<CaptureFeed>(source, settings_.longestStandstill);
     const InputStream::Wake wake{
         .frames =
             static_cast<std::size_t>(framesInMilliseconds(settings_.deliveryInterval.count())),
         .call = [](void* delivery) noexcept { static_cast<CaptureDelivery*>(delivery)->wake(); },
         .receiver = delivery_.get()};
-    auto stream = std::make_unique<InputStream>(connection_.core(), feed, wake,
+    auto stream = std::make_unique<InputStream>(connection_.core(), feed, channels, wake,
                                                 [this] { updateEvent_.request(); });
     delivery_->addFeed(std::move(feed));
     return stream;
@@ -130,18 +132,32 @@ void CaptureSession::update() {
     if (phase_ != Phase::starting && phase_ != Phase::running) {
         return;
     }
+    orphans_.update(mirror_.graph(), nanosecondsOn(CLOCK_MONOTONIC));
+    if (orphans_.awaitsManager()) {
+        updateLinks(); // of streams that are about to be closed
+    }
     try {
         updateTaps();
+        updateMicrophone();
     } catch (const CaptureError& error) {
         fail(error.what());
     }
-    updateMicrophone();
-    linker_.apply(
-        wantedLinks(mirror_.graph(), connection_.self(), ownNodes(), settings_.excludesOwnSound));
+    updateLinks();
+}
+
+void CaptureSession::updateLinks() {
+    auto own = ownNodes();
+    if (orphans_.awaitsManager()) {
+        own.tapOfOutput.clear();
+    }
+    auto links = wantedLinks(mirror_.graph(), connection_.self(), own, settings_.excludesOwnSound);
+    orphans_.leaveAlone(links, mirror_.graph());
+    linker_.apply(links);
 }
 
 void CaptureSession::updateTaps() {
-    const auto present = settings_.systemAudio ? outputs(mirror_.graph()) : std::set<Identity>();
+    const bool areWanted = settings_.systemAudio && !orphans_.awaitsManager();
+    const auto present = areWanted ? outputs(mirror_.graph()) : std::set<Identity>();
     for (auto entry = taps_.begin(); entry != taps_.end();) {
         auto& [output, tap] = *entry;
         if (present.contains(output)) {
@@ -151,34 +167,64 @@ void CaptureSession::updateTaps() {
             ++entry;
             continue;
         }
-        const auto feed = tap->feed();
-        tap.reset();
-        delivery_->removeFeed(feed);
+        close(tap);
         entry = taps_.erase(entry);
     }
     for (const Identity& output : present) {
         if (!taps_.contains(output)) {
-            taps_.emplace(output, makeStream(CaptureSource::systemAudio));
+            taps_.emplace(output, makeStream(CaptureSource::systemAudio, tapChannels.size()));
         }
     }
+    tellObstacle(AudioLevelSource::systemAudio,
+                 settings_.systemAudio && playsCodedSound(mirror_.graph())
+                     ? SourceCondition::coded
+                     : SourceCondition::delivering);
 }
 
 void CaptureSession::updateMicrophone() {
-    if (!microphone_) {
+    if (!followed_) {
         return;
     }
-    const Node* const source = findMicrophone(mirror_.graph(), microphoneSource_);
-    if (source == nullptr) {
-        fail(microphoneGoneText);
-    } else if (microphone_->state() == InputStream::State::ended) {
+    using Presence = FollowedMicrophone::Presence;
+    const auto presence = followed_->update(mirror_.graph(), nanosecondsOn(CLOCK_MONOTONIC));
+    if (microphone_ && microphone_->state() == InputStream::State::ended) {
         fail(endedText(*microphone_));
-    } else {
-        const auto ports = microphonePorts(mirror_.graph(), microphoneSource_).size();
-        microphone_->setChannelsAddedUp(std::max<std::size_t>(1, ports));
-        const bool isMuted = source->mixer.isSilent();
-        if (isMuted != std::exchange(isMicrophoneMuted_, isMuted)) {
-            events_.microphoneMuted(isMuted);
+    } else if (presence == Presence::gone) {
+        fail(microphoneGoneText);
+    } else if (presence == Presence::away) {
+        if (orphans_.awaitsManager()) {
+            close(microphone_);
         }
+    } else if (microphone_ || !orphans_.awaitsManager()) {
+        hearMicrophone(followed_->source());
+    }
+}
+
+void CaptureSession::hearMicrophone(const Microphone& source) {
+    const Graph& graph = mirror_.graph();
+    const std::size_t inputs = portsOf(graph, source).size();
+    if (!microphone_ && inputs > 0) { // of a device that has just come back they may follow
+        microphone_ =
+            makeStream(CaptureSource::microphone, std::min(inputs, InputFold::mostInputs));
+    }
+    tellObstacle(AudioLevelSource::microphone, graph.nodes.at(source.device.id).mixer.isSilent()
+                                                   ? SourceCondition::muted
+                                                   : SourceCondition::delivering);
+}
+
+void CaptureSession::tellObstacle(AudioLevelSource source, SourceCondition obstacle) {
+    SourceCondition& told =
+        source == AudioLevelSource::microphone ? microphoneObstacle_ : systemObstacle_;
+    if (obstacle != std::exchange(told, obstacle)) {
+        events_.obstacleChanged(source, obstacle);
+    }
+}
+
+void CaptureSession::close(std::unique_ptr<InputStream>& stream) {
+    if (stream) {
+        const auto feed = stream->feed();
+        stream.reset();
+        delivery_->removeFeed(feed);
     }
 }
 
@@ -189,9 +235,9 @@ OwnNodes CaptureSession::ownNodes() const {
             own.tapOfOutput.emplace(output, *node);
         }
     }
-    if (microphone_) {
+    if (microphone_) { // and so is a microphone followed
         own.microphoneStream = microphone_->node();
-        own.microphone = microphoneSource_;
+        own.microphone = followed_->source();
     }
     return own;
 }
@@ -200,7 +246,8 @@ void CaptureSession::tick() {
     if (phase_ == Phase::starting) {
         checkStarted();
     } else if (phase_ == Phase::running) {
-        if (linker_.forgetFailed()) {
+        if (linker_.forgetFailed() || orphans_.awaitsManager() ||
+            (followed_ && !isMicrophoneThere())) {
             updateEvent_.request();
         }
         for (const auto& [output, tap] : taps_) {
@@ -215,11 +262,27 @@ void CaptureSession::tick() {
     }
 }
 
+bool CaptureSession::isMicrophoneThere() const {
+    return deviceOf(mirror_.graph(), followed_->source()) != nullptr;
+}
+
+bool CaptureSession::microphoneRuns() const {
+    return !followed_ || (microphone_ && hasSettled(*microphone_));
+}
+
 bool CaptureSession::allRun() const {
     const bool tapsRun =
         std::ranges::all_of(taps_, [](const auto& entry) { return hasSettled(*entry.second); });
     const bool goOnWithoutThem = std::chrono::steady_clock::now() - startedAt_ > tapLimit;
-    return (tapsRun || goOnWithoutThem) && (!microphone_ || hasSettled(*microphone_));
+    return (tapsRun || goOnWithoutThem) && microphoneRuns();
+}
+
+std::int64_t CaptureSession::beginning() const {
+    std::vector<std::uint64_t> stamps{microphone_ ? microphone_->feed()->heardSince.load() : 0};
+    for (const auto& [output, tap] : taps_) {
+        stamps.push_back(tap->feed()->heardSince.load());
+    }
+    return captureBeginning(std::move(stamps), nanosecondsOn(CLOCK_MONOTONIC));
 }
 
 void CaptureSession::checkStarted() {
@@ -227,33 +290,34 @@ void CaptureSession::checkStarted() {
         (taps_.size() == outputs(mirror_.graph()).size() || !settings_.systemAudio) && allRun()) {
         phase_ = Phase::running;
         timer_.setInterval(runningInterval);
-        delivery_->begin();
+        delivery_->begin(beginning());
         settled_.set();
     }
 }
 
 void CaptureSession::checkStalls() {
-    const std::uint64_t monotonic = nanosecondsOn(CLOCK_MONOTONIC);
-    const std::uint64_t boottime = nanosecondsOn(CLOCK_BOOTTIME);
-    std::uint64_t callbacks = 0;
+    CaptureWatch::Sight sight{.isMicrophoneAway = followed_ && !isMicrophoneThere(),
+                              .monotonic = nanosecondsOn(CLOCK_MONOTONIC),
+                              .boottime = nanosecondsOn(CLOCK_BOOTTIME)};
     for (const auto& [output, tap] : taps_) {
-        callbacks += tap->feed()->callbacks.load(std::memory_order_relaxed);
+        sight.tapCallbacks = sight.tapCallbacks.value_or(0) + tap->feed()->callbacks;
     }
-    // With no output in the machine there is nothing to hear from.
-    if (systemWatch_.update(callbacks, monotonic, boottime) && !taps_.empty()) {
+    if (microphone_) {
+        sight.microphoneCallbacks = microphone_->feed()->callbacks;
+        sight.isMicrophonePaused = microphone_->state() == InputStream::State::paused;
+    }
+    switch (watch_.update(sight)) {
+    case CaptureWatch::Finding::nothing:
+        break;
+    case CaptureWatch::Finding::silentServer:
         fail(silentServerText);
-    }
-    if (!microphone_) {
-        return;
-    }
-    if (microphoneWatch_.update(microphone_->feed()->callbacks.load(std::memory_order_relaxed),
-                                monotonic, boottime)) {
+        break;
+    case CaptureWatch::Finding::stalledMicrophone:
         fail(microphoneStalledText);
-    }
-    // A source that is still there may pause for a moment while links are made anew.
-    ticksPaused_ = microphone_->state() == InputStream::State::paused ? ticksPaused_ + 1 : 0;
-    if (ticksPaused_ >= pauseLimit) {
+        break;
+    case CaptureWatch::Finding::lostMicrophone:
         fail(microphoneGoneText);
+        break;
     }
 }
 

@@ -10,13 +10,15 @@
 #include <string>
 
 #include "platform/pipewire/capture_delivery.h"
+#include "platform/pipewire/capture_watch.h"
 #include "platform/pipewire/connection.h"
 #include "platform/pipewire/event_flag.h"
+#include "platform/pipewire/followed_microphone.h"
 #include "platform/pipewire/graph_mirror.h"
 #include "platform/pipewire/input_stream.h"
 #include "platform/pipewire/linker.h"
 #include "platform/pipewire/loop_sources.h"
-#include "platform/pipewire/stall_watch.h"
+#include "platform/pipewire/orphaned_streams.h"
 
 namespace vantoro::pipewire {
 
@@ -39,8 +41,8 @@ public:
     struct Events {
         /// Why capture has stopped by itself; once at most.
         std::function<void(std::exception_ptr error)> stopped;
-        /// The user has switched the microphone off in the mixer, or on again.
-        std::function<void(bool isMuted)> microphoneMuted;
+        /// As `CaptureStreamReceiver::obstacleDidChange`.
+        std::function<void(AudioLevelSource source, SourceCondition obstacle)> obstacleChanged;
     };
 
     /// Throws `CaptureError` when there is no server. `delivery` is handed the feeds.
@@ -60,14 +62,21 @@ private:
     // On the loop, or under its lock.
     void open();
     void openMicrophone();
-    std::unique_ptr<InputStream> makeStream(CaptureSource source);
+    std::unique_ptr<InputStream> makeStream(CaptureSource source, std::size_t channels);
     void update();
+    void updateLinks();
     void updateTaps();
     void updateMicrophone();
+    void hearMicrophone(const Microphone& source);
+    void close(std::unique_ptr<InputStream>& stream);
+    bool isMicrophoneThere() const;
+    void tellObstacle(AudioLevelSource source, SourceCondition obstacle);
     void tick();
     void checkStarted();
     void checkStalls();
+    bool microphoneRuns() const;
     bool allRun() const;
+    std::int64_t beginning() const;
     OwnNodes ownNodes() const;
     void fail(const std::string& sentence);
     void endByItself();
@@ -80,16 +89,16 @@ private:
     std::string failure_; // empty: none
     EventFlag settled_;   // started, or failed to
     Deadline startedAt_;
-    Identity microphoneSource_;
-    bool isMicrophoneMuted_ = false;
-    int ticksPaused_ = 0; // for how long the microphone has been paused
-    StallWatch systemWatch_;
-    StallWatch microphoneWatch_;
+    std::optional<FollowedMicrophone> followed_; // where a microphone is wanted
+    SourceCondition systemObstacle_ = SourceCondition::delivering;
+    SourceCondition microphoneObstacle_ = SourceCondition::delivering;
+    CaptureWatch watch_;
 
     Connection connection_;
     LoopEvent updateEvent_;
     LoopTimer timer_;
     GraphMirror mirror_;
+    OrphanedStreams orphans_;
     Linker linker_;
     std::map<Identity, std::unique_ptr<InputStream>> taps_; // by output
     std::unique_ptr<InputStream> microphone_;

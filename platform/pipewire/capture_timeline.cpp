@@ -8,8 +8,10 @@ namespace vantoro::pipewire {
 
 namespace {
 
-bool isSilent(std::span<const float> samples) {
-    return std::ranges::all_of(samples, [](float sample) { return sample == 0.0F; });
+bool isSilent(Planes planes) {
+    return std::ranges::all_of(planes, [](std::span<const float> samples) {
+        return std::ranges::all_of(samples, [](float sample) { return sample == 0.0F; });
+    });
 }
 
 } // namespace
@@ -30,24 +32,27 @@ void CaptureTimeline::removeTap(TapId tap) {
     taps_.erase(tap);
 }
 
-std::int64_t CaptureTimeline::place(TapId id, const Stamp& stamp, std::span<const float> samples) {
+std::int64_t CaptureTimeline::place(TapId id, const Stamp& stamp, Planes planes) {
     Tap& tap = taps_.at(id);
     const std::int64_t stamped = gridPosition(stamp.nanoseconds);
-    const bool silent = isSilent(samples);
+    const bool silent = isSilent(planes);
     const std::int64_t tolerated = silent ? toleranceInSilence : tolerance;
     if (tap.started && silent && tap.next - stamped > tolerated) {
         tap.next = std::max(tap.next, stamped + stamp.frames);
         return stamped + stamp.frames - tap.next;
     }
-    if (!tap.started || stamped - tap.next > tolerated) {
-        // What comes late may find the grid emitted a cycle further than its stamp: it is put
-        // behind rather than lost. What was captured before the beginning is not late.
-        const bool late = emitted_ > begin_ && emitted_ - stamped <= tolerance;
+    // A driver's first cycles may have more frames than time: while none is heard, stamps hold.
+    const bool unheard = stamped + stamp.frames <= begin_;
+    if (!tap.started || unheard || stamped - tap.next > tolerated) {
+        // What a tap hears first may find the grid emitted a cycle further than its stamp: it is
+        // put behind rather than lost. What was captured before the beginning is not late. Behind
+        // a standstill all that follows would be late.
+        const bool late = !tap.started && emitted_ > begin_ && emitted_ - stamped <= tolerance;
         tap.next = late ? std::max(stamped, emitted_) : stamped;
         tap.started = true;
     }
     if (!silent) { // what nothing is added to is silent already
-        lineOf(tap.source).add(tap.next, samples);
+        lineOf(tap.source).add(tap.next, planes);
     }
     const std::int64_t error = stamped - tap.next;
     tap.next += stamp.frames;

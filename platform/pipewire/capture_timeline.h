@@ -11,6 +11,7 @@
 
 #include "platform/pipewire/frame_clock.h"
 #include "platform/pipewire/mix_line.h"
+#include "platform/pipewire/planes.h"
 #include "platform/pipewire/stamped_ring.h"
 
 namespace vantoro::pipewire {
@@ -45,9 +46,9 @@ public:
     /// What it captured stays.
     void removeTap(TapId tap);
 
-    /// Interleaved, of the tap's source's channel count. Returns by how many frames the count is
+    /// `planes`: of the tap's source's channel count. Returns by how many frames the count is
     /// behind the stamp (negative: ahead of it), once the piece has been placed.
-    std::int64_t place(TapId tap, const Stamp& stamp, std::span<const float> samples);
+    std::int64_t place(TapId tap, const Stamp& stamp, Planes planes);
 
     /// The frames that the tap captured next are lost. Returns for how many no loss of the source
     /// was told before: what was played to two outputs at one time is lost once.

@@ -3,6 +3,8 @@
 #include "platform/pipewire/channel_fold.h"
 
 #include <algorithm>
+#include <functional>
+#include <iterator>
 
 namespace vantoro::pipewire {
 
@@ -10,8 +12,12 @@ namespace {
 
 using Channels = std::vector<std::string_view>;
 
-bool hasNoPlace(std::string_view channel) {
-    return channel.empty() || channel == "UNK" || channel.starts_with("AUX");
+bool isFront(std::string_view channel) {
+    return channel == "FL" || channel == "FR";
+}
+
+bool isCentre(std::string_view channel) {
+    return channel == "FC" || channel == "MONO";
 }
 
 bool isLow(std::string_view channel) {
@@ -19,7 +25,7 @@ bool isLow(std::string_view channel) {
 }
 
 Channels placedChannel(std::string_view channel, bool hasFrontPair) {
-    if (channel == "FC" || channel == "MONO") {
+    if (isCentre(channel)) {
         return hasFrontPair ? Channels{"SL", "SR"} : Channels{"FL", "FR"};
     }
     if (isLow(channel)) {
@@ -42,23 +48,45 @@ Channels placedChannel(std::string_view channel, bool hasFrontPair) {
 
 } // namespace
 
-void foldToStereo(const TapPlanes& planes, std::span<float> stereo) noexcept {
-    constexpr float minus3dB = 0.70710678F;
-    const auto& [left, right, surroundLeft, surroundRight] = planes;
-    for (std::size_t frame = 0; frame < stereo.size() / 2; ++frame) {
-        stereo[2 * frame] = left[frame] + (minus3dB * surroundLeft[frame]);
-        stereo[(2 * frame) + 1] = right[frame] + (minus3dB * surroundRight[frame]);
+void foldToStereo(const TapPlanes& planes, std::span<float> left, std::span<float> right) noexcept {
+    const auto fold = [](std::span<const float> full, std::span<const float> quiet,
+                         std::span<float> side) {
+        constexpr float minus3dB = 0.70710678F;
+        std::ranges::transform(full.first(side.size()), quiet.first(side.size()), side.begin(),
+                               [](float f, float q) { return f + (minus3dB * q); });
+    };
+    const auto& [frontLeft, frontRight, surroundLeft, surroundRight] = planes;
+    fold(frontLeft, surroundLeft, left);
+    fold(frontRight, surroundRight, right);
+}
+
+bool hasPlace(std::string_view channel) {
+    return !channel.empty() && channel != "UNK" && !channel.starts_with("AUX");
+}
+
+std::vector<bool> areMadeFromOthers(const std::vector<std::string>& channels,
+                                    const std::vector<std::string>& given) {
+    const bool givesTheFrontAlone =
+        !given.empty() && std::ranges::all_of(given, [](std::string_view c) {
+            return isFront(c) || isCentre(c) || isLow(c);
+        });
+    const bool hasFront = std::ranges::any_of(channels, isFront);
+    std::vector<bool> result;
+    for (const std::string& channel : channels) {
+        const bool isGiven = std::ranges::find(given, channel) != given.end();
+        result.push_back(givesTheFrontAlone && hasFront && hasPlace(channel) && !isFront(channel) &&
+                         !isGiven);
     }
+    return result;
 }
 
 std::vector<Channels> tapChannelsFor(const std::vector<std::string>& channels) {
-    const auto isFront = [](std::string_view c) { return c == "FL" || c == "FR"; };
     const bool hasFrontPair = std::ranges::any_of(channels, isFront);
-    const auto unplaced = std::ranges::count_if(channels, hasNoPlace);
+    const auto unplaced = std::ranges::count_if(channels, std::not_fn(hasPlace));
     std::vector<Channels> result;
     std::size_t seenUnplaced = 0;
     for (const std::string& channel : channels) {
-        if (!hasNoPlace(channel)) {
+        if (hasPlace(channel)) {
             result.push_back(placedChannel(channel, hasFrontPair));
         } else if (unplaced == 1) {
             result.push_back({"FL", "FR"});

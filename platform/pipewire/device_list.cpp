@@ -3,7 +3,7 @@
 #include "platform/pipewire/device_list.h"
 
 #include "platform/pipewire/graph_query.h"
-#include "platform/pipewire/graph_rules.h"
+#include "platform/pipewire/microphones.h"
 
 namespace vantoro::pipewire {
 

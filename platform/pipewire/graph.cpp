@@ -22,6 +22,16 @@ void read(bool& value, const Properties& properties, const char* key) {
 
 } // namespace
 
+std::vector<Identity> portsOf(const Graph& graph, ObjectId node, PortDirection direction) {
+    std::vector<Identity> result;
+    for (const auto& [id, port] : graph.ports) {
+        if (port.node == node && port.direction == direction) {
+            result.push_back({id, port.serial});
+        }
+    }
+    return result;
+}
+
 std::uint64_t serialOf(const Properties& properties) {
     std::uint64_t serial = 0;
     if (const auto found = properties.find("object.serial"); found != properties.end()) {
@@ -44,6 +54,7 @@ void readProperties(Node& node, const Properties& properties) {
     read(node.processId, properties, "application.process.id");
     read(node.autoconnect, properties, "node.autoconnect");
     read(node.markedAsOwn, properties, ownSoundProperty);
+    node.isOfDevice = node.isOfDevice || properties.contains("device.id");
     if (const auto client = properties.find("client.id"); client != properties.end()) {
         ObjectId id = 0;
         const char* const end = client->second.data() + client->second.size();

@@ -6,7 +6,9 @@
 #include <cstdint>
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
+#include <vector>
 
 #include "platform/pipewire/mixer_setting.h"
 
@@ -38,7 +40,11 @@ struct Node {
     std::optional<ObjectId> client;
     bool autoconnect = false;
     bool markedAsOwn = false;
-    MixerSetting mixer; ///< of microphones only
+    bool isOfDevice = false; ///< and not made by a program
+    MixerSetting mixer;      ///< of microphones only
+    /// Of playback streams, what the application gives; its ports are what the server makes of it
+    /// for the output. Empty until it is told.
+    std::vector<std::string> channels;
 
     friend bool operator==(const Node&, const Node&) = default;
 };
@@ -56,6 +62,8 @@ struct Port {
 struct Link {
     ObjectId outputNode = 0;
     ObjectId inputNode = 0;
+    ObjectId outputPort = 0;
+    ObjectId inputPort = 0;
 };
 
 struct Client {
@@ -66,7 +74,9 @@ struct Client {
 /// What we know of the sound server's objects, by their ids.
 struct Graph {
     std::map<ObjectId, Node> nodes;
-    std::map<ObjectId, Port> ports; ///< of sound only
+    std::map<ObjectId, Port> ports; ///< each of one channel of sound
+    /// Ports of what has no channels to take apart: coded sound, and pictures.
+    std::set<ObjectId> undividedPorts;
     std::map<ObjectId, Link> links;
     std::map<ObjectId, Client> clients;
     std::map<ObjectId, std::string> targets; ///< where the user moved a stream to
@@ -78,6 +88,9 @@ struct Graph {
     bool mayExecute = false;   ///< what we are permitted on the server's core
     bool canMakeLinks = false;
 };
+
+/// A node's ports of one direction, in the order in which they were made.
+std::vector<Identity> portsOf(const Graph& graph, ObjectId node, PortDirection direction);
 
 /// 0 where the properties do not tell it.
 std::uint64_t serialOf(const Properties& properties);

@@ -10,6 +10,7 @@
 
 #include <spa/utils/json.h>
 
+#include "platform/pipewire/channel_map.h"
 #include "platform/pipewire/graph_rules.h"
 #include "platform/pipewire/server_calls.h"
 
@@ -119,10 +120,10 @@ void GraphMirror::addNode(ObjectId id, const Properties& properties) {
     readProperties(node, properties);
     // Which group it belongs to, where it wants to go and how loud it is, only the node itself
     // tells.
-    if (isPlaybackStream(node) || isOutput(node) || isMicrophone(node)) {
+    if (isPlaybackStream(node) || isCaptureStream(node) || isOutput(node) || isMicrophone(node)) {
         if (Bound* const bound = bind(id, PW_TYPE_INTERFACE_Node, PW_VERSION_NODE)) {
             pw_proxy_add_object_listener(bound->proxy.get(), bound->hook.get(), &nodeEvents, bound);
-            if (isMicrophone(node)) {
+            if (isMicrophone(node) || isPlaybackStream(node)) {
                 subscribe(reinterpret_cast<pw_node*>(bound->proxy.get()), SPA_PARAM_Props);
             }
         }
@@ -131,8 +132,12 @@ void GraphMirror::addNode(ObjectId id, const Properties& properties) {
 }
 
 void GraphMirror::addPort(ObjectId id, const Properties& properties) {
-    if (text(properties, "format.dsp").find("audio") == std::string::npos) {
-        return; // MIDI, or an ability to take one stream as a whole
+    const std::string format = text(properties, "format.dsp");
+    if (format.empty()) {
+        graph_.undividedPorts.insert(id);
+    }
+    if (format.find("audio") == std::string::npos) {
+        return;
     }
     graph_.ports.insert_or_assign(
         id, Port{.node = number(properties, "node.id"),
@@ -145,7 +150,9 @@ void GraphMirror::addPort(ObjectId id, const Properties& properties) {
 
 void GraphMirror::addLink(ObjectId id, const Properties& properties) {
     graph_.links.insert_or_assign(id, Link{.outputNode = number(properties, "link.output.node"),
-                                           .inputNode = number(properties, "link.input.node")});
+                                           .inputNode = number(properties, "link.input.node"),
+                                           .outputPort = number(properties, "link.output.port"),
+                                           .inputPort = number(properties, "link.input.port")});
 }
 
 void GraphMirror::addMetadata(ObjectId id, const Properties& properties) {
@@ -166,6 +173,7 @@ void GraphMirror::removeObject(ObjectId id) {
     bound_.erase(id);
     graph_.nodes.erase(id);
     graph_.ports.erase(id);
+    graph_.undividedPorts.erase(id);
     graph_.links.erase(id);
     graph_.clients.erase(id);
     graph_.targets.erase(id);
@@ -231,9 +239,13 @@ void GraphMirror::nodeParameter(void* data, int /*sequence*/, std::uint32_t id,
     if (id != SPA_PARAM_Props || node == bound.mirror.graph_.nodes.end()) {
         return;
     }
-    const auto before = node->second.mixer;
-    readMixerSetting(node->second.mixer, parameter);
-    if (node->second.mixer != before) {
+    const Node before = node->second;
+    if (isMicrophone(before)) {
+        readMixerSetting(node->second.mixer, parameter);
+    } else {
+        readChannelMap(node->second.channels, parameter);
+    }
+    if (node->second != before) {
         bound.mirror.changed_();
     }
 }

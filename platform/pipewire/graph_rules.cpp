@@ -11,57 +11,6 @@ namespace vantoro::pipewire {
 
 namespace {
 
-constexpr std::string_view captureStreamClass = "Stream/Input/Audio";
-
-bool isCalled(const Node& node, std::string_view nameOrSerial) {
-    return node.name == nameOrSerial || std::to_string(node.serial) == nameOrSerial;
-}
-
-std::optional<ObjectId> findOutput(const Graph& graph, std::string_view nameOrSerial) {
-    for (const auto& [id, node] : graph.nodes) {
-        if (isOutput(node) && isCalled(node, nameOrSerial)) {
-            return id;
-        }
-    }
-    return std::nullopt;
-}
-
-bool namesSomething(const std::string& target) {
-    return !target.empty() && target != "-1";
-}
-
-bool exists(const Graph& graph, std::string_view nameOrSerial) {
-    return std::ranges::any_of(
-        graph.nodes, [&](const auto& entry) { return isCalled(entry.second, nameOrSerial); });
-}
-
-/// Where the session manager is going to connect a stream: where the user moved it, else where it
-/// asks to go, else the default output; the last one also where nothing is there of that name.
-std::optional<ObjectId> predictedOutput(ObjectId stream, const Graph& graph) {
-    const Node& node = graph.nodes.at(stream);
-    if (!node.autoconnect) {
-        return std::nullopt;
-    }
-    const auto moved = graph.targets.find(stream);
-    const std::string target = moved != graph.targets.end() && namesSomething(moved->second)
-                                   ? moved->second
-                                   : node.targetObject;
-    if (namesSomething(target) && exists(graph, target)) {
-        return findOutput(graph, target);
-    }
-    return graph.defaultOutput.empty() ? std::nullopt : findOutput(graph, graph.defaultOutput);
-}
-
-std::vector<Identity> portsOf(const Graph& graph, ObjectId node, PortDirection direction) {
-    std::vector<Identity> result;
-    for (const auto& [id, port] : graph.ports) {
-        if (port.node == node && port.direction == direction) {
-            result.push_back({id, port.serial});
-        }
-    }
-    return result;
-}
-
 std::map<std::string_view, Identity> inputsByChannel(const Graph& graph, ObjectId node) {
     std::map<std::string_view, Identity> result;
     for (const Identity& port : portsOf(graph, node, PortDirection::input)) {
@@ -70,20 +19,85 @@ std::map<std::string_view, Identity> inputsByChannel(const Graph& graph, ObjectI
     return result;
 }
 
-void addStreamLinks(std::set<PortLink>& links, const Graph& graph, ObjectId stream, ObjectId tap) {
-    const auto inputs = inputsByChannel(graph, tap);
+/// A port whose sound is to be recorded, and the channel on which it is heard.
+struct HeardPort {
+    Identity port;
+    std::string channel;
+};
+
+/// A stream is heard as a whole: how its channels reach the output's is the sound server's to do.
+std::vector<HeardPort> portsOfStream(const Graph& graph, ObjectId stream) {
     const auto ports = portsOf(graph, stream, PortDirection::output);
     std::vector<std::string> channels;
     channels.reserve(ports.size());
     for (const Identity& port : ports) {
         channels.push_back(graph.ports.at(port.id).channel);
     }
+    const auto areMade = areMadeFromOthers(channels, graph.nodes.at(stream).channels);
+    std::vector<HeardPort> result;
+    for (std::size_t i = 0; i < ports.size(); ++i) {
+        if (!areMade[i]) {
+            result.push_back({ports[i], channels[i]});
+        }
+    }
+    return result;
+}
+
+/// Of all others each port is heard where it is linked to.
+std::vector<HeardPort> portsLinkedTo(const Graph& graph, ObjectId node, ObjectId output) {
+    std::map<std::pair<ObjectId, ObjectId>, HeardPort> result; // in the order of the output's ports
+    for (const auto& [id, link] : graph.links) {
+        const auto from = graph.ports.find(link.outputPort);
+        const auto to = graph.ports.find(link.inputPort);
+        if (link.outputNode == node && link.inputNode == output && from != graph.ports.end() &&
+            to != graph.ports.end()) {
+            const std::string& channel =
+                hasPlace(to->second.channel) ? to->second.channel : from->second.channel;
+            result.try_emplace({link.inputPort, link.outputPort},
+                               HeardPort{{from->first, from->second.serial}, channel});
+        }
+    }
+    std::vector<HeardPort> ports;
+    for (auto& [key, port] : result) {
+        ports.push_back(std::move(port));
+    }
+    return ports;
+}
+
+void addTapLinks(std::set<PortLink>& links, const Graph& graph, const std::vector<HeardPort>& ports,
+                 ObjectId tap) {
+    const auto inputs = inputsByChannel(graph, tap);
+    std::vector<std::string> channels;
+    channels.reserve(ports.size());
+    for (const HeardPort& port : ports) {
+        channels.push_back(port.channel);
+    }
     const auto targets = tapChannelsFor(channels);
     for (std::size_t i = 0; i < ports.size(); ++i) {
         for (const std::string_view channel : targets[i]) {
             if (const auto input = inputs.find(channel); input != inputs.end()) {
-                links.insert({ports[i], input->second});
+                links.insert({ports[i].port, input->second});
             }
+        }
+    }
+}
+
+/// A port that is heard on two outputs is recorded on the first of them.
+void addPathLinks(std::set<PortLink>& links, const Graph& graph, const OwnNodes& own,
+                  const SoundPath& path) {
+    std::set<Identity> recorded;
+    for (const ObjectId output : path.heardOn) {
+        const auto tap = own.tapOfOutput.find({output, graph.nodes.at(output).serial});
+        if (tap == own.tapOfOutput.end()) {
+            continue;
+        }
+        auto ports = isPlaybackStream(graph.nodes.at(path.node))
+                         ? portsOfStream(graph, path.node)
+                         : portsLinkedTo(graph, path.node, output);
+        std::erase_if(ports, [&](const HeardPort& heard) { return recorded.contains(heard.port); });
+        addTapLinks(links, graph, ports, tap->second);
+        for (const HeardPort& heard : ports) {
+            recorded.insert(heard.port);
         }
     }
 }
@@ -93,27 +107,14 @@ void addMicrophoneLinks(std::set<PortLink>& links, const Graph& graph, const Own
         return;
     }
     const auto inputs = portsOf(graph, *own.microphoneStream, PortDirection::input);
-    if (!inputs.empty()) {
-        for (const Identity& port : microphonePorts(graph, *own.microphone)) {
-            links.insert({port, inputs.front()});
-        }
+    const auto ports = portsOf(graph, *own.microphone);
+    // A device may have more of them than when the recording began.
+    for (std::size_t i = 0; i < ports.size() && !inputs.empty(); ++i) {
+        links.insert({ports[i], inputs[i % inputs.size()]});
     }
 }
 
 } // namespace
-
-bool isOutput(const Node& node) {
-    return node.mediaClass == "Audio/Sink";
-}
-
-bool isMicrophone(const Node& node) {
-    return node.mediaClass == "Audio/Source" || node.mediaClass == "Audio/Source/Virtual" ||
-           node.mediaClass == "Audio/Duplex";
-}
-
-bool isPlaybackStream(const Node& node) {
-    return node.mediaClass == "Stream/Output/Audio";
-}
 
 bool isOwnSound(const Node& stream, const Graph& graph, const Self& self) {
     if (stream.markedAsOwn || stream.processId == self.processId) {
@@ -131,41 +132,18 @@ bool isOwnSound(const Node& stream, const Graph& graph, const Self& self) {
            (stream.client == self.client || client->second.processId == self.processId);
 }
 
-bool passesOnAnOutput(const Node& stream, const Graph& graph) {
-    return !stream.linkGroup.empty() && std::ranges::any_of(graph.nodes, [&](const auto& entry) {
-        return isOutput(entry.second) && entry.second.linkGroup == stream.linkGroup;
-    });
-}
-
-std::optional<ObjectId> outputOf(ObjectId stream, const Graph& graph) {
-    bool playsElsewhere = false;
-    for (const auto& [id, link] : graph.links) {
-        const auto target = graph.nodes.find(link.inputNode);
-        if (link.outputNode != stream || target == graph.nodes.end()) {
-            continue;
-        }
-        if (isOutput(target->second)) {
-            return link.inputNode;
-        }
-        // Somebody else who listens in, as we do, says nothing about where the stream plays.
-        playsElsewhere = playsElsewhere || target->second.mediaClass != captureStreamClass;
-    }
-    return playsElsewhere ? std::nullopt : predictedOutput(stream, graph);
-}
-
 std::set<PortLink> wantedLinks(const Graph& graph, const Self& self, const OwnNodes& own,
                                bool excludesOwnSound) {
     std::set<PortLink> links;
-    for (const auto& [id, node] : graph.nodes) {
-        if (!isPlaybackStream(node) || passesOnAnOutput(node, graph) ||
-            (excludesOwnSound && isOwnSound(node, graph, self))) {
-            continue;
-        }
-        const auto output = outputOf(id, graph);
-        const auto tap = output ? own.tapOfOutput.find({*output, graph.nodes.at(*output).serial})
-                                : own.tapOfOutput.end();
-        if (tap != own.tapOfOutput.end()) {
-            addStreamLinks(links, graph, id, tap->second);
+    auto paths = soundPaths(graph);
+    std::erase_if(paths, [&](const SoundPath& path) {
+        return excludesOwnSound && isOwnSound(graph.nodes.at(path.node), graph, self);
+    });
+    const auto elsewhere = outputsHeardInMixes(paths, graph);
+    for (SoundPath& path : paths) {
+        std::erase_if(path.heardOn, [&](ObjectId output) { return elsewhere.contains(output); });
+        if (path.bringsNewSound) {
+            addPathLinks(links, graph, own, path);
         }
     }
     addMicrophoneLinks(links, graph, own);
@@ -182,48 +160,16 @@ std::set<Identity> outputs(const Graph& graph) {
     return result;
 }
 
+bool playsCodedSound(const Graph& graph) {
+    return std::ranges::any_of(graph.links, [&](const auto& entry) {
+        const auto output = graph.nodes.find(entry.second.inputNode);
+        return graph.undividedPorts.contains(entry.second.outputPort) &&
+               output != graph.nodes.end() && isOutput(output->second);
+    });
+}
+
 bool mayCapture(const Graph& graph) {
     return graph.mayExecute && graph.canMakeLinks;
-}
-
-std::vector<AudioInputDevice> microphones(const Graph& graph) {
-    std::vector<AudioInputDevice> result;
-    for (const auto& [id, node] : graph.nodes) {
-        if (isMicrophone(node) && !node.name.empty()) {
-            result.push_back({node.name, node.description.empty() ? node.name : node.description});
-        }
-    }
-    return result;
-}
-
-std::optional<ObjectId> findMicrophone(const Graph& graph, const std::string& name) {
-    for (const auto& [id, node] : graph.nodes) {
-        if (isMicrophone(node) && !node.name.empty() && node.name == name) {
-            return id;
-        }
-    }
-    return std::nullopt;
-}
-
-const Node* findMicrophone(const Graph& graph, const Identity& microphone) {
-    const auto found = graph.nodes.find(microphone.id);
-    const bool isThere = found != graph.nodes.end() && found->second.serial == microphone.serial &&
-                         isMicrophone(found->second);
-    return isThere ? &found->second : nullptr;
-}
-
-std::vector<Identity> microphonePorts(const Graph& graph, const Identity& microphone) {
-    const Node* const node = findMicrophone(graph, microphone);
-    if (node == nullptr) {
-        return {};
-    }
-    auto ports = portsOf(graph, microphone.id, PortDirection::output);
-    const auto isMonitor = [&](const Identity& port) { return graph.ports.at(port.id).isMonitor; };
-    // A microphone that programs speak into has nothing but monitors to give that sound out.
-    if (node->mediaClass == "Audio/Source" || !std::ranges::all_of(ports, isMonitor)) {
-        std::erase_if(ports, isMonitor);
-    }
-    return ports;
 }
 
 } // namespace vantoro::pipewire

@@ -18,10 +18,6 @@ namespace vantoro::pipewire {
 
 namespace {
 
-std::uint32_t nodeChannels(CaptureSource source) {
-    return source == CaptureSource::systemAudio ? tapChannels.size() : 1;
-}
-
 PropertiesPointer streamProperties(CaptureSource source) {
     const bool isTap = source == CaptureSource::systemAudio;
     PropertiesPointer properties(pw_properties_new(
@@ -52,20 +48,20 @@ std::span<const float> samplesOf(const spa_data& data) noexcept {
             std::min(data.chunk->size, data.maxsize - offset) / sizeof(float)};
 }
 
-spa_audio_info_raw format(CaptureSource source) {
+/// A tap has places, the inputs of a microphone's device are just counted.
+spa_audio_info_raw format(CaptureSource source, std::size_t channels) {
     spa_audio_info_raw info{};
     info.format = SPA_AUDIO_FORMAT_F32P; // as the graph has it, so that nothing is to be done
     info.rate = static_cast<std::uint32_t>(framesPerSecond);
-    info.channels = nodeChannels(source);
-    if (source == CaptureSource::microphone) {
-        info.position[0] = SPA_AUDIO_CHANNEL_MONO;
-        return info;
-    }
-    constexpr std::array positions{SPA_AUDIO_CHANNEL_FL, SPA_AUDIO_CHANNEL_FR, SPA_AUDIO_CHANNEL_SL,
-                                   SPA_AUDIO_CHANNEL_SR};
-    static_assert(positions.size() == tapChannels.size()); // in the same order
-    for (std::size_t i = 0; i < positions.size(); ++i) {
-        info.position[i] = positions.at(i);
+    info.channels = static_cast<std::uint32_t>(channels);
+    constexpr std::array places{SPA_AUDIO_CHANNEL_FL, SPA_AUDIO_CHANNEL_FR, SPA_AUDIO_CHANNEL_SL,
+                                SPA_AUDIO_CHANNEL_SR};
+    static_assert(places.size() == tapChannels.size()); // in the same order
+    const bool isTap = source == CaptureSource::systemAudio;
+    for (std::size_t i = 0; i < channels; ++i) {
+        info.position[i] = isTap           ? static_cast<std::uint32_t>(places.at(i))
+                           : channels == 1 ? static_cast<std::uint32_t>(SPA_AUDIO_CHANNEL_MONO)
+                                           : static_cast<std::uint32_t>(SPA_AUDIO_CHANNEL_AUX0 + i);
     }
     return info;
 }
@@ -81,9 +77,10 @@ const pw_stream_events InputStream::events = [] {
     return table;
 }();
 
-InputStream::InputStream(pw_core* core, std::shared_ptr<CaptureFeed> feed, const Wake& wake,
-                         StateChanged stateChanged)
+InputStream::InputStream(pw_core* core, std::shared_ptr<CaptureFeed> feed, std::size_t channels,
+                         const Wake& wake, StateChanged stateChanged)
     : feed_(std::move(feed)),
+      channels_(channels),
       wake_(wake),
       stateChanged_(std::move(stateChanged)),
       stream_(pw_stream_new(core, "Recording", streamProperties(feed_->source).release())) {
@@ -97,7 +94,7 @@ InputStream::InputStream(pw_core* core, std::shared_ptr<CaptureFeed> feed, const
 void InputStream::connect() {
     std::array<std::uint8_t, 1024> memory{};
     spa_pod_builder builder = SPA_POD_BUILDER_INIT(memory.data(), memory.size());
-    spa_audio_info_raw info = format(feed_->source);
+    spa_audio_info_raw info = format(feed_->source, channels_);
     std::array<const spa_pod*, 1> parameters{
         spa_format_audio_raw_build(&builder, SPA_PARAM_EnumFormat, &info)};
     // Without the real-time flag the stamp that a callback sees may be a later cycle's.
@@ -114,10 +111,6 @@ std::optional<ObjectId> InputStream::node() const {
     const std::uint32_t id = pw_stream_get_node_id(stream_.get());
     // Once it has ended the id is somebody else's.
     return id == SPA_ID_INVALID || state_ == State::ended ? std::nullopt : std::optional(id);
-}
-
-void InputStream::setChannelsAddedUp(std::size_t count) noexcept {
-    gain_.store(1.0F / static_cast<float>(count), std::memory_order_relaxed);
 }
 
 void InputStream::applySpeed() {
@@ -198,8 +191,8 @@ std::uint64_t InputStream::cycleTime(std::uint32_t& clockId) const noexcept {
 }
 
 void InputStream::takeIn(const spa_buffer& buffer) noexcept {
-    TapPlanes planes;
-    const std::span channels(planes.data(), nodeChannels(feed_->source));
+    std::array<std::span<const float>, InputFold::mostInputs> planes;
+    const std::span channels = std::span(planes).first(channels_);
     if (buffer.n_datas < channels.size()) {
         return;
     }
@@ -213,19 +206,16 @@ void InputStream::takeIn(const spa_buffer& buffer) noexcept {
     if (frames == 0) {
         return;
     }
-    const float gain = gain_.load(std::memory_order_relaxed);
-    const bool taken = feed_->ring.write(stamp, [&](std::span<float> target,
-                                                    std::size_t firstFrame) {
-        if (channels.size() == 1) {
-            std::ranges::transform(channels[0].subspan(firstFrame, target.size()), target.begin(),
-                                   [gain](float sample) { return sample * gain; });
-            return;
+    if (feed_->heardSince.load(std::memory_order_relaxed) == 0) {
+        feed_->heardSince.store(stamp.nanoseconds, std::memory_order_relaxed);
+    }
+    const bool taken = feed_->ring.write(stamp, [&](WritablePlanes target) {
+        if (feed_->source == CaptureSource::systemAudio) {
+            foldToStereo(TapPlanes{planes[0], planes[1], planes[2], planes[3]}, target[0],
+                         target[1]);
+        } else {
+            fold_.fold(channels, target[0]);
         }
-        TapPlanes part;
-        std::ranges::transform(planes, part.begin(), [&](std::span<const float> plane) {
-            return plane.subspan(firstFrame, target.size() / 2);
-        });
-        foldToStereo(part, target);
     });
     if (!taken) {
         feed_->ring.lose(stamp.frames);

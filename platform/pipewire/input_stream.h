@@ -12,6 +12,7 @@
 #include "platform/pipewire/capture_feed.h"
 #include "platform/pipewire/graph.h"
 #include "platform/pipewire/handles.h"
+#include "platform/pipewire/input_fold.h"
 
 namespace vantoro::pipewire {
 
@@ -34,9 +35,10 @@ public:
         void* receiver = nullptr;
     };
 
-    /// Throws `CaptureError`.
-    InputStream(pw_core* core, std::shared_ptr<CaptureFeed> feed, const Wake& wake,
-                StateChanged stateChanged);
+    /// `channels`: those of a tap, or a microphone's inputs, up to `InputFold::mostInputs`. Throws
+    /// `CaptureError`.
+    InputStream(pw_core* core, std::shared_ptr<CaptureFeed> feed, std::size_t channels,
+                const Wake& wake, StateChanged stateChanged);
     InputStream(const InputStream&) = delete;
     InputStream& operator=(const InputStream&) = delete;
     ~InputStream() = default;
@@ -50,9 +52,6 @@ public:
     const std::string& reason() const noexcept { return reason_; }
 
     const std::shared_ptr<CaptureFeed>& feed() const noexcept { return feed_; }
-
-    /// Several channels that end in one are added up by the server: this makes it their mean.
-    void setChannelsAddedUp(std::size_t count) noexcept;
 
     /// Has the resampler follow the feed's `speed`.
     void applySpeed();
@@ -73,6 +72,7 @@ private:
     static const pw_stream_events events;
 
     const std::shared_ptr<CaptureFeed> feed_;
+    const std::size_t channels_;
     const Wake wake_;
     const StateChanged stateChanged_;
     State state_ = State::starting;
@@ -80,7 +80,7 @@ private:
     double appliedSpeed_ = 1;
     bool resamplerIsActive_ = false;
     std::atomic<const spa_io_position*> position_{nullptr};
-    std::atomic<float> gain_{1};
+    InputFold fold_; // the real-time thread's own
     StreamPointer stream_;
     Hook hook_; // after the stream, so that it goes first
 };

@@ -7,32 +7,31 @@
 #include <span>
 #include <vector>
 
+#include "platform/pipewire/planes.h"
+
 namespace vantoro::pipewire {
 
 /// A stretch of the grid on which sounds are added up, and from whose front they are taken.
 /// What nothing was added to is silence.
 class MixLine {
 public:
-    explicit MixLine(std::size_t channels) : channels_(channels) {}
-
-    std::size_t channels() const noexcept { return channels_; }
+    explicit MixLine(std::size_t channels) : lines_(channels) {}
 
     /// Everything before is over: what is added there later is left out.
     void moveFront(std::int64_t position);
 
-    /// Adds interleaved frames, as many channels as the line has. Samples that are no numbers count
-    /// as silence, so that one application's fault does not silence the others.
-    void add(std::int64_t position, std::span<const float> samples);
+    /// Adds frames of as many channels as the line has. Samples that are no numbers count as
+    /// silence, so that one application's fault does not silence the others.
+    void add(std::int64_t position, Planes planes);
 
     /// Takes frames off the front, channel after channel. Valid until the next call.
     std::span<const float> take(std::size_t frames);
 
 private:
-    const std::size_t channels_;
-    std::int64_t front_ = 0;    // grid position of the first frame that is not over
-    std::size_t taken_ = 0;     // frames at the start of line_ that are over
-    std::vector<float> line_;   // interleaved
-    std::vector<float> planes_; // what was taken last
+    std::int64_t front_ = 0;                // grid position of the first frame that is not over
+    std::size_t taken_ = 0;                 // frames at the start of each line that are over
+    std::vector<std::vector<float>> lines_; // one for each channel, all of one length
+    std::vector<float> block_;              // what was taken last
 };
 
 } // namespace vantoro::pipewire

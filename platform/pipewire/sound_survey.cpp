@@ -14,13 +14,15 @@ SoundSurvey surveyOf(const Graph& graph) {
                        .mayCapture = mayCapture(graph),
                        .hasSessionManager = graph.defaultsOfSessionManager.has_value(),
                        .outputs = outputs(graph).size(),
+                       .playsCodedSound = playsCodedSound(graph),
                        .microphones = {}};
     for (auto& device : microphones(graph)) {
-        const auto node = findMicrophone(graph, device.id);
-        survey.microphones.push_back(
-            {.device = device,
-             .isDefault = device.id == graph.defaultMicrophone,
-             .mixer = node ? graph.nodes.at(*node).mixer : MixerSetting()});
+        const auto microphone = findMicrophone(graph, device.id);
+        if (microphone && microphone->channel.empty()) { // its inputs have no mixer of their own
+            survey.microphones.push_back({.device = device,
+                                          .isDefault = device.id == graph.defaultMicrophone,
+                                          .mixer = graph.nodes.at(microphone->device.id).mixer});
+        }
     }
     return survey;
 }

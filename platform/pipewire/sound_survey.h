@@ -29,6 +29,7 @@ struct SoundSurvey {
     bool mayCapture = false;        ///< streams may be seen, and links to them made
     bool hasSessionManager = false; ///< without one nothing gets linked
     std::size_t outputs = 0;
+    bool playsCodedSound = false;                ///< which cannot be recorded
     std::vector<SurveyedMicrophone> microphones; ///< in the order in which the server lists them
 
     friend bool operator==(const SoundSurvey&, const SoundSurvey&) = default;

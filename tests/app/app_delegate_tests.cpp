@@ -11,7 +11,7 @@
 
 #include "tests/control/event_loop.h"
 #include "tests/l10n/memory_preferences.h"
-#include "tests/ui/fake_status_area.h"
+#include "tests/ui/status_area/fake_status_area.h"
 
 namespace vantoro::testing {
 namespace {

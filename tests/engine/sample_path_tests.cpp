@@ -203,10 +203,10 @@ TEST_F(SamplePathTest, silentOrMutedSourceIsToldOfAndForgottenWithTheRecording) 
         path.append(bufferAt(frame, 1, 4096, 0), microphone);
     }
     EXPECT_EQ(conditions, std::vector{SourceCondition::silent});
-    path.setMicrophoneMuted(true);
+    path.setObstacle(AudioLevelSource::microphone, SourceCondition::muted);
     EXPECT_EQ(conditions.back(), SourceCondition::muted);
     path.disarm();
-    path.setMicrophoneMuted(true);
+    path.setObstacle(AudioLevelSource::microphone, SourceCondition::muted);
     EXPECT_EQ(conditions.size(), 3U);
 }
 

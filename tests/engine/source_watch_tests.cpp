@@ -75,12 +75,22 @@ TEST_F(SourceWatchTest, sourcesAreWatchedEachByItself) {
     EXPECT_EQ(told, (Told{{systemAudio, silent}}));
 }
 
+TEST_F(SourceWatchTest, obstaclesAreToldEachOfItsSource) {
+
+    watch.setObstacle(AudioLevelSource::systemAudio, SourceCondition::coded, collect);
+    watch.setObstacle(microphone, muted, collect);
+    watch.setObstacle(AudioLevelSource::systemAudio, SourceCondition::delivering, collect);
+    EXPECT_EQ(told, (Told{{AudioLevelSource::systemAudio, SourceCondition::coded},
+                          {microphone, muted},
+                          {AudioLevelSource::systemAudio, SourceCondition::delivering}}));
+}
+
 TEST_F(SourceWatchTest, mutedIsToldAtOnceAndBeforeSilence) {
-    watch.setMuted(microphone, true, collect);
-    watch.setMuted(microphone, true, collect);
+    watch.setObstacle(microphone, SourceCondition::muted, collect);
+    watch.setObstacle(microphone, SourceCondition::muted, collect);
     hear(microphone, 20, 0);
     EXPECT_EQ(told, (Told{{microphone, muted}}));
-    watch.setMuted(microphone, false, collect);
+    watch.setObstacle(microphone, SourceCondition::delivering, collect);
     EXPECT_EQ(told, (Told{{microphone, muted}, {microphone, silent}}));
     hear(microphone, 0.01, 0.5F);
     EXPECT_EQ(told.back().second, delivering);
@@ -121,13 +131,13 @@ TEST_F(SourceWatchTest, countsFrameByFrame) {
 }
 
 TEST_F(SourceWatchTest, microphoneThatIsSwitchedOnIsNoNews) {
-    watch.setMuted(microphone, false, collect);
+    watch.setObstacle(microphone, SourceCondition::delivering, collect);
     EXPECT_TRUE(told.empty());
 }
 
 TEST_F(SourceWatchTest, resetForgetsWhatWasToldAndHeard) {
     hear(microphone, 10, 0);
-    watch.setMuted(microphone, true, collect);
+    watch.setObstacle(microphone, SourceCondition::muted, collect);
     watch.reset();
     told.clear();
     hear(microphone, 9.99, 0);
@@ -139,7 +149,7 @@ TEST_F(SourceWatchTest, resetForgetsWhatWasToldAndHeard) {
 TEST_F(SourceWatchTest, nobodyNeedsToListen) {
     collect = nullptr;
     hear(microphone, 10, 0);
-    watch.setMuted(microphone, true, collect);
+    watch.setObstacle(microphone, SourceCondition::muted, collect);
     EXPECT_TRUE(told.empty());
 }
 

@@ -80,6 +80,11 @@ TEST(L10nTest, saysWhatIsWrongWithASource) {
                   "至少 10 秒没有任何声音", "only silence", "没有声音"},
              Case{SourceCondition::muted, "Muted in the desktop's sound settings",
                   "已在系统声音设置中静音", "muted", "已静音"},
+             Case{SourceCondition::coded,
+                  "An application sends coded sound straight to the receiver, which cannot be "
+                  "recorded. Switch passthrough off in that application",
+                  "有应用将编码音频直通到功放，无法录制。请在该应用中关闭直通",
+                  "coded, not recorded", "编码音频未录制"},
          }) {
         EXPECT_EQ(L10n(english).condition(row.condition), row.english);
         EXPECT_EQ(L10n(chinese).condition(row.condition), row.chinese);

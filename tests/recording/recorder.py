@@ -17,6 +17,11 @@ IN_ENGLISH = ("record", "--language", "en")
 IN_MODIFY, IN_CREATE, IN_DELETE, IN_MOVED_TO = 0x2, 0x100, 0x200, 0x80
 
 
+def wait_until_readable(descriptor, timeout):
+    if not select.select([descriptor], [], [], timeout)[0]:
+        raise AssertionError(f"nothing happened within {timeout} s")
+
+
 class FolderWatch:
     """What happens in a folder, from the construction on."""
 

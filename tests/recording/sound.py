@@ -7,6 +7,7 @@ import json
 import math
 import operator
 import subprocess
+import time
 from pathlib import Path
 
 ROOT = Path(__file__).resolve().parents[2]
@@ -60,16 +61,34 @@ def noise(folder, *arguments):
 
 
 def wait_for_output_ports(node):
-    """Returns when a node of this name has an output port; follows the list of ports."""
-    monitor = subprocess.Popen(["timeout", str(SECONDS_TO_APPEAR), "stdbuf", "-oL", "pw-link", "-m", "-o"],
+    """Returns when a node of this name has an output port."""
+    wait_for_port("-o", f"{node}:")
+
+
+def wait_for_input_port(port):
+    """Returns when there is an input port whose name begins like this."""
+    wait_for_port("-i", port)
+
+
+def wait_for_port(direction, beginning):
+    """Follows the list of ports."""
+    monitor = subprocess.Popen(["timeout", str(SECONDS_TO_APPEAR), "stdbuf", "-oL", "pw-link", "-m", direction],
                                stdout=subprocess.PIPE, text=True)
     try:
-        if not any(line.split()[-1:] and line.split()[-1].startswith(node + ":") for line in monitor.stdout):
-            raise AssertionError(f"{node} did not begin to play within {SECONDS_TO_APPEAR} s")
+        if not any(line.split()[-1:] and line.split()[-1].startswith(beginning) for line in monitor.stdout):
+            raise AssertionError(f"{beginning} did not appear within {SECONDS_TO_APPEAR} s")
     finally:
         monitor.kill()
         monitor.wait()
         monitor.stdout.close()
+
+
+def wait_until_gone(node):
+    """Returns when no node of this name is left; asks again and again."""
+    deadline = time.monotonic() + SECONDS_TO_APPEAR
+    while f'"{node}"' in subprocess.run(["pw-cli", "ls", "Node"], check=True, capture_output=True, text=True).stdout:
+        if time.monotonic() > deadline:
+            raise AssertionError(f"{node} is still there after {SECONDS_TO_APPEAR} s")
 
 
 def wait_for_link(output_port, input_port):

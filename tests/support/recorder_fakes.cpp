@@ -510,7 +510,8 @@ void FakeCaptureService::loseSound(StreamOutputType type, double seconds) {
 }
 
 void FakeCaptureService::muteMicrophone(bool isMuted) {
-    receiver_->microphoneDidChangeMute(isMuted);
+    receiver_->obstacleDidChange(AudioLevelSource::microphone,
+                                 isMuted ? SourceCondition::muted : SourceCondition::delivering);
     queue->sync([] {});
 }
 

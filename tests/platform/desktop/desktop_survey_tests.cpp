@@ -10,10 +10,10 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/desktop/status_notifier_item.h"
-#include "tests/platform/desktop/mock_logind.h"
-#include "tests/platform/desktop/private_bus.h"
-#include "tests/platform/desktop/silent_bus.h"
+#include "platform/desktop/status_area/status_notifier_item.h"
+#include "tests/platform/desktop/bus/private_bus.h"
+#include "tests/platform/desktop/bus/silent_bus.h"
+#include "tests/platform/desktop/power/mock_logind.h"
 
 namespace vantoro::testing {
 namespace {

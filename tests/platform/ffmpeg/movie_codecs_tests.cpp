@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 extern "C" {
+#include <libavformat/avformat.h>
 #include <libavutil/channel_layout.h>
 }
 

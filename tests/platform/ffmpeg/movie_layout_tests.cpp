@@ -133,6 +133,15 @@ TEST(MovieLayout, theFileIsThereForItsUserAloneBeforeWritingStarts) {
     EXPECT_FALSE(writer->canAdd(microphoneTrack));
 }
 
+TEST(MovieLayout, withoutATrackNothingIsWritten) {
+    MemoryFileSystem files;
+    ffmpeg::FfmpegToolkit toolkit(files);
+    const auto writer = toolkit.makeWriter("movie.mov");
+    EXPECT_FALSE(writer->startWriting());
+    EXPECT_EQ(writer->status(), FileWriterStatus::failed);
+    EXPECT_EQ(files.journalOf("movie.mov"), std::vector<std::string>{"create"});
+}
+
 TEST(MovieLayout, refusesTracksThatItCannotWrite) {
     MemoryFileSystem files;
     ffmpeg::FfmpegToolkit toolkit(files);

@@ -22,11 +22,15 @@ protected:
           microphone(std::make_shared<CaptureFeed>(CaptureSource::microphone, ringLength)) {}
 
     void SetUp() override {
+        addFeeds();
+        delivery->begin(position - 48);
+        queue.sync([] {});
+    }
+
+    void addFeeds() {
         for (const auto& feed : {tap, microphone}) {
             delivery->addFeed(feed);
         }
-        delivery->begin();
-        queue.sync([] {});
         position = gridPosition(nanosecondsOn(CLOCK_MONOTONIC)) + 48;
     }
 
@@ -39,9 +43,11 @@ protected:
                           .frames = 1024,
                           .clockId = 1};
         for (const auto& feed : {tap, microphone}) {
-            const auto fill = [&](std::span<float> target, std::size_t first) {
-                for (std::size_t i = 0; i < target.size(); ++i) {
-                    target[i] = valueOf(written + first + (i / feed->ring.channels()));
+            const auto fill = [&](WritablePlanes planes) {
+                for (const auto plane : planes) {
+                    for (std::size_t i = 0; i < plane.size(); ++i) {
+                        plane[i] = valueOf(written + i);
+                    }
                 }
             };
             if (!feed->ring.write(stamp, fill)) {
@@ -80,6 +86,12 @@ protected:
     std::int64_t position = 0;
     std::size_t written = 0;
     std::set<std::size_t> lost; // first frames of cycles
+};
+
+/// Not told to begin.
+class LateDelivery : public Delivery {
+protected:
+    void SetUp() override { addFeeds(); }
 };
 
 /// Rings of two seconds.
@@ -178,6 +190,25 @@ TEST_F(Delivery, deliversAllThatWasCapturedUpToTheFinishAndNothingAfter) {
     delivery->finish();
     queue.sync([] {});
     EXPECT_EQ(sound.audio().frames(), delivered);
+}
+
+TEST_F(LateDelivery, beginsWithWhatWasCapturedBeforeItWasTold) {
+    for (int i = 0; i < 8; ++i) {
+        writeCycle();
+        queue.sync([] {});
+    }
+    const std::int64_t begin = position - (5 * 1024);
+    delivery->begin(begin);
+    delivery->finish();
+    queue.sync([] {});
+    for (const auto& track : {sound.audio(), sound.microphone()}) {
+        EXPECT_EQ(track.start, begin);
+        ASSERT_GE(track.frames(), 5U * 1024);
+        for (const auto& channel : track.channels) {
+            EXPECT_EQ(channel.front(), valueOf(3UL * 1024));
+            EXPECT_EQ(channel[(5 * 1024) - 1], valueOf((8UL * 1024) - 1));
+        }
+    }
 }
 
 TEST_F(Delivery, keepsTheSoundOfATapThatGoes) {

@@ -7,6 +7,7 @@
 
 #include "platform/pipewire/frame_clock.h"
 #include "tests/platform/pipewire/capture_fixture.h"
+#include "tests/platform/pipewire/coded_sound.h"
 #include "tests/platform/pipewire/own_tone.h"
 
 namespace vantoro::testing {
@@ -92,6 +93,52 @@ TEST_F(Capture, tellsWhenTheMicrophoneIsSwitchedOffInTheMixerAndOnAgain) {
     EXPECT_TRUE(sound.waitUntil([&] { return sound.mutes().size() == 4; }, 10s));
     stop();
     EXPECT_EQ(sound.mutes(), (std::vector{true, false, true, false}));
+}
+
+TEST_F(Capture, tellsOfCodedSoundForAsLongAsItIsPlayed) {
+    using namespace std::chrono_literals;
+    using enum SourceCondition;
+    start();
+    auto player = std::make_unique<CodedSound>();
+    EXPECT_TRUE(
+        sound.waitUntil([&] { return sound.systemObstacles() == std::vector{coded}; }, 10s));
+    const auto other = session.play("app", "vantoro-output-1", 440);
+    EXPECT_TRUE(sound.waitForTone(audio, 440)) << "what else is played is recorded";
+    player.reset();
+    EXPECT_TRUE(sound.waitUntil(
+        [&] { return sound.systemObstacles() == std::vector{coded, delivering}; }, 10s));
+    stop();
+    EXPECT_TRUE(sound.stops().empty());
+    EXPECT_TRUE(sound.mutes().empty());
+}
+
+TEST_F(Capture, hearsWhatIsLinkedToAnOutputByHand) {
+    const auto speaker = session.speak("speaker", 300);
+    start(configurationFor(true, false));
+    ASSERT_TRUE(
+        SoundSession::link("vantoro-microphone:capture_MONO", "vantoro-output-2:playback_FL"));
+    ASSERT_TRUE(sound.waitForTone(audio, 300));
+    ASSERT_TRUE(sound.waitForMore(1.5));
+    stop();
+    const auto heard = sound.audio();
+    EXPECT_NEAR(usualAmplitudeOf(300, lastSecond(heard.channels[0])), 0.25, 0.003);
+    EXPECT_LT(steadyAmplitudeOf(300, lastSecond(heard.channels[1])), 0.0001)
+        << "on the right nobody heard it";
+}
+
+TEST_F(Capture, hearsOnceWhatALoopbackPlaysAgainOnAnotherOutput) {
+    ASSERT_EQ(run({"pactl", "load-module", "module-loopback", "source=vantoro-output-1.monitor",
+                   "sink=vantoro-output-2", "sink_input_properties=node.name=repeater"}),
+              0);
+    ASSERT_TRUE(SoundSession::waitForLink("repeater:output_FL", "vantoro-output-2:playback_FL"));
+    const auto app = session.play("app", "vantoro-output-1", 440);
+    start(configurationFor(true, false));
+    ASSERT_TRUE(sound.waitForTone(audio, 440));
+    ASSERT_TRUE(sound.waitForMore(1.5));
+    stop();
+    for (const auto& channel : sound.audio().channels) {
+        EXPECT_NEAR(usualAmplitudeOf(440, lastSecond(channel)), 0.25, 0.003);
+    }
 }
 
 TEST_F(Capture, leavesOutWhatOurOwnProcessPlays) {
@@ -197,6 +244,20 @@ TEST_F(Capture, foldsSurroundSoundToBothSides) {
     }
 }
 
+TEST_F(Capture, leavesOutWhatTheServerMakesOfStereoForAnOutputOfManyChannels) {
+    SoundSession::makeDevice("surround-output", "Audio/Sink", "FL,FR,FC,LFE,RL,RR,SL,SR");
+    for (const int channels : {1, 2}) {
+        const auto app = session.play("app", "surround-output", 440, channels, 0.1);
+        start(configurationFor(true, false));
+        ASSERT_TRUE(sound.waitForTone(audio, 440));
+        ASSERT_TRUE(sound.waitForMore(1.5));
+        stop();
+        for (const auto& side : sound.audio().channels) {
+            EXPECT_NEAR(usualAmplitudeOf(440, lastSecond(side)), 0.1, 0.001) << channels;
+        }
+    }
+}
+
 TEST_F(Capture, hearsWhatPassesThroughAVirtualOutputOnce) {
     const ChildProcess loopback(
         {"pw-loopback", "--capture-props", "media.class=Audio/Sink node.name=virtual-output",
@@ -244,7 +305,26 @@ TEST_F(Capture, lastsAsLongAsItRan) {
     const auto afterStop = now();
     const double captured = static_cast<double>(sound.audio().frames()) / 48000;
     EXPECT_GE(captured, Seconds(beforeStop - afterStart).count() - 0.06);
-    EXPECT_LE(captured, Seconds(afterStop - beforeStart).count() + 0.06);
+    // The first piece is of the cycle that ran when the streams were linked.
+    constexpr double longCycle = 4096.0 / 48000;
+    EXPECT_LE(captured, Seconds(afterStop - beforeStart).count() + longCycle + 0.06);
+}
+
+TEST_F(Capture, hasWhatWasHeardWhileItsStreamsSettled) {
+    const auto app = session.play("app", "vantoro-output-1", 440);
+    const auto voice = session.speak("voice", 300);
+    start();
+    const std::int64_t started = pipewire::gridPosition(pipewire::nanosecondsOn(CLOCK_MONOTONIC));
+    ASSERT_TRUE(sound.waitForMore(1));
+    stop();
+    // Streams settle in four cycles of 85 ms.
+    const auto settling = static_cast<std::size_t>(started - sound.audio().start);
+    EXPECT_GT(settling, 9600U);
+    for (const auto& [frequency, track] :
+         {std::pair(440.0, sound.audio()), std::pair(300.0, sound.microphone())}) {
+        const auto part = std::span(track.channels.at(0)).first(settling).last(4800);
+        EXPECT_NEAR(amplitudeOf(frequency, part), 0.25, 0.01);
+    }
 }
 
 TEST_F(Capture, aClickIsAtOneTimeInOutputAndMicrophone) {
@@ -323,15 +403,47 @@ TEST_F(Capture, tellsWhatAStandstillOfTheQueueLostAndStaysInStep) {
         clicks(spoken), [&](std::int64_t position) { return std::abs(position - later) < 960; }));
 }
 
-TEST_F(Capture, takesTheMeanOfAMicrophonesChannels) {
+TEST_F(Capture, takesTheMeanOfTheInputsThatAreSpokenInto) {
     SoundSession::makeDevice("stereo-microphone", "Audio/Source/Virtual", "FL,FR");
     const auto voice = session.play("voice", "0", 300, 1);
+    const auto other = session.play("other", "0", 500, 1);
     ASSERT_TRUE(SoundSession::link("voice:output_MONO", "stereo-microphone:input_FL"));
+    ASSERT_TRUE(SoundSession::link("voice:output_MONO", "stereo-microphone:input_FR"));
+    ASSERT_TRUE(SoundSession::link("other:output_MONO", "stereo-microphone:input_FR"));
     startWithMicrophone("stereo-microphone");
     ASSERT_TRUE(sound.waitForTone(microphone, 300));
     ASSERT_TRUE(sound.waitForMore(1.5));
     stop();
-    EXPECT_NEAR(usualAmplitudeOf(300, lastSecond(sound.microphone().channels[0])), 0.125, 0.003);
+    const auto spoken = sound.microphone().channels[0];
+    EXPECT_NEAR(usualAmplitudeOf(300, lastSecond(spoken)), 0.25, 0.003);
+    EXPECT_NEAR(usualAmplitudeOf(500, lastSecond(spoken)), 0.125, 0.003);
+}
+
+TEST_F(Capture, hearsOneMicrophoneInOneOfManyInputsAtItsLevel) {
+    SoundSession::makeDevice("interface", "Audio/Source/Virtual",
+                             "AUX0,AUX1,AUX2,AUX3,AUX4,AUX5,AUX6,AUX7");
+    const auto voice = session.play("voice", "0", 300, 1);
+    ASSERT_TRUE(SoundSession::link("voice:output_MONO", "interface:input_AUX5"));
+    startWithMicrophone("interface");
+    ASSERT_TRUE(sound.waitForTone(microphone, 300));
+    ASSERT_TRUE(sound.waitForMore(1.5));
+    stop();
+    EXPECT_NEAR(usualAmplitudeOf(300, lastSecond(sound.microphone().channels[0])), 0.25, 0.003);
+}
+
+TEST_F(Capture, hearsTheOneInputThatIsChosenAndNoOther) {
+    SoundSession::makeDevice("interface", "Audio/Source/Virtual", "AUX0,AUX1,AUX2,AUX3");
+    const auto voice = session.play("voice", "0", 300, 1);
+    const auto other = session.play("other", "0", 500, 1);
+    ASSERT_TRUE(SoundSession::link("voice:output_MONO", "interface:input_AUX2"));
+    ASSERT_TRUE(SoundSession::link("other:output_MONO", "interface:input_AUX1"));
+    startWithMicrophone("interface:AUX2");
+    ASSERT_TRUE(sound.waitForTone(microphone, 300));
+    ASSERT_TRUE(sound.waitForMore(1.5));
+    stop();
+    const auto spoken = sound.microphone().channels[0];
+    EXPECT_NEAR(usualAmplitudeOf(300, lastSecond(spoken)), 0.25, 0.003);
+    EXPECT_LT(steadyAmplitudeOf(500, lastSecond(spoken)), 0.0001);
 }
 
 TEST_F(Capture, deliversOneSourceAloneWhereOnlyOneIsWanted) {

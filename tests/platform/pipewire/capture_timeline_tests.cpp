@@ -3,6 +3,7 @@
 #include "platform/pipewire/capture_timeline.h"
 
 #include <algorithm>
+#include <array>
 #include <limits>
 #include <vector>
 
@@ -33,9 +34,10 @@ protected:
 
     std::int64_t place(CaptureTimeline::TapId tap, std::int64_t position, std::uint32_t frames,
                        float value) {
-        const std::size_t channels = tap == mic ? 1 : 2;
+        const std::vector<float> samples(frames, value);
+        const std::array<std::span<const float>, 2> sides{samples, samples};
         return timeline.place(tap, stampAt(position, frames),
-                              std::vector<float>(frames * channels, value));
+                              std::span(sides).first(tap == mic ? 1 : 2));
     }
 
     void emitAll(std::int64_t upTo) {
@@ -74,6 +76,14 @@ TEST_F(Timeline, countsFramesWhileStampsTremble) {
     EXPECT_EQ(place(tapA, start + 150, 100, 1), -50);
     emitAll(start + 300);
     EXPECT_EQ(system, std::vector<float>(300, 1));
+}
+
+TEST_F(Timeline, takesStampsAsTheyAreBeforeTheBeginning) {
+    timeline.addTap(tapA, CaptureSource::systemAudio, start);
+    place(tapA, start - 1900, 1900, 1); // more than there was time for
+    EXPECT_EQ(place(tapA, start - 1000, 1000, 1), 0);
+    EXPECT_EQ(place(tapA, start, 1000, 1), 0);
+    EXPECT_EQ(place(tapA, start + 900, 1000, 1), -100) << "as ever from then on";
 }
 
 TEST_F(Timeline, fillsALongGapWithSilence) {
@@ -247,6 +257,17 @@ TEST_F(Timeline, putsTheFirstSoundOfALateTapBehindRatherThanLosingIt) {
     EXPECT_EQ(system[2048], 1.5F);
     EXPECT_EQ(system[2147], 1.5F);
     EXPECT_EQ(system[2148], 0.5F);
+}
+
+TEST_F(Timeline, putsSoundBehindAStandstillWhereItsStampsLie) {
+    timeline.addTap(tapA, CaptureSource::systemAudio, start);
+    place(tapA, start, 1000, 1);
+    emitAll(start + 98000);
+    EXPECT_EQ(place(tapA, start + 97000, 2000, 1), 0);
+    emitAll(start + 99000);
+    EXPECT_EQ(system[97999], 0);
+    EXPECT_EQ(system[98000], 1);
+    EXPECT_EQ(system[98999], 1);
 }
 
 TEST_F(Timeline, emitsBothSourcesInTurnAndOfOneLength) {

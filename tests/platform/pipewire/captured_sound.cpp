@@ -54,9 +54,13 @@ void CapturedSound::didOutputSampleBuffer(const SampleBuffer& buffer, StreamOutp
     changed_.notify_all();
 }
 
-void CapturedSound::microphoneDidChangeMute(bool isMuted) {
+void CapturedSound::obstacleDidChange(AudioLevelSource source, SourceCondition obstacle) {
     const std::lock_guard lock(mutex_);
-    mutes_.push_back(isMuted);
+    if (source == AudioLevelSource::microphone) {
+        mutes_.push_back(obstacle == SourceCondition::muted);
+    } else {
+        systemObstacles_.push_back(obstacle);
+    }
     changed_.notify_all();
 }
 
@@ -94,6 +98,11 @@ std::int64_t CapturedSound::largestDelay() const {
 std::int64_t CapturedSound::largestLead() const {
     const std::lock_guard lock(mutex_);
     return largestLead_;
+}
+
+std::vector<SourceCondition> CapturedSound::systemObstacles() const {
+    const std::lock_guard lock(mutex_);
+    return systemObstacles_;
 }
 
 std::vector<bool> CapturedSound::mutes() const {

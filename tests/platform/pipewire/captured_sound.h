@@ -33,7 +33,7 @@ public:
     void didOutputSampleBuffer(const SampleBuffer& buffer, StreamOutputType type) override;
     void didLoseSound(StreamOutputType type, double seconds) override;
     void streamDidStop(std::exception_ptr error) override;
-    void microphoneDidChangeMute(bool isMuted) override;
+    void obstacleDidChange(AudioLevelSource source, SourceCondition obstacle) override;
 
     DeliveredTrack audio() const;
     DeliveredTrack microphone() const;
@@ -47,6 +47,7 @@ public:
     std::vector<double> losses(StreamOutputType type) const;
     /// As the stream told.
     std::vector<bool> mutes() const;
+    std::vector<SourceCondition> systemObstacles() const;
 
     /// Waits until the condition, looked at after each buffer, holds. False when it never does.
     bool waitUntil(const std::function<bool()>& condition, std::chrono::seconds limit);
@@ -65,6 +66,7 @@ private:
     std::map<StreamOutputType, std::vector<double>> losses_;
     std::vector<std::string> stops_;
     std::vector<bool> mutes_;
+    std::vector<SourceCondition> systemObstacles_;
 };
 
 /// The amplitude of one frequency in samples of 48 kHz.

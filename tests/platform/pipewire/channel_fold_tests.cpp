@@ -26,23 +26,26 @@ TEST_P(FoldToStereo, givesEachChannelItsPlace) {
     std::ranges::transform(tapChannels, planes.begin(), [&](std::string_view channel) {
         return std::span(channel == GetParam().channel ? sound : silence);
     });
-    std::array<float, 4> stereo{9, 9, 9, 9};
-    foldToStereo(planes, stereo);
-    EXPECT_EQ(stereo[0], 0);
-    EXPECT_EQ(stereo[1], 0);
-    EXPECT_FLOAT_EQ(stereo[2], GetParam().left);
-    EXPECT_FLOAT_EQ(stereo[3], GetParam().right);
+    std::array<float, 2> left{9, 9};
+    std::array<float, 2> right{9, 9};
+    foldToStereo(planes, left, right);
+    EXPECT_EQ(left[0], 0);
+    EXPECT_EQ(right[0], 0);
+    EXPECT_FLOAT_EQ(left[1], GetParam().left);
+    EXPECT_FLOAT_EQ(right[1], GetParam().right);
 }
 
 TEST(FoldToStereo, endsWithTheRoomThatItIsGiven) {
     constexpr std::array<float, 3> sound{1, 1, 1};
     TapPlanes planes;
     planes.fill(sound);
-    std::array<float, 6> stereo{9, 9, 9, 9, 9, 9};
-    foldToStereo(planes, std::span(stereo).first(4));
-    EXPECT_NE(stereo[3], 9);
-    EXPECT_EQ(stereo[4], 9);
-    EXPECT_EQ(stereo[5], 9);
+    std::array<float, 3> left{9, 9, 9};
+    std::array<float, 3> right{9, 9, 9};
+    foldToStereo(planes, std::span(left).first(2), std::span(right).first(2));
+    EXPECT_NE(left[1], 9);
+    EXPECT_NE(right[1], 9);
+    EXPECT_EQ(left[2], 9);
+    EXPECT_EQ(right[2], 9);
 }
 
 constexpr float low = 0.70710678F;
@@ -76,6 +79,42 @@ INSTANTIATE_TEST_SUITE_P(
                       TargetCase{{"FL", "FR", "MONO"}, {{"FL"}, {"FR"}, {"SL", "SR"}}},
                       TargetCase{{"FLC", "FRC", "RC", "LFE2", "TFL", "TFR"},
                                  {{"FL"}, {"FR"}, {"SL", "SR"}, {}, {"SL"}, {"SR"}}}));
+
+TEST(ChannelFold, knowsWhichChannelsTheSoundServerHasMadeFromOthers) {
+    struct Case {
+        std::vector<std::string> given;
+        std::vector<std::string> output;
+        std::vector<std::string> kept;
+    };
+
+    const std::vector<std::string> eight{"FL", "FR", "FC", "LFE", "RL", "RR", "SL", "SR"};
+    for (const Case& now : std::vector<Case>{
+             {{"FL", "FR"}, eight, {"FL", "FR"}},
+             {{"FL", "FR"}, {"FL", "FR"}, {"FL", "FR"}},
+             {{"MONO"}, eight, {"FL", "FR"}},
+             {{"MONO"}, {"MONO"}, {"MONO"}},
+             {{"FL", "FR"}, {"MONO"}, {"MONO"}},
+             {{"FL", "FR"}, {"FC", "LFE"}, {"FC", "LFE"}},
+             {{"FL", "FR", "FC"}, eight, {"FL", "FR", "FC"}},
+             {{"FL", "FR", "FC", "LFE"}, eight, {"FL", "FR", "FC", "LFE"}},
+             // What is given from all around may come under other names.
+             {{"FL", "FR", "RL", "RR"}, eight, eight},
+             {{"FL", "FR", "RL", "RR"}, {"FL", "FR", "SL", "SR"}, {"FL", "FR", "SL", "SR"}},
+             // What has no place may be anything.
+             {{"FL", "FR"}, {"AUX0", "AUX1", "AUX2"}, {"AUX0", "AUX1", "AUX2"}},
+             {{"AUX0", "AUX1"}, eight, eight},
+             {{}, eight, eight},
+         }) {
+        const auto areMade = areMadeFromOthers(now.output, now.given);
+        std::vector<std::string> kept;
+        for (std::size_t i = 0; i < now.output.size(); ++i) {
+            if (!areMade.at(i)) {
+                kept.push_back(now.output[i]);
+            }
+        }
+        EXPECT_EQ(kept, now.kept);
+    }
+}
 
 } // namespace
 

@@ -243,6 +243,7 @@ TEST_F(GraphRules, whatPassesOnAnOutputIsNotHeardTwice) {
     graph.nodes[application].linkGroup = "loopback-1";
     EXPECT_EQ(links(), toSpeakersTap);
     graph.nodes[microphoneStream].linkGroup = "loopback-1";
+    connect(microphone, microphoneStream);
     EXPECT_EQ(links(), toSpeakersTap) << "a microphone that is played back is heard but once";
     graph.nodes[headphones].linkGroup = "loopback-1";
     EXPECT_THAT(links(), IsEmpty());
@@ -250,7 +251,7 @@ TEST_F(GraphRules, whatPassesOnAnOutputIsNotHeardTwice) {
 
 TEST_F(GraphRules, allChannelsOfTheMicrophoneReachItsStream) {
     graph.nodes.erase(application);
-    own.microphone = identity(microphone);
+    own.microphone = Microphone{.device = identity(microphone), .channel = {}};
     own.microphoneStream = microphoneStream;
     EXPECT_EQ(links(), (LinkedIds{{300, 310}, {301, 310}}));
     own.microphoneStream = std::nullopt;
@@ -259,7 +260,7 @@ TEST_F(GraphRules, allChannelsOfTheMicrophoneReachItsStream) {
 
 TEST_F(GraphRules, whatTookTheMicrophonesIdIsNotLinkedInItsPlace) {
     graph.nodes.erase(application);
-    own.microphone = identity(microphone);
+    own.microphone = Microphone{.device = identity(microphone), .channel = {}};
     own.microphoneStream = microphoneStream;
     const Graph before = graph;
 
@@ -269,7 +270,7 @@ TEST_F(GraphRules, whatTookTheMicrophonesIdIsNotLinkedInItsPlace) {
         bool isStillThere;
     };
 
-    const std::uint64_t serial = own.microphone->serial;
+    const std::uint64_t serial = own.microphone->device.serial;
     for (const Case& now :
          {Case{"Audio/Source", serial, true}, Case{"Audio/Duplex", serial, true},
           Case{"Audio/Source/Virtual", serial, true}, Case{"Audio/Source", serial + 1, false},
@@ -278,43 +279,12 @@ TEST_F(GraphRules, whatTookTheMicrophonesIdIsNotLinkedInItsPlace) {
         graph = before;
         graph.nodes[microphone].mediaClass = now.mediaClass;
         graph.nodes[microphone].serial = now.serial;
-        EXPECT_EQ(findMicrophone(graph, *own.microphone) != nullptr, now.isStillThere);
+        EXPECT_EQ(deviceOf(graph, *own.microphone) != nullptr, now.isStillThere);
         EXPECT_EQ(links().size(), now.isStillThere ? 2U : 0U) << now.mediaClass << now.serial;
     }
     graph.nodes.erase(microphone);
-    EXPECT_EQ(findMicrophone(graph, *own.microphone), nullptr);
+    EXPECT_EQ(deviceOf(graph, *own.microphone), nullptr);
     EXPECT_THAT(links(), IsEmpty());
-}
-
-TEST_F(GraphRules, aMicrophoneIsHeardAtItsCapturePortsAndNotAtItsMonitors) {
-    struct Case {
-        const char* mediaClass;
-        bool firstIsMonitor;
-        bool secondIsMonitor;
-        std::vector<ObjectId> heard;
-    };
-
-    const std::vector<Case> cases{
-        {"Audio/Source", false, false, {300, 301}},
-        {"Audio/Source", true, false, {301}},
-        {"Audio/Source", true, true, {}},
-        {"Audio/Duplex", false, true, {300}},
-        // These give out what programs speak into them, and nothing else.
-        {"Audio/Duplex", true, true, {300, 301}},
-        {"Audio/Source/Virtual", true, true, {300, 301}},
-        {"Audio/Source/Virtual", false, true, {300}},
-        {"Audio/Sink", true, true, {}},
-    };
-    for (const Case& now : cases) {
-        graph.nodes[microphone].mediaClass = now.mediaClass;
-        graph.ports[300].isMonitor = now.firstIsMonitor;
-        graph.ports[301].isMonitor = now.secondIsMonitor;
-        std::vector<ObjectId> heard;
-        for (const Identity& port : microphonePorts(graph, identity(microphone))) {
-            heard.push_back(port.id);
-        }
-        EXPECT_EQ(heard, now.heard) << now.mediaClass;
-    }
 }
 
 TEST_F(GraphRules, whatTookAnIdIsLinkedAnew) {
@@ -348,18 +318,6 @@ TEST_F(GraphRules, aClientThatTookTheIdOfAStreamsMakerDidNotMakeIt) {
 
 TEST_F(GraphRules, outputsAreSinksOnly) {
     EXPECT_THAT(outputs(graph), ElementsAre(identity(speakers), identity(headphones)));
-}
-
-TEST_F(GraphRules, microphonesAreNamedByTheirDescription) {
-    graph.nodes[microphone].description = "Desk Microphone";
-    addNode(14, "Audio/Duplex", "interface");
-    EXPECT_THAT(microphones(graph), ElementsAre(AudioInputDevice{"virtual", "virtual"},
-                                                AudioInputDevice{"mic", "Desk Microphone"},
-                                                AudioInputDevice{"interface", "interface"}));
-    EXPECT_EQ(findMicrophone(graph, "mic"), microphone);
-    EXPECT_EQ(findMicrophone(graph, "speakers"), std::nullopt);
-    graph.nodes[microphone].name = "";
-    EXPECT_EQ(findMicrophone(graph, ""), std::nullopt);
 }
 
 TEST(ReadProperties, takesWhatIsNamedAndKeepsTheRest) {

@@ -15,6 +15,11 @@ std::vector<float> taken(MixLine& line, std::size_t frames) {
     return {planes.begin(), planes.end()};
 }
 
+void add(MixLine& line, std::int64_t position, const std::vector<std::vector<float>>& channels) {
+    const std::vector<std::span<const float>> planes(channels.begin(), channels.end());
+    line.add(position, planes);
+}
+
 std::vector<float> countingTo(int last) {
     std::vector<float> samples;
     for (int i = 1; i <= last; ++i) {
@@ -26,27 +31,27 @@ std::vector<float> countingTo(int last) {
 TEST(MixLine, isSilentWhereNothingWasAdded) {
     MixLine line(1);
     EXPECT_EQ(taken(line, 3), (std::vector<float>{0, 0, 0}));
-    line.add(4, countingTo(2));
+    add(line, 4, {countingTo(2)});
     EXPECT_EQ(taken(line, 5), (std::vector<float>{0, 1, 2, 0, 0}));
 }
 
 TEST(MixLine, beginsAtTheGridsBeginning) {
     MixLine line(1);
-    line.add(0, countingTo(2));
+    add(line, 0, {countingTo(2)});
     EXPECT_EQ(taken(line, 2), (std::vector<float>{1, 2}));
 }
 
 TEST(MixLine, leavesOutWhatLiesBeforeItsFront) {
     MixLine line(2);
     line.moveFront(100);
-    line.add(97, countingTo(8));
-    line.add(90, countingTo(4));
+    add(line, 97, {{1, 3, 5, 7}, {2, 4, 6, 8}});
+    add(line, 90, {{1, 3}, {2, 4}});
     EXPECT_EQ(taken(line, 2), (std::vector<float>{7, 0, 8, 0}));
 }
 
 TEST(MixLine, forgetsWhatItHeldWhenItsFrontIsMoved) {
     MixLine line(1);
-    line.add(0, countingTo(10));
+    add(line, 0, {countingTo(10)});
     taken(line, 2);
     line.moveFront(50);
     EXPECT_EQ(taken(line, 3), (std::vector<float>{0, 0, 0}));
@@ -55,13 +60,13 @@ TEST(MixLine, forgetsWhatItHeldWhenItsFrontIsMoved) {
 TEST(MixLine, givesChannelAfterChannelWhateverWasTakenBefore) {
     for (const std::size_t channels : {1U, 2U}) {
         MixLine line(channels);
-        std::vector<float> samples;
-        for (const float frame : countingTo(16)) {
-            for (std::size_t channel = 0; channel < channels; ++channel) {
-                samples.push_back(frame + static_cast<float>(100 * channel));
+        std::vector<std::vector<float>> samples(channels, countingTo(16));
+        for (std::size_t channel = 0; channel < channels; ++channel) {
+            for (float& frame : samples[channel]) {
+                frame += static_cast<float>(100 * channel);
             }
         }
-        line.add(0, samples);
+        add(line, 0, samples);
         float next = 1;
         // What it holds is moved forward in between, and in the end more is asked for than it has.
         for (const std::size_t frames : {9U, 2U, 1U, 8U}) {

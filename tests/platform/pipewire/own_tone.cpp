@@ -25,8 +25,7 @@ public:
 
     void replace(double frequency) {
         const LoopLock lock(connection_.threadLoop());
-        hook_.reset();
-        stream_.reset();
+        end();
         play(frequency);
     }
 
@@ -40,11 +39,17 @@ public:
 
     ~Player() {
         const LoopLock lock(connection_.threadLoop());
-        hook_.reset();
-        stream_.reset();
+        end();
     }
 
 private:
+    /// The real-time thread looks at the pointer until the stream has ended.
+    void end() {
+        hook_.reset();
+        pw_stream_destroy(stream_.get());
+        static_cast<void>(stream_.release());
+    }
+
     void play(double frequency) {
         step_ = 2 * std::numbers::pi * frequency / 48000;
         stream_.reset(pw_stream_new(connection_.core(), "own tone",
@@ -60,9 +65,12 @@ private:
         info.position[0] = SPA_AUDIO_CHANNEL_MONO;
         std::array<const spa_pod*, 1> parameters{
             spa_format_audio_raw_build(&builder, SPA_PARAM_EnumFormat, &info)};
+        // On the real-time thread: PipeWire 0.3.65 may still call on the loop for a stream that has
+        // been destroyed there.
         // NOLINTNEXTLINE(clang-analyzer-optin.core.EnumCastOutOfRange): flags are there to combine
-        constexpr auto flags = static_cast<pw_stream_flags>(
-            static_cast<unsigned>(PW_STREAM_FLAG_AUTOCONNECT) | PW_STREAM_FLAG_MAP_BUFFERS);
+        constexpr auto flags =
+            static_cast<pw_stream_flags>(static_cast<unsigned>(PW_STREAM_FLAG_AUTOCONNECT) |
+                                         PW_STREAM_FLAG_MAP_BUFFERS | PW_STREAM_FLAG_RT_PROCESS);
         if (pw_stream_connect(stream_.get(), PW_DIRECTION_OUTPUT, PW_ID_ANY, flags,
                               parameters.data(), parameters.size()) < 0) {
             throw std::runtime_error("no playback");

@@ -202,9 +202,11 @@ void SoundSession::move(const std::string& name, const std::string& output) {
 }
 
 bool SoundSession::link(const std::string& outputPort, const std::string& inputPort) {
-    return eventually(
-               [&] { return outputOf("pw-link -o").find(outputPort) != std::string::npos; }) &&
-           run({"pw-link", outputPort, inputPort}) == 0;
+    return waitForPort(outputPort) && run({"pw-link", outputPort, inputPort}) == 0;
+}
+
+bool SoundSession::waitForPort(const std::string& outputPort) {
+    return eventually([&] { return outputOf("pw-link -o").find(outputPort) != std::string::npos; });
 }
 
 bool SoundSession::waitForLink(const std::string& outputPort, const std::string& inputPort) {

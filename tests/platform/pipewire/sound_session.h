@@ -50,7 +50,8 @@ public:
     static void move(const std::string& name, const std::string& output);
     /// Links by the ports' names, once they exist.
     static bool link(const std::string& outputPort, const std::string& inputPort);
-    /// False when it does not come about.
+    /// False when they do not come about.
+    static bool waitForPort(const std::string& outputPort);
     static bool waitForLink(const std::string& outputPort, const std::string& inputPort);
     /// A device that exists until it is destroyed by `destroyNode`. Returns once it is there.
     static void makeDevice(const std::string& name, const std::string& mediaClass,

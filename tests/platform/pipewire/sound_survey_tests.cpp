@@ -29,11 +29,14 @@ TEST(SoundSurvey, hasWhatTheGraphHas) {
     graph.serverVersion = "0.3.65";
     graph.mayExecute = true;
     graph.canMakeLinks = true;
+    graph.undividedPorts = {10};
+    graph.links[11] = {.outputNode = 8, .inputNode = 5, .outputPort = 10};
     const SoundSurvey expected{
         .serverVersion = "0.3.65",
         .mayCapture = true,
         .hasSessionManager = true,
         .outputs = 2,
+        .playsCodedSound = true,
         .microphones = {
             {.device = {"laptop", "laptop"}, .isDefault = false, .mixer = {.isMuted = true}},
             {.device = {"headset", "Headset"}, .isDefault = true, .mixer = {}}}};

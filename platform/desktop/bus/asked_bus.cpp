@@ -1,0 +1,88 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "platform/desktop/bus/asked_bus.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <utility>
+
+#include <systemd/sd-bus.h>
+
+namespace vantoro::desktop {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+/// Nothing tells of a free place at a bus.
+constexpr std::chrono::milliseconds untilTriedAgain(20);
+
+} // namespace
+
+AskedBus::AskedBus(std::string address, BusMethod first, std::function<void(AskedBus&)> connecting)
+    : address_(std::move(address)), first_(std::move(first)), connecting_(std::move(connecting)) {
+    connect();
+}
+
+bool AskedBus::ask(const BusMethod& method, const std::vector<BusArgument>& arguments,
+                   BusReceive answered) {
+    return bus_ != nullptr && callAsync(bus_.get(), method, arguments, std::move(answered));
+}
+
+void AskedBus::addTo(std::vector<pollfd>& awaited) const {
+    const int events = bus_ == nullptr ? -1 : sd_bus_get_events(bus_.get());
+    if (events >= 0) {
+        awaited.push_back(
+            {.fd = sd_bus_get_fd(bus_.get()), .events = static_cast<short>(events), .revents = 0});
+    }
+}
+
+void AskedBus::process() {
+    if (isFull_) {
+        connect();
+    }
+    int processed = bus_ == nullptr ? 0 : 1;
+    while (processed > 0) {
+        processed = sd_bus_process(bus_.get(), nullptr);
+    }
+    if (processed < 0) {
+        bus_.reset();
+    }
+}
+
+void AskedBus::connect() {
+    auto attempt = startConnecting(address_);
+    bus_ = std::move(attempt.bus);
+    isFull_ = attempt.isFull;
+    if (bus_ == nullptr) {
+        return;
+    }
+    if (!ask(first_, {}, [this](BusMessage& /*reply*/) { isAnswered_ = true; })) {
+        bus_.reset();
+    } else if (connecting_) {
+        connecting_(*this);
+    }
+}
+
+bool awaitBuses(std::span<AskedBus* const> buses, Clock::time_point deadline, int interruption) {
+    std::vector<pollfd> awaited{{.fd = interruption, .events = POLLIN, .revents = 0}};
+    auto until = deadline;
+    for (const auto* const bus : buses) {
+        if (bus != nullptr) {
+            bus->addTo(awaited);
+            until = bus->isFull() ? std::min(until, Clock::now() + untilTriedAgain) : until;
+        }
+    }
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(until - Clock::now());
+    // It fails for want of memory, or where a signal is handled: then all are looked at again.
+    static_cast<void>(::poll(awaited.data(), awaited.size(),
+                             static_cast<int>(std::max<std::int64_t>(left.count(), 0))));
+    for (auto* const bus : buses) {
+        if (bus != nullptr) {
+            bus->process();
+        }
+    }
+    return awaited.front().revents == 0;
+}
+
+} // namespace vantoro::desktop

@@ -1,0 +1,106 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "platform/desktop/bus/bus_message.h"
+
+#include <systemd/sd-bus.h>
+
+namespace vantoro::desktop {
+
+namespace {
+
+class Writer {
+public:
+    explicit Writer(sd_bus_message* message) : message_(message) {}
+
+    bool operator()(const std::string& text) const { return write('s', text.c_str()); }
+
+    bool operator()(std::uint32_t number) const { return write('u', &number); }
+
+    bool operator()(const BusOptions& options) const {
+        bool written = open('a', "{sv}");
+        for (const auto& [name, value] : options) {
+            written = written && open('e', "sv") && (*this)(name) && open('v', "s") &&
+                      (*this)(value) && close() && close();
+        }
+        return written && close();
+    }
+
+private:
+    bool write(char type, const void* value) const {
+        return sd_bus_message_append_basic(message_, type, value) >= 0;
+    }
+
+    bool open(char type, const char* contents) const {
+        return sd_bus_message_open_container(message_, type, contents) >= 0;
+    }
+
+    bool close() const { return sd_bus_message_close_container(message_) >= 0; }
+
+    sd_bus_message* message_;
+};
+
+template <class Value>
+std::optional<Value> read(sd_bus_message* message, char type) {
+    Value value{};
+    if (sd_bus_message_read_basic(message, type, static_cast<void*>(&value)) <= 0) {
+        return std::nullopt;
+    }
+    return value;
+}
+
+std::optional<std::string> copyOf(std::optional<const char*> text) {
+    return text ? std::optional<std::string>(*text) : std::nullopt;
+}
+
+} // namespace
+
+bool append(sd_bus_message* message, const std::vector<BusArgument>& arguments) {
+    const Writer writer(message);
+    for (const auto& argument : arguments) {
+        if (!std::visit(writer, argument)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool BusMessage::isError() const {
+    return sd_bus_message_is_method_error(message_, nullptr) != 0;
+}
+
+std::string BusMessage::sender() const {
+    const char* const name = sd_bus_message_get_sender(message_);
+    return name == nullptr ? "" : name;
+}
+
+std::optional<std::string> BusMessage::readText() {
+    return copyOf(read<const char*>(message_, 's'));
+}
+
+std::optional<std::string> BusMessage::readPath() {
+    return copyOf(read<const char*>(message_, 'o'));
+}
+
+std::optional<bool> BusMessage::readFlag() {
+    const auto flag = read<int>(message_, 'b');
+    return flag ? std::optional<bool>(*flag != 0) : std::nullopt;
+}
+
+std::optional<bool> BusMessage::readFlagInVariant() {
+    if (sd_bus_message_enter_container(message_, 'v', "b") <= 0) {
+        return std::nullopt;
+    }
+    const auto flag = readFlag();
+    return sd_bus_message_exit_container(message_) < 0 ? std::nullopt : flag;
+}
+
+std::optional<std::uint32_t> BusMessage::readNumber() {
+    return read<std::uint32_t>(message_, 'u');
+}
+
+std::optional<QDBusUnixFileDescriptor> BusMessage::readDescriptor() {
+    const auto number = read<int>(message_, 'h'); // open until the message ends
+    return number ? std::optional<QDBusUnixFileDescriptor>(*number) : std::nullopt;
+}
+
+} // namespace vantoro::desktop

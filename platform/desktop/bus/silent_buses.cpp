@@ -1,0 +1,111 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "platform/desktop/bus/silent_buses.h"
+
+#include <array>
+#include <cstdint>
+
+#include <QtCore/QByteArray>
+#include <QtCore/QtGlobal>
+
+#include "platform/desktop/bus/asked_service.h"
+
+namespace vantoro::desktop {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+/// Of no known kind: whoever connects is told so at once, and looks for no other bus.
+constexpr const char* noBus = "disabled:";
+
+/// All that is asked.
+class Inquiry {
+public:
+    explicit Inquiry(const BusQuestions& questions)
+        : hasWindow_(questions.accessibility.has_value()),
+          accessibility_(questions.accessibility.value_or(AccessibilitySettings())),
+          system_(questions.addresses.system, busIdentifier()),
+          session_(questions.addresses.session, busIdentifier(), [this](AskedBus& session) {
+              if (hasWindow_) {
+                  accessibility_.begin(session);
+                  menuRegistrar_.begin(session);
+              }
+          }) {
+        if (!hasWindow_) {
+            accessibility_.endWithSession();
+        }
+    }
+
+    SilentBuses unsettled() {
+        if (session_.isGone()) {
+            accessibility_.endWithSession();
+        }
+        return {.system = !system_.isSettled(),
+                .session = !session_.isSettled(),
+                .accessibility = !accessibility_.isSettled(),
+                .menuRegistrar = hasWindow_ && !session_.isGone() && !menuRegistrar_.isSettled()};
+    }
+
+    /// False when it was interrupted.
+    bool await(Clock::time_point deadline, int interruption) {
+        const std::array<AskedBus*, 3> buses{&system_, &session_, accessibility_.bus()};
+        return awaitBuses(buses, deadline, interruption);
+    }
+
+private:
+    bool hasWindow_;
+    AccessibilityQuestions accessibility_;
+    AskedService menuRegistrar_{{.service = "com.canonical.AppMenu.Registrar",
+                                 .path = "/com/canonical/AppMenu/Registrar",
+                                 .interface = "com.canonical.AppMenu.Registrar",
+                                 .member = "GetMenuForWindow"},
+                                {std::uint32_t(0)}};
+    AskedBus system_;
+    AskedBus session_;
+};
+
+/// Of a bus that hangs nothing else is asked.
+void leaveOutWhatIsOnIt(SilentBuses& silent, const BusQuestions& questions) {
+    if (silent.session) {
+        silent.menuRegistrar = false;
+        silent.accessibility = silent.accessibility && !questions.accessibility->address.empty();
+    }
+}
+
+} // namespace
+
+SilentBuses findSilentBuses(const BusQuestions& questions) {
+    const auto deadline = Clock::now() + questions.limit;
+    Inquiry inquiry(questions);
+    auto silent = inquiry.unsettled();
+    while (silent != SilentBuses() && Clock::now() < deadline &&
+           inquiry.await(deadline, questions.interruption)) {
+        silent = inquiry.unsettled();
+    }
+    leaveOutWhatIsOnIt(silent, questions);
+    return silent;
+}
+
+SilentBuses leaveOutSilentBuses(BusUsers users, int interruption) {
+    BusQuestions questions{.addresses = standardBusAddresses(),
+                           .accessibility = std::nullopt,
+                           .interruption = interruption};
+    if (users == BusUsers::soundAndWindow) {
+        questions.accessibility = {
+            .address = qgetenv("AT_SPI_BUS_ADDRESS").toStdString(),
+            .isAlwaysOn = qEnvironmentVariableIsSet("QT_LINUX_ACCESSIBILITY_ALWAYS_ON")};
+    }
+    const auto silent = findSilentBuses(questions);
+    const auto leaveOut = [](bool isSilent, const char* variable) {
+        if (isSilent) {
+            qputenv(variable, noBus);
+        }
+    };
+    leaveOut(silent.system, "DBUS_SYSTEM_BUS_ADDRESS");
+    leaveOut(silent.session, "DBUS_SESSION_BUS_ADDRESS");
+    leaveOut(silent.accessibility, "AT_SPI_BUS_ADDRESS");
+    return silent;
+}
+
+} // namespace vantoro::desktop

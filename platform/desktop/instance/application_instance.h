@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <QtCore/QObject>
+
+#include "platform/desktop/bus/bus_connection.h"
+#include "platform/desktop/instance/application_object.h"
+
+namespace vantoro::desktop {
+
+/// The name by which the desktop knows the program: that of its desktop entry, and on the bus.
+constexpr const char* applicationID = "com.vantoro.app";
+
+/// This run of the program among the others of the same session: the first one has the program's
+/// name on the session's bus, and is asked by all others to show its window, and by the desktop
+/// also for its actions. Main thread.
+class ApplicationInstance {
+public:
+    enum class Role : std::uint8_t {
+        first,
+        another,
+        unknown, ///< the bus does not say
+    };
+
+    /// Tries to become the first at the bus of this address. Without a bus each run is the first.
+    explicit ApplicationInstance(const std::string& busAddress);
+    ApplicationInstance(const ApplicationInstance&) = delete;
+    ApplicationInstance& operator=(const ApplicationInstance&) = delete;
+    ~ApplicationInstance() = default;
+
+    /// Lets the event loop run until it is known, or the time is over.
+    Role awaitRole(std::chrono::milliseconds patience);
+
+    /// `requested` is called by the event loop for everything that is asked of the program, in
+    /// order, also for what was asked before this call. Not after the end of this.
+    void setRequested(std::function<void(const ApplicationRequest& request)> requested);
+
+    /// Has the first one show its window. Lets the event loop run until it has answered, or the
+    /// time is over; false when it has not, or could not.
+    bool activateFirst(const std::string& activationToken, std::chrono::milliseconds patience);
+
+private:
+    void tellRequests();
+
+    std::function<void(const ApplicationRequest&)> requested_;
+    std::vector<ApplicationRequest> waiting_; ///< of which nobody was told yet
+    ApplicationObject object_;
+    std::optional<Role> role_;
+    std::optional<bool> answer_; ///< whether the first one took what it was asked for
+    QObject events_;             ///< with it ends what is under way
+    BusConnection bus_;
+};
+
+/// The leave that whoever started this process gave it to bring a window to the front; empty for
+/// none. To be read before the toolkit takes it.
+std::string activationTokenOfThisStart();
+
+} // namespace vantoro::desktop

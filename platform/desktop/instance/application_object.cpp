@@ -1,0 +1,108 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "platform/desktop/instance/application_object.h"
+
+#include <string_view>
+
+#include <systemd/sd-bus.h>
+
+namespace vantoro::desktop {
+
+namespace {
+
+/// Reads the value of one entry of the table if it is a text, else steps over it.
+int readValue(sd_bus_message* call, const char** text) {
+    const char* type = nullptr;
+    const int read = sd_bus_message_peek_type(call, nullptr, &type);
+    if (read < 0) {
+        return read;
+    }
+    return std::string_view(type) == "s" ? sd_bus_message_read(call, "v", "s", text)
+                                         : sd_bus_message_skip(call, "v");
+}
+
+/// What the desktop tells beside: of a table of anything, the token under one of its two names.
+int readToken(sd_bus_message* call, std::string& token) {
+    int read = sd_bus_message_enter_container(call, 'a', "{sv}");
+    while (read >= 0 && (read = sd_bus_message_enter_container(call, 'e', "sv")) > 0) {
+        const char* name = nullptr;
+        const char* text = nullptr;
+        read = sd_bus_message_read(call, "s", &name);
+        if (read >= 0) {
+            read = readValue(call, &text);
+        }
+        if (read >= 0 && text != nullptr &&
+            (std::string_view(name) == "activation-token" ||
+             (std::string_view(name) == "desktop-startup-id" && token.empty()))) {
+            token = text;
+        }
+        if (read >= 0) {
+            read = sd_bus_message_exit_container(call);
+        }
+    }
+    return read < 0 ? read : sd_bus_message_exit_container(call);
+}
+
+int take(sd_bus_message* call, void* argument, std::optional<ApplicationAction> action) {
+    ApplicationRequest request{.action = action, .activationToken = {}};
+    if (const int read = readToken(call, request.activationToken); read < 0) {
+        return read;
+    }
+    static_cast<ApplicationObject*>(argument)->requested(request);
+    return sd_bus_reply_method_return(call, nullptr);
+}
+
+int activate(sd_bus_message* call, void* argument, sd_bus_error* /*error*/) {
+    return take(call, argument, std::nullopt);
+}
+
+/// There are no documents of ours to open: whoever tries wants the window.
+int open(sd_bus_message* call, void* argument, sd_bus_error* error) {
+    const int skipped = sd_bus_message_skip(call, "as");
+    return skipped < 0 ? skipped : activate(call, argument, error);
+}
+
+/// By the names that the desktop entry has for them.
+std::optional<ApplicationAction> actionOf(std::string_view name) {
+    if (name == "start-recording") {
+        return ApplicationAction::startRecording;
+    }
+    if (name == "stop-recording") {
+        return ApplicationAction::stopRecording;
+    }
+    return std::nullopt;
+}
+
+int activateAction(sd_bus_message* call, void* argument, sd_bus_error* error) {
+    const char* name = nullptr;
+    if (const int read = sd_bus_message_read(call, "s", &name); read < 0) {
+        return read;
+    }
+    const auto action = actionOf(name);
+    if (!action) {
+        return sd_bus_error_setf(error, SD_BUS_ERROR_INVALID_ARGS, "there is no action \"%s\"",
+                                 name);
+    }
+    // None of them takes parameters.
+    const int skipped = sd_bus_message_skip(call, "av");
+    return skipped < 0 ? skipped : take(call, argument, action);
+}
+
+/// To ask the bus who calls would keep the main thread waiting; the session's bus is the user's.
+constexpr auto anybody = SD_BUS_VTABLE_UNPRIVILEGED;
+
+const sd_bus_vtable table[] = {
+    SD_BUS_VTABLE_START(0),
+    SD_BUS_METHOD("Activate", "a{sv}", "", activate, anybody),
+    SD_BUS_METHOD("Open", "asa{sv}", "", open, anybody),
+    SD_BUS_METHOD("ActivateAction", "sava{sv}", "", activateAction, anybody),
+    SD_BUS_VTABLE_END,
+};
+
+} // namespace
+
+const sd_bus_vtable* applicationTable() {
+    return table;
+}
+
+} // namespace vantoro::desktop

@@ -1,0 +1,110 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "platform/desktop/opening/desktop_workspace.h"
+
+#include <algorithm>
+#include <limits>
+#include <system_error>
+#include <utility>
+
+#include <QtCore/QStandardPaths>
+#include <QtCore/QtGlobal>
+
+#include "platform/desktop/bus/bounded_call.h"
+#include "platform/desktop/opening/detached_program.h"
+#include "platform/desktop/opening/file_uri.h"
+#include "platform/desktop/opening/opening.h"
+#include "platform/desktop/opening/settings_pages.h"
+#include "platform/desktop/permission/sandbox.h"
+
+namespace vantoro::desktop {
+
+namespace {
+
+constexpr std::chrono::milliseconds limitWithoutABus = std::chrono::seconds(2);
+
+/// Here, and not by whoever asks: whether there is a sandbox is read from the disk.
+Opening openingIn(const WorkspaceSurroundings& surroundings, std::stop_token stop) {
+    auto bus = surroundings.sessionBus();
+    // What is opened without the bus takes no time, unless it comes across that bus itself.
+    const auto limit =
+        bus.isConnected() ? surroundings.limit : std::min(surroundings.limit, limitWithoutABus);
+    return {std::move(bus), sandboxedApplicationID(surroundings.sandboxDescription).has_value(),
+            Patience{.limit = limit, .stop = std::move(stop)}};
+}
+
+/// The address of the page that was installed with us, or nothing.
+std::string installedHelpPage() {
+    const auto page =
+        QStandardPaths::locate(QStandardPaths::GenericDataLocation, "vantoro/help/privacy.html");
+    return page.isEmpty() ? std::string() : fileURI(page.toStdString());
+}
+
+bool showHelp(const WorkspaceSurroundings& surroundings, const std::stop_token& stop) {
+    const auto page = surroundings.helpPage.empty() ? installedHelpPage() : surroundings.helpPage;
+    return !page.empty() && openingIn(surroundings, stop).address(page);
+}
+
+} // namespace
+
+DesktopWorkspace::DesktopWorkspace(WorkspaceSurroundings surroundings)
+    : surroundings_(std::move(surroundings)) {
+    threads_.setMaxThreadCount(std::numeric_limits<int>::max()); // nothing waits for a thread
+}
+
+DesktopWorkspace::~DesktopWorkspace() {
+    stop_.request_stop();
+    threads_.waitForDone();
+}
+
+void DesktopWorkspace::start(const std::string& what, std::function<bool()> work) {
+    threads_.start([what, work = std::move(work), stop = stop_.get_token()] {
+        if (!stop.stop_requested() && !work() && !stop.stop_requested()) {
+            qWarning("Cannot open %s", what.c_str());
+        }
+    });
+}
+
+void DesktopWorkspace::open(const std::filesystem::path& file) {
+    start(file, [file, surroundings = surroundings_, stop = stop_.get_token()] {
+        return openingIn(surroundings, stop).file(file);
+    });
+}
+
+void DesktopWorkspace::openFolder(const std::filesystem::path& folder) {
+    start(folder, [folder, surroundings = surroundings_, stop = stop_.get_token()] {
+        // A folder that cannot be made cannot be shown either, which will be told.
+        std::error_code ignored;
+        std::filesystem::create_directories(folder, ignored);
+        return openingIn(surroundings, stop).folder(folder);
+    });
+}
+
+void DesktopWorkspace::reveal(const std::filesystem::path& file) {
+    start(file, [file, surroundings = surroundings_, stop = stop_.get_token()] {
+        return openingIn(surroundings, stop).reveal(file);
+    });
+}
+
+void DesktopWorkspace::openPage(const std::string& address) {
+    start(address, [address, surroundings = surroundings_, stop = stop_.get_token()] {
+        return openingIn(surroundings, stop).address(address);
+    });
+}
+
+void DesktopWorkspace::openPrivacySettings(const std::string& anchor) {
+    const auto pages = privacySettingsPages(surroundings_.desktops, anchor);
+    if (pages.empty()) {
+        return;
+    }
+    start("the settings " + anchor,
+          [pages, surroundings = surroundings_, stop = stop_.get_token()] {
+              return std::ranges::any_of(pages,
+                                         [&](const CommandLine& page) {
+                                             return startDetached(page, surroundings.searchPath);
+                                         }) ||
+                     showHelp(surroundings, stop);
+          });
+}
+
+} // namespace vantoro::desktop

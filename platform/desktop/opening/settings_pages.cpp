@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "platform/desktop/opening/settings_pages.h"
+
+#include <algorithm>
+#include <cctype>
+#include <sstream>
+
+namespace vantoro::desktop {
+
+namespace {
+
+struct Pages {
+    std::vector<std::string> desktops; // in lower case
+    std::vector<CommandLine> commands;
+};
+
+/// Both permissions are decided where sound is: desktops have no switch for the screen's sound.
+const std::vector<Pages>& knownDesktops() {
+    static const std::vector<Pages> known{
+        {.desktops = {"gnome", "unity", "pantheon", "budgie"},
+         .commands = {{"gnome-control-center", "sound"}}},
+        {.desktops = {"kde"},
+         .commands = {{"systemsettings", "kcm_pulseaudio"},
+                      {"systemsettings6", "kcm_pulseaudio"},
+                      {"systemsettings5", "kcm_pulseaudio"},
+                      {"kcmshell6", "kcm_pulseaudio"},
+                      {"kcmshell5", "kcm_pulseaudio"}}},
+        {.desktops = {"cinnamon", "x-cinnamon"}, .commands = {{"cinnamon-settings", "sound"}}},
+        {.desktops = {"mate"}, .commands = {{"mate-volume-control"}}},
+        {.desktops = {"lxqt"}, .commands = {{"pavucontrol-qt"}}},
+    };
+    return known;
+}
+
+std::vector<std::string> namesIn(const std::string& desktops) {
+    std::vector<std::string> names;
+    std::istringstream remaining(desktops);
+    for (std::string name; std::getline(remaining, name, ':');) {
+        std::ranges::transform(name, name.begin(),
+                               [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+        names.push_back(name);
+    }
+    return names;
+}
+
+/// The first name that says something decides: it is the desktop's own.
+std::vector<CommandLine> ownPages(const std::string& desktops) {
+    for (const auto& name : namesIn(desktops)) {
+        for (const auto& [known, commands] : knownDesktops()) {
+            if (std::ranges::find(known, name) != known.end()) {
+                return commands;
+            }
+        }
+    }
+    return {};
+}
+
+} // namespace
+
+std::vector<CommandLine> privacySettingsPages(const std::string& desktops,
+                                              const std::string& anchor) {
+    if (anchor != "Privacy_Microphone" && anchor != "Privacy_ScreenCapture") {
+        return {};
+    }
+    auto pages = ownPages(desktops);
+    // Mixers that run anywhere, where a desktop has no page of its own or lacks it.
+    pages.push_back({"pavucontrol"});
+    pages.push_back({"pwvucontrol"});
+    return pages;
+}
+
+} // namespace vantoro::desktop

@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "platform/desktop/permission/microphone_access.h"
+
+#include <utility>
+
+#include "platform/desktop/permission/microphone_policy.h"
+#include "platform/desktop/permission/privacy_settings.h"
+#include "platform/desktop/permission/sandbox.h"
+
+namespace vantoro::desktop {
+
+MicrophoneFacts microphoneFacts(const QDBusConnection& sessionBus,
+                                const std::filesystem::path& sandboxDescription,
+                                std::chrono::milliseconds limit) {
+    MicrophoneFacts facts;
+    facts.disabledBySettings = microphoneDisabledBySettings();
+    facts.disabledByPortal = microphoneDisabledByPortal(sessionBus, limit);
+    if (const auto applicationID = sandboxedApplicationID(sandboxDescription)) {
+        facts.sandboxed = true;
+        facts.stored = storedMicrophonePermission(sessionBus, *applicationID, limit);
+    }
+    return facts;
+}
+
+DesktopMicrophoneAccess::DesktopMicrophoneAccess(std::function<bool()> openMicrophone,
+                                                 std::function<bool()> chosenSourceIsHidden,
+                                                 SessionBus sessionBus,
+                                                 std::filesystem::path sandboxDescription,
+                                                 std::chrono::milliseconds limit)
+    : openMicrophone_(std::move(openMicrophone)),
+      chosenSourceIsHidden_(std::move(chosenSourceIsHidden)),
+      sessionBus_(std::move(sessionBus)),
+      sandboxDescription_(std::move(sandboxDescription)),
+      limit_(limit) {}
+
+AuthorizationStatus DesktopMicrophoneAccess::status() {
+    auto facts = microphoneFacts(sessionBus_(), sandboxDescription_, limit_);
+    facts.chosenSourceHidden = chosenSourceIsHidden_();
+    return microphoneAuthorization(facts);
+}
+
+bool DesktopMicrophoneAccess::request() {
+    const bool opened = openMicrophone_();
+    const auto afterwards = status();
+    // Nothing need have been written down: then what we could do is what we may do.
+    return afterwards == AuthorizationStatus::notDetermined
+               ? opened
+               : afterwards == AuthorizationStatus::authorized;
+}
+
+} // namespace vantoro::desktop

@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "platform/desktop/power/portal_inhibition.h"
+
+#include <cstdint>
+#include <utility>
+
+namespace vantoro::desktop {
+
+namespace {
+
+constexpr std::uint32_t suspend = 4; // the portal's flag; the others are about the session
+
+void close(BusConnection& bus, const std::string& portal, const std::string& handle) {
+    bus.call({.service = portal,
+              .path = handle,
+              .interface = "org.freedesktop.portal.Request",
+              .member = "Close"},
+             {}, [](BusMessage&) {});
+}
+
+} // namespace
+
+/// Outlives the inhibition that nobody has answered: then it is given back once that is.
+struct PortalInhibition::Request {
+    BusConnection& bus;
+    QTimer* patience; ///< null when the inhibition has ended
+    std::string portal;
+    std::string handle; ///< empty until it is granted
+
+    void answered(BusMessage& reply) {
+        if (const auto granted = reply.isError() ? std::nullopt : reply.readPath()) {
+            portal = reply.sender();
+            handle = *granted;
+        }
+        if (patience == nullptr) {
+            giveBack();
+        } else if (!handle.empty()) {
+            patience->stop();
+        } else if (patience->isActive()) {
+            patience->start(0);
+        }
+    }
+
+    void giveBack() const {
+        if (!handle.empty()) {
+            close(bus, portal, handle);
+        }
+    }
+};
+
+PortalInhibition::PortalInhibition(BusConnection& sessionBus, const std::string& reason,
+                                   std::chrono::milliseconds patience,
+                                   std::function<void()> refused)
+    : bus_(sessionBus),
+      request_(std::make_shared<Request>(
+          Request{.bus = bus_, .patience = &patience_, .portal = {}, .handle = {}})) {
+    patience_.setSingleShot(true);
+    QObject::connect(&patience_, &QTimer::timeout, &patience_, std::move(refused));
+    const bool asked =
+        bus_.call({.service = "org.freedesktop.portal.Desktop",
+                   .path = "/org/freedesktop/portal/desktop",
+                   .interface = "org.freedesktop.portal.Inhibit",
+                   .member = "Inhibit"},
+                  {"", suspend, BusOptions{{"reason", reason}}},
+                  [request = request_](BusMessage& reply) { request->answered(reply); });
+    patience_.start(asked ? patience : std::chrono::milliseconds(0));
+}
+
+PortalInhibition::~PortalInhibition() {
+    request_->patience = nullptr;
+    request_->giveBack();
+}
+
+} // namespace vantoro::desktop

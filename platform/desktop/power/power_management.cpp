@@ -1,0 +1,126 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "platform/desktop/power/power_management.h"
+
+#include <set>
+#include <utility>
+
+#include <QtCore/QByteArray>
+#include <QtCore/QMetaObject>
+#include <QtCore/QObject>
+
+#include "platform/desktop/bus/bus_connection.h"
+#include "platform/desktop/power/logind.h"
+#include "platform/desktop/power/portal_inhibition.h"
+
+namespace vantoro::desktop {
+
+/// Calls on the event loop: each of its functions may end everything, itself included.
+class DesktopPowerManagement::Observation final : public PowerObservation {
+public:
+    Observation(std::shared_ptr<Services> services, std::function<void()> willSleep,
+                std::function<void()> didWake);
+    Observation(const Observation&) = delete;
+    Observation& operator=(const Observation&) = delete;
+    ~Observation() override;
+
+    void tell(bool sleeping) {
+        QMetaObject::invokeMethod(&observed_, sleeping ? willSleep_ : didWake_,
+                                  Qt::QueuedConnection);
+    }
+
+private:
+    std::shared_ptr<Services> services_;
+    std::function<void()> willSleep_;
+    std::function<void()> didWake_;
+    QObject observed_; // with it ends what is under way
+};
+
+/// What they all share, and what the last of them ends.
+class DesktopPowerManagement::Services {
+public:
+    explicit Services(const BusAddresses& buses)
+        : systemBus_(buses.system),
+          sessionBus_(buses.session),
+          logind_(
+              systemBus_, [this](bool sleeping) { tell(sleeping); },
+              [this](bool shuttingDown) {
+                  if (shuttingDown) { // called off, it leaves nothing to do
+                      tell(true);
+                  }
+              }) {}
+
+    Logind& logind() { return logind_; }
+
+    BusConnection& sessionBus() { return sessionBus_; }
+
+    void add(Observation* observation) { observations_.insert(observation); }
+
+    void remove(Observation* observation) { observations_.erase(observation); }
+
+private:
+    void tell(bool sleeping) {
+        for (auto* const observation : observations_) {
+            observation->tell(sleeping);
+        }
+    }
+
+    BusConnection systemBus_;
+    BusConnection sessionBus_;
+    std::set<Observation*> observations_;
+    Logind logind_;
+};
+
+DesktopPowerManagement::Observation::Observation(std::shared_ptr<Services> services,
+                                                 std::function<void()> willSleep,
+                                                 std::function<void()> didWake)
+    : services_(std::move(services)),
+      willSleep_(std::move(willSleep)),
+      didWake_(std::move(didWake)) {
+    services_->add(this);
+}
+
+DesktopPowerManagement::Observation::~Observation() {
+    services_->remove(this);
+}
+
+class DesktopPowerManagement::Hold final : public SleepHold {
+public:
+    Hold(std::shared_ptr<Services> services, const std::string& reason,
+         std::chrono::milliseconds portalPatience)
+        : services_(std::move(services)),
+          sleep_(services_->logind().inhibit("sleep", reason, "delay")),
+          shutdown_(services_->logind().inhibit("shutdown", reason, "delay")),
+          portal_(services_->sessionBus(), reason, portalPatience, [this, reason] {
+              idle_ = services_->logind().inhibit("idle", reason, "block");
+          }) {}
+
+    Hold(const Hold&) = delete;
+    Hold& operator=(const Hold&) = delete;
+    ~Hold() override = default;
+
+private:
+    std::shared_ptr<Services> services_;
+    std::shared_ptr<LogindInhibitor> sleep_;
+    // Apart from the former: a user may be allowed one and not the other.
+    std::shared_ptr<LogindInhibitor> shutdown_;
+    std::shared_ptr<LogindInhibitor> idle_; // where the portal does not do it
+    PortalInhibition portal_;
+};
+
+DesktopPowerManagement::DesktopPowerManagement(const BusAddresses& buses,
+                                               std::chrono::milliseconds portalPatience)
+    : services_(std::make_shared<Services>(buses)), portalPatience_(portalPatience) {}
+
+DesktopPowerManagement::~DesktopPowerManagement() = default;
+
+std::unique_ptr<PowerObservation> DesktopPowerManagement::observe(std::function<void()> willSleep,
+                                                                  std::function<void()> didWake) {
+    return std::make_unique<Observation>(services_, std::move(willSleep), std::move(didWake));
+}
+
+std::unique_ptr<SleepHold> DesktopPowerManagement::holdOffSleep(const std::string& reason) {
+    return std::make_unique<Hold>(services_, reason, portalPatience_);
+}
+
+} // namespace vantoro::desktop

@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "platform/desktop/status_area/status_notifier_area.h"
+
+#include <utility>
+
+#include <unistd.h>
+
+#include <QtCore/QMetaObject>
+
+#include "platform/desktop/status_area/status_notifier_item.h"
+
+namespace vantoro::desktop {
+
+StatusNotifierArea::StatusNotifierArea(std::string busAddress)
+    : busAddress_(std::move(busAddress)),
+      bus_(busAddress_),
+      watcher_(bus_, statusNotifierWatcher, [this] { askForPanels(); }) {
+    if (bus_.isOpen()) {
+        followPanels();
+    } else {
+        isAvailable_ = false;
+    }
+}
+
+std::unique_ptr<StatusItem> StatusNotifierArea::makeItem(StatusItemTraits traits) {
+    const auto busName = "org.kde.StatusNotifierItem-" + std::to_string(::getpid()) + "-" +
+                         std::to_string(++itemsMade_);
+    return std::make_unique<StatusNotifierItem>(busAddress_, busName, std::move(traits));
+}
+
+void StatusNotifierArea::setAvailabilityChanged(std::function<void()> changed) {
+    changed_ = std::move(changed);
+}
+
+void StatusNotifierArea::followPanels() {
+    for (const std::string signal :
+         {"StatusNotifierHostRegistered", "StatusNotifierHostUnregistered"}) {
+        bus_.listen("type='signal',sender='" + std::string(statusNotifierWatcher) +
+                        "',interface='" + statusNotifierWatcher + "',member='" + signal + "'",
+                    [this](BusMessage& /*signal*/) { askForPanels(); });
+    }
+}
+
+/// A watcher that does not say whether there is a panel is taken for part of one.
+void StatusNotifierArea::askForPanels() {
+    const auto owner = watcher_.name();
+    if (!owner || owner->empty()) {
+        setAvailable(false);
+        return;
+    }
+    bus_.call({.service = *owner,
+               .path = "/StatusNotifierWatcher",
+               .interface = "org.freedesktop.DBus.Properties",
+               .member = "Get"},
+              {std::string(statusNotifierWatcher), std::string("IsStatusNotifierHostRegistered")},
+              [this, owner](BusMessage& reply) {
+                  if (owner == watcher_.name()) {
+                      setAvailable(reply.isError() || reply.readFlagInVariant().value_or(true));
+                  }
+              });
+}
+
+void StatusNotifierArea::setAvailable(bool isAvailable) {
+    if (isAvailable_ == isAvailable) {
+        return;
+    }
+    isAvailable_ = isAvailable;
+    // Not within the bus's call: what is done about it may end the area.
+    QMetaObject::invokeMethod(
+        &events_,
+        [this] {
+            if (changed_) {
+                const auto changed = changed_;
+                changed();
+            }
+        },
+        Qt::QueuedConnection);
+}
+
+} // namespace vantoro::desktop

@@ -1,0 +1,137 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "platform/desktop/status_area/status_notifier_object.h"
+
+#include <cstdint>
+#include <utility>
+#include <vector>
+
+#include <QtCore/QtEndian>
+
+#include <systemd/sd-bus.h>
+
+namespace vantoro::desktop {
+
+namespace {
+
+StatusNotifierObject& objectOf(void* argument) {
+    return *static_cast<StatusNotifierObject*>(argument);
+}
+
+/// Whole pixels in the network's order of bytes, the first being how opaque it is.
+std::vector<std::uint8_t> bytesOf(const QImage& image) {
+    const auto pixels = image.convertToFormat(QImage::Format_ARGB32);
+    std::vector<std::uint8_t> bytes(static_cast<std::size_t>(pixels.sizeInBytes()));
+    qToBigEndian<std::uint32_t>(pixels.constBits(), pixels.sizeInBytes() / 4, bytes.data());
+    return bytes;
+}
+
+bool appendPixels(sd_bus_message* message, const QImage& image) {
+    const auto bytes = bytesOf(image);
+    return sd_bus_message_open_container(message, 'r', "iiay") >= 0 &&
+           sd_bus_message_append(message, "ii", image.width(), image.height()) >= 0 &&
+           sd_bus_message_append_array(message, 'y', bytes.data(), bytes.size()) >= 0 &&
+           sd_bus_message_close_container(message) >= 0;
+}
+
+int appendImage(sd_bus_message* message, const StatusImage& image) {
+    bool appended = sd_bus_message_open_container(message, 'a', "(iiay)") >= 0;
+    for (const auto& size : image) {
+        appended = appended && appendPixels(message, size);
+    }
+    return appended ? sd_bus_message_close_container(message) : -EIO;
+}
+
+template <std::string StatusNotifierObject::* field>
+int text(sd_bus* /*bus*/, const char* /*path*/, const char* /*interface*/, const char* /*property*/,
+         sd_bus_message* reply, void* argument, sd_bus_error* /*error*/) {
+    return sd_bus_message_append(reply, "s", (objectOf(argument).*field).c_str());
+}
+
+int zero(sd_bus* /*bus*/, const char* /*path*/, const char* /*interface*/, const char* /*property*/,
+         sd_bus_message* reply, void* /*argument*/, sd_bus_error* /*error*/) {
+    return sd_bus_message_append(reply, "i", 0);
+}
+
+int no(sd_bus* /*bus*/, const char* /*path*/, const char* /*interface*/, const char* /*property*/,
+       sd_bus_message* reply, void* /*argument*/, sd_bus_error* /*error*/) {
+    return sd_bus_message_append(reply, "b", 0);
+}
+
+int pixels(sd_bus* /*bus*/, const char* /*path*/, const char* /*interface*/,
+           const char* /*property*/, sd_bus_message* reply, void* argument,
+           sd_bus_error* /*error*/) {
+    return appendImage(reply, objectOf(argument).image);
+}
+
+/// Without a picture: the panel has the item's own.
+int toolTip(sd_bus* /*bus*/, const char* /*path*/, const char* /*interface*/,
+            const char* /*property*/, sd_bus_message* reply, void* argument,
+            sd_bus_error* /*error*/) {
+    const bool appended =
+        sd_bus_message_open_container(reply, 'r', "sa(iiay)ss") >= 0 &&
+        sd_bus_message_append(reply, "s", "") >= 0 && appendImage(reply, {}) >= 0 &&
+        sd_bus_message_append(reply, "ss", objectOf(argument).toolTip.c_str(), "") >= 0;
+    return appended ? sd_bus_message_close_container(reply) : -EIO;
+}
+
+int click(sd_bus_message* call, void* argument, sd_bus_error* /*error*/) {
+    auto& object = objectOf(argument);
+    object.clicked(std::exchange(object.nextActivationToken, {}));
+    return sd_bus_reply_method_return(call, nullptr);
+}
+
+int ignore(sd_bus_message* call, void* /*argument*/, sd_bus_error* /*error*/) {
+    return sd_bus_reply_method_return(call, nullptr);
+}
+
+int takeToken(sd_bus_message* call, void* argument, sd_bus_error* /*error*/) {
+    const char* token = nullptr;
+    const int read = sd_bus_message_read_basic(call, 's', static_cast<void*>(&token));
+    if (read < 0) {
+        return read;
+    }
+    objectOf(argument).nextActivationToken = token;
+    return sd_bus_reply_method_return(call, nullptr);
+}
+
+using Object = StatusNotifierObject;
+
+// Nothing here is secret or does harm. To ask the bus who calls would keep the main thread waiting.
+constexpr auto anybody = SD_BUS_VTABLE_UNPRIVILEGED;
+constexpr auto constant = SD_BUS_VTABLE_PROPERTY_CONST;
+
+const sd_bus_vtable table[] = {
+    SD_BUS_VTABLE_START(0),
+    SD_BUS_PROPERTY("Category", "s", text<&Object::category>, 0, constant),
+    SD_BUS_PROPERTY("Id", "s", text<&Object::identifier>, 0, constant),
+    SD_BUS_PROPERTY("Title", "s", text<&Object::description>, 0, 0),
+    SD_BUS_PROPERTY("Status", "s", text<&Object::status>, 0, 0),
+    SD_BUS_PROPERTY("WindowId", "i", zero, 0, constant),
+    SD_BUS_PROPERTY("IconThemePath", "s", text<&Object::none>, 0, constant),
+    SD_BUS_PROPERTY("IconName", "s", text<&Object::none>, 0, 0),
+    SD_BUS_PROPERTY("IconPixmap", "a(iiay)", pixels, 0, 0),
+    SD_BUS_PROPERTY("IconAccessibleDesc", "s", text<&Object::description>, 0, 0),
+    SD_BUS_PROPERTY("OverlayIconName", "s", text<&Object::none>, 0, 0),
+    SD_BUS_PROPERTY("AttentionIconName", "s", text<&Object::none>, 0, 0),
+    SD_BUS_PROPERTY("ToolTip", "(sa(iiay)ss)", toolTip, 0, 0),
+    SD_BUS_PROPERTY("ItemIsMenu", "b", no, 0, constant),
+    SD_BUS_METHOD("Activate", "ii", "", click, anybody),
+    SD_BUS_METHOD("SecondaryActivate", "ii", "", click, anybody),
+    SD_BUS_METHOD("ContextMenu", "ii", "", click, anybody),
+    SD_BUS_METHOD("Scroll", "is", "", ignore, anybody),
+    SD_BUS_METHOD("ProvideXdgActivationToken", "s", "", takeToken, anybody),
+    SD_BUS_SIGNAL("NewTitle", "", 0),
+    SD_BUS_SIGNAL("NewIcon", "", 0),
+    SD_BUS_SIGNAL("NewToolTip", "", 0),
+    SD_BUS_SIGNAL("NewStatus", "s", 0),
+    SD_BUS_VTABLE_END,
+};
+
+} // namespace
+
+const sd_bus_vtable* statusNotifierTable() {
+    return table;
+}
+
+} // namespace vantoro::desktop

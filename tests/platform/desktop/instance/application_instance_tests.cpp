@@ -1,0 +1,229 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "platform/desktop/instance/application_instance.h"
+
+#include <chrono>
+#include <cstdlib>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <QtCore/QStringList>
+#include <QtCore/QVariantMap>
+#include <QtDBus/QDBusMessage>
+#include <QtDBus/QDBusPendingCallWatcher>
+
+#include <gtest/gtest.h>
+
+#include "tests/control/event_loop.h"
+#include "tests/platform/desktop/bus/private_bus.h"
+#include "tests/platform/desktop/bus/silent_bus.h"
+
+namespace vantoro::testing {
+namespace {
+
+using namespace std::chrono_literals;
+using desktop::ApplicationInstance;
+using Role = ApplicationInstance::Role;
+using enum desktop::ApplicationAction;
+
+constexpr auto patience = 20s; // for what comes at once unless the machine is busy
+
+class ApplicationInstanceTest : public ::testing::Test {
+protected:
+    PrivateBus bus;
+    std::string address = bus.address().toStdString();
+    std::optional<ApplicationInstance> first{std::in_place, address};
+    std::vector<std::string> tokens;                   ///< of each time that the first was wanted
+    std::vector<desktop::ApplicationRequest> requests; ///< all that it was asked for
+
+    void listen() {
+        ASSERT_EQ(first->awaitRole(patience), Role::first);
+        first->setRequested([this](const desktop::ApplicationRequest& request) {
+            requests.push_back(request);
+            if (!request.action) {
+                tokens.push_back(request.activationToken);
+            }
+        });
+    }
+
+    bool comesToBeWanted(std::size_t times = 1) {
+        return EventLoop::runUntil([&] { return tokens.size() >= times; });
+    }
+
+    bool comesToBeAskedFor(std::size_t things) {
+        return EventLoop::runUntil([&] { return requests.size() >= things; });
+    }
+
+    /// Calls the first one's action as the desktop does, and returns the name of the error, which
+    /// is empty for none.
+    std::string errorOfAction(const QString& name, const QVariantMap& platformData = {}) {
+        auto caller = bus.connect("caller");
+        auto message = QDBusMessage::createMethodCall(
+            "com.vantoro.app", "/com/vantoro/app", "org.freedesktop.Application", "ActivateAction");
+        message.setArguments({name, QVariantList{1, "two"}, platformData});
+        const QDBusPendingCallWatcher answer(caller.asyncCall(message));
+        EXPECT_TRUE(EventLoop::runUntil([&] { return answer.isFinished(); }));
+        const auto error = answer.error().name().toStdString();
+        QDBusConnection::disconnectFromBus("caller");
+        return error;
+    }
+
+    /// Calls the first one as the desktop does.
+    void call(const QString& method, const QVariantList& arguments) {
+        auto caller = bus.connect("caller");
+        auto message = QDBusMessage::createMethodCall("com.vantoro.app", "/com/vantoro/app",
+                                                      "org.freedesktop.Application", method);
+        message.setArguments(arguments);
+        EXPECT_TRUE(caller.send(message));
+        EXPECT_TRUE(comesToBeWanted());
+        QDBusConnection::disconnectFromBus("caller");
+    }
+};
+
+TEST_F(ApplicationInstanceTest, onlyOneIsTheFirst) {
+    EXPECT_EQ(first->awaitRole(patience), Role::first);
+    ApplicationInstance second(address);
+    EXPECT_EQ(second.awaitRole(patience), Role::another);
+}
+
+TEST_F(ApplicationInstanceTest, afterTheFirstTheNextIsTheFirst) {
+    EXPECT_EQ(first->awaitRole(patience), Role::first);
+    first.reset();
+    ApplicationInstance next(address);
+    EXPECT_EQ(next.awaitRole(patience), Role::first);
+}
+
+TEST_F(ApplicationInstanceTest, anotherHasTheFirstShowItsWindow) {
+    listen();
+    ApplicationInstance second(address);
+    ASSERT_EQ(second.awaitRole(patience), Role::another);
+    EXPECT_TRUE(second.activateFirst("the user's leave", patience));
+    EXPECT_TRUE(comesToBeWanted());
+    EXPECT_TRUE(second.activateFirst("", patience));
+    EXPECT_TRUE(comesToBeWanted(2));
+    EXPECT_EQ(tokens, std::vector<std::string>({"the user's leave", ""}));
+}
+
+TEST_F(ApplicationInstanceTest, whoIsWantedBeforeItListensHearsOfItThen) {
+    ASSERT_EQ(first->awaitRole(patience), Role::first);
+    ApplicationInstance second(address);
+    EXPECT_TRUE(second.activateFirst("early", patience));
+    listen();
+    EXPECT_TRUE(comesToBeWanted());
+    EXPECT_EQ(tokens, std::vector<std::string>({"early"}));
+}
+
+TEST_F(ApplicationInstanceTest, desktopAsksWithWhateverItHasToTell) {
+    listen();
+    call("Activate",
+         {QVariantMap{{"number", 1}, {"activation-token", "leave"}, {"other", "text"}}});
+    EXPECT_EQ(tokens, std::vector<std::string>({"leave"}));
+}
+
+TEST_F(ApplicationInstanceTest, tokenOfOlderDesktopsIsOfUseToo) {
+    listen();
+    call("Activate", {QVariantMap{{"desktop-startup-id", "older"}}});
+    EXPECT_EQ(tokens, std::vector<std::string>({"older"}));
+}
+
+TEST_F(ApplicationInstanceTest, newerTokenCountsWhicheverComesFirst) {
+    listen();
+    call("Activate", {QVariantMap{{"activation-token", "newer"}, {"desktop-startup-id", "older"}}});
+    EXPECT_EQ(tokens, std::vector<std::string>({"newer"}));
+}
+
+TEST_F(ApplicationInstanceTest, tokenThatIsNoTextIsNone) {
+    listen();
+    call("Activate", {QVariantMap{{"activation-token", 7}}});
+    EXPECT_EQ(tokens, std::vector<std::string>({""}));
+}
+
+TEST_F(ApplicationInstanceTest, whoHasSomethingOpenedGetsTheWindow) {
+    listen();
+    call("Open", {QStringList{"file:///a.m4a"}, QVariantMap()});
+    EXPECT_EQ(tokens, std::vector<std::string>({""}));
+}
+
+TEST_F(ApplicationInstanceTest, desktopStartsAndStopsRecordingsByTheirActions) {
+    listen();
+    EXPECT_EQ(errorOfAction("start-recording", {{"activation-token", "leave"}}), "");
+    EXPECT_EQ(errorOfAction("stop-recording"), "");
+    EXPECT_TRUE(comesToBeAskedFor(2));
+    EXPECT_EQ(requests, (std::vector<desktop::ApplicationRequest>{{startRecording, "leave"},
+                                                                  {stopRecording, ""}}));
+}
+
+TEST_F(ApplicationInstanceTest, actionThatIsUnknownIsRefused) {
+    listen();
+    EXPECT_EQ(errorOfAction("start-dancing"), "org.freedesktop.DBus.Error.InvalidArgs");
+    EXPECT_EQ(errorOfAction(""), "org.freedesktop.DBus.Error.InvalidArgs");
+    EXPECT_EQ(errorOfAction("stop-recording"), "");
+    EXPECT_TRUE(comesToBeAskedFor(1));
+    EXPECT_EQ(requests.size(), 1U);
+}
+
+TEST_F(ApplicationInstanceTest, allThatIsAskedBeforeItListensIsHeardThenInOrder) {
+    ASSERT_EQ(first->awaitRole(patience), Role::first);
+    EXPECT_EQ(errorOfAction("start-recording"), "");
+    ApplicationInstance second(address);
+    EXPECT_TRUE(second.activateFirst("early", patience));
+    EXPECT_EQ(errorOfAction("stop-recording"), "");
+    listen();
+    EXPECT_TRUE(comesToBeAskedFor(3));
+    EXPECT_EQ(requests, (std::vector<desktop::ApplicationRequest>{
+                            {startRecording, ""}, {std::nullopt, "early"}, {stopRecording, ""}}));
+}
+
+TEST(ApplicationInstanceBesideAnotherTest, firstThatDoesNotAnswerIsNotWaitedForLonger) {
+    const PrivateBus bus;
+    const BusService hanging(bus, desktop::applicationID, noAnswer);
+    ApplicationInstance second(bus.address().toStdString());
+    ASSERT_EQ(second.awaitRole(patience), Role::another);
+    EXPECT_FALSE(second.activateFirst("", 300ms));
+}
+
+TEST_F(ApplicationInstanceTest, firstThatIsGoneHasShownNothing) {
+    ASSERT_EQ(first->awaitRole(patience), Role::first);
+    ApplicationInstance second(address);
+    ASSERT_EQ(second.awaitRole(patience), Role::another);
+    first.reset();
+    EXPECT_FALSE(second.activateFirst("", patience));
+}
+
+TEST_F(ApplicationInstanceTest, nobodyIsToldAfterItsEnd) {
+    listen();
+    ApplicationInstance second(address);
+    EXPECT_TRUE(second.activateFirst("", patience)); // the first has it, and tells soon
+    tokens.clear();
+    first.reset();
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(tokens.empty());
+}
+
+TEST(ApplicationInstanceWithoutABusTest, eachIsTheFirst) {
+    for (const std::string address : {"", "unix:path=/nowhere/at/all"}) {
+        ApplicationInstance one(address);
+        EXPECT_EQ(one.awaitRole(patience), Role::first);
+        EXPECT_FALSE(one.activateFirst("", patience));
+    }
+}
+
+TEST(ApplicationInstanceWithoutABusTest, hangingBusIsNotWaitedForLonger) {
+    const SilentBus silent;
+    ApplicationInstance one(silent.address());
+    EXPECT_EQ(one.awaitRole(300ms), Role::unknown);
+}
+
+TEST(ActivationTokenTest, isTheOneOfThisStart) {
+    ::unsetenv("XDG_ACTIVATION_TOKEN");
+    ::unsetenv("DESKTOP_STARTUP_ID");
+    EXPECT_EQ(desktop::activationTokenOfThisStart(), "");
+    ::setenv("DESKTOP_STARTUP_ID", "older", 1);
+    EXPECT_EQ(desktop::activationTokenOfThisStart(), "older");
+    ::setenv("XDG_ACTIVATION_TOKEN", "newer", 1);
+    EXPECT_EQ(desktop::activationTokenOfThisStart(), "newer");
+}
+
+} // namespace
+} // namespace vantoro::testing

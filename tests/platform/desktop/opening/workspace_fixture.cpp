@@ -1,0 +1,78 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "tests/platform/desktop/opening/workspace_fixture.h"
+
+#include <fstream>
+
+#include <QtDBus/QDBusError>
+
+namespace vantoro::testing {
+
+namespace {
+
+std::unique_ptr<Arrivals<std::string>> said;
+
+void note(QtMsgType, const QMessageLogContext&, const QString& message) {
+    said->add(message.toStdString());
+}
+
+} // namespace
+
+Arrivals<std::string>& WorkspaceTest::warnings() {
+    return *said;
+}
+
+void WorkspaceTest::SetUp() {
+    said = std::make_unique<Arrivals<std::string>>();
+    qInstallMessageHandler(note);
+    applications.forgetStarted();
+}
+
+void WorkspaceTest::TearDown() {
+    current.reset();
+    QDBusConnection::disconnectFromBus("asking");
+    std::filesystem::remove_all(folder); // Qt cannot, where names are not UTF-8
+    qInstallMessageHandler(nullptr);
+    EXPECT_TRUE(said->empty()) << said->next().value_or("");
+}
+
+desktop::DesktopWorkspace& WorkspaceTest::workspace() {
+    if (!current) {
+        current = std::make_unique<desktop::DesktopWorkspace>(surroundings);
+    }
+    return *current;
+}
+
+std::filesystem::path WorkspaceTest::makeFile(const std::string& name) const {
+    std::ofstream(folder / name) << "sound";
+    return folder / name;
+}
+
+void WorkspaceTest::enterSandbox() const {
+    std::ofstream(surroundings.sandboxDescription) << "[Application]\nname=app\n";
+}
+
+BusService::Answer WorkspaceTest::agreeing() {
+    return [this](const QDBusMessage& question) {
+        questions.add(question);
+        return question.createReply();
+    };
+}
+
+BusService::Answer WorkspaceTest::silent() {
+    return [this](const QDBusMessage& question) {
+        questions.add(question);
+        return QDBusMessage();
+    };
+}
+
+BusService::Answer WorkspaceTest::refusing(const QString& exception) {
+    return [=, this](const QDBusMessage& question) {
+        questions.add(question);
+        return question.member() == exception
+                   ? question.createReply()
+                   : question.createErrorReply(QDBusError::Failed, "not today");
+    };
+}
+
+} // namespace vantoro::testing

@@ -1,0 +1,99 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "platform/desktop/power/power_profile.h"
+
+#include <chrono>
+
+#include <QtCore/QElapsedTimer>
+#include <QtDBus/QDBusError>
+#include <QtDBus/QDBusVariant>
+
+#include <gtest/gtest.h>
+
+#include "tests/platform/desktop/bus/private_bus.h"
+#include "tests/platform/desktop/bus/silent_bus.h"
+
+namespace vantoro::testing {
+namespace {
+
+const QString profilesService = "net.hadess.PowerProfiles";
+const QString laterProfilesService = "org.freedesktop.UPower.PowerProfiles";
+const QString profilesPortal = "org.freedesktop.portal.Desktop";
+
+/// What a service answers whose one property this is.
+BusService::Answer property(const QString& interface, const QString& name, const QVariant& value) {
+    return [=](const QDBusMessage& question) {
+        const bool isAsked =
+            question.member() == "Get" && question.arguments() == QVariantList{interface, name};
+        return isAsked ? question.createReply(QVariant::fromValue(QDBusVariant(value)))
+                       : question.createErrorReply(QDBusError::UnknownProperty, "no such property");
+    };
+}
+
+class PowerProfileTest : public ::testing::Test {
+protected:
+    PrivateBus systemBus;
+    PrivateBus sessionBus;
+    QDBusConnection system = systemBus.connect("system");
+    QDBusConnection session = sessionBus.connect("session");
+
+    void TearDown() override {
+        QDBusConnection::disconnectFromBus("system");
+        QDBusConnection::disconnectFromBus("session");
+    }
+
+    bool isSaved() const { return desktop::isPowerSaved(system, session); }
+};
+
+TEST_F(PowerProfileTest, withoutAnyServicePowerIsNotSaved) {
+    EXPECT_FALSE(isSaved());
+}
+
+TEST_F(PowerProfileTest, withoutABusPowerIsNotSaved) {
+    const QDBusConnection none("never connected");
+    EXPECT_FALSE(desktop::isPowerSaved(none, none));
+}
+
+TEST_F(PowerProfileTest, isSavedInTheProfileForThatUnderEitherName) {
+    for (const QString& name : {profilesService, laterProfilesService}) {
+        const BusService profiles(systemBus, name,
+                                  property(name, "ActiveProfile", QString("power-saver")));
+        EXPECT_TRUE(isSaved()) << name.toStdString();
+    }
+}
+
+TEST_F(PowerProfileTest, isNotSavedInAnotherProfile) {
+    const BusService profiles(systemBus, profilesService,
+                              property(profilesService, "ActiveProfile", QString("balanced")));
+    EXPECT_FALSE(isSaved());
+}
+
+TEST_F(PowerProfileTest, isSavedWhereThePortalSaysSo) {
+    const BusService profiles(
+        sessionBus, profilesPortal,
+        property("org.freedesktop.portal.PowerProfileMonitor", "power-saver-enabled", true));
+    EXPECT_TRUE(isSaved());
+}
+
+TEST_F(PowerProfileTest, startsNoServiceForTheQuestion) {
+    systemBus.addStartableService(profilesService);
+    EXPECT_FALSE(isSaved());
+    EXPECT_FALSE(systemBus.startedAService());
+}
+
+TEST_F(PowerProfileTest, doesNotWaitForAServiceThatDoesNotAnswer) {
+    const BusService profiles(systemBus, profilesService, noAnswer);
+    EXPECT_FALSE(isSaved());
+}
+
+TEST_F(PowerProfileTest, nobodyWaitsForABusThatHangs) {
+    const SilentBus silent;
+    qputenv("DBUS_SYSTEM_BUS_ADDRESS", silent.address().c_str());
+    QElapsedTimer timer;
+    timer.start();
+    EXPECT_TRUE(desktop::isPowerSavedHere());
+    EXPECT_LT(std::chrono::milliseconds(timer.elapsed()), withoutWaiting);
+}
+
+} // namespace
+} // namespace vantoro::testing

@@ -1,0 +1,143 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+// The view model on threads as in the program, with a login manager that we did not write.
+
+#include <semaphore>
+
+#include <gtest/gtest.h>
+
+#include "control/qt_scheduler.h"
+#include "control/recording_view_model.h"
+#include "tests/control/control_fakes.h"
+#include "tests/control/event_loop.h"
+#include "tests/l10n/memory_preferences.h"
+#include "tests/platform/desktop/power/mock_logind.h"
+#include "tests/platform/desktop/power/power_fixture.h"
+
+namespace vantoro::testing {
+namespace {
+
+using Case = RecordingState::Case;
+
+class SleepingRecorderTest : public PowerManagementTest {
+protected:
+    const QStringList held{"idle, Vantoro, Recording, block", "shutdown, Vantoro, Recording, delay",
+                           "sleep, Vantoro, Recording, delay"};
+    MockLogind logind{systemBus};
+    MemoryPreferences preferences = preferencesIn("en");
+    FakeAudioDevices devices;
+    FakeScreenPermission screen;
+    FakeMicrophonePermission microphone;
+    FakeWorkspace workspace;
+    FakeFolderPanel folderPanel;
+    AudioLevelStore levels;
+    RecorderScript recorder;
+    std::binary_semaphore mayGoOn{0};
+    std::unique_ptr<QtScheduler> scheduler = std::make_unique<QtScheduler>();
+    std::unique_ptr<RecordingViewModel> model;
+
+    SleepingRecorderTest() {
+        start();
+        model = std::make_unique<RecordingViewModel>(
+            std::make_unique<FakeRecorder>(recorder),
+            ControlPlatform{*scheduler, *power, devices, screen, microphone, workspace, folderPanel,
+                            preferences, levels, "/recordings"});
+        waitForTheFirstSalvage();
+    }
+
+    void TearDown() override {
+        model.reset();
+        scheduler.reset(); // what it still does works with the rest
+    }
+
+    /// Which works with the fake recorder too, on a thread of its own.
+    void waitForTheFirstSalvage() {
+        bool ended = false;
+        const auto whenEnded = QObject::connect(model.get(), &RecordingViewModel::salvageEnded,
+                                                [&ended] { ended = true; });
+        EXPECT_TRUE(EventLoop::runUntil([&ended] { return ended; }));
+        QObject::disconnect(whenEnded);
+    }
+
+    bool comesTo(Case state) {
+        return EventLoop::runUntil([&] { return model->values().state.which() == state; });
+    }
+
+    void record() {
+        model->startRecording();
+        ASSERT_TRUE(comesTo(Case::recording));
+        ASSERT_TRUE(logind.comesToHave(held));
+    }
+
+    /// Whether the view model still is in this state when a question to the login manager behind
+    /// the signal has been answered.
+    bool staysIn(Case state) {
+        const auto inForce = logind.inhibitors();
+        return model->values().state.which() == state && inForce == logind.inhibitors();
+    }
+};
+
+TEST_F(SleepingRecorderTest, anIdleOneHoldsNothingOffAndLooksAnewAfterTheSleep) {
+    ASSERT_TRUE(EventLoop::runUntil([&] { return !model->values().microphones.empty(); }));
+    {
+        // What is held is held behind the request to hear of sleep.
+        const auto hold = power->holdOffSleep("Recording");
+        ASSERT_TRUE(logind.comesToHave(held));
+    }
+    devices.list = {{"new", "New"}};
+    logind.prepareForSleep(true);
+    EXPECT_TRUE(logind.comesToHave({}));
+    logind.prepareForSleep(false);
+    EXPECT_TRUE(EventLoop::runUntil([&] { return model->values().microphones == devices.list; }));
+    EXPECT_TRUE(staysIn(Case::idle));
+}
+
+TEST_F(SleepingRecorderTest, oneThatPreparesIsWaitedForUntilWhatItBeganIsSaved) {
+    recorder.duringStart = [this] { mayGoOn.acquire(); };
+    model->startRecording();
+    ASSERT_TRUE(logind.comesToHave(held));
+    logind.prepareForSleep(true);
+    EXPECT_TRUE(staysIn(Case::preparing));
+    EXPECT_EQ(logind.inhibitors(), held);
+    mayGoOn.release();
+    ASSERT_TRUE(comesTo(Case::completed));
+    EXPECT_EQ(model->values().errorMessage,
+              "Recording was interrupted by sleep. The captured audio was saved successfully.");
+    EXPECT_TRUE(logind.comesToHave({}));
+}
+
+TEST_F(SleepingRecorderTest, oneThatRecordsIsWaitedForUntilTheSoundIsSafeAndMixesLater) {
+    record();
+    recorder.duringStop = [this] {
+        mayGoOn.acquire();
+        recorder.safe();
+        mayGoOn.acquire(); // the machine sleeps
+    };
+    logind.prepareForSleep(true);
+    ASSERT_TRUE(comesTo(Case::processing));
+    EXPECT_EQ(logind.inhibitors(), held);
+    mayGoOn.release();
+    EXPECT_TRUE(logind.comesToHave({}));
+    EXPECT_TRUE(staysIn(Case::processing));
+    logind.prepareForSleep(false);
+    mayGoOn.release();
+    ASSERT_TRUE(comesTo(Case::completed));
+    EXPECT_EQ(model->values().errorMessage,
+              "Recording was interrupted by sleep. The captured audio was saved successfully.");
+}
+
+TEST_F(SleepingRecorderTest, oneThatSavesIsWaitedForAndSavesForItsOwnReason) {
+    record();
+    recorder.duringStop = [this] { mayGoOn.acquire(); };
+    model->toggleRecording();
+    ASSERT_TRUE(comesTo(Case::processing));
+    logind.prepareForSleep(true);
+    EXPECT_EQ(logind.inhibitors(), held);
+    mayGoOn.release();
+    ASSERT_TRUE(comesTo(Case::completed));
+    EXPECT_EQ(model->values().errorMessage, std::nullopt);
+    EXPECT_TRUE(logind.comesToHave({}));
+}
+
+} // namespace
+} // namespace vantoro::testing

@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "ui/rows/input_row.h"
+
+#include <QtWidgets/QHBoxLayout>
+
+namespace vantoro {
+
+namespace {
+
+constexpr int indent = 38; // below the title of the source that it belongs to
+
+} // namespace
+
+InputRow::InputRow(QWidget* parent)
+    : QWidget(parent), title_(new QLabel(this)), picker_(new QComboBox(this)) {
+    auto* const row = new QHBoxLayout(this);
+    row->setContentsMargins(indent, 0, 0, 0);
+    row->setSpacing(10);
+    row->addWidget(title_);
+    row->addWidget(picker_, 1);
+    title_->setBuddy(picker_);
+    picker_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    connect(picker_, &QComboBox::activated, this, [this](int index) {
+        Q_EMIT picked(picker_->itemData(index).toByteArray().toStdString());
+    });
+}
+
+void InputRow::setTitle(const QString& title) {
+    title_->setText(title);
+    picker_->setAccessibleName(title);
+}
+
+void InputRow::setMicrophones(const std::vector<AudioInputDevice>& microphones,
+                              const std::optional<std::string>& selected) {
+    picker_->clear();
+    picker_->setCurrentIndex(-1);
+    for (const auto& [id, name] : microphones) {
+        picker_->addItem(QString::fromStdString(name), QByteArray::fromStdString(id));
+        if (id == selected) {
+            picker_->setCurrentIndex(picker_->count() - 1);
+        }
+    }
+    if (selected && picker_->currentData().toByteArray().toStdString() != *selected) {
+        picker_->setCurrentIndex(-1); // one that is not in the list
+    }
+}
+
+} // namespace vantoro

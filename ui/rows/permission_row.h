@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include <cstdint>
+
+#include <QtWidgets/QLabel>
+#include <QtWidgets/QPushButton>
+#include <QtWidgets/QWidget>
+
+#include "ui/style/symbol_label.h"
+
+namespace vantoro {
+
+/// A permission: whether it is granted, and what can be done about it.
+class PermissionRow final : public QWidget {
+    Q_OBJECT
+
+public:
+    enum class Remedy : std::uint8_t { none, settings, note };
+
+    struct Texts {
+        QString title;
+        QString allowed;
+        QString required;
+        QString settings; ///< on the button
+        QString note;
+    };
+
+    explicit PermissionRow(QWidget* parent = nullptr);
+
+    void setTexts(Texts texts);
+    /// The remedy counts only while the permission is not granted.
+    void setGranted(bool granted, Remedy remedy);
+
+Q_SIGNALS:
+    void settingsWanted();
+
+private:
+    void showAll();
+
+    Texts texts_;
+    bool granted_ = false;
+    Remedy remedy_ = Remedy::none;
+    SymbolLabel* symbol_;
+    QLabel* title_;
+    QLabel* state_;
+    QPushButton* settings_;
+    QLabel* note_;
+};
+
+} // namespace vantoro

@@ -1,0 +1,87 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "ui/rows/record_button.h"
+
+#include <algorithm>
+
+#include <QtGui/QPainter>
+
+#include "ui/style/symbols.h"
+#include "ui/style/tones.h"
+
+namespace vantoro {
+
+namespace {
+
+constexpr int leastWidth = 138;
+constexpr int leastHeight = 36;
+constexpr int symbolSize = 18;
+constexpr int gap = 7;
+constexpr int margin = 16;
+constexpr double radius = 8;
+
+QFont labelFont(QFont base) {
+    if (base.pointSizeF() > 0) {
+        base.setPointSizeF(base.pointSizeF() * 14 / 13);
+    }
+    base.setWeight(QFont::DemiBold);
+    return base;
+}
+
+} // namespace
+
+RecordButton::RecordButton(QWidget* parent) : QPushButton(parent) {
+    setFont(labelFont(font()));
+    setMinimumSize(leastWidth, leastHeight);
+    setAutoDefault(true); // so that Enter presses it, too
+    setCursor(Qt::PointingHandCursor);
+}
+
+void RecordButton::setStops(bool stops) {
+    stops_ = stops;
+    update();
+}
+
+QSize RecordButton::sizeHint() const {
+    const int label = fontMetrics().horizontalAdvance(text()) + symbolSize + gap;
+    return {std::max(leastWidth, label + 2 * (margin + ringMargin)),
+            std::max(leastHeight, fontMetrics().height() + 2 * (ringMargin + 8))};
+}
+
+RecordButton::Colours RecordButton::colours() const {
+    if (!isEnabled()) {
+        return {idleGround(palette()), idleInk(palette())};
+    }
+    const Colours usual = stops_ ? Colours{QColor(0xd3222f), Qt::white}
+                                 : Colours{palette().color(QPalette::Highlight),
+                                           palette().color(QPalette::HighlightedText)};
+    if (isDown()) {
+        return {usual.ground.darker(118), usual.ink};
+    }
+    return {underMouse() ? usual.ground.lighter(108) : usual.ground, usual.ink};
+}
+
+void RecordButton::paintEvent(QPaintEvent* /*event*/) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const auto [ground, ink] = colours();
+    const auto body = QRectF(rect()).adjusted(ringMargin, ringMargin, -ringMargin, -ringMargin);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(ground);
+    painter.drawRoundedRect(body, radius, radius);
+    if (hasFocus()) {
+        painter.setBrush(Qt::NoBrush);
+        painter.setPen(QPen(ground, 1.5));
+        painter.drawRoundedRect(body.adjusted(-2, -2, 2, 2), radius + 2, radius + 2);
+    }
+    const int textWidth = fontMetrics().horizontalAdvance(text());
+    const int left = (width() - symbolSize - gap - textWidth) / 2;
+    painter.drawPixmap(QRect(left, (height() - symbolSize) / 2, symbolSize, symbolSize),
+                       symbolPixmap(stops_ ? Symbol::stop : Symbol::recordCircle, ink, symbolSize,
+                                    devicePixelRatioF()));
+    painter.setPen(ink);
+    painter.drawText(QRect(left + symbolSize + gap, 0, textWidth + 1, height()), Qt::AlignVCenter,
+                     text());
+}
+
+} // namespace vantoro

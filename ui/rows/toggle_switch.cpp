@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "ui/rows/toggle_switch.h"
+
+#include <QtGui/QPainter>
+
+#include "ui/style/enter_key.h"
+#include "ui/style/tones.h"
+
+namespace vantoro {
+
+namespace {
+
+constexpr int trackWidth = 38;
+constexpr int trackHeight = 22;
+constexpr int focusMargin = 3; // where the ring is drawn that shows the focus
+constexpr double knobMargin = 2.5;
+constexpr double disabledOpacity = 0.45;
+
+} // namespace
+
+ToggleSwitch::ToggleSwitch(QWidget* parent) : QCheckBox(parent) {
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    setCursor(Qt::PointingHandCursor);
+}
+
+QSize ToggleSwitch::sizeHint() const {
+    return {trackWidth + 2 * focusMargin, trackHeight + 2 * focusMargin};
+}
+
+QSize ToggleSwitch::minimumSizeHint() const {
+    return sizeHint();
+}
+
+bool ToggleSwitch::hitButton(const QPoint& position) const {
+    return rect().contains(position);
+}
+
+void ToggleSwitch::keyPressEvent(QKeyEvent* event) {
+    if (!clickByEnter(*this, *event)) {
+        QCheckBox::keyPressEvent(event);
+    }
+}
+
+void ToggleSwitch::paintEvent(QPaintEvent* /*event*/) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setOpacity(isEnabled() ? 1 : disabledOpacity);
+    const QRectF track(focusMargin, focusMargin, trackWidth, trackHeight);
+    const auto accent = toneColour(Tone::accent, palette());
+    auto off = toneColour(Tone::secondary, palette());
+    off.setAlphaF(0.45F);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(isChecked() ? accent : off);
+    painter.drawRoundedRect(track, trackHeight / 2.0, trackHeight / 2.0);
+
+    const double knob = trackHeight - 2 * knobMargin;
+    const bool atRight = isChecked() == (layoutDirection() == Qt::LeftToRight);
+    const double left = atRight ? track.right() - knobMargin - knob : track.left() + knobMargin;
+    painter.setBrush(isChecked() && contrast(accent, Qt::white) < 2 ? QColor(Qt::black)
+                                                                    : QColor(Qt::white));
+    painter.drawEllipse(QRectF(left, track.top() + knobMargin, knob, knob));
+    if (hasFocus()) {
+        painter.setBrush(Qt::NoBrush);
+        painter.setPen(QPen(accent, 1.5));
+        painter.drawRoundedRect(track.adjusted(-2, -2, 2, 2), trackHeight / 2.0 + 2,
+                                trackHeight / 2.0 + 2);
+    }
+}
+
+} // namespace vantoro

@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "ui/style/symbol_label.h"
+
+#include <algorithm>
+
+#include <QtGui/QPainter>
+
+namespace vantoro {
+
+SymbolLabel::SymbolLabel(Symbol symbol, Tone tone, int size, int width, QWidget* parent)
+    : QWidget(parent), symbol_(symbol), tone_(tone), size_(size) {
+    setFixedSize(std::max(size, width), size);
+}
+
+void SymbolLabel::setSymbol(Symbol symbol, Tone tone) {
+    symbol_ = symbol;
+    tone_ = tone;
+    update();
+}
+
+void SymbolLabel::paintEvent(QPaintEvent* /*event*/) {
+    QPainter painter(this);
+    painter.drawPixmap(
+        QRect((width() - size_) / 2, 0, size_, size_),
+        symbolPixmap(symbol_, toneColour(tone_, palette()), size_, devicePixelRatioF()));
+}
+
+} // namespace vantoro

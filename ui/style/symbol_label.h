@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include <QtWidgets/QWidget>
+
+#include "ui/style/symbols.h"
+#include "ui/style/tones.h"
+
+namespace vantoro {
+
+/// A symbol beside a text that says the same; nothing to those who are read to.
+class SymbolLabel final : public QWidget {
+    Q_OBJECT
+
+public:
+    /// `size` of the drawing, in the middle of a square or wider place of `width`.
+    SymbolLabel(Symbol symbol, Tone tone, int size, int width, QWidget* parent = nullptr);
+
+    void setSymbol(Symbol symbol, Tone tone);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    Symbol symbol_;
+    Tone tone_;
+    int size_;
+};
+
+} // namespace vantoro

@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include <QtWidgets/QLabel>
+
+#include "ui/style/tones.h"
+
+namespace vantoro {
+
+/// Text of a tone, which it keeps when the desktop's palette changes.
+class TonedLabel : public QLabel {
+    Q_OBJECT
+
+public:
+    TonedLabel(Tone tone, const QFont& font, QWidget* parent = nullptr);
+
+    void setTone(Tone tone);
+
+protected:
+    void changeEvent(QEvent* event) override;
+
+private:
+    void applyTone();
+
+    Tone tone_;
+};
+
+} // namespace vantoro

@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include <filesystem>
+
+#include <QtWidgets/QLabel>
+#include <QtWidgets/QWidget>
+
+#include "ui/style/elided_label.h"
+#include "ui/style/symbol_button.h"
+
+namespace vantoro {
+
+/// The recording that was saved, and what can be done with it.
+class CompletedPanel final : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit CompletedPanel(QWidget* parent = nullptr);
+
+    void setTexts(const QString& saved, const QString& play, const QString& reveal);
+    void setRecording(const std::filesystem::path& recording);
+
+Q_SIGNALS:
+    void playWanted();
+    void revealWanted();
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    QLabel* saved_;
+    ElidedLabel* name_;
+    SymbolButton* play_;
+    SymbolButton* reveal_;
+};
+
+} // namespace vantoro

@@ -1,0 +1,137 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "ui/window/main_window.h"
+
+#include <QtCore/QEvent>
+#include <QtGui/QActionGroup>
+#include <QtGui/QCloseEvent>
+#include <QtGui/QShortcut>
+#include <QtWidgets/QMenuBar>
+
+namespace vantoro {
+
+namespace {
+
+constexpr QSize leastContent(480, 560);
+constexpr QSize usualContent(500, 600);
+const QString productName = QStringLiteral("Vantoro");
+
+QString qString(std::string_view text) {
+    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+} // namespace
+
+MainWindow::MainWindow(RecordingViewModel& model, LanguageSettings& language,
+                       UpdateChecker& updates, const Preferences& preferences)
+    : model_(model),
+      language_(language),
+      updates_(updates),
+      texts_(preferences),
+      content_(new ContentView(model, preferences, this)),
+      messageAlert_(*this, [this] { model_.dismissMessage(); }),
+      updateAlert_(
+          *this, [this] { updates_.dismissMessage(); }, [this] { updates_.openDownload(); }) {
+    setWindowTitle(productName);
+    content_->setMinimumSize(leastContent);
+    setCentralWidget(content_);
+    makeMenu();
+    makeShortcuts();
+    resize(usualContent + QSize(0, menuBar()->sizeHint().height()));
+    connect(&language_, &LanguageSettings::languageChanged, this, &MainWindow::showTexts);
+    connect(&updates_, &UpdateChecker::propertyChanged, this, &MainWindow::showUpdateState);
+    connect(&model_, &RecordingProperties::propertyChanged, this,
+            [this](RecordingProperties::Property property) {
+                if (property == RecordingProperties::Property::errorMessage) {
+                    showMessage();
+                }
+            });
+    showTexts();
+}
+
+void MainWindow::makeMenu() {
+    auto* const menu = menuBar()->addMenu(productName);
+    languageMenu_ = menu->addMenu(QString());
+    auto* const choice = new QActionGroup(this);
+    for (const auto one : allLanguages) {
+        auto* const action = languageMenu_->addAction(qString(displayName(one)));
+        action->setCheckable(true);
+        action->setChecked(language_.language() == one);
+        choice->addAction(action);
+        connect(action, &QAction::triggered, this, [this, one] { language_.setLanguage(one); });
+        connect(&language_, &LanguageSettings::languageChanged, action,
+                [this, action, one] { action->setChecked(language_.language() == one); });
+    }
+    menu->addSeparator();
+    checkForUpdates_ = menu->addAction(QString());
+    connect(checkForUpdates_, &QAction::triggered, &updates_, &UpdateChecker::checkForUpdates);
+    version_ = menu->addAction(QString());
+    version_->setEnabled(false);
+    menu->addSeparator();
+    quit_ = menu->addAction(QString());
+    quit_->setShortcut(Qt::CTRL | Qt::Key_Q);
+    connect(quit_, &QAction::triggered, this, &MainWindow::quitRequested);
+    addAction(quit_); // for the alerts, which offer what the window offers
+}
+
+void MainWindow::makeShortcuts() {
+    // Keys by name: those that a desktop calls its standard ones may be the same for two of these,
+    // or none.
+    const auto on = [this](const QKeySequence& keys, auto work) {
+        connect(new QShortcut(keys, this), &QShortcut::activated, this, work);
+    };
+    on(Qt::CTRL | Qt::Key_R, [this] { model_.toggleRecording(); });
+    on(Qt::Key_F5, [this] { model_.refreshDevicesAndPermissions(); });
+}
+
+void MainWindow::changeEvent(QEvent* event) {
+    QMainWindow::changeEvent(event);
+    if (event->type() == QEvent::ActivationChange && isActiveWindow()) {
+        // Not when it is shown first: the view model has just looked by itself.
+        if (std::exchange(wasActive_, true)) {
+            model_.refreshDevicesAndPermissions();
+        }
+    }
+}
+
+void MainWindow::paintEvent(QPaintEvent* event) {
+    QMainWindow::paintEvent(event);
+    if (!std::exchange(wasPainted_, true)) {
+        Q_EMIT firstPainted();
+    }
+}
+
+void MainWindow::closeEvent(QCloseEvent* event) {
+    event->ignore();
+    Q_EMIT closeRequested();
+}
+
+QString MainWindow::text(L10n::Key key) const {
+    return QString::fromStdString(texts_.text(key));
+}
+
+void MainWindow::showTexts() {
+    languageMenu_->setTitle(text(L10n::Key::language));
+    checkForUpdates_->setText(text(L10n::Key::checkForUpdates));
+    version_->setText(QString::fromStdString(texts_.runningVersion(updates_.currentVersion())));
+    quit_->setText(QString::fromStdString(texts_.quit()));
+    content_->showAll();
+    showUpdateState();
+    showMessage();
+}
+
+void MainWindow::showUpdateState() {
+    const auto& values = updates_.values();
+    checkForUpdates_->setEnabled(!values.isChecking);
+    updateAlert_.show(values.message,
+                      {.title = text(L10n::Key::checkForUpdates),
+                       .ok = text(L10n::Key::ok),
+                       .action = values.downloadURL ? text(L10n::Key::downloadUpdate) : QString()});
+}
+
+void MainWindow::showMessage() {
+    messageAlert_.show(model_.values().errorMessage,
+                       {.title = productName, .ok = text(L10n::Key::ok), .action = QString()});
+}
+
+} // namespace vantoro

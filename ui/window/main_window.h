@@ -1,0 +1,65 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include <QtGui/QAction>
+#include <QtWidgets/QMainWindow>
+#include <QtWidgets/QMenu>
+
+#include "control/recording_view_model.h"
+#include "l10n/l10n.h"
+#include "l10n/language_settings.h"
+#include "ui/window/content_view.h"
+#include "ui/window/message_alert.h"
+#include "update/update_checker.h"
+
+namespace vantoro {
+
+/// The only window. It does not close by itself: whoever made it decides what becomes of it. What
+/// it is given outlives it. Main thread.
+class MainWindow final : public QMainWindow {
+    Q_OBJECT
+
+public:
+    MainWindow(RecordingViewModel& model, LanguageSettings& language, UpdateChecker& updates,
+               const Preferences& preferences);
+
+Q_SIGNALS:
+    /// The user wants it out of sight.
+    void closeRequested();
+
+    /// The user wants the program to end.
+    void quitRequested();
+
+    /// Within its first painting: what waits for the window to stand may begin behind that.
+    void firstPainted();
+
+protected:
+    void changeEvent(QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    void makeMenu();
+    void makeShortcuts();
+    void showTexts();
+    void showUpdateState();
+    void showMessage();
+    QString text(L10n::Key key) const;
+
+    RecordingViewModel& model_;
+    LanguageSettings& language_;
+    UpdateChecker& updates_;
+    L10n texts_;
+    ContentView* content_;
+    QMenu* languageMenu_ = nullptr;
+    QAction* checkForUpdates_ = nullptr;
+    QAction* version_ = nullptr;
+    QAction* quit_ = nullptr;
+    MessageAlert messageAlert_;
+    MessageAlert updateAlert_;
+    bool wasActive_ = false;
+    bool wasPainted_ = false;
+};
+
+} // namespace vantoro

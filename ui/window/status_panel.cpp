@@ -1,0 +1,78 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "ui/window/status_panel.h"
+
+#include <QtWidgets/QHBoxLayout>
+#include <QtWidgets/QVBoxLayout>
+
+#include "control/transitions.h"
+#include "ui/style/fonts.h"
+#include "ui/style/toned_label.h"
+#include "ui/window/status_look.h"
+
+namespace vantoro {
+
+StatusPanel::StatusPanel(QWidget* parent)
+    : QWidget(parent),
+      badge_(new StatusBadge(this)),
+      headline_(new QLabel(this)),
+      detail_(new TonedLabel(Tone::secondary, captionFont(font()), this)),
+      elapsed_(new QLabel(this)),
+      meters_(new LevelMeterPanel(this)) {
+    auto* const row = new QHBoxLayout(this);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(12);
+    row->addWidget(badge_, 0, Qt::AlignTop);
+    auto* const texts = new QVBoxLayout;
+    texts->setSpacing(2);
+    texts->addWidget(headline_);
+    texts->addWidget(detail_);
+    texts->addStretch();
+    row->addLayout(texts, 1);
+    auto* const right = new QVBoxLayout;
+    right->setSpacing(6);
+    right->addWidget(elapsed_, 0, Qt::AlignRight);
+    right->addWidget(meters_, 0, Qt::AlignRight);
+    right->addStretch();
+    row->addLayout(right);
+
+    headline_->setFont(headlineFont(font()));
+    detail_->setWordWrap(true);
+    auto digits = digitsFont(font());
+    digits.setWeight(QFont::Medium);
+    elapsed_->setFont(digits);
+}
+
+void StatusPanel::setTexts(const L10n& texts) {
+    const auto text = [&texts](L10n::Key key) { return QString::fromStdString(texts.text(key)); };
+    meters_->setTexts(text(L10n::Key::audioInputLevels), text(L10n::Key::systemMeter),
+                      text(L10n::Key::microphoneMeter));
+}
+
+void StatusPanel::setState(const RecordingState& state, const QString& headline,
+                           const L10n& texts) {
+    const auto look = lookOf(state.which());
+    badge_->setStatus(look.symbol, look.tone);
+    badge_->setBusy(isProcessing(state.which()));
+    badge_->setAccessibleName(headline);
+    headline_->setText(headline);
+    detail_->setText(
+        QString::fromStdString(look.detail ? texts.text(*look.detail) : state.description()));
+    meters_->setVisible(state.which() == RecordingState::Case::recording);
+}
+
+void StatusPanel::setElapsed(const QString& time) {
+    elapsed_->setText(time);
+}
+
+void StatusPanel::setLevels(double systemAudio, double microphone) {
+    meters_->setLevels(systemAudio, microphone);
+}
+
+void StatusPanel::setConditions(SourceCondition systemAudio, SourceCondition microphone,
+                                const L10n& texts) {
+    meters_->setTroubles(QString::fromStdString(texts.condition(systemAudio)),
+                         QString::fromStdString(texts.condition(microphone)));
+}
+
+} // namespace vantoro

@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include <QtWidgets/QLabel>
+#include <QtWidgets/QWidget>
+
+#include "control/recording_properties.h"
+#include "l10n/l10n.h"
+#include "ui/meters/level_meter_panel.h"
+#include "ui/window/status_badge.h"
+
+namespace vantoro {
+
+/// How the recording stands: in a picture, in words, in time, and, while recording, in levels.
+class StatusPanel final : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit StatusPanel(QWidget* parent = nullptr);
+
+    void setTexts(const L10n& texts);
+    void setState(const RecordingState& state, const QString& headline, const L10n& texts);
+    void setElapsed(const QString& time);
+    void setLevels(double systemAudio, double microphone);
+    void setConditions(SourceCondition systemAudio, SourceCondition microphone, const L10n& texts);
+
+private:
+    StatusBadge* badge_;
+    QLabel* headline_;
+    QLabel* detail_;
+    QLabel* elapsed_;
+    LevelMeterPanel* meters_;
+};
+
+} // namespace vantoro
