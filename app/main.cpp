@@ -18,8 +18,8 @@
 #include "app/silent_bus_messages.h"
 #include "app/stop_signals.h"
 #include "app/window_command.h"
-#include "control/engine_recorder.h"
 #include "control/recording_folder.h"
+#include "engine/audio_recorder.h"
 #include "l10n/settings_file.h"
 #include "platform/desktop/bus/silent_buses.h"
 #include "platform/desktop/opening/recording_folder.h"
@@ -103,9 +103,8 @@ public:
         RecordRun run(command, ending, preferences);
         RecordingPlatform platform(RecordingPlatform::Meters::none);
         platform.setChosenMicrophone(command.microphoneID);
-        RecordingViewModel model(
-            std::make_unique<EngineRecorder>(platform.forRecorder(), run.details()),
-            platform.forControl(preferences));
+        RecordingViewModel model(std::make_unique<AudioRecorder>(platform.forRecorder()),
+                                 platform.forControl(preferences, [&ending] { ending.moved(); }));
         return run.run(model);
     }
 

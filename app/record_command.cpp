@@ -33,26 +33,6 @@ RecordRun::RecordRun(const RecordCommand& command, Ending& ending, const Prefere
     connect(&lineTimer_, &QTimer::timeout, this, &RecordRun::showLine);
 }
 
-RecorderDetails RecordRun::details() {
-    const auto onMainThread = [this](auto work) {
-        QMetaObject::invokeMethod(this, std::move(work), Qt::QueuedConnection);
-    };
-    return {
-        .onCaptureInterrupted =
-            [this, onMainThread](const std::exception_ptr& error) {
-                onMainThread([this, text = errorDescription(error, texts_.language())] {
-                    terminal_.message(text);
-                });
-            },
-        .onExportProgress =
-            [this, onMainThread](double fraction) {
-                ending_.moved();
-                onMainThread([this, fraction] { showSaving(fraction); });
-            },
-        .onRecordingSafe = [this] { ending_.moved(); },
-    };
-}
-
 int RecordRun::run(RecordingViewModel& model) {
     model.setCaptureSystemAudio(command_.systemAudio);
     model.setCaptureMicrophone(command_.microphone);
@@ -80,6 +60,8 @@ int RecordRun::runUntilItIsOver() {
     connect(model_, &RecordingProperties::propertyChanged, this, [this](auto property) {
         if (property == RecordingProperties::Property::errorMessage) {
             showMessage(model_->values());
+        } else if (property == RecordingProperties::Property::savingProgress) {
+            showSaving();
         }
     });
     followForTheEnd();
@@ -110,7 +92,7 @@ void RecordRun::stateChanged() {
     case Case::processing:
         hasBegun_ = true;
         lineTimer_.stop();
-        showSaving(0);
+        showSaving();
         break;
     case Case::completed:
         QCoreApplication::exit(printResult());
@@ -188,9 +170,9 @@ void RecordRun::showLine() {
     }
 }
 
-void RecordRun::showSaving(double fraction) {
+void RecordRun::showSaving() {
     if (state_ == Case::processing || state_ == Case::failed) { // else it is an earlier recording's
-        terminal_.showLine(savingLine(fraction, texts_));
+        terminal_.showLine(savingLine(model_->values().savingProgress, texts_));
     }
 }
 

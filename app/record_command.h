@@ -11,7 +11,6 @@
 #include "app/command_line.h"
 #include "app/ending.h"
 #include "app/terminal.h"
-#include "control/engine_recorder.h"
 #include "control/recording_view_model.h"
 #include "l10n/l10n.h"
 
@@ -22,11 +21,8 @@ namespace vantoro {
 /// on standard error. Main thread, where the application's event loop is not yet running.
 class RecordRun final : public QObject {
 public:
-    /// All of it outlives the run, which outlives the recorder that its `details` are given to.
+    /// All of it outlives the run.
     RecordRun(const RecordCommand& command, Ending& ending, const Preferences& preferences);
-
-    /// What this run shows beside what the view model knows.
-    RecorderDetails details();
 
     /// Returns the exit status: 0 when a file was saved, else 1. The ending knows it by then.
     int run(RecordingViewModel& model);
@@ -43,7 +39,7 @@ private:
     void stopWanted();
     void recordingFailed();
     void showLine();
-    void showSaving(double fraction);
+    void showSaving();
     int printResult();
 
     const RecordCommand& command_;

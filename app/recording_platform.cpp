@@ -81,7 +81,8 @@ RecorderPlatform RecordingPlatform::forRecorder() {
             .clock = clock_};
 }
 
-ControlPlatform RecordingPlatform::forControl(Preferences& preferences) {
+ControlPlatform RecordingPlatform::forControl(Preferences& preferences,
+                                              std::function<void()> recorderProgressed) {
     return {.scheduler = scheduler_,
             .power = power_,
             .audioDevices = devices_,
@@ -91,7 +92,8 @@ ControlPlatform RecordingPlatform::forControl(Preferences& preferences) {
             .folderPanel = folderPanel_,
             .preferences = preferences,
             .levels = AudioLevelStore::shared(),
-            .defaultRecordingFolder = desktop::defaultRecordingFolder()};
+            .defaultRecordingFolder = desktop::defaultRecordingFolder(),
+            .recorderProgressed = std::move(recorderProgressed)};
 }
 
 } // namespace vantoro

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -47,8 +48,9 @@ public:
 
     RecorderPlatform forRecorder();
 
-    /// `preferences` outlives the view model.
-    ControlPlatform forControl(Preferences& preferences);
+    /// `preferences` outlives the view model. For `recorderProgressed` see `ControlPlatform`.
+    ControlPlatform forControl(Preferences& preferences,
+                               std::function<void()> recorderProgressed = {});
 
 private:
     std::optional<std::string> chosenMicrophone();

@@ -13,7 +13,7 @@
 #include "app/recording_platform.h"
 #include "app/silent_bus_messages.h"
 #include "app/vantoro_app.h"
-#include "control/engine_recorder.h"
+#include "engine/audio_recorder.h"
 #include "l10n/settings_file.h"
 #include "platform/desktop/bus/silent_buses.h"
 #include "platform/desktop/font_configuration.h"
@@ -47,8 +47,8 @@ class WindowRun {
 public:
     WindowRun(const std::string& sessionBus, ApplicationInstance& instance, Ending& ending)
         : notifierArea_(sessionBus),
-          app_(std::make_unique<EngineRecorder>(platform_.forRecorder(), detailsFor(ending)),
-               platform_.forControl(preferences_),
+          app_(std::make_unique<AudioRecorder>(platform_.forRecorder()),
+               platform_.forControl(preferences_, [&ending] { ending.moved(); }),
                {.statusArea = statusArea_,
                 .desktops = qgetenv("XDG_CURRENT_DESKTOP").toStdString(),
                 .version = VANTORO_VERSION,
@@ -70,12 +70,6 @@ public:
     }
 
 private:
-    static RecorderDetails detailsFor(Ending& ending) {
-        return {.onCaptureInterrupted = {},
-                .onExportProgress = [&ending](double /*fraction*/) { ending.moved(); },
-                .onRecordingSafe = [&ending] { ending.moved(); }};
-    }
-
     void quitOnMainThread() {
         QMetaObject::invokeMethod(
             &app_, [this] { app_.quit(VantoroApp::IfNotSaved::end); }, Qt::QueuedConnection);

@@ -7,6 +7,7 @@ namespace vantoro {
 /// What the recorder tells of by itself comes to the main thread, where there may be no view model
 /// any more.
 void RecordingViewModel::installCallbacks() {
+    using Model = RecordingViewModel;
     const auto toMainThread = [&scheduler = platform_.scheduler,
                                model = QPointer(this)](auto handle) {
         scheduler.runOnMainThread([model, handle] {
@@ -15,38 +16,35 @@ void RecordingViewModel::installCallbacks() {
             }
         });
     };
-    recorder_->setCallbacks({
-        .onCaptureInterrupted =
-            [toMainThread](const std::exception_ptr&) {
-                toMainThread([](RecordingViewModel& model) {
-                    model.handleStop(StopReason::captureInterruption);
-                });
-            },
-        .onAudioLevel =
-            [toMainThread](AudioLevelSource source, float level) {
-                toMainThread([source, level](RecordingViewModel& model) {
-                    model.updateAudioLevel(source, level);
-                });
-            },
-        .onSourceCondition =
-            [toMainThread](AudioLevelSource source, SourceCondition condition) {
-                toMainThread([source, condition](RecordingViewModel& model) {
-                    model.updateCondition(source, condition);
-                });
-            },
-        .onSoundLoss =
-            [toMainThread](const SoundLoss& loss) {
-                toMainThread([loss](RecordingViewModel& model) { model.handleSoundLoss(loss); });
-            },
-        .onDiskRoom =
-            [toMainThread](DiskRoom room) {
-                toMainThread([room](RecordingViewModel& model) { model.handleDiskRoom(room); });
-            },
-        .onRecordingSafe =
-            [toMainThread] {
-                toMainThread([](RecordingViewModel& model) { model.sleepHold_.reset(); });
-            },
-    });
+    const auto progressed = [progressed = platform_.recorderProgressed] {
+        if (progressed) {
+            progressed();
+        }
+    };
+    recorder_->onCaptureInterrupted = [toMainThread](const std::exception_ptr& cause) {
+        toMainThread([cause](Model& model) { model.handleInterruption(cause); });
+    };
+    recorder_->onAudioLevel = [toMainThread](AudioLevelSource source, float level) {
+        toMainThread([source, level](Model& model) { model.updateAudioLevel(source, level); });
+    };
+    recorder_->onSourceCondition = [toMainThread](auto source, auto condition) {
+        toMainThread(
+            [source, condition](Model& model) { model.updateCondition(source, condition); });
+    };
+    recorder_->onSoundLoss = [toMainThread](const SoundLoss& loss) {
+        toMainThread([loss](Model& model) { model.handleSoundLoss(loss); });
+    };
+    recorder_->onDiskRoom = [toMainThread](DiskRoom room) {
+        toMainThread([room](Model& model) { model.handleDiskRoom(room); });
+    };
+    recorder_->onRecordingSafe = [toMainThread, progressed] {
+        progressed();
+        toMainThread([](Model& model) { model.sleepHold_.reset(); });
+    };
+    recorder_->onExportProgress = [toMainThread, progressed](double fraction) {
+        progressed();
+        toMainThread([fraction](Model& model) { model.setSavingProgress(fraction); });
+    };
 }
 
 } // namespace vantoro

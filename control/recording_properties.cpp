@@ -77,6 +77,12 @@ void RecordingProperties::resetLevels() {
     setLevel(AudioLevelSource::microphone, 0);
 }
 
+void RecordingProperties::setSavingProgress(double progress) {
+    if (values_.savingProgress != progress) {
+        set(Property::savingProgress, &Values::savingProgress, progress);
+    }
+}
+
 void RecordingProperties::setCondition(AudioLevelSource source, SourceCondition condition) {
     const bool isSystemAudio = source == AudioLevelSource::systemAudio;
     const auto field = isSystemAudio ? &Values::systemAudioCondition : &Values::microphoneCondition;

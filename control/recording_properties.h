@@ -37,6 +37,7 @@ public:
         systemAudioCondition,
         microphoneCondition,
         elapsedSeconds,
+        savingProgress,
         outputDirectory,
         lastRecordingURL,
         errorMessage,
@@ -57,6 +58,7 @@ public:
         SourceCondition systemAudioCondition = SourceCondition::delivering;
         SourceCondition microphoneCondition = SourceCondition::delivering;
         std::int64_t elapsedSeconds = 0;
+        double savingProgress = 0; ///< 0 to 1, of a stop or a salvage
         std::filesystem::path outputDirectory;
         std::optional<std::filesystem::path> lastRecordingURL;
         /// The one message line: failures, what was saved without the user's doing, and that the
@@ -112,6 +114,8 @@ protected:
     void setErrorMessage(std::optional<std::string> message);
     void setLastRecordingURL(std::optional<std::filesystem::path> location);
     void setElapsedSeconds(std::int64_t seconds);
+    /// Told only where it is another one.
+    void setSavingProgress(double progress);
     void setLevel(AudioLevelSource source, double level);
     void resetLevels();
     /// Told only where it is another one.

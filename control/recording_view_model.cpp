@@ -63,6 +63,7 @@ void RecordingViewModel::startRecording() {
     setLastRecordingURL(std::nullopt);
     pendingStopReason_.reset();
     lost_ = {};
+    interruption_.clear();
     sleepHold_ = platform_.power.holdOffSleep(texts_.text(L10n::Key::recording));
     resetLevels();
     resetConditions();
@@ -112,6 +113,7 @@ void RecordingViewModel::stopRecording(StopReason reason) {
     if (values().errorMessage) {
         setErrorMessage(std::nullopt); // what was said of the room on the disk
     }
+    setSavingProgress(0);
     setState(RecordingState::Case::processing);
     resetLevels();
     resetConditions();
@@ -140,7 +142,8 @@ void RecordingViewModel::saved(const std::filesystem::path& recording, StopReaso
     if (lost_.isAny()) {
         setErrorMessage(lost_.text(texts_) + texts_.restSaved());
     } else if (const auto key = savedMessageKey(reason)) {
-        setErrorMessage(texts_.text(*key));
+        const bool isBroken = reason == StopReason::captureInterruption;
+        setErrorMessage(texts_.sentences({texts_.text(*key), isBroken ? interruption_ : ""}));
     }
     salvage_.resume(values().outputDirectory);
 }
@@ -155,8 +158,9 @@ void RecordingViewModel::fail(const std::exception_ptr& error, bool preserveChec
     sleepHold_.reset();
     const auto description = errorDescription(error, texts_.language());
     setState(RecordingState::failed(description));
-    const auto lost = lost_.isAny() ? " " + lost_.text(texts_) : std::string();
-    setErrorMessage(description + (preserveCheckpoint ? texts_.checkpointKept() : "") + lost);
+    setErrorMessage(
+        texts_.sentences({description + (preserveCheckpoint ? texts_.checkpointKept() : ""),
+                          lost_.text(texts_), interruption_}));
     refreshDevicesAndPermissions(); // a permission that was refused is shown as such
 }
 
@@ -189,6 +193,11 @@ void RecordingViewModel::handleStop(StopReason reason) {
     }
 }
 
+void RecordingViewModel::handleInterruption(const std::exception_ptr& cause) {
+    interruption_ = errorDescription(cause, texts_.language());
+    handleStop(StopReason::captureInterruption);
+}
+
 /// It may come before the recorder has said that it runs, and after a stop was asked for.
 void RecordingViewModel::handleDiskRoom(DiskRoom room) {
     if (room.advice == RoomAdvice::end) {
@@ -216,11 +225,11 @@ void RecordingViewModel::recovered(const SalvageResult& result) {
     if (!result.recordings.empty() && !isBusy(values().state.which())) {
         // Behind a failed stop, what was recovered is what that one could write.
         const bool isOfTheFailed = values().state.which() == RecordingState::Case::failed;
-        const auto lost = isOfTheFailed && lost_.isAny() ? " " + lost_.text(texts_) : std::string();
         setLastRecordingURL(result.recordings.back());
         setState(RecordingState::Case::completed);
-        setErrorMessage(texts_.recovered(result.recordings.size()) +
-                        texts_.originalsKept(result.keptOriginals) + lost);
+        setErrorMessage(texts_.sentences({texts_.recovered(result.recordings.size()) +
+                                              texts_.originalsKept(result.keptOriginals),
+                                          isOfTheFailed ? lost_.text(texts_) : ""}));
     }
     Q_EMIT salvageEnded();
 }

@@ -4,15 +4,16 @@
 
 #include <exception>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
+#include <string>
 
 #include "control/audio_level_store.h"
 #include "control/lost_sound.h"
 #include "control/ports/audio_devices.h"
 #include "control/ports/folder_panel.h"
 #include "control/ports/power_management.h"
-#include "control/ports/recorder.h"
 #include "control/ports/scheduler.h"
 #include "control/ports/workspace.h"
 #include "control/recording_properties.h"
@@ -20,6 +21,7 @@
 #include "control/survey_task.h"
 #include "control/task.h"
 #include "engine/ports/permissions.h"
+#include "engine/recorder.h"
 #include "l10n/l10n.h"
 #include "l10n/preferences.h"
 
@@ -38,6 +40,9 @@ struct ControlPlatform {
     Preferences& preferences;
     AudioLevelStore& levels;
     std::filesystem::path defaultRecordingFolder;
+    /// A stop or a salvage has got on: for those who judge whether it hangs. On its thread. May be
+    /// empty.
+    std::function<void()> recorderProgressed = {};
 };
 
 /// The one object that the interface follows and gives its commands to: it starts and stops the
@@ -98,6 +103,7 @@ private:
     void startTimer();
     void handleDidWake();
     void handleStop(StopReason reason);
+    void handleInterruption(const std::exception_ptr& cause);
     void handleDiskRoom(DiskRoom room);
     void handleSoundLoss(const SoundLoss& loss);
     void surveyed(const Survey& survey);
@@ -116,6 +122,7 @@ private:
     std::unique_ptr<RepeatingTimer> timer_;       // while recording
     std::optional<StopReason> pendingStopReason_; // arrived while preparing
     LostSound lost_;                              // of the recording that is made, or was last
+    std::string interruption_;                    // what broke it, a sentence; or empty
     std::unique_ptr<SleepHold> sleepHold_;        // until what was recorded is on the disk
     std::unique_ptr<PowerObservation> powerObservation_;
 };

@@ -10,9 +10,9 @@
 
 #include <QtCore/QObject>
 
-#include "control/ports/recorder.h"
 #include "control/ports/scheduler.h"
 #include "control/task.h"
+#include "engine/recorder.h"
 
 namespace vantoro {
 

@@ -18,6 +18,7 @@
 #include "engine/ports/file_system.h"
 #include "engine/ports/media_toolkit.h"
 #include "engine/ports/permissions.h"
+#include "engine/recorder.h"
 #include "engine/recording_types.h"
 #include "engine/salvage.h"
 #include "engine/sample_path.h"
@@ -36,61 +37,23 @@ struct RecorderPlatform {
     Clock& clock;
 };
 
-/// Records the computer's sound and a microphone into one M4A file.
-///
-/// A recording is `start`, then exactly one `stop`, also after an interruption. Both block, belong
-/// on a task thread (never the capture queue), and are never run at the same time.
-class AudioRecorder final : private CaptureStreamReceiver {
+/// The recorder, on ports of its platform.
+class AudioRecorder final : public Recorder, private CaptureStreamReceiver {
 public:
     static constexpr MediaTime checkpointInterval{6000, 600};       // 10 s
     static constexpr MediaTime initialCheckpointInterval{600, 600}; // 1 s
 
     explicit AudioRecorder(const RecorderPlatform& platform);
-    AudioRecorder(const AudioRecorder&) = delete;
-    AudioRecorder& operator=(const AudioRecorder&) = delete;
-    /// What a running recording has captured stays in its temporary file.
     ~AudioRecorder() override;
 
-    /// On return capture runs; the file begins with the first buffer. Throws a `RecordingError`, or
-    /// the platform's error unchanged; then nothing runs and nothing is left in the folder.
-    void start(const RecordingOptions& options);
+    void start(const RecordingOptions& options) override;
+    void expectVolumes(float systemVolume, float microphoneVolume) override;
+    std::filesystem::path stop(float systemVolume, float microphoneVolume) override;
 
-    /// With which gains `stop` will probably mix: the mix may be made ahead. Any thread, at any
-    /// time; does not block.
-    void expectVolumes(float systemVolume, float microphoneVolume);
+    bool hasKeptRecording() const noexcept override { return hasKeptRecording_; }
 
-    /// Ends the recording and returns the place of the final file, mixed with these linear gains.
-    /// Throws a `RecordingError`, or the platform's error unchanged; then the temporary file is
-    /// kept if sound was written to it. In either case another recording can be started.
-    std::filesystem::path stop(float systemVolume, float microphoneVolume);
-
-    /// After a `stop` that threw: whether the temporary file is in the folder, and sound can be
-    /// read from it. Until the next `start`; not beside a `stop`.
-    bool hasKeptRecording() const noexcept { return hasKeptRecording_; }
-
-    /// Finishes the recordings in the folder that were interrupted; see `salvage.h`. Blocks. May
-    /// run beside all else: a recording in work is passed over.
     SalvageResult recoverIncompleteRecordings(const std::filesystem::path& folder,
-                                              const std::stop_token& stop);
-
-    // Set before `start`, and not while a recording runs. Each may be empty.
-
-    /// Capture broke, or the file cannot be written: what there is waits for `stop`. Capture queue.
-    CaptureInterruptedCallback onCaptureInterrupted;
-    /// Capture queue.
-    AudioLevelCallback onAudioLevel;
-    /// A source gives no sound, or does again. Capture queue.
-    SourceConditionCallback onSourceCondition;
-    /// Sound was lost: on the capture queue, or on the thread of `stop`.
-    SoundLossCallback onSoundLoss;
-    /// The disk gets full. When there is only room for the final file left, the receiver is
-    /// expected to call `stop`.
-    DiskRoomCallback onDiskRoom;
-    /// During `stop`: all that was captured is on the disk. Whatever becomes of the final file, it
-    /// can be made again. On the thread of `stop`.
-    std::function<void()> onRecordingSafe;
-    /// How far `stop` is with the final file. On the thread of `stop`.
-    ExportProgress onExportProgress;
+                                              const std::stop_token& stop) override;
 
 private:
     void checkPermissions(const RecordingOptions& options);

@@ -162,6 +162,14 @@ std::string L10n::quit() const {
     return language() == AppLanguage::english ? "Quit" : "退出";
 }
 
+std::string L10n::sentences(std::initializer_list<std::string> texts) const {
+    std::string joined;
+    for (const auto& text : texts) {
+        joined += joined.empty() || text.empty() ? text : ' ' + text;
+    }
+    return joined;
+}
+
 std::string L10n::checkpointKept() const {
     return language() == AppLanguage::english
                ? " A recoverable recording checkpoint was kept in the recording folder."

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <initializer_list>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -133,6 +134,9 @@ public:
     /// without a full stop; empty where it delivers.
     std::string conditionInShort(SourceCondition condition) const;
     std::string condition(SourceCondition condition) const;
+
+    /// One text of several; the empty ones are left out.
+    std::string sentences(std::initializer_list<std::string> texts) const;
 
     /// The command that ends the program.
     std::string quit() const;

@@ -21,8 +21,8 @@
 #include <QtCore/QTimer>
 
 #include "app/recording_platform.h"
-#include "control/engine_recorder.h"
 #include "control/recording_view_model.h"
+#include "engine/audio_recorder.h"
 #include "l10n/settings_file.h"
 
 namespace vantoro {
@@ -134,7 +134,7 @@ int run(const std::string& folder, double seconds) {
     preferences.set(Preference::outputDirectory, folder);
     const auto before = Clock::now();
     RecordingPlatform platform(RecordingPlatform::Meters::shown);
-    RecordingViewModel model(std::make_unique<EngineRecorder>(platform.forRecorder()),
+    RecordingViewModel model(std::make_unique<AudioRecorder>(platform.forRecorder()),
                              platform.forControl(preferences));
     std::cout << "construction "
               << std::chrono::duration<double, std::milli>(Clock::now() - before).count() << '\n'

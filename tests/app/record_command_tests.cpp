@@ -61,12 +61,12 @@ private:
     int runWithViewModel() {
         RecordRun recordRun(command, ending, preferences);
         QtScheduler scheduler;
-        auto engine = std::make_unique<EngineRecorder>(
-            RecorderPlatform{screen, microphone, content, capture, toolkit, fileSystem, clock},
-            recordRun.details());
+        auto engine = std::make_unique<AudioRecorder>(
+            RecorderPlatform{screen, microphone, content, capture, toolkit, fileSystem, clock});
         RecordingViewModel model(std::move(engine),
                                  {scheduler, power, devices, screenSurvey, microphoneSurvey,
-                                  workspace, folderPanel, preferences, levels, folder});
+                                  workspace, folderPanel, preferences, levels, folder,
+                                  [this] { ending.moved(); }});
         return recordRun.run(model);
     }
 };
@@ -116,8 +116,8 @@ TEST_F(RecordCommandTest, brokenCaptureSavesWhatThereIsAndSaysWhy) {
               }),
               0);
     EXPECT_EQ(output, finalFile.string() + "\n");
-    EXPECT_EQ(errors, "The microphone is gone.\nAudio capture was interrupted. The captured audio "
-                      "was saved successfully.\n");
+    EXPECT_EQ(errors, "Audio capture was interrupted. The captured audio was saved successfully. "
+                      "The microphone is gone.\n");
 }
 
 TEST_F(RecordCommandTest, recordingThatNeverBeganSaysWhatBrokeIt) {
@@ -125,8 +125,8 @@ TEST_F(RecordCommandTest, recordingThatNeverBeganSaysWhatBrokeIt) {
     toolkit.writing.error = "Permission denied";
     EXPECT_EQ(run([&] { captureSomething(); }), 1);
     EXPECT_EQ(output, "");
-    EXPECT_EQ(errors, "Recording failed: Permission denied\n"
-                      "No audio was captured. Check the selected sources and try again.\n");
+    EXPECT_EQ(errors, "No audio was captured. Check the selected sources and try again. "
+                      "Recording failed: Permission denied\n");
     EXPECT_TRUE(fileSystem.entries.empty());
 }
 

@@ -14,7 +14,6 @@
 #include "control/ports/audio_devices.h"
 #include "control/ports/folder_panel.h"
 #include "control/ports/power_management.h"
-#include "control/ports/recorder.h"
 #include "control/ports/workspace.h"
 #include "engine/ports/permissions.h"
 
@@ -41,12 +40,7 @@ struct RecorderScript {
     std::function<void()> duringStop;
     std::function<void()> duringSalvage;
 
-    CaptureInterruptedCallback interrupted;
-    AudioLevelCallback level;
-    SourceConditionCallback condition;
-    SoundLossCallback loss;
-    DiskRoomCallback room;
-    std::function<void()> safe;
+    Recorder* recorder = nullptr; ///< the last one
     bool recorderLives = false;
 };
 
@@ -54,21 +48,13 @@ class FakeRecorder final : public Recorder {
 public:
     explicit FakeRecorder(RecorderScript& script) : script_(script) {
         script_.recorderLives = true;
+        script_.recorder = this;
     }
 
     FakeRecorder(const FakeRecorder&) = delete;
     FakeRecorder& operator=(const FakeRecorder&) = delete;
 
     ~FakeRecorder() override { script_.recorderLives = false; }
-
-    void setCallbacks(RecorderCallbacks callbacks) override {
-        script_.interrupted = std::move(callbacks.onCaptureInterrupted);
-        script_.level = std::move(callbacks.onAudioLevel);
-        script_.condition = std::move(callbacks.onSourceCondition);
-        script_.loss = std::move(callbacks.onSoundLoss);
-        script_.room = std::move(callbacks.onDiskRoom);
-        script_.safe = std::move(callbacks.onRecordingSafe);
-    }
 
     void start(const RecordingOptions& options) override {
         script_.calls.emplace_back("start");
@@ -86,11 +72,11 @@ public:
         script_.volumes.emplace_back(systemVolume, microphoneVolume);
         meanwhile(script_.duringStop);
         throwIfThere(script_.stopError);
-        script_.safe();
+        onRecordingSafe();
         return script_.recording;
     }
 
-    bool hasKeptRecording() const override { return script_.keepsRecording; }
+    bool hasKeptRecording() const noexcept override { return script_.keepsRecording; }
 
     SalvageResult recoverIncompleteRecordings(const std::filesystem::path& folder,
                                               const std::stop_token& stop) override {

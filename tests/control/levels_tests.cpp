@@ -92,8 +92,8 @@ TEST_F(LevelsTest, areWrittenOnTheMainThreadOnlyAndEachOfThem) {
     lead(Case::recording);
     int written = 0;
     QObject::connect(&levels, &AudioLevelStore::levelChanged, model.get(), [&] { ++written; });
-    recorder.level(AudioLevelSource::microphone, 0.25F);
-    recorder.level(AudioLevelSource::microphone, 0.25F);
+    recorder.recorder->onAudioLevel(AudioLevelSource::microphone, 0.25F);
+    recorder.recorder->onAudioLevel(AudioLevelSource::microphone, 0.25F);
     expectLevels(0, 0);
     scheduler.runMain();
     EXPECT_EQ(written, 2);
@@ -115,7 +115,7 @@ TEST_F(LevelsTest, areZeroAtOnceWhenTheRecordingIsStoppedAndStaySo) {
     lead(Case::recording);
     reportLevel(systemAudio, 0.5F);
     reportLevel(AudioLevelSource::microphone, 0.5F);
-    recorder.level(AudioLevelSource::microphone, 0.75F); // on its way
+    recorder.recorder->onAudioLevel(AudioLevelSource::microphone, 0.75F); // on its way
     model->toggleRecording();
     expectLevels(0, 0);
     scheduler.runMain();
@@ -144,7 +144,7 @@ TEST_F(LevelsTest, stayZeroAfterAFailedStop) {
 class ConditionsTest : public ViewModelTest {
 protected:
     void reportMuted() {
-        recorder.condition(AudioLevelSource::microphone, SourceCondition::muted);
+        recorder.recorder->onSourceCondition(AudioLevelSource::microphone, SourceCondition::muted);
         scheduler.runMain();
     }
 
@@ -160,7 +160,7 @@ TEST_F(ConditionsTest, reachTheWindowAndTheStoreByTheirSource) {
     reportMuted();
     EXPECT_EQ(ofMicrophone(), SourceCondition::muted);
     EXPECT_EQ(values().systemAudioCondition, SourceCondition::delivering);
-    recorder.condition(systemAudio, SourceCondition::silent);
+    recorder.recorder->onSourceCondition(systemAudio, SourceCondition::silent);
     scheduler.runMain();
     EXPECT_EQ(ofMicrophone(), SourceCondition::muted);
     EXPECT_EQ(values().systemAudioCondition, SourceCondition::silent);
@@ -179,7 +179,7 @@ TEST_F(ConditionsTest, areIgnoredWhenNothingIsRecorded) {
     for (const auto from : {Case::idle, Case::processing, Case::completed, Case::failed}) {
         ViewModelWorld world;
         world.lead(from);
-        world.recorder.condition(systemAudio, SourceCondition::silent);
+        world.recorder.recorder->onSourceCondition(systemAudio, SourceCondition::silent);
         world.scheduler.runMain();
         EXPECT_EQ(world.values().systemAudioCondition, SourceCondition::delivering);
         EXPECT_EQ(world.levels.condition(systemAudio), SourceCondition::delivering);
@@ -189,7 +189,7 @@ TEST_F(ConditionsTest, areIgnoredWhenNothingIsRecorded) {
 TEST_F(ConditionsTest, endWithTheRecording) {
     lead(Case::recording);
     reportMuted();
-    recorder.condition(systemAudio, SourceCondition::silent);
+    recorder.recorder->onSourceCondition(systemAudio, SourceCondition::silent);
     scheduler.runMain();
     model->toggleRecording();
     EXPECT_EQ(ofMicrophone(), SourceCondition::delivering);

@@ -15,7 +15,7 @@ protected:
     LostSoundTest() { lead(Case::recording); }
 
     void lose(const SoundLoss& loss) {
-        recorder.loss(loss);
+        recorder.recorder->onSoundLoss(loss);
         scheduler.runMain();
     }
 
@@ -25,7 +25,8 @@ protected:
 
     void loseAtTheEnd(double seconds) {
         recorder.duringStop = [this, seconds] {
-            recorder.loss({SoundLoss::Cause::notWritten, seconds, std::nullopt, "No room"});
+            recorder.recorder->onSoundLoss(
+                {SoundLoss::Cause::notWritten, seconds, std::nullopt, "No room"});
         };
     }
 };

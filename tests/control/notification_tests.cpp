@@ -94,11 +94,11 @@ TEST_F(NotificationTest, ofTheStateAloneComesOnceAfterEachChange) {
 TEST_F(NotificationTest, ofAConditionNamesItsSource) {
     lead(Case::recording);
     watch();
-    recorder.condition(AudioLevelSource::systemAudio, SourceCondition::silent);
+    recorder.recorder->onSourceCondition(AudioLevelSource::systemAudio, SourceCondition::silent);
     scheduler.runMain();
     EXPECT_EQ(seen, each({systemAudioCondition}));
     seen.clear();
-    recorder.condition(AudioLevelSource::microphone, SourceCondition::muted);
+    recorder.recorder->onSourceCondition(AudioLevelSource::microphone, SourceCondition::muted);
     scheduler.runMain();
     EXPECT_EQ(seen, each({microphoneCondition}));
 }

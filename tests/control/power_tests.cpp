@@ -25,7 +25,7 @@ TEST_F(ViewModelTest, savesWhatWasRecordedWhenCaptureBreaks) {
     interruptCapture();
     EXPECT_EQ(state(), Case::processing);
     scheduler.settle();
-    EXPECT_EQ(message(), text(Key::captureInterruptedSaved));
+    EXPECT_EQ(message(), text(Key::captureInterruptedSaved) + " connection lost");
 }
 
 TEST_F(ViewModelTest, keepsTheReasonForWhichARecordingIsBeingSaved) {
@@ -39,7 +39,7 @@ TEST_F(ViewModelTest, keepsTheReasonForWhichARecordingIsBeingSaved) {
 
 TEST_F(ViewModelTest, hearsOfAnInterruptionOnTheMainThreadOnly) {
     lead(Case::recording);
-    recorder.interrupted(failure("connection lost"));
+    recorder.recorder->onCaptureInterrupted(failure("connection lost"));
     EXPECT_EQ(state(), Case::recording);
     scheduler.runMain();
     EXPECT_EQ(state(), Case::processing);
@@ -76,7 +76,7 @@ TEST_F(ViewModelTest, letsTheMachineSleepBeforeTheFilesAreMixed) {
     bool heldWhileMixing = true;
     recorder.duringStop = [&] {
         heldWhileNotSafe = power.isHeldOff();
-        recorder.safe();
+        recorder.recorder->onRecordingSafe();
         scheduler.runMain();
         heldWhileMixing = power.isHeldOff();
     };
@@ -138,8 +138,8 @@ TEST_F(ViewModelTest, followsThePowerStateForAsLongAsItLives) {
 
 TEST_F(ViewModelTest, isNotMissedByWhatTheRecorderReportsTooLate) {
     lead(Case::recording);
-    recorder.interrupted(failure("connection lost"));
-    recorder.level(AudioLevelSource::microphone, 0.5F);
+    recorder.recorder->onCaptureInterrupted(failure("connection lost"));
+    recorder.recorder->onAudioLevel(AudioLevelSource::microphone, 0.5F);
     model.reset();
     scheduler.settle();
     EXPECT_EQ(levels.microphoneLevel(), 0);

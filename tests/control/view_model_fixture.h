@@ -86,17 +86,18 @@ struct ViewModelWorld {
     }
 
     void reportLevel(AudioLevelSource source, float level) {
-        recorder.level(source, level);
+        recorder.recorder->onAudioLevel(source, level);
         scheduler.runMain();
     }
 
     void interruptCapture() {
-        recorder.interrupted(std::make_exception_ptr(std::runtime_error("connection lost")));
+        recorder.recorder->onCaptureInterrupted(
+            std::make_exception_ptr(std::runtime_error("connection lost")));
         scheduler.runMain();
     }
 
     void reportRoom(RoomAdvice advice, std::int64_t minutes = 0) {
-        recorder.room({.advice = advice, .minutesLeft = minutes});
+        recorder.recorder->onDiskRoom({.advice = advice, .minutesLeft = minutes});
         scheduler.runMain();
     }
 

@@ -19,8 +19,8 @@
 #include "app/ending.h"
 #include "app/record_command.h"
 #include "app/stop_signals.h"
-#include "control/engine_recorder.h"
 #include "control/qt_scheduler.h"
+#include "engine/audio_recorder.h"
 #include "platform/ffmpeg/toolkit.h"
 #include "platform/posix/posix_file_system.h"
 #include "platform/posix/system_clock.h"
@@ -58,12 +58,10 @@ public:
                        return !isMixedAhead_;
                    }),
           run_(command_, ending, preferences_),
-          model_(std::make_unique<EngineRecorder>(RecorderPlatform{screen_, microphone_, content_,
-                                                                   capture_, toolkit_, fileSystem_,
-                                                                   clock_},
-                                                  run_.details()),
+          model_(std::make_unique<AudioRecorder>(RecorderPlatform{
+                     screen_, microphone_, content_, capture_, toolkit_, fileSystem_, clock_}),
                  {scheduler_, power_, devices_, screenSurvey_, microphoneSurvey_, workspace_,
-                  folderPanel_, preferences_, levels_, folder}) {}
+                  folderPanel_, preferences_, levels_, folder, [&ending] { ending.moved(); }}) {}
 
     int run() {
         waitForSalvage(model_);

@@ -212,8 +212,9 @@ void ContentView::showProperty(Property property) {
     case Property::microphonePermission:
         showPermissions();
         break;
-    case Property::errorMessage:
-        break; // has a window of its own
+    case Property::savingProgress:
+    case Property::errorMessage: // has a window of its own
+        break;
     }
 }
 

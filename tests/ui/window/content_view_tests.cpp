@@ -164,7 +164,7 @@ TEST_F(ContentViewTest, meterOfASourceThatGivesNothingSaysSo) {
     auto* const bar = find<LevelBar>("Mic");
     ASSERT_NE(bar, nullptr);
     const QSize sizeBefore = bar->parentWidget()->size();
-    recorder.condition(AudioLevelSource::microphone, SourceCondition::muted);
+    recorder.recorder->onSourceCondition(AudioLevelSource::microphone, SourceCondition::muted);
     scheduler.runMain();
     const QString muted = "Muted in the desktop's sound settings";
     EXPECT_EQ(bar->parentWidget()->toolTip(), muted);
@@ -174,7 +174,7 @@ TEST_F(ContentViewTest, meterOfASourceThatGivesNothingSaysSo) {
     QCoreApplication::sendPostedEvents();
     EXPECT_EQ(bar->parentWidget()->size(), sizeBefore);
     EXPECT_EQ(find<LevelBar>("System")->parentWidget()->toolTip(), QString());
-    recorder.condition(AudioLevelSource::microphone, SourceCondition::delivering);
+    recorder.recorder->onSourceCondition(AudioLevelSource::microphone, SourceCondition::delivering);
     scheduler.runMain();
     EXPECT_EQ(bar->parentWidget()->toolTip(), QString());
     EXPECT_TRUE(isSeen("50%"));

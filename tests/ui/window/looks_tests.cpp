@@ -160,11 +160,13 @@ protected:
         }
         if (scene.microphoneCondition != SourceCondition::delivering) {
             reportLevel(AudioLevelSource::microphone, 0);
-            recorder.condition(AudioLevelSource::microphone, scene.microphoneCondition);
+            recorder.recorder->onSourceCondition(AudioLevelSource::microphone,
+                                                 scene.microphoneCondition);
             scheduler.runMain();
         }
         if (scene.systemAudioCondition != SourceCondition::delivering) {
-            recorder.condition(AudioLevelSource::systemAudio, scene.systemAudioCondition);
+            recorder.recorder->onSourceCondition(AudioLevelSource::systemAudio,
+                                                 scene.systemAudioCondition);
             scheduler.runMain();
         }
     }

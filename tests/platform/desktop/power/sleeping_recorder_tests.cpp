@@ -110,7 +110,7 @@ TEST_F(SleepingRecorderTest, oneThatRecordsIsWaitedForUntilTheSoundIsSafeAndMixe
     record();
     recorder.duringStop = [this] {
         mayGoOn.acquire();
-        recorder.safe();
+        recorder.recorder->onRecordingSafe();
         mayGoOn.acquire(); // the machine sleeps
     };
     logind.prepareForSleep(true);

@@ -2,12 +2,11 @@
 
 // The view model with the engine's own recorder, on threads as in the program.
 
-#include "control/engine_recorder.h"
-
 #include <gtest/gtest.h>
 
 #include "control/qt_scheduler.h"
 #include "control/recording_view_model.h"
+#include "engine/audio_recorder.h"
 #include "tests/control/control_fakes.h"
 #include "tests/control/event_loop.h"
 #include "tests/l10n/memory_preferences.h"
@@ -18,7 +17,7 @@ namespace {
 
 using Case = RecordingState::Case;
 
-class EngineRecorderTest : public ::testing::Test {
+class EngineTest : public ::testing::Test {
 protected:
     EventLoop loop;
     CallLog log;
@@ -38,13 +37,12 @@ protected:
     QtScheduler scheduler;
     std::unique_ptr<RecordingViewModel> model;
 
-    void launch(RecorderDetails details = {}) {
+    void launch(std::function<void()> recorderProgressed = {}) {
         model = std::make_unique<RecordingViewModel>(
-            std::make_unique<EngineRecorder>(
-                RecorderPlatform{screen, microphone, content, capture, toolkit, fileSystem, clock},
-                std::move(details)),
+            std::make_unique<AudioRecorder>(
+                RecorderPlatform{screen, microphone, content, capture, toolkit, fileSystem, clock}),
             ControlPlatform{scheduler, power, devices, screen, microphone, workspace, folderPanel,
-                            preferences, levels, "/recordings"});
+                            preferences, levels, "/recordings", std::move(recorderProgressed)});
     }
 
     void startRecording() {
@@ -57,7 +55,7 @@ protected:
     }
 };
 
-TEST_F(EngineRecorderTest, recordsAndShowsLevels) {
+TEST_F(EngineTest, recordsAndShowsLevels) {
     startRecording();
     ASSERT_TRUE(comesTo(Case::recording));
     capture.deliver(bufferAt(0, 2, 256, 1.0F), StreamOutputType::audio);
@@ -69,7 +67,7 @@ TEST_F(EngineRecorderTest, recordsAndShowsLevels) {
     EXPECT_EQ(toolkit.exportedGains, (std::vector<float>{0.9F, 1.0F}));
 }
 
-TEST_F(EngineRecorderTest, showsNoMoreThanFifteenLevelsASecondOfEachSource) {
+TEST_F(EngineTest, showsNoMoreThanFifteenLevelsASecondOfEachSource) {
     startRecording();
     ASSERT_TRUE(comesTo(Case::recording));
     std::map<RecordingProperties::Property, int> writings;
@@ -90,17 +88,18 @@ TEST_F(EngineRecorderTest, showsNoMoreThanFifteenLevelsASecondOfEachSource) {
     }
 }
 
-TEST_F(EngineRecorderTest, savesWhenCaptureStopsByItself) {
+TEST_F(EngineTest, savesWhenCaptureStopsByItself) {
     startRecording();
     ASSERT_TRUE(comesTo(Case::recording));
     capture.deliver(bufferAt(0), StreamOutputType::audio);
     capture.stopByItself(std::make_exception_ptr(std::runtime_error("connection lost")));
     ASSERT_TRUE(comesTo(Case::completed));
     EXPECT_EQ(model->values().errorMessage,
-              "Audio capture was interrupted. The captured audio was saved successfully.");
+              "Audio capture was interrupted. The captured audio was saved successfully. "
+              "connection lost");
 }
 
-TEST_F(EngineRecorderTest, tellsOfAMutedMicrophone) {
+TEST_F(EngineTest, tellsOfAMutedMicrophone) {
     startRecording();
     ASSERT_TRUE(comesTo(Case::recording));
     capture.muteMicrophone(true);
@@ -108,7 +107,7 @@ TEST_F(EngineRecorderTest, tellsOfAMutedMicrophone) {
         [&] { return model->values().microphoneCondition == SourceCondition::muted; }));
 }
 
-TEST_F(EngineRecorderTest, letsTheMachineSleepOnceTheRecordingIsSafe) {
+TEST_F(EngineTest, letsTheMachineSleepOnceTheRecordingIsSafe) {
     startRecording();
     ASSERT_TRUE(comesTo(Case::recording));
     capture.deliver(bufferAt(0), StreamOutputType::audio);
@@ -118,7 +117,7 @@ TEST_F(EngineRecorderTest, letsTheMachineSleepOnceTheRecordingIsSafe) {
     EXPECT_FALSE(power.isHeldOff());
 }
 
-TEST_F(EngineRecorderTest, saysWithWhichVolumesTheRecordingWillBeMixed) {
+TEST_F(EngineTest, saysWithWhichVolumesTheRecordingWillBeMixed) {
     startRecording();
     ASSERT_TRUE(comesTo(Case::recording));
     model->setSystemVolume(0.25);
@@ -126,29 +125,17 @@ TEST_F(EngineRecorderTest, saysWithWhichVolumesTheRecordingWillBeMixed) {
         << ::testing::PrintToString(log.startingWith("expectMix"));
 }
 
-TEST_F(EngineRecorderTest, givesTheCommandLineItsDetails) {
-    std::atomic<double> progress = 0;
-    std::string cause;
-    launch({.onCaptureInterrupted =
-                [&](const std::exception_ptr& error) {
-                    try {
-                        std::rethrow_exception(error);
-                    } catch (const std::exception& exception) {
-                        cause = exception.what();
-                    }
-                },
-            .onExportProgress = [&](double fraction) { progress = fraction; },
-            .onRecordingSafe = {}});
-    model->startRecording();
+TEST_F(EngineTest, showsHowFarTheSavingIs) {
+    startRecording();
     ASSERT_TRUE(comesTo(Case::recording));
     capture.deliver(bufferAt(0), StreamOutputType::audio);
-    capture.stopByItself(std::make_exception_ptr(std::runtime_error("connection lost")));
+    model->toggleRecording();
+    EXPECT_EQ(model->values().savingProgress, 0);
     ASSERT_TRUE(comesTo(Case::completed));
-    EXPECT_EQ(cause, "connection lost");
-    EXPECT_EQ(progress, 1);
+    EXPECT_EQ(model->values().savingProgress, 1);
 }
 
-TEST_F(EngineRecorderTest, failsAsTheEngineDoes) {
+TEST_F(EngineTest, failsAsTheEngineDoes) {
     screen.allowed = false;
     startRecording();
     ASSERT_TRUE(comesTo(Case::failed));
@@ -156,28 +143,22 @@ TEST_F(EngineRecorderTest, failsAsTheEngineDoes) {
     EXPECT_TRUE(log.contains("screen request")) << ::testing::PrintToString(log.calls());
 }
 
-TEST_F(EngineRecorderTest, tellsOfEachStepOfAStopBesideTheViewModel) {
-    std::vector<std::string> steps;
-    EngineRecorder engine(
-        RecorderPlatform{screen, microphone, content, capture, toolkit, fileSystem, clock},
-        {.onCaptureInterrupted = {},
-         .onExportProgress = [&](double) { steps.emplace_back("exported"); },
-         .onRecordingSafe = [&] { steps.emplace_back("safe"); }});
-    engine.setCallbacks({.onCaptureInterrupted = {},
-                         .onAudioLevel = {},
-                         .onSourceCondition = {},
-                         .onSoundLoss = {},
-                         .onDiskRoom = {},
-                         .onRecordingSafe = [&] { steps.emplace_back("told the view model"); }});
-    engine.start({true, true, std::nullopt, "/recordings"});
+TEST_F(EngineTest, tellsAtOnceThatAStopHasGotOn) {
+    std::atomic<int> steps = 0;
+    launch([&] { ++steps; });
+    model->startRecording();
+    ASSERT_TRUE(comesTo(Case::recording));
     capture.deliver(bufferAt(0), StreamOutputType::audio);
-    engine.stop(1, 1);
-    ASSERT_GE(steps.size(), 2U);
-    EXPECT_EQ(steps.at(0), "safe");
-    EXPECT_EQ(steps.at(1), "told the view model");
+    EXPECT_EQ(steps, 0);
+    int stepsBeforeExport = 0;
+    toolkit.exporting.duringExport = [&] { stepsBeforeExport = steps; };
+    model->toggleRecording();
+    ASSERT_TRUE(comesTo(Case::completed));
+    EXPECT_EQ(stepsBeforeExport, 1); // the recording is safe
+    EXPECT_GT(steps, 1);
 }
 
-TEST_F(EngineRecorderTest, salvages) {
+TEST_F(EngineTest, salvages) {
     fileSystem.leave("/recordings/left.partial.mov");
     toolkit.exporting.trackCount = 2;
     launch();
