@@ -16,6 +16,7 @@
 #include "platform/desktop/bus/answering_bus.h"
 #include "platform/desktop/permission/microphone_access.h"
 #include "platform/ffmpeg/loaded_toolkit.h"
+#include "platform/pipewire/graph_query.h"
 #include "platform/posix/posix_file_system.h"
 
 namespace vantoro {

@@ -70,7 +70,7 @@ private:
     Arguments advice_; ///< each once
 };
 
-void addMicrophone(Writer& writer, const pipewire::SurveyedMicrophone& found) {
+void addMicrophone(Writer& writer, const capture::SurveyedMicrophone& found) {
     const auto& name = found.device.name;
     const auto shown = found.isDefault ? writer.text(Text::microphoneDefault, {name}) : name;
     if (found.mixer.isMuted) {
@@ -84,12 +84,12 @@ void addMicrophone(Writer& writer, const pipewire::SurveyedMicrophone& found) {
     }
 }
 
-void addMicrophones(Writer& writer, const pipewire::SoundSurvey& sound) {
+void addMicrophones(Writer& writer, const capture::SoundSurvey& sound) {
     for (const auto& found : sound.microphones) {
         addMicrophone(writer, found);
     }
     const bool hasDefault =
-        std::ranges::any_of(sound.microphones, &pipewire::SurveyedMicrophone::isDefault);
+        std::ranges::any_of(sound.microphones, &capture::SurveyedMicrophone::isDefault);
     if (sound.microphones.empty()) {
         writer.problem(Text::microphoneMissing, Text::microphoneMissingAdvice);
     } else if (!hasDefault && sound.hasSessionManager) { // without one nobody names it

@@ -8,10 +8,10 @@
 #include <string>
 
 #include "app/folder_check.h"
+#include "capture/graph/sound_survey.h"
 #include "l10n/app_language.h"
 #include "platform/desktop/desktop_survey.h"
 #include "platform/desktop/permission/microphone_policy.h"
-#include "platform/pipewire/sound_survey.h"
 
 namespace vantoro {
 
@@ -19,7 +19,7 @@ namespace vantoro {
 /// time.
 struct DoctorFindings {
     std::string soundLibraryVersion;
-    std::optional<pipewire::SoundSurvey> sound; ///< absent also where there is no sound server
+    std::optional<capture::SoundSurvey> sound; ///< absent also where there is no sound server
     desktop::DesktopSurvey desktop;
     std::optional<desktop::MicrophoneFacts> microphone; ///< what decides of its permission
     std::filesystem::path recordingFolder;

@@ -55,7 +55,7 @@ public:
         if (queue_ == nullptr || delivery_) {
             throw CaptureError("The recording cannot be started.");
         }
-        delivery_ = std::make_shared<CaptureDelivery>(*queue_, receiver_, outputs_);
+        delivery_ = std::make_shared<capture::CaptureDelivery>(*queue_, receiver_, outputs_);
         session_ = std::make_unique<CaptureSession>(
             settings_, delivery_,
             CaptureSession::Events{
@@ -79,8 +79,8 @@ private:
     const CaptureSettings settings_;
     CaptureStreamReceiver& receiver_;
     SerialQueue* queue_ = nullptr;
-    DeliveredOutputs outputs_;
-    std::shared_ptr<CaptureDelivery> delivery_;
+    capture::DeliveredOutputs outputs_;
+    std::shared_ptr<capture::CaptureDelivery> delivery_;
     std::unique_ptr<CaptureSession> session_;
 };
 

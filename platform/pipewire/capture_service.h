@@ -5,8 +5,8 @@
 #include <chrono>
 #include <memory>
 
+#include "capture/samples/capture_feed.h"
 #include "engine/ports/capture_stream.h"
-#include "platform/pipewire/capture_feed.h"
 
 namespace vantoro::pipewire {
 
@@ -20,8 +20,9 @@ public:
 
     /// Sound is delivered once so much of it is there, and twice a second at least. It is lost
     /// where the delivery queue stands still for longer than `longestStandstill`.
-    explicit CaptureService(std::chrono::milliseconds deliveryInterval = metersInterval,
-                            std::chrono::seconds longestStandstill = CaptureFeed::usualLength)
+    explicit CaptureService(
+        std::chrono::milliseconds deliveryInterval = metersInterval,
+        std::chrono::seconds longestStandstill = capture::CaptureFeed::usualLength)
         : deliveryInterval_(deliveryInterval), longestStandstill_(longestStandstill) {}
 
     std::shared_ptr<CaptureStream> makeStream(const ContentFilter& filter,

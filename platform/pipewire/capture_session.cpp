@@ -6,10 +6,10 @@
 #include <utility>
 #include <vector>
 
-#include "platform/pipewire/capture_beginning.h"
+#include "capture/graph/channel_fold.h"
+#include "capture/samples/capture_beginning.h"
+#include "capture/samples/frame_clock.h"
 #include "platform/pipewire/capture_error.h"
-#include "platform/pipewire/channel_fold.h"
-#include "platform/pipewire/frame_clock.h"
 
 namespace vantoro::pipewire {
 
@@ -42,8 +42,8 @@ std::string endedText(const InputStream& stream) {
 
 } // namespace
 
-CaptureSession::CaptureSession(CaptureSettings settings, std::shared_ptr<CaptureDelivery> delivery,
-                               Events events)
+CaptureSession::CaptureSession(CaptureSettings settings,
+                               std::shared_ptr<capture::CaptureDelivery> delivery, Events events)
     : settings_(std::move(settings)),
       delivery_(std::move(delivery)),
       events_(std::move(events)),
@@ -99,7 +99,7 @@ void CaptureSession::open() {
 }
 
 void CaptureSession::openMicrophone() {
-    const Graph& graph = mirror_.graph();
+    const capture::Graph& graph = mirror_.graph();
     const std::string& name = settings_.microphoneName.value_or(graph.defaultMicrophone);
     const auto source = findMicrophone(graph, name);
     if (!source) {
@@ -111,14 +111,16 @@ void CaptureSession::openMicrophone() {
     hearMicrophone(*source);
 }
 
-std::unique_ptr<InputStream> CaptureSession::makeStream(CaptureSource source,
+std::unique_ptr<InputStream> CaptureSession::makeStream(capture::CaptureSource source,
                                                         std::size_t channels) {
-    auto feed = std::make_shared<CaptureFeed>(source, settings_.longestStandstill);
-    const InputStream::Wake wake{
-        .frames =
-            static_cast<std::size_t>(framesInMilliseconds(settings_.deliveryInterval.count())),
-        .call = [](void* delivery) noexcept { static_cast<CaptureDelivery*>(delivery)->wake(); },
-        .receiver = delivery_.get()};
+    auto feed = std::make_shared<capture::CaptureFeed>(source, settings_.longestStandstill);
+    const InputStream::Wake wake{.frames = static_cast<std::size_t>(capture::framesInMilliseconds(
+                                     settings_.deliveryInterval.count())),
+                                 .call =
+                                     [](void* delivery) noexcept {
+                                         static_cast<capture::CaptureDelivery*>(delivery)->wake();
+                                     },
+                                 .receiver = delivery_.get()};
     auto stream = std::make_unique<InputStream>(connection_.core(), feed, channels, wake,
                                                 [this] { updateEvent_.request(); });
     delivery_->addFeed(std::move(feed));
@@ -132,7 +134,7 @@ void CaptureSession::update() {
     if (phase_ != Phase::starting && phase_ != Phase::running) {
         return;
     }
-    orphans_.update(mirror_.graph(), nanosecondsOn(CLOCK_MONOTONIC));
+    orphans_.update(mirror_.graph(), capture::nanosecondsOn(CLOCK_MONOTONIC));
     if (orphans_.awaitsManager()) {
         updateLinks(); // of streams that are about to be closed
     }
@@ -157,7 +159,7 @@ void CaptureSession::updateLinks() {
 
 void CaptureSession::updateTaps() {
     const bool areWanted = settings_.systemAudio && !orphans_.awaitsManager();
-    const auto present = areWanted ? outputs(mirror_.graph()) : std::set<Identity>();
+    const auto present = areWanted ? outputs(mirror_.graph()) : std::set<capture::Identity>();
     for (auto entry = taps_.begin(); entry != taps_.end();) {
         auto& [output, tap] = *entry;
         if (present.contains(output)) {
@@ -170,9 +172,10 @@ void CaptureSession::updateTaps() {
         close(tap);
         entry = taps_.erase(entry);
     }
-    for (const Identity& output : present) {
+    for (const capture::Identity& output : present) {
         if (!taps_.contains(output)) {
-            taps_.emplace(output, makeStream(CaptureSource::systemAudio, tapChannels.size()));
+            taps_.emplace(output, makeStream(capture::CaptureSource::systemAudio,
+                                             capture::tapChannels.size()));
         }
     }
     tellObstacle(AudioLevelSource::systemAudio,
@@ -185,8 +188,9 @@ void CaptureSession::updateMicrophone() {
     if (!followed_) {
         return;
     }
-    using Presence = FollowedMicrophone::Presence;
-    const auto presence = followed_->update(mirror_.graph(), nanosecondsOn(CLOCK_MONOTONIC));
+    using Presence = capture::FollowedMicrophone::Presence;
+    const auto presence =
+        followed_->update(mirror_.graph(), capture::nanosecondsOn(CLOCK_MONOTONIC));
     if (microphone_ && microphone_->state() == InputStream::State::ended) {
         fail(endedText(*microphone_));
     } else if (presence == Presence::gone) {
@@ -200,12 +204,12 @@ void CaptureSession::updateMicrophone() {
     }
 }
 
-void CaptureSession::hearMicrophone(const Microphone& source) {
-    const Graph& graph = mirror_.graph();
+void CaptureSession::hearMicrophone(const capture::Microphone& source) {
+    const capture::Graph& graph = mirror_.graph();
     const std::size_t inputs = portsOf(graph, source).size();
     if (!microphone_ && inputs > 0) { // of a device that has just come back they may follow
-        microphone_ =
-            makeStream(CaptureSource::microphone, std::min(inputs, InputFold::mostInputs));
+        microphone_ = makeStream(capture::CaptureSource::microphone,
+                                 std::min(inputs, capture::InputFold::mostInputs));
     }
     tellObstacle(AudioLevelSource::microphone, graph.nodes.at(source.device.id).mixer.isSilent()
                                                    ? SourceCondition::muted
@@ -228,8 +232,8 @@ void CaptureSession::close(std::unique_ptr<InputStream>& stream) {
     }
 }
 
-OwnNodes CaptureSession::ownNodes() const {
-    OwnNodes own;
+capture::OwnNodes CaptureSession::ownNodes() const {
+    capture::OwnNodes own;
     for (const auto& [output, tap] : taps_) {
         if (const auto node = tap->node()) {
             own.tapOfOutput.emplace(output, *node);
@@ -282,7 +286,7 @@ std::int64_t CaptureSession::beginning() const {
     for (const auto& [output, tap] : taps_) {
         stamps.push_back(tap->feed()->heardSince.load());
     }
-    return captureBeginning(std::move(stamps), nanosecondsOn(CLOCK_MONOTONIC));
+    return capture::captureBeginning(std::move(stamps), capture::nanosecondsOn(CLOCK_MONOTONIC));
 }
 
 void CaptureSession::checkStarted() {
@@ -296,9 +300,9 @@ void CaptureSession::checkStarted() {
 }
 
 void CaptureSession::checkStalls() {
-    CaptureWatch::Sight sight{.isMicrophoneAway = followed_ && !isMicrophoneThere(),
-                              .monotonic = nanosecondsOn(CLOCK_MONOTONIC),
-                              .boottime = nanosecondsOn(CLOCK_BOOTTIME)};
+    capture::CaptureWatch::Sight sight{.isMicrophoneAway = followed_ && !isMicrophoneThere(),
+                                       .monotonic = capture::nanosecondsOn(CLOCK_MONOTONIC),
+                                       .boottime = capture::nanosecondsOn(CLOCK_BOOTTIME)};
     for (const auto& [output, tap] : taps_) {
         sight.tapCallbacks = sight.tapCallbacks.value_or(0) + tap->feed()->callbacks;
     }
@@ -307,15 +311,15 @@ void CaptureSession::checkStalls() {
         sight.isMicrophonePaused = microphone_->state() == InputStream::State::paused;
     }
     switch (watch_.update(sight)) {
-    case CaptureWatch::Finding::nothing:
+    case capture::CaptureWatch::Finding::nothing:
         break;
-    case CaptureWatch::Finding::silentServer:
+    case capture::CaptureWatch::Finding::silentServer:
         fail(silentServerText);
         break;
-    case CaptureWatch::Finding::stalledMicrophone:
+    case capture::CaptureWatch::Finding::stalledMicrophone:
         fail(microphoneStalledText);
         break;
-    case CaptureWatch::Finding::lostMicrophone:
+    case capture::CaptureWatch::Finding::lostMicrophone:
         fail(microphoneGoneText);
         break;
     }

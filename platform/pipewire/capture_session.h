@@ -9,16 +9,16 @@
 #include <optional>
 #include <string>
 
-#include "platform/pipewire/capture_delivery.h"
-#include "platform/pipewire/capture_watch.h"
+#include "capture/graph/followed_microphone.h"
+#include "capture/graph/orphaned_streams.h"
+#include "capture/samples/capture_delivery.h"
+#include "capture/samples/capture_watch.h"
 #include "platform/pipewire/connection.h"
 #include "platform/pipewire/event_flag.h"
-#include "platform/pipewire/followed_microphone.h"
 #include "platform/pipewire/graph_mirror.h"
 #include "platform/pipewire/input_stream.h"
 #include "platform/pipewire/linker.h"
 #include "platform/pipewire/loop_sources.h"
-#include "platform/pipewire/orphaned_streams.h"
 
 namespace vantoro::pipewire {
 
@@ -46,7 +46,7 @@ public:
     };
 
     /// Throws `CaptureError` when there is no server. `delivery` is handed the feeds.
-    CaptureSession(CaptureSettings settings, std::shared_ptr<CaptureDelivery> delivery,
+    CaptureSession(CaptureSettings settings, std::shared_ptr<capture::CaptureDelivery> delivery,
                    Events events);
     CaptureSession(const CaptureSession&) = delete;
     CaptureSession& operator=(const CaptureSession&) = delete;
@@ -62,12 +62,12 @@ private:
     // On the loop, or under its lock.
     void open();
     void openMicrophone();
-    std::unique_ptr<InputStream> makeStream(CaptureSource source, std::size_t channels);
+    std::unique_ptr<InputStream> makeStream(capture::CaptureSource source, std::size_t channels);
     void update();
     void updateLinks();
     void updateTaps();
     void updateMicrophone();
-    void hearMicrophone(const Microphone& source);
+    void hearMicrophone(const capture::Microphone& source);
     void close(std::unique_ptr<InputStream>& stream);
     bool isMicrophoneThere() const;
     void tellObstacle(AudioLevelSource source, SourceCondition obstacle);
@@ -77,30 +77,30 @@ private:
     bool microphoneRuns() const;
     bool allRun() const;
     std::int64_t beginning() const;
-    OwnNodes ownNodes() const;
+    capture::OwnNodes ownNodes() const;
     void fail(const std::string& sentence);
     void endByItself();
     void closeStreams();
 
     const CaptureSettings settings_;
-    const std::shared_ptr<CaptureDelivery> delivery_;
+    const std::shared_ptr<capture::CaptureDelivery> delivery_;
     const Events events_;
     Phase phase_ = Phase::preparing;
     std::string failure_; // empty: none
     EventFlag settled_;   // started, or failed to
     Deadline startedAt_;
-    std::optional<FollowedMicrophone> followed_; // where a microphone is wanted
+    std::optional<capture::FollowedMicrophone> followed_; // where a microphone is wanted
     SourceCondition systemObstacle_ = SourceCondition::delivering;
     SourceCondition microphoneObstacle_ = SourceCondition::delivering;
-    CaptureWatch watch_;
+    capture::CaptureWatch watch_;
 
     Connection connection_;
     LoopEvent updateEvent_;
     LoopTimer timer_;
     GraphMirror mirror_;
-    OrphanedStreams orphans_;
+    capture::OrphanedStreams orphans_;
     Linker linker_;
-    std::map<Identity, std::unique_ptr<InputStream>> taps_; // by output
+    std::map<capture::Identity, std::unique_ptr<InputStream>> taps_; // by output
     std::unique_ptr<InputStream> microphone_;
 };
 

@@ -7,8 +7,8 @@
 #include <optional>
 #include <string>
 
+#include "capture/graph/graph_rules.h"
 #include "platform/pipewire/event_flag.h"
-#include "platform/pipewire/graph_rules.h"
 #include "platform/pipewire/handles.h"
 
 namespace vantoro::pipewire {
@@ -44,7 +44,7 @@ public:
     pw_core* core() const noexcept { return core_.get(); }
 
     /// On the loop, or under its lock.
-    const Self& self() const noexcept { return self_; }
+    const capture::Self& self() const noexcept { return self_; }
 
     /// Task thread, without the lock: returns when the server has answered everything that was
     /// asked of it so far. False when it has not by then, or is gone.
@@ -62,7 +62,7 @@ private:
 
     Library library_;
     Callbacks callbacks_;
-    Self self_;
+    capture::Self self_;
     int awaitedSequence_ = 0;
     bool lost_ = false;
     EventFlag answered_;

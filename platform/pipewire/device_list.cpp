@@ -2,14 +2,14 @@
 
 #include "platform/pipewire/device_list.h"
 
+#include "capture/graph/microphones.h"
 #include "platform/pipewire/graph_query.h"
-#include "platform/pipewire/microphones.h"
 
 namespace vantoro::pipewire {
 
 std::vector<AudioInputDevice> DeviceList::microphones() {
     const auto graph = queryGraph();
-    return graph ? pipewire::microphones(*graph) : std::vector<AudioInputDevice>();
+    return graph ? capture::microphones(*graph) : std::vector<AudioInputDevice>();
 }
 
 std::optional<std::string> DeviceList::defaultMicrophone() {

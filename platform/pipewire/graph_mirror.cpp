@@ -10,16 +10,16 @@
 
 #include <spa/utils/json.h>
 
-#include "platform/pipewire/channel_map.h"
-#include "platform/pipewire/graph_rules.h"
+#include "capture/graph/graph_rules.h"
+#include "platform/pipewire/node_parameters.h"
 #include "platform/pipewire/server_calls.h"
 
 namespace vantoro::pipewire {
 
 namespace {
 
-Properties propertiesOf(const spa_dict* dictionary) {
-    Properties result;
+capture::Properties propertiesOf(const spa_dict* dictionary) {
+    capture::Properties result;
     if (dictionary != nullptr) {
         for (std::uint32_t i = 0; i < dictionary->n_items; ++i) {
             const spa_dict_item& item = dictionary->items[i];
@@ -29,14 +29,14 @@ Properties propertiesOf(const spa_dict* dictionary) {
     return result;
 }
 
-std::string text(const Properties& properties, const char* key) {
+std::string text(const capture::Properties& properties, const char* key) {
     const auto found = properties.find(key);
     return found != properties.end() ? found->second : std::string();
 }
 
-ObjectId number(const Properties& properties, const char* key) {
+capture::ObjectId number(const capture::Properties& properties, const char* key) {
     const std::string value = text(properties, key);
-    ObjectId result = SPA_ID_INVALID;
+    capture::ObjectId result = SPA_ID_INVALID;
     std::from_chars(value.data(), value.data() + value.size(), result);
     return result;
 }
@@ -83,7 +83,8 @@ GraphMirror::GraphMirror(pw_core* core, std::function<void()> changed)
 
 GraphMirror::~GraphMirror() = default;
 
-GraphMirror::Bound* GraphMirror::bind(ObjectId id, const char* type, std::uint32_t version) {
+GraphMirror::Bound* GraphMirror::bind(capture::ObjectId id, const char* type,
+                                      std::uint32_t version) {
     auto* const registry = reinterpret_cast<pw_registry*>(registry_.get());
     void* const object = pipewire::bind(registry, id, type, version);
     if (object == nullptr) {
@@ -93,8 +94,8 @@ GraphMirror::Bound* GraphMirror::bind(ObjectId id, const char* type, std::uint32
     return bound_.insert_or_assign(id, std::move(bound)).first->second.get();
 }
 
-void GraphMirror::addObject(ObjectId id, std::uint32_t permissions, const std::string& type,
-                            const Properties& properties) {
+void GraphMirror::addObject(capture::ObjectId id, std::uint32_t permissions,
+                            const std::string& type, const capture::Properties& properties) {
     if (type == PW_TYPE_INTERFACE_Core) {
         graph_.mayExecute = (permissions & PW_PERM_X) != 0;
     } else if (type == PW_TYPE_INTERFACE_Factory &&
@@ -102,7 +103,7 @@ void GraphMirror::addObject(ObjectId id, std::uint32_t permissions, const std::s
         graph_.canMakeLinks = (permissions & PW_PERM_R) != 0;
     } else if (type == PW_TYPE_INTERFACE_Client) {
         graph_.clients[id] = {.processId = text(properties, "pipewire.sec.pid"),
-                              .serial = serialOf(properties)};
+                              .serial = capture::serialOf(properties)};
     } else if (type == PW_TYPE_INTERFACE_Node) {
         addNode(id, properties);
     } else if (type == PW_TYPE_INTERFACE_Port) {
@@ -115,8 +116,8 @@ void GraphMirror::addObject(ObjectId id, std::uint32_t permissions, const std::s
     }
 }
 
-void GraphMirror::addNode(ObjectId id, const Properties& properties) {
-    Node node;
+void GraphMirror::addNode(capture::ObjectId id, const capture::Properties& properties) {
+    capture::Node node;
     readProperties(node, properties);
     // Which group it belongs to, where it wants to go and how loud it is, only the node itself
     // tells.
@@ -131,7 +132,7 @@ void GraphMirror::addNode(ObjectId id, const Properties& properties) {
     graph_.nodes.insert_or_assign(id, std::move(node));
 }
 
-void GraphMirror::addPort(ObjectId id, const Properties& properties) {
+void GraphMirror::addPort(capture::ObjectId id, const capture::Properties& properties) {
     const std::string format = text(properties, "format.dsp");
     if (format.empty()) {
         graph_.undividedPorts.insert(id);
@@ -140,22 +141,24 @@ void GraphMirror::addPort(ObjectId id, const Properties& properties) {
         return;
     }
     graph_.ports.insert_or_assign(
-        id, Port{.node = number(properties, "node.id"),
-                 .direction = text(properties, "port.direction") == "out" ? PortDirection::output
-                                                                          : PortDirection::input,
-                 .channel = text(properties, "audio.channel"),
-                 .serial = serialOf(properties),
-                 .isMonitor = text(properties, "port.monitor") == "true"});
+        id, capture::Port{.node = number(properties, "node.id"),
+                          .direction = text(properties, "port.direction") == "out"
+                                           ? capture::PortDirection::output
+                                           : capture::PortDirection::input,
+                          .channel = text(properties, "audio.channel"),
+                          .serial = capture::serialOf(properties),
+                          .isMonitor = text(properties, "port.monitor") == "true"});
 }
 
-void GraphMirror::addLink(ObjectId id, const Properties& properties) {
-    graph_.links.insert_or_assign(id, Link{.outputNode = number(properties, "link.output.node"),
-                                           .inputNode = number(properties, "link.input.node"),
-                                           .outputPort = number(properties, "link.output.port"),
-                                           .inputPort = number(properties, "link.input.port")});
+void GraphMirror::addLink(capture::ObjectId id, const capture::Properties& properties) {
+    graph_.links.insert_or_assign(
+        id, capture::Link{.outputNode = number(properties, "link.output.node"),
+                          .inputNode = number(properties, "link.input.node"),
+                          .outputPort = number(properties, "link.output.port"),
+                          .inputPort = number(properties, "link.input.port")});
 }
 
-void GraphMirror::addMetadata(ObjectId id, const Properties& properties) {
+void GraphMirror::addMetadata(capture::ObjectId id, const capture::Properties& properties) {
     // A server that runs without a session manager may have made one itself.
     if (number(properties, "client.id") != SPA_ID_INVALID) {
         graph_.defaultsOfSessionManager = id;
@@ -166,7 +169,7 @@ void GraphMirror::addMetadata(ObjectId id, const Properties& properties) {
     }
 }
 
-void GraphMirror::removeObject(ObjectId id) {
+void GraphMirror::removeObject(capture::ObjectId id) {
     if (graph_.defaultsOfSessionManager == id) {
         graph_.defaultsOfSessionManager.reset();
     }
@@ -179,7 +182,7 @@ void GraphMirror::removeObject(ObjectId id) {
     graph_.targets.erase(id);
 }
 
-void GraphMirror::setMetadata(ObjectId subject, const char* key, const char* value) {
+void GraphMirror::setMetadata(capture::ObjectId subject, const char* key, const char* value) {
     if (key == nullptr) { // all that was said of the subject is taken back
         graph_.targets.erase(subject);
         return;
@@ -224,7 +227,7 @@ void GraphMirror::nodeInfo(void* data, const pw_node_info* info) {
         node == bound.mirror.graph_.nodes.end()) {
         return;
     }
-    const Node before = node->second;
+    const capture::Node before = node->second;
     readProperties(node->second, propertiesOf(info->props));
     if (node->second != before) {
         bound.mirror.changed_();
@@ -239,7 +242,7 @@ void GraphMirror::nodeParameter(void* data, int /*sequence*/, std::uint32_t id,
     if (id != SPA_PARAM_Props || node == bound.mirror.graph_.nodes.end()) {
         return;
     }
-    const Node before = node->second;
+    const capture::Node before = node->second;
     if (isMicrophone(before)) {
         readMixerSetting(node->second.mixer, parameter);
     } else {

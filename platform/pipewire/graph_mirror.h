@@ -10,7 +10,7 @@
 
 #include <pipewire/extensions/metadata.h>
 
-#include "platform/pipewire/graph.h"
+#include "capture/graph/graph.h"
 #include "platform/pipewire/handles.h"
 
 namespace vantoro::pipewire {
@@ -24,29 +24,29 @@ public:
     GraphMirror& operator=(const GraphMirror&) = delete;
     ~GraphMirror();
 
-    const Graph& graph() const noexcept { return graph_; }
+    const capture::Graph& graph() const noexcept { return graph_; }
 
 private:
     /// An object that tells more than the registry does.
     struct Bound {
-        Bound(GraphMirror& owner, ObjectId objectId, pw_proxy* object)
+        Bound(GraphMirror& owner, capture::ObjectId objectId, pw_proxy* object)
             : mirror(owner), id(objectId), proxy(object) {}
 
         GraphMirror& mirror;
-        ObjectId id;
+        capture::ObjectId id;
         ProxyPointer proxy;
         Hook hook; // after the proxy, so that it goes first
     };
 
-    void addObject(ObjectId id, std::uint32_t permissions, const std::string& type,
-                   const Properties& properties);
-    void addNode(ObjectId id, const Properties& properties);
-    void addPort(ObjectId id, const Properties& properties);
-    void addLink(ObjectId id, const Properties& properties);
-    void removeObject(ObjectId id);
-    Bound* bind(ObjectId id, const char* type, std::uint32_t version);
-    void addMetadata(ObjectId id, const Properties& properties);
-    void setMetadata(ObjectId subject, const char* key, const char* value);
+    void addObject(capture::ObjectId id, std::uint32_t permissions, const std::string& type,
+                   const capture::Properties& properties);
+    void addNode(capture::ObjectId id, const capture::Properties& properties);
+    void addPort(capture::ObjectId id, const capture::Properties& properties);
+    void addLink(capture::ObjectId id, const capture::Properties& properties);
+    void removeObject(capture::ObjectId id);
+    Bound* bind(capture::ObjectId id, const char* type, std::uint32_t version);
+    void addMetadata(capture::ObjectId id, const capture::Properties& properties);
+    void setMetadata(capture::ObjectId subject, const char* key, const char* value);
 
     static void globalAdded(void* data, std::uint32_t id, std::uint32_t permissions,
                             const char* type, std::uint32_t version, const spa_dict* properties);
@@ -64,11 +64,11 @@ private:
     static const pw_metadata_events metadataEvents;
 
     std::function<void()> changed_;
-    Graph graph_;
+    capture::Graph graph_;
     Hook coreHook_;
     ProxyPointer registry_;
     Hook registryHook_;
-    std::map<ObjectId, std::unique_ptr<Bound>> bound_;
+    std::map<capture::ObjectId, std::unique_ptr<Bound>> bound_;
 };
 
 /// The name in the metadata's way of naming a default device: {"name":"…"}. Empty without one.

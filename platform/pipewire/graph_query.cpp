@@ -2,6 +2,8 @@
 
 #include "platform/pipewire/graph_query.h"
 
+#include <pipewire/pipewire.h>
+
 #include "platform/pipewire/capture_error.h"
 #include "platform/pipewire/connection.h"
 #include "platform/pipewire/graph_mirror.h"
@@ -10,7 +12,7 @@ namespace vantoro::pipewire {
 
 namespace {
 
-std::optional<Graph> query(Connection& connection, std::chrono::seconds limit) {
+std::optional<capture::Graph> query(Connection& connection, std::chrono::seconds limit) {
     std::optional<GraphMirror> mirror;
     mirror.emplace(connection.core(), [] {});
     connection.run();
@@ -25,13 +27,22 @@ std::optional<Graph> query(Connection& connection, std::chrono::seconds limit) {
 
 } // namespace
 
-std::optional<Graph> queryGraph(std::chrono::seconds limit) {
+std::optional<capture::Graph> queryGraph(std::chrono::seconds limit) {
     try {
         Connection connection({.lost = [] {}, .identified = [] {}});
         return query(connection, limit);
     } catch (const CaptureError&) {
         return std::nullopt;
     }
+}
+
+std::optional<capture::SoundSurvey> surveySound(std::chrono::seconds limit) {
+    const auto graph = queryGraph(limit);
+    return graph ? std::optional(surveyOf(*graph)) : std::nullopt;
+}
+
+std::string soundLibraryVersion() {
+    return pw_get_library_version();
 }
 
 } // namespace vantoro::pipewire

@@ -11,15 +11,15 @@
 #include <spa/param/audio/format-utils.h>
 #include <spa/param/props.h>
 
+#include "capture/graph/channel_fold.h"
 #include "platform/pipewire/capture_error.h"
-#include "platform/pipewire/channel_fold.h"
 
 namespace vantoro::pipewire {
 
 namespace {
 
-PropertiesPointer streamProperties(CaptureSource source) {
-    const bool isTap = source == CaptureSource::systemAudio;
+PropertiesPointer streamProperties(capture::CaptureSource source) {
+    const bool isTap = source == capture::CaptureSource::systemAudio;
     PropertiesPointer properties(pw_properties_new(
         PW_KEY_MEDIA_TYPE, "Audio", PW_KEY_MEDIA_CATEGORY, "Capture", PW_KEY_MEDIA_CLASS,
         "Stream/Input/Audio", PW_KEY_NODE_NAME,
@@ -49,15 +49,15 @@ std::span<const float> samplesOf(const spa_data& data) noexcept {
 }
 
 /// A tap has places, the inputs of a microphone's device are just counted.
-spa_audio_info_raw format(CaptureSource source, std::size_t channels) {
+spa_audio_info_raw format(capture::CaptureSource source, std::size_t channels) {
     spa_audio_info_raw info{};
     info.format = SPA_AUDIO_FORMAT_F32P; // as the graph has it, so that nothing is to be done
-    info.rate = static_cast<std::uint32_t>(framesPerSecond);
+    info.rate = static_cast<std::uint32_t>(capture::framesPerSecond);
     info.channels = static_cast<std::uint32_t>(channels);
     constexpr std::array places{SPA_AUDIO_CHANNEL_FL, SPA_AUDIO_CHANNEL_FR, SPA_AUDIO_CHANNEL_SL,
                                 SPA_AUDIO_CHANNEL_SR};
-    static_assert(places.size() == tapChannels.size()); // in the same order
-    const bool isTap = source == CaptureSource::systemAudio;
+    static_assert(places.size() == capture::tapChannels.size()); // in the same order
+    const bool isTap = source == capture::CaptureSource::systemAudio;
     for (std::size_t i = 0; i < channels; ++i) {
         info.position[i] = isTap           ? static_cast<std::uint32_t>(places.at(i))
                            : channels == 1 ? static_cast<std::uint32_t>(SPA_AUDIO_CHANNEL_MONO)
@@ -77,8 +77,8 @@ const pw_stream_events InputStream::events = [] {
     return table;
 }();
 
-InputStream::InputStream(pw_core* core, std::shared_ptr<CaptureFeed> feed, std::size_t channels,
-                         const Wake& wake, StateChanged stateChanged)
+InputStream::InputStream(pw_core* core, std::shared_ptr<capture::CaptureFeed> feed,
+                         std::size_t channels, const Wake& wake, StateChanged stateChanged)
     : feed_(std::move(feed)),
       channels_(channels),
       wake_(wake),
@@ -107,7 +107,7 @@ void InputStream::connect() {
     }
 }
 
-std::optional<ObjectId> InputStream::node() const {
+std::optional<capture::ObjectId> InputStream::node() const {
     const std::uint32_t id = pw_stream_get_node_id(stream_.get());
     // Once it has ended the id is somebody else's.
     return id == SPA_ID_INVALID || state_ == State::ended ? std::nullopt : std::optional(id);
@@ -180,7 +180,7 @@ void InputStream::process(void* data) {
 
 std::uint64_t InputStream::cycleTime(std::uint32_t& clockId) const noexcept {
     constexpr std::uint64_t trusted = 2'000'000'000; // ns
-    const std::uint64_t now = nanosecondsOn(CLOCK_MONOTONIC);
+    const std::uint64_t now = capture::nanosecondsOn(CLOCK_MONOTONIC);
     const spa_io_position* const position = position_.load(std::memory_order_acquire);
     if (position != nullptr && position->clock.nsec < now + trusted &&
         position->clock.nsec + trusted > now) {
@@ -191,7 +191,7 @@ std::uint64_t InputStream::cycleTime(std::uint32_t& clockId) const noexcept {
 }
 
 void InputStream::takeIn(const spa_buffer& buffer) noexcept {
-    std::array<std::span<const float>, InputFold::mostInputs> planes;
+    std::array<std::span<const float>, capture::InputFold::mostInputs> planes;
     const std::span channels = std::span(planes).first(channels_);
     if (buffer.n_datas < channels.size()) {
         return;
@@ -200,7 +200,7 @@ void InputStream::takeIn(const spa_buffer& buffer) noexcept {
         channels[i] = samplesOf(buffer.datas[i]);
     }
     const std::size_t frames = std::ranges::min(channels, {}, &std::span<const float>::size).size();
-    Stamp stamp;
+    capture::Stamp stamp;
     stamp.nanoseconds = cycleTime(stamp.clockId);
     stamp.frames = static_cast<std::uint32_t>(frames);
     if (frames == 0) {
@@ -209,10 +209,10 @@ void InputStream::takeIn(const spa_buffer& buffer) noexcept {
     if (feed_->heardSince.load(std::memory_order_relaxed) == 0) {
         feed_->heardSince.store(stamp.nanoseconds, std::memory_order_relaxed);
     }
-    const bool taken = feed_->ring.write(stamp, [&](WritablePlanes target) {
-        if (feed_->source == CaptureSource::systemAudio) {
-            foldToStereo(TapPlanes{planes[0], planes[1], planes[2], planes[3]}, target[0],
-                         target[1]);
+    const bool taken = feed_->ring.write(stamp, [&](capture::WritablePlanes target) {
+        if (feed_->source == capture::CaptureSource::systemAudio) {
+            capture::foldToStereo(capture::TapPlanes{planes[0], planes[1], planes[2], planes[3]},
+                                  target[0], target[1]);
         } else {
             fold_.fold(channels, target[0]);
         }

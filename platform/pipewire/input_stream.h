@@ -9,10 +9,10 @@
 #include <optional>
 #include <string>
 
-#include "platform/pipewire/capture_feed.h"
-#include "platform/pipewire/graph.h"
+#include "capture/graph/graph.h"
+#include "capture/samples/capture_feed.h"
+#include "capture/samples/input_fold.h"
 #include "platform/pipewire/handles.h"
-#include "platform/pipewire/input_fold.h"
 
 namespace vantoro::pipewire {
 
@@ -37,21 +37,21 @@ public:
 
     /// `channels`: those of a tap, or a microphone's inputs, up to `InputFold::mostInputs`. Throws
     /// `CaptureError`.
-    InputStream(pw_core* core, std::shared_ptr<CaptureFeed> feed, std::size_t channels,
+    InputStream(pw_core* core, std::shared_ptr<capture::CaptureFeed> feed, std::size_t channels,
                 const Wake& wake, StateChanged stateChanged);
     InputStream(const InputStream&) = delete;
     InputStream& operator=(const InputStream&) = delete;
     ~InputStream() = default;
 
     /// Present from when the server has made the node until the stream has ended.
-    std::optional<ObjectId> node() const;
+    std::optional<capture::ObjectId> node() const;
 
     State state() const noexcept { return state_; }
 
     /// What the server said when it ended the stream, if anything.
     const std::string& reason() const noexcept { return reason_; }
 
-    const std::shared_ptr<CaptureFeed>& feed() const noexcept { return feed_; }
+    const std::shared_ptr<capture::CaptureFeed>& feed() const noexcept { return feed_; }
 
     /// Has the resampler follow the feed's `speed`.
     void applySpeed();
@@ -71,7 +71,7 @@ private:
 
     static const pw_stream_events events;
 
-    const std::shared_ptr<CaptureFeed> feed_;
+    const std::shared_ptr<capture::CaptureFeed> feed_;
     const std::size_t channels_;
     const Wake wake_;
     const StateChanged stateChanged_;
@@ -80,7 +80,7 @@ private:
     double appliedSpeed_ = 1;
     bool resamplerIsActive_ = false;
     std::atomic<const spa_io_position*> position_{nullptr};
-    InputFold fold_; // the real-time thread's own
+    capture::InputFold fold_; // the real-time thread's own
     StreamPointer stream_;
     Hook hook_; // after the stream, so that it goes first
 };

@@ -14,9 +14,9 @@ const pw_proxy_events Linker::events = [] {
     return table;
 }();
 
-void Linker::apply(const std::set<PortLink>& wanted) {
+void Linker::apply(const std::set<capture::PortLink>& wanted) {
     std::erase_if(links_, [&](const auto& entry) { return !wanted.contains(entry.first); });
-    for (const PortLink& link : wanted) {
+    for (const capture::PortLink& link : wanted) {
         if (!links_.contains(link)) {
             if (auto made = make(link)) {
                 links_.emplace(link, std::move(made));
@@ -29,7 +29,7 @@ bool Linker::forgetFailed() {
     return std::erase_if(links_, [](const auto& entry) { return entry.second->failed; }) > 0;
 }
 
-std::unique_ptr<Linker::OwnLink> Linker::make(const PortLink& link) {
+std::unique_ptr<Linker::OwnLink> Linker::make(const capture::PortLink& link) {
     const PropertiesPointer properties(
         pw_properties_new(PW_KEY_LINK_OUTPUT_PORT, std::to_string(link.output.id).c_str(),
                           PW_KEY_LINK_INPUT_PORT, std::to_string(link.input.id).c_str(), nullptr));

@@ -7,7 +7,7 @@
 #include <memory>
 #include <set>
 
-#include "platform/pipewire/graph_rules.h"
+#include "capture/graph/graph_rules.h"
 #include "platform/pipewire/handles.h"
 
 namespace vantoro::pipewire {
@@ -18,7 +18,7 @@ public:
     explicit Linker(pw_core* core) : core_(core) {}
 
     /// Makes what is missing and takes away what is no longer wanted.
-    void apply(const std::set<PortLink>& wanted);
+    void apply(const std::set<capture::PortLink>& wanted);
 
     /// Links that could not be made, or were taken away by somebody, are made again by the next
     /// `apply`. True when there were any.
@@ -31,14 +31,14 @@ private:
         bool failed = false;
     };
 
-    std::unique_ptr<OwnLink> make(const PortLink& link);
+    std::unique_ptr<OwnLink> make(const capture::PortLink& link);
     static void removed(void* data);
     static void failed(void* data, int sequence, int result, const char* message);
 
     static const pw_proxy_events events;
 
     pw_core* core_;
-    std::map<PortLink, std::unique_ptr<OwnLink>> links_;
+    std::map<capture::PortLink, std::unique_ptr<OwnLink>> links_;
 };
 
 } // namespace vantoro::pipewire

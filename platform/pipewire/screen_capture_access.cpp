@@ -2,8 +2,8 @@
 
 #include "platform/pipewire/screen_capture_access.h"
 
+#include "capture/graph/graph_rules.h"
 #include "platform/pipewire/graph_query.h"
-#include "platform/pipewire/graph_rules.h"
 
 namespace vantoro::pipewire {
 

@@ -19,7 +19,7 @@ DoctorFindings allWell() {
     return {
         .soundLibraryVersion = "0.3.66",
         .sound =
-            pipewire::SoundSurvey{
+            capture::SoundSurvey{
                 .serverVersion = "0.3.65",
                 .mayCapture = true,
                 .hasSessionManager = true,

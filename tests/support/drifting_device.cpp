@@ -35,8 +35,8 @@
 
 #include <spa/param/audio/format-utils.h>
 
+#include "capture/samples/frame_clock.h"
 #include "platform/pipewire/connection.h"
-#include "platform/pipewire/frame_clock.h"
 #include "tests/support/drifting_clock.h"
 
 namespace vantoro::testing {
@@ -73,7 +73,7 @@ public:
     /// Between pulses a hum goes on, since no microphone is quite silent.
     explicit Sound(double frequency)
         : isPulses_(frequency == 0),
-          step_(2 * std::numbers::pi * (isPulses_ ? 100 : frequency) / framesPerSecond) {}
+          step_(2 * std::numbers::pi * (isPulses_ ? 100 : frequency) / capture::framesPerSecond) {}
 
     /// What is heard from a moment on, at so many frames a nanosecond.
     void fill(std::span<float> samples, double nanoseconds, double frames) {
@@ -153,7 +153,7 @@ public:
         spa_pod_builder builder = SPA_POD_BUILDER_INIT(memory.data(), memory.size());
         spa_audio_info_raw info{};
         info.format = SPA_AUDIO_FORMAT_F32P;
-        info.rate = static_cast<std::uint32_t>(framesPerSecond);
+        info.rate = static_cast<std::uint32_t>(capture::framesPerSecond);
         info.channels = 1;
         info.position[0] = SPA_AUDIO_CHANNEL_MONO;
         std::array<const spa_pod*, 1> parameters{
@@ -182,11 +182,12 @@ public:
             std::this_thread::sleep_for(std::chrono::milliseconds(5));
             return;
         }
-        const double begin = clock_.begin(static_cast<double>(nanosecondsOn(CLOCK_MONOTONIC)));
+        const double begin =
+            clock_.begin(static_cast<double>(capture::nanosecondsOn(CLOCK_MONOTONIC)));
         sleepUntil(begin);
         const std::uint64_t frames = framesOfNextCycle(*clock);
         clock->nsec = static_cast<std::uint64_t>(begin);
-        clock->rate = {1, static_cast<std::uint32_t>(framesPerSecond)};
+        clock->rate = {1, static_cast<std::uint32_t>(capture::framesPerSecond)};
         clock->position += clock->duration;
         clock->duration = frames;
         clock->delay = 0;
@@ -236,7 +237,7 @@ private:
             std::min<std::size_t>(room, buffer.requested > 0 ? buffer.requested : clock.duration);
         const double rate = clock.rate_diff > 0 ? clock.rate_diff : 1;
         sound_.fill({static_cast<float*>(target.data), frames}, static_cast<double>(clock.nsec),
-                    framesPerSecond * rate / nanosecondsPerSecond);
+                    capture::framesPerSecond * rate / nanosecondsPerSecond);
         target.chunk->offset = 0;
         target.chunk->stride = sizeof(float);
         target.chunk->size = static_cast<std::uint32_t>(frames * sizeof(float));

@@ -12,7 +12,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/pipewire/capture_service.h"
-#include "tests/platform/pipewire/captured_sound.h"
+#include "tests/capture/samples/captured_sound.h"
 #include "tests/platform/pipewire/sound_session.h"
 
 namespace vantoro::testing {

@@ -5,7 +5,7 @@
 #include <future>
 #include <numeric>
 
-#include "platform/pipewire/frame_clock.h"
+#include "capture/samples/frame_clock.h"
 #include "tests/platform/pipewire/capture_fixture.h"
 #include "tests/platform/pipewire/coded_sound.h"
 #include "tests/platform/pipewire/own_tone.h"
@@ -72,7 +72,7 @@ TEST_F(Capture, waitsForAsMuchSoundAsIsToBeDeliveredAtATime) {
     service = pipewire::CaptureService(std::chrono::milliseconds(300));
     start();
     ASSERT_TRUE(sound.waitForMore(1.5));
-    EXPECT_GE(sound.largestDelay(), pipewire::framesInMilliseconds(250)); // without a last cycle
+    EXPECT_GE(sound.largestDelay(), capture::framesInMilliseconds(250)); // without a last cycle
     EXPECT_EQ(sound.audio().discontinuities, 0U);
     EXPECT_EQ(sound.microphone().discontinuities, 0U);
 }
@@ -314,7 +314,7 @@ TEST_F(Capture, hasWhatWasHeardWhileItsStreamsSettled) {
     const auto app = session.play("app", "vantoro-output-1", 440);
     const auto voice = session.speak("voice", 300);
     start();
-    const std::int64_t started = pipewire::gridPosition(pipewire::nanosecondsOn(CLOCK_MONOTONIC));
+    const std::int64_t started = capture::gridPosition(capture::nanosecondsOn(CLOCK_MONOTONIC));
     ASSERT_TRUE(sound.waitForMore(1));
     stop();
     // Streams settle in four cycles of 85 ms.

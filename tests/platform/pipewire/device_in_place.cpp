@@ -18,7 +18,7 @@ namespace {
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wold-style-cast"
 
-void destroy(pw_registry* registry, ObjectId id) {
+void destroy(pw_registry* registry, capture::ObjectId id) {
     static_cast<void>(pw_registry_destroy(registry, id));
 }
 
@@ -28,7 +28,7 @@ void destroy(pw_registry* registry, ObjectId id) {
 
 class DeviceInPlace::Maker {
 public:
-    Maker(ObjectId replaced, const std::string& name, const std::string& mediaClass,
+    Maker(capture::ObjectId replaced, const std::string& name, const std::string& mediaClass,
           const std::string& positions)
         : connection_({.lost = [] {}, .identified = [] {}}) {
         const PropertiesPointer properties(pw_properties_new(
@@ -57,7 +57,7 @@ public:
         registry_.reset();
     }
 
-    ObjectId id() {
+    capture::ObjectId id() {
         const LoopLock lock(connection_.threadLoop());
         return pw_proxy_get_bound_id(device_.get());
     }
@@ -70,7 +70,8 @@ private:
 
 DeviceInPlace::DeviceInPlace(const std::string& replacedNode, const std::string& name,
                              const std::string& mediaClass, const std::string& positions) {
-    const auto replaced = static_cast<ObjectId>(std::stoul(SoundSession::nodeId(replacedNode)));
+    const auto replaced =
+        static_cast<capture::ObjectId>(std::stoul(SoundSession::nodeId(replacedNode)));
     maker_ = std::make_unique<Maker>(replaced, name, mediaClass, positions);
     hasTakenTheId_ = maker_->id() == replaced;
 }

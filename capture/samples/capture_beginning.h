@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+#include <vector>
+
+#include "capture/samples/frame_clock.h"
+
+namespace vantoro::capture {
+
+/// The grid position of the first sound that a recording has, of streams whose first pieces have
+/// these stamps (0: none yet). Of streams that begin together some miss the graph's first cycle,
+/// and the others' sound is kept; but a microphone that takes seconds to wake is not waited for in
+/// silence.
+inline std::int64_t captureBeginning(std::vector<std::uint64_t> firstStamps, std::uint64_t now) {
+    constexpr std::int64_t longestCycle = 8192; // frames
+    std::erase(firstStamps, 0);
+    if (firstStamps.empty()) {
+        return gridPosition(now);
+    }
+    const auto [first, last] = std::ranges::minmax(firstStamps);
+    return std::max(gridPosition(first), gridPosition(last) - longestCycle);
+}
+
+} // namespace vantoro::capture

@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include <cstdint>
+#include <ctime>
+
+namespace vantoro::capture {
+
+/// Everything captured lies on one grid: frames of 48 kHz counted from the zero of
+/// CLOCK_MONOTONIC, the clock that PipeWire stamps its cycles with.
+inline constexpr std::int32_t framesPerSecond = 48000;
+
+/// The grid position nearest to a moment.
+constexpr std::int64_t gridPosition(std::uint64_t nanoseconds) noexcept {
+    // 48000 / 1e9 in its lowest terms: no overflow for the first hundred years of uptime.
+    return static_cast<std::int64_t>((nanoseconds * 3 + 31250) / 62500);
+}
+
+constexpr std::int64_t framesInMilliseconds(std::int64_t milliseconds) noexcept {
+    return milliseconds * framesPerSecond / 1000;
+}
+
+/// Now, in nanoseconds. Real-time safe.
+inline std::uint64_t nanosecondsOn(clockid_t clock) noexcept {
+    timespec time{};
+    clock_gettime(clock, &time);
+    return (static_cast<std::uint64_t>(time.tv_sec) * 1'000'000'000U) +
+           static_cast<std::uint64_t>(time.tv_nsec);
+}
+
+} // namespace vantoro::capture
