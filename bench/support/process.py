@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""What a running program has used so far."""
+"""Resources that a running program has used so far."""
 
 import os
 from pathlib import Path

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""What is played while recorders are compared: something to hear from an output, and somebody speaking."""
+"""Test sounds for comparing recorders: music on an output, and somebody speaking."""
 
 import subprocess
 from pathlib import Path

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""The one table that all benchmarks print rows of; `bench/run` prints its head."""
+"""Rows of the table that all benchmarks print; `bench/run` prints the table's head."""
 
 
 def row(measured, aim, work, ours, other):

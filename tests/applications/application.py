@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""What a row of the table is about: an application, and how it is made to play."""
+"""An application in the table, and how to make it play."""
 
 import dataclasses
 import typing

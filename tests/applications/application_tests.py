@@ -1,6 +1,6 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Applications that are quickly installed: the recording of each is what the output's monitor has."""
+"""The recordings of applications that install quickly match the output's monitor."""
 
 import sys
 import unittest

@@ -1,8 +1,8 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""The sound that applications are asked to play: bursts of many tones, each side with tones of its own.
+"""The test sound for applications: bursts of many tones, with different tones in each channel.
 
-A delayed copy makes some of the tones louder and others softer, whatever the delay, and reaches into the pauses. No two
-bursts are equally long, so that two recordings of the sound fit together in one way only.
+A delayed copy makes some tones louder and others softer, whatever its delay, and reaches into the pauses. Every burst has
+a different length, so two recordings of the sound can be aligned in only one way.
 """
 
 import array

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""What may change sound on its way to an output. What is recorded is what was played to it."""
+"""Filters in front of an output. The recording has what was played to the filter."""
 
 import array
 import wave

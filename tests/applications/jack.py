@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""JACK clients. Nobody but themselves and the user links them, so they reach an output past the session manager."""
+"""JACK clients. Only they and the user create their links, so they reach an output without the session manager."""
 
 import re
 import subprocess

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Compares what was recorded with what an output's monitor had at the same time."""
+"""Compares a recording with the output's monitor at the same time."""
 
 import dataclasses
 import math

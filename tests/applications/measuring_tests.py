@@ -1,6 +1,6 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""What the comparison with an output's monitor notices."""
+"""The comparison with an output's monitor finds each difference."""
 
 import array
 import sys

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""What only hands sound on: modules of the PulseAudio protocol's server, loops, and links that a user makes."""
+"""Nodes that pass sound on: modules of the PulseAudio server, loopbacks, and links that a user creates."""
 
 import subprocess
 

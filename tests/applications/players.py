@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Players that play a sound file, through each of the ways in which an application may speak to the sound server."""
+"""Players of a sound file, through each of the sound server's interfaces."""
 
 import os
 

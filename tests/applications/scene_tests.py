@@ -1,6 +1,6 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""What begins, ends, moves and vanishes while it is recorded."""
+"""Players and outputs that start, end, move and vanish during a recording."""
 
 import sys
 

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""What happens to applications and outputs while they are recorded."""
+"""Changes to applications and outputs during a recording."""
 
 import json
 import subprocess

@@ -1,6 +1,6 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Prints what the recorder hears of each application, beside what the output's monitor has at the same time.
+"""Prints how the recording of each application compares with the output's monitor.
 
 Run as: tools/session [--screen] -- tests/applications/table.py [NAME...]
 """

@@ -1,6 +1,6 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""A recording of half a minute whose file is damaged in the middle, in the hands of the program itself."""
+"""The program salvages a recording of half a minute that is damaged in the middle."""
 
 import signal
 import subprocess

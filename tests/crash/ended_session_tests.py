@@ -1,6 +1,6 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""The user's session ends while the program records: the recording is saved."""
+"""The user's session ends during a recording: the recording is saved."""
 
 import os
 import pty

@@ -1,6 +1,6 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""The program records real sound onto a disk on which one call goes wrong: the hardest ones of the table of faults."""
+"""The program records real sound onto a disk on which one call fails: the hardest faults of the table."""
 
 import sys
 from concurrent.futures import ThreadPoolExecutor

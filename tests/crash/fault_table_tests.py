@@ -1,6 +1,6 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Every call that a recording, its stop and a salvage make on the recording folder goes wrong, in each way."""
+"""Each call of a recording, its stop and a salvage on the recording folder fails, in each way."""
 
 import sys
 from concurrent.futures import ThreadPoolExecutor

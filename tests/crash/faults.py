@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Runs a program on a disk on which one call goes wrong, and judges what it leaves and says."""
+"""Runs a program on a disk on which one call fails, and checks its messages and the files that it leaves."""
 
 import array
 import hashlib

@@ -1,6 +1,6 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""The disk does not answer any more: whoever asks the program to end is not kept waiting, and nothing is lost."""
+"""The disk stops responding: the program still ends soon when asked to, and loses nothing."""
 
 import os
 import signal

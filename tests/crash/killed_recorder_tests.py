@@ -1,6 +1,6 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""The recorder dies as by kill -9 at any moment: all that its whole fragments hold is salvaged."""
+"""The recorder is killed (as by kill -9) at any moment: everything in its whole fragments is salvaged."""
 
 import random
 import signal

@@ -1,6 +1,6 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""The program is killed while it records real sound; what others must leave alone meanwhile."""
+"""The program is killed while it records real sound; and other processes leave a running recording alone."""
 
 import signal
 import subprocess

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""What is whole in a movie of fragments, told by a reader that shares nothing with the program's."""
+"""Finds the whole fragments of a movie; shares no code with the program's reader."""
 
 import struct
 

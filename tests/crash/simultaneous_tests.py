@@ -1,6 +1,6 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Several of the program's processes end recordings in one folder at the same instant, or salvage it."""
+"""Several processes of the program end recordings in one folder at the same instant, or salvage it."""
 
 import os
 import signal

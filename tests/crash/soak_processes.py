@@ -2,11 +2,10 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """Eight recorders, two salvages and a killer in one folder, for minutes: is every recording accounted for?
 
-Each recorder records for some seconds, is told to stop, and begins again; the killer ends any of them, and of the
-salvages, at random moments. Whoever removes a temporary file leaves it a name elsewhere (failing_calls.cpp). They
-record noise from a microphone at full volume, so the coded sound of each is unlike any other's, and is the final
-file's byte for byte: in the end each temporary file that held sound must be a final file, and no final file may be
-anything else.
+Each recorder records for some seconds, is told to stop, and starts again; the killer ends recorders and salvages at
+random. Whoever removes a temporary file keeps a hard link to it elsewhere (failing_calls.cpp). The recorders capture
+noise from a microphone at full volume, so the encoded sound of each recording is unique and ends up in the final file
+byte for byte. At the end, each temporary file that held sound must be a final file, and there must be no other final file.
 
 Run as: tools/session -- tests/crash/soak_processes.py [--minutes N] [--seed N]
 """

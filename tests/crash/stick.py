@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""File systems that memory sticks have, in a file, by the drivers of user space: they can be pulled at any moment."""
+"""File systems of USB sticks in an image file, with user-space drivers: tests can pull them at any moment."""
 
 import os
 import select

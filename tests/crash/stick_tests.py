@@ -1,6 +1,6 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Recordings on memory sticks: they are saved, salvaged, and not lost when the stick is pulled."""
+"""Recordings on USB sticks are saved and salvaged, and survive when the stick is pulled."""
 
 import os
 import signal

@@ -1,6 +1,6 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""The check of the Flatpak manifest finds what it is there for."""
+"""The check of the Flatpak manifest finds each fault."""
 
 import subprocess
 import sys

@@ -1,6 +1,6 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""The include check finds each forbidden arrow, and only those."""
+"""The include check finds each forbidden include, and no others."""
 
 import subprocess
 import sys

@@ -1,6 +1,6 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""What the shells offer while somebody types a command line of the program."""
+"""The shells complete the program's commands and options."""
 
 import sys
 import tempfile

@@ -1,6 +1,6 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""The manual pages are well formed, and speak of everything that the program's help does."""
+"""The manual pages are well formed, and cover everything in the program's help."""
 
 import re
 import subprocess

@@ -1,6 +1,6 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Changed code that no test notices is told, and nothing else."""
+"""tools/mutants reports the changes that no test detects, and no others."""
 
 import subprocess
 import sys

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Shells with a person at the keyboard: what each offers to complete of a command line."""
+"""Shells with simulated keyboard input: what each completes on a command line."""
 
 import os
 import pty

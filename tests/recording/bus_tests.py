@@ -1,6 +1,6 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""A message bus hangs, in one way or another: every command does its work without, and in time."""
+"""A message bus hangs, in one way or another: every command works without it, in time."""
 
 import os
 import signal

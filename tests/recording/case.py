@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""What the test cases share: a folder of their own, and being run one by one."""
+"""The base of the test cases: a private folder for each, and running them one by one."""
 
 import sys
 import tempfile

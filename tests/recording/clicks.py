@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Clicks that reach an output and the microphone at the same instant, and where a recording has them."""
+"""Plays clicks to an output and the microphone at the same instant, and finds them in a recording."""
 
 import subprocess
 

@@ -1,9 +1,9 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Sound cards whose clocks are not the machine's: a recording has what they play and hear when it was, by the true
-time, and both tracks in step.
+"""Sound cards whose clocks differ from the machine's: a recording has their sound at its true time, with both tracks in
+sync.
 
-The cards make a pulse at each full second of the true time; so each pulse of a track tells by how much it is off.
+The cards make a pulse at each full second of true time, so the position of each pulse in a track shows its error.
 """
 
 import functools

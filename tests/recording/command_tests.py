@@ -1,6 +1,6 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""The command line: what it prints, where, and with which status it ends."""
+"""The command line: output, error messages and exit status."""
 
 import os
 import re

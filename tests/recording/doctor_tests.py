@@ -1,6 +1,6 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""The command that looks for faults: what it finds in a desktop, says in two languages, and ends with."""
+"""`vantoro doctor`: its findings on a desktop, in both languages, and its exit status."""
 
 import os
 import signal

@@ -1,6 +1,6 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""What breaks while a recording runs: what was captured is saved or kept, and the user is told."""
+"""Failures during a recording: what was captured is saved or kept, and the user is told."""
 
 import contextlib
 import os

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Message buses that let programs connect and then hang, each in its own way."""
+"""Message buses that accept connections and then hang, each in its own way."""
 
 import contextlib
 import os

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""A disk that does not answer any more, for a program that is started with this environment."""
+"""The environment that makes the disk stop responding for a program."""
 
 from pathlib import Path
 

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Sound cards with clocks of their own, and where a recording has the pulses that they play at each full second."""
+"""Sound cards with independent clocks that play a pulse at each full second; finds the pulses in a recording."""
 
 import os
 import signal

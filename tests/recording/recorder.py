@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Runs the program under test and watches the folder that it records into."""
+"""Runs the program under test and watches the recording folder."""
 
 import ctypes
 import os

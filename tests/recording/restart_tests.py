@@ -1,6 +1,6 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""The session manager and the PulseAudio server are started again while a recording runs: it costs nothing of it."""
+"""The session manager or the PulseAudio server restarts during a recording: no sound is lost."""
 
 import contextlib
 import os

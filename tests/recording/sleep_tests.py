@@ -1,6 +1,6 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""The machine goes to sleep, or is switched off, while a recording runs: it waits for the sound, which is saved."""
+"""The machine sleeps or shuts down during a recording: it waits for the sound, and the recording is saved."""
 
 import os
 import signal

@@ -1,8 +1,8 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""A long recording in a private desktop: are both tracks still in step at its end?
+"""A long recording in a private desktop: are both tracks still in sync at its end?
 
-Prints how far apart clicks lie that reached an output and the microphone at the same instant.
+Prints the offset between clicks that reached an output and the microphone at the same instant.
 
 Run as: tools/session -- tests/recording/soak.py [--minutes N]
 """

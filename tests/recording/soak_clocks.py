@@ -1,8 +1,8 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""A long recording of a microphone and an output whose clocks are a thousandth apart, and may wander.
+"""A long recording of a microphone and an output whose clocks differ by 1000 ppm, and may drift.
 
-Prints how far apart the tracks are, and how many millionths each differs from the true time once its clock is known.
+Prints the offset between the tracks, and each track's deviation from true time in ppm once its clock is known.
 
 Run as: tools/session --long-cycles -- tests/recording/soak_clocks.py [--minutes N] [--wandering PPM_A_MINUTE]
 """

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Plays sounds in the private desktop and measures what a recording holds of them."""
+"""Plays sounds in the private desktop and measures them in a recording."""
 
 import array
 import functools

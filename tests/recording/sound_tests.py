@@ -1,6 +1,6 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""What was played and said is in the final file, at its level, for its time, and in step."""
+"""The final file has the sound of the output and the microphone at its level, with its length, and in sync."""
 
 import json
 import subprocess

@@ -1,6 +1,6 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""The hidden file that a recording is written into while it runs."""
+"""The hidden file that a running recording writes."""
 
 import os
 import signal

@@ -1,6 +1,6 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""What tools/session promises: a desktop that is ready, a status passed on, and nothing left behind."""
+"""tools/session provides a desktop that is ready, passes the exit status on, and leaves nothing behind."""
 
 import json
 import os

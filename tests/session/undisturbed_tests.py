@@ -1,6 +1,6 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""When a session gives its command another try: what fails for the host's sake only."""
+"""A session repeats its command only if it failed while the host withheld processor time."""
 
 import contextlib
 import io

@@ -1,6 +1,6 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Whoever does not see the window: finds, operates and hears of all that is in it."""
+"""Screen reader users can find, operate and follow everything in the window."""
 
 import sys
 

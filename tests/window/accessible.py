@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""What a screen reader is told of the window, and how it operates it."""
+"""The window as a screen reader sees and operates it."""
 
 import re
 import subprocess

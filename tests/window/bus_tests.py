@@ -1,6 +1,6 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""A message bus hangs, in one way or another: the window is shown, and ends, in time."""
+"""A message bus hangs, in one way or another: the window opens and quits in time."""
 
 import os
 import signal

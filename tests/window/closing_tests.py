@@ -1,6 +1,6 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Closing the window puts it away, not out of reach, and ends nothing."""
+"""Closing the window hides it within reach, and ends nothing."""
 
 import sys
 

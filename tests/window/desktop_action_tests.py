@@ -1,6 +1,6 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""The desktop starts and stops recordings over the bus, as the entry's menu does, without anybody touching the window."""
+"""The desktop starts and stops recordings over the bus, as its menu does, without the window."""
 
 import subprocess
 import sys

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Waiting for what others do: while a test waits, the event loop runs, which also answers others' calls."""
+"""Waits for events while the event loop runs, which also answers incoming calls."""
 
 import time
 

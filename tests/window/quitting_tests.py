@@ -1,6 +1,6 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Quitting saves first what is being recorded."""
+"""Quitting first saves the running recording."""
 
 import contextlib
 import os

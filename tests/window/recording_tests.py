@@ -1,6 +1,6 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""A whole recording through the window, by what a user has at hand."""
+"""A whole recording through the window, with the user's controls."""
 
 import sys
 

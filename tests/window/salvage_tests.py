@@ -1,6 +1,6 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""What a program leaves behind that was killed is saved by the next one, which says so."""
+"""After a kill, the next start saves the interrupted recording and says so."""
 
 import signal
 import sys

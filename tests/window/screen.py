@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""The screen as its window manager and a user see it: the windows on it, the mouse, the keyboard."""
+"""The screen as the window manager and the user see it: windows, mouse, keyboard."""
 
 import subprocess
 

@@ -1,6 +1,6 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Starting the program again while it runs brings the window that there is to the front."""
+"""A second start brings the existing window to the front."""
 
 import signal
 import sys

@@ -1,6 +1,6 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""A window that is shown, and waits, has cost nothing that it does not need yet."""
+"""An idle window has not yet loaded what it does not need."""
 
 import sys
 

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""A panel with a status area: keeps the list of items, and reads and clicks them."""
+"""A panel with a status area: lists, reads and clicks the items."""
 
 from gi.repository import Gio, GLib
 

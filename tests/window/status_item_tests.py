@@ -1,6 +1,6 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""The two meters in the status area, as a panel has them."""
+"""The two meters in the status area, as a panel shows them."""
 
 import sys
 

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""What the test cases share: a home of their own, and the program with its window in it."""
+"""The base of the test cases: a private home folder, and the program with its window in it."""
 
 import contextlib
 import os

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Finds what can be changed in a source, with clang's own reading of it."""
+"""Finds what can be changed in a source, with clang's parser."""
 
 import dataclasses
 import re

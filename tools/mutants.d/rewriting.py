@@ -1,7 +1,7 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Writes a source with all of its mutants in it, one of which is chosen when the program starts.
+"""Writes a source that contains all of its mutants; one is selected when the program starts.
 
-Where a mutant is chosen the text around it is as it was, so each other one is written just once.
+Around a selected mutant the code is the original, so each mutant is written only once.
 """
 
 import os

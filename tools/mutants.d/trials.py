@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Runs the tests of a GoogleTest program that holds all mutants, for one of them after the other."""
+"""Runs the tests of a GoogleTest program that contains all mutants, for one mutant after another."""
 
 import dataclasses
 import os

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""The private desktop itself: its folders, its environment, its daemons, and how it becomes ready."""
+"""The private desktop: its folders, environment and daemons, and when it is ready."""
 
 import os
 import re

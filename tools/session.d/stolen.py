@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""What a virtual machine's host gives to others: sound breaks meanwhile, whatever the program does."""
+"""Processor time that a virtual machine's host gives to others: sound breaks then, whatever the program does."""
 
 import os
 import sys
