@@ -17,13 +17,13 @@ def resident_megabytes(pid):
 
 
 def wake_ups(pid):
-    """Of every thread since it began."""
+    """The wake-ups of every thread so far."""
     return {task.name: _number(task / "status", "voluntary_ctxt_switches")
             for task in Path(f"/proc/{pid}/task").iterdir()}
 
 
 def woken_since(before, pid):
-    """How often, since `wake_ups` was asked; without threads that have ended meanwhile."""
+    """Wake-ups since `wake_ups` was called, without threads that have ended since."""
     return sum(count - before.get(thread, 0) for thread, count in wake_ups(pid).items())
 
 

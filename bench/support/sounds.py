@@ -11,8 +11,8 @@ _SPEECH = ("What cannot be said twice should be recorded once, and well: a meeti
 
 
 class Sounds:
-    """From its beginning for some seconds or until its end; the output's sides alike, as in a call, or each on its
-    own, as in music."""
+    """Plays for some seconds, or until the end of `with`; the output's channels are identical, as in a call, or
+    different, as in music."""
 
     def __init__(self, seconds, stereo, folder):
         output = ["--chord", "220,277.18,329.63,440", "--seconds", str(seconds)]
@@ -29,7 +29,7 @@ class Sounds:
         ]
 
     def __enter__(self):
-        self._players[1].stdout.readline()  # it tells when the microphone hears it
+        self._players[1].stdout.readline()  # printed once the microphone receives the sound
         return self
 
     def __exit__(self, *_):

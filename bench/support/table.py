@@ -3,7 +3,7 @@
 
 
 def row(measured, aim, work, ours, other):
-    """What was measured, most often as a ratio; what is aimed for at most; of which work; and the figures behind it."""
+    """What was measured, usually as a ratio; its limit; the work; and the figures behind the ratio."""
     print(f"| {measured} | {aim} | {work} | {ours} | {other} |", flush=True)
 
 

@@ -14,13 +14,13 @@ def prepare_sound(stage):
 @dataclasses.dataclass(frozen=True)
 class Application:
     name: str
-    package: str  # whose version is told
-    play: typing.Callable  # with the stage; the sound has ended when it returns
+    package: str  # the one whose version the table shows
+    play: typing.Callable  # takes the stage; returns when the sound has ended
     prepare: typing.Callable = prepare_sound  # before the recording begins
-    outputs: tuple = (sound.FIRST_OUTPUT,)  # whose monitors have together what should be recorded
-    has_one_channel: bool = False  # which both sides have
-    tones: tuple = ()  # of each side, where it plays another sound than ours
-    keeps_time: bool = True  # not where it goes from one output to another, which need not be equally fast
+    outputs: tuple = (sound.FIRST_OUTPUT,)  # those whose monitors together have what should be recorded
+    has_one_channel: bool = False  # the same in both channels
+    tones: tuple = ()  # of each channel, if the application plays its own sound
+    keeps_time: bool = True  # false if the sound moves between outputs, whose latencies differ
 
     def tones_on(self, stage):
         return self.tones or (stage.sides[:1] * 2 if self.has_one_channel else stage.sides)

@@ -26,7 +26,7 @@ FIREFOX_PREFERENCES = {
 
 
 class PageServer(http.server.ThreadingHTTPServer):
-    """Has the pages and the sound, and hears what the pages say."""
+    """Serves the pages and the sound, and receives what the pages report."""
 
     def __init__(self, sound_file):
         super().__init__(("127.0.0.1", 0), Handler)

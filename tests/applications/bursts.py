@@ -19,15 +19,15 @@ BURSTS = (0.90, 0.55, 1.15, 0.70, 0.45, 1.00, 0.60, 0.80)
 FEW_BURSTS = (0.90, 0.55, 1.15)
 PAUSE = 0.09
 RAMP = 0.005
-LEAD = 0.3  # a player may need its first moments
-TAIL = 1.0  # and may be cut off at its end
+LEAD = 0.3  # players may cut off the beginning
+TAIL = 1.0  # and the end
 
 
 def burst(seconds, tones, rate):
-    """One side of a burst, with ramps that do not click."""
+    """One channel of a burst, with ramps that avoid clicks."""
     count = round(seconds * rate)
     amplitude = LOUDEST / len(tones)
-    # Phases that keep the sum of many tones from having one high peak.
+    # Phases that avoid one high peak in the sum of many tones.
     phases = [math.pi * index * index / len(tones) for index in range(len(tones))]
     samples = [0.0] * count
     for tone, phase in zip(tones, phases):
@@ -41,7 +41,7 @@ def burst(seconds, tones, rate):
 
 
 def write(path, sides=(LEFT, RIGHT), lengths=BURSTS, rate=RATE, lead=LEAD):
-    """A sound file with one channel for each side; a side without tones is silent."""
+    """A sound file with one channel per entry; a channel without tones is silent."""
     pause = [0.0] * round(PAUSE * rate)
     channels = []
     for tones in sides:
@@ -59,7 +59,7 @@ def write(path, sides=(LEFT, RIGHT), lengths=BURSTS, rate=RATE, lead=LEAD):
 
 
 def shortened(samples, count, ramp):
-    """The beginning of a burst, with a ramp of its own at the end."""
+    """The beginning of a burst, with its own ramp at the end."""
     if count == len(samples):
         return samples
     return samples[:count - ramp] + [sample * (ramp - index) / ramp

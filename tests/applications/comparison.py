@@ -24,7 +24,7 @@ ATTEMPTS = 3
 
 
 class Monitor:
-    """What some outputs play, from when on it is ready until it is stopped."""
+    """Captures what some outputs play, from when it is ready until it is stopped."""
 
     def __init__(self, outputs, folder):
         self._outputs = outputs
@@ -44,18 +44,18 @@ class Monitor:
             raise
 
     def attach(self, output):
-        """Listens to an output; again where it was gone and has come back."""
+        """Captures an output; also again, after the output vanished and came back."""
         first = self._outputs.index(output) * len(SIDES)
         for channel, side in enumerate(SIDES, first):
             link(f"{output}:monitor_{side}", f"{self._name}:input_AUX{channel}")
 
     def heard(self):
-        """The two sides, of all outputs together, once it is stopped."""
+        """The two channels of all outputs together, after the stop."""
         channels = sound.decoded(self.path)
         return [array.array("f", map(sum, zip(*channels[side::len(SIDES)]))) for side in range(len(SIDES))]
 
     def wait_for_seconds(self, seconds):
-        """Returns when it has heard so much more, sound or silence."""
+        """Returns after capturing this many more seconds, of sound or silence."""
         def has_grown(*_):
             return self.path.stat().st_size >= enough
 
@@ -68,19 +68,19 @@ class Monitor:
 
     def stop(self):
         if self._process.poll() is None:
-            self._process.send_signal(signal.SIGINT)  # it completes the file's header
+            self._process.send_signal(signal.SIGINT)  # completes the file's header
             self._process.wait(SECONDS_TO_END)
 
 
 class Stage:
-    """What an application needs to play: a sound, a folder, and an end of all that it started."""
+    """What an application needs to play: a sound, a folder, and the end of every process that it started."""
 
     def __init__(self, folder, lengths=bursts.BURSTS, sides=(bursts.LEFT, bursts.RIGHT)):
         self.folder = Path(folder)
         self.lengths = lengths
         self.sides = sides
-        self.monitor = None  # while what is played is recorded
-        self.extra = None  # an output that comes and goes
+        self.monitor = None  # while the application is recorded
+        self.extra = None  # an output that appears and vanishes
         self._ending = contextlib.ExitStack()
         self.log = self._ending.enter_context(open(self.folder / "applications.log", "w+"))
 
@@ -91,7 +91,7 @@ class Stage:
         self._ending.close()
 
     def sound(self, channels=2, rate=sound.RATE, lead=True):
-        """The bursts as a sound file; of more than two channels the first two sound."""
+        """The bursts as a sound file; with more than two channels, only the first two have sound."""
         path = self.folder / f"bursts-{channels}-{rate}-{lead}.wav"
         if not path.exists():
             sides = (self.sides + ((),) * channels)[:channels]
@@ -99,14 +99,14 @@ class Stage:
         return str(path)
 
     def start(self, *command, environment=None, **options):
-        """A process that is ended with the stage."""
+        """Starts a process that ends with the stage."""
         process = subprocess.Popen(list(map(str, command)), env={**os.environ, **(environment or {})}, text=True,
                                    **{"stdin": subprocess.DEVNULL, "stdout": self.log, "stderr": self.log, **options})
         self._ending.callback(end, process)
         return process
 
     def run(self, *command, environment=None):
-        """A process that ends by itself when it has played."""
+        """Runs a process that ends after playing."""
         self.wait_for_end(self.start(*command, environment=environment))
 
     def wait_for_end(self, process):
@@ -142,7 +142,7 @@ def link(output_port, input_port):
 
 
 def record_with_monitor(stage, application):
-    """The channels of the monitor and of the recording of what an application plays."""
+    """The channels of the monitor and of the recording while an application plays."""
     application.prepare(stage)
     monitor = stage.monitor = Monitor(application.outputs, stage.folder)
     stage.at_the_end(monitor.stop)
@@ -161,8 +161,8 @@ def compare(stage, application):
 
 
 def compare_fairly(application, *options):
-    """The difference, its faults and the number of attempts. A busy machine breaks sound now and then, so what is not
-    as it should be is recorded again, and said."""
+    """The difference, its faults and the number of attempts. A busy machine sometimes causes dropouts, so a
+    faulty recording is repeated, and a message says so."""
     for attempt in range(1, ATTEMPTS + 1):
         try:
             with tempfile.TemporaryDirectory(prefix="vantoro-played-") as folder, Stage(folder, *options) as stage:

@@ -14,7 +14,7 @@ EASY_EFFECTS = "easyeffects_sink"
 
 
 def run_module(name, arguments):
-    """One of the sound server's own modules in a process of its own, as its manual says."""
+    """Runs one of the sound server's modules in a separate process, as its manual describes."""
     def prepare(stage):
         stage.sound()
         path = stage.folder / "module.conf"
@@ -48,7 +48,7 @@ def flat_equalizer(_stage):
 
 
 def virtual_surround(stage):
-    """Each loudspeaker is heard with both ears: with the farther one later, and more quietly."""
+    """Each loudspeaker reaches both ears, the farther one later and more quietly."""
     response = write_response(stage.folder / "loudspeaker.wav")
     nodes, links, mixed = [], [], {"L": [], "R": []}
     for side in SURROUND:
@@ -70,7 +70,7 @@ def virtual_surround(stage):
 
 
 def write_response(path):
-    """What the nearer and the farther ear hear of an impulse."""
+    """The impulse response at the nearer and at the farther ear."""
     frames = array.array("h", bytes(4 * 128))
     frames[2 * 48] = 16384
     frames[2 * 67 + 1] = 5461

@@ -14,7 +14,7 @@ TICKING_SECONDS = 6
 
 
 def keep_cycles(stage):
-    """GStreamer's client gives up when cycles get longer while it begins, as any player may make them."""
+    """GStreamer's client fails if cycles get longer while it starts, which any player can cause."""
     stage.sound()
     settings = ["pw-metadata", "-n", "settings", "0"]
     told = subprocess.run([*settings, "clock.quantum"], check=True, capture_output=True, text=True).stdout
@@ -24,7 +24,7 @@ def keep_cycles(stage):
 
 
 def start_source(stage, *options):
-    """A client that plays the bursts and ends."""
+    """Starts a client that plays the bursts and ends."""
     return stage.start("pw-jack", "gst-launch-1.0", "-q", "filesrc", f"location={stage.sound()}", "!", "wavparse", "!",
                        "audioconvert", "!", "audioresample", "!", "jackaudiosink", "client-name=source", *options)
 
@@ -38,7 +38,7 @@ def play_with_mpv(stage):
 
 
 def play_metronome(stage):
-    """It ends when it is told to, and plays to one side of its own accord."""
+    """The metronome runs until it is ended, and by itself connects to one channel only."""
     stage.start("pw-jack", "jack_metro", "--name", "metronome", "--frequency", TICK, "--amplitude", "0.4",
                 "--duration", 400, "--bpm", 60)
     sound.wait_for_output_ports("metronome")
@@ -48,7 +48,7 @@ def play_metronome(stage):
 
 
 def play_through_filter(stage):
-    """What one client plays another passes on to the output."""
+    """A client passes another client's sound on to the output."""
     stage.start("pw-jack", "ecasound", "-q", "-G:jack,filter,notransport", "-b:1024", "-f:f32,2,48000", "-i", "jack",
                 "-o", "jack")
     sound.wait_for_output_ports("filter")

@@ -14,16 +14,16 @@ import sound  # noqa: E402
 BLOCK = 240
 SECONDS = BLOCK / sound.RATE  # 5 ms
 FRAME = 20  # blocks: 0.1 s
-SOUNDS = 0.05  # of the loudest block's amplitude
+SOUNDS = 0.05  # as a share of the loudest block's amplitude
 IS_SILENT = 0.01
-NEAR = 1  # blocks, on both sides: two recordings are aligned to half a block
+NEAR = 1  # blocks, on both sides: recordings are aligned to half a block
 NEARBY = 20  # blocks
-SMEARED = 8  # blocks: how far a coder may smear a sound
+SMEARED = 8  # blocks: the most that a coder smears a sound
 MOST_DECIBELS = 0.1
-MOST_MISSING = 0.004  # seconds: not one block
+MOST_MISSING = 0.004  # seconds: less than one block
 MOST_ADDED = 0.01
 MOST_SHIFT = 0.01
-MOST_AT_A_MOVE = 0.1  # seconds: some cycles, which both outputs may have, or neither
+MOST_AT_A_MOVE = 0.1  # seconds: some cycles that both outputs have, or neither
 MOST_DECIBELS_AT_A_MOVE = 0.5
 
 
@@ -33,21 +33,21 @@ class NothingPlayed(Exception):
 
 @dataclasses.dataclass
 class Difference:
-    """Of a recording from the monitor's; levels in decibels, parts of the time that the monitor sounds."""
+    """Differences of a recording from the monitor; levels in decibels, shares of the time with sound in the monitor."""
     level: float
     worst_band: float
     bands: int
     missing: float  # share of the time
-    added: float  # seconds in which it sounds and the monitor does not
-    onset: float  # seconds that are missing at the beginning
-    end: float  # and at the end
-    shift: float  # seconds by which a burst lies elsewhere than others, at most
-    heard: float  # seconds in which the monitor sounds
+    added: float  # seconds with sound in the recording but not in the monitor
+    onset: float  # seconds missing at the beginning
+    end: float  # seconds missing at the end
+    shift: float  # seconds: the largest offset of a burst relative to the others
+    heard: float  # seconds with sound in the monitor
 
 
 
 def compare(monitor, recording, tones):
-    """Both as channels of samples; the tones that each channel may have, of which those count that the monitor has."""
+    """Takes both as channels of samples, and the possible tones of each channel; only tones in the monitor count."""
     expected, got = envelope(monitor), envelope(recording)
     loudest = max(expected, default=0)
     if loudest < 0.001:
@@ -72,7 +72,7 @@ def compare(monitor, recording, tones):
 
 
 def envelope(channels):
-    """The amplitude of all channels together, block by block."""
+    """The amplitude of all channels together, per block."""
     count = min(map(len, channels), default=0) // BLOCK
     return [math.sqrt(sum(energy(channel, index * BLOCK, BLOCK) for channel in channels) / BLOCK)
             for index in range(count)]
@@ -84,12 +84,12 @@ def energy(samples, begin, count):
 
 
 def best_lag(expected, got):
-    """By how many blocks the second is later."""
+    """By how many blocks the second envelope is later."""
     def likeness(lag):
         first, second = max(0, -lag), max(0, lag)
         return sum(map(operator.mul, expected[first:], got[second:]))
 
-    # Both without what is common to all blocks, or the longest overlap would win.
+    # Remove the mean of all blocks; otherwise the longest overlap would win.
     expected, got = ([level - sum(levels) / len(levels) for level in levels] for levels in (expected, got))
     return max(range(-len(expected) + FRAME, len(got) - FRAME), key=likeness)
 
@@ -106,7 +106,7 @@ def runs(blocks):
 
 
 def nearby_lag(expected, got, burst):
-    """By how many blocks one burst is later than the others; none where a block makes the whole difference."""
+    """By how many blocks a burst is later than the others; zero if the difference is a single block."""
     begin, end = max(NEARBY, burst[0] - SMEARED), min(len(got) - NEARBY, burst[-1] + SMEARED)
 
     def unlikeness(lag):
@@ -125,12 +125,12 @@ def around(levels, index, distance):
 
 
 def whole_frames(sounding, missing):
-    """Where spans begin, in blocks, in which both sound throughout."""
+    """The positions, in blocks, of spans in which both have sound throughout."""
     frames, begin = [], None
     for index in range(max(sounding) + 2):
         good = index in sounding and index not in missing
         begin = (index if begin is None else begin) if good else None
-        # A ramp and what is misaligned stay outside.
+        # Exclude the ramps and the misalignment.
         if begin is not None and index - begin >= FRAME + 3:
             frames.append(begin + 2)
             begin = index - 1
@@ -138,7 +138,7 @@ def whole_frames(sounding, missing):
 
 
 def levels(monitor, recording, frames, tones):
-    """How much louder the recording is in all of the frames, and in each tone that the monitor has."""
+    """The level difference in all of the frames, and in each tone of the monitor."""
     both = [(channels, [frame[which] for frame in frames]) for which, channels in enumerate((monitor, recording))]
     totals = [sum(energy(channel, begin * BLOCK, FRAME * BLOCK) for channel in channels for begin in begins)
               for channels, begins in both]
@@ -159,13 +159,13 @@ def decibels(energies):
 
 
 def in_a_row(blocks, missing):
-    """For how many seconds from the beginning on all is missing."""
+    """How many seconds are missing continuously from the beginning."""
     first = next((index for index, block in enumerate(blocks) if block not in missing), len(blocks))
     return first * SECONDS
 
 
 def faults(difference, keeps_time=True):
-    """What is not as it should be, in words; nothing where the recording is what was heard."""
+    """The names of the limits exceeded; empty if the recording matches."""
     if difference.missing > 0.999:
         return ["silent"]
     found = []

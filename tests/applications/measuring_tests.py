@@ -29,7 +29,7 @@ class Measuring(unittest.TestCase):
         cls.heard = heard()
 
     def faults(self, change, begin=12345):
-        """Of a recording that began earlier than the monitor, with a change of each side."""
+        """The faults of a recording that starts before the monitor, with each channel changed."""
         recording = [array.array("f", [0.0] * begin + list(change(list(side)))) for side in self.heard]
         return measuring.faults(measuring.compare(self.heard, recording, SIDES))
 

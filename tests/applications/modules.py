@@ -12,7 +12,7 @@ VIRTUAL = "virtual-output"
 
 
 def load(*module):
-    """A module, for as long as the stage lasts."""
+    """Loads a module for the lifetime of the stage."""
     def prepare(stage):
         stage.sound()
         number = subprocess.run(["pactl", "load-module", *module], check=True, capture_output=True, text=True).stdout
@@ -41,7 +41,7 @@ def play_to(output):
 
 
 def play_into_microphone(stage):
-    """Its one channel is heard on both sides of the output."""
+    """The one channel plays on both channels of the output."""
     for side in ("FL", "FR"):
         ports = [f"{MICROPHONE}:capture_MONO", f"{FIRST_OUTPUT}:playback_{side}"]
         link(*ports)

@@ -11,7 +11,7 @@ AS_NOBODY = ("setpriv", f"--reuid={NOBODY}", "--securebits=+no_setuid_fixup", "-
 
 
 def player(name, package, *command, environment=None, channels=2, rate=48000):
-    """One that is given a file, and ends when it has played it."""
+    """A player that takes a file, and ends when it has played it."""
     def play(stage):
         path = stage.sound(channels, rate)
         stage.run(*(word.replace("FILE", path) for word in command), environment=environment)
@@ -35,7 +35,7 @@ def mpv(output):
 
 
 def play_with_vlc(stage):
-    """It refuses to be root, so it is nobody then, who may go where root may."""
+    """VLC refuses to run as root, so it runs as nobody, with access to root's files."""
     home = stage.folder / "home-of-nobody"
     home.mkdir()
     as_nobody = ()

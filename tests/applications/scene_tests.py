@@ -36,7 +36,7 @@ class Scenes(RecordingCase):
         self.assert_recorded_as_heard("a stereo sound on an output of eight channels")
 
     def record_headset(self, *options):
-        """A headset's output and microphone, of which another profile has others, while both are recorded."""
+        """Records a headset's output and microphone; another profile replaces both during the recording."""
         self.folder.mkdir()
         self.stage = comparison.Stage(self.folder)
         self.addCleanup(self.stage.__exit__)
@@ -62,7 +62,7 @@ class Scenes(RecordingCase):
         sound.wait_for_link(f"{scenes.PLAYER}:output_FL", f"{sound.FIRST_OUTPUT}:playback_FL")
         self.stage.wait_for_end(player)
         spans = sound.sounding(sound.decoded(recording.stop().saved())[0], 0.05)
-        # All bursts but for some cycles at the change.
+        # All bursts except for some cycles at the change.
         self.assertGreater(sum(end - begin for begin, end in spans), 6)
 
 

@@ -37,7 +37,7 @@ def play_and_end_in_the_middle(stage):
 
 
 def move(player, output):
-    """As a mixer does."""
+    """Moves a stream as a mixer does."""
     nodes = json.loads(subprocess.run(["pw-dump", "Node"], check=True, capture_output=True, text=True).stdout)
     node = next(node["id"] for node in nodes if node["info"]["props"].get("node.name") == player)
     subprocess.run(["pw-metadata", str(node), "target.object", output], check=True, stdout=subprocess.DEVNULL)
@@ -52,7 +52,7 @@ def play_and_move(stage):
 
 
 class Device:
-    """An output or a microphone that comes and goes."""
+    """An output or a microphone that appears and vanishes."""
 
     def __init__(self, stage, name, *properties):
         self._arguments = ["module-null-sink", f"sink_name={name}", *properties]
@@ -72,7 +72,7 @@ class Device:
 
 def output(stage, name, *properties):
     device = Device(stage, name, *properties)
-    sound.wait_for_output_ports(name)  # its monitor's
+    sound.wait_for_output_ports(name)  # the monitor's ports
     return device
 
 
@@ -88,13 +88,13 @@ def add_extra_output(stage):
 
 
 def add_surround_output(stage):
-    """On which the sound server plays a stereo sound from the rear as well, a little later."""
+    """Adds an output on whose rear channels the sound server also plays a stereo sound, a little later."""
     stage.sound()
     output(stage, EXTRA, f"channel_map={EIGHT_CHANNELS}")
 
 
 def play_while_the_output_is_gone(stage):
-    """The session manager moves the sound to the default output meanwhile."""
+    """Meanwhile, the session manager moves the sound to the default output."""
     player = start_player(stage, "--target", EXTRA)
     sound.wait_for_link(f"{PLAYER}:output_FL", f"{EXTRA}:playback_FL")
     stage.monitor.wait_for_seconds(SECONDS_BEFORE)

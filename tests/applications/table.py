@@ -32,11 +32,11 @@ def version(package):
 
 
 def row(application):
-    """The row, and whether all is as it should be."""
+    """The row, and whether the recording matches."""
     begin = f"| {application.name} | {version(application.package)} | "
     try:
         difference, faults, attempts = comparison.compare_fairly(application)
-    except Exception as error:  # one that does not run leaves the others theirs
+    except Exception as error:  # one failing application must not stop the others
         traceback.print_exc()
         return f"{begin}| | | | | | | {str(error).splitlines()[0]} |", False
     measured = (f"{difference.level:+.3f} dB", f"{difference.worst_band:+.3f} dB of {difference.bands}",

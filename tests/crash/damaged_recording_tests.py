@@ -21,7 +21,7 @@ UNREADABLE_IN_PART = 3
 
 
 class DamagedRecording(RecordingCase):
-    """Its tones change every second; whole fragments end after 1, 11, 21 and 31 seconds."""
+    """Its tones change every second; its fragments end after 1, 11, 21 and 31 seconds."""
 
     def setUp(self):
         super().setUp()
@@ -34,11 +34,11 @@ class DamagedRecording(RecordingCase):
         self.assertGreater(self.frames, 31 * sound.RATE)
 
     def places(self, kind):
-        """Where the boxes of a kind begin."""
+        """The positions of all boxes of a type."""
         return [content - 8 for name, content, _ in boxes(self.data) if name == kind]
 
     def recover(self):
-        """Puts the damaged bytes into the file and salvages it; returns the final file."""
+        """Writes the damaged bytes into the file and salvages it; returns the final file."""
         self.path.write_bytes(self.data)
         result = recorder.run("recover", "--folder", self.folder)
         self.assertEqual(result.status, UNREADABLE_IN_PART)
@@ -57,7 +57,7 @@ class DamagedRecording(RecordingCase):
         self.assertEqual(sorted(self.folder.iterdir()), before)
 
     def assert_sounds(self, final, gap):
-        """Every second has its tones but those in the gap, of which nothing is heard."""
+        """Every second has its tones, except for the gap, which is silent."""
         stream, = sound.probe(final)["streams"]
         self.assertEqual(round(float(stream["duration"]) * sound.RATE), self.frames)
         for channel in sound.decoded(final):

@@ -15,7 +15,7 @@ import sound  # noqa: E402
 from case import RecordingCase, main  # noqa: E402
 from faults import Fault, Folder  # noqa: E402
 
-# One track at full volume is copied at the stop, and nothing is made ahead of it: the calls are always the same.
+# One track at full volume is copied at the stop, not mixed ahead, so the calls are always the same.
 OPTIONS = ("--no-system-audio", "--seconds", "3")
 FAULTS = (Fault("fdatasync temporary 1", "EIO"), Fault("pwrite temporary 2", "EIO"),
           Fault("fdatasync temporary 2", "hang"), Fault("pwrite staging 1", "ENOSPC"),

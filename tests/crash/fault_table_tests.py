@@ -17,7 +17,7 @@ from faults import WRITTEN, FED_RECORDER, ONCE, Fault, Folder, named, problems_o
 from movie_boxes import whole_frames  # noqa: E402
 
 FRAMES = 12 * sound.RATE
-# What the recorder asks of a disk. It cuts a file back only when a write has failed.
+# The recorder's calls on a disk. It truncates a file only after a failed write.
 KINDS = {"open", "lock", "pwrite", "fdatasync", "fsync", "close", "rename", "link", "unlink", "mkdir", "statvfs",
          "ftruncate"}
 FEWEST_CALLS = 90
@@ -43,7 +43,7 @@ class Recording:
         return True
 
     def calls(self):
-        """Of a run without any fault."""
+        """The calls of a run without faults."""
         folder = self.folder("without a fault")
         outcome = faults.run(self.command(folder), folder.path)
         problems = self.problems(folder, Fault("none", "EIO"), outcome)
@@ -51,13 +51,13 @@ class Recording:
             raise AssertionError(f"without any fault: {outcome.errors} {problems}")
         self._learn_lengths(outcome)
         calls = [named(call) for call in outcome.calls if self.is_in_the_table(call)]
-        # A thread that mixes ahead, or gives up, asks the disk for its room as often as it comes to it.
+        # A thread that mixes ahead, or gives up, checks the free space a varying number of times.
         others = [set(map(named, faults.run(self.command(again), again.path).calls))
                   for again in (self.folder(f"once more {number}") for number in range(4))]
         return [call for call in calls if all(call in other for other in others)]
 
     def _learn_lengths(self, outcome):
-        """How many frames each of the lengths means that the temporary file has when it is synced."""
+        """Learns how many frames the temporary file has at each synced length."""
         folder = self.folder("dead at its end")
         faults.run(self.command(folder), folder.path, Fault(WRITTEN, "die"))
         path, = folder.temporaries()
@@ -68,7 +68,7 @@ class Recording:
             raise AssertionError(f"the temporary file is not all of the sound: {self._frames_at}")
 
     def synced(self, outcome):
-        """Frames that were on the disk for certain, at least."""
+        """The minimum number of frames that are certainly on disk."""
         size = max((call.size for call in outcome.calls if faults.is_sync(call)), default=0)
         return self._frames_at[max(known for known in self._frames_at if known <= size)]
 
@@ -84,7 +84,7 @@ class Recording:
         printed = [Path(line) for line in outcome.output.splitlines()]
         problems = [f"{path} was printed, and is not there" for path in printed if path not in folder.finals()]
         if outcome.status != 0:
-            # Who is told to end before anything was recorded, while it looks for what others left, need not say more.
+            # If it is told to end before it has recorded anything, while it looks for leftovers, it need not say more.
             has_begun = any(call.kind == "pwrite" and call.role == "temporary" for call in outcome.calls)
             if outcome.status != 1 or (has_begun or fault.how != "hang") and not outcome.errors.strip():
                 problems.append("it fails without a word")
@@ -108,7 +108,7 @@ class Recording:
 
 
 class MixedAhead(Recording):
-    """One whose mix is made while it goes on, in a file without a name."""
+    """A recording that is mixed ahead, into an unnamed file."""
 
     name = "mix made ahead"
 
@@ -120,7 +120,7 @@ class MixedAhead(Recording):
 
 
 class IntoANewFolder(Recording):
-    """One into a folder that is to be made."""
+    """A recording into a folder that does not exist yet."""
 
     name = "new folder"
 
@@ -200,7 +200,7 @@ def problems_of_what_is_left(folder, fault):
 
 
 def try_fault(scenario, fault):
-    """What is wrong with it, and the kinds of calls that it leads to."""
+    """What is wrong with the fault, and the kinds of calls that it causes."""
     for attempt in range(ATTEMPTS):
         folder = scenario.folder(f"{fault.how} {fault.call} {attempt}")
         outcome = faults.run(scenario.command(folder), folder.path, fault)
@@ -217,11 +217,11 @@ class FaultTable(RecordingCase):
         self.folder = self.folder.resolve()
 
     def go_through(self, how, *kinds):
-        """Every call of these goes wrong in that way."""
+        """Makes each of these calls fail in this way."""
         scenarios = [kind(self.folder) for kind in kinds]
         cases = [(scenario, Fault(call, how)) for scenario in scenarios for call in scenario.calls()]
         self.assertTrue(cases)
-        # Those that hang wait for nothing but the test's own patience.
+        # Hanging runs only wait for the test's timeout.
         with ThreadPoolExecutor(16 if how == "hang" else 4) as pool:
             problems = [problem for found in pool.map(lambda case: try_fault(*case), cases) for problem in found]
         print(f"{len(cases)} calls, {len(problems)} problems", file=sys.stderr)

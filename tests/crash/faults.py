@@ -22,12 +22,12 @@ FED_RECORDER = TESTS / "fed_recorder"
 FAILING_CALLS = TESTS / "failing_calls.so"
 
 CHANNELS = 2
-PACKET = 1024  # frames; the last one is decoded to its end
+PACKET = 1024  # frames; the last packet is decoded in full
 ONCE = ("EIO", "ENOSPC")
 HOWS = (*ONCE, "hang", "gone", "die")
-# What happens when all of a recording is in its temporary file.
+# At this call, all of the recording is in its temporary file.
 WRITTEN = "unlink temporary 1"
-# After a signal, with what a busy machine may add.
+# After a signal, with a margin for a busy machine.
 SECONDS_TO_END = 5 + 2
 SECONDS_TO_MEET = 60
 
@@ -41,7 +41,7 @@ def is_met(outcome, fault):
 
 
 def is_sync(call):
-    """Of what is being recorded."""
+    """Whether it syncs the recording in progress."""
     return call.role == "temporary" and call.kind in ("fsync", "fdatasync") and call.result == "succeeds"
 
 
@@ -50,7 +50,7 @@ def named(call):
 
 
 class LogReader:
-    """The calls of a program, as they happen."""
+    """Reads a program's calls as they happen."""
 
     def __init__(self, descriptor):
         self._descriptor = descriptor
@@ -58,7 +58,7 @@ class LogReader:
         self.calls = []
 
     def read_until(self, condition, deadline):
-        """False at the end of the program, or at the deadline."""
+        """False at the program's end or at the deadline."""
         while not condition():
             ready, _, _ = select.select([self._descriptor], [], [], max(0, deadline - time.monotonic()))
             data = os.read(self._descriptor, 65536) if ready else b""
@@ -71,7 +71,7 @@ class LogReader:
         return True
 
     def has_synced(self):
-        """The first fragment is on the disk, and so is the name of its file."""
+        """Whether the first fragment and the name of its file are on disk."""
         return any(map(is_sync, self.calls)) and any(
             call.kind == "fsync" and call.role == "folder" and call.result == "succeeds" for call in self.calls)
 
@@ -80,7 +80,7 @@ class LogReader:
 
 
 def environment_with(folder, log, fault=None):
-    """In which a program writes its calls into a descriptor, and one of them goes wrong."""
+    """The environment in which a program logs its calls to a descriptor, and one call fails."""
     environment = {**os.environ, "LD_PRELOAD": str(FAILING_CALLS), "VANTORO_FAILING_FOLDER": str(folder),
                    "VANTORO_FAILING_LOG": str(log)}
     if fault:
@@ -89,7 +89,7 @@ def environment_with(folder, log, fault=None):
 
 
 def run(command, folder, fault=None):
-    """Runs a program to its end. One that hangs is asked to end, twice if once is not enough."""
+    """Runs a program to its end. If it hangs, it gets a signal, and a second one if needed."""
     reading, writing = os.pipe()
     environment = environment_with(folder, writing, fault)
     with tempfile.TemporaryFile("w+") as output, tempfile.TemporaryFile("w+") as errors:
@@ -131,7 +131,7 @@ def end(process):
 
 
 class Foreigners:
-    """Files of others, under the names that the program would like best, or that are like its own."""
+    """Files of others, under the program's preferred names or similar ones."""
 
     SECONDS_AHEAD = 30
 
@@ -153,7 +153,7 @@ class Foreigners:
 
 
 class Folder:
-    """A folder with recordings, and with files of others beside them."""
+    """A folder with recordings, and with files of others."""
 
     def __init__(self, path):
         self.path = path
@@ -176,18 +176,18 @@ class Folder:
         return [path for path in self._files(".m4a") if path not in self.stagings()]
 
     def recover(self):
-        """A salvage without any fault, where there is something to salvage; what is wrong with it."""
+        """Runs a salvage without faults, if there is anything to salvage; returns what is wrong with it."""
         if not self.with_sound():
             return []
         result = recorder.run("recover", "--folder", self.path)
-        # Who died while he wrote leaves a torn fragment: its file is kept beside what was made of it, and told.
+        # A death during a write leaves a torn fragment: its file is kept beside the result, and the user is told.
         is_torn = result.status == 3 and self._files(".incomplete.mov")
         problems = [] if result.status == 0 or is_torn else [f"the salvage afterwards ends with {result}"]
         return problems + [f"{path.name} is still there after the salvage" for path in self.with_sound()]
 
 
 def heard_in(path):
-    """Frames that a final file decodes to, which must be the tones that were played."""
+    """The number of frames in a decoded final file, which must be the played tones."""
     result = subprocess.run(["ffmpeg", "-v", "error", "-i", str(path), "-f", "f32le", "-"],
                             check=True, capture_output=True)
     if result.stderr:
@@ -214,7 +214,7 @@ _known = {}
 
 
 def problems_of(path):
-    """How many frames a final file holds, and what is wrong with it. The same bytes are looked at only once."""
+    """How many frames a final file holds, and what is wrong with it. Identical bytes are checked only once."""
     content = hashlib.sha256(path.read_bytes()).digest()
     if content not in _known:
         try:
@@ -225,10 +225,10 @@ def problems_of(path):
 
 
 class Leftovers:
-    """Recordings whose recorder died, to be put into a folder again and again."""
+    """Recordings whose recorder died, to be copied into a folder repeatedly."""
 
     def __init__(self, folder, deaths):
-        """`deaths`: at which call each dies, under how many frames it was to hear."""
+        """`deaths`: for each number of frames to record, the call at which the recorder dies."""
         self.paths = []
         self.frames = []
         for frames, call in deaths.items():

@@ -38,7 +38,7 @@ class HangingDiskCase(RecordingCase):
         self.environment = {**os.environ, "XDG_CONFIG_HOME": str(preferences.parents[1])}
 
     def start(self, command, call, time=1):
-        """The program, and the disk that it meets."""
+        """Starts the program on a hanging disk."""
         disk = HangingDisk(self.folder, self.folder.parent, call, time)
         self.addCleanup(disk.close)
         program = subprocess.Popen([recorder.PROGRAM, command, "--folder", str(self.folder)],
@@ -52,7 +52,7 @@ class HangingDiskCase(RecordingCase):
         return self.start("record", call, time)
 
     def record_a_second(self, call, time=1):
-        """Its fragment is written, and on the disk unless it is that which hangs."""
+        """Records one second, which is written, and on disk unless the disk hangs there."""
         watch = recorder.FolderWatch(self.folder)
         self.addCleanup(watch.close)
         started = self.record(call, time)
@@ -60,7 +60,7 @@ class HangingDiskCase(RecordingCase):
         return started
 
     def assert_ended(self, program, begin, seconds, *texts):
-        """Soon, without a result, and it says why."""
+        """The program ends soon, without a result, and says why."""
         output, errors = program.communicate(timeout=recorder.SECONDS_TO_END)
         self.assertLess(time.monotonic() - begin, seconds)
         self.assertEqual((program.returncode, output), (1, ""), errors)
@@ -99,7 +99,7 @@ class HangingDiskCase(RecordingCase):
         self.assert_recovered()
 
     def insist(self, number):
-        """Signals until it ends, as the impatient do."""
+        """Sends signals until it ends."""
         program, disk = self.record("fdatasync")
         disk.wait_until_it_hangs()
         begin = time.monotonic()

@@ -22,7 +22,7 @@ MOST_HELD_BY_THE_CODER = 10240
 
 class KilledRecorder(RecordingCase):
     def die(self, frames, when_safe):
-        """Returns the frames in the whole fragments of the file that is left."""
+        """Returns the number of frames in the whole fragments that are left."""
         self.folder.mkdir(exist_ok=True)
         before = recorder.temporary_files(self.folder)
         command = [DYING_RECORDER, self.folder, str(frames), *(["safe"] if when_safe else [])]
@@ -31,7 +31,7 @@ class KilledRecorder(RecordingCase):
         return min(whole_frames(path.read_bytes()).values(), default=0)
 
     def salvage(self, frames):
-        """Salvages what is left, checks every second of its sound, and tidies up."""
+        """Salvages what is left, checks every second of its sound, and cleans up."""
         result = recorder.run("recover", "--folder", self.folder)
         if frames == 0:
             self.assertEqual((result.status, result.output), (0, ""))
@@ -40,7 +40,7 @@ class KilledRecorder(RecordingCase):
             return
         path = result.saved(but_for_a_part=True)
         for kept in self.folder.glob("*.incomplete.mov"):
-            # It died while it wrote a fragment.
+            # It died while writing a fragment.
             self.assertTrue(ends_torn(kept.read_bytes()))
             kept.unlink()
         self.assertEqual([entry.name for entry in self.folder.iterdir()], [path.name])

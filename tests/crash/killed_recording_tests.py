@@ -20,7 +20,7 @@ from movie_boxes import whole_frames  # noqa: E402
 
 class KilledRecording(RecordingCase):
     def test_recordingsKilledAtAnyTimeAreSalvagedUpToTheirLastFragment(self):
-        # Some seconds after the fragments that they have to hold: a busy machine writes them late.
+        # Some seconds after the fragments are due: a busy machine writes them late.
         moments = (0.7, 1.9, 5.3, 13.6, 16.2)
         with sound.tone(440), sound.tone(300, "--into", sound.MICROPHONE):
             recordings = [recorder.Recording(self.folder / str(index)) for index in range(len(moments))]
@@ -47,7 +47,7 @@ class KilledRecording(RecordingCase):
         self.assertEqual(round(float(sound.probe(path)["streams"][0]["duration"]) * sound.RATE), frames)
         whole = frames / sound.RATE
         if whole < 2:
-            return  # on a busy machine the first second passes before what plays is linked
+            return  # on a busy machine the first second passes before the player is linked
         for frequency in (440, 300):
             self.assert_decibels(sound.usual_amplitude(left, frequency, 0.2, whole - 0.1), 0.25)
 
@@ -55,8 +55,8 @@ class KilledRecording(RecordingCase):
         with sound.tone(440):
             recording = recorder.Recording(self.folder)
             recording.wait_until_written()
-            # By its path the folder can only be read from now on; the file is open already. In one step: what is
-            # mixed ahead opens files there.
+            # From now on the folder's path is read-only, while the file is already open. In one step, because the mix
+            # made ahead opens files there.
             with tempfile.TemporaryDirectory(prefix="vantoro-read-only-") as place:
                 subprocess.run(["mount", "--bind", str(self.folder), place], check=True)
                 subprocess.run(["mount", "-o", "remount,bind,ro", place], check=True)

@@ -5,12 +5,12 @@ import struct
 
 
 def boxes(data, begin=0, end=None):
-    """Type, content and end of each box that lies whole between two offsets."""
+    """Type, content and end of each whole box between two offsets."""
     end = len(data) if end is None else end
     while begin + 8 <= end:
         size, kind = struct.unpack_from(">I4s", data, begin)
         header = 8
-        if size == 1 and begin + 16 <= end:  # too large for that field, or unknown when it was begun
+        if size == 1 and begin + 16 <= end:  # 64-bit size, or size unknown when writing began
             size, = struct.unpack_from(">Q", data, begin + 8)
             header = 16
         if size < header or begin + size > end:
@@ -20,7 +20,7 @@ def boxes(data, begin=0, end=None):
 
 
 def whole_frames(data):
-    """Frames, the coder's priming of 1024 left out, that the whole fragments of each track hold."""
+    """The frames in the whole fragments of each track, without the coder's priming of 1024."""
     frames = {}
     fragment = None
     for kind, content, end in boxes(data):
@@ -34,7 +34,7 @@ def whole_frames(data):
 
 
 def ends_torn(data):
-    """Whether the file ends in the middle of a box."""
+    """Whether the file ends inside a box."""
     return max((end for _, _, end in boxes(data)), default=0) < len(data)
 
 
@@ -65,5 +65,5 @@ def run_frames(data, at, duration):
 
 
 def packets(data):
-    """The coded sound of a movie with one track, as far as it is in whole boxes."""
+    """The packets of a movie with one track, from whole boxes only."""
     return b"".join(data[content:end] for kind, content, end in boxes(data) if kind == "mdat")

@@ -20,11 +20,11 @@ from faults import WRITTEN, Leftovers  # noqa: E402
 ROUNDS = 4
 RECORDERS = 4
 LEFTOVERS = 12
-SEED = 1  # the moments are the same each time; what happens in them is not
+SEED = 1  # the moments are always the same; what happens in them is not
 
 
 def stop_at_once(recordings):
-    """Stops them together: all are asked before any is waited for."""
+    """Stops them together: asks all before it waits for any."""
     for recording in recordings:
         os.kill(recording.pid, signal.SIGINT)
     return [recording.finish() for recording in recordings]
@@ -36,7 +36,7 @@ def frames_in(path):
 
 class Simultaneous(RecordingCase):
     def start_recordings(self):
-        """Returns when each of them has its first second on the disk."""
+        """Returns when the first second of each is on disk."""
         self.folder.mkdir(exist_ok=True)
         watch = recorder.FolderWatch(self.folder)
         recordings = [recorder.Recording(self.folder) for _ in range(RECORDERS)]
@@ -62,7 +62,7 @@ class Simultaneous(RecordingCase):
 
     def test_salvagesAtOneTimeShareTheirWorkAndLoseNothing(self):
         self.folder.mkdir()
-        # Each of another length, so that none can stand for another.
+        # Each has a different length, so none can stand in for another.
         lengths = [sound.RATE + 4800 * index for index in range(LEFTOVERS)]
         leftovers = Leftovers(self.folder.parent / "leftovers", {frames: WRITTEN for frames in lengths})
         leftovers.put_into(self.folder)

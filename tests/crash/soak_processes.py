@@ -34,7 +34,7 @@ from movie_boxes import packets, whole_frames  # noqa: E402
 
 RECORDERS = 8
 SALVAGES = 2
-# By the killer, or told to stop before it had begun to listen.
+# Killed, or told to stop before it listened for signals.
 KILLED = (-signal.SIGKILL, -signal.SIGINT)
 
 Ended = collections.namedtuple("Ended", "is_recorder status output errors")
@@ -56,7 +56,7 @@ class Soak:
         self._ended = []
 
     def run(self):
-        """What is wrong in the end, and how much there was of everything."""
+        """What is wrong at the end, and the counts of everything."""
         workers = [threading.Thread(target=self._record_again_and_again) for _ in range(RECORDERS)]
         workers += [threading.Thread(target=self._salvage_again_and_again) for _ in range(SALVAGES)]
         workers += [threading.Thread(target=self._kill_now_and_then)]
@@ -123,7 +123,7 @@ class Soak:
             problems.append(f"{lost} of {held.total()} recordings are lost")
         if any(sound_ not in held for sound_ in twice):
             problems.append("a final file is of no recording")
-        # One that dies between naming the final file and removing the temporary one leaves both.
+        # A death between naming the final file and removing the temporary one leaves both.
         if twice.total() > kills:
             problems.append(f"{twice.total()} were saved twice, though only {kills} processes were killed")
         problems += self._problems_of_what_was_told()
@@ -154,7 +154,7 @@ def decodes(path):
 
 
 def soak(minutes, seed):
-    """What is wrong, and a line that tells how much there was."""
+    """What is wrong, and a line with the counts."""
     seconds = 60 * minutes
     place = Path(tempfile.mkdtemp(prefix="vantoro-soak-"))
     try:
@@ -170,7 +170,7 @@ def soak(minutes, seed):
 def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("--minutes", type=float, default=10)
-    parser.add_argument("--seed", type=int, default=int(time.time()), help="of the moments; default: another each time")
+    parser.add_argument("--seed", type=int, default=int(time.time()), help="of the random moments (default: random)")
     arguments = parser.parse_args()
     problems, summary = soak(arguments.minutes, arguments.seed)
     print(f"{summary}; seed {arguments.seed}")

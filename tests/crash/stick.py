@@ -12,13 +12,13 @@ SECONDS_TO_MOUNT = 20
 
 
 def obstacle(*devices):
-    """What this machine lacks for it; nothing, as a rule."""
+    """What this machine lacks for the test; usually nothing."""
     missing = [device for device in devices if not Path(device).exists()]
     return f"cannot run: this machine has no {' and no '.join(missing)}" if missing else None
 
 
 class Stick:
-    """One that is plugged in, pulled and plugged in again. `path`: where it is mounted."""
+    """A stick that can be plugged in, pulled and plugged in again. `path`: its mount point."""
 
     def __init__(self, folder):
         self._image = folder / f"{self.NAME}.img"
@@ -47,17 +47,17 @@ class Stick:
         self._started()
 
     def pull(self):
-        """Nothing that is on it can be reached from now on, nor what is open there."""
+        """Makes everything on it inaccessible, open files included."""
         self._driver.kill()
         self._driver.wait()
         self._run("umount", "-l", self.path)
 
     def take_away(self):
-        """As a desktop does by force: what is open there goes on, under no path any more."""
+        """A forced unmount, as by a desktop: open files continue, without a path."""
         self._run("umount", "-l", self.path)
 
     def wait_until_gone(self):
-        """Of one that was taken away: until nobody has anything open there."""
+        """After a forced unmount: returns when no process has a file on it open."""
         self._driver.wait(SECONDS_TO_MOUNT)
 
     def close(self):
@@ -70,7 +70,7 @@ class Stick:
             self._driver.wait()
 
     def _started(self):
-        """What there is to do behind a start of the driver."""
+        """Work after the driver's start."""
 
     @staticmethod
     def _run(*command):
@@ -90,7 +90,7 @@ class ExFat(Stick):
     FORMAT = ("mkfs.exfat",)
 
     def _start_driver(self):
-        # It takes block devices only; this one goes when the driver lets go of it.
+        # The driver accepts only block devices; this one vanishes when the driver releases it.
         device = self._run("losetup", "--find", "--show", self._image)
         self._device = device
         return self._open_driver("mount.exfat-fuse", "-d", "-o", "nonempty", device, self.path)

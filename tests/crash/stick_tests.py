@@ -83,7 +83,7 @@ class Sticks(RecordingCase):
             self.assert_sounds(path)
 
     def check_pulling(self, stick):
-        """What was on the stick is there when it is plugged in again, and nobody was told that all went well."""
+        """What was on the stick is there after plugging it in again, and the program did not report success."""
         recording = self.record_until_synced(stick)
         stick.pull()
         result = recording.stop()
@@ -94,7 +94,7 @@ class Sticks(RecordingCase):
         self.assert_sounds(recorder.run("recover", "--folder", stick.path).saved())
 
     def check_taking_away(self, stick):
-        """What was recorded is where the program says, or on the stick when it is there again."""
+        """The recording is where the program says, or on the stick after plugging it in again."""
         recording = self.record_until_synced(stick)
         stick.take_away()
         result = recording.stop()

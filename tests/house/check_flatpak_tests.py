@@ -14,7 +14,7 @@ MANIFEST = ROOT / "packaging/flatpak/com.vantoro.app.yml"
 
 class FlatpakCheckTests(unittest.TestCase):
     def complaint_about(self, before, after):
-        """What is said of the manifest with this one change."""
+        """The check's output for the manifest with this one change."""
         text = MANIFEST.read_text(encoding="utf-8")
         self.assertIn(before, text)
         with tempfile.NamedTemporaryFile("w", encoding="utf-8", suffix=".yml") as file:

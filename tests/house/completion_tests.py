@@ -23,7 +23,7 @@ class CompletionTests(unittest.TestCase):
         return shell
 
     def look_at(self, name):
-        """All that holds of every shell."""
+        """Checks what all shells have in common."""
         shell = self.start(name)
         (self.folder / "recordings").mkdir()
         (self.folder / "record.txt").touch()

@@ -73,7 +73,7 @@ TEST(Sample, countsCalls) {
 }
 """
 LOOSELY_TESTED = TESTED.replace("    EXPECT_EQ(atMost(3), 3);\n    EXPECT_EQ(atMost(9), 3);\n", "")
-# Without a number above three.
+# Without numbers above three.
 SURVIVORS = (
     ("engine/sample.cpp", 7, "atMost", "while (value [> => >=] limit) {", "no test fails"),
     ("engine/sample.cpp", 8, "atMost", "[--value; => ]", "no test comes by"),

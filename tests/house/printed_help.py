@@ -12,7 +12,7 @@ ENTRY = re.compile(r"  (?P<names>\w+|(?:-\w, )?--[a-z-]+)")
 
 
 def read():
-    """For each command its options; for none, under "", the commands and the options that stand alone."""
+    """The options of each command; under "", the commands and the options without a command."""
     text = subprocess.run([PROGRAM, "--help"], capture_output=True, text=True, check=True, timeout=60).stdout
     known, under = {"": set()}, None
     for line in text.splitlines():

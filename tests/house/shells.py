@@ -12,14 +12,14 @@ from pathlib import Path
 
 COMPLETIONS = Path(__file__).resolve().parents[2] / "packaging/completions"
 SECONDS_TO_ANSWER = 60
-# Everything that is offered goes into the line, which is then shown by itself.
+# The shell inserts all completions into the line, which is then printed.
 SHOW_THE_LINE = "\x01print-line \n"
 PRINT_LINE = "print-line() { printf '[line:%s:line]\\n' \"$*\"; }\n"
 PROMPT = "ready> "
 
 
 class Typed:
-    """A shell on a terminal of its own, in which a key (`all_key`) puts all that is offered into the line."""
+    """A shell on its own terminal, in which a key (`all_key`) inserts all completions into the line."""
 
     def __init__(self, command, environment, all_key):
         self._all_key = all_key
@@ -29,7 +29,7 @@ class Typed:
         self._read_until(re.escape(PROMPT))
 
     def offered(self, line):
-        """The words that the last word of a line may become."""
+        """The completions of the last word of a line."""
         os.write(self._terminal, (line + self._all_key + SHOW_THE_LINE).encode())
         shown = self._read_until(r"\[line:(.*):line\].*" + re.escape(PROMPT))
         return sorted(shown.split()[len(line.rsplit(" ", 1)[0].split()):])
@@ -39,7 +39,7 @@ class Typed:
         os.waitpid(self._pid, 0)
 
     def _read_until(self, pattern):
-        """What is in the pattern's parentheses, once the terminal shows all of it."""
+        """The pattern's group, once the terminal shows all of it."""
         deadline = time.monotonic() + SECONDS_TO_ANSWER
         read = ""
         while not (match := re.search(pattern, read, re.DOTALL)):
@@ -68,7 +68,7 @@ def zsh(folder, environment):
 
 
 class Fish:
-    """Says what it offers without a terminal."""
+    """Fish prints its completions without a terminal."""
 
     def __init__(self, environment):
         self._environment = environment
@@ -87,7 +87,7 @@ class Fish:
 
 
 def started(name, folder):
-    """A shell whose home is this folder, in which `vantoro` is a program that knows two microphones."""
+    """Starts a shell with this home folder, in which `vantoro` is a program with two microphones."""
     programs = folder / "programs"
     programs.mkdir()
     program = programs / "vantoro"

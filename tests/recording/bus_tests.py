@@ -14,11 +14,11 @@ import hanging_bus  # noqa: E402
 import recorder  # noqa: E402
 from case import RecordingCase, main  # noqa: E402
 
-# Two for the buses together, and what the sound takes on a busy machine. Whoever waits for a bus as libraries do waits
-# for 25 s at least, and whoever asks it again and again each time anew.
+# Two seconds for the buses together, and a margin for sound on a busy machine. Programs that wait for a bus as
+# libraries do wait for at least 25 s, and again for each new call.
 SECONDS_TO_BEGIN = 6
 SECONDS_TO_END = 15
-# An ordinary user's program asks services on the buses for real-time scheduling.
+# As an ordinary user, a program asks bus services for real-time scheduling.
 AS_ORDINARY_USER = ("prlimit", "--rtprio=0:0", "setpriv", "--bounding-set=-sys_nice", "--")
 SYSTEM, SESSION = "DBUS_SYSTEM_BUS_ADDRESS", "DBUS_SESSION_BUS_ADDRESS"
 

@@ -19,6 +19,6 @@ class RecordingCase(unittest.TestCase):
 
 
 def main(case_class):
-    """With a name, runs that case alone; else all of them."""
+    """With a name, runs only that case; otherwise all."""
     names = [f"{case_class.__name__}.test_{name}" for name in sys.argv[1:]]
     unittest.main(argv=[sys.argv[0], *names], module="__main__")

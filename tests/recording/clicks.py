@@ -8,7 +8,7 @@ from sound import FIRST_OUTPUT, MICROPHONE
 
 
 class Clicks(sound.Playing):
-    """A short beep each second, played to the first output and into the microphone at once."""
+    """Plays a short beep each second to the first output and into the microphone at once."""
 
     def __init__(self, folder, seconds=120):
         file = folder / "clicks.wav"
@@ -18,15 +18,15 @@ class Clicks(sound.Playing):
 
     def __enter__(self):
         super().__enter__()
-        # The stream has the channels of the output that it plays to.
+        # The stream has the channels of its output.
         subprocess.run(["pw-link", f"{self.name}:output_FL", f"{MICROPHONE}:input_MONO"], check=True)
         return self
 
 
 def click_offsets(temporary_file):
-    """For each click of the system's track, how many seconds later the microphone's track has it.
+    """For each click of the system track, its delay in the microphone track in seconds.
 
-    The first and the last click may have been cut, and are left out.
+    Leaves out the first and the last click, which may be cut.
     """
     system, microphone = (sound.sounding(sound.decoded(temporary_file, track)[0], 0.05, block=48)
                           for track in (0, 1))

@@ -31,12 +31,12 @@ def largest(values):
 
 
 def pairs(tracks):
-    """How far apart the tracks' pulses of each second are. Now and then a busy machine keeps a card from its pulse."""
+    """The offsets between the tracks' pulses of each second. On a busy machine a card sometimes misses a pulse."""
     return [distance for distance in pulses.distances(*tracks) if abs(distance) < 0.5]
 
 
 def tried_again(case):
-    """A case that counts as failed when it fails twice."""
+    """A case that fails only if it fails twice."""
     @functools.wraps(case)
     def attempts(self):
         for attempt in range(1, ATTEMPTS + 1):
@@ -53,7 +53,7 @@ def tried_again(case):
 
 class Clocks(RecordingCase):
     def record(self, microphone_drift, output_drift, wandering=0, fragments=8, disturb=()):
-        """The times of the pulses in the system's and in the microphone's track. Nothing else may have been told."""
+        """The times of the pulses in the system and microphone tracks. The program must print no message."""
         with pulses.microphone("microphone-card", microphone_drift, wandering) as microphone, \
                 pulses.output("output-card", output_drift, -wandering) as output, \
                 pulses.application("player", output.name) as player:
@@ -69,7 +69,7 @@ class Clocks(RecordingCase):
         return [pulses.pulse_times(sound.decoded(temporary, track)[0]) for track in (0, 1)]
 
     def assert_in_step(self, tracks):
-        """Next to each other all the time, and by the true clock once it is known how wrong theirs are."""
+        """The tracks stay in sync with each other, and with true time once the clock errors are known."""
         self.assertGreaterEqual(len(pairs(tracks)), FEWEST_PAIRS)
         self.assertLess(largest(pairs(tracks)), LARGEST_DISTANCE)
         for track in tracks:
@@ -90,7 +90,7 @@ class Clocks(RecordingCase):
             lambda microphone, _: microphone.stand_still(), lambda _, output: output.stand_still()))
         for track in tracks:
             gaps = [later - earlier for earlier, later in zip(track, track[1:]) if later - earlier > 1.5]
-            # Where two pulses should be, three seconds lie between those around them.
+            # For two missing pulses, the pulses around them are three seconds apart.
             self.assertEqual([round(gap, 2) for gap in gaps], [SECONDS_OF_A_STANDSTILL + 1])
             self.assertLess(largest(pulses.strays(track)), LARGEST_DISTANCE)
         self.assertGreater(len(pairs(tracks)), 24)

@@ -21,9 +21,9 @@ PORTAL = "org.freedesktop.portal.Desktop"
 PORTAL_OBJECT = "/org/freedesktop/portal/desktop"
 INHIBITION = "org.freedesktop.portal.Inhibit"
 LOGIN = "org.freedesktop.login1"
-SECONDS_FOR_ALL = 20  # it has limits of few; a busy machine has others to serve
+SECONDS_FOR_ALL = 20  # its own limits are shorter; this is for a busy machine
 
-# What a private desktop really lacks.
+# Missing in every private desktop.
 LACKING = [
     ("!   Status area: the desktop shows none", "!   状态区：桌面没有显示"),
     ("!   Desktop portal: not there, or without a way to keep the machine awake", "!   桌面门户：没有，或无法阻止自动睡眠"),
@@ -32,7 +32,7 @@ LACKING = [
 
 
 class Bus:
-    """A message bus with services that were not written by us."""
+    """A message bus with independent stand-ins for services."""
 
     def __init__(self, address, kind):
         self._kind = kind
@@ -47,7 +47,7 @@ class Bus:
             service.wait()
 
     def offer(self, name, *words):
-        """Starts the stand-in, which has the words on its command line."""
+        """Starts the stand-in with these arguments."""
         self._services.append(subprocess.Popen(
             [sys.executable, "-m", "dbusmock", f"--{self._kind}", "--logfile", os.devnull, *words],
             env=self._environment))
@@ -55,7 +55,7 @@ class Bus:
         while not self._bus.name_has_owner(name):
             if time.monotonic() > deadline:
                 raise AssertionError(f"{name} did not come to the bus")
-            time.sleep(0.005)  # the process is what is waited for
+            time.sleep(0.005)  # wait for the process
 
     def add_property(self, name, path, interface, key, value):
         mock = dbus.Interface(self._bus.get_object(name, path), "org.freedesktop.DBus.Mock")
@@ -74,7 +74,7 @@ class Doctor(RecordingCase):
         (self.configuration / "vantoro/vantoro.conf").write_text(f"[General]\noutputDirectory={folder}\n")
 
     def offer_services(self):
-        """All that a private desktop lacks."""
+        """Offers everything that a private desktop lacks."""
         session = Bus(os.environ["DBUS_SESSION_BUS_ADDRESS"], "session")
         self.addCleanup(session.close)
         session.offer(WATCHER, WATCHER, "/StatusNotifierWatcher", WATCHER)
@@ -95,7 +95,7 @@ class Doctor(RecordingCase):
         self.environment["DBUS_SYSTEM_BUS_ADDRESS"] = address
 
     def examine(self, language="en"):
-        """The findings, and the words on what to do."""
+        """The findings and the advice."""
         before = time.monotonic()
         result = recorder.run("doctor", "--language", language, env=self.environment)
         self.assertLess(time.monotonic() - before, SECONDS_FOR_ALL)
@@ -108,7 +108,7 @@ class Doctor(RecordingCase):
         return lines, advice.splitlines()
 
     def problems(self):
-        """Besides what a private desktop lacks."""
+        """The problems other than what a private desktop lacks."""
         found, _ = self.examine()
         lacking = [english for english, _ in LACKING]
         for line in lacking:
@@ -198,7 +198,7 @@ class Doctor(RecordingCase):
     def test_doctorWaitsForNoDiskThatHangs(self):
         self.folder.mkdir()
         before = time.monotonic()
-        # The question for the space in the folder is held back for a minute.
+        # Delay the query of the folder's free space for a minute.
         program = subprocess.Popen(
             ["strace", "-f", "-o", os.devnull, "-P", str(self.folder), "-e", "trace=statfs",
              "-e", "inject=statfs:delay_enter=60s", recorder.PROGRAM, "doctor", "--language", "en"],
@@ -212,7 +212,7 @@ class Doctor(RecordingCase):
         self.assertLess(time.monotonic() - before, SECONDS_FOR_ALL)
 
     def test_doctorWorksWithoutADesktopAndAHome(self):
-        # Nothing of a desktop; a sanitized program's options stay.
+        # No desktop variables; keep a sanitized program's options.
         self.environment = {name: value for name, value in os.environ.items()
                             if name == "PATH" or name.endswith("_OPTIONS")}
         self.environment["XDG_RUNTIME_DIR"] = str(self.folder.parent)

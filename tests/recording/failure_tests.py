@@ -55,13 +55,13 @@ class Failure(RecordingCase):
             yield
 
     def leave_free(self, kilobytes):
-        """Others take the rest of the disk."""
+        """Fills the disk except for this much."""
         status = os.statvfs(self.folder)
         with (self.folder / "others").open("ab") as others:
             others.write(bytes(status.f_bavail * status.f_frsize - kilobytes * 1024))
 
     def record_on_a_disk_that_others_fill(self, kilobytes_left):
-        """Behind the first fragment, so that no further one fits."""
+        """Fills the disk after the first fragment, so that no other fits."""
         self.mount_a_small_disk(64)
         with self.noise_from_both_sources():
             recording = recorder.Recording(self.folder)
@@ -101,7 +101,7 @@ class Failure(RecordingCase):
                          ["The disk is nearly full: there is room for about 3 minutes of recording.",
                           "The disk is nearly full, so the recording was ended. What was captured was saved."])
         path = result.saved()
-        # Told at the second fragment and ended at the third: nothing of what came before is missing.
+        # The warning comes at the second fragment and the end at the third: nothing before is missing.
         seconds = float(sound.probe(path)["streams"][0]["duration"])
         self.assertGreater(seconds, 21)
         left, _ = sound.decoded(path)
@@ -136,7 +136,7 @@ class Failure(RecordingCase):
         self.assertEqual(recorder.temporary_files(self.folder), [])
 
     def test_busyMachineLosesNoFrame(self):
-        # Where nobody may go before all others, only what gives way leaves the player its time.
+        # Without real-time scheduling, lower the load's priority so that the player gets its time.
         is_preferred = subprocess.run(["chrt", "-r", "20", "true"], stderr=subprocess.DEVNULL, check=False).returncode == 0
         give_way = [] if is_preferred else ["nice", "-n", "19"]
         burners = [subprocess.Popen([*give_way, sys.executable, "-c", "while True: pass"])

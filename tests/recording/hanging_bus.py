@@ -18,7 +18,7 @@ GUID = "0123456789abcdef0123456789abcdef"
 
 
 class HangingBus:
-    """Lets everybody connect, and goes on as far as `answer` does: by itself, it does not even read."""
+    """Accepts every connection and goes as far as `answer` does; by itself it does not even read."""
 
     def __init__(self, path):
         self.address = f"unix:path={path}"
@@ -37,7 +37,7 @@ class HangingBus:
         self._listener.close()
 
     def answer(self, client):
-        """What has come from this client; false when no more is to be read from it."""
+        """Handles input from this client; false if no more is to be read from it."""
         return False
 
     def _serve(self):
@@ -59,7 +59,7 @@ class HangingBus:
 
 
 class Client:
-    """One that has connected."""
+    """A connected client."""
 
     def __init__(self, connection):
         self._connection = connection
@@ -73,13 +73,13 @@ class Client:
         self._connection.close()
 
     def read(self):
-        """False when it has gone."""
+        """False when the client has disconnected."""
         received = self._connection.recv(65536)
         self._waiting += received
         return received != b""
 
     def take(self, end):
-        """Up to there, if that has come."""
+        """Takes input up to there, if it has arrived."""
         taken, found, rest = self._waiting.partition(end)
         if not found:
             return None
@@ -100,7 +100,7 @@ class DeafBus(HangingBus):
 
 
 class UngreetingBus(HangingBus):
-    """Lets programs prove who they are, and does not answer their greeting."""
+    """Lets programs authenticate, and does not answer their Hello."""
 
     def answer(self, client):
         if not client.read():
@@ -125,7 +125,7 @@ class UngreetingBus(HangingBus):
 
 
 class GreetingBus(UngreetingBus):
-    """Answers greetings, and nothing else."""
+    """Answers Hello, and nothing else."""
 
     def answer(self, client):
         goes_on = super().answer(client)
@@ -136,7 +136,7 @@ class GreetingBus(UngreetingBus):
 
 
 def greeting(call):
-    """The answer to a call that asks for a name on the bus."""
+    """The reply to a call that requests a bus name."""
     order = "<" if call[:1] == b"l" else ">"
     serial, = struct.unpack_from(order + "I", call, 8)
     name = b":1.1"
@@ -157,7 +157,7 @@ def aligned(data):
 
 
 class FullBus:
-    """As many programs wait to be let in as can: the next waits even to connect."""
+    """Its queue of waiting connections is full: the next client blocks in connect."""
 
     def __init__(self, path):
         self.address = f"unix:path={path}"
@@ -177,7 +177,7 @@ class FullBus:
 
 
 class AbandonedBus:
-    """Its socket is there, and nobody listens."""
+    """Its socket exists, and nobody listens."""
 
     def __init__(self, path):
         self.address = f"unix:path={path}"
@@ -190,7 +190,7 @@ class AbandonedBus:
 
 
 class WorkingBus:
-    """As it should be. A service that is added answers no call."""
+    """A working bus. An added service answers no call."""
 
     def __init__(self, path):
         self.address = f"unix:path={path}"
@@ -199,7 +199,7 @@ class WorkingBus:
             stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
         self._daemon.stdout.readline()
         self._mock = None
-        # It has no event loop: nobody reads what it is sent.
+        # The bus has no event loop: nobody reads what it receives.
         self._services = dbus.bus.BusConnection(self.address)
 
     def add_services(self, *names):
@@ -207,11 +207,11 @@ class WorkingBus:
             self._services.request_name(name)
 
     def freeze(self):
-        """From now on it does nothing, and nobody's connection breaks."""
+        """Stops all work; connections stay open."""
         self._daemon.send_signal(signal.SIGSTOP)
 
     def add_accessibility(self, address):
-        """The service that says where the accessibility bus is, and that somebody wants it."""
+        """Adds the service that announces the accessibility bus, and that it is wanted."""
         self._mock = subprocess.Popen(
             [sys.executable, "-m", "dbusmock", "--session", "--logfile", os.devnull, "org.a11y.Bus", "/org/a11y/bus",
              "org.a11y.Bus"], env=dict(os.environ, DBUS_SESSION_BUS_ADDRESS=self.address))
@@ -236,7 +236,7 @@ class WorkingBus:
 
 
 class BusOfHangingServices(WorkingBus):
-    """Answers, and whoever is asked on it does not."""
+    """The bus answers, its services do not."""
 
     NAMES = ("org.freedesktop.login1", "org.freedesktop.RealtimeKit1", "net.hadess.PowerProfiles",
              "org.freedesktop.UPower.PowerProfiles", "org.freedesktop.portal.Desktop",

@@ -9,7 +9,7 @@ LIBRARY = Path(PROGRAM).parent / "tests/support/libhanging_calls.so"
 
 
 class HangingDisk:
-    """From a call's given time on, it never returns on what lies in the folder."""
+    """From the given call on, calls on the folder never return."""
 
     def __init__(self, folder, place, call, time=1):
         self._mark = Path(place) / "hangs"

@@ -10,11 +10,11 @@ import sound
 
 DEVICE = Path(os.environ.get("VANTORO_PROGRAM", sound.ROOT / "build/release/vantoro")).parent / \
     "tests/support/drifting_device"
-REACH = 384  # frames to each side of a pulse's loudest one: all of it that can be heard
+REACH = 384  # frames on each side of a pulse's peak: everything audible
 
 
 class Node:
-    """A device or an application of its own, from `with` on until its end."""
+    """A device or an application, for the duration of `with`."""
 
     def __init__(self, kind, name, *arguments):
         self.name = name
@@ -34,7 +34,7 @@ class Node:
         self._process.wait()
 
     def stand_still(self):
-        """For two seconds."""
+        """Stops the clock for two seconds."""
         self._process.send_signal(signal.SIGUSR1)
 
 
@@ -51,7 +51,7 @@ def application(name, target, heard="pulses"):
 
 
 def pulse_times(samples, level=0.1):
-    """The middle of each pulse's energy, in seconds."""
+    """The centre of each pulse's energy, in seconds."""
     times = []
     begin = REACH
     while begin + REACH < len(samples):
@@ -71,12 +71,12 @@ def pulse_times(samples, level=0.1):
 
 
 def strays(times):
-    """By how many seconds each pulse is off the full seconds that the first ones mark."""
+    """Each pulse's offset, in seconds, from the full seconds that the first pulses mark."""
     return [time - times[0] - round(time - times[0]) for time in times]
 
 
 def slope(times, begin=0.0):
-    """How many seconds the recording is longer than a true second, from a second of it on: the line of least squares."""
+    """The recording's excess per true second, after its first second: a least-squares fit."""
     points = [(time, stray) for time, stray in zip(times, strays(times)) if time >= begin]
     count = len(points)
     mean_time = sum(time for time, _ in points) / count
@@ -86,5 +86,5 @@ def slope(times, begin=0.0):
 
 
 def distances(system, spoken):
-    """By how many seconds the microphone's pulses are later than the system's of the same second."""
+    """The delay, in seconds, of the microphone's pulses relative to the system's of the same second."""
     return [min((other - time for other in spoken), key=abs) for time in system]

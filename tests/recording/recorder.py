@@ -23,7 +23,7 @@ def wait_until_readable(descriptor, timeout):
 
 
 class FolderWatch:
-    """What happens in a folder, from the construction on."""
+    """Watches events in a folder from construction on."""
 
     def __init__(self, folder):
         self._library = ctypes.CDLL(None, use_errno=True)
@@ -37,7 +37,7 @@ class FolderWatch:
         os.close(self._descriptor)
 
     def wait_for(self, condition, timeout=30):
-        """The first event (mask, name) from now on for which the condition holds."""
+        """The first new event (mask, name) for which the condition holds."""
         deadline = time.monotonic() + timeout
         while True:
             while self._events:
@@ -50,7 +50,7 @@ class FolderWatch:
             self._read()
 
     def wait_for_fragments(self, count, timeout=40):
-        """Returns when this many pieces were written into the temporary file."""
+        """Returns when this many fragments are in the temporary file."""
         for _ in range(count):
             self.wait_for(lambda mask, name: mask & IN_MODIFY and name.endswith(".partial.mov"), timeout)
 
@@ -64,7 +64,7 @@ class FolderWatch:
 
 
 class Recording:
-    """A recording that runs while the test does something else."""
+    """A recording that runs in the background."""
 
     def __init__(self, folder, *arguments, prefix=(), **options):
         Path(folder).mkdir(parents=True, exist_ok=True)
@@ -105,8 +105,7 @@ class Result:
         self.errors = errors
 
     def saved(self, but_for_a_part=False):
-        """The final file of a recording that went well, or whose original was kept since it could not be read
-        whole, which is told."""
+        """The final file of a successful recording, or of one whose partly unreadable file was kept and reported."""
         lines = self.output.splitlines()
         is_told = self.status == 3 and ".incomplete.mov" in self.errors
         if self.status != 0 and not (but_for_a_part and is_told) or len(lines) != 1:

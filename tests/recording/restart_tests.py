@@ -23,7 +23,7 @@ SPOKEN = 0.5  # the level of a card's own tone
 
 
 class Daemon:
-    """One of the session's own, which is ended, and then started again as the service manager does."""
+    """A daemon of the session that is ended and restarted, as a service manager does."""
 
     def __init__(self, case, name):
         self._case = case
@@ -39,7 +39,7 @@ class Daemon:
         os.close(ended)
 
     def start(self, listen=None):
-        """With the socket that it listens on, handed over as the service manager does, so that nobody has to wait."""
+        """Starts it with its listening socket, as a service manager does, so that clients need not wait."""
         script = f"LISTEN_PID=$$ exec {self._name}"
         environment = dict(os.environ)
         descriptors = ()
@@ -59,20 +59,20 @@ class Daemon:
 
 class Restart(RecordingCase):
     def assert_heard(self, samples, frequency, level, begin=0.2, end=None):
-        """Steadily, but for what a busy machine keeps a player waiting."""
+        """The tone is steady, except where a busy machine delays the player."""
         end = len(samples) / sound.RATE - 0.2 if end is None else end
         levels = sound.amplitudes(samples, frequency, begin, end)
         whole = sum(measured > 0.8 * level for measured in levels)
         self.assertGreater(whole, 0.9 * len(levels), f"{frequency} Hz: {levels}")
 
     def span_of(self, samples, frequency, level):
-        """From when to when a tone is there, in seconds."""
+        """When a tone begins and ends, in seconds."""
         there = [index / 10 for index, measured in enumerate(sound.amplitudes(samples, frequency))
                  if measured > 0.8 * level]
         return (there[0], there[-1]) if there else (0, 0)
 
     def restart_the_session_manager(self, number):
-        """As where there are sound cards: they go with it, and come back as new objects."""
+        """As with sound cards: they go with the session manager and come back as new objects."""
         manager = Daemon(self, "wireplumber")
         with contextlib.ExitStack() as players, contextlib.ExitStack() as cards:
             cards.enter_context(pulses.output("card", 0))
@@ -83,10 +83,10 @@ class Restart(RecordingCase):
             recording.watch.wait_for_fragments(2)
             manager.end(number)
             cards.close()
-            # The service manager takes a moment, too. Who connects what waits for nodes that still run.
+            # A service manager takes a moment too. The session manager would wait for nodes that still run.
             sound.wait_until_gone("vantoro.system-audio")
             manager.start()
-            # Which then looks for sound cards, and connects what plays to the output that is there already.
+            # It then looks for sound cards, and connects players to the existing output.
             sound.wait_for_link(f"{before.name}:output_FL", f"{FIRST_OUTPUT}:playback_FL")
             cards.enter_context(pulses.output("card", 0))
             cards.enter_context(pulses.microphone("card-microphone", 0, heard=300))
@@ -103,7 +103,7 @@ class Restart(RecordingCase):
         for frequency, level in ((440, LEVEL), (300, SPOKEN)):
             self.assert_heard(samples, frequency, level, 0.5, 10)
             self.assert_heard(samples, frequency, level, begin + 0.5, end - 0.5)
-        # Silent while the microphone is away, which is waited for no longer than this.
+        # Silent while the microphone is away, no longer than the recorder waits for it.
         self.assertLess(sound.longest_silence(samples[:round(end * sound.RATE)], 300, SPOKEN / 2), 5)
         self.assertGreater(seconds, 14)
 

@@ -22,7 +22,7 @@ SECONDS_TO_SAVE = 15
 
 
 class Logind:
-    """A stand-in for the login manager, on a system bus of its own."""
+    """A stand-in for the login manager, on a separate system bus."""
 
     def __init__(self, folder):
         address = f"unix:path={folder}/system-bus"
@@ -47,7 +47,7 @@ class Logind:
         self._daemon.stdout.close()
 
     def delays(self, of="sleep"):
-        """Who puts it off, and why."""
+        """Who delays it, and why."""
         return [(str(who), str(why)) for what, who, why, mode, _, _ in self._manager.ListInhibitors()
                 if (what, mode) == (of, "delay")]
 
@@ -66,7 +66,7 @@ class Logind:
         while not condition():
             if time.monotonic() > deadline:
                 raise AssertionError("what was waited for did not happen on the bus")
-            time.sleep(0.005)  # the stand-in tells nobody of its inhibitors
+            time.sleep(0.005)  # no change notification; poll
 
 
 class Sleep(RecordingCase):

@@ -21,12 +21,12 @@ import sound  # noqa: E402
 LARGEST_DISTANCE = 0.005  # seconds
 LARGEST_SLOPE = 2e-6
 SECONDS_TO_SETTLE = 40
-DRIFT = 500  # millionths
+DRIFT = 500  # ppm
 
 
 def record(folder, minutes, wandering):
     """The times of the pulses in each track."""
-    drift = DRIFT - 2 * abs(wandering)  # up to which it wanders
+    drift = DRIFT - 2 * abs(wandering)  # it wanders up to DRIFT
     with pulses.microphone("microphone-card", drift, wandering) as microphone, \
             pulses.output("output-card", -drift, -wandering) as output, \
             pulses.application("player", output.name) as player:

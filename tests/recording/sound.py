@@ -19,7 +19,7 @@ SECONDS_TO_APPEAR = 30
 
 
 class Playing:
-    """A sound played by an application of its own, from `with` on until its end."""
+    """A separate application that plays a sound, for the duration of `with`."""
 
     _count = 0
 
@@ -53,7 +53,7 @@ def tone(frequency, *arguments, amplitude=0.25, seconds=120):
 
 
 def noise(folder, *arguments):
-    """What takes all the bits that a coder may use."""
+    """A sound that takes all the bits that a coder may use."""
     file = Path(folder) / "noise.wav"
     subprocess.run(["sox", "-q", "-n", "-r", str(RATE), "-c", "1", "-b", "16", str(file), "synth", "60", "whitenoise"],
                    check=True)
@@ -66,7 +66,7 @@ def wait_for_output_ports(node):
 
 
 def wait_for_input_port(port):
-    """Returns when there is an input port whose name begins like this."""
+    """Returns when there is an input port whose name has this prefix."""
     wait_for_port("-i", port)
 
 
@@ -84,7 +84,7 @@ def wait_for_port(direction, beginning):
 
 
 def wait_until_gone(node):
-    """Returns when no node of this name is left; asks again and again."""
+    """Returns when no node of this name is left; polls."""
     deadline = time.monotonic() + SECONDS_TO_APPEAR
     while f'"{node}"' in subprocess.run(["pw-cli", "ls", "Node"], check=True, capture_output=True, text=True).stdout:
         if time.monotonic() > deadline:
@@ -105,7 +105,7 @@ def wait_for_link(output_port, input_port):
 
 
 def is_linked(output_port, input_port, lines):
-    """Reads until it is so: a port comes before what it is linked to at first, a new link in one line."""
+    """Reads until it is so: a port precedes its existing links; a new link is one line."""
     port = ""
     for words in map(str.split, lines):
         if words[1:] == ["|->", input_port] and port == output_port or \
@@ -117,7 +117,7 @@ def is_linked(output_port, input_port, lines):
 
 
 def probe(path, *entries):
-    """What ffprobe says of a file."""
+    """ffprobe's description of a file."""
     result = subprocess.run(
         ["ffprobe", "-v", "error", "-show_format", "-show_streams", "-of", "json", *entries, str(path)],
         check=True, capture_output=True, text=True)
@@ -140,7 +140,7 @@ def decoded(path, track=0):
 
 @functools.cache
 def windowed_wave(frequency, count):
-    """What so many samples are to be multiplied with for the two parts of a frequency's amplitude."""
+    """The factors for the samples that give both parts of a frequency's amplitude."""
     step = 2 * math.pi * frequency / RATE
     turn = 2 * math.pi / count
     window = [(1 - math.cos(turn * index)) * 2 / count for index in range(count)]
@@ -149,27 +149,27 @@ def windowed_wave(frequency, count):
 
 
 def amplitude(samples, frequency, begin, end):
-    """The amplitude of one frequency between two seconds, by a windowed sum."""
+    """The amplitude of one frequency between two times, by a windowed sum."""
     part = samples[round(begin * RATE):round(end * RATE)]
     return math.hypot(*(sum(map(operator.mul, part, wave)) for wave in windowed_wave(frequency, len(part))))
 
 
 def amplitudes(samples, frequency, begin=0, end=None):
-    """The amplitude in each tenth of a second. In a longer span a tone would seem weaker than it is: an
-    output's clock bends its pitch a little."""
+    """The amplitude in each tenth of a second. Longer spans would underestimate a tone, because an output's clock
+    shifts its pitch a little."""
     end = len(samples) / RATE if end is None else end
     return [amplitude(samples, frequency, begin + index / 10, begin + (index + 1) / 10)
             for index in range(int((end - begin) * 10 + 1e-6))]
 
 
 def usual_amplitude(samples, frequency, begin, end):
-    """What a quarter of the tenths of a second reach. A busy machine may keep a player waiting for a moment,
-    which leaves less of the tone here and there, and never more of it."""
+    """What a quarter of the tenths of a second reach. A busy machine delays players for moments, which lowers the
+    amplitude in places and never raises it."""
     return sorted(amplitudes(samples, frequency, begin, end), reverse=True)[int((end - begin) * 10 / 4)]
 
 
 def longest_silence(samples, frequency, level):
-    """For how many seconds in a row, at most, a tone stays below a level."""
+    """The longest time, in seconds, that a tone stays below a level."""
     longest = lasting = 0
     for measured in amplitudes(samples, frequency):
         lasting = lasting + 1 if measured < level else 0
@@ -187,7 +187,7 @@ def peak(samples, begin=0, end=None):
 
 
 def sounding(samples, threshold, block=480):
-    """The spans, in seconds, in which blocks of 10 ms reach a peak; gaps up to 50 ms are bridged."""
+    """The spans, in seconds, in which blocks of 10 ms reach a peak; bridges gaps up to 50 ms."""
     spans = []
     for begin in range(0, len(samples), block):
         if peak_of(samples[begin:begin + block]) >= threshold:

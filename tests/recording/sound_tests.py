@@ -61,7 +61,7 @@ class Sound(RecordingCase):
         path = recording.stop().saved()
         spans = sound.sounding(sound.decoded(path)[0], 0.05)
         self.assertGreater(spans[0][0], 0.5)
-        # In pieces where a busy machine kept the player waiting.
+        # In pieces, if a busy machine delayed the player.
         self.assertAlmostEqual(sum(end - begin for begin, end in spans), 2.0, delta=0.3)
         self.assertLess(spans[-1][1] - spans[0][0], 5)
 
@@ -70,7 +70,7 @@ class Sound(RecordingCase):
             recording = recorder.Recording(self.folder, "--no-microphone")
             recording.wait_until_written()
             move(player.name, SECOND_OUTPUT)
-            # Heard together with what marks the time after the move.
+            # With the sound that marks the time after the move.
             with tone(1500, "--to", FIRST_OUTPUT, seconds=3) as marker:
                 marker.wait(30)
             path = recording.stop().saved()
@@ -80,7 +80,7 @@ class Sound(RecordingCase):
             self.assertGreater(marked[-1] - marked[0], 2)
             for begin, end in ((0.2, 0.9), (marked[0] + 0.2, marked[-1] - 0.2)):
                 self.assert_decibels(usual_amplitude(channel, 700, begin, end), whole)
-            # Not twice; for a moment both outputs have it, which play to clocks of their own.
+            # Not twice; for a moment both outputs, with separate clocks, play it.
             louder = [level for level in sound.amplitudes(channel, 700) if level > 1.06 * whole]
             self.assertLessEqual(len(louder), 3, louder)
             self.assertLess(sound.longest_silence(channel, 700, whole / 2), 3)
@@ -119,7 +119,7 @@ class Sound(RecordingCase):
             recording.watch.wait_for_fragments(3)
             recording.kill()
         temporary, = recorder.temporary_files(self.folder)
-        offsets = sorted(click_offsets(temporary), key=abs)[:15]  # a busy machine may tear a few apart
+        offsets = sorted(click_offsets(temporary), key=abs)[:15]  # a busy machine may shift a few
         self.assertEqual(len(offsets), 15)
         self.assertLess(max(map(abs, offsets)), 0.020)
         self.assertLess(max(offsets) - min(offsets), 0.011)

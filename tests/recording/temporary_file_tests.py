@@ -79,7 +79,7 @@ class TemporaryFile(RecordingCase):
 
     def test_everyWriteIsFollowedByASync(self):
         trace = self.folder.parent / "trace"
-        # The leak check of a sanitized program traces it too, and only one can.
+        # The leak check of a sanitized program also traces it, and a process has one tracer at most.
         options = os.environ.get("ASAN_OPTIONS", "") + ":detect_leaks=0"
         recording = recorder.Recording(
             self.folder, "--no-microphone", "--seconds", 3, env={**os.environ, "ASAN_OPTIONS": options},
@@ -91,7 +91,7 @@ class TemporaryFile(RecordingCase):
             if str(self.folder) not in line or "resumed" in line:
                 continue
             name = line.split("(")[0].split()[-1]
-            # What was mixed ahead has no name yet, which the system calls deleted.
+            # The mix made ahead has no name yet; the system calls such a file deleted.
             is_final = ".exporting." in line or "(deleted)" in line
             kind = "temporary" if ".partial.mov" in line else "final" if is_final else "folder"
             calls.append((name, kind))

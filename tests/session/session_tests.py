@@ -22,7 +22,7 @@ def run_in_session(script, *options, **keywords):
 
 
 class StartedSession:
-    """A session whose command has said where its runtime folder is, and then waits."""
+    """A session whose command has printed its runtime folder and waits."""
 
     def __init__(self, command):
         self.process = subprocess.Popen(
@@ -31,7 +31,7 @@ class StartedSession:
         self.runtime = self.process.stdout.readline().strip()
 
     def wait_until_all_has_ended(self):
-        # The output ends when the last process that could write to it has ended.
+        # The output ends after the last process that could write to it.
         self.process.communicate(timeout=DEADLINE)
         return self.process.returncode
 
@@ -113,7 +113,7 @@ class SessionTests(unittest.TestCase):
 
     def test_aSignalReachesTheCommandAndNothingIsLeft(self):
         for number in (signal.SIGINT, signal.SIGTERM):
-            # The command decides what the signal means: a recorder saves first.
+            # The command decides what the signal means: a recorder first saves.
             session = StartedSession("trap 'exit 42' INT TERM; sleep 1000 & echo ready; wait")
             session.process.stdout.readline()
             session.process.send_signal(number)

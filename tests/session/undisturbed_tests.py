@@ -17,7 +17,7 @@ from stolen import is_disturbance, undisturbed  # noqa: E402
 
 
 class Machine:
-    """Commands of it end with one status after the other, each after the host has taken some seconds from it."""
+    """Its commands end with one status after another, and the host takes some seconds before each end."""
 
     def __init__(self, folder, *runs):
         self.times = folder / "stat"
@@ -37,7 +37,7 @@ class Machine:
 
 class UndisturbedTests(unittest.TestCase):
     def status_of(self, *runs):
-        """What comes of all the runs that are named: no more, and no fewer."""
+        """The result of all the given runs, each used exactly once."""
         with tempfile.TemporaryDirectory() as folder:
             machine = Machine(Path(folder), *runs)
             with contextlib.redirect_stderr(io.StringIO()) as said:

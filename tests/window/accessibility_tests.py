@@ -69,7 +69,7 @@ class Accessibility(WindowCase):
         wait_for(lambda: picker.name == "Virtual Microphone", "the usual microphone to be picked")
         picker.act("ShowMenu")
         wait_for(lambda: picker.choice("second-microphone").is_showing, "the list of microphones")
-        # As in any list that has come up, the keyboard moves through it.
+        # The keyboard moves through it as in any popup list.
         press_keys("Down")
         wait_for(lambda: picker.choice("second-microphone").is_selected, "the second microphone to be selected")
         press_keys("Return")

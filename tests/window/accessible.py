@@ -13,12 +13,12 @@ from gi.repository import Atspi, Gio, GLib  # noqa: E402
 from events import wait_for  # noqa: E402
 
 BUS_LAUNCHER = "/usr/libexec/at-spi-bus-launcher"
-# A busy machine's program may take its time to answer.
+# Programs on a busy machine answer late.
 MILLISECONDS_TO_ANSWER = 20000
 
 
 class ScreenReader:
-    """Switches the desktop's accessibility on, as the first screen reader does, and listens."""
+    """Turns the desktop's accessibility on, as the first screen reader does, and listens."""
 
     def __init__(self):
         self._bus = Gio.bus_get_sync(Gio.BusType.SESSION)
@@ -32,15 +32,15 @@ class ScreenReader:
             GLib.Variant("(ssv)", ("org.a11y.Status", "IsEnabled", GLib.Variant("b", True))), None, 0, -1)
         Atspi.init()
         Atspi.set_timeout(MILLISECONDS_TO_ANSWER, MILLISECONDS_TO_ANSWER)
-        # What is asked for is what is so now.
+        # Disable the cache: queries return the current state.
         Atspi.get_desktop(0).set_cache_mask(Atspi.Cache.NONE)
-        # Nothing is done about what is heard but to look again.
+        # Events only trigger another look.
         self._listener = Atspi.EventListener.new(lambda _event: None)
         for event in ("object:property-change", "object:state-changed", "object:children-changed", "window"):
             self._listener.register(event)
 
     def application(self, pid):
-        """The program with this process id, once it has said that it is there."""
+        """The program with this process ID, once it has registered."""
         def found():
             desktop = Atspi.get_desktop(0)
             for index in range(desktop.get_child_count()):
@@ -66,7 +66,7 @@ class ScreenReader:
 
 
 class Application:
-    """All that one program shows. Things are found by the names that a screen reader says."""
+    """The user interface of one program. Elements are found by the names that a screen reader speaks."""
 
     def __init__(self, accessible):
         self._accessible = accessible
@@ -78,27 +78,27 @@ class Application:
             try:
                 children = [accessible.get_child_at_index(index) for index in range(accessible.get_child_count())]
             except GLib.Error:
-                continue  # it has just gone
+                continue  # it has just vanished
             pending += [child for child in reversed(children) if child]
             yield Thing(accessible)
 
     def find(self, name, condition):
-        """The first thing of this name, or that the pattern matches, for which the condition holds; or none."""
+        """The first element of this name, or matching this pattern, that meets the condition; or None."""
         for thing in self.things():
             try:
                 found = name.fullmatch(thing.name) if isinstance(name, re.Pattern) else thing.name == name
                 if found and condition(thing):
                     return thing
             except GLib.Error:
-                continue  # it has just gone
+                continue  # it has just vanished
         return None
 
     def control(self, name):
-        """What can be pressed, switched or moved, and takes the keyboard's focus."""
+        """An element that can be pressed, switched or moved, and takes the keyboard focus."""
         return self._awaited(name, lambda thing: thing.is_a_control, "control")
 
     def labelled(self, label):
-        """What the label belongs to: a picker has its choice for a name."""
+        """The element that the label belongs to: a picker's own name is its selection."""
         def found():
             for thing in self.things():
                 if thing.label == label:
@@ -119,7 +119,7 @@ class Application:
         return self._awaited(name, lambda thing: thing.role == Atspi.Role.MENU_ITEM, "menu item")
 
     def text(self, name):
-        """What says just this, where it can be seen."""
+        """A visible element with exactly this text."""
         return self._awaited(name, lambda thing: thing.is_showing, "text")
 
     def shows(self, name):
@@ -130,7 +130,7 @@ class Application:
 
 
 class Thing:
-    """One thing in a window."""
+    """An element in a window."""
 
     def __init__(self, accessible):
         self._accessible = accessible
@@ -149,13 +149,13 @@ class Thing:
 
     @property
     def label(self):
-        """The name of what says that it is this thing's label."""
+        """The name of the element's label."""
         try:
             for relation in self._accessible.get_relation_set():
                 if relation.get_relation_type() == Atspi.RelationType.LABELLED_BY:
                     return relation.get_target(0).get_name()
         except GLib.Error:
-            pass  # it has just gone
+            pass  # it has just vanished
         return None
 
     @property
@@ -164,7 +164,7 @@ class Thing:
         return [Thing(child) for child in found if child]
 
     def choice(self, name):
-        """What can be chosen of a picker by this name, or none."""
+        """A picker's option of this name, or None."""
         return next((choice for part in self.children for choice in part.children if choice.name == name), None)
 
     def is_(self, state):
@@ -200,14 +200,14 @@ class Thing:
 
     @property
     def value(self):
-        """From 0, the least, to 1, the most that it can be."""
+        """From 0 (minimum) to 1 (maximum)."""
         return Atspi.Value.get_current_value(self._accessible) / Atspi.Value.get_maximum_value(self._accessible)
 
     def set_value(self, part):
         Atspi.Value.set_current_value(self._accessible, part * Atspi.Value.get_maximum_value(self._accessible))
 
     def act(self, name):
-        """Does one of the things that can be done with it."""
+        """Performs one of its actions."""
         count = Atspi.Action.get_n_actions(self._accessible)
         names = [Atspi.Action.get_action_name(self._accessible, index) for index in range(count)]
         if name not in names:

@@ -12,8 +12,8 @@ sys.dont_write_bytecode = True
 from window_case import Program, WindowCase, main  # noqa: E402
 import hanging_bus  # noqa: E402
 
-# Two for the buses together, one for each service that the window asks by itself, and what a busy machine takes. Who
-# waits for a bus as toolkits do waits for 25 s at least.
+# Two seconds for the buses together, one for each service that the window calls by itself, and a margin for a busy
+# machine. Programs that wait for a bus as toolkits do wait for at least 25 s.
 SECONDS_TO_BE_SHOWN = 6
 SECONDS_TO_END = 6
 SYSTEM, SESSION, ACCESSIBILITY = "DBUS_SYSTEM_BUS_ADDRESS", "DBUS_SESSION_BUS_ADDRESS", "AT_SPI_BUS_ADDRESS"

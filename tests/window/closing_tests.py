@@ -20,7 +20,7 @@ class Closing(WindowCase):
         return area
 
     def close_to_the_status_area(self, area, window):
-        area.item(SYSTEM_AUDIO_ITEM).read("Id")  # the program knows of the area by now
+        area.item(SYSTEM_AUDIO_ITEM).read("Id")  # by now the program has found the status area
         self.screen.ask_to_close(window.frame)
         wait_for(lambda: not self.screen.is_managed(window.frame), "the window to be hidden")
 

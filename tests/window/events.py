@@ -6,12 +6,12 @@ import time
 from gi.repository import GLib
 
 SECONDS_TO_HAPPEN = 30
-# Not everything is announced: what is asked for is looked at this often besides.
+# Not every change sends an event, so conditions are also polled at this interval.
 LOOK_AGAIN_MILLISECONDS = 200
 
 
 def let_events_happen():
-    """Returns once an event was handled, or it is time to look again."""
+    """Returns after an event, or when it is time to poll."""
     overdue = GLib.timeout_add(LOOK_AGAIN_MILLISECONDS, lambda: GLib.SOURCE_CONTINUE)
     GLib.MainContext.default().iteration(True)
     GLib.source_remove(overdue)
@@ -20,7 +20,7 @@ def let_events_happen():
 
 
 def wait_for(condition, what, timeout=SECONDS_TO_HAPPEN):
-    """What the condition returns, as soon as that is something."""
+    """The condition's result, as soon as it is true."""
     deadline = time.monotonic() + timeout
     while True:
         try:
@@ -28,7 +28,7 @@ def wait_for(condition, what, timeout=SECONDS_TO_HAPPEN):
             if result:
                 return result
         except GLib.Error:
-            pass  # what it looks at has just gone, or does not answer yet
+            pass  # the object has just vanished, or does not answer yet
         if time.monotonic() > deadline:
             raise AssertionError(f"waited {timeout} s for {what}")
         let_events_happen()

@@ -40,7 +40,7 @@ class Quitting(WindowCase):
 
     @contextlib.contextmanager
     def halted_sound_server(self):
-        """Who waits for it waits as long as the test wants."""
+        """Callers wait for the server as long as the test wants."""
         pid = int(os.environ["VANTORO_SESSION_PIPEWIRE_PID"])
         os.kill(pid, signal.SIGSTOP)
         try:
@@ -50,7 +50,7 @@ class Quitting(WindowCase):
 
     @contextlib.contextmanager
     def slow_disk(self, program):
-        """What the program has put on the disk takes longer than the test."""
+        """Syncs take longer than the test."""
         syncs = "fsync,fdatasync,sync_file_range"
         tracer = subprocess.Popen(
             ["strace", "-f", "-p", str(program.pid), "-o", str(self.home / "trace"), "-e", f"trace={syncs}",

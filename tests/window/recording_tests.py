@@ -15,7 +15,7 @@ from texts import ENGLISH  # noqa: E402
 
 class WindowRecording(WindowCase):
     def both_tones(self):
-        """From now on, for the test's duration."""
+        """Plays both tones for the duration of the test."""
         self.enterContext(sound.tone(440))
         self.enterContext(sound.tone(1000, "--into", sound.MICROPHONE))
 
@@ -53,7 +53,7 @@ class WindowRecording(WindowCase):
         return next((control for control in controls if control.has_focus), None)
 
     def wait_until_placed(self, window):
-        """The window manager moves a new window about, which its program learns later."""
+        """The window manager moves a new window; its program learns this later."""
         wait_for(lambda: window.main_window.place[:2] == self.screen.origin(window.frame), "the window to be placed")
 
 

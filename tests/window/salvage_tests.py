@@ -16,7 +16,7 @@ from texts import ENGLISH  # noqa: E402
 
 RECOVERED = "A previously interrupted recording was recovered and saved."
 STAGING = ".exporting.m4a"
-LONG = 600  # seconds, of which a machine makes a file in several
+LONG = 600  # seconds, which take several seconds to turn into a file
 
 
 class Salvage(WindowCase):
@@ -69,7 +69,7 @@ class Salvage(WindowCase):
         self.assertGreater(lengths[1], LONG - 11)
 
     def quit_while_salvage_hangs(self):
-        """The program, which has not ended yet."""
+        """The program, which is still running."""
         self.leave_interrupted_recording(3)
         disk = self.hang("fdatasync")
         window = self.open_window(**disk.environment)

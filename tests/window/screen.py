@@ -20,13 +20,13 @@ class Screen:
         self._display.close()
 
     def main_window(self, pid):
-        """The window of a program, once it is managed; not one that belongs to another window."""
+        """The window of a program, once it is managed; no transient window."""
         def found():
             return next((window for window in self._managed() if self._is_main(window, pid)), None)
         return wait_for(found, "the program's window")
 
     def is_managed(self, window):
-        """Whether the window manager, and with it a list of windows, has it: shown or minimised."""
+        """Whether the window manager, and so a task list, has it: shown or minimised."""
         return window in self._managed()
 
     def is_minimised(self, window):
@@ -34,7 +34,7 @@ class Screen:
             window, "_NET_WM_STATE", Xatom.ATOM)
 
     def is_in_front(self, window):
-        """Whether it, or a window that belongs to it, is above all others and gets what is typed."""
+        """Whether it, or a transient window of it, is on top and has the keyboard focus."""
         top = self._values(self._root, "_NET_CLIENT_LIST_STACKING", Xatom.WINDOW)[-1:]
         if not top or top != self._active():
             return False
@@ -42,24 +42,24 @@ class Screen:
         return window.id in top + owner
 
     def has_a_dialog_in_front(self, window):
-        """Whether a window that belongs to it gets what is typed."""
+        """Whether a transient window of it has the keyboard focus."""
         return self.is_in_front(window) and self._active() != [window.id]
 
     def origin(self, window):
-        """Where its upper left corner is."""
+        """Its upper left corner."""
         translated = window.translate_coords(self._root, 0, 0)
         return -translated.x, -translated.y
 
     def ask_to_close(self, window):
-        """As the button in its title bar does."""
+        """As the close button in the title bar does."""
         self._ask(window, "_NET_CLOSE_WINDOW", [X.CurrentTime, 2, 0, 0, 0])
 
     def pick(self, window):
-        """As a click on its name in a list of windows does."""
+        """As a click in a task list does."""
         self._ask(window, "_NET_ACTIVE_WINDOW", [2, X.CurrentTime, 0, 0, 0])
 
     def cover(self):
-        """Puts another program's window over all others."""
+        """Covers all windows with another program's window."""
         size = self._root.get_geometry()
         cover = self._root.create_window(0, 0, size.width, size.height, 0, X.CopyFromParent)
         cover.set_wm_name("Another window")
@@ -88,7 +88,7 @@ class Screen:
         try:
             found = window.get_full_property(self._atom(name), kind)
         except XError:
-            return []  # the window has just gone
+            return []  # the window has just vanished
         return list(found.value) if found else []
 
     def _ask(self, window, name, data):

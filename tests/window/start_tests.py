@@ -11,8 +11,7 @@ from pathlib import Path  # noqa: E402
 from window_case import WindowCase, main  # noqa: E402
 from texts import ENGLISH  # noqa: E402
 
-# What files are read and written with, what asks for updates, and what other pictures than the program's own would
-# need.
+# The libraries for media files, for update checks and for image formats that the program's own images do not need.
 NEEDED_LATER = ("libavcodec", "libavformat", "libQt6Network", "/imageformats/")
 
 

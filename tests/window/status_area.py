@@ -22,7 +22,7 @@ INTERFACE = f"""
 
 
 class StatusArea:
-    """From the construction on, until `close`."""
+    """Runs from construction until `close`."""
 
     def __init__(self):
         self._names = []
@@ -39,7 +39,7 @@ class StatusArea:
             self._object = None
 
     def item(self, identifier):
-        """The item that has this identifier, once it has registered and its program knows of the area."""
+        """The item with this identifier, once it has registered and its program knows of the area."""
         def found():
             items = (Item(self._bus, name) for name in self._names)
             return self._was_asked and next((item for item in items if item.read("Id") == identifier), None)
@@ -63,7 +63,7 @@ class Item:
     def __init__(self, bus, name):
         self._bus = bus
         self._name = name
-        self.told = []  # the signals that came, from `listen` on
+        self.told = []  # the signals received since `listen`
 
     def listen(self):
         def heard(_bus, _sender, _path, _interface, signal, _arguments):
@@ -83,7 +83,7 @@ class Item:
 
     @property
     def picture(self):
-        """Its pictures, each as width, height and pixels."""
+        """Its images, each as width, height and pixels."""
         return self.read("IconPixmap")
 
     def click(self):

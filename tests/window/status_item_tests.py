@@ -43,7 +43,7 @@ class StatusItems(WindowCase):
         for item in (system, microphone):
             item.listen()
         with sound.tone(440), sound.tone(1000, "--into", sound.MICROPHONE):
-            # Once the program has seen something new of its surroundings, it has had the time.
+            # Once the program has reacted to a later change, it has had the time.
             self.add_microphone("second-microphone")
             window.control(ENGLISH["refreshAudioDevices"]).press()
             picker = window.labelled(ENGLISH["input"])

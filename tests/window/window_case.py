@@ -28,7 +28,7 @@ ELAPSED_TIME = re.compile(r"\d\d:\d\d")
 
 
 class Program:
-    """The program with its window, in the given surroundings."""
+    """The program with its window, in the given environment."""
 
     def __init__(self, environment):
         self._errors = tempfile.TemporaryFile()
@@ -44,23 +44,23 @@ class Program:
         return self._process.poll() is not None
 
     def finish(self):
-        """The exit status."""
+        """Waits for its end; returns the exit status."""
         wait_for(lambda: self.has_ended, f"the program to end\n{self.errors}", SECONDS_TO_END)
         return self._process.returncode
 
     def kill(self):
-        """However it is."""
+        """Kills it, in whatever state it is."""
         self._process.kill()
         self._process.wait()
 
     @property
     def errors(self):
-        """What it has said on its standard error."""
+        """Its standard error."""
         return os.pread(self._errors.fileno(), 65536, 0).decode(errors="replace")
 
 
 class Window:
-    """The window of a program, as its user and a screen reader have it."""
+    """The window of a program, as its user and a screen reader see it."""
 
     def __init__(self, program, reader, screen):
         self.program = program
@@ -98,7 +98,7 @@ class WindowCase(unittest.TestCase):
         file.write_text("".join(["[General]\n", *(f"{key}={value}\n" for key, value in preferences.items())]))
 
     def start_program(self, **additions):
-        """With what it finds in its environment besides."""
+        """With these additional environment variables."""
         environment = {name: value for name, value in os.environ.items() if not name.startswith("XDG_")}
         environment.update(HOME=str(self.home), XDG_RUNTIME_DIR=os.environ["XDG_RUNTIME_DIR"], **additions)
         program = Program(environment)
@@ -106,29 +106,29 @@ class WindowCase(unittest.TestCase):
         return program
 
     def open_window(self, **additions):
-        """The window of a program that is started for it, in front."""
+        """Starts the program; returns its window, in front."""
         return Window(self.start_program(**additions), self.reader, self.screen)
 
     def hang(self, call, time=1):
-        """The disk of the recording folder, which does not answer from this call on."""
+        """The recording folder's disk stops responding at this call."""
         disk = HangingDisk(self.folder, self.home, call, time)
         self.addCleanup(disk.close)
         return disk
 
     def assert_ends_soon(self, program, seconds=5):
-        """The exit status."""
+        """Returns the exit status."""
         begin = time.monotonic()
         status = program.finish()
         self.assertLess(time.monotonic() - begin, seconds)
         return status
 
     def leave_interrupted_recording(self, seconds):
-        """As of a program that was killed."""
+        """Leaves a recording as a killed program does."""
         command = [DYING_RECORDER, self.folder, str(seconds * sound.RATE), "safe"]
         self.assertEqual(subprocess.run(command, check=False).returncode, -signal.SIGKILL)
 
     def add_microphone(self, name):
-        """One more, of a name without spaces."""
+        """Adds a microphone whose name has no spaces."""
         result = subprocess.run(
             ["pactl", "load-module", "module-null-sink", "media.class=Audio/Source/Virtual",
              f"sink_name={name}", "channel_map=mono",
@@ -139,7 +139,7 @@ class WindowCase(unittest.TestCase):
         wait_for(lambda: window.control(ENGLISH["startRecording"]).is_enabled, "the record button to be enabled")
 
     def record(self, window):
-        """Starts a recording by its button, and returns when its first second is on the disk."""
+        """Presses the record button, and returns when the first second is on disk."""
         self.wait_until_ready(window)
         with self.until_written():
             window.control(ENGLISH["startRecording"]).press()
@@ -147,7 +147,7 @@ class WindowCase(unittest.TestCase):
 
     @contextlib.contextmanager
     def until_written(self):
-        """Ends when the recording that is started within has put its first second on the disk."""
+        """Ends when the first second of the recording started within is on disk."""
         watch = recorder.FolderWatch(self.folder)
         try:
             yield
@@ -156,7 +156,7 @@ class WindowCase(unittest.TestCase):
             watch.close()
 
     def saved_recording(self, window):
-        """The only recording, once the window says that it is saved and under which name."""
+        """The only recording, once the window has shown that it is saved, and under which name."""
         window.text(ENGLISH["recordingSaved"])
         path = self.only_recording()
         window.text(path.name)
@@ -168,7 +168,7 @@ class WindowCase(unittest.TestCase):
         return path
 
     def assert_holds(self, path, *frequencies):
-        """The last of what was recorded is these tones of `sound.tone`, on both sides."""
+        """The end of the recording is these tones of `sound.tone`, in both channels."""
         for channel in sound.decoded(path):
             end = len(channel) / sound.RATE
             self.assertGreater(end, 0.9)
@@ -177,7 +177,7 @@ class WindowCase(unittest.TestCase):
 
 
 def main(case_class):
-    """With a name, runs that case alone; else all of them."""
+    """With a name, runs only that case; otherwise all."""
     names = [f"{case_class.__name__}.test_{name}" for name in sys.argv[1:]]
-    # The client library of accessibility calls functions deprecated that have no successors yet.
+    # The accessibility client library calls deprecated functions that have no successors yet.
     unittest.main(argv=[sys.argv[0], *names], module="__main__", warnings="ignore")

@@ -21,22 +21,22 @@ NUMBER = re.compile(r"(0[xX](?=[0-9a-fA-F]))?((?(1)[0-9a-fA-F']+|[0-9'.]+(?:[eE]
 FUNCTIONS = {Kind.FUNCTION_DECL, Kind.CXX_METHOD, Kind.CONSTRUCTOR, Kind.DESTRUCTOR, Kind.FUNCTION_TEMPLATE,
              Kind.CONVERSION_FUNCTION}
 JUMPS = {Kind.BREAK_STMT, Kind.CONTINUE_STMT, Kind.RETURN_STMT}
-# Worth nothing when the program runs.
+# Not evaluated at run time.
 NEVER_RUN = {Kind.STATIC_ASSERT, Kind.ENUM_DECL, Kind.ANNOTATE_ATTR, Kind.ALIGNED_ATTR}
 
 
 @dataclasses.dataclass
 class Mutant:
-    """One change: the text from start to end becomes another one, or a statement is left out."""
+    """One change: replaces the text from start to end, or leaves out a statement."""
 
     file: str
     start: int
     end: int
-    text: str | None  # None leaves a statement out
+    text: str | None  # None leaves out the statement
     line: int
-    shown: str  # the source's line, with the change in it
-    boolean: bool = False  # what stands there is only asked whether it is true
-    may_be_constant: bool = False  # the place may also be read by the compiler, where nothing is changed
+    shown: str  # the source line, with the change in it
+    boolean: bool = False  # the expression is only used as a condition
+    may_be_constant: bool = False  # the compiler may also evaluate the place, without any change
     function: str = ""
     number: int = 0
 
@@ -47,7 +47,7 @@ class Mutant:
 
 @dataclasses.dataclass
 class Constant:
-    """The word constexpr of a variable, which is to be calculated when the program runs if it holds mutants."""
+    """A variable's keyword constexpr, which becomes run-time initialisation if the variable contains mutants."""
 
     start: int
     end: int
@@ -60,7 +60,7 @@ class Places:
 
     def __init__(self, root, file, arguments):
         self.file = file
-        self.source = (root / file).read_text("latin-1")  # a character for each byte, as clang counts
+        self.source = (root / file).read_text("latin-1")  # one character per byte, as clang counts
         self.mutants = {}
         self.constants = []
         self._function = ""
@@ -86,11 +86,11 @@ class Places:
         elif cursor.kind in (Kind.VAR_DECL, Kind.FIELD_DECL):
             if not self._function:
                 self._function = cursor.spelling
-            # An object may be a constant, whose members begin with what is written at them.
+            # An object may be a constant, whose braces contain its members' initialisers.
             self._may_be_constant |= cursor.kind == Kind.FIELD_DECL
             self._note_constant(cursor, start)
         if cursor.kind in FUNCTIONS or cursor.kind in (Kind.VAR_DECL, Kind.FIELD_DECL, Kind.PARM_DECL):
-            # What stands before the name belongs to the type, and so does an array's size behind it.
+            # The text before the name belongs to the type, and so does an array size after it.
             children = [child for child in children if span(child)[0] >= cursor.location.offset
                         and not self.source.endswith("[", 0, span(child)[0])]
         self._change(cursor, start, end, children)
@@ -133,7 +133,7 @@ class Places:
                           trimmed(self.source, left, right), other)
 
     def _operation(self, start, end, children):
-        """Where the operator between two operands stands, however the compiler calls what it does."""
+        """The position of the operator between two operands, whatever the compiler calls the operation."""
         spans = [span(child) for child in children if span(child) != (start, end)]
         left = max((stop for begin, stop in spans if begin == start), default=end)
         right = min((begin for begin, stop in spans if stop == end and begin >= left), default=start)
@@ -163,7 +163,7 @@ class Places:
         self._add(start, end, None, (start, end), "")
 
     def _negate_condition(self, cursor, children):
-        """Turns round a condition that holds no operator which is changed anyway."""
+        """Negates a condition without an operator that is changed anyway."""
         conditions = children[:1]
         if cursor.kind == Kind.IF_STMT:
             conditions = []
@@ -185,7 +185,7 @@ class Places:
         start, end = span(cursor)
         text = self.source[start:end]
         children = list(cursor.get_children())
-        while len(children) == 1 and span(children[0]) == (start, end): # conversions that nobody wrote
+        while len(children) == 1 and span(children[0]) == (start, end):  # implicit conversions
             children = list(children[0].get_children())
         changed_anyway = self._operation(start, end, children)[1] in CONDITIONS
         if not changed_anyway and text[:1] != "!" and text not in ("true", "false"):
@@ -224,6 +224,6 @@ def span(cursor):
 
 
 def trimmed(text, start, end):
-    """The same place without the white space around what stands there."""
+    """The same place without surrounding white space."""
     inside = text[start:end]
     return start + len(inside) - len(inside.lstrip()), end - len(inside) + len(inside.rstrip())

@@ -12,7 +12,7 @@ MARKED = re.compile(r"/\*<(\d+)\*/.*?/\*\1>\*/", re.DOTALL)
 
 
 def rewritten(source, mutants, constants, header):
-    """The source with these mutants; constants that hold one are calculated when the program runs."""
+    """The source with these mutants; constants that contain one are initialised at run time."""
     groups = {}
     for mutant in mutants:
         groups.setdefault((mutant.start, mutant.end), []).append(mutant)
@@ -57,7 +57,7 @@ def as_asked(mutant, text):
 
 
 def refused(messages, folder, texts):
-    """The numbers of the mutants that the messages of a compiler in this folder are about; texts by path."""
+    """The numbers of the mutants that a compiler's messages in this folder refer to; texts by path."""
     numbers = set()
     blocks = re.split(r"\n(?=\S+:\d+:\d+: (?:fatal )?error: )", "\n" + messages)
     for block in blocks:

@@ -15,7 +15,7 @@ from pathlib import Path
 MOST_MUTANTS = 65536  # as in chosen_mutant.cpp
 MOST_MEMORY = 8 << 30
 LARGEST_FILE = 4 << 30
-ROUNDS = (0.5, 2.0, 8.0)  # seconds: what takes less together runs first
+ROUNDS = (0.5, 2.0, 8.0)  # seconds: tests that together take less run first
 
 
 @dataclasses.dataclass
@@ -33,13 +33,13 @@ class Trials:
         self._tests = []
 
     def look_at_tests(self):
-        """Runs each test by itself, without a mutant, and notes which ones it comes by."""
+        """Runs each test alone, without a mutant, and notes which mutants it reaches."""
         with ThreadPoolExecutor(self._jobs) as pool:
             self._tests = list(pool.map(self._look_at, self._names()))
         self._tests.sort(key=lambda test: test.seconds)
 
     def found(self, mutants):
-        """For each mutant, whether a test fails with it; None where none comes by."""
+        """For each mutant, whether a test detects it; None if no test reaches it."""
         with ThreadPoolExecutor(self._jobs) as pool:
             yield from pool.map(self._find, mutants)
 
@@ -71,7 +71,7 @@ class Trials:
         if not tests:
             return None
         for some in rounds(tests, self._seconds):
-            # A mutant that never comes to an end is found too.
+            # A mutant that never ends counts as detected.
             limit = 5 + 6 * sum(test.seconds for test in some)
             if not self._passes([test.name for test in some], limit, {"VANTORO_MUTANT": str(mutant.number)}):
                 return True
@@ -101,7 +101,7 @@ class Trials:
 
 
 def rounds(tests, seconds):
-    """The tests, of which the quickest come first, in a few runs that take so many seconds together."""
+    """The tests, fastest first, in a few groups that take this many seconds each."""
     begun = 0
     taken = 0.0
     for limit in (*ROUNDS, seconds):

@@ -20,7 +20,7 @@ DEFAULTS = {
     "default.audio.sink": "vantoro-output-1",
     "default.audio.source": MICROPHONE,
 }
-# What would lead a program to an outer desktop, or to that desktop's habits.
+# Variables that lead a program to the outer desktop or its settings.
 OUTER_DESKTOP = re.compile(
     r"PIPEWIRE_|PULSE_|WIREPLUMBER_|DBUS_|XDG_|GNOME_|KDE_|QT_QPA_|LISTEN_"
     r"|(DISPLAY|WAYLAND_DISPLAY|WAYLAND_SOCKET|XAUTHORITY|SESSION_MANAGER|DESKTOP_SESSION|NOTIFY_SOCKET)$"
@@ -47,7 +47,7 @@ class Desktop:
         self._environment = self._private_environment()
 
     def start(self, ending_signals):
-        """Starts all daemons and returns the environment of a program in the desktop once it is ready."""
+        """Starts all daemons; returns the environment for programs in the desktop once it is ready."""
         self._ending_signals = ending_signals
         self._make_folders()
         self._start_bus()
@@ -75,9 +75,9 @@ class Desktop:
             XDG_DATA_HOME=str(home / ".local/share"),
             XDG_CACHE_HOME=str(home / ".cache"),
             DBUS_SESSION_BUS_ADDRESS=f"unix:path={self._runtime}/bus",
-            # Nothing in here is to put off the sleep of the machine around it.
+            # Nothing in here may delay the sleep of the real machine.
             DBUS_SYSTEM_BUS_ADDRESS=f"unix:path={self._runtime}/no-system-bus",
-            # Settings in a file of the private folder, without the service that usually keeps them.
+            # Settings in a file of the private folder, without the usual settings service.
             GSETTINGS_BACKEND="keyfile",
         )
         return environment
@@ -117,7 +117,7 @@ class Desktop:
         os.close(ready)
 
     def _start_screen(self):
-        # The server chooses a free display itself: several sessions may start at once.
+        # The server chooses a free display, since several sessions may start at once.
         ready, told = os.pipe()
         os.set_inheritable(told, True)
         self._start_daemon(
@@ -126,7 +126,7 @@ class Desktop:
         os.close(told)
         self._environment["DISPLAY"] = ":" + self._read_line(ready, "the X server")
         os.close(ready)
-        # Started is not enough: windows that come before it manages them would be left unmanaged.
+        # Wait until it manages windows: earlier ones would stay unmanaged.
         fifo = self._runtime / "window-manager-ready"
         os.mkfifo(fifo)
         ready = os.open(fifo, os.O_RDWR | os.O_NONBLOCK | os.O_CLOEXEC)
@@ -135,7 +135,7 @@ class Desktop:
         os.close(ready)
 
     def _wait_for_defaults(self):
-        """Ready is when the session manager has found the devices and said which are the defaults."""
+        """Ready means that the session manager has found the devices and set the defaults."""
         missing = dict(DEFAULTS)
         environment = dict(self._environment, LC_ALL="C")
         with subprocess.Popen(
@@ -156,7 +156,7 @@ class Desktop:
                 monitor.kill()
 
     def _configure_default_source(self, environment):
-        # WirePlumber 0.5 takes a virtual microphone as the default one only where it is told to.
+        # WirePlumber 0.5 uses a virtual microphone as the default only if configured to.
         subprocess.run(
             ["pw-metadata", "0", "default.configured.audio.source", f'{{ "name": "{MICROPHONE}" }}',
              "Spa:String:JSON"],
@@ -165,13 +165,13 @@ class Desktop:
         )
 
     def _read_line(self, descriptor, what):
-        """One line from a daemon; an error when the deadline passes, a daemon dies or we are to end."""
+        """Reads a line from a daemon; an error if the deadline passes, a daemon dies or the session is told to end."""
         line = b""
         while not line.endswith(b"\n"):
             remaining = self._deadline - time.monotonic()
             if remaining <= 0:
                 raise self._start_error(f"waited {SECONDS_TO_START:.0f} s for {what}")
-            # Signals stay pending while a read waits, so it wakes up to look for them.
+            # Signals stay pending during a read, so it wakes up to check for them.
             readable, _, _ = select.select([descriptor, *self._daemons], [], [], min(remaining, 0.2))
             if descriptor in readable:
                 byte = os.read(descriptor, 1)

@@ -16,7 +16,7 @@ _libc = ctypes.CDLL(None, use_errno=True)
 
 
 class ParentGone(Exception):
-    """The process that we work for ended before we could ask to be told about it."""
+    """The parent process ended before this one could ask for a notification of its end."""
 
 
 def _prctl(option, value):
@@ -25,7 +25,7 @@ def _prctl(option, value):
 
 
 def adopt_orphans():
-    """Makes every descendant whose parent ends a child of ours, so that none can slip away."""
+    """Makes orphaned descendants our children, so that none can escape."""
     _prctl(PR_SET_CHILD_SUBREAPER, 1)
 
 
@@ -36,10 +36,10 @@ def end_with_parent(parent, number):
 
 
 def spawn(command, environment, mask, die_with=signal.SIGKILL, listener=None, log=None):
-    """Starts a process that ends with this one, and returns its id.
+    """Starts a process that ends with this one, and returns its ID.
 
-    With a log it is a daemon: out of the terminal's reach, silent. A listener is a listening socket that
-    it is handed the way systemd does it, so that nobody ever has to wait for the socket to appear.
+    With a log it is a daemon: detached from the terminal, silent. A listener is a listening socket that it inherits
+    as from systemd, so that clients need not wait for the socket.
     """
     parent = os.getpid()
     pid = os.fork()
@@ -58,19 +58,19 @@ def spawn(command, environment, mask, die_with=signal.SIGKILL, listener=None, lo
             os.dup2(log, 2)
         if listener is not None:
             os.dup2(listener.fileno(), 3)
-            os.set_inheritable(3, True)  # where it was number 3 already
+            os.set_inheritable(3, True)  # if it was already number 3
             environment.update(LISTEN_FDS="1", LISTEN_PID=str(os.getpid()))
         os.execvpe(command[0], command, environment)
     except FileNotFoundError:
         os.write(2, f"session: {command[0]}: command not found\n".encode())
         os._exit(127)
-    except BaseException as error:  # the parent's code must not run on in the child
+    except BaseException as error:  # the parent's code must not continue in the child
         os.write(2, f"session: {command[0]}: {error}\n".encode())
         os._exit(126)
 
 
 def reap():
-    """The ids and wait statuses of the children that have ended."""
+    """The process IDs and wait statuses of the children that have ended."""
     ended = []
     while True:
         try:
@@ -87,7 +87,7 @@ def _descendants():
     for entry in Path("/proc").iterdir():
         if entry.name.isdigit():
             try:
-                # The name in parentheses may hold anything, spaces and parentheses included.
+                # The name in parentheses may contain anything, even spaces and parentheses.
                 parent = (entry / "stat").read_text(errors="replace").rpartition(")")[2].split()[1]
             except (FileNotFoundError, ProcessLookupError):
                 continue
@@ -110,9 +110,9 @@ def _signal_all(*numbers):
 
 
 def end_descendants():
-    """Ends everything that descends from us: politely first, then not. Returns when nothing is left."""
+    """Ends all our descendants: first with SIGTERM, then with SIGKILL. Returns when none is left."""
     start = time.monotonic()
-    # One that a test has stopped could not hear the first without the second.
+    # A stopped process cannot receive SIGTERM without SIGCONT.
     _signal_all(signal.SIGTERM, signal.SIGCONT)
     while True:
         reap()

@@ -8,13 +8,13 @@ from pathlib import Path
 
 PROCESSOR_TIMES = Path("/proc/stat")
 ATTEMPTS = 3
-FAILED_CHECK = 1  # a crash and what a sanitizer finds have other statuses, and count at the first time
+FAILED_CHECK = 1  # crashes and sanitizer findings have other statuses, and are not repeated
 SECONDS_THAT_BREAK_SOUND = 0.2
 USUAL_SHARE = 0.01
 
 
 def stolen_seconds(times=PROCESSOR_TIMES):
-    """Of all processors since the machine started."""
+    """Stolen time of all processors since boot."""
     of_all = times.read_text().splitlines()[0].split()
     return int(of_all[8]) / os.sysconf("SC_CLK_TCK")
 
@@ -24,7 +24,7 @@ def is_disturbance(stolen, seconds, processors):
 
 
 def undisturbed(run, times=PROCESSOR_TIMES):
-    """The exit status of `run`, which is called again where it failed while the machine was disturbed."""
+    """The exit status of `run`, which is repeated if it fails while the machine is disturbed."""
     for attempt in range(1, ATTEMPTS + 1):
         began, stolen_before = time.monotonic(), stolen_seconds(times)
         status = run()
