@@ -1,11 +1,11 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-# Compiler options of our own targets, as an interface library: what we include is not held to them.
+# Compiler options of our own targets, as an interface library: they do not apply to third-party headers.
 add_library(vantoro_options INTERFACE)
 target_compile_options(vantoro_options INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wnon-virtual-dtor
     -Woverloaded-virtual -Wold-style-cast -Wcast-align -Wformat=2 -Wundef -Werror)
 target_include_directories(vantoro_options INTERFACE ${PROJECT_SOURCE_DIR})
-# Files read in one go see each other's names; what each shadows by itself the build for debugging tells.
+# Sources in a unity build see each other's names; the debug build reports what a source itself shadows.
 add_library(vantoro_read_in_one_go INTERFACE)
 target_compile_options(vantoro_read_in_one_go INTERFACE -Wno-shadow)
 if(CMAKE_UNITY_BUILD)
@@ -15,18 +15,18 @@ endif()
 if(VANTORO_SANITIZE)
     add_compile_options(-fsanitize=${VANTORO_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
     add_link_options(-fsanitize=${VANTORO_SANITIZE})
-    # GCC 12 sees uninitialised values in the standard library where a sanitizer watches it.
+    # With sanitizers, GCC 12 reports uninitialised values in the standard library.
     add_compile_options(-Wno-maybe-uninitialized)
 endif()
 
-# vantoro_library(NAME SOURCES...): a static library of one folder under the house rules.
+# vantoro_library(NAME SOURCES...): a static library of one folder, with our compiler options.
 function(vantoro_library name)
     add_library(${name} STATIC ${ARGN})
     target_link_libraries(${name} PRIVATE vantoro_options)
     target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR})
 endfunction()
 
-# vantoro_module(NAME FILE SOURCE LIBRARIES...): a part of the program that it loads from a file beside it.
+# vantoro_module(NAME FILE SOURCE LIBRARIES...): a module that the program loads from a file beside it.
 function(vantoro_module name file source)
     add_library(${name} MODULE ${source})
     target_link_libraries(${name} PRIVATE vantoro_options ${ARGN})
@@ -35,25 +35,24 @@ function(vantoro_module name file source)
         PREFIX "" OUTPUT_NAME ${file} LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR})
 endfunction()
 
-# vantoro_headers_ahead(TARGET HEADERS...): reads these headers of others once for all of the target's sources, which
-# takes longer than all the rest of compiling one. What a source lacks by itself the linter tells, which reads each alone.
+# vantoro_headers_ahead(TARGET HEADERS...): precompiles these third-party headers for the target, because they take
+# longer than the rest of a source. clang-tidy reads each source separately and finds missing includes.
 function(vantoro_headers_ahead target)
     get_target_property(in_batches ${target} UNITY_BUILD)
-    if(NOT in_batches) # there they are read a few times only
+    if(NOT in_batches) # unity builds read them only a few times
         target_precompile_headers(${target} PRIVATE ${ARGN})
     endif()
 endfunction()
 
-# vantoro_test(NAME SOURCES... LIBRARIES ... [QT] [LAUNCHER ...] [PROPERTIES ...]): a GoogleTest program, each
-# case a test of ctest; QT where it reads Qt's headers, the command that it runs under, properties of its cases.
-# Most of the time that a test takes to compile goes into reading the framework's headers, which is done
-# once for all, and into optimising what runs for a moment; so files are also read several in one go, but in a build
-# for debugging, where one of them is changed at a time.
+# vantoro_test(NAME SOURCES... LIBRARIES ... [QT] [LAUNCHER ...] [PROPERTIES ...]): a GoogleTest program, each case a
+# ctest test. QT: it includes Qt headers; LAUNCHER: the command that it runs under; PROPERTIES: of its cases. Tests spend
+# most of their compile time on the framework's headers and on optimisation, so they use precompiled headers and -O0, and
+# unity builds except in debug builds, where developers change one source at a time.
 function(vantoro_test name)
     cmake_parse_arguments(arg "QT" "" "LIBRARIES;LAUNCHER;PROPERTIES" ${ARGN})
     add_executable(${name} ${arg_UNPARSED_ARGUMENTS})
     target_link_libraries(${name} PRIVATE vantoro_options ${arg_LIBRARIES} GTest::gmock GTest::gtest_main)
-    target_compile_options(${name} PRIVATE -O0 -fPIC -pthread) # as the headers are
+    target_compile_options(${name} PRIVATE -O0 -fPIC -pthread) # like the precompiled headers
     if(NOT CMAKE_BUILD_TYPE STREQUAL "Debug")
         target_link_libraries(${name} PRIVATE vantoro_read_in_one_go)
         set_target_properties(${name} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 16)
@@ -68,9 +67,9 @@ function(vantoro_test name)
     gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 120 ${arg_PROPERTIES})
 endfunction()
 
-# vantoro_python_tests(PREFIX FILE [SECONDS N] [LAUNCHER...]): each case of a Python test program, a test of ctest.
-# The program takes a case's name; a launcher is the command that the program runs under. So many seconds (10)
-# the longer ones of the cases take: the longest tests begin first, so that none is left alone at the end.
+# vantoro_python_tests(PREFIX FILE [SECONDS N] [LAUNCHER...]): makes each case of a Python test program a ctest test.
+# The program takes a case's name; LAUNCHER is the command that it runs under. SECONDS (10) is the duration of its longer
+# cases: ctest starts the longest tests first, so that none runs alone at the end.
 function(vantoro_python_tests prefix file)
     cmake_parse_arguments(arg "" "SECONDS" "" ${ARGN})
     if(NOT arg_SECONDS)
