@@ -26,8 +26,8 @@
 #include "platform/desktop/realtime_services.h"
 #include "platform/ffmpeg/loaded_toolkit.h"
 #include "platform/pipewire/bus_use.h"
+#include "platform/pipewire/capture_access.h"
 #include "platform/pipewire/device_list.h"
-#include "platform/pipewire/screen_capture_access.h"
 #include "platform/posix/allocation.h"
 #include "platform/posix/posix_file_system.h"
 #include "platform/posix/system_clock.h"
@@ -64,7 +64,7 @@ public:
         if (!microphones.empty()) {
             return print(devicesText(microphones, devices.defaultMicrophone())) ? 0 : 1;
         }
-        const bool isReachable = pipewire::ScreenCaptureAccess().preflight();
+        const bool isReachable = pipewire::CaptureAccess().isGranted();
         std::cerr << (isReachable ? "There is no microphone.\n"
                                   : "The sound server cannot be reached.\n");
         return isReachable ? 0 : 1;

@@ -13,16 +13,21 @@ namespace vantoro {
 
 namespace {
 
-/// Where nobody waits for the next level.
-constexpr std::chrono::milliseconds unhurriedDelivery(500);
+pipewire::CaptureManner mannerFor(RecordingPlatform::Meters meters) {
+    pipewire::CaptureManner manner;
+    if (meters == RecordingPlatform::Meters::none) {
+        manner.deliveryInterval = std::chrono::milliseconds(500); // nobody waits for the next level
+    }
+    return manner;
+}
 
 /// Takes what is captured, and no notice of it.
 class DiscardingReceiver final : public CaptureStreamReceiver {
 public:
-    void didOutputSampleBuffer(const SampleBuffer& /*buffer*/, StreamOutputType /*type*/) override {
-    }
+    void didOutputSampleBuffer(const SampleBuffer& /*buffer*/,
+                               AudioLevelSource /*source*/) override {}
 
-    void didLoseSound(StreamOutputType /*type*/, double /*seconds*/) override {}
+    void didLoseSound(AudioLevelSource /*source*/, double /*seconds*/) override {}
 
     void streamDidStop(std::exception_ptr /*error*/) override {}
 
@@ -33,12 +38,9 @@ public:
 bool canOpen(CaptureService& service, const std::optional<std::string>& microphone) {
     DiscardingReceiver receiver;
     SerialQueue queue("com.vantoro.microphone-request");
-    StreamConfiguration configuration;
-    configuration.captureMicrophone = true;
-    configuration.microphoneCaptureDeviceID = microphone;
+    const CaptureRequest request{.microphone = true, .microphoneID = microphone};
     try {
-        const auto stream = service.makeStream({}, configuration, receiver);
-        stream->addOutput(StreamOutputType::microphone, queue);
+        const auto stream = service.makeStream(request, queue, receiver);
         stream->startCapture();
         stream->stopCapture();
     } catch (const std::exception&) {
@@ -55,8 +57,7 @@ bool isHidden(const std::optional<std::string>& microphone) {
 } // namespace
 
 RecordingPlatform::RecordingPlatform(Meters meters, QtScheduler::TasksBegin tasksBegin)
-    : captureService_(meters == Meters::shown ? pipewire::CaptureService::metersInterval
-                                              : unhurriedDelivery),
+    : captureService_(mannerFor(meters)),
       microphoneAccess_([this] { return canOpen(captureService_, chosenMicrophone()); },
                         [this] { return isHidden(chosenMicrophone()); }),
       scheduler_(tasksBegin) {}
@@ -72,9 +73,8 @@ std::optional<std::string> RecordingPlatform::chosenMicrophone() {
 }
 
 RecorderPlatform RecordingPlatform::forRecorder() {
-    return {.screenCaptureAccess = screenCaptureAccess_,
+    return {.captureAccess = captureAccess_,
             .microphoneAccess = microphoneAccess_,
-            .shareableContent = displays_,
             .captureService = captureService_,
             .mediaToolkit = mediaToolkit_,
             .fileSystem = fileSystem_,
@@ -86,7 +86,7 @@ ControlPlatform RecordingPlatform::forControl(Preferences& preferences,
     return {.scheduler = scheduler_,
             .power = power_,
             .audioDevices = devices_,
-            .screenCaptureAccess = screenCaptureAccess_,
+            .captureAccess = captureAccess_,
             .microphoneAccess = microphoneAccess_,
             .workspace = workspace_,
             .folderPanel = folderPanel_,

@@ -11,15 +11,14 @@
 #include "control/qt_scheduler.h"
 #include "control/recording_view_model.h"
 #include "engine/audio_recorder.h"
-#include "platform/desktop/displays.h"
 #include "platform/desktop/opening/desktop_workspace.h"
 #include "platform/desktop/permission/microphone_access.h"
 #include "platform/desktop/power/power_management.h"
 #include "platform/desktop/power/power_profile.h"
 #include "platform/ffmpeg/loaded_toolkit.h"
+#include "platform/pipewire/capture_access.h"
 #include "platform/pipewire/capture_service.h"
 #include "platform/pipewire/device_list.h"
-#include "platform/pipewire/screen_capture_access.h"
 #include "platform/posix/posix_file_system.h"
 #include "platform/posix/system_clock.h"
 #include "ui/window/dialog_folder_panel.h"
@@ -57,11 +56,10 @@ private:
 
     std::mutex mutex_;
     std::optional<std::string> chosenMicrophone_; // guarded by mutex_
-    pipewire::ScreenCaptureAccess screenCaptureAccess_;
+    pipewire::CaptureAccess captureAccess_;
     pipewire::CaptureService captureService_;
     pipewire::DeviceList devices_;
     desktop::DesktopMicrophoneAccess microphoneAccess_;
-    desktop::DesktopDisplays displays_;
     desktop::DesktopPowerManagement power_;
     desktop::DesktopWorkspace workspace_;
     DialogFolderPanel folderPanel_;

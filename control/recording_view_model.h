@@ -33,7 +33,7 @@ struct ControlPlatform {
     Scheduler& scheduler;
     PowerManagement& power;
     AudioDevices& audioDevices;
-    ScreenCaptureAccess& screenCaptureAccess;
+    CaptureAccess& captureAccess;
     MicrophoneAccess& microphoneAccess;
     Workspace& workspace;
     FolderPanel& folderPanel;

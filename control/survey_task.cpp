@@ -6,9 +6,8 @@
 
 namespace vantoro {
 
-SurveyTask::SurveyTask(Scheduler& scheduler, AudioDevices& devices,
-                       ScreenCaptureAccess& screenCapture, MicrophoneAccess& microphone,
-                       std::function<void(const Survey&)> onSurveyed)
+SurveyTask::SurveyTask(Scheduler& scheduler, AudioDevices& devices, CaptureAccess& screenCapture,
+                       MicrophoneAccess& microphone, std::function<void(const Survey&)> onSurveyed)
     : scheduler_(scheduler),
       devices_(devices),
       screenCapture_(screenCapture),
@@ -28,7 +27,7 @@ void SurveyTask::begin() {
         scheduler_, QPointer(this),
         [&devices = devices_, &screenCapture = screenCapture_, &microphone = microphone_] {
             Survey survey;
-            survey.hasScreenPermission = screenCapture.preflight();
+            survey.hasScreenPermission = screenCapture.isGranted();
             survey.microphonePermission = microphone.status();
             survey.microphones = devices.microphones();
             survey.defaultMicrophone = devices.defaultMicrophone();

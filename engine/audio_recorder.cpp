@@ -41,14 +41,10 @@ bool holdsSound(MediaToolkit& toolkit, const std::filesystem::path& file) {
     }
 }
 
-StreamConfiguration streamConfiguration(const RecordingOptions& options) {
-    StreamConfiguration configuration;
-    configuration.capturesAudio = options.captureSystemAudio;
-    configuration.captureMicrophone = options.captureMicrophone;
-    if (options.captureMicrophone) {
-        configuration.microphoneCaptureDeviceID = options.microphoneDeviceID;
-    }
-    return configuration;
+CaptureRequest captureRequest(const RecordingOptions& options) {
+    return {.systemAudio = options.captureSystemAudio,
+            .microphone = options.captureMicrophone,
+            .microphoneID = options.captureMicrophone ? options.microphoneDeviceID : std::nullopt};
 }
 
 } // namespace
@@ -65,10 +61,9 @@ AudioRecorder::~AudioRecorder() {
 void AudioRecorder::start(const RecordingOptions& options) {
     checkPermissions(options);
     platform_.fileSystem.createFolders(options.outputDirectory);
-    const Display display = chooseDisplay();
     try {
         prepareWriter(options);
-        startStream(options, display);
+        startStream(options);
     } catch (...) {
         resetKeepingWhatWasWritten();
         throw;
@@ -79,12 +74,17 @@ void AudioRecorder::checkPermissions(const RecordingOptions& options) {
     if (!options.captureSystemAudio && !options.captureMicrophone) {
         throw RecordingError(RecordingError::Case::noAudioSource);
     }
-    if (!platform_.screenCaptureAccess.preflight() && !platform_.screenCaptureAccess.request()) {
+    if (!mayCapture()) {
         throw RecordingError(RecordingError::Case::screenPermissionDenied);
     }
     if (options.captureMicrophone && !requestMicrophonePermission()) {
         throw RecordingError(RecordingError::Case::microphonePermissionDenied);
     }
+}
+
+/// Asks twice: a service that the first question wakes may answer only the second.
+bool AudioRecorder::mayCapture() {
+    return platform_.captureAccess.isGranted() || platform_.captureAccess.isGranted();
 }
 
 bool AudioRecorder::requestMicrophonePermission() {
@@ -98,16 +98,6 @@ bool AudioRecorder::requestMicrophonePermission() {
         break;
     }
     return false;
-}
-
-Display AudioRecorder::chooseDisplay() {
-    const auto displays = platform_.shareableContent.displays();
-    if (displays.empty()) {
-        throw RecordingError(RecordingError::Case::noDisplayAvailable);
-    }
-    const Display main{platform_.shareableContent.mainDisplayID()};
-    const auto found = std::ranges::find(displays, main);
-    return found != displays.end() ? *found : displays.front();
 }
 
 void AudioRecorder::prepareWriter(const RecordingOptions& options) {
@@ -149,16 +139,9 @@ void AudioRecorder::passOnExpectedVolumes() {
     }
 }
 
-void AudioRecorder::startStream(const RecordingOptions& options, Display display) {
-    const ContentFilter filter{
-        .display = display, .excludedApplications = {}, .exceptedWindows = {}};
-    auto stream = platform_.captureService.makeStream(filter, streamConfiguration(options), *this);
-    if (options.captureSystemAudio) {
-        stream->addOutput(StreamOutputType::audio, captureQueue_);
-    }
-    if (options.captureMicrophone) {
-        stream->addOutput(StreamOutputType::microphone, captureQueue_);
-    }
+void AudioRecorder::startStream(const RecordingOptions& options) {
+    auto stream =
+        platform_.captureService.makeStream(captureRequest(options), captureQueue_, *this);
     captureQueue_.sync([&] { stream_ = stream; });
     stream->startCapture();
 }
@@ -271,25 +254,15 @@ void AudioRecorder::reset(bool removeTemporaryFile) {
     // Both end here, on this thread, which may wait for them.
 }
 
-void AudioRecorder::didOutputSampleBuffer(const SampleBuffer& buffer, StreamOutputType type) {
-    switch (type) {
-    case StreamOutputType::audio:
-        samplePath_.append(buffer, AudioLevelSource::systemAudio);
-        break;
-    case StreamOutputType::microphone:
-        samplePath_.append(buffer, AudioLevelSource::microphone);
-        break;
-    case StreamOutputType::screen:
-        break;
-    }
+void AudioRecorder::didOutputSampleBuffer(const SampleBuffer& buffer, AudioLevelSource source) {
+    samplePath_.append(buffer, source);
 }
 
-void AudioRecorder::didLoseSound(StreamOutputType type, double seconds) {
+void AudioRecorder::didLoseSound(AudioLevelSource source, double seconds) {
     if (onSoundLoss) {
         onSoundLoss({.cause = SoundLoss::Cause::notTakenInTime,
                      .seconds = seconds,
-                     .source = type == StreamOutputType::microphone ? AudioLevelSource::microphone
-                                                                    : AudioLevelSource::systemAudio,
+                     .source = source,
                      .reason = {}});
     }
 }

@@ -28,9 +28,8 @@ namespace vantoro {
 
 /// What the recorder needs of its platform. All of it outlives the recorder.
 struct RecorderPlatform {
-    ScreenCaptureAccess& screenCaptureAccess;
+    CaptureAccess& captureAccess;
     MicrophoneAccess& microphoneAccess;
-    ShareableContent& shareableContent;
     CaptureService& captureService;
     MediaToolkit& mediaToolkit;
     FileSystem& fileSystem;
@@ -57,11 +56,11 @@ public:
 
 private:
     void checkPermissions(const RecordingOptions& options);
+    bool mayCapture();
     bool requestMicrophonePermission();
-    Display chooseDisplay();
     void prepareWriter(const RecordingOptions& options);
     void passOnExpectedVolumes();
-    void startStream(const RecordingOptions& options, Display display);
+    void startStream(const RecordingOptions& options);
 
     void stopStream();
     void finishWriting();
@@ -70,8 +69,8 @@ private:
     void resetKeepingWhatWasWritten();
     void reset(bool removeTemporaryFile);
 
-    void didOutputSampleBuffer(const SampleBuffer& buffer, StreamOutputType type) override;
-    void didLoseSound(StreamOutputType type, double seconds) override;
+    void didOutputSampleBuffer(const SampleBuffer& buffer, AudioLevelSource source) override;
+    void didLoseSound(AudioLevelSource source, double seconds) override;
     void streamDidStop(std::exception_ptr error) override;
     void obstacleDidChange(AudioLevelSource source, SourceCondition obstacle) override;
 

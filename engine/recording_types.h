@@ -32,7 +32,7 @@ public:
         noAudioSource,
         screenPermissionDenied,
         microphonePermissionDenied,
-        noDisplayAvailable,
+        noDisplayAvailable, ///< never here: sound is captured without a display
         writerSetupFailed,
         noAudioCaptured,
         exportFailed,

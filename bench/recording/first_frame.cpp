@@ -31,15 +31,15 @@ public:
 
     std::future<MediaTime> firstTime() { return firstTime_.get_future(); }
 
-    void didOutputSampleBuffer(const SampleBuffer& buffer, StreamOutputType type) override {
-        receiver_.didOutputSampleBuffer(buffer, type);
+    void didOutputSampleBuffer(const SampleBuffer& buffer, AudioLevelSource source) override {
+        receiver_.didOutputSampleBuffer(buffer, source);
         if (!std::exchange(hasTime_, true)) {
             firstTime_.set_value(buffer.presentationTime);
         }
     }
 
-    void didLoseSound(StreamOutputType type, double seconds) override {
-        receiver_.didLoseSound(type, seconds);
+    void didLoseSound(AudioLevelSource source, double seconds) override {
+        receiver_.didLoseSound(source, seconds);
     }
 
     void streamDidStop(std::exception_ptr error) override {
@@ -60,11 +60,10 @@ class NotingService final : public CaptureService {
 public:
     explicit NotingService(CaptureService& service) : service_(service) {}
 
-    std::shared_ptr<CaptureStream> makeStream(const ContentFilter& filter,
-                                              const StreamConfiguration& configuration,
+    std::shared_ptr<CaptureStream> makeStream(const CaptureRequest& request, SerialQueue& queue,
                                               CaptureStreamReceiver& receiver) override {
         receiver_ = std::make_unique<NotingReceiver>(receiver);
-        return service_.makeStream(filter, configuration, *receiver_);
+        return service_.makeStream(request, queue, *receiver_);
     }
 
     NotingReceiver& receiver() { return *receiver_; }
@@ -79,9 +78,8 @@ void measure(const char* folder, std::int64_t begin) {
     RecordingPlatform platform(RecordingPlatform::Meters::none);
     auto parts = platform.forRecorder();
     NotingService service(parts.captureService);
-    AudioRecorder recorder({.screenCaptureAccess = parts.screenCaptureAccess,
+    AudioRecorder recorder({.captureAccess = parts.captureAccess,
                             .microphoneAccess = parts.microphoneAccess,
-                            .shareableContent = parts.shareableContent,
                             .captureService = service,
                             .mediaToolkit = parts.mediaToolkit,
                             .fileSystem = parts.fileSystem,

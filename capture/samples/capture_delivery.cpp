@@ -8,13 +8,8 @@ namespace vantoro::capture {
 
 namespace {
 
-CaptureTimeline::TapId tapId(const CaptureFeed* feed) {
+CaptureTimeline::FeedId feedId(const CaptureFeed* feed) {
     return reinterpret_cast<std::uintptr_t>(feed);
-}
-
-StreamOutputType outputType(CaptureSource source) {
-    return source == CaptureSource::systemAudio ? StreamOutputType::audio
-                                                : StreamOutputType::microphone;
 }
 
 std::int64_t gridNow() {
@@ -24,18 +19,18 @@ std::int64_t gridNow() {
 } // namespace
 
 CaptureDelivery::CaptureDelivery(SerialQueue& queue, CaptureStreamReceiver& receiver,
-                                 DeliveredOutputs outputs)
+                                 DeliveredSources sources)
     : queue_(queue),
       receiver_(receiver),
-      outputs_(outputs),
-      emit_([this](CaptureSource source, std::int64_t position, std::span<const float> planes,
+      sources_(sources),
+      emit_([this](AudioLevelSource source, std::int64_t position, std::span<const float> planes,
                    std::size_t frames) { deliver(source, position, planes, frames); }) {
     source_ = queue.addSource([this] { pump(); });
 }
 
 void CaptureDelivery::addFeed(std::shared_ptr<CaptureFeed> feed) {
     queue_.async([self = shared_from_this(), feed = std::move(feed), now = gridNow()] {
-        self->timeline_.addTap(tapId(feed.get()), feed->source, now);
+        self->timeline_.addFeed(feedId(feed.get()), feed->source, now);
         self->inlets_.emplace(feed.get(), Inlet{.feed = feed, .steering = {}});
     });
 }
@@ -46,7 +41,7 @@ void CaptureDelivery::removeFeed(std::shared_ptr<CaptureFeed> feed) {
             self->drain(self->inlets_.at(feed.get()));
             self->tellLoss();
         }
-        self->timeline_.removeTap(tapId(feed.get()));
+        self->timeline_.removeFeed(feedId(feed.get()));
         self->inlets_.erase(feed.get());
     });
 }
@@ -101,36 +96,36 @@ void CaptureDelivery::drain(Inlet& inlet) {
 }
 
 void CaptureDelivery::takeIn(Inlet& inlet, const Stamp& stamp, Planes planes) {
-    const auto tap = tapId(inlet.feed.get());
+    const auto feed = feedId(inlet.feed.get());
     if (stamp.lostFrames > 0) {
         lost_[static_cast<std::size_t>(inlet.feed->source)] +=
-            timeline_.lose(tap, static_cast<std::int64_t>(stamp.lostFrames));
+            timeline_.lose(feed, static_cast<std::int64_t>(stamp.lostFrames));
     }
     if (stamp.frames > 0) {
-        const auto behind = timeline_.place(tap, stamp, planes);
+        const auto behind = timeline_.place(feed, stamp, planes);
         inlet.steering.observe(stamp, behind);
     }
 }
 
 /// Once for each source, however many pieces its loss was made of.
 void CaptureDelivery::tellLoss() {
-    for (const CaptureSource source : {CaptureSource::systemAudio, CaptureSource::microphone}) {
+    for (const AudioLevelSource source :
+         {AudioLevelSource::systemAudio, AudioLevelSource::microphone}) {
         const auto frames = std::exchange(lost_[static_cast<std::size_t>(source)], 0);
-        if (frames > 0 && hasOutput(source)) {
-            receiver_.didLoseSound(outputType(source),
-                                   static_cast<double>(frames) / framesPerSecond);
+        if (frames > 0 && delivers(source)) {
+            receiver_.didLoseSound(source, static_cast<double>(frames) / framesPerSecond);
         }
     }
 }
 
-bool CaptureDelivery::hasOutput(CaptureSource source) const {
-    return source == CaptureSource::systemAudio ? outputs_.audio : outputs_.microphone;
+bool CaptureDelivery::delivers(AudioLevelSource source) const {
+    return source == AudioLevelSource::systemAudio ? sources_.systemAudio : sources_.microphone;
 }
 
-void CaptureDelivery::deliver(CaptureSource source, std::int64_t position,
+void CaptureDelivery::deliver(AudioLevelSource source, std::int64_t position,
                               std::span<const float> planes, std::size_t frames) {
-    const bool isAudio = source == CaptureSource::systemAudio;
-    if (!hasOutput(source)) {
+    const bool isAudio = source == AudioLevelSource::systemAudio;
+    if (!delivers(source)) {
         return;
     }
     SampleBuffer buffer;
@@ -139,7 +134,7 @@ void CaptureDelivery::deliver(CaptureSource source, std::int64_t position,
     buffer.format = AudioStreamDescription{.sampleRate = framesPerSecond,
                                            .channelsPerFrame = isAudio ? 2U : 1U};
     buffer.samples = planes;
-    receiver_.didOutputSampleBuffer(buffer, outputType(source));
+    receiver_.didOutputSampleBuffer(buffer, source);
 }
 
 } // namespace vantoro::capture

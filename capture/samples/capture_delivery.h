@@ -15,9 +15,9 @@
 
 namespace vantoro::capture {
 
-/// Which outputs a stream has.
-struct DeliveredOutputs {
-    bool audio = false;
+/// Which sources a stream delivers.
+struct DeliveredSources {
+    bool systemAudio = false;
     bool microphone = false;
 };
 
@@ -27,7 +27,7 @@ struct DeliveredOutputs {
 /// call is `wake`. `close` must have been called before the queue or the receiver goes.
 class CaptureDelivery : public std::enable_shared_from_this<CaptureDelivery> {
 public:
-    CaptureDelivery(SerialQueue& queue, CaptureStreamReceiver& receiver, DeliveredOutputs outputs);
+    CaptureDelivery(SerialQueue& queue, CaptureStreamReceiver& receiver, DeliveredSources sources);
 
     void addFeed(std::shared_ptr<CaptureFeed> feed);
     /// After its stream is gone. What it still holds is delivered.
@@ -54,13 +54,13 @@ private:
     void takeIn(Inlet& inlet, const Stamp& stamp, Planes planes);
     void drainAll();
     void tellLoss();
-    bool hasOutput(CaptureSource source) const;
-    void deliver(CaptureSource source, std::int64_t position, std::span<const float> planes,
+    bool delivers(AudioLevelSource source) const;
+    void deliver(AudioLevelSource source, std::int64_t position, std::span<const float> planes,
                  std::size_t frames);
 
     SerialQueue& queue_;
     CaptureStreamReceiver& receiver_;
-    const DeliveredOutputs outputs_;
+    const DeliveredSources sources_;
     SerialQueue::SourceHandle source_;
     CaptureTimeline timeline_;
     CaptureTimeline::Emit emit_;

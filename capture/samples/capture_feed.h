@@ -24,8 +24,8 @@ struct CaptureFeed {
     /// milliseconds that it has; what waits for us then is our own node, and nobody's sound.
     static constexpr std::chrono::seconds lengthAtHand{1};
 
-    explicit CaptureFeed(CaptureSource which, std::chrono::seconds length = usualLength)
-        : ring(which == CaptureSource::systemAudio ? 2 : 1,
+    explicit CaptureFeed(AudioLevelSource which, std::chrono::seconds length = usualLength)
+        : ring(which == AudioLevelSource::systemAudio ? 2 : 1,
                static_cast<std::size_t>(length.count() * framesPerSecond), 65536,
                static_cast<std::size_t>(std::min(length, lengthAtHand).count() * framesPerSecond)),
           source(which) {}
@@ -37,7 +37,7 @@ struct CaptureFeed {
     std::atomic<std::uint64_t> heardSince{0};
     /// How fast the resampler should run (see `ClockSteering`). Capture queue to loop.
     std::atomic<double> speed{1};
-    const CaptureSource source;
+    const AudioLevelSource source;
 };
 
 } // namespace vantoro::capture

@@ -24,57 +24,57 @@ void CaptureTimeline::begin(std::int64_t position) {
     }
 }
 
-void CaptureTimeline::addTap(TapId tap, CaptureSource source, std::int64_t position) {
-    taps_.insert_or_assign(tap, Tap{.source = source, .next = position});
+void CaptureTimeline::addFeed(FeedId feed, AudioLevelSource source, std::int64_t position) {
+    feeds_.insert_or_assign(feed, Feed{.source = source, .next = position});
 }
 
-void CaptureTimeline::removeTap(TapId tap) {
-    taps_.erase(tap);
+void CaptureTimeline::removeFeed(FeedId feed) {
+    feeds_.erase(feed);
 }
 
-std::int64_t CaptureTimeline::place(TapId id, const Stamp& stamp, Planes planes) {
-    Tap& tap = taps_.at(id);
+std::int64_t CaptureTimeline::place(FeedId id, const Stamp& stamp, Planes planes) {
+    Feed& feed = feeds_.at(id);
     const std::int64_t stamped = gridPosition(stamp.nanoseconds);
     const bool silent = isSilent(planes);
     const std::int64_t tolerated = silent ? toleranceInSilence : tolerance;
-    if (tap.started && silent && tap.next - stamped > tolerated) {
-        tap.next = std::max(tap.next, stamped + stamp.frames);
-        return stamped + stamp.frames - tap.next;
+    if (feed.started && silent && feed.next - stamped > tolerated) {
+        feed.next = std::max(feed.next, stamped + stamp.frames);
+        return stamped + stamp.frames - feed.next;
     }
     // A driver's first cycles may have more frames than time: while none is heard, stamps hold.
     const bool unheard = stamped + stamp.frames <= begin_;
-    if (!tap.started || unheard || stamped - tap.next > tolerated) {
-        // What a tap hears first may find the grid emitted a cycle further than its stamp: it is
+    if (!feed.started || unheard || stamped - feed.next > tolerated) {
+        // What a feed hears first may find the grid emitted a cycle further than its stamp: it is
         // put behind rather than lost. What was captured before the beginning is not late. Behind
         // a standstill all that follows would be late.
-        const bool late = !tap.started && emitted_ > begin_ && emitted_ - stamped <= tolerance;
-        tap.next = late ? std::max(stamped, emitted_) : stamped;
-        tap.started = true;
+        const bool late = !feed.started && emitted_ > begin_ && emitted_ - stamped <= tolerance;
+        feed.next = late ? std::max(stamped, emitted_) : stamped;
+        feed.started = true;
     }
     if (!silent) { // what nothing is added to is silent already
-        lineOf(tap.source).add(tap.next, planes);
+        lineOf(feed.source).add(feed.next, planes);
     }
-    const std::int64_t error = stamped - tap.next;
-    tap.next += stamp.frames;
+    const std::int64_t error = stamped - feed.next;
+    feed.next += stamp.frames;
     return error;
 }
 
-std::int64_t CaptureTimeline::lose(TapId id, std::int64_t frames) {
-    Tap& tap = taps_.at(id);
-    std::int64_t& told = lossTold_[static_cast<std::size_t>(tap.source)];
-    const std::int64_t first = std::max({tap.next, told, begin_});
-    tap.next += frames;
-    told = std::max(told, tap.next);
-    return std::max<std::int64_t>(0, tap.next - first);
+std::int64_t CaptureTimeline::lose(FeedId id, std::int64_t frames) {
+    Feed& feed = feeds_.at(id);
+    std::int64_t& told = lossTold_[static_cast<std::size_t>(feed.source)];
+    const std::int64_t first = std::max({feed.next, told, begin_});
+    feed.next += frames;
+    told = std::max(told, feed.next);
+    return std::max<std::int64_t>(0, feed.next - first);
 }
 
 std::int64_t CaptureTimeline::horizon(std::int64_t now) const {
     const std::int64_t limit = now - patience;
     std::int64_t slowest = limit;
     bool waiting = false;
-    for (const auto& [id, tap] : taps_) {
-        if (tap.next > limit) {
-            slowest = waiting ? std::min(slowest, tap.next) : tap.next;
+    for (const auto& [id, feed] : feeds_) {
+        if (feed.next > limit) {
+            slowest = waiting ? std::min(slowest, feed.next) : feed.next;
             waiting = true;
         }
     }
@@ -83,8 +83,8 @@ std::int64_t CaptureTimeline::horizon(std::int64_t now) const {
 
 std::int64_t CaptureTimeline::end(std::int64_t now) const {
     std::int64_t furthest = emitted_;
-    for (const auto& [id, tap] : taps_) {
-        furthest = std::max(furthest, tap.next);
+    for (const auto& [id, feed] : feeds_) {
+        furthest = std::max(furthest, feed.next);
     }
     constexpr std::int64_t farBehind = framesInMilliseconds(100); // several graph cycles
     return now - furthest > farBehind ? now : furthest;
@@ -104,7 +104,8 @@ void CaptureTimeline::emitAll(std::int64_t upTo, const Emit& emit) {
 }
 
 void CaptureTimeline::emitBlock(std::size_t frames, const Emit& emit) {
-    for (const CaptureSource source : {CaptureSource::systemAudio, CaptureSource::microphone}) {
+    for (const AudioLevelSource source :
+         {AudioLevelSource::systemAudio, AudioLevelSource::microphone}) {
         emit(source, emitted_, lineOf(source).take(frames), frames);
     }
     emitted_ += static_cast<std::int64_t>(frames);

@@ -10,28 +10,27 @@
 
 namespace vantoro::pipewire {
 
+/// How sound is captured, whatever is asked for.
+struct CaptureManner {
+    /// For how much sound the queue is woken: what a level meter needs to be told something new
+    /// twelve times a second. Waking the queue costs more than the copying does.
+    std::chrono::milliseconds deliveryInterval{80};
+    /// Of the queue, before sound is lost.
+    std::chrono::seconds longestStandstill = capture::CaptureFeed::usualLength;
+    bool excludesOwnSound = true;
+};
+
 /// Captures sound through PipeWire: what every application plays, whichever output it plays on, and
 /// one microphone. Errors are `CaptureError`s. A microphone's identifier is its node's name.
 class CaptureService final : public vantoro::CaptureService {
 public:
-    /// What a level meter needs to be told something new twelve times a second. Waking the capture
-    /// queue costs more than the copying does.
-    static constexpr std::chrono::milliseconds metersInterval{80};
+    explicit CaptureService(CaptureManner manner = {}) : manner_(manner) {}
 
-    /// Sound is delivered once so much of it is there, and twice a second at least. It is lost
-    /// where the delivery queue stands still for longer than `longestStandstill`.
-    explicit CaptureService(
-        std::chrono::milliseconds deliveryInterval = metersInterval,
-        std::chrono::seconds longestStandstill = capture::CaptureFeed::usualLength)
-        : deliveryInterval_(deliveryInterval), longestStandstill_(longestStandstill) {}
-
-    std::shared_ptr<CaptureStream> makeStream(const ContentFilter& filter,
-                                              const StreamConfiguration& configuration,
+    std::shared_ptr<CaptureStream> makeStream(const CaptureRequest& request, SerialQueue& queue,
                                               CaptureStreamReceiver& receiver) override;
 
 private:
-    std::chrono::milliseconds deliveryInterval_;
-    std::chrono::seconds longestStandstill_;
+    CaptureManner manner_;
 };
 
 } // namespace vantoro::pipewire

@@ -42,9 +42,10 @@ std::string endedText(const InputStream& stream) {
 
 } // namespace
 
-CaptureSession::CaptureSession(CaptureSettings settings,
+CaptureSession::CaptureSession(CaptureRequest request, CaptureManner manner,
                                std::shared_ptr<capture::CaptureDelivery> delivery, Events events)
-    : settings_(std::move(settings)),
+    : request_(std::move(request)),
+      manner_(manner),
       delivery_(std::move(delivery)),
       events_(std::move(events)),
       connection_(
@@ -89,7 +90,7 @@ void CaptureSession::start() {
 }
 
 void CaptureSession::open() {
-    if (settings_.microphone) {
+    if (request_.microphone) {
         openMicrophone();
     }
     phase_ = Phase::starting;
@@ -100,22 +101,21 @@ void CaptureSession::open() {
 
 void CaptureSession::openMicrophone() {
     const capture::Graph& graph = mirror_.graph();
-    const std::string& name = settings_.microphoneName.value_or(graph.defaultMicrophone);
+    const std::string& name = request_.microphoneID.value_or(graph.defaultMicrophone);
     const auto source = findMicrophone(graph, name);
     if (!source) {
-        throw CaptureError(settings_.microphoneName
-                               ? "The microphone \"" + name + "\" was not found."
-                               : "There is no default microphone.");
+        throw CaptureError(request_.microphoneID ? "The microphone \"" + name + "\" was not found."
+                                                 : "There is no default microphone.");
     }
     followed_.emplace(name, *source);
     hearMicrophone(*source);
 }
 
-std::unique_ptr<InputStream> CaptureSession::makeStream(capture::CaptureSource source,
+std::unique_ptr<InputStream> CaptureSession::makeStream(AudioLevelSource source,
                                                         std::size_t channels) {
-    auto feed = std::make_shared<capture::CaptureFeed>(source, settings_.longestStandstill);
+    auto feed = std::make_shared<capture::CaptureFeed>(source, manner_.longestStandstill);
     const InputStream::Wake wake{.frames = static_cast<std::size_t>(capture::framesInMilliseconds(
-                                     settings_.deliveryInterval.count())),
+                                     manner_.deliveryInterval.count())),
                                  .call =
                                      [](void* delivery) noexcept {
                                          static_cast<capture::CaptureDelivery*>(delivery)->wake();
@@ -152,13 +152,13 @@ void CaptureSession::updateLinks() {
     if (orphans_.awaitsManager()) {
         own.tapOfOutput.clear();
     }
-    auto links = wantedLinks(mirror_.graph(), connection_.self(), own, settings_.excludesOwnSound);
+    auto links = wantedLinks(mirror_.graph(), connection_.self(), own, manner_.excludesOwnSound);
     orphans_.leaveAlone(links, mirror_.graph());
     linker_.apply(links);
 }
 
 void CaptureSession::updateTaps() {
-    const bool areWanted = settings_.systemAudio && !orphans_.awaitsManager();
+    const bool areWanted = request_.systemAudio && !orphans_.awaitsManager();
     const auto present = areWanted ? outputs(mirror_.graph()) : std::set<capture::Identity>();
     for (auto entry = taps_.begin(); entry != taps_.end();) {
         auto& [output, tap] = *entry;
@@ -174,12 +174,12 @@ void CaptureSession::updateTaps() {
     }
     for (const capture::Identity& output : present) {
         if (!taps_.contains(output)) {
-            taps_.emplace(output, makeStream(capture::CaptureSource::systemAudio,
-                                             capture::tapChannels.size()));
+            taps_.emplace(output,
+                          makeStream(AudioLevelSource::systemAudio, capture::tapChannels.size()));
         }
     }
     tellObstacle(AudioLevelSource::systemAudio,
-                 settings_.systemAudio && playsCodedSound(mirror_.graph())
+                 request_.systemAudio && playsCodedSound(mirror_.graph())
                      ? SourceCondition::coded
                      : SourceCondition::delivering);
 }
@@ -208,7 +208,7 @@ void CaptureSession::hearMicrophone(const capture::Microphone& source) {
     const capture::Graph& graph = mirror_.graph();
     const std::size_t inputs = portsOf(graph, source).size();
     if (!microphone_ && inputs > 0) { // of a device that has just come back they may follow
-        microphone_ = makeStream(capture::CaptureSource::microphone,
+        microphone_ = makeStream(AudioLevelSource::microphone,
                                  std::min(inputs, capture::InputFold::mostInputs));
     }
     tellObstacle(AudioLevelSource::microphone, graph.nodes.at(source.device.id).mixer.isSilent()
@@ -291,7 +291,7 @@ std::int64_t CaptureSession::beginning() const {
 
 void CaptureSession::checkStarted() {
     if (failure_.empty() &&
-        (taps_.size() == outputs(mirror_.graph()).size() || !settings_.systemAudio) && allRun()) {
+        (taps_.size() == outputs(mirror_.graph()).size() || !request_.systemAudio) && allRun()) {
         phase_ = Phase::running;
         timer_.setInterval(runningInterval);
         delivery_->begin(beginning());

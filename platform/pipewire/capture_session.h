@@ -13,6 +13,7 @@
 #include "capture/graph/orphaned_streams.h"
 #include "capture/samples/capture_delivery.h"
 #include "capture/samples/capture_watch.h"
+#include "platform/pipewire/capture_service.h"
 #include "platform/pipewire/connection.h"
 #include "platform/pipewire/event_flag.h"
 #include "platform/pipewire/graph_mirror.h"
@@ -21,15 +22,6 @@
 #include "platform/pipewire/loop_sources.h"
 
 namespace vantoro::pipewire {
-
-struct CaptureSettings {
-    bool systemAudio = false;
-    bool microphone = false;
-    std::optional<std::string> microphoneName; ///< absent: the default one
-    bool excludesOwnSound = true;
-    std::chrono::milliseconds deliveryInterval{}; ///< for how much sound the queue is woken
-    std::chrono::seconds longestStandstill{};     ///< of the queue, before sound is lost
-};
 
 /// One run of capture: the connection, the streams and the links, from start to stop.
 ///
@@ -46,8 +38,8 @@ public:
     };
 
     /// Throws `CaptureError` when there is no server. `delivery` is handed the feeds.
-    CaptureSession(CaptureSettings settings, std::shared_ptr<capture::CaptureDelivery> delivery,
-                   Events events);
+    CaptureSession(CaptureRequest request, CaptureManner manner,
+                   std::shared_ptr<capture::CaptureDelivery> delivery, Events events);
     CaptureSession(const CaptureSession&) = delete;
     CaptureSession& operator=(const CaptureSession&) = delete;
     /// Stops where it has not stopped: `delivery` is told to finish. No event is told any more.
@@ -62,7 +54,7 @@ private:
     // On the loop, or under its lock.
     void open();
     void openMicrophone();
-    std::unique_ptr<InputStream> makeStream(capture::CaptureSource source, std::size_t channels);
+    std::unique_ptr<InputStream> makeStream(AudioLevelSource source, std::size_t channels);
     void update();
     void updateLinks();
     void updateTaps();
@@ -82,7 +74,8 @@ private:
     void endByItself();
     void closeStreams();
 
-    const CaptureSettings settings_;
+    const CaptureRequest request_;
+    const CaptureManner manner_;
     const std::shared_ptr<capture::CaptureDelivery> delivery_;
     const Events events_;
     Phase phase_ = Phase::preparing;

@@ -18,8 +18,8 @@ namespace vantoro::pipewire {
 
 namespace {
 
-PropertiesPointer streamProperties(capture::CaptureSource source) {
-    const bool isTap = source == capture::CaptureSource::systemAudio;
+PropertiesPointer streamProperties(AudioLevelSource source) {
+    const bool isTap = source == AudioLevelSource::systemAudio;
     PropertiesPointer properties(pw_properties_new(
         PW_KEY_MEDIA_TYPE, "Audio", PW_KEY_MEDIA_CATEGORY, "Capture", PW_KEY_MEDIA_CLASS,
         "Stream/Input/Audio", PW_KEY_NODE_NAME,
@@ -49,7 +49,7 @@ std::span<const float> samplesOf(const spa_data& data) noexcept {
 }
 
 /// A tap has places, the inputs of a microphone's device are just counted.
-spa_audio_info_raw format(capture::CaptureSource source, std::size_t channels) {
+spa_audio_info_raw format(AudioLevelSource source, std::size_t channels) {
     spa_audio_info_raw info{};
     info.format = SPA_AUDIO_FORMAT_F32P; // as the graph has it, so that nothing is to be done
     info.rate = static_cast<std::uint32_t>(capture::framesPerSecond);
@@ -57,7 +57,7 @@ spa_audio_info_raw format(capture::CaptureSource source, std::size_t channels) {
     constexpr std::array places{SPA_AUDIO_CHANNEL_FL, SPA_AUDIO_CHANNEL_FR, SPA_AUDIO_CHANNEL_SL,
                                 SPA_AUDIO_CHANNEL_SR};
     static_assert(places.size() == capture::tapChannels.size()); // in the same order
-    const bool isTap = source == capture::CaptureSource::systemAudio;
+    const bool isTap = source == AudioLevelSource::systemAudio;
     for (std::size_t i = 0; i < channels; ++i) {
         info.position[i] = isTap           ? static_cast<std::uint32_t>(places.at(i))
                            : channels == 1 ? static_cast<std::uint32_t>(SPA_AUDIO_CHANNEL_MONO)
@@ -210,7 +210,7 @@ void InputStream::takeIn(const spa_buffer& buffer) noexcept {
         feed_->heardSince.store(stamp.nanoseconds, std::memory_order_relaxed);
     }
     const bool taken = feed_->ring.write(stamp, [&](capture::WritablePlanes target) {
-        if (feed_->source == capture::CaptureSource::systemAudio) {
+        if (feed_->source == AudioLevelSource::systemAudio) {
             capture::foldToStereo(capture::TapPlanes{planes[0], planes[1], planes[2], planes[3]},
                                   target[0], target[1]);
         } else {

@@ -53,8 +53,8 @@ protected:
     }
 
     void captureSomething() {
-        capture.deliver(bufferAt(0), StreamOutputType::audio);
-        capture.deliver(bufferAt(0, 1), StreamOutputType::microphone);
+        capture.deliver(bufferAt(0), AudioLevelSource::systemAudio);
+        capture.deliver(bufferAt(0, 1), AudioLevelSource::microphone);
     }
 
 private:
@@ -62,7 +62,7 @@ private:
         RecordRun recordRun(command, ending, preferences);
         QtScheduler scheduler;
         auto engine = std::make_unique<AudioRecorder>(
-            RecorderPlatform{screen, microphone, content, capture, toolkit, fileSystem, clock});
+            RecorderPlatform{captureAccess, microphone, capture, toolkit, fileSystem, clock});
         RecordingViewModel model(std::move(engine),
                                  {scheduler, power, devices, screenSurvey, microphoneSurvey,
                                   workspace, folderPanel, preferences, levels, folder,
@@ -96,12 +96,12 @@ TEST_F(RecordCommandTest, optionsReachTheRecorder) {
     command.microphoneVolume = 0.25F;
     EXPECT_EQ(run([&] { captureSomething(); }), 0);
     EXPECT_EQ(output, finalFile.string() + "\n");
-    EXPECT_EQ(capture.configuration.microphoneCaptureDeviceID, "usb-microphone");
+    EXPECT_EQ(capture.request.microphoneID, "usb-microphone");
     EXPECT_EQ(toolkit.exportedGains, (std::vector<float>{0.5F, 0.25F}));
 }
 
 TEST_F(RecordCommandTest, failedStartIsItsDescriptionAndStatusOne) {
-    screen.allowed = false;
+    captureAccess.isAllowed = false;
     EXPECT_EQ(run({}), 1);
     EXPECT_EQ(output, "");
     EXPECT_EQ(errors, "Screen & System Audio Recording permission is required. Enable Vantoro in "
@@ -217,7 +217,7 @@ TEST_F(RecordCommandTest, messagesAreInTheLanguageOfThisRunWhichIsNotKept) {
 
 TEST_F(RecordCommandTest, speaksChineseToThoseWhoChoseNoLanguage) {
     preferences.values.clear();
-    screen.allowed = false;
+    captureAccess.isAllowed = false;
     EXPECT_EQ(run({}), 1);
     EXPECT_EQ(errors, L10n::text(L10n::Key::screenPermissionDenied, AppLanguage::chinese) + "\n");
 }

@@ -186,20 +186,14 @@ public:
     std::optional<std::string> defaultMicrophone() override { return systemDefault; }
 };
 
-/// Permissions that are looked at only: a request is a mistake that `requests` shows.
-class FakeScreenPermission final : public ScreenCaptureAccess {
+class FakeScreenPermission final : public CaptureAccess {
 public:
     bool allowed = true;
-    int requests = 0;
 
-    bool preflight() override { return allowed; }
-
-    bool request() override {
-        ++requests;
-        return allowed;
-    }
+    bool isGranted() override { return allowed; }
 };
 
+/// Looked at only: a request is a mistake that `requests` shows.
 class FakeMicrophonePermission final : public MicrophoneAccess {
 public:
     AuthorizationStatus current = AuthorizationStatus::authorized;

@@ -38,7 +38,7 @@ struct ViewModelWorld {
         return {.scheduler = scheduler,
                 .power = power,
                 .audioDevices = devices,
-                .screenCaptureAccess = screen,
+                .captureAccess = screen,
                 .microphoneAccess = microphone,
                 .workspace = workspace,
                 .folderPanel = folderPanel,

@@ -59,7 +59,7 @@ public:
                    }),
           run_(command_, ending, preferences_),
           model_(std::make_unique<AudioRecorder>(RecorderPlatform{
-                     screen_, microphone_, content_, capture_, toolkit_, fileSystem_, clock_}),
+                     captureAccess_, microphone_, capture_, toolkit_, fileSystem_, clock_}),
                  {scheduler_, power_, devices_, screenSurvey_, microphoneSurvey_, workspace_,
                   folderPanel_, preferences_, levels_, folder, [&ending] { ending.moved(); }}) {}
 
@@ -95,9 +95,8 @@ private:
     bool isMixedAhead_;
     std::counting_semaphore<> mixBegins_{0};
     CallLog log_;
-    FakeScreenAccess screen_{log_};
+    FakeCaptureAccess captureAccess_{log_};
     FakeMicrophoneAccess microphone_{log_};
-    FakeShareableContent content_{log_};
     FakeCaptureService capture_{log_};
     HeardTones tones_{capture_};
     posix::PosixFileSystem fileSystem_;

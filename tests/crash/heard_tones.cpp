@@ -19,8 +19,8 @@ void HeardTones::until(std::int64_t frames) {
     constexpr std::int64_t bufferFrames = 960;
     while (heard_ < frames) {
         const std::int64_t count = std::min(bufferFrames, frames - heard_);
-        hear(StreamOutputType::audio, 2, count, systemTone);
-        hear(StreamOutputType::microphone, 1, count, microphoneTone);
+        hear(AudioLevelSource::systemAudio, 2, count, systemTone);
+        hear(AudioLevelSource::microphone, 1, count, microphoneTone);
         heard_ += count;
     }
 }
@@ -33,7 +33,7 @@ double HeardTones::microphoneTone(std::int64_t second) {
     return 2000.0 + 50.0 * static_cast<double>(second % 20);
 }
 
-void HeardTones::hear(StreamOutputType type, std::uint32_t channels, std::int64_t frames,
+void HeardTones::hear(AudioLevelSource source, std::uint32_t channels, std::int64_t frames,
                       double (*toneOf)(std::int64_t)) {
     std::vector<float> channel;
     for (std::int64_t frame = heard_; frame < heard_ + frames; ++frame) {
@@ -51,7 +51,7 @@ void HeardTones::hear(StreamOutputType type, std::uint32_t channels, std::int64_
                       .format = AudioStreamDescription{.sampleRate = framesPerSecond,
                                                        .channelsPerFrame = channels},
                       .samples = samples},
-                     type);
+                     source);
 }
 
 } // namespace vantoro::testing

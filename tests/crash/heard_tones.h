@@ -23,7 +23,7 @@ public:
     static constexpr float amplitude = 0.2F;
 
 private:
-    void hear(StreamOutputType type, std::uint32_t channels, std::int64_t frames,
+    void hear(AudioLevelSource source, std::uint32_t channels, std::int64_t frames,
               double (*toneOf)(std::int64_t));
 
     FakeCaptureService& capture_;

@@ -16,7 +16,7 @@ constexpr float microphoneVolume = 1;
 RecorderOnDisk::RecorderOnDisk(FileSystem& fileSystem, std::filesystem::path folder)
     : toolkit_(fileSystem),
       folder_(std::move(folder)),
-      recorder_({screen_, microphone_, content_, capture_, toolkit_, fileSystem, clock_}) {}
+      recorder_({captureAccess_, microphone_, capture_, toolkit_, fileSystem, clock_}) {}
 
 void RecorderOnDisk::expectVolumes() {
     recorder_.expectVolumes(systemVolume, microphoneVolume);

@@ -32,9 +32,8 @@ public:
 
 private:
     CallLog log_;
-    FakeScreenAccess screen_{log_};
+    FakeCaptureAccess captureAccess_{log_};
     FakeMicrophoneAccess microphone_{log_};
-    FakeShareableContent content_{log_};
     FakeCaptureService capture_{log_};
     HeardTones tones_{capture_};
     ffmpeg::FfmpegToolkit toolkit_;

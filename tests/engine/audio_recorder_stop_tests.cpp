@@ -32,10 +32,10 @@ protected:
     void startAndCapture(const RecordingOptions& options) {
         recorder.start(options);
         if (options.captureSystemAudio) {
-            capture.deliver(bufferAt(0), StreamOutputType::audio);
+            capture.deliver(bufferAt(0), AudioLevelSource::systemAudio);
         }
         if (options.captureMicrophone) {
-            capture.deliver(bufferAt(0, 1), StreamOutputType::microphone);
+            capture.deliver(bufferAt(0, 1), AudioLevelSource::microphone);
         }
     }
 };
@@ -114,7 +114,7 @@ TEST_F(AudioRecorderStop, buffersThatWereQueuedAreWrittenBeforeTheFileIsFinished
     startAndCapture(systemAudioOnly());
     std::promise<void> gate;
     capture.queue->async([&] { gate.get_future().wait(); });
-    capture.deliverLater(bufferAt(256), StreamOutputType::audio);
+    capture.deliverLater(bufferAt(256), AudioLevelSource::systemAudio);
     auto stopping = std::async(std::launch::async, [&] { return recorder.stop(1, 1); });
     gate.set_value();
     EXPECT_EQ(stopping.get(), finalFile);
@@ -133,7 +133,9 @@ TEST_F(AudioRecorderStop, failedStopOfTheCaptureIsNotTheStopsFailure) {
 TEST_F(AudioRecorderStop, whatComesAfterAFailedStopOfTheCaptureIsLeftOut) {
     startAndCapture(systemAudioOnly());
     capture.stopError = platformError();
-    capture.whenStreamGoes = [this] { capture.deliver(bufferAt(256), StreamOutputType::audio); };
+    capture.whenStreamGoes = [this] {
+        capture.deliver(bufferAt(256), AudioLevelSource::systemAudio);
+    };
     EXPECT_EQ(recorder.stop(1, 1), finalFile);
     EXPECT_TRUE(log.contains("append system 0"));
     EXPECT_FALSE(log.contains("append system 256"));
@@ -150,8 +152,8 @@ TEST_F(AudioRecorderStop, streamIsGoneBeforeTheFileIsFinished) {
 
 TEST_F(AudioRecorderStop, eachSourcesSoundGoesToItsOwnTrackAlone) {
     startAndCapture(bothSources());
-    capture.deliver(bufferAt(256), StreamOutputType::audio);
-    capture.deliver(bufferAt(512, 1), StreamOutputType::microphone);
+    capture.deliver(bufferAt(256), AudioLevelSource::systemAudio);
+    capture.deliver(bufferAt(512, 1), AudioLevelSource::microphone);
     EXPECT_EQ(log.startingWith("append"),
               (std::vector<std::string>{"append system 0", "append microphone 0",
                                         "append system 256", "append microphone 512"}));
@@ -216,7 +218,7 @@ TEST_F(AudioRecorderStop, writerThatCouldNotStartLeavesNoFile) {
 TEST_F(AudioRecorderStop, whatWasWrittenBeforeAWriterFailureIsExported) {
     startAndCapture(bothSources());
     toolkit.writing.appendSucceeds = false;
-    capture.deliver(bufferAt(256), StreamOutputType::audio);
+    capture.deliver(bufferAt(256), AudioLevelSource::systemAudio);
     EXPECT_EQ(interruptions.size(), 1U);
     EXPECT_EQ(recorder.stop(1, 1), finalFile);
     EXPECT_TRUE(fileSystem.temporaryFiles().empty());
@@ -351,9 +353,9 @@ TEST_F(AudioRecorderStop, soundThatTheFileHadNoRoomForIsTold) {
     recorder.onSoundLoss = [&](const SoundLoss& loss) { told.push_back(loss); };
     startAndCapture(bothSources());
     toolkit.writing.ready = false;
-    capture.deliver(bufferAt(256, 2, 480), StreamOutputType::audio);
-    capture.deliver(bufferAt(736, 2, 480), StreamOutputType::audio);
-    capture.deliver(bufferAt(256, 1, 480), StreamOutputType::microphone);
+    capture.deliver(bufferAt(256, 2, 480), AudioLevelSource::systemAudio);
+    capture.deliver(bufferAt(736, 2, 480), AudioLevelSource::systemAudio);
+    capture.deliver(bufferAt(256, 1, 480), AudioLevelSource::microphone);
     recorder.stop(1, 1);
     ASSERT_EQ(told.size(), 1U);
     EXPECT_EQ(told.front().cause, SoundLoss::Cause::notWritten);
@@ -380,8 +382,8 @@ TEST_F(AudioRecorderStop, soundThatWasNotTakenInTimeIsTold) {
     std::vector<SoundLoss> told;
     recorder.onSoundLoss = [&](const SoundLoss& loss) { told.push_back(loss); };
     startAndCapture(bothSources());
-    capture.loseSound(StreamOutputType::audio, 2.5);
-    capture.loseSound(StreamOutputType::microphone, 0.25);
+    capture.loseSound(AudioLevelSource::systemAudio, 2.5);
+    capture.loseSound(AudioLevelSource::microphone, 0.25);
     recorder.stop(1, 1);
     constexpr auto cause = SoundLoss::Cause::notTakenInTime;
     EXPECT_EQ(told, (std::vector<SoundLoss>{{cause, 2.5, AudioLevelSource::systemAudio, ""},
@@ -390,14 +392,8 @@ TEST_F(AudioRecorderStop, soundThatWasNotTakenInTimeIsTold) {
 
 TEST_F(AudioRecorderStop, aLossThatNobodyListensForIsNoFailure) {
     startAndCapture(bothSources());
-    capture.loseSound(StreamOutputType::audio, 2.5);
+    capture.loseSound(AudioLevelSource::systemAudio, 2.5);
     EXPECT_NO_THROW(recorder.stop(1, 1));
-}
-
-TEST_F(AudioRecorderStop, screenBuffersAreIgnored) {
-    recorder.start(bothSources());
-    capture.deliver(bufferAt(0), StreamOutputType::screen);
-    EXPECT_EQ(errorOf([&] { recorder.stop(1, 1); }), Case::noAudioCaptured);
 }
 
 TEST_F(AudioRecorderStop, progressOfTheExportIsReported) {
@@ -410,11 +406,11 @@ TEST_F(AudioRecorderStop, progressOfTheExportIsReported) {
 
 TEST_F(AudioRecorderStop, destroyedWhileRecordingKeepsTheTemporaryFile) {
     auto other = std::make_unique<AudioRecorder>(
-        RecorderPlatform{screen, microphone, content, capture, toolkit, fileSystem, clock});
+        RecorderPlatform{captureAccess, microphone, capture, toolkit, fileSystem, clock});
     bool onCaptureQueue = false;
     capture.whenStreamGoes = [&] { onCaptureQueue = capture.queue->isCurrent(); };
     other->start(bothSources());
-    capture.deliver(bufferAt(0), StreamOutputType::audio);
+    capture.deliver(bufferAt(0), AudioLevelSource::systemAudio);
     other.reset();
     EXPECT_TRUE(onCaptureQueue);
     EXPECT_EQ(capture.liveStreams, 0);
@@ -423,7 +419,7 @@ TEST_F(AudioRecorderStop, destroyedWhileRecordingKeepsTheTemporaryFile) {
 
 TEST_F(AudioRecorderStop, destroyedBeforeAnyBufferLeavesNoFile) {
     auto other = std::make_unique<AudioRecorder>(
-        RecorderPlatform{screen, microphone, content, capture, toolkit, fileSystem, clock});
+        RecorderPlatform{captureAccess, microphone, capture, toolkit, fileSystem, clock});
     other->start(bothSources());
     EXPECT_EQ(fileSystem.temporaryFiles().size(), 1U);
     other.reset();

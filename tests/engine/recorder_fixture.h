@@ -21,14 +21,13 @@ protected:
     const std::filesystem::path finalFile = folder / "Vantoro-2025-03-01-093015.m4a";
 
     CallLog log;
-    FakeScreenAccess screen{log};
+    FakeCaptureAccess captureAccess{log};
     FakeMicrophoneAccess microphone{log};
-    FakeShareableContent content{log};
     FakeCaptureService capture{log};
     FakeFileSystem fileSystem{log};
     FakeMediaToolkit toolkit{log, fileSystem};
     FakeClock clock;
-    AudioRecorder recorder{{screen, microphone, content, capture, toolkit, fileSystem, clock}};
+    AudioRecorder recorder{{captureAccess, microphone, capture, toolkit, fileSystem, clock}};
 
     RecordingOptions bothSources() const { return {true, true, std::nullopt, folder}; }
 
@@ -64,11 +63,11 @@ protected:
         EXPECT_EQ(errorOf([this] { recorder.stop(1, 1); }), RecordingError::Case::noAudioCaptured);
         capture.startError = nullptr;
         capture.stopError = nullptr;
-        capture.addOutputError = nullptr;
+        capture.makeStreamError = nullptr;
         toolkit.writing = {};
         toolkit.exporting = {};
         recorder.start(bothSources());
-        capture.deliver(bufferAt(0), StreamOutputType::audio);
+        capture.deliver(bufferAt(0), AudioLevelSource::systemAudio);
         EXPECT_NO_THROW(recorder.stop(1, 1));
     }
 };

@@ -275,13 +275,6 @@ public:
         --service_.liveStreams;
     }
 
-    void addOutput(StreamOutputType type, SerialQueue& queue) override {
-        throwIfSet(service_.addOutputError);
-        service_.log().add("addOutput " + std::to_string(static_cast<int>(type)) + " " +
-                           queue.label());
-        service_.queue = &queue;
-    }
-
     void startCapture() override {
         service_.log().add("startCapture");
         if (service_.duringStart) {
@@ -328,14 +321,9 @@ void throwIfSet(const std::exception_ptr& error) {
     }
 }
 
-bool FakeScreenAccess::preflight() {
-    log_.add("screen preflight");
-    return allowed;
-}
-
-bool FakeScreenAccess::request() {
-    log_.add("screen request");
-    return grantedOnRequest;
+bool FakeCaptureAccess::isGranted() {
+    log_.add("capture access");
+    return std::exchange(isAllowed, isAllowed || isAllowedNextTime);
 }
 
 AuthorizationStatus FakeMicrophoneAccess::status() {
@@ -346,12 +334,6 @@ AuthorizationStatus FakeMicrophoneAccess::status() {
 bool FakeMicrophoneAccess::request() {
     log_.add("microphone request");
     return grantedOnRequest;
-}
-
-std::vector<Display> FakeShareableContent::displays() {
-    log_.add("displays");
-    throwIfSet(error);
-    return list;
 }
 
 void FakeFileSystem::leave(const std::filesystem::path& path,
@@ -486,27 +468,27 @@ std::unique_ptr<ExportSession> FakeMediaToolkit::makeExportSession(const Composi
                                                dynamic_cast<const FakeComposition&>(composition));
 }
 
-std::shared_ptr<CaptureStream>
-FakeCaptureService::makeStream(const ContentFilter& contentFilter,
-                               const StreamConfiguration& streamConfiguration,
-                               CaptureStreamReceiver& receiver) {
-    log_.add("makeStream");
-    filter = contentFilter;
-    configuration = streamConfiguration;
+std::shared_ptr<CaptureStream> FakeCaptureService::makeStream(const CaptureRequest& captureRequest,
+                                                              SerialQueue& deliveryQueue,
+                                                              CaptureStreamReceiver& receiver) {
+    log_.add("makeStream " + deliveryQueue.label());
+    throwIfSet(makeStreamError);
+    request = captureRequest;
+    queue = &deliveryQueue;
     receiver_ = &receiver;
     return std::make_shared<FakeStream>(*this);
 }
 
-void FakeCaptureService::deliver(const SampleBuffer& buffer, StreamOutputType type) {
-    queue->sync([&] { receiver_->didOutputSampleBuffer(buffer, type); });
+void FakeCaptureService::deliver(const SampleBuffer& buffer, AudioLevelSource source) {
+    queue->sync([&] { receiver_->didOutputSampleBuffer(buffer, source); });
 }
 
-void FakeCaptureService::deliverLater(const SampleBuffer& buffer, StreamOutputType type) {
-    queue->async([this, buffer, type] { receiver_->didOutputSampleBuffer(buffer, type); });
+void FakeCaptureService::deliverLater(const SampleBuffer& buffer, AudioLevelSource source) {
+    queue->async([this, buffer, source] { receiver_->didOutputSampleBuffer(buffer, source); });
 }
 
-void FakeCaptureService::loseSound(StreamOutputType type, double seconds) {
-    queue->sync([&] { receiver_->didLoseSound(type, seconds); });
+void FakeCaptureService::loseSound(AudioLevelSource source, double seconds) {
+    queue->sync([&] { receiver_->didLoseSound(source, seconds); });
 }
 
 void FakeCaptureService::muteMicrophone(bool isMuted) {

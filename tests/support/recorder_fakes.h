@@ -36,15 +36,14 @@ private:
 /// Throws `error` where one is set.
 void throwIfSet(const std::exception_ptr& error);
 
-class FakeScreenAccess final : public ScreenCaptureAccess {
+class FakeCaptureAccess final : public CaptureAccess {
 public:
-    explicit FakeScreenAccess(CallLog& log) : log_(log) {}
+    explicit FakeCaptureAccess(CallLog& log) : log_(log) {}
 
-    bool allowed = true;
-    bool grantedOnRequest = false;
+    bool isAllowed = true;
+    bool isAllowedNextTime = false; ///< of two questions the second one's answer
 
-    bool preflight() override;
-    bool request() override;
+    bool isGranted() override;
 
 private:
     CallLog& log_;
@@ -59,22 +58,6 @@ public:
 
     AuthorizationStatus status() override;
     bool request() override;
-
-private:
-    CallLog& log_;
-};
-
-class FakeShareableContent final : public ShareableContent {
-public:
-    explicit FakeShareableContent(CallLog& log) : log_(log) {}
-
-    std::vector<Display> list{{7}, {9}};
-    std::uint32_t main = 9;
-    std::exception_ptr error;
-
-    std::vector<Display> displays() override;
-
-    std::uint32_t mainDisplayID() override { return main; }
 
 private:
     CallLog& log_;
@@ -209,25 +192,24 @@ class FakeCaptureService final : public CaptureService {
 public:
     explicit FakeCaptureService(CallLog& log) : log_(log) {}
 
-    std::exception_ptr addOutputError;
+    std::exception_ptr makeStreamError;
     std::exception_ptr startError;
     std::exception_ptr stopError;
     std::function<void()> duringStart;
     std::function<void()> whenStreamGoes;
-    StreamConfiguration configuration; ///< of the last stream
-    ContentFilter filter;
+    CaptureRequest request; ///< of the last stream
     int liveStreams = 0;
 
-    std::shared_ptr<CaptureStream> makeStream(const ContentFilter& contentFilter,
-                                              const StreamConfiguration& streamConfiguration,
+    std::shared_ptr<CaptureStream> makeStream(const CaptureRequest& captureRequest,
+                                              SerialQueue& deliveryQueue,
                                               CaptureStreamReceiver& receiver) override;
 
     /// Returns when the buffer has been dealt with.
-    void deliver(const SampleBuffer& buffer, StreamOutputType type);
+    void deliver(const SampleBuffer& buffer, AudioLevelSource source);
     /// Returns at once, as the buffer queues behind what is there.
-    void deliverLater(const SampleBuffer& buffer, StreamOutputType type);
+    void deliverLater(const SampleBuffer& buffer, AudioLevelSource source);
     /// Returns when it has been dealt with.
-    void loseSound(StreamOutputType type, double seconds);
+    void loseSound(AudioLevelSource source, double seconds);
     /// Returns when it has been dealt with.
     void muteMicrophone(bool isMuted);
     /// Returns when the stop has been dealt with.

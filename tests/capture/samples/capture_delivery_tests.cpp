@@ -18,8 +18,8 @@ using testing::CapturedSound;
 class Delivery : public ::testing::Test {
 protected:
     explicit Delivery(std::chrono::seconds ringLength = CaptureFeed::usualLength)
-        : tap(std::make_shared<CaptureFeed>(CaptureSource::systemAudio, ringLength)),
-          microphone(std::make_shared<CaptureFeed>(CaptureSource::microphone, ringLength)) {}
+        : tap(std::make_shared<CaptureFeed>(AudioLevelSource::systemAudio, ringLength)),
+          microphone(std::make_shared<CaptureFeed>(AudioLevelSource::microphone, ringLength)) {}
 
     void SetUp() override {
         addFeeds();
@@ -82,7 +82,7 @@ protected:
     const std::shared_ptr<CaptureFeed> tap;
     const std::shared_ptr<CaptureFeed> microphone;
     std::shared_ptr<CaptureDelivery> delivery = std::make_shared<CaptureDelivery>(
-        queue, sound, DeliveredOutputs{.audio = true, .microphone = true});
+        queue, sound, DeliveredSources{.systemAudio = true, .microphone = true});
     std::int64_t position = 0;
     std::size_t written = 0;
     std::set<std::size_t> lost; // first frames of cycles
@@ -119,8 +119,8 @@ protected:
     void expectAllButTheLosses(const std::vector<double>& losses) {
         EXPECT_EQ(wrongFrames(sound.audio()), 0U);
         EXPECT_EQ(wrongFrames(sound.microphone()), 0U);
-        EXPECT_EQ(sound.losses(StreamOutputType::audio), losses);
-        EXPECT_EQ(sound.losses(StreamOutputType::microphone), losses);
+        EXPECT_EQ(sound.losses(AudioLevelSource::systemAudio), losses);
+        EXPECT_EQ(sound.losses(AudioLevelSource::microphone), losses);
         EXPECT_EQ(sound.audio().start, sound.microphone().start);
         EXPECT_EQ(sound.audio().frames(), sound.microphone().frames());
         EXPECT_EQ(sound.audio().discontinuities, 0U);

@@ -14,9 +14,9 @@ namespace vantoro::capture {
 namespace {
 
 constexpr std::int64_t start = 4800000;
-constexpr CaptureTimeline::TapId tapA = 1;
-constexpr CaptureTimeline::TapId tapB = 2;
-constexpr CaptureTimeline::TapId mic = 3;
+constexpr CaptureTimeline::FeedId tapA = 1;
+constexpr CaptureTimeline::FeedId tapB = 2;
+constexpr CaptureTimeline::FeedId mic = 3;
 
 Stamp stampAt(std::int64_t position, std::uint32_t frames) {
     return {.nanoseconds = static_cast<std::uint64_t>(position) * 62500 / 3, .frames = frames};
@@ -25,14 +25,14 @@ Stamp stampAt(std::int64_t position, std::uint32_t frames) {
 class Timeline : public ::testing::Test {
 protected:
     struct Block {
-        CaptureSource source;
+        AudioLevelSource source;
         std::int64_t position;
         std::size_t frames;
     };
 
     void SetUp() override { timeline.begin(start); }
 
-    std::int64_t place(CaptureTimeline::TapId tap, std::int64_t position, std::uint32_t frames,
+    std::int64_t place(CaptureTimeline::FeedId tap, std::int64_t position, std::uint32_t frames,
                        float value) {
         const std::vector<float> samples(frames, value);
         const std::array<std::span<const float>, 2> sides{samples, samples};
@@ -41,10 +41,10 @@ protected:
     }
 
     void emitAll(std::int64_t upTo) {
-        timeline.emitAll(upTo, [this](CaptureSource source, std::int64_t position,
+        timeline.emitAll(upTo, [this](AudioLevelSource source, std::int64_t position,
                                       std::span<const float> planes, std::size_t frames) {
             blocks.push_back({source, position, frames});
-            auto& line = source == CaptureSource::systemAudio ? system : microphone;
+            auto& line = source == AudioLevelSource::systemAudio ? system : microphone;
             line.insert(line.end(), planes.begin(),
                         planes.begin() + static_cast<std::ptrdiff_t>(frames)); // the left side
         });
@@ -57,8 +57,8 @@ protected:
 };
 
 TEST_F(Timeline, addsUpTapsWhereTheirStampsLie) {
-    timeline.addTap(tapA, CaptureSource::systemAudio, start);
-    timeline.addTap(tapB, CaptureSource::systemAudio, start);
+    timeline.addFeed(tapA, AudioLevelSource::systemAudio, start);
+    timeline.addFeed(tapB, AudioLevelSource::systemAudio, start);
     place(tapA, start, 300, 1);
     place(tapB, start + 100, 100, 2);
     emitAll(start + 300);
@@ -70,7 +70,7 @@ TEST_F(Timeline, addsUpTapsWhereTheirStampsLie) {
 }
 
 TEST_F(Timeline, countsFramesWhileStampsTremble) {
-    timeline.addTap(tapA, CaptureSource::systemAudio, start);
+    timeline.addFeed(tapA, AudioLevelSource::systemAudio, start);
     place(tapA, start, 100, 1);
     EXPECT_EQ(place(tapA, start + 190, 100, 1), 90);
     EXPECT_EQ(place(tapA, start + 150, 100, 1), -50);
@@ -79,7 +79,7 @@ TEST_F(Timeline, countsFramesWhileStampsTremble) {
 }
 
 TEST_F(Timeline, takesStampsAsTheyAreBeforeTheBeginning) {
-    timeline.addTap(tapA, CaptureSource::systemAudio, start);
+    timeline.addFeed(tapA, AudioLevelSource::systemAudio, start);
     place(tapA, start - 1900, 1900, 1); // more than there was time for
     EXPECT_EQ(place(tapA, start - 1000, 1000, 1), 0);
     EXPECT_EQ(place(tapA, start, 1000, 1), 0);
@@ -87,7 +87,7 @@ TEST_F(Timeline, takesStampsAsTheyAreBeforeTheBeginning) {
 }
 
 TEST_F(Timeline, fillsALongGapWithSilence) {
-    timeline.addTap(tapA, CaptureSource::systemAudio, start);
+    timeline.addFeed(tapA, AudioLevelSource::systemAudio, start);
     place(tapA, start, 100, 1);
     EXPECT_EQ(place(tapA, start + 100 + CaptureTimeline::tolerance + 1, 100, 1), 0);
     emitAll(timeline.end(start));
@@ -98,7 +98,7 @@ TEST_F(Timeline, fillsALongGapWithSilence) {
 }
 
 TEST_F(Timeline, putsAsMuchSilenceAsWasLostWhereItWasLost) {
-    timeline.addTap(tapA, CaptureSource::systemAudio, start);
+    timeline.addFeed(tapA, AudioLevelSource::systemAudio, start);
     place(tapA, start, 500, 1);
     std::int64_t position = start + 500;
     std::vector<float> expected(500, 1);
@@ -117,10 +117,10 @@ TEST_F(Timeline, putsAsMuchSilenceAsWasLostWhereItWasLost) {
 
 TEST_F(Timeline, countsOnceWhatWasLostOfTwoOutputsAtOneTime) {
     for (const auto tap : {tapA, tapB}) {
-        timeline.addTap(tap, CaptureSource::systemAudio, start);
+        timeline.addFeed(tap, AudioLevelSource::systemAudio, start);
         place(tap, start, 100, 1);
     }
-    timeline.addTap(mic, CaptureSource::microphone, start);
+    timeline.addFeed(mic, AudioLevelSource::microphone, start);
     place(mic, start, 100, 1);
     EXPECT_EQ(timeline.lose(tapA, 1000), 1000);
     EXPECT_EQ(timeline.lose(tapB, 1300), 300);
@@ -130,21 +130,21 @@ TEST_F(Timeline, countsOnceWhatWasLostOfTwoOutputsAtOneTime) {
 }
 
 TEST_F(Timeline, doesNotMissWhatWasLostBeforeTheBeginning) {
-    timeline.addTap(tapA, CaptureSource::systemAudio, start - 500);
+    timeline.addFeed(tapA, AudioLevelSource::systemAudio, start - 500);
     place(tapA, start - 500, 100, 1);
     EXPECT_EQ(timeline.lose(tapA, 300), 0);
     EXPECT_EQ(timeline.lose(tapA, 300), 200);
 }
 
 TEST_F(Timeline, toleratesThirtyMillisecondsBehindTheStamps) {
-    timeline.addTap(tapA, CaptureSource::systemAudio, start);
+    timeline.addFeed(tapA, AudioLevelSource::systemAudio, start);
     place(tapA, start, 100, 1);
     EXPECT_EQ(place(tapA, start + 100 + 1440, 100, 1), 1440);
     EXPECT_EQ(place(tapA, start + 200 + 1441, 100, 1), 0);
 }
 
 TEST_F(Timeline, toleratesAMillisecondInSilenceEitherWay) {
-    timeline.addTap(tapA, CaptureSource::systemAudio, start);
+    timeline.addFeed(tapA, AudioLevelSource::systemAudio, start);
     place(tapA, start, 1000, 1);
     EXPECT_EQ(place(tapA, start + 1000 - 48, 100, 0), -48);
     EXPECT_EQ(place(tapA, start + 1100 + 48, 100, 0), 48);
@@ -153,7 +153,7 @@ TEST_F(Timeline, toleratesAMillisecondInSilenceEitherWay) {
 }
 
 TEST_F(Timeline, neverOverlapsSoundThatIsAheadOfItsStamps) {
-    timeline.addTap(tapA, CaptureSource::systemAudio, start);
+    timeline.addFeed(tapA, AudioLevelSource::systemAudio, start);
     place(tapA, start, 4000, 1);
     place(tapA, start + 100, 100, 1);
     emitAll(start + 4100);
@@ -161,7 +161,7 @@ TEST_F(Timeline, neverOverlapsSoundThatIsAheadOfItsStamps) {
 }
 
 TEST_F(Timeline, shortensSilenceThatIsAheadOfItsStamps) {
-    timeline.addTap(tapA, CaptureSource::systemAudio, start);
+    timeline.addFeed(tapA, AudioLevelSource::systemAudio, start);
     place(tapA, start, 4000, 1);
     EXPECT_EQ(place(tapA, start + 3000, 2000, 0), 0);
     place(tapA, start + 5000, 100, 1);
@@ -173,13 +173,13 @@ TEST_F(Timeline, shortensSilenceThatIsAheadOfItsStamps) {
 }
 
 TEST_F(Timeline, bringsSilenceThatIsBehindToItsStamps) {
-    timeline.addTap(tapA, CaptureSource::systemAudio, start);
+    timeline.addFeed(tapA, AudioLevelSource::systemAudio, start);
     place(tapA, start, 100, 1);
     EXPECT_EQ(place(tapA, start + 100 + CaptureTimeline::toleranceInSilence + 1, 100, 0), 0);
 }
 
 TEST_F(Timeline, leavesOutWhatWasCapturedBeforeTheBeginning) {
-    timeline.addTap(tapA, CaptureSource::systemAudio, start - 500);
+    timeline.addFeed(tapA, AudioLevelSource::systemAudio, start - 500);
     place(tapA, start - 60, 100, 1);
     emitAll(start + 100);
     std::vector<float> expected(100, 0);
@@ -188,8 +188,8 @@ TEST_F(Timeline, leavesOutWhatWasCapturedBeforeTheBeginning) {
 }
 
 TEST_F(Timeline, waitsForTheSlowestTap) {
-    timeline.addTap(tapA, CaptureSource::systemAudio, start);
-    timeline.addTap(mic, CaptureSource::microphone, start);
+    timeline.addFeed(tapA, AudioLevelSource::systemAudio, start);
+    timeline.addFeed(mic, AudioLevelSource::microphone, start);
     place(tapA, start, 1000, 1);
     EXPECT_EQ(timeline.horizon(start + 1000), start);
     place(mic, start, 400, 1);
@@ -199,12 +199,12 @@ TEST_F(Timeline, waitsForTheSlowestTap) {
 }
 
 TEST_F(Timeline, waitsNoLongerThanItsPatience) {
-    timeline.addTap(tapA, CaptureSource::systemAudio, start);
-    timeline.addTap(mic, CaptureSource::microphone, start);
+    timeline.addFeed(tapA, AudioLevelSource::systemAudio, start);
+    timeline.addFeed(mic, AudioLevelSource::microphone, start);
     place(tapA, start, 60000, 1);
     EXPECT_EQ(timeline.horizon(start + 47999), start);
     EXPECT_EQ(timeline.horizon(start + 48000), start + 60000);
-    timeline.removeTap(tapA);
+    timeline.removeFeed(tapA);
     EXPECT_EQ(timeline.horizon(start + 90000), start + 90000 - CaptureTimeline::patience);
 }
 
@@ -214,14 +214,14 @@ TEST_F(Timeline, goesOnInSilenceWithoutAnyTap) {
 }
 
 TEST_F(Timeline, endsWithItsTapsUnlessTheyAreATenthOfASecondBehind) {
-    timeline.addTap(tapA, CaptureSource::systemAudio, start);
+    timeline.addFeed(tapA, AudioLevelSource::systemAudio, start);
     EXPECT_EQ(timeline.end(start + 4800), start);
     EXPECT_EQ(timeline.end(start + 4801), start + 4801);
 }
 
 TEST_F(Timeline, emitsWholeBlocksWhileItGoesOn) {
     std::vector<std::int64_t> positions;
-    const auto note = [&](CaptureSource, std::int64_t position, std::span<const float>,
+    const auto note = [&](AudioLevelSource, std::int64_t position, std::span<const float>,
                           std::size_t frames) {
         EXPECT_EQ(frames, 1024U);
         positions.push_back(position - start);
@@ -235,10 +235,10 @@ TEST_F(Timeline, emitsWholeBlocksWhileItGoesOn) {
 }
 
 TEST_F(Timeline, losesAFirstSoundThatIsLaterThanItsTolerance) {
-    timeline.addTap(tapA, CaptureSource::systemAudio, start);
+    timeline.addFeed(tapA, AudioLevelSource::systemAudio, start);
     emitAll(start + 2048);
     place(tapA, start + 2048 - 1440, 100, 1);
-    timeline.addTap(tapB, CaptureSource::systemAudio, start + 2048);
+    timeline.addFeed(tapB, AudioLevelSource::systemAudio, start + 2048);
     place(tapB, start + 2048 - 1441, 100, 2);
     emitAll(start + 2148);
     EXPECT_EQ(system[2048], 1);
@@ -246,10 +246,10 @@ TEST_F(Timeline, losesAFirstSoundThatIsLaterThanItsTolerance) {
 }
 
 TEST_F(Timeline, putsTheFirstSoundOfALateTapBehindRatherThanLosingIt) {
-    timeline.addTap(tapA, CaptureSource::systemAudio, start);
+    timeline.addFeed(tapA, AudioLevelSource::systemAudio, start);
     place(tapA, start, 2048, 0.5F);
     emitAll(start + 2048);
-    timeline.addTap(tapB, CaptureSource::systemAudio, start + 2048);
+    timeline.addFeed(tapB, AudioLevelSource::systemAudio, start + 2048);
     place(tapB, start + 1500, 100, 1);
     place(tapA, start + 2048, 200, 0.5F);
     emitAll(start + 2248);
@@ -260,7 +260,7 @@ TEST_F(Timeline, putsTheFirstSoundOfALateTapBehindRatherThanLosingIt) {
 }
 
 TEST_F(Timeline, putsSoundBehindAStandstillWhereItsStampsLie) {
-    timeline.addTap(tapA, CaptureSource::systemAudio, start);
+    timeline.addFeed(tapA, AudioLevelSource::systemAudio, start);
     place(tapA, start, 1000, 1);
     emitAll(start + 98000);
     EXPECT_EQ(place(tapA, start + 97000, 2000, 1), 0);
@@ -271,13 +271,13 @@ TEST_F(Timeline, putsSoundBehindAStandstillWhereItsStampsLie) {
 }
 
 TEST_F(Timeline, emitsBothSourcesInTurnAndOfOneLength) {
-    timeline.addTap(mic, CaptureSource::microphone, start);
+    timeline.addFeed(mic, AudioLevelSource::microphone, start);
     place(mic, start, 2500, 1);
     emitAll(timeline.end(start + 2500));
     ASSERT_EQ(blocks.size(), 6U);
     for (std::size_t i = 0; i < blocks.size(); ++i) {
         EXPECT_EQ(blocks[i].source,
-                  i % 2 == 0 ? CaptureSource::systemAudio : CaptureSource::microphone);
+                  i % 2 == 0 ? AudioLevelSource::systemAudio : AudioLevelSource::microphone);
         EXPECT_EQ(blocks[i].position, start + static_cast<std::int64_t>(i / 2 * 1024));
     }
     EXPECT_EQ(blocks[0].frames, 1024U);
@@ -287,16 +287,16 @@ TEST_F(Timeline, emitsBothSourcesInTurnAndOfOneLength) {
 }
 
 TEST_F(Timeline, keepsWhatATapDeliveredBeforeItWent) {
-    timeline.addTap(tapA, CaptureSource::systemAudio, start);
+    timeline.addFeed(tapA, AudioLevelSource::systemAudio, start);
     place(tapA, start, 100, 1);
-    timeline.removeTap(tapA);
+    timeline.removeFeed(tapA);
     emitAll(start + 100);
     EXPECT_EQ(system, std::vector<float>(100, 1));
 }
 
 TEST_F(Timeline, countsSamplesThatAreNoNumbersAsSilence) {
-    timeline.addTap(tapA, CaptureSource::systemAudio, start);
-    timeline.addTap(tapB, CaptureSource::systemAudio, start);
+    timeline.addFeed(tapA, AudioLevelSource::systemAudio, start);
+    timeline.addFeed(tapB, AudioLevelSource::systemAudio, start);
     place(tapA, start, 10, std::numeric_limits<float>::quiet_NaN());
     place(tapB, start, 10, 0.5F);
     emitAll(start + 10);

@@ -27,9 +27,9 @@ std::vector<double> amplitudesFromLargest(double frequency, std::span<const floa
 
 } // namespace
 
-void CapturedSound::didOutputSampleBuffer(const SampleBuffer& buffer, StreamOutputType type) {
+void CapturedSound::didOutputSampleBuffer(const SampleBuffer& buffer, AudioLevelSource source) {
     const std::lock_guard lock(mutex_);
-    DeliveredTrack& track = type == StreamOutputType::audio ? audio_ : microphone_;
+    DeliveredTrack& track = source == AudioLevelSource::systemAudio ? audio_ : microphone_;
     const std::int64_t position = buffer.presentationTime.value;
     if (track.channels.empty()) {
         track.start = position;
@@ -64,9 +64,9 @@ void CapturedSound::obstacleDidChange(AudioLevelSource source, SourceCondition o
     changed_.notify_all();
 }
 
-void CapturedSound::didLoseSound(StreamOutputType type, double seconds) {
+void CapturedSound::didLoseSound(AudioLevelSource source, double seconds) {
     const std::lock_guard lock(mutex_);
-    losses_[type].push_back(seconds);
+    losses_[source].push_back(seconds);
     changed_.notify_all();
 }
 
@@ -110,9 +110,9 @@ std::vector<bool> CapturedSound::mutes() const {
     return mutes_;
 }
 
-std::vector<double> CapturedSound::losses(StreamOutputType type) const {
+std::vector<double> CapturedSound::losses(AudioLevelSource source) const {
     const std::lock_guard lock(mutex_);
-    const auto found = losses_.find(type);
+    const auto found = losses_.find(source);
     return found != losses_.end() ? found->second : std::vector<double>();
 }
 
@@ -141,10 +141,11 @@ bool CapturedSound::waitForMore(double seconds) {
     return waitUntil([&] { return captured() >= wanted; }, std::chrono::seconds(30));
 }
 
-bool CapturedSound::waitForTone(StreamOutputType type, double frequency, bool present) {
+bool CapturedSound::waitForTone(AudioLevelSource source, double frequency, bool present) {
     const auto heard = [&] {
         const std::lock_guard lock(mutex_);
-        const DeliveredTrack& track = type == StreamOutputType::audio ? audio_ : microphone_;
+        const DeliveredTrack& track =
+            source == AudioLevelSource::systemAudio ? audio_ : microphone_;
         constexpr std::size_t window = 4800;
         if (track.frames() < window) {
             return false;

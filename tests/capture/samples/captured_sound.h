@@ -30,8 +30,8 @@ struct DeliveredTrack {
 /// Keeps all that a capture stream delivers. Any thread.
 class CapturedSound final : public CaptureStreamReceiver {
 public:
-    void didOutputSampleBuffer(const SampleBuffer& buffer, StreamOutputType type) override;
-    void didLoseSound(StreamOutputType type, double seconds) override;
+    void didOutputSampleBuffer(const SampleBuffer& buffer, AudioLevelSource source) override;
+    void didLoseSound(AudioLevelSource source, double seconds) override;
     void streamDidStop(std::exception_ptr error) override;
     void obstacleDidChange(AudioLevelSource source, SourceCondition obstacle) override;
 
@@ -44,7 +44,7 @@ public:
     /// Texts of all the errors that the stream stopped with.
     std::vector<std::string> stops() const;
     /// How many seconds the stream told to be lost, once for each time.
-    std::vector<double> losses(StreamOutputType type) const;
+    std::vector<double> losses(AudioLevelSource source) const;
     /// As the stream told.
     std::vector<bool> mutes() const;
     std::vector<SourceCondition> systemObstacles() const;
@@ -54,7 +54,7 @@ public:
     /// Waits for this much more sound.
     bool waitForMore(double seconds);
     /// Waits until the last 100 ms of left channel, or microphone, hold a tone, or do not.
-    bool waitForTone(StreamOutputType type, double frequency, bool present = true);
+    bool waitForTone(AudioLevelSource source, double frequency, bool present = true);
 
 private:
     mutable std::mutex mutex_;
@@ -63,7 +63,7 @@ private:
     DeliveredTrack microphone_;
     std::int64_t largestLead_ = 0;
     std::int64_t largestDelay_ = 0;
-    std::map<StreamOutputType, std::vector<double>> losses_;
+    std::map<AudioLevelSource, std::vector<double>> losses_;
     std::vector<std::string> stops_;
     std::vector<bool> mutes_;
     std::vector<SourceCondition> systemObstacles_;

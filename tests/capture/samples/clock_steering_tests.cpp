@@ -60,7 +60,7 @@ public:
 
     void begin() {
         timeline_.begin(gridPosition(static_cast<std::uint64_t>(time_ * 1e9)) - 48);
-        timeline_.addTap(1, CaptureSource::microphone, 0);
+        timeline_.addFeed(1, AudioLevelSource::microphone, 0);
     }
 
     double time() const { return time_; }

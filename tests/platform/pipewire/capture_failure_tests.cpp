@@ -15,34 +15,34 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 TEST_F(Capture, anUnknownMicrophoneIsAnError) {
-    auto configuration = configurationFor(true, true);
-    configuration.microphoneCaptureDeviceID = "no-such-microphone";
-    EXPECT_EQ(startError(configuration), "The microphone \"no-such-microphone\" was not found.");
-    configuration.microphoneCaptureDeviceID = "";
-    EXPECT_EQ(startError(configuration), "The microphone \"\" was not found.");
+    CaptureRequest request = bothSources;
+    request.microphoneID = "no-such-microphone";
+    EXPECT_EQ(startError(request), "The microphone \"no-such-microphone\" was not found.");
+    request.microphoneID = "";
+    EXPECT_EQ(startError(request), "The microphone \"\" was not found.");
     EXPECT_EQ(sound.audio().frames(), 0U);
     EXPECT_THAT(sound.stops(), IsEmpty());
 }
 
 TEST_F(Capture, anOutputIsNoMicrophone) {
-    auto configuration = configurationFor(false, true);
-    configuration.microphoneCaptureDeviceID = "vantoro-output-1";
-    EXPECT_EQ(startError(configuration), "The microphone \"vantoro-output-1\" was not found.");
+    CaptureRequest request = microphoneOnly;
+    request.microphoneID = "vantoro-output-1";
+    EXPECT_EQ(startError(request), "The microphone \"vantoro-output-1\" was not found.");
 }
 
 TEST_F(Capture, withoutAnyMicrophoneTheDefaultOneIsAnError) {
     SoundSession::destroyNode("vantoro-microphone");
-    EXPECT_EQ(startError(configurationFor(true, true)), "There is no default microphone.");
+    EXPECT_EQ(startError(bothSources), "There is no default microphone.");
 }
 
 TEST_F(Capture, withoutASoundServerTheStartFails) {
     ASSERT_EQ(setenv("PIPEWIRE_REMOTE", "no-such-server", 1), 0);
-    EXPECT_EQ(startError(configurationFor(true, false)), "The sound server cannot be reached.");
+    EXPECT_EQ(startError(systemAudioOnly), "The sound server cannot be reached.");
 }
 
 TEST_F(Capture, withASoundServerThatHangsTheStartFails) {
     SoundSession::signalServer(SIGSTOP);
-    EXPECT_EQ(startError(configurationFor(true, false)), "The sound server does not respond.");
+    EXPECT_EQ(startError(systemAudioOnly), "The sound server does not respond.");
     SoundSession::signalServer(SIGCONT);
 }
 
@@ -81,7 +81,7 @@ TEST_F(Capture, anotherMicrophoneThatGoesChangesNothing) {
 TEST_F(Capture, stopsByItselfWhenTheSoundServerDies) {
     const auto app = session.play("app", "vantoro-output-1", 440);
     start();
-    ASSERT_TRUE(sound.waitForTone(StreamOutputType::audio, 440));
+    ASSERT_TRUE(sound.waitForTone(AudioLevelSource::systemAudio, 440));
     ASSERT_TRUE(sound.waitForMore(1.2));
     SoundSession::signalServer(SIGKILL);
     ASSERT_TRUE(waitForStop());
@@ -124,10 +124,10 @@ TEST_F(Capture, stopsByItselfWhenItsNodeIsDestroyed) {
 TEST_F(Capture, makesUpForLinksThatSomebodyTookAway) {
     const auto voice = session.speak("voice", 300);
     start();
-    ASSERT_TRUE(sound.waitForTone(StreamOutputType::microphone, 300));
+    ASSERT_TRUE(sound.waitForTone(AudioLevelSource::microphone, 300));
     run({"pw-link", "-d", "vantoro-microphone:capture_MONO", "vantoro.microphone:input_MONO"});
     ASSERT_TRUE(sound.waitForMore(1.5));
-    EXPECT_TRUE(sound.waitForTone(StreamOutputType::microphone, 300));
+    EXPECT_TRUE(sound.waitForTone(AudioLevelSource::microphone, 300));
     EXPECT_THAT(sound.stops(), IsEmpty());
 }
 
@@ -138,13 +138,6 @@ TEST_F(Capture, canBeDestroyedOnTheQueueThatItDeliversOn) {
     const std::size_t delivered = sound.audio().frames();
     queue.sync([] {});
     EXPECT_EQ(sound.audio().frames(), delivered);
-}
-
-TEST_F(Capture, takesOutputsThatItWasSetUpForOnly) {
-    stream = service.makeStream({}, configurationFor(true, false), sound);
-    EXPECT_ANY_THROW(stream->addOutput(StreamOutputType::screen, queue));
-    EXPECT_ANY_THROW(stream->addOutput(StreamOutputType::microphone, queue));
-    EXPECT_NO_THROW(stream->addOutput(StreamOutputType::audio, queue));
 }
 
 } // namespace

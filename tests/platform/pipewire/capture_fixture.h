@@ -20,34 +20,23 @@ namespace vantoro::testing {
 /// Captures in the private session, as the recorder does.
 class Capture : public ::testing::Test {
 protected:
-    static StreamConfiguration configurationFor(bool audio, bool microphone) {
-        StreamConfiguration configuration;
-        configuration.capturesAudio = audio;
-        configuration.captureMicrophone = microphone;
-        return configuration;
-    }
+    static constexpr CaptureRequest bothSources{.systemAudio = true, .microphone = true};
+    static constexpr CaptureRequest systemAudioOnly{.systemAudio = true};
+    static constexpr CaptureRequest microphoneOnly{.microphone = true};
 
-    void start(const StreamConfiguration& configuration = configurationFor(true, true)) {
-        stream = service.makeStream({}, configuration, sound);
-        if (configuration.capturesAudio) {
-            stream->addOutput(StreamOutputType::audio, queue);
-        }
-        if (configuration.captureMicrophone) {
-            stream->addOutput(StreamOutputType::microphone, queue);
-        }
+    void start(const CaptureRequest& request = bothSources) {
+        stream = service.makeStream(request, queue, sound);
         stream->startCapture();
     }
 
     void startWithMicrophone(const std::string& name) {
-        auto configuration = configurationFor(true, true);
-        configuration.microphoneCaptureDeviceID = name;
-        start(configuration);
+        start({.systemAudio = true, .microphone = true, .microphoneID = name});
     }
 
     /// What `startCapture` fails with, or an empty text.
-    std::string startError(const StreamConfiguration& configuration) {
+    std::string startError(const CaptureRequest& request) {
         try {
-            start(configuration);
+            start(request);
         } catch (const std::exception& error) {
             return error.what();
         }

@@ -43,13 +43,13 @@ TEST_F(Replacement, anotherMicrophoneThatTakesItsIdIsNotRecordedInItsPlace) {
 TEST_F(Replacement, anOutputThatTakesTheIdOfAnotherIsHeard) {
     SoundSession::makeDevice("late-output", "Audio/Sink", "FL,FR");
     const auto before = session.play("before", "late-output", 440);
-    start(configurationFor(true, false));
-    ASSERT_TRUE(sound.waitForTone(StreamOutputType::audio, 440));
+    start(systemAudioOnly);
+    ASSERT_TRUE(sound.waitForTone(AudioLevelSource::systemAudio, 440));
     const DeviceInPlace output("late-output", "new-output", "Audio/Sink", "FL,FR");
     ASSERT_TRUE(output.hasTakenTheId());
     const auto app = session.play("app", "new-output", 1000);
     ASSERT_TRUE(SoundSession::waitForLink("app:output_FL", "new-output:playback_FL"));
-    ASSERT_TRUE(sound.waitForTone(StreamOutputType::audio, 1000));
+    ASSERT_TRUE(sound.waitForTone(AudioLevelSource::systemAudio, 1000));
     ASSERT_TRUE(sound.waitForMore(1.5));
     stop();
     EXPECT_NEAR(usualAmplitudeOf(1000, lastSecond(sound.audio().channels[0])), 0.25, 0.003);
@@ -59,13 +59,12 @@ TEST_F(Replacement, anOutputThatTakesTheIdOfAnotherIsHeard) {
 
 TEST_F(Replacement, aStreamThatTakesTheIdOfAnotherIsHeard) {
     OwnTone tone(440);
-    auto configuration = configurationFor(true, false);
-    configuration.excludesCurrentProcessAudio = false;
-    start(configuration);
-    ASSERT_TRUE(sound.waitForTone(StreamOutputType::audio, 440));
+    service = pipewire::CaptureService({.excludesOwnSound = false});
+    start(systemAudioOnly);
+    ASSERT_TRUE(sound.waitForTone(AudioLevelSource::systemAudio, 440));
     const auto id = tone.node();
     tone.replace(1000);
-    ASSERT_TRUE(sound.waitForTone(StreamOutputType::audio, 1000));
+    ASSERT_TRUE(sound.waitForTone(AudioLevelSource::systemAudio, 1000));
     EXPECT_EQ(tone.node(), id);
     EXPECT_THAT(sound.stops(), IsEmpty());
 }

@@ -14,8 +14,8 @@ namespace vantoro::testing {
 
 namespace {
 
-constexpr auto audio = StreamOutputType::audio;
-constexpr auto microphone = StreamOutputType::microphone;
+constexpr auto audio = AudioLevelSource::systemAudio;
+constexpr auto microphone = AudioLevelSource::microphone;
 
 /// Where single loud samples are, in frames of the grid.
 std::vector<std::int64_t> clicks(const DeliveredTrack& track) {
@@ -69,7 +69,7 @@ TEST_F(Capture, hearsApplicationsOnAllOutputsAndTheMicrophone) {
 }
 
 TEST_F(Capture, waitsForAsMuchSoundAsIsToBeDeliveredAtATime) {
-    service = pipewire::CaptureService(std::chrono::milliseconds(300));
+    service = pipewire::CaptureService({.deliveryInterval = std::chrono::milliseconds(300)});
     start();
     ASSERT_TRUE(sound.waitForMore(1.5));
     EXPECT_GE(sound.largestDelay(), capture::framesInMilliseconds(250)); // without a last cycle
@@ -114,7 +114,7 @@ TEST_F(Capture, tellsOfCodedSoundForAsLongAsItIsPlayed) {
 
 TEST_F(Capture, hearsWhatIsLinkedToAnOutputByHand) {
     const auto speaker = session.speak("speaker", 300);
-    start(configurationFor(true, false));
+    start(systemAudioOnly);
     ASSERT_TRUE(
         SoundSession::link("vantoro-microphone:capture_MONO", "vantoro-output-2:playback_FL"));
     ASSERT_TRUE(sound.waitForTone(audio, 300));
@@ -132,7 +132,7 @@ TEST_F(Capture, hearsOnceWhatALoopbackPlaysAgainOnAnotherOutput) {
               0);
     ASSERT_TRUE(SoundSession::waitForLink("repeater:output_FL", "vantoro-output-2:playback_FL"));
     const auto app = session.play("app", "vantoro-output-1", 440);
-    start(configurationFor(true, false));
+    start(systemAudioOnly);
     ASSERT_TRUE(sound.waitForTone(audio, 440));
     ASSERT_TRUE(sound.waitForMore(1.5));
     stop();
@@ -153,16 +153,15 @@ TEST_F(Capture, leavesOutWhatOurOwnProcessPlays) {
 
 TEST_F(Capture, hearsOurOwnProcessWhereItIsToldTo) {
     const OwnTone own(2500);
-    auto configuration = configurationFor(true, false);
-    configuration.excludesCurrentProcessAudio = false;
-    start(configuration);
+    service = pipewire::CaptureService({.excludesOwnSound = false});
+    start(systemAudioOnly);
     EXPECT_TRUE(sound.waitForTone(audio, 2500));
 }
 
 TEST_F(Capture, leavesOutWhatIsMarkedAsOurOwn) {
     const auto own = session.play("own", "vantoro-output-1", 2500, 2, 0.25, "vantoro.own = true");
     const auto other = session.play("app", "vantoro-output-1", 440);
-    start(configurationFor(true, false));
+    start(systemAudioOnly);
     ASSERT_TRUE(sound.waitForTone(audio, 440));
     ASSERT_TRUE(sound.waitForMore(1.5));
     stop();
@@ -170,7 +169,7 @@ TEST_F(Capture, leavesOutWhatIsMarkedAsOurOwn) {
 }
 
 TEST_F(Capture, hearsAnApplicationForAsLongAsItPlays) {
-    start(configurationFor(true, false));
+    start(systemAudioOnly);
     auto app = session.play("app", "vantoro-output-2", 440);
     ASSERT_TRUE(sound.waitForTone(audio, 440));
     app.reset();
@@ -181,7 +180,7 @@ TEST_F(Capture, hearsAnApplicationForAsLongAsItPlays) {
 }
 
 TEST_F(Capture, losesNothingOfTheFirstSound) {
-    start(configurationFor(true, false));
+    start(systemAudioOnly);
     const auto app = session.play("app", "vantoro-output-1", 440);
     ASSERT_TRUE(sound.waitForTone(audio, 440));
     stop();
@@ -197,7 +196,7 @@ TEST_F(Capture, losesNothingOfTheFirstSound) {
 
 TEST_F(Capture, followsAnApplicationToAnotherOutput) {
     const auto app = session.play("app", "vantoro-output-1", 440);
-    start(configurationFor(true, false));
+    start(systemAudioOnly);
     ASSERT_TRUE(sound.waitForTone(audio, 440));
     SoundSession::move("app", "vantoro-output-2");
     ASSERT_TRUE(SoundSession::waitForLink("app:output_FL", "vantoro-output-2:playback_FL"));
@@ -207,7 +206,7 @@ TEST_F(Capture, followsAnApplicationToAnotherOutput) {
 }
 
 TEST_F(Capture, hearsOutputsThatComeAndGo) {
-    start(configurationFor(true, false));
+    start(systemAudioOnly);
     SoundSession::makeDevice("late-output", "Audio/Sink", "FL,FR");
     const auto app = session.play("app", "late-output", 440);
     ASSERT_TRUE(sound.waitForTone(audio, 440));
@@ -223,7 +222,7 @@ TEST_F(Capture, hearsOutputsThatComeAndGo) {
 TEST_F(Capture, bringsAMonoApplicationToBothSidesAtFullLevel) {
     SoundSession::makeDevice("mono-output", "Audio/Sink", "MONO");
     const auto app = session.play("app", "mono-output", 440, 1);
-    start(configurationFor(true, false));
+    start(systemAudioOnly);
     ASSERT_TRUE(sound.waitForTone(audio, 440));
     ASSERT_TRUE(sound.waitForMore(1.5));
     stop();
@@ -235,7 +234,7 @@ TEST_F(Capture, bringsAMonoApplicationToBothSidesAtFullLevel) {
 TEST_F(Capture, foldsSurroundSoundToBothSides) {
     SoundSession::makeDevice("surround-output", "Audio/Sink", "FL,FR,FC,LFE,RL,RR");
     const auto app = session.play("app", "surround-output", 440, 6, 0.1);
-    start(configurationFor(true, false));
+    start(systemAudioOnly);
     ASSERT_TRUE(sound.waitForTone(audio, 440));
     ASSERT_TRUE(sound.waitForMore(1.5));
     stop();
@@ -248,7 +247,7 @@ TEST_F(Capture, leavesOutWhatTheServerMakesOfStereoForAnOutputOfManyChannels) {
     SoundSession::makeDevice("surround-output", "Audio/Sink", "FL,FR,FC,LFE,RL,RR,SL,SR");
     for (const int channels : {1, 2}) {
         const auto app = session.play("app", "surround-output", 440, channels, 0.1);
-        start(configurationFor(true, false));
+        start(systemAudioOnly);
         ASSERT_TRUE(sound.waitForTone(audio, 440));
         ASSERT_TRUE(sound.waitForMore(1.5));
         stop();
@@ -265,7 +264,7 @@ TEST_F(Capture, hearsWhatPassesThroughAVirtualOutputOnce) {
     ASSERT_TRUE(
         SoundSession::waitForLink("virtual-playback:output_FL", "vantoro-output-1:playback_FL"));
     const auto app = session.play("app", "virtual-output", 440);
-    start(configurationFor(true, false));
+    start(systemAudioOnly);
     ASSERT_TRUE(sound.waitForTone(audio, 440));
     ASSERT_TRUE(sound.waitForMore(1.5));
     stop();
@@ -365,8 +364,7 @@ TEST_F(Capture, losesNotAFrameWhileTheQueueIsBlocked) {
 }
 
 TEST_F(Capture, tellsWhatAStandstillOfTheQueueLostAndStaysInStep) {
-    service =
-        pipewire::CaptureService(pipewire::CaptureService::metersInterval, std::chrono::seconds(1));
+    service = pipewire::CaptureService({.longestStandstill = std::chrono::seconds(1)});
     const auto app = session.click("app");
     ASSERT_TRUE(SoundSession::link("app:output_FL", "vantoro-microphone:input_MONO"));
     start();
@@ -376,8 +374,7 @@ TEST_F(Capture, tellsWhatAStandstillOfTheQueueLostAndStaysInStep) {
         // Another recording, whose queue runs, tells how much sound the one that stands still gets.
         CapturedSound clockSound;
         SerialQueue clockQueue("com.vantoro.clock");
-        const auto clock = service.makeStream({}, configurationFor(true, false), clockSound);
-        clock->addOutput(audio, clockQueue);
+        const auto clock = service.makeStream(systemAudioOnly, clockQueue, clockSound);
         clock->startCapture();
         std::promise<void> release;
         queue.async([blocked = release.get_future().share()] { blocked.wait(); });
@@ -447,7 +444,7 @@ TEST_F(Capture, hearsTheOneInputThatIsChosenAndNoOther) {
 }
 
 TEST_F(Capture, deliversOneSourceAloneWhereOnlyOneIsWanted) {
-    start(configurationFor(false, true));
+    start(microphoneOnly);
     ASSERT_TRUE(sound.waitForMore(0.5));
     stop();
     EXPECT_EQ(sound.audio().frames(), 0U);

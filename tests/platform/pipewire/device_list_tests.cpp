@@ -8,7 +8,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "platform/pipewire/screen_capture_access.h"
+#include "platform/pipewire/capture_access.h"
 #include "tests/platform/pipewire/sound_session.h"
 
 namespace vantoro::testing {
@@ -66,24 +66,22 @@ TEST(DeviceList, isEmptyWithoutASoundServer) {
     EXPECT_EQ(list.defaultMicrophone(), std::nullopt);
 }
 
-TEST(ScreenCaptureAccess, isGrantedWhereTheSoundServerLetsUs) {
-    pipewire::ScreenCaptureAccess access;
-    EXPECT_TRUE(access.preflight());
-    EXPECT_TRUE(access.request());
+TEST(CaptureAccess, isGrantedWhereTheSoundServerLetsUs) {
+    pipewire::CaptureAccess access;
+    EXPECT_TRUE(access.isGranted());
 }
 
-TEST(ScreenCaptureAccess, isRefusedWithoutASoundServer) {
+TEST(CaptureAccess, isRefusedWithoutASoundServer) {
     ASSERT_EQ(setenv("PIPEWIRE_REMOTE", "no-such-server", 1), 0);
-    pipewire::ScreenCaptureAccess access;
-    EXPECT_FALSE(access.preflight());
-    EXPECT_FALSE(access.request());
+    pipewire::CaptureAccess access;
+    EXPECT_FALSE(access.isGranted());
 }
 
-TEST(ScreenCaptureAccess, isRefusedAfterTwoSecondsWithoutAnAnswer) {
-    pipewire::ScreenCaptureAccess access;
+TEST(CaptureAccess, isRefusedAfterTwoSecondsWithoutAnAnswer) {
+    pipewire::CaptureAccess access;
     SoundSession::signalServer(SIGSTOP);
     const auto before = std::chrono::steady_clock::now();
-    EXPECT_FALSE(access.preflight());
+    EXPECT_FALSE(access.isGranted());
     EXPECT_LT(std::chrono::steady_clock::now() - before, std::chrono::seconds(15));
     SoundSession::signalServer(SIGCONT);
 }

@@ -7,11 +7,10 @@
 namespace vantoro::pipewire {
 
 /// Allowed when the sound server can be reached, answers within 2 seconds, and lets us use it and
-/// make links. No desktop has a dialog for this permission: to request it is to look again.
-class ScreenCaptureAccess final : public vantoro::ScreenCaptureAccess {
+/// make links. No desktop has a dialog for this permission.
+class CaptureAccess final : public vantoro::CaptureAccess {
 public:
-    bool preflight() override;
-    bool request() override;
+    bool isGranted() override;
 };
 
 } // namespace vantoro::pipewire
