@@ -13,17 +13,17 @@
 
 #include "fuzz/promise.h"
 #include "fuzz/sparse_file.h"
-#include "platform/ffmpeg/aac.h"
-#include "platform/ffmpeg/movie_asset.h"
-#include "platform/ffmpeg/movie_codecs.h"
-#include "platform/ffmpeg/packet_reader.h"
+#include "media/coding/aac.h"
+#include "media/movie/movie_asset.h"
+#include "media/movie/movie_codecs.h"
+#include "media/movie/packet_reader.h"
 
 namespace vantoro::fuzz {
 
 namespace {
 
-using ffmpeg::Movie;
-using ffmpeg::PacketReader;
+using media::Movie;
+using media::PacketReader;
 
 using Bytes = std::vector<std::byte>;
 
@@ -36,16 +36,16 @@ std::shared_ptr<const Movie> open(std::unique_ptr<SparseFile> file) {
     file->allow(unlimited, unlimited);
     movie->file = std::move(file);
     try {
-        movie->scan = ffmpeg::scanMovie(*movie->file);
-        ffmpeg::scanBehindDamage(*movie->file, movie->scan);
-        movie->codecs = ffmpeg::readCodecs(movie->scan);
+        movie->scan = media::scanMovie(*movie->file);
+        media::scanBehindDamage(*movie->file, movie->scan);
+        movie->codecs = media::readCodecs(movie->scan);
     } catch (const std::runtime_error&) {
         return nullptr;
     }
     require(movie->codecs.size() == movie->scan.tracks.size(), "each track has its place");
     for (const auto& codec : movie->codecs) {
-        require(!codec || (codec->ch_layout.nb_channels > 0 && codec->extradata_size > 1 &&
-                           static_cast<std::uint64_t>(codec->extradata_size) < size),
+        require(!codec || (codec->channels > 0 && codec->coderConfiguration.size() > 1 &&
+                           codec->coderConfiguration.size() < size),
                 "what a track's decoder is told lies in the file");
     }
     return movie;
@@ -70,8 +70,8 @@ void checkTrack(const std::shared_ptr<const Movie>& movie, SparseFile& file, std
 
     const auto count = static_cast<std::int64_t>(packets.size());
     const std::int64_t frames = movie->scan.ends[track];
-    require(frames <= count * ffmpeg::packetFrames &&
-                (count == 0 || frames >= (count - 1) * ffmpeg::packetFrames),
+    require(frames <= count * media::packetFrames &&
+                (count == 0 || frames >= (count - 1) * media::packetFrames),
             "a track's packets are as many as its length takes");
 
     file.allow(unlimited, unlimited);

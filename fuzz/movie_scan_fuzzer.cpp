@@ -9,16 +9,16 @@
 
 #include "fuzz/promise.h"
 #include "fuzz/sparse_file.h"
-#include "platform/ffmpeg/aac.h"
-#include "platform/ffmpeg/box_reader.h"
-#include "platform/ffmpeg/fragment_parser.h"
-#include "platform/ffmpeg/movie_scan.h"
+#include "media/boxes/box_reader.h"
+#include "media/coding/aac.h"
+#include "media/movie/fragment_parser.h"
+#include "media/movie/movie_scan.h"
 
 namespace vantoro::fuzz {
 
 namespace {
 
-using ffmpeg::packetFrames;
+using media::packetFrames;
 
 constexpr std::uint64_t mostTracks = 16;
 constexpr std::uint64_t mostPackets = 65536; // of a track in a fragment
@@ -48,12 +48,12 @@ void allowDamageScan(SparseFile& file) {
     file.allow(reads, (28 * reads) + (2 * reach) + (6 * held));
 }
 
-void checkTracks(const std::vector<ffmpeg::TrackHeader>& tracks) {
+void checkTracks(const std::vector<media::TrackHeader>& tracks) {
     require(tracks.size() <= mostTracks, "a movie has at most 16 tracks");
     for (auto track = tracks.begin(); track != tracks.end(); ++track) {
-        require(std::ranges::count(tracks, track->id, &ffmpeg::TrackHeader::id) == 1,
+        require(std::ranges::count(tracks, track->id, &media::TrackHeader::id) == 1,
                 "tracks can be told apart");
-        require(!track->isAudio || track->timescale == ffmpeg::framesPerSecond,
+        require(!track->isAudio || track->timescale == media::framesPerSecond,
                 "sound is timed in frames");
     }
 }
@@ -66,7 +66,7 @@ struct ByteRange {
 /// Follows the packets through all fragments, as their readers do.
 class Walk {
 public:
-    Walk(SparseFile& file, const ffmpeg::MovieScan& scan)
+    Walk(SparseFile& file, const media::MovieScan& scan)
         : file_(file), scan_(scan), frames_(scan.tracks.size()), ended_(scan.tracks.size()) {}
 
     void run() {
@@ -106,7 +106,7 @@ private:
         require(offset >= endOfPackets_ && offset < file_.size(), "fragments do not overlap");
         allowScan(file_);
         // Whole when it was scanned, so whole now: this may not throw.
-        const ffmpeg::Fragment fragment = ffmpeg::readFragment(file_, offset, scan_.tracks);
+        const media::Fragment fragment = media::readFragment(file_, offset, scan_.tracks);
         require(fragment.contentEnd > offset && fragment.end >= fragment.contentEnd &&
                     fragment.end <= file_.size(),
                 "a fragment lies inside the file");
@@ -117,7 +117,7 @@ private:
 
         std::vector<bool> seen(scan_.tracks.size());
         bool isEmpty = true;
-        for (const ffmpeg::PacketRow& row : fragment.rows) {
+        for (const media::PacketRow& row : fragment.rows) {
             require(row.track < seen.size() && scan_.tracks[row.track].isAudio,
                     "only sound has packets");
             require(!seen[row.track], "a fragment holds a track once");
@@ -128,11 +128,11 @@ private:
         require(!isEmpty, "a fragment holds packets");
     }
 
-    void walkRow(const ffmpeg::PacketRow& row, ByteRange fragment) {
+    void walkRow(const media::PacketRow& row, ByteRange fragment) {
         require(row.start == static_cast<std::uint64_t>(frames_[row.track]), "starts are exact");
         require(row.packets.size() <= mostPackets, "packets are not more than a recording has");
         std::uint64_t next = fragment.begin;
-        for (const ffmpeg::PacketPlace& packet : row.packets) {
+        for (const media::PacketPlace& packet : row.packets) {
             require(packet.size > 0 && packet.size <= largestPacket, "packets have a likely size");
             require(packet.offset >= next, "packets lie one behind the other");
             next = packet.offset + packet.size;
@@ -147,16 +147,16 @@ private:
     }
 
     /// Not those that lie among the zeros, which would take as long as the file claims to be large.
-    void readPacket(const ffmpeg::PacketPlace& packet) {
+    void readPacket(const media::PacketPlace& packet) {
         if (packet.offset < file_.heldSize()) {
             bytes_.resize(packet.size);
             file_.allow(1, packet.size);
-            ffmpeg::readExactly(file_, packet.offset, bytes_);
+            media::readExactly(file_, packet.offset, bytes_);
         }
     }
 
     SparseFile& file_;
-    const ffmpeg::MovieScan& scan_;
+    const media::MovieScan& scan_;
     std::uint64_t begin_ = 0;        // of the fragment before
     std::uint64_t endOfPackets_ = 0; // of that one
     std::vector<std::int64_t> frames_;
@@ -173,16 +173,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     using namespace vantoro;
     fuzz::SparseFile file(std::span(data, size));
     fuzz::allowScan(file);
-    ffmpeg::MovieScan scan;
+    media::MovieScan scan;
     try {
-        scan = ffmpeg::scanMovie(file);
-    } catch (const ffmpeg::DamagedMovie&) {
+        scan = media::scanMovie(file);
+    } catch (const media::DamagedMovie&) {
         return 0;
     } // whatever else comes ends the process
     fuzz::checkTracks(scan.tracks);
     fuzz::Walk(file, scan).run();
     fuzz::allowDamageScan(file);
-    ffmpeg::scanBehindDamage(file, scan, fuzz::reach);
+    media::scanBehindDamage(file, scan, fuzz::reach);
     fuzz::Walk(file, scan).run();
     return 0;
 }

@@ -21,8 +21,8 @@
 #include "bench/support/table.h"
 #include "bench/support/temporary_folder.h"
 #include "bench/support/test_movie.h"
-#include "platform/ffmpeg/aac_decoder.h"
-#include "platform/ffmpeg/parallel_coding.h"
+#include "media/mix/parallel_coding.h"
+#include "platform/ffmpeg/ffmpeg_coding.h"
 #include "platform/ffmpeg/toolkit.h"
 #include "platform/posix/posix_file_system.h"
 
@@ -30,7 +30,7 @@ namespace vantoro::bench {
 
 namespace {
 
-using namespace ffmpeg;
+using namespace media;
 using Packets = std::vector<std::vector<std::byte>>;
 
 constexpr std::array volumes{0.9F, 1.0F};
@@ -42,19 +42,18 @@ Packets codedInChunks(const Mix& mix) {
     ChunkSplicer splicer([&](std::span<const std::byte> packet) {
         packets.emplace_back(packet.begin(), packet.end());
     });
-    codeInParallel(mix, 0, 2, splicer, {}, {});
+    codeInParallel(ffmpeg::coding(), mix, 0, 2, splicer, {}, {});
     return packets;
 }
 
 Packets codedByOne(const Mix& mix) {
     Packets packets;
-    AacEncoder coder = makeMixCoder();
-    const PacketSink keep = [&](const AVPacket& packet) {
-        const auto bytes =
-            std::as_bytes(std::span(packet.data, static_cast<std::size_t>(packet.size)));
+    AacEncoder coder = makeMixCoder(ffmpeg::coding());
+    const PacketSink keep = [&](const AacPacket& packet) {
+        const auto bytes = std::as_bytes(std::span(packet.bytes));
         packets.emplace_back(bytes.begin(), bytes.end());
     };
-    Mixer mixer(mix, 0);
+    Mixer mixer(ffmpeg::coding(), mix, 0);
     for (std::int64_t left = framesOf(mix); left > 0; left -= packetFrames) {
         mixer.read({.left = coder.plane(0).first<packetFrames>(),
                     .right = coder.plane(1).first<packetFrames>()});
@@ -77,13 +76,13 @@ double energyOfDifference(std::span<const float> one, std::span<const float> oth
 double noiseAbout(std::int64_t seam, const Packets& packets, const Mix& mix) {
     const std::int64_t first = seam - packetsAboutSeam;
     const std::int64_t last = seam + packetsBehindChunk + packetsAboutSeam;
-    AacDecoder decoder(makeMixCoder().parameters());
-    Mixer mixer(mix, first - 1); // the first packet is the priming
+    const auto decoder = ffmpeg::coding().makeDecoder(makeMixCoder(ffmpeg::coding()).track());
+    Mixer mixer(ffmpeg::coding(), mix, first - 1); // the first packet is the priming
     std::array<float, packetFrames> left{};
     std::array<float, packetFrames> right{};
     double noise = 0;
     for (std::int64_t packet = first - packetsToWarmUp; packet < last; ++packet) {
-        const auto sound = decoder.decode(packets.at(static_cast<std::size_t>(packet)));
+        const auto sound = decoder->decode(packets.at(static_cast<std::size_t>(packet)));
         if (!sound) {
             throw std::runtime_error("a packet cannot be decoded");
         }
@@ -112,7 +111,7 @@ void measure(int minutes) {
     const TemporaryFolder folder;
     recordTestMovie(folder / "movie.mov", minutes);
     posix::PosixFileSystem files;
-    const auto tracks = FfmpegToolkit(files).openAsset(folder / "movie.mov")->audioTracks();
+    const auto tracks = ffmpeg::FfmpegToolkit(files).openAsset(folder / "movie.mov")->audioTracks();
     Mix mix;
     for (std::size_t index = 0; index < tracks.size(); ++index) {
         const auto frames = static_cast<std::int64_t>(minutes) * 60 * framesPerSecond;

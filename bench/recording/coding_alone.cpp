@@ -15,21 +15,20 @@
 #include <vector>
 
 #include "bench/support/samples.h"
-#include "platform/ffmpeg/aac.h"
-#include "platform/ffmpeg/aac_encoder.h"
+#include "media/coding/aac.h"
+#include "media/coding/aac_encoder.h"
+#include "platform/ffmpeg/ffmpeg_coding.h"
 
 namespace vantoro::bench {
 
 namespace {
 
 void code(std::span<const float> samples, int channels, int bitRate) {
-    ffmpeg::AacEncoder coder(channels, bitRate);
+    media::AacEncoder coder(ffmpeg::coding(), channels, bitRate);
     std::uint64_t bytes = 0;
-    const auto count = [&bytes](const AVPacket& packet) {
-        bytes += static_cast<std::uint64_t>(packet.size);
-    };
+    const auto count = [&bytes](const media::AacPacket& packet) { bytes += packet.bytes.size(); };
     const auto stride = static_cast<std::size_t>(channels);
-    const std::size_t packetSamples = stride * ffmpeg::packetFrames;
+    const std::size_t packetSamples = stride * media::packetFrames;
     for (; samples.size() >= packetSamples; samples = samples.subspan(packetSamples)) {
         for (std::size_t channel = 0; channel < stride; ++channel) {
             const auto plane = coder.plane(static_cast<int>(channel));
@@ -37,7 +36,7 @@ void code(std::span<const float> samples, int channels, int bitRate) {
                 plane[frame] = samples[(frame * stride) + channel];
             }
         }
-        coder.encode(ffmpeg::packetFrames, count);
+        coder.encode(media::packetFrames, count);
     }
     coder.finish(count);
     if (bytes == 0) {

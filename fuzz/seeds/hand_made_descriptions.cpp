@@ -9,7 +9,7 @@ namespace vantoro::fuzz {
 
 namespace {
 
-using ffmpeg::BoxWriter;
+using media::BoxWriter;
 
 /// A descriptor of less than 128 bytes.
 void writeDescriptor(BoxWriter& out, unsigned tag, unsigned lengthBytes, const Boxes& write) {

@@ -6,16 +6,16 @@
 #include <utility>
 
 #include "fuzz/seeds/hand_made_descriptions.h"
-#include "platform/ffmpeg/aac.h"
-#include "platform/ffmpeg/box_writer.h"
+#include "media/boxes/box_writer.h"
+#include "media/coding/aac.h"
 
 namespace vantoro::fuzz {
 
 namespace {
 
-using ffmpeg::BoxWriter;
-using ffmpeg::framesPerSecond;
-using ffmpeg::packetFrames;
+using media::BoxWriter;
+using media::framesPerSecond;
+using media::packetFrames;
 
 constexpr unsigned largestTail = 37;
 constexpr std::uint32_t largeSizeFollows = 1;

@@ -18,9 +18,10 @@
 #include <vector>
 
 #include "fuzz/seeds/hand_made_movies.h"
-#include "platform/ffmpeg/movie_writer.h"
-#include "tests/platform/ffmpeg/memory_file_system.h"
-#include "tests/platform/ffmpeg/movie_recording.h"
+#include "media/writing/movie_writer.h"
+#include "platform/ffmpeg/ffmpeg_coding.h"
+#include "tests/media/support/memory_file_system.h"
+#include "tests/media/support/movie_recording.h"
 
 namespace vantoro::fuzz {
 
@@ -33,7 +34,8 @@ constexpr std::int64_t fragmentFrames = 4800;
 /// A finished movie whose fragments hold a tenth of a second each.
 Bytes record(const std::vector<AudioTrackSettings>& tracks, int fragments, const Sound& sound) {
     MemoryFileSystem files;
-    ffmpeg::MovieWriter writer(files, "movie.mov", std::make_shared<ffmpeg::FollowingMixes>());
+    media::MovieWriter writer(ffmpeg::coding(), files, "movie.mov",
+                              std::make_shared<media::FollowingMixes>(ffmpeg::coding()));
     writer.setInitialMovieFragmentInterval({1, 10});
     writer.setMovieFragmentInterval({1, 10});
     std::vector<FileWriterInput*> inputs;

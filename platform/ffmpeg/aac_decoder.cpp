@@ -2,21 +2,43 @@
 
 #include "platform/ffmpeg/aac_decoder.h"
 
+extern "C" {
+#include <libavutil/channel_layout.h>
+#include <libavutil/mem.h>
+}
+
+#include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <numeric>
 #include <stdexcept>
+#include <vector>
 
 namespace vantoro::ffmpeg {
 
 namespace {
 
-CoderHandle openDecoder(const AVCodecParameters& parameters) {
+using media::packetFrames;
+
+/// The decoder may read a little beyond; it releases what it was given.
+void setConfiguration(AVCodecContext& decoder, const std::vector<std::byte>& configuration) {
+    decoder.extradata = static_cast<std::uint8_t*>(
+        checkAllocated(av_mallocz(configuration.size() + AV_INPUT_BUFFER_PADDING_SIZE)));
+    decoder.extradata_size = static_cast<int>(configuration.size());
+    std::ranges::copy(
+        configuration,
+        std::as_writable_bytes(std::span(decoder.extradata, configuration.size())).begin());
+}
+
+CoderHandle openDecoder(const media::AacTrack& track) {
     const AVCodec* const codec = avcodec_find_decoder(AV_CODEC_ID_AAC);
     if (codec == nullptr) {
         throw std::runtime_error("There is no AAC decoder on this system.");
     }
     CoderHandle decoder(checkAllocated(avcodec_alloc_context3(codec)));
-    check(avcodec_parameters_to_context(decoder.get(), &parameters), "Opening the AAC decoder");
+    decoder->sample_rate = media::framesPerSecond;
+    av_channel_layout_default(&decoder->ch_layout, track.channels);
+    setConfiguration(*decoder, track.coderConfiguration);
     decoder->thread_count = 1;
     check(avcodec_open2(decoder.get(), codec, nullptr), "Opening the AAC decoder");
     return decoder;
@@ -35,12 +57,12 @@ bool isFinite(std::span<const float> samples) {
 
 } // namespace
 
-AacDecoder::AacDecoder(const AVCodecParameters& parameters)
-    : decoder_(openDecoder(parameters)),
+FfmpegDecoder::FfmpegDecoder(const media::AacTrack& track)
+    : decoder_(openDecoder(track)),
       packet_(checkAllocated(av_packet_alloc())),
       frame_(checkAllocated(av_frame_alloc())) {}
 
-std::optional<DecodedSound> AacDecoder::decode(std::span<const std::byte> packet) {
+std::optional<media::DecodedSound> FfmpegDecoder::decode(std::span<const std::byte> packet) {
     check(av_new_packet(packet_.get(), static_cast<int>(packet.size())), "Decoding sound");
     std::ranges::copy(packet,
                       std::as_writable_bytes(std::span(packet_->data, packet.size())).begin());
@@ -54,15 +76,15 @@ std::optional<DecodedSound> AacDecoder::decode(std::span<const std::byte> packet
         channels < 1) {
         return std::nullopt;
     }
-    const DecodedSound sound{.left = planeOf(*frame_, 0),
-                             .right = planeOf(*frame_, channels > 1 ? 1 : 0)};
+    const media::DecodedSound sound{.left = planeOf(*frame_, 0),
+                                    .right = planeOf(*frame_, channels > 1 ? 1 : 0)};
     if (!isFinite(sound.left) || !isFinite(sound.right)) {
         return std::nullopt;
     }
     return sound;
 }
 
-void AacDecoder::forget() noexcept {
+void FfmpegDecoder::forget() noexcept {
     avcodec_flush_buffers(decoder_.get());
 }
 

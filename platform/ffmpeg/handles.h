@@ -22,7 +22,6 @@ struct Release {
 };
 
 using CoderHandle = std::unique_ptr<AVCodecContext, Release<avcodec_free_context>>;
-using ParametersHandle = std::unique_ptr<AVCodecParameters, Release<avcodec_parameters_free>>;
 using PacketHandle = std::unique_ptr<AVPacket, Release<av_packet_free>>;
 using FrameHandle = std::unique_ptr<AVFrame, Release<av_frame_free>>;
 

@@ -6,7 +6,7 @@
 
 #include "engine/ports/file_system.h"
 #include "engine/ports/media_toolkit.h"
-#include "platform/ffmpeg/following_mix.h"
+#include "media/mix/following_mix.h"
 
 namespace vantoro::ffmpeg {
 
@@ -26,7 +26,7 @@ public:
 
 private:
     FileSystem& fileSystem_;
-    std::shared_ptr<FollowingMixes> following_;
+    std::shared_ptr<media::FollowingMixes> following_;
 };
 
 } // namespace vantoro::ffmpeg

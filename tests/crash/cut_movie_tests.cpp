@@ -10,9 +10,9 @@
 #include <gtest/gtest.h>
 
 #include "platform/ffmpeg/toolkit.h"
-#include "tests/platform/ffmpeg/external_programs.h"
-#include "tests/platform/ffmpeg/memory_file_system.h"
-#include "tests/platform/ffmpeg/movie_recording.h"
+#include "tests/media/support/external_programs.h"
+#include "tests/media/support/memory_file_system.h"
+#include "tests/media/support/movie_recording.h"
 
 namespace vantoro::testing {
 

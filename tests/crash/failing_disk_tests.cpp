@@ -12,8 +12,8 @@
 #include "platform/ffmpeg/toolkit.h"
 #include "platform/posix/posix_file_system.h"
 #include "tests/crash/recorder_on_disk.h"
-#include "tests/platform/ffmpeg/external_programs.h"
-#include "tests/platform/ffmpeg/movie_recording.h"
+#include "tests/media/support/external_programs.h"
+#include "tests/media/support/movie_recording.h"
 #include "tests/platform/posix/disk.h"
 
 namespace vantoro::testing {

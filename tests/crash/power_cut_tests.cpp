@@ -13,7 +13,7 @@
 #include "platform/posix/system_clock.h"
 #include "tests/crash/journaling_disk.h"
 #include "tests/crash/recorder_on_disk.h"
-#include "tests/platform/ffmpeg/external_programs.h"
+#include "tests/media/support/external_programs.h"
 
 namespace vantoro::testing {
 

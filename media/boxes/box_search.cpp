@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "media/boxes/box_search.h"
+
+#include <algorithm>
+#include <string_view>
+
+namespace vantoro::media {
+
+namespace {
+
+constexpr std::uint64_t windowSize = 256U << 10U;
+constexpr std::uint64_t sizeField = 4; // lies before the name
+constexpr std::uint64_t headerSize = 8;
+
+} // namespace
+
+BoxSearch::BoxSearch(const InputFile& file, std::uint32_t type) : file_(file) {
+    for (int shift = 24; shift >= 0; shift -= 8) {
+        name_ += static_cast<char>(type >> static_cast<unsigned>(shift) & 0xFFU);
+    }
+}
+
+std::optional<std::uint64_t> BoxSearch::next(std::uint64_t offset, std::uint64_t end) {
+    while (offset + headerSize <= end) {
+        std::uint64_t windowEnd = windowOffset_ + window_.size();
+        if (offset < windowOffset_ || offset + headerSize > windowEnd) {
+            window_.resize(std::min(windowSize, end - offset));
+            window_.resize(file_.readAt(offset, window_));
+            windowOffset_ = offset;
+            windowEnd = windowOffset_ + window_.size();
+            if (window_.size() < headerSize) {
+                return std::nullopt;
+            }
+        }
+        const void* const bytes = window_.data();
+        const std::string_view letters(static_cast<const char*>(bytes), window_.size());
+        const auto found = letters.find(name_, offset - windowOffset_ + sizeField);
+        if (found != std::string_view::npos) {
+            const std::uint64_t place = windowOffset_ + found - sizeField;
+            return place + headerSize <= end ? std::optional(place) : std::nullopt;
+        }
+        offset = windowEnd - headerSize + 1;
+    }
+    return std::nullopt;
+}
+
+} // namespace vantoro::media

@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "engine/ports/file_system.h"
+
+namespace vantoro::media {
+
+/// Looks for boxes of a type by the letters of its name, where no size says where the next one
+/// begins. Asked for later and later places, it reads each byte of the file hardly more than once.
+class BoxSearch {
+public:
+    /// Borrows the file.
+    BoxSearch(const InputFile& file, std::uint32_t type);
+
+    /// The first place from `offset` on where such a box may begin, with its header before `end`.
+    /// Throws what the file throws.
+    std::optional<std::uint64_t> next(std::uint64_t offset, std::uint64_t end);
+
+private:
+    const InputFile& file_;
+    std::string name_;
+    std::vector<std::byte> window_; // a piece of the file
+    std::uint64_t windowOffset_ = 0;
+};
+
+} // namespace vantoro::media

@@ -1,0 +1,82 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace vantoro::media {
+
+/// 1 as boxes have it, with 16 bits before the point and behind it.
+inline constexpr std::uint32_t fixedPointOne = 0x10000;
+
+/// Puts boxes one into another.
+class BoxWriter {
+public:
+    void u8(std::uint64_t value) { bigEndian(value, 1); }
+
+    void u16(std::uint64_t value) { bigEndian(value, 2); }
+
+    void u32(std::uint64_t value) { bigEndian(value, 4); }
+
+    void u64(std::uint64_t value) { bigEndian(value, 8); }
+
+    void text(std::string_view text) { bytes(std::as_bytes(std::span(text))); }
+
+    void bytes(std::span<const std::byte> bytes) {
+        bytes_.insert(bytes_.end(), bytes.begin(), bytes.end());
+    }
+
+    void zeros(std::size_t count) { bytes_.resize(bytes_.size() + count); }
+
+    /// That nothing is turned or moved, which is said of pictures.
+    void unityMatrix() {
+        for (const std::uint32_t value :
+             {fixedPointOne, 0U, 0U, 0U, fixedPointOne, 0U, 0U, 0U, 0x40000000U}) {
+            u32(value);
+        }
+    }
+
+    /// `following`: bytes that belong to the box but are written later.
+    template <class Content>
+    void box(std::string_view type, const Content& content, std::uint64_t following = 0) {
+        const std::size_t begin = bytes_.size();
+        u32(0);
+        text(type);
+        content();
+        const std::uint64_t size = bytes_.size() - begin + following;
+        for (std::size_t i = 0; i < 4; ++i) {
+            bytes_[begin + i] = static_cast<std::byte>(size >> (24 - 8 * i));
+        }
+    }
+
+    /// A box with a version and flags.
+    template <class Content>
+    void fullBox(std::string_view type, std::uint32_t versionAndFlags, const Content& content,
+                 std::uint64_t following = 0) {
+        box(
+            type,
+            [&] {
+                u32(versionAndFlags);
+                content();
+            },
+            following);
+    }
+
+    std::vector<std::byte> take() { return std::move(bytes_); }
+
+private:
+    void bigEndian(std::uint64_t value, unsigned size) {
+        for (unsigned i = size; i-- > 0;) {
+            bytes_.push_back(static_cast<std::byte>(value >> (8 * i)));
+        }
+    }
+
+    std::vector<std::byte> bytes_;
+};
+
+} // namespace vantoro::media

@@ -1,0 +1,256 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "media/m4a/m4a_index.h"
+
+#include <algorithm>
+#include <limits>
+#include <string_view>
+
+#include "media/boxes/box_writer.h"
+#include "media/boxes/elementary_stream.h"
+#include "media/coding/aac.h"
+
+namespace vantoro::media {
+
+namespace {
+
+class IndexWriter {
+public:
+    IndexWriter(const AacTrack& track, std::int64_t frames, std::size_t packetCount,
+                std::span<const std::uint64_t> chunkOffsets)
+        : track_(track),
+          packetCount_(packetCount),
+          chunkOffsets_(chunkOffsets),
+          sizesLength_(4 * packetCount),
+          frames_(static_cast<std::uint64_t>(frames)),
+          codedFrames_(std::min<std::uint64_t>(packetCount * std::uint64_t{packetFrames},
+                                               frames_ + primingFrames)),
+          long_(codedFrames_ > std::numeric_limits<std::uint32_t>::max()) {}
+
+    std::vector<std::byte> write() {
+        out_.box(
+            "moov",
+            [this] {
+                movieHeader();
+                out_.box(
+                    "trak",
+                    [this] {
+                        trackHeader();
+                        editList();
+                        media();
+                    },
+                    sizesLength_);
+            },
+            sizesLength_);
+        return out_.take();
+    }
+
+private:
+    /// A count of frames, as wide as all of them are in this file.
+    void frames(std::uint64_t count) { long_ ? out_.u64(count) : out_.u32(count); }
+
+    /// The version of boxes that hold counts of frames.
+    std::uint32_t version() const noexcept { return long_ ? 1U << 24U : 0; }
+
+    void movieHeader() {
+        out_.fullBox("mvhd", version(), [this] {
+            frames(0); // made when? The file system knows.
+            frames(0);
+            out_.u32(framesPerSecond);
+            frames(frames_);
+            out_.u32(fixedPointOne); // speed
+            out_.u16(0x100);         // volume
+            out_.zeros(10);
+            out_.unityMatrix();
+            out_.zeros(24);
+            out_.u32(2); // the next track's number
+        });
+    }
+
+    void trackHeader() {
+        constexpr std::uint32_t enabledAndUsed = 7;
+        out_.fullBox("tkhd", version() | enabledAndUsed, [this] {
+            frames(0);
+            frames(0);
+            out_.u32(1); // the track's number
+            out_.u32(0);
+            frames(frames_);
+            out_.zeros(12);
+            out_.u16(0x100); // volume
+            out_.u16(0);
+            out_.unityMatrix();
+            out_.zeros(8);
+        });
+    }
+
+    /// Tells players to begin behind the priming and to end before the padding of the last packet.
+    void editList() {
+        out_.box("edts", [this] {
+            out_.fullBox("elst", version(), [this] {
+                out_.u32(1);
+                frames(frames_);
+                frames(primingFrames);
+                out_.u32(fixedPointOne);
+            });
+        });
+    }
+
+    void media() {
+        out_.box(
+            "mdia",
+            [this] {
+                out_.fullBox("mdhd", version(), [this] {
+                    frames(0);
+                    frames(0);
+                    out_.u32(framesPerSecond);
+                    frames(codedFrames_);
+                    out_.u16(0x55c4); // no particular language
+                    out_.u16(0);
+                });
+                out_.fullBox("hdlr", 0, [this] {
+                    out_.u32(0);
+                    out_.text("soun");
+                    out_.zeros(12);
+                    out_.text(std::string_view("Sound\0", 6));
+                });
+                mediaInformation();
+            },
+            sizesLength_);
+    }
+
+    void mediaInformation() {
+        out_.box(
+            "minf",
+            [this] {
+                out_.fullBox("smhd", 0, [this] { out_.zeros(4); });
+                out_.box("dinf", [this] {
+                    out_.fullBox("dref", 0, [this] {
+                        out_.u32(1);
+                        out_.fullBox("url ", 1, [] {}); // the content is in this very file
+                    });
+                });
+                out_.box(
+                    "stbl",
+                    [this] {
+                        out_.fullBox("stsd", 0, [this] {
+                            out_.u32(1);
+                            coderDescription();
+                        });
+                        packetTables();
+                    },
+                    sizesLength_);
+            },
+            sizesLength_);
+    }
+
+    void coderDescription() {
+        out_.box("mp4a", [this] {
+            out_.zeros(6);
+            out_.u16(1);
+            out_.zeros(8);
+            out_.u16(static_cast<std::uint64_t>(track_.channels));
+            out_.u16(16); // bits a sample, by convention
+            out_.u32(0);
+            out_.u32(std::uint64_t{framesPerSecond} << 16U);
+            const auto channels = static_cast<std::uint64_t>(track_.channels);
+            writeElementaryStream(out_, track_, 0, 768 * channels);
+        });
+    }
+
+    void packetTables() {
+        durations();
+        preRoll();
+        chunks();
+        // Last in each of the boxes around it, so that the sizes can follow piece by piece.
+        out_.fullBox(
+            "stsz", 0,
+            [this] {
+                out_.u32(0);
+                out_.u32(packetCount_);
+            },
+            sizesLength_);
+    }
+
+    void durations() {
+        const std::uint64_t last =
+            codedFrames_ - ((packetCount_ - 1) * std::uint64_t{packetFrames});
+        out_.fullBox("stts", 0, [&] {
+            out_.u32(packetCount_ > 1 ? 2 : 1);
+            if (packetCount_ > 1) {
+                out_.u32(packetCount_ - 1);
+                out_.u32(packetFrames);
+            }
+            out_.u32(1);
+            out_.u32(last);
+        });
+    }
+
+    /// Tells players that seek to decode one packet more than they want to hear.
+    void preRoll() {
+        out_.fullBox("sgpd", 1U << 24U, [this] {
+            out_.text("roll");
+            out_.u32(2);
+            out_.u32(1);
+            out_.u16(0xffff);
+        });
+        out_.fullBox("sbgp", 0, [this] {
+            out_.text("roll");
+            out_.u32(1);
+            out_.u32(packetCount_);
+            out_.u32(1);
+        });
+    }
+
+    void chunks() {
+        const std::size_t inLast = packetCount_ - ((chunkOffsets_.size() - 1) * packetsPerChunk);
+        const bool lastDiffers = chunkOffsets_.size() > 1 && inLast != packetsPerChunk;
+        out_.fullBox("stsc", 0, [&] {
+            out_.u32(lastDiffers ? 2 : 1);
+            out_.u32(1);
+            out_.u32(std::min(packetsPerChunk, packetCount_));
+            out_.u32(1);
+            if (lastDiffers) {
+                out_.u32(chunkOffsets_.size());
+                out_.u32(inLast);
+                out_.u32(1);
+            }
+        });
+        const bool far = chunkOffsets_.back() > std::numeric_limits<std::uint32_t>::max();
+        out_.fullBox(far ? "co64" : "stco", 0, [&] {
+            out_.u32(chunkOffsets_.size());
+            for (const std::uint64_t offset : chunkOffsets_) {
+                far ? out_.u64(offset) : out_.u32(offset);
+            }
+        });
+    }
+
+    const AacTrack& track_;
+    const std::size_t packetCount_;
+    const std::span<const std::uint64_t> chunkOffsets_;
+    const std::uint64_t sizesLength_;
+    const std::uint64_t frames_;
+    const std::uint64_t codedFrames_; // with the priming
+    const bool long_;
+    BoxWriter out_;
+};
+
+} // namespace
+
+std::vector<std::byte> m4aFileType() {
+    BoxWriter out;
+    out.box("ftyp", [&] {
+        out.text("M4A ");
+        out.u32(0x200);
+        for (const std::string_view brand : {"M4A ", "isom", "iso2"}) {
+            out.text(brand);
+        }
+    });
+    return out.take();
+}
+
+std::vector<std::byte> m4aIndex(const AacTrack& track, std::int64_t frames, std::size_t packetCount,
+                                std::span<const std::uint64_t> chunkOffsets) {
+    return IndexWriter(track, frames, packetCount, chunkOffsets).write();
+}
+
+} // namespace vantoro::media

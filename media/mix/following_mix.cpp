@@ -1,0 +1,176 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "media/mix/following_mix.h"
+
+#include <exception>
+#include <stdexcept>
+#include <system_error>
+#include <utility>
+
+#include <sys/resource.h>
+#include <unistd.h>
+
+namespace vantoro::media {
+
+namespace {
+
+/// Of the calling thread, and of what it does from now on.
+void runBehindAllOthers() {
+    constexpr int leastPriority = 19;
+    // A failure is no harm: then it shares the processors like others.
+    static_cast<void>(::setpriority(PRIO_PROCESS, static_cast<id_t>(::gettid()), leastPriority));
+}
+
+/// A track that keeps its volume is copied, which takes no time worth saving.
+bool isMixed(const std::vector<float>& volumes) {
+    return !volumes.empty() && volumes != std::vector<float>{1.0F};
+}
+
+} // namespace
+
+FollowingMix::FollowingMix(const Coding& coding, FileSystem& fileSystem,
+                           std::filesystem::path movie, IsPowerSaved isPowerSaved)
+    : coding_(coding),
+      fileSystem_(fileSystem),
+      movie_(std::move(movie)),
+      isPowerSaved_(std::move(isPowerSaved)),
+      thread_([this](const std::stop_token& stop) { follow(stop); }) {}
+
+FollowingMix::~FollowingMix() {
+    stopFollowing();
+}
+
+void FollowingMix::expect(std::vector<float> volumes) {
+    {
+        const std::scoped_lock lock(mutex_);
+        if (volumes == volumes_) {
+            return;
+        }
+        volumes_ = std::move(volumes);
+        changedAt_ = std::chrono::steady_clock::now();
+        isOutdated_ = true;
+        attempt_.request_stop();
+    }
+    changed_.notify_one();
+}
+
+void FollowingMix::movieHasGrown() {
+    {
+        const std::scoped_lock lock(mutex_);
+        hasGrown_ = true;
+        hasFragments_ = true;
+    }
+    changed_.notify_one();
+}
+
+std::shared_ptr<const Movie> FollowingMix::finishedMovie() {
+    stopFollowing();
+    if (!mix_) {
+        return nullptr;
+    }
+    try {
+        return mix_->finishedMovie();
+    } catch (const std::exception&) {
+        mix_.reset();
+        return nullptr;
+    }
+}
+
+std::unique_ptr<OutputFile> FollowingMix::complete(const Mix& mix, unsigned threads,
+                                                   const ExportProgress& progress,
+                                                   const std::stop_token& stop) {
+    stopFollowing();
+    if (!mix_) {
+        return nullptr;
+    }
+    try {
+        return std::exchange(mix_, nullptr)->complete(mix, threads, progress, stop);
+    } catch (const std::exception&) {
+        return nullptr;
+    }
+}
+
+void FollowingMix::follow(const std::stop_token& stop) {
+    runBehindAllOthers();
+    try {
+        while (waitForWork(stop)) {
+            goOn();
+        }
+    } catch (const std::exception&) {
+        mix_.reset();
+    }
+}
+
+/// Until there is something new to mix, and known how. False when it is to stop.
+bool FollowingMix::waitForWork(const std::stop_token& stop) {
+    std::unique_lock lock(mutex_);
+    const auto hasWork = [this] {
+        return hasFragments_ && isMixed(volumes_) && (hasGrown_ || isOutdated_);
+    };
+    while (changed_.wait(lock, stop, hasWork) && !stop.stop_requested()) {
+        const auto change = changedAt_;
+        const bool changedAgain =
+            changed_.wait_until(lock, stop, change + rest, [&] { return changedAt_ != change; });
+        if (!changedAgain && !stop.stop_requested()) {
+            return true;
+        }
+    }
+    return false;
+}
+
+void FollowingMix::goOn() {
+    std::unique_lock lock(mutex_);
+    const auto volumes = volumes_;
+    const bool isOutdated = std::exchange(isOutdated_, false);
+    hasGrown_ = false;
+    attempt_ = std::stop_source();
+    const auto stop = attempt_.get_token();
+    lock.unlock();
+    if (!isAffordable()) {
+        throw std::runtime_error("The disk is nearly full, or power is to be saved.");
+    }
+    if (isOutdated) {
+        mix_.reset(); // and with it what it takes of the disk
+    }
+    if (!mix_) {
+        mix_ = std::make_unique<GrowingMix>(coding_, fileSystem_, movie_, volumes);
+    }
+    mix_->goOn(stop);
+}
+
+bool FollowingMix::isAffordable() const {
+    return fileSystem_.availableSpace(movie_.parent_path()) >= leastSpace &&
+           !(isPowerSaved_ && isPowerSaved_());
+}
+
+void FollowingMix::stopFollowing() {
+    thread_.request_stop();
+    {
+        const std::scoped_lock lock(mutex_);
+        attempt_.request_stop();
+    }
+    if (thread_.joinable()) {
+        thread_.join();
+    }
+}
+
+std::shared_ptr<FollowingMix> FollowingMixes::begin(FileSystem& fileSystem,
+                                                    const std::filesystem::path& movie) {
+    try {
+        auto mix = std::make_shared<FollowingMix>(coding_, fileSystem, movie, isPowerSaved_);
+        const std::scoped_lock lock(mutex_);
+        std::erase_if(mixes_, [](const auto& entry) { return entry.second.expired(); });
+        mixes_[movie] = mix;
+        return mix;
+    } catch (const std::system_error&) {
+        return nullptr;
+    }
+}
+
+std::shared_ptr<FollowingMix> FollowingMixes::of(const std::filesystem::path& movie) {
+    const std::scoped_lock lock(mutex_);
+    const auto found = mixes_.find(movie);
+    return found == mixes_.end() ? nullptr : found->second.lock();
+}
+
+} // namespace vantoro::media

@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "media/mix/track_samples.h"
+
+#include <algorithm>
+#include <cstddef>
+
+namespace vantoro::media {
+
+namespace {
+
+void addScaled(std::span<float> sum, std::span<const float> samples, float gain) {
+    const std::size_t count = sum.size();
+    for (std::size_t i = 0; i < count; ++i) {
+        sum[i] += gain * samples[i];
+    }
+}
+
+} // namespace
+
+TrackSamples::TrackSamples(const Coding& coding, const MovieTrack& track, std::int64_t start,
+                           std::int64_t frames)
+    : packets_(track.movie(), track.index()),
+      decoder_(coding.makeDecoder(*track.movie()->codecs[track.index()])),
+      remaining_(frames) {
+    // The priming is packet 0, so the packet before the wanted one always exists; decoding it first
+    // makes the wanted one sound right.
+    packets_.seek(start / packetFrames);
+    loadPacket();
+    loadPacket();
+    position_ = static_cast<int>(start % packetFrames);
+}
+
+void TrackSamples::addTo(const StereoBlock& block, float gain) {
+    for (int filled = 0; filled < packetFrames && remaining_ > 0;) {
+        if (position_ == packetFrames) {
+            loadPacket();
+        }
+        const int room = packetFrames - std::max(filled, position_);
+        const int count = static_cast<int>(std::min<std::int64_t>(room, remaining_));
+        if (sound_) {
+            const auto into = static_cast<std::size_t>(filled);
+            const auto from = static_cast<std::size_t>(position_);
+            const auto size = static_cast<std::size_t>(count);
+            addScaled(block.left.subspan(into, size), sound_->left.subspan(from, size), gain);
+            addScaled(block.right.subspan(into, size), sound_->right.subspan(from, size), gain);
+        }
+        filled += count;
+        position_ += count;
+        remaining_ -= count;
+    }
+}
+
+void TrackSamples::loadPacket() {
+    const auto packet = packets_.next();
+    const bool isThere = packet && !packet->empty();
+    if (packet && packet->empty()) {
+        decoder_->forget(); // or what lies before the gap would echo behind it
+    }
+    sound_ = isThere ? decoder_->decode(*packet) : std::nullopt;
+    position_ = 0;
+}
+
+} // namespace vantoro::media

@@ -1,0 +1,121 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "media/movie/movie_codecs.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+
+#include "media/boxes/box_reader.h"
+#include "media/boxes/elementary_stream.h"
+
+namespace vantoro::media {
+
+namespace {
+
+/// What the first two bytes of a decoder's configuration say.
+struct AacConfiguration {
+    bool isAac = false; // in packets of 1024 frames
+    bool hasOurRate = false;
+    int channels = 0; // 0 where they are told in another way, or wrongly
+};
+
+/// How a track's packets are coded: the first description, as the recorder's tracks have one only.
+std::optional<Box> findDescription(ByteSpan information) {
+    const auto tables = findBox(information, boxType("stbl"));
+    const auto descriptions = tables ? findBox(*tables, boxType("stsd")) : std::nullopt;
+    if (!descriptions) {
+        return std::nullopt;
+    }
+    ByteReader fields(*descriptions);
+    fields.skip(8); // version, flags, number of descriptions
+    return BoxReader(fields.rest()).next();
+}
+
+/// The boxes behind the fields of a sound's description.
+ByteSpan skipDescriptionFields(ByteSpan description) {
+    ByteReader fields(description);
+    fields.skip(8); // where the packets lie
+    const unsigned version = fields.u16();
+    fields.skip(18);
+    // QuickTime has more to say from version to version.
+    constexpr std::array<std::size_t, 3> moreFields{0, 16, 36};
+    if (version >= moreFields.size()) {
+        throw DamagedMovie("a track is described in an unknown way");
+    }
+    fields.skip(moreFields.at(version));
+    return fields.rest();
+}
+
+ByteSpan findElementaryStream(ByteSpan boxesOfDescription) {
+    BoxReader boxes(boxesOfDescription);
+    while (const auto box = boxes.next()) {
+        if (box->type == boxType("esds")) {
+            return box->content;
+        }
+        if (box->type == boxType("wave")) {
+            if (const auto stream = findBox(box->content, boxType("esds"))) {
+                return *stream;
+            }
+        }
+    }
+    throw DamagedMovie("a track does not say how it is coded");
+}
+
+/// Whether packets of this kind of coding can be AAC, that of MPEG-4 or one of MPEG-2's three.
+bool canBeAac(std::uint8_t coding) noexcept {
+    return coding == 0x40 || (coding >= 0x66 && coding <= 0x68);
+}
+
+AacConfiguration readConfiguration(ByteSpan bytes) {
+    const unsigned fields = ByteReader(bytes).u16();
+    const unsigned kind = fields >> 11U;
+    const unsigned rate = (fields >> 7U) & 15U;
+    const unsigned channels = (fields >> 3U) & 15U;
+    constexpr unsigned rateOf48000 = 3;
+    constexpr std::array<int, 16> channelCounts{0, 1, 2, 3, 4, 5, 6, 8};
+    return {.isAac = kind >= 1 && kind <= 4,
+            .hasOurRate = rate == rateOf48000,
+            .channels = channelCounts.at(channels)};
+}
+
+/// Nothing where the track is not AAC.
+std::optional<AacTrack> readCodec(ByteSpan information) {
+    const auto description = findDescription(information);
+    if (!description || description->type != boxType("mp4a")) {
+        return std::nullopt;
+    }
+    const ElementaryStream stream =
+        readElementaryStream(findElementaryStream(skipDescriptionFields(description->content)));
+    if (!canBeAac(stream.coding)) {
+        return std::nullopt;
+    }
+    const AacConfiguration configuration = readConfiguration(stream.configuration);
+    if (!configuration.isAac) {
+        return std::nullopt;
+    }
+    if (!configuration.hasOurRate) {
+        throw DamagedMovie("a track is not of 48000 Hz");
+    }
+    if (configuration.channels == 0) {
+        throw DamagedMovie("a track does not say how many channels it has");
+    }
+    return AacTrack{
+        .channels = configuration.channels,
+        .bitRate = static_cast<int>(stream.bitRate),
+        .coderConfiguration = {stream.configuration.begin(), stream.configuration.end()}};
+}
+
+} // namespace
+
+std::vector<std::optional<AacTrack>> readCodecs(const MovieScan& scan) {
+    std::vector<std::optional<AacTrack>> codecs;
+    codecs.reserve(scan.tracks.size());
+    for (const TrackHeader& track : scan.tracks) {
+        codecs.push_back(track.isAudio ? readCodec(track.information) : std::nullopt);
+    }
+    return codecs;
+}
+
+} // namespace vantoro::media

@@ -1,0 +1,277 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "media/movie/movie_scan.h"
+
+#include <algorithm>
+#include <array>
+#include <optional>
+#include <utility>
+
+#include "media/boxes/box_reader.h"
+#include "media/boxes/box_search.h"
+#include "media/coding/aac.h"
+#include "media/movie/fragment_checksum.h"
+#include "media/movie/fragment_parser.h"
+#include "media/movie/movie_header.h"
+
+namespace vantoro::media {
+
+namespace {
+
+constexpr std::uint64_t largestHeader = 1U << 20U;
+constexpr int mostBoxesBeforeFragments = 16;
+constexpr std::size_t mostFragments = 1U << 20U; // 120 days
+
+/// Finds the header among the first boxes.
+FileBox findHeader(const InputFile& file) {
+    std::uint64_t offset = 0;
+    for (int i = 0; i < mostBoxesBeforeFragments && offset < file.size(); ++i) {
+        const FileBox box = readFileBox(file, offset);
+        if (box.type == boxType("moov")) {
+            return box;
+        }
+        offset = box.end;
+    }
+    throw DamagedMovie("it has no header");
+}
+
+/// How far the tracks have come with one more fragment.
+class Progress {
+public:
+    explicit Progress(const MovieScan& scan) : Progress(scan.ends, scan.ended) {}
+
+    Progress(std::vector<std::int64_t> ends, std::vector<bool> ended)
+        : starts_(ends), ends_(std::move(ends)), ended_(std::move(ended)) {}
+
+    /// Throws when a track does not go on where it had ended, or so many packets later in all
+    /// tracks together.
+    void add(const Fragment& fragment, std::uint64_t missingPackets) {
+        std::size_t packets = 0;
+        for (const PacketRow& row : fragment.rows) {
+            missingPackets -= gapBefore(row, missingPackets);
+            add(row);
+            packets += row.packets.size();
+        }
+        if (packets == 0) {
+            throw DamagedMovie("a fragment is empty");
+        }
+    }
+
+    void addTo(MovieScan& scan) && {
+        scan.starts.insert(scan.starts.end(), starts_.begin(), starts_.end());
+        scan.ends = std::move(ends_);
+        scan.ended = std::move(ended_);
+    }
+
+private:
+    /// In packets.
+    std::uint64_t gapBefore(const PacketRow& row, std::uint64_t mostPackets) const {
+        const auto end = static_cast<std::uint64_t>(ends_[row.track]);
+        const std::uint64_t gap = row.start - end;
+        if (row.start < end || gap % packetFrames != 0 || gap / packetFrames > mostPackets ||
+            (gap > 0 && row.packets.empty())) {
+            throw DamagedMovie("a fragment does not follow the one before");
+        }
+        return gap / packetFrames;
+    }
+
+    void add(const PacketRow& row) {
+        std::int64_t& end = ends_[row.track];
+        end = static_cast<std::int64_t>(row.start);
+        starts_[row.track] = end;
+        for (const PacketPlace& packet : row.packets) {
+            // Only a track's last packet is short, so packets can be found by their number.
+            if (ended_[row.track] || packet.duration > packetFrames) {
+                throw DamagedMovie("a packet has an impossible duration");
+            }
+            ended_[row.track] = packet.duration < packetFrames;
+            end += packet.duration;
+        }
+    }
+
+    std::vector<std::int64_t> starts_;
+    std::vector<std::int64_t> ends_;
+    std::vector<bool> ended_;
+};
+
+void addFragment(std::uint64_t offset, const Fragment& fragment, Progress progress,
+                 MovieScan& scan) {
+    std::move(progress).addTo(scan);
+    scan.fragments.push_back(offset);
+    scan.skipped += offset - std::min(offset, scan.fragmentsEnd);
+    scan.fragmentsEnd = fragment.end;
+}
+
+std::uint64_t endOfPackets(const Fragment& fragment) {
+    std::uint64_t end = 0;
+    for (const PacketRow& row : fragment.rows) {
+        if (!row.packets.empty()) {
+            end = std::max(end, row.packets.back().offset + row.packets.back().size);
+        }
+    }
+    return end;
+}
+
+/// Finds whole fragments behind damage. What it reads is bounded however many there seem to be: an
+/// honest fragment is looked at once, and two that overlap are not both honest.
+class DamageScan {
+public:
+    DamageScan(const InputFile& file, MovieScan& scan)
+        : file_(file), scan_(scan), search_(file, boxType("moof")), bytesLeft_(4 * file.size()) {}
+
+    /// False when there is none within reach. Throws when enough was read.
+    bool addNextFragment(std::uint64_t reach) {
+        // It may claim to be larger than it is.
+        doubtful_ = lastUnlessRight();
+        const std::uint64_t begin = doubtful_ ? scan_.fragments.back() + 1 : scan_.fragmentsEnd;
+        const std::uint64_t end = begin + std::min(reach, file_.size() - begin);
+        for (auto place = search_.next(begin, end); place && bytesLeft_ > 0;
+             place = search_.next(*place + 1, end)) {
+            if (addWhereWhole(*place)) {
+                return true;
+            }
+        }
+        return false;
+    }
+
+private:
+    // The shortest that the coder makes: silence in one channel.
+    static constexpr std::uint64_t smallestPacket = 4;
+
+    std::optional<Fragment> lastUnlessRight() {
+        if (scan_.fragments.empty()) {
+            return std::nullopt;
+        }
+        const std::uint64_t offset = scan_.fragments.back();
+        Fragment last = readFragment(file_, offset, scan_.tracks);
+        return isRight(offset, last) ? std::nullopt : std::optional(std::move(last));
+    }
+
+    bool addWhereWhole(std::uint64_t offset) {
+        try {
+            const FileBox description = readFileBox(file_, offset);
+            spend(std::min(description.end - offset, largestDescription));
+            const Fragment fragment = readFragment(file_, offset, scan_.tracks);
+            if (!isRight(offset, fragment)) {
+                return false; // it may say any time
+            }
+            try {
+                add(offset, fragment);
+            } catch (const DamagedMovie&) {
+                replaceDoubtful(offset, fragment);
+            }
+            return true;
+        } catch (const DamagedMovie&) {
+            return false;
+        }
+    }
+
+    bool isRight(std::uint64_t offset, const Fragment& fragment) {
+        if (!fragment.checksum) {
+            return false;
+        }
+        spend(fragment.contentEnd - offset);
+        return fragment.checksum == checksumOf(file_, offset, fragment.contentEnd);
+    }
+
+    void add(std::uint64_t offset, const Fragment& fragment) {
+        if (doubtful_ && offset < endOfPackets(*doubtful_)) {
+            throw DamagedMovie("its fragments overlap");
+        }
+        const std::uint64_t skipped = offset - std::min(offset, scan_.fragmentsEnd);
+        Progress progress(scan_);
+        progress.add(fragment, skipped / smallestPacket);
+        addFragment(offset, fragment, std::move(progress), scan_);
+    }
+
+    /// Puts the fragment in the place of one that says that it holds more, or less, than it does.
+    void replaceDoubtful(std::uint64_t offset, const Fragment& fragment) {
+        if (!doubtful_) {
+            throw DamagedMovie("a fragment does not follow the one before");
+        }
+        const std::uint64_t last = scan_.fragments.back();
+        const auto starts = scan_.startsOf(scan_.fragments.size() - 1);
+        std::vector<bool> ended = scan_.ended;
+        for (std::size_t track = 0; track < ended.size(); ++track) {
+            ended[track] = ended[track] && scan_.ends[track] == starts[track];
+        }
+        Progress progress({starts.begin(), starts.end()}, std::move(ended));
+        progress.add(fragment, (offset - last) / smallestPacket);
+        scan_.fragments.pop_back();
+        scan_.starts.resize(scan_.starts.size() - scan_.tracks.size());
+        scan_.fragmentsEnd = last;
+        addFragment(offset, fragment, std::move(progress), scan_);
+    }
+
+    void spend(std::uint64_t bytes) {
+        if (bytes > bytesLeft_) {
+            bytesLeft_ = 0;
+            throw DamagedMovie("its fragments overlap");
+        }
+        bytesLeft_ -= bytes;
+    }
+
+    const InputFile& file_;
+    MovieScan& scan_;
+    BoxSearch search_;
+    std::uint64_t bytesLeft_;          // that may be read of what may be fragments
+    std::optional<Fragment> doubtful_; // the last one, where its checksum is not right
+};
+
+} // namespace
+
+MovieScan scanMovie(const InputFile& file) {
+    const FileBox header = findHeader(file);
+    if (header.end - header.content > largestHeader) {
+        throw DamagedMovie("its header is too large");
+    }
+    std::vector<std::byte> bytes(header.end - header.content);
+    readExactly(file, header.content, bytes);
+
+    MovieScan scan;
+    scan.tracks = parseHeader(bytes);
+    scan.headerEnd = header.end;
+    scan.fragmentsEnd = header.end;
+    scan.ends.resize(scan.tracks.size());
+    scan.ended.resize(scan.tracks.size());
+    continueScan(file, scan);
+    return scan;
+}
+
+void continueScan(const InputFile& file, MovieScan& scan) {
+    try {
+        while (scan.fragmentsEnd < file.size() && scan.fragments.size() < mostFragments) {
+            const Fragment fragment = readFragment(file, scan.fragmentsEnd, scan.tracks);
+            Progress progress(scan);
+            progress.add(fragment, 0);
+            addFragment(scan.fragmentsEnd, fragment, std::move(progress), scan);
+        }
+    } catch (const DamagedMovie&) { // NOLINT(bugprone-empty-catch)
+        // The writer died here, or finished, or what it wrote was damaged: all before is whole.
+    }
+}
+
+void scanBehindDamage(const InputFile& file, MovieScan& scan, std::uint64_t reach) {
+    DamageScan damage(file, scan);
+    try {
+        while (scan.fragments.size() < mostFragments && !endsWithItsFragments(file, scan) &&
+               damage.addNextFragment(reach)) {
+            continueScan(file, scan);
+        }
+    } catch (const DamagedMovie&) { // NOLINT(bugprone-empty-catch)
+        // All before counts.
+    }
+}
+
+bool endsWithItsFragments(const InputFile& file, const MovieScan& scan) {
+    std::array<std::byte, 8> header{};
+    if (file.readAt(scan.fragmentsEnd, header) < header.size()) {
+        return scan.fragmentsEnd >= file.size();
+    }
+    ByteReader fields(header);
+    const std::uint64_t size = fields.u32();
+    // The index's own end may be missing.
+    return fields.u32() == boxType("mfra") && size >= file.size() - scan.fragmentsEnd;
+}
+
+} // namespace vantoro::media

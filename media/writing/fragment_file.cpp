@@ -1,0 +1,122 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "media/writing/fragment_file.h"
+
+#include <exception>
+#include <utility>
+
+namespace vantoro::media {
+
+FragmentFile::FragmentFile(std::unique_ptr<OutputFile> file, Failure onFailure, Growth onGrowth)
+    : file_(std::move(file)),
+      onFailure_(std::move(onFailure)),
+      onGrowth_(std::move(onGrowth)),
+      thread_([this] { run(); }) {}
+
+FragmentFile::~FragmentFile() {
+    {
+        const std::lock_guard lock(mutex_);
+        stopping_ = true;
+    }
+    changed_.notify_one();
+    thread_.join();
+}
+
+void FragmentFile::append(std::vector<std::byte> fragment, std::int64_t end) {
+    {
+        const std::lock_guard lock(mutex_);
+        backlog_ += fragment.size();
+        fragments_.push_back({std::move(fragment), end});
+    }
+    changed_.notify_one();
+}
+
+std::size_t FragmentFile::backlog() const {
+    const std::lock_guard lock(mutex_);
+    return backlog_;
+}
+
+void FragmentFile::finish(Completion completion) {
+    {
+        const std::lock_guard lock(mutex_);
+        completion_ = std::move(completion);
+        stopping_ = true;
+    }
+    changed_.notify_one();
+}
+
+void FragmentFile::run() {
+    std::unique_lock lock(mutex_);
+    for (;;) {
+        changed_.wait(lock, [this] { return stopping_ || (!failed_ && !fragments_.empty()); });
+        if (!failed_ && !fragments_.empty()) {
+            lock.unlock();
+            const bool written = writeNext();
+            if (written) {
+                onGrowth_(backlog());
+            } else {
+                onFailure_(failure_);
+            }
+            lock.lock();
+            failed_ = !written;
+        } else {
+            break;
+        }
+    }
+    lock.unlock();
+    if (completion_) {
+        conclude();
+    }
+}
+
+/// Writes the first waiting fragment, which stays in its place until it is on disk.
+bool FragmentFile::writeNext() {
+    std::unique_lock lock(mutex_);
+    const Fragment& fragment = fragments_.front(); // others only add behind it
+    lock.unlock();
+    try {
+        file_->writeAt(end_, fragment.bytes);
+        file_->sync();
+    } catch (const std::exception& error) {
+        failure_ = error.what();
+        cutBack();
+        return false;
+    }
+    end_ += fragment.bytes.size();
+    framesOnDisk_ = fragment.end;
+    lock.lock();
+    backlog_ -= fragment.bytes.size();
+    fragments_.pop_front();
+    return true;
+}
+
+/// Removes what a failed write left behind the last whole fragment. A reader would stop there
+/// anyway, so this may fail in its turn.
+void FragmentFile::cutBack() noexcept {
+    try {
+        file_->truncate(end_);
+    } catch (const std::exception&) { // NOLINT(bugprone-empty-catch): see above
+    }
+}
+
+void FragmentFile::conclude() {
+    std::optional<std::string> failure = writeRest();
+    try {
+        file_->ensureReachable();
+        file_->close();
+    } catch (const std::exception& error) {
+        failure = failure.value_or(error.what());
+    }
+    completion_(failure);
+}
+
+std::optional<std::string> FragmentFile::writeRest() {
+    while (!fragments_.empty()) {
+        if (!writeNext()) {
+            return end_ > 0 ? std::nullopt : std::optional(failure_);
+        }
+    }
+    return end_ > 0 ? std::nullopt : std::optional<std::string>("No sound reached the file.");
+}
+
+} // namespace vantoro::media

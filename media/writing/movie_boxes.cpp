@@ -1,0 +1,261 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "media/writing/movie_boxes.h"
+
+#include <algorithm>
+#include <string_view>
+
+#include "media/boxes/box_writer.h"
+#include "media/boxes/elementary_stream.h"
+#include "media/coding/aac.h"
+
+namespace vantoro::media {
+
+namespace {
+
+/// Everything before the first fragment. How long the movie is, its fragments say.
+class HeaderWriter {
+public:
+    std::vector<std::byte> write(std::span<const AacTrack> tracks) {
+        out_.box("ftyp", [this] {
+            out_.text("qt  ");
+            out_.u32(0x200);
+            out_.text("qt  ");
+        });
+        out_.box("moov", [&] {
+            movie();
+            for (std::uint32_t number = 1; const AacTrack& track : tracks) {
+                out_.box("trak", [&] { this->track(number, track); });
+                ++number;
+            }
+            out_.box("mvex", [&] {
+                for (std::uint32_t number = 1; number <= tracks.size(); ++number) {
+                    out_.fullBox("trex", 0, [&] {
+                        out_.u32(number);
+                        out_.u32(1);     // how its packets are coded: the first description
+                        out_.zeros(12U); // the fragments say it of each packet
+                    });
+                }
+            });
+        });
+        return out_.take();
+    }
+
+private:
+    void movie() {
+        out_.fullBox("mvhd", 0, [this] {
+            out_.zeros(8); // made when? The file system knows.
+            out_.u32(framesPerSecond);
+            out_.u32(0);             // duration
+            out_.u32(fixedPointOne); // speed
+            out_.u16(0x100);         // volume
+            out_.zeros(10);
+            out_.unityMatrix();
+            out_.zeros(24);
+            out_.u32(2); // the next track's number, where another is added in the usual way
+        });
+    }
+
+    void track(std::uint32_t number, const AacTrack& track) {
+        // Used in the movie; and played by who plays only one of several that sound.
+        out_.fullBox("tkhd", number == 1 ? 3 : 2, [&] {
+            out_.zeros(8);
+            out_.u32(number);
+            out_.zeros(4 + 4 + 8); // and duration
+            out_.u16(0);
+            out_.u16(1);     // all sound is of one group
+            out_.u16(0x100); // volume
+            out_.u16(0);
+            out_.unityMatrix();
+            out_.zeros(8);
+        });
+        out_.box("edts", [this] {
+            out_.fullBox("elst", 0, [this] { // what is heard begins behind the priming
+                out_.u32(1);
+                out_.u32(0);
+                out_.u32(primingFrames);
+                out_.u32(fixedPointOne);
+            });
+        });
+        out_.box("mdia", [&] { media(number, track); });
+    }
+
+    void handler(std::string_view kind, std::string_view type, std::string_view name) {
+        out_.fullBox("hdlr", 0, [&] {
+            out_.text(kind);
+            out_.text(type);
+            out_.zeros(12);
+            out_.u8(name.size());
+            out_.text(name);
+        });
+    }
+
+    void media(std::uint32_t number, const AacTrack& track) {
+        out_.fullBox("mdhd", 0, [this] {
+            out_.zeros(8);
+            out_.u32(framesPerSecond);
+            out_.u32(0);
+            out_.u16(0x7fff); // no particular language
+            out_.u16(0);
+        });
+        handler("mhlr", "soun", "SoundHandler");
+        out_.box("minf", [&] {
+            out_.fullBox("smhd", 0, [this] { out_.zeros(4); });
+            handler("dhlr", "url ", "DataHandler");
+            out_.box("dinf", [this] {
+                out_.fullBox("dref", 0, [this] {
+                    out_.u32(1);
+                    out_.fullBox("url ", 1, [] {}); // the content is in this very file
+                });
+            });
+            out_.box("stbl", [&] { sampleTables(number, track); });
+        });
+    }
+
+    void sampleTables(std::uint32_t number, const AacTrack& track) {
+        out_.fullBox("stsd", 0, [&] {
+            out_.u32(1);
+            out_.box("mp4a", [&] { soundDescription(number, track); });
+        });
+        // All packets lie in fragments.
+        out_.fullBox("stts", 0, [this] { out_.zeros(4); });
+        out_.fullBox("stsc", 0, [this] { out_.zeros(4); });
+        out_.fullBox("stsz", 0, [this] { out_.zeros(8); });
+        out_.fullBox("stco", 0, [this] { out_.zeros(4); });
+    }
+
+    void soundDescription(std::uint32_t number, const AacTrack& track) {
+        const auto channels = static_cast<std::uint64_t>(track.channels);
+        out_.zeros(6);
+        out_.u16(1);
+        out_.u16(1); // version: of a coding whose packets differ in size
+        out_.zeros(6);
+        out_.u16(channels);
+        out_.u16(16);     // bits a sample, by convention
+        out_.u16(0xfffe); // the same
+        out_.u16(0);
+        out_.u32(std::uint64_t{framesPerSecond} << 16U);
+        out_.u32(packetFrames);
+        out_.zeros(8);
+        out_.u32(2); // bytes a sample, by convention
+        out_.box("wave", [&] {
+            out_.box("frma", [this] { out_.text("mp4a"); });
+            out_.box("mp4a", [this] { out_.zeros(4); });
+            writeElementaryStream(out_, track, number, 0);
+            out_.box(std::string_view("\0\0\0\0", 4), [] {});
+        });
+        out_.fullBox("chan", 0, [&] {
+            constexpr std::uint64_t mono = 100U << 16U;
+            constexpr std::uint64_t stereo = 101U << 16U;
+            out_.u32((channels == 1 ? mono : stereo) | channels);
+            out_.zeros(8);
+        });
+    }
+
+    BoxWriter out_;
+};
+
+/// `contentOffset`: of the track's first packet, from the fragment's beginning.
+void writeTrack(BoxWriter& out, const FragmentTrack& track, std::uint64_t contentOffset) {
+    const auto& [bytes, frames] = track.packets.front();
+    const auto differs = [&](auto member, auto usual) {
+        return !std::ranges::all_of(
+            track.packets, [&](auto value) { return value == usual; }, member);
+    };
+    const bool lengthsDiffer = differs(&FragmentTrack::Packet::frames, frames);
+    const bool sizesDiffer = differs(&FragmentTrack::Packet::bytes, bytes);
+    constexpr std::uint32_t usualFieldsFollow = 0x020038; // and offsets count from the fragment
+    out.fullBox("tfhd", usualFieldsFollow, [&] {
+        out.u32(track.number);
+        out.u32(frames);
+        out.u32(bytes);
+        out.u32(0x2000000); // needs no other packet
+    });
+    out.fullBox("tfdt", 1U << 24U, [&] { out.u64(static_cast<std::uint64_t>(track.time)); });
+    constexpr std::uint32_t offsetFollows = 1;
+    const std::uint32_t fields =
+        offsetFollows | (lengthsDiffer ? 0x100U : 0U) | (sizesDiffer ? 0x200U : 0U);
+    out.fullBox("trun", fields, [&] {
+        out.u32(track.packets.size());
+        out.u32(contentOffset);
+        for (const auto& packet : track.packets) {
+            if (lengthsDiffer) {
+                out.u32(packet.frames);
+            }
+            if (sizesDiffer) {
+                out.u32(packet.bytes);
+            }
+        }
+    });
+}
+
+} // namespace
+
+std::vector<std::byte> movieHeader(std::span<const AacTrack> tracks) {
+    return HeaderWriter().write(tracks);
+}
+
+std::vector<std::byte> fragmentHeader(std::uint32_t number, std::span<const FragmentTrack> tracks) {
+    constexpr std::uint64_t contentHeader = 8;
+    const auto description = [&](std::uint64_t size) {
+        BoxWriter out;
+        out.box("moof", [&] {
+            out.fullBox("mfhd", 0, [&] { out.u32(number); });
+            std::uint64_t content = size + contentHeader;
+            for (const FragmentTrack& track : tracks) {
+                out.box("traf", [&] { writeTrack(out, track, content); });
+                for (const auto& packet : track.packets) {
+                    content += packet.bytes;
+                }
+            }
+        });
+        return out.take();
+    };
+    // It has to say where the content lies, which is behind it.
+    auto bytes = description(description(0).size());
+    std::uint64_t content = 0;
+    for (const FragmentTrack& track : tracks) {
+        for (const auto& packet : track.packets) {
+            content += packet.bytes;
+        }
+    }
+    BoxWriter out;
+    out.bytes(bytes);
+    out.box("mdat", [] {}, content);
+    return out.take();
+}
+
+std::vector<std::byte> fragmentIndex(std::span<const std::vector<FragmentEntry>> tracks) {
+    BoxWriter out;
+    constexpr std::uint64_t lastBoxSize = 16;
+    out.box(
+        "mfra",
+        [&] {
+            for (std::uint32_t number = 1; const auto& entries : tracks) {
+                if (!entries.empty()) {
+                    out.fullBox("tfra", 1U << 24U, [&] {
+                        out.u32(number);
+                        out.u32(0); // of one byte each: track's part, row and packet in it
+                        out.u32(entries.size());
+                        for (const FragmentEntry& entry : entries) {
+                            out.u64(static_cast<std::uint64_t>(entry.time));
+                            out.u64(entry.offset);
+                            out.u8(1);
+                            out.u8(1);
+                            out.u8(1);
+                        }
+                    });
+                }
+                ++number;
+            }
+        },
+        lastBoxSize);
+    auto index = out.take();
+    BoxWriter size;
+    size.fullBox("mfro", 0, [&] { size.u32(index.size() + lastBoxSize); });
+    const auto last = size.take();
+    index.insert(index.end(), last.begin(), last.end());
+    return index;
+}
+
+} // namespace vantoro::media

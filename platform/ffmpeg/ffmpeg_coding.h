@@ -1,0 +1,12 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include "media/coding/coding.h"
+
+namespace vantoro::ffmpeg {
+
+/// libavcodec's coder and decoder, for as long as the program runs.
+const media::Coding& coding() noexcept;
+
+} // namespace vantoro::ffmpeg

@@ -1,0 +1,160 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "media/mix/following_mix.h"
+
+#include <algorithm>
+#include <atomic>
+#include <span>
+
+#include <gtest/gtest.h>
+
+#include "engine/track_mixing.h"
+#include "media/boxes/box_reader.h"
+#include "tests/media/support/memory_file_system.h"
+#include "tests/media/support/movie_recording.h"
+
+namespace vantoro::media {
+
+namespace {
+
+using Volumes = std::vector<float>;
+
+/// A recording whose mix is expected, as the recorder makes both.
+class FollowingMixTest : public ::testing::Test {
+protected:
+    MemoryFileSystem files;
+    std::atomic<bool> isPowerSaved = false;
+    MovieRecording recording{files, "movie.mov", {systemTrack, microphoneTrack}, {}, [this] {
+                                 return isPowerSaved.load();
+                             }};
+    std::int64_t position = 0;
+
+    void recordSeconds(std::int64_t seconds) {
+        const std::int64_t end = position + (seconds * second);
+        ASSERT_TRUE(recording.appendAll(position, end, tone(440, 0.3F)));
+        position = end;
+    }
+
+    /// A finished movie of which the mix has begun.
+    void recordFollowed() {
+        recording.writer().expectMix({0.9F, 0.5F});
+        recordSeconds(12);
+        ASSERT_TRUE(files.waitForUnnamed(1));
+        recording.finish();
+    }
+
+    void mix(MediaToolkit& toolkit, const char* destination, const Volumes& volumes) {
+        const auto asset = toolkit.openAsset("movie.mov");
+        mixTracks(toolkit, *asset, OutputPlace(files, "", destination),
+                  [&](std::size_t track) { return volumes[track]; }, {}, {});
+    }
+
+    double finishedSeconds(MediaToolkit& toolkit) {
+        return toolkit.openAsset("movie.mov")->duration().seconds();
+    }
+
+    /// Whether the mix was made ahead; in any case it is the one that is made without.
+    bool finishAndMix(const Volumes& volumes) {
+        recording.finish();
+        mix(recording.toolkit(), "mix", volumes);
+        ffmpeg::FfmpegToolkit another(files);
+        mix(another, "expected", volumes);
+        EXPECT_TRUE(files.contentOf("mix.m4a") == files.contentOf("expected.m4a"));
+        EXPECT_EQ(files.journalOf("expected.m4a").front(), "create");
+        return files.journalOf("mix.m4a").front() == "unnamed";
+    }
+};
+
+TEST_F(FollowingMixTest, isTakenForTheExportWhenTheVolumesStayed) {
+    recording.writer().expectMix({0.9F, 0.5F});
+    recordSeconds(12);
+    ASSERT_TRUE(files.waitForUnnamed(1));
+    EXPECT_TRUE(finishAndMix({0.9F, 0.5F}));
+    EXPECT_EQ(files.list("").size(), 3U); // the movie and both mixes
+}
+
+TEST_F(FollowingMixTest, beginsAgainWhenTheVolumesChange) {
+    recording.writer().expectMix({0.9F, 0.5F});
+    recordSeconds(12);
+    ASSERT_TRUE(files.waitForUnnamed(1));
+    recording.writer().expectMix({0.9F, 0.25F});
+    ASSERT_TRUE(files.waitForUnnamed(2));
+    EXPECT_TRUE(finishAndMix({0.9F, 0.25F}));
+}
+
+TEST_F(FollowingMixTest, isLeftWhenTheVolumesChangedAtTheEnd) {
+    recording.writer().expectMix({0.9F, 0.5F});
+    recordSeconds(12);
+    ASSERT_TRUE(files.waitForUnnamed(1));
+    recording.writer().expectMix({0.9F, 0.25F});
+    EXPECT_FALSE(finishAndMix({0.9F, 0.3F}));
+}
+
+TEST_F(FollowingMixTest, isNotMadeWhereNobodySaidWhichOneIsExpected) {
+    recordSeconds(12);
+    EXPECT_FALSE(finishAndMix({0.9F, 0.5F}));
+}
+
+TEST_F(FollowingMixTest, leavesTheRecordingItsRoomOnTheDisk) {
+    files.setCapacity(FollowingMix::leastSpace);
+    recording.writer().expectMix({0.9F, 0.5F});
+    recordSeconds(12);
+    ASSERT_TRUE(files.waitUntilSpaceIsAsked());
+    EXPECT_FALSE(finishAndMix({0.9F, 0.5F}));
+}
+
+TEST_F(FollowingMixTest, isNotMadeWherePowerIsToBeSaved) {
+    isPowerSaved = true;
+    recording.writer().expectMix({0.9F, 0.5F});
+    recordSeconds(12);
+    ASSERT_TRUE(files.waitUntilSpaceIsAsked()); // and then for this
+    EXPECT_FALSE(finishAndMix({0.9F, 0.5F}));
+}
+
+TEST_F(FollowingMixTest, isNotMadeWhereFilesHaveNames) {
+    files.setHasNoUnnamedFiles();
+    recording.writer().expectMix({0.9F, 0.5F});
+    recordSeconds(12);
+    ASSERT_TRUE(files.waitForUnnamed(1));
+    EXPECT_FALSE(finishAndMix({0.9F, 0.5F}));
+}
+
+TEST_F(FollowingMixTest, aFailureOnTheDiskIsNotTheRecordings) {
+    recordFollowed();
+    files.setSyncFails(true); // for the mix that followed
+    EXPECT_THROW(mix(recording.toolkit(), "mix", {0.9F, 0.5F}), std::system_error);
+    files.setSyncFails(false);
+    mix(recording.toolkit(), "mix", {0.9F, 0.5F});
+    EXPECT_EQ(files.journalOf("mix.m4a").front(), "create");
+}
+
+TEST_F(FollowingMixTest, knowsTheFinishedMovieWithoutReadingItAgain) {
+    recordFollowed();
+    const double seconds = finishedSeconds(recording.toolkit());
+    auto content = files.contentOf("movie.mov");
+    std::ranges::fill(std::span(content).first(64), std::byte(0));
+    files.put("movie.mov", content);
+    EXPECT_EQ(finishedSeconds(recording.toolkit()), seconds);
+    ffmpeg::FfmpegToolkit another(files);
+    EXPECT_THROW(finishedSeconds(another), DamagedMovie);
+}
+
+TEST_F(FollowingMixTest, doesNotKnowAMovieThatHasBecomeShorter) {
+    recordFollowed();
+    const double seconds = finishedSeconds(recording.toolkit());
+    auto content = files.contentOf("movie.mov");
+    content.resize(content.size() / 2);
+    files.put("movie.mov", content);
+    EXPECT_LT(finishedSeconds(recording.toolkit()), seconds);
+    EXPECT_GT(finishedSeconds(recording.toolkit()), 0);
+}
+
+TEST_F(FollowingMixTest, endsWithTheRecordingThatIsGivenUp) {
+    recording.writer().expectMix({0.9F, 0.5F});
+    recordSeconds(60);
+    ASSERT_TRUE(files.waitForUnnamed(1));
+}
+
+} // namespace
+
+} // namespace vantoro::media

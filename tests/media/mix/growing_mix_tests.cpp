@@ -1,0 +1,135 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "media/mix/growing_mix.h"
+
+#include <cmath>
+#include <deque>
+
+#include <gtest/gtest.h>
+
+#include "engine/track_mixing.h"
+#include "media/mix/composition.h"
+#include "platform/ffmpeg/ffmpeg_coding.h"
+#include "tests/media/support/memory_file_system.h"
+#include "tests/media/support/movie_recording.h"
+
+namespace vantoro::media {
+
+namespace {
+
+/// Tones that come and go, so that no two packets are alike.
+float melody(std::int64_t frame) {
+    const auto time = static_cast<double>(frame) / 48000;
+    const double pitch = 200 + (50 * std::floor(time * 3));
+    return static_cast<float>(0.4 * std::sin(time * pitch * 6.283) * std::sin(time * 9));
+}
+
+/// Fragments of a second and a half, so that a short movie has many.
+constexpr FragmentIntervals shortFragments{.first = {300, 600}, .others = {900, 600}};
+
+class GrowingMixTest : public ::testing::Test {
+protected:
+    MemoryFileSystem files;
+    MovieRecording recording{files, "movie.mov", {systemTrack, microphoneTrack}, shortFragments};
+    std::vector<float> volumes{0.9F, 0.4F};
+
+    /// Both sources until a frame, from another one on.
+    void record(std::int64_t from, std::int64_t to) {
+        ASSERT_TRUE(recording.appendAll(from, to, melody));
+    }
+
+    void exportTo(const std::string& name) {
+        ffmpeg::FfmpegToolkit toolkit(files);
+        const auto asset = toolkit.openAsset("movie.mov");
+        mixTracks(toolkit, *asset, OutputPlace(files, "", name),
+                  [this](std::size_t track) { return volumes[track]; }, {}, {});
+    }
+
+    /// As an export lays it out.
+    Mix wholeMix() {
+        for (std::size_t track = 0; track < volumes.size(); ++track) {
+            finished_.emplace_back(finishedMovie(), track);
+        }
+        Mix mix;
+        for (const MovieTrack& track : finished_) {
+            mix.push_back({.source = &track,
+                           .frames = track.timeRange().duration.inUnitsOf(48000),
+                           .volume = volumes[track.index()]});
+        }
+        return mix;
+    }
+
+    void expectTheSameFile() {
+        exportTo("exported");
+        EXPECT_TRUE(files.contentOf("followed.m4a") == files.contentOf("exported.m4a"));
+    }
+
+private:
+    std::shared_ptr<Movie> finishedMovie() {
+        if (!finishedMovie_) {
+            finishedMovie_ = openMovie(files, "movie.mov");
+        }
+        return finishedMovie_;
+    }
+
+    std::shared_ptr<Movie> finishedMovie_;
+    std::deque<MovieTrack> finished_;
+};
+
+TEST_F(GrowingMixTest, becomesTheFileThatAnExportMakesWheneverItGoesOn) {
+    constexpr std::int64_t length = (75 * second) + 321; // two chunks and a half
+    record(0, 3 * second);
+    ASSERT_TRUE(files.waitForSyncedSize("movie.mov", 10'000));
+    GrowingMix mix(ffmpeg::coding(), files, "movie.mov", volumes);
+    for (std::int64_t from = 3 * second; from < length; from += 7 * second) {
+        mix.goOn({});
+        record(from, std::min(from + (7 * second), length));
+    }
+    recording.finish();
+    mix.complete(wholeMix(), 2, {}, {})->takeName("followed.m4a");
+    expectTheSameFile();
+}
+
+TEST_F(GrowingMixTest, becomesItWhereASourceEndsBeforeTheOther) {
+    record(0, 20 * second);
+    ASSERT_TRUE(files.waitForSyncedSize("movie.mov", 10'000));
+    GrowingMix mix(ffmpeg::coding(), files, "movie.mov", volumes);
+    mix.goOn({});
+    recording.input(1).markAsFinished();
+    ASSERT_TRUE(recording.append(0, 20 * second, 26 * second, melody));
+    mix.goOn({});
+    recording.finish();
+    mix.complete(wholeMix(), 1, {}, {})->takeName("followed.m4a");
+    expectTheSameFile();
+}
+
+TEST_F(GrowingMixTest, becomesItWhereNothingWasMixedYet) {
+    record(0, 40 * second);
+    recording.finish();
+    GrowingMix mix(ffmpeg::coding(), files, "movie.mov", volumes);
+    mix.complete(wholeMix(), 2, {}, {})->takeName("followed.m4a");
+    expectTheSameFile();
+}
+
+TEST_F(GrowingMixTest, isOfNoUseForOtherVolumes) {
+    record(0, 5 * second);
+    recording.finish();
+    GrowingMix mix(ffmpeg::coding(), files, "movie.mov", volumes);
+    mix.goOn({});
+    volumes[1] = 0.5F;
+    EXPECT_THROW(mix.complete(wholeMix(), 2, {}, {})->takeName("followed.m4a"), std::runtime_error);
+    EXPECT_FALSE(files.exists("followed.m4a"));
+}
+
+TEST_F(GrowingMixTest, leavesWhatIsAtItsPlaceAlone) {
+    record(0, 5 * second);
+    recording.finish();
+    files.put("followed.m4a", std::vector<std::byte>(7));
+    GrowingMix mix(ffmpeg::coding(), files, "movie.mov", volumes);
+    EXPECT_THROW(mix.complete(wholeMix(), 2, {}, {})->takeName("followed.m4a"), std::system_error);
+    EXPECT_EQ(files.contentOf("followed.m4a").size(), 7U);
+}
+
+} // namespace
+
+} // namespace vantoro::media

@@ -1,0 +1,118 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "tests/media/support/external_programs.h"
+#include "tests/media/support/memory_file_system.h"
+#include "tests/media/support/movie_recording.h"
+
+namespace vantoro {
+
+namespace {
+
+std::unique_ptr<Asset> open(const std::vector<std::byte>& movie) {
+    MemoryFileSystem files; // the asset keeps the file, not the system
+    files.put("movie.mov", movie);
+    return ffmpeg::FfmpegToolkit(files).openAsset("movie.mov");
+}
+
+std::int64_t framesIn(MediaTime time) {
+    return time.inUnitsOf(48000);
+}
+
+TEST(MovieAsset, knowsTheTracksOfAFinishedMovieInFileOrder) {
+    MemoryFileSystem files;
+    MovieRecording recording(files, "movie.mov");
+    ASSERT_TRUE(recording.append(0, 0, 2 * second + 17, tone(440, 0.5F)));
+    ASSERT_TRUE(recording.append(1, 0, 3 * second + 5, tone(440, 0.5F)));
+    recording.finish();
+    const auto asset = open(files.contentOf("movie.mov"));
+    const auto tracks = asset->audioTracks();
+    ASSERT_EQ(tracks.size(), 2U);
+    for (const auto& track : tracks) {
+        EXPECT_EQ(track->timeRange().start, zeroTime);
+    }
+    EXPECT_EQ(framesIn(tracks[0]->timeRange().duration), 2 * second + 17);
+    EXPECT_EQ(framesIn(tracks[1]->timeRange().duration), 3 * second + 5);
+    EXPECT_EQ(framesIn(asset->duration()), 3 * second + 5);
+}
+
+TEST(MovieAsset, aMovieCutAnywhereHoldsItsWholeFragments) {
+    const auto movie = recordMovie(22 * second, tone(440, 0.5F));
+    std::vector<std::size_t> ends; // of the fragments
+    std::size_t headerEnd = 0;
+    for (const TopBox& box : topBoxes(movie)) {
+        if (box.type == "mdat") {
+            ends.push_back(box.end);
+        } else if (box.type == "moov") {
+            headerEnd = box.end;
+        }
+    }
+    ASSERT_EQ(ends.size(), 4U);
+    // Ends of whole packets behind each nominal end, and the whole.
+    const std::vector<std::int64_t> durations{48128, 528384, 1008640, 22 * second};
+    for (std::size_t size = 0; size <= movie.size(); size += (size % 4096 < 600 ? 13U : 1009U)) {
+        const std::vector<std::byte> cut(movie.begin(),
+                                         movie.begin() + static_cast<std::ptrdiff_t>(size));
+        if (size < headerEnd) {
+            EXPECT_THROW(open(cut), std::runtime_error) << size;
+            continue;
+        }
+        const auto asset = open(cut);
+        const auto whole = std::ranges::upper_bound(ends, size) - ends.begin();
+        if (whole == 0) {
+            EXPECT_FALSE(asset->duration().isValid()) << size;
+            EXPECT_TRUE(asset->audioTracks().empty()) << size;
+        } else {
+            EXPECT_EQ(framesIn(asset->duration()), durations[static_cast<std::size_t>(whole) - 1])
+                << size;
+        }
+    }
+}
+
+TEST(MovieAsset, whatIsNoMovieIsDamaged) {
+    EXPECT_THROW(open({}), std::runtime_error);
+    EXPECT_THROW(open(std::vector<std::byte>(100'000)), std::runtime_error);
+    EXPECT_THROW(open(std::vector<std::byte>(100'000, std::byte{0xff})), std::runtime_error);
+    try {
+        open(std::vector<std::byte>(7));
+        ADD_FAILURE();
+    } catch (const std::runtime_error& error) {
+        EXPECT_STREQ(error.what(), "The recording file is damaged: it ends too early.");
+    }
+}
+
+TEST(MovieAsset, aFileThatIsNotThereIsTheSystemsError) {
+    MemoryFileSystem files;
+    EXPECT_THROW(ffmpeg::FfmpegToolkit(files).openAsset("movie.mov"), std::system_error);
+}
+
+TEST(MovieAsset, aMovieWithoutSoundHasNoTracks) {
+    const TemporaryFolder folder;
+    const auto video = folder.path() / "video.mov";
+    run("ffmpeg -nostdin -v error -f lavfi -i color=size=16x16:duration=1 -c:v mpeg4 " +
+        video.string());
+    MemoryFileSystem files;
+    const std::string bytes = run("cat " + video.string());
+    const auto content = std::as_bytes(std::span(bytes));
+    const auto asset = open({content.begin(), content.end()});
+    EXPECT_TRUE(asset->audioTracks().empty());
+    EXPECT_FALSE(asset->duration().isValid());
+}
+
+TEST(MovieAsset, aMovieOfAnotherKindHoldsNothingForUs) {
+    const TemporaryFolder folder;
+    const auto other = folder.path() / "other.mov";
+    run("ffmpeg -nostdin -v error -f lavfi -i sine=sample_rate=48000:duration=1 -c:a aac " +
+        other.string());
+    const std::string bytes = run("cat " + other.string());
+    const auto content = std::as_bytes(std::span(bytes));
+    const auto asset = open({content.begin(), content.end()});
+    EXPECT_FALSE(asset->duration().isValid());
+}
+
+} // namespace
+
+} // namespace vantoro

@@ -1,0 +1,91 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "tests/media/support/external_programs.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <iterator>
+#include <sstream>
+
+namespace vantoro {
+
+TemporaryFolder::TemporaryFolder() {
+    std::string name = (std::filesystem::temp_directory_path() / "vantoro-test-XXXXXX").string();
+    EXPECT_NE(mkdtemp(name.data()), nullptr);
+    path_ = name;
+}
+
+TemporaryFolder::~TemporaryFolder() {
+    std::error_code ignored;
+    std::filesystem::remove_all(path_, ignored);
+}
+
+std::filesystem::path TemporaryFolder::put(const std::string& name,
+                                           std::span<const std::byte> content) const {
+    const std::filesystem::path place = path_ / name;
+    std::ofstream file(place, std::ios::binary);
+    for (const std::byte byte : content) {
+        file.put(static_cast<char>(byte));
+    }
+    file.close();
+    EXPECT_TRUE(file.good());
+    return place;
+}
+
+std::string run(const std::string& command) {
+    const TemporaryFolder folder;
+    const std::filesystem::path errors = folder.path() / "errors";
+    FILE* const pipe = popen(("( " + command + " ) 2>" + errors.string()).c_str(), "r");
+    if (pipe == nullptr) {
+        ADD_FAILURE() << "cannot run " << command;
+        return {};
+    }
+    std::string output;
+    std::array<char, 65536> piece{};
+    for (std::size_t count = 0; (count = std::fread(piece.data(), 1, piece.size(), pipe)) > 0;) {
+        output.append(piece.data(), count);
+    }
+    const int status = pclose(pipe);
+    std::ifstream file(errors);
+    const std::string said{std::istreambuf_iterator<char>(file), {}};
+    EXPECT_EQ(status, 0) << command;
+    EXPECT_EQ(said, "") << command;
+    return output;
+}
+
+std::vector<std::map<std::string, std::string>> probe(const std::filesystem::path& file) {
+    std::vector<std::map<std::string, std::string>> sections;
+    std::istringstream lines(
+        run("ffprobe -v error -show_streams -show_format -of default " + file.string()));
+    for (std::string line; std::getline(lines, line);) {
+        const std::size_t separator = line.find('=');
+        if (line == "[STREAM]" || line == "[FORMAT]") {
+            sections.emplace_back();
+        } else if (separator != std::string::npos && !sections.empty()) {
+            sections.back()[line.substr(0, separator)] = line.substr(separator + 1);
+        }
+    }
+    return sections;
+}
+
+std::int64_t framesOf(const std::filesystem::path& file, int track) {
+    const auto stream = probe(file).at(static_cast<std::size_t>(track));
+    return std::stoll(stream.at("start_pts")) + std::stoll(stream.at("duration_ts"));
+}
+
+std::vector<float> decode(const std::filesystem::path& file, int track, int channel) {
+    const std::string pan = std::to_string(channel);
+    const std::string bytes = run("ffmpeg -nostdin -v error -copyts -i " + file.string() +
+                                  " -map 0:a:" + std::to_string(track) +
+                                  " -af 'atrim=start=0,pan=mono|c0=c" + pan + "' -f f32le -");
+    std::vector<float> samples(bytes.size() / sizeof(float));
+    std::memcpy(samples.data(), bytes.data(), samples.size() * sizeof(float));
+    return samples;
+}
+
+} // namespace vantoro

@@ -1,0 +1,225 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include <gtest/gtest.h>
+
+#include <gmock/gmock.h>
+
+#include <array>
+#include <chrono>
+#include <thread>
+
+#include "media/writing/fragment_file.h"
+#include "media/writing/movie_writer.h"
+#include "platform/ffmpeg/ffmpeg_coding.h"
+#include "tests/media/support/external_programs.h"
+#include "tests/media/support/memory_file_system.h"
+#include "tests/media/support/movie_recording.h"
+
+namespace vantoro {
+
+namespace {
+
+using testing::HasSubstr;
+
+class WriteFailure : public testing::Test {
+protected:
+    /// Goes on recording until the writer refuses a buffer; how far it got.
+    std::int64_t recordUntilRefused(std::int64_t from) {
+        constexpr std::int64_t farEnough = 120 * second;
+        std::int64_t frame = from;
+        while (frame < farEnough &&
+               recording.appendAll(frame, frame + MovieRecording::bufferFrames, sound)) {
+            frame += MovieRecording::bufferFrames;
+        }
+        EXPECT_LT(frame, farEnough);
+        return frame;
+    }
+
+    std::int64_t framesOnDisk() {
+        return framesOf(folder.put("movie.mov", files.contentOf("movie.mov")), 1);
+    }
+
+    TemporaryFolder folder;
+    MemoryFileSystem files;
+    MovieRecording recording{files, "movie.mov"};
+    Sound sound = tone(440, 0.5F);
+};
+
+TEST_F(WriteFailure, aFullDiskIsToldByTheNextAppend) {
+    files.setCapacity(100'000);
+    recordUntilRefused(0);
+    EXPECT_EQ(recording.writer().status(), FileWriterStatus::failed);
+    EXPECT_THAT(recording.writer().errorDescription().value_or(""),
+                HasSubstr("No space left on device"));
+    EXPECT_TRUE(recording.input(0).isReadyForMoreMediaData());
+}
+
+TEST_F(WriteFailure, nothingIsLostWhenTheDiskHasRoomAgainAtTheEnd) {
+    files.setCapacity(100'000);
+    const std::int64_t recorded = recordUntilRefused(0);
+    files.setCapacity(10'000'000);
+    recording.finish();
+    EXPECT_EQ(recording.writer().status(), FileWriterStatus::completed);
+    EXPECT_EQ(recording.writer().errorDescription(), std::nullopt);
+    EXPECT_EQ(recording.writer().secondsNotWritten(), 0);
+    // The system track may have taken the buffer that the microphone's track refused.
+    EXPECT_EQ(framesOnDisk(), recorded);
+    EXPECT_EQ(topBoxes(files.contentOf("movie.mov")).back().type, "mfra");
+}
+
+TEST_F(WriteFailure, whatWasWrittenBeforeCountsWhenTheDiskStaysFull) {
+    files.setCapacity(100'000);
+    const std::int64_t recorded = recordUntilRefused(0);
+    recording.finish();
+    EXPECT_EQ(recording.writer().status(), FileWriterStatus::completed);
+    // Cut back to the one whole fragment.
+    EXPECT_EQ(topBoxes(files.contentOf("movie.mov")).back().type, "uuid");
+    EXPECT_EQ(framesOnDisk(), 48128);
+    EXPECT_NEAR(recording.writer().secondsNotWritten(), static_cast<double>(recorded) / second - 1,
+                0.05);
+    EXPECT_THAT(recording.writer().errorDescription().value_or(""),
+                HasSubstr("No space left on device"));
+    EXPECT_EQ(files.journalOf("movie.mov").back(), "close");
+}
+
+TEST_F(WriteFailure, withoutOneWholeFragmentFinishingFails) {
+    files.setCapacity(1'000);
+    recordUntilRefused(0);
+    recording.finish();
+    EXPECT_EQ(recording.writer().status(), FileWriterStatus::failed);
+    EXPECT_THAT(recording.writer().errorDescription().value_or(""),
+                HasSubstr("No space left on device"));
+    EXPECT_TRUE(files.contentOf("movie.mov").empty());
+}
+
+TEST_F(WriteFailure, aFailedSyncIsAFailedWrite) {
+    files.setSyncFails(true);
+    const std::int64_t recorded = recordUntilRefused(0);
+    EXPECT_THAT(recording.writer().errorDescription().value_or(""),
+                HasSubstr("Input/output error"));
+    files.setSyncFails(false);
+    recording.finish();
+    EXPECT_EQ(recording.writer().status(), FileWriterStatus::completed);
+    EXPECT_EQ(framesOnDisk(), recorded);
+}
+
+TEST_F(WriteFailure, aFileThatCannotBeReachedAtTheEndIsAFailure) {
+    ASSERT_TRUE(recording.appendAll(0, 2 * second, sound));
+    files.setUnreachable();
+    recording.finish();
+    EXPECT_EQ(recording.writer().status(), FileWriterStatus::failed);
+    EXPECT_THAT(recording.writer().errorDescription().value_or(""), HasSubstr("Permission denied"));
+}
+
+TEST_F(WriteFailure, aStuckDiskLosesNoFrameAndDelaysNobody) {
+    files.setStuck(true);
+    ASSERT_TRUE(recording.appendAll(0, 2 * second, sound));
+    ASSERT_TRUE(files.waitUntilStuck());
+    // Ten more seconds are taken in while not a byte reaches the disk.
+    for (std::int64_t frame = 2 * second; frame < 12 * second; frame += second) {
+        ASSERT_TRUE(recording.input(0).isReadyForMoreMediaData());
+        ASSERT_TRUE(recording.appendAll(frame, frame + second, sound));
+    }
+    EXPECT_TRUE(files.contentOf("movie.mov").empty());
+    files.setStuck(false);
+    recording.finish();
+    EXPECT_EQ(recording.writer().status(), FileWriterStatus::completed);
+    EXPECT_EQ(framesOnDisk(), 12 * second);
+}
+
+TEST_F(WriteFailure, nothingIsTakenInAfterTheEnd) {
+    ASSERT_TRUE(recording.appendAll(0, second, sound));
+    recording.input(1).markAsFinished();
+    EXPECT_FALSE(recording.append(1, second, 2 * second, sound));
+    recording.finish();
+    EXPECT_FALSE(recording.append(0, second, 2 * second, sound));
+    EXPECT_EQ(recording.writer().status(), FileWriterStatus::completed);
+}
+
+TEST_F(WriteFailure, noSoundAtAllIsAFailure) {
+    recording.finish();
+    EXPECT_EQ(recording.writer().status(), FileWriterStatus::failed);
+    EXPECT_TRUE(recording.writer().errorDescription().has_value());
+}
+
+TEST(WriterStart, failsWithTheSystemsTextWhenTheFileCannotBeCreated) {
+    MemoryFileSystem files;
+    files.put("movie.mov", {});
+    ffmpeg::FfmpegToolkit toolkit(files);
+    EXPECT_THAT([&] { toolkit.makeWriter("movie.mov"); },
+                testing::ThrowsMessage<std::system_error>(HasSubstr("File exists")));
+}
+
+TEST(WriterStart, finishingAWriterThatNeverStartedFails) {
+    MemoryFileSystem files;
+    ffmpeg::FfmpegToolkit toolkit(files);
+    const auto writer = toolkit.makeWriter("movie.mov");
+    int completions = 0;
+    writer->finishWriting([&completions] { ++completions; });
+    EXPECT_EQ(completions, 1);
+    EXPECT_EQ(writer->status(), FileWriterStatus::failed);
+}
+
+TEST(WriterBacklog, inputsAreNotReadyWhileTooMuchWaitsForTheDisk) {
+    MemoryFileSystem files;
+    media::MovieWriter writer(ffmpeg::coding(), files, "movie.mov",
+                              std::make_shared<media::FollowingMixes>(ffmpeg::coding()), 10'000);
+    FileWriterInput& input = writer.add(microphoneTrack);
+    ASSERT_TRUE(writer.startWriting());
+    writer.startSession(SoundBuffer::sessionStart);
+    files.setStuck(true);
+    EXPECT_TRUE(input.isReadyForMoreMediaData());
+    ASSERT_TRUE(input.append(SoundBuffer(0, 12 * second, 1, tone(440, 0.5F)).buffer()));
+    EXPECT_FALSE(input.isReadyForMoreMediaData());
+    files.setStuck(false);
+    // The file's thread counts what waits a moment after it has synced it.
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+    while (!input.isReadyForMoreMediaData() && std::chrono::steady_clock::now() < deadline) {
+        std::this_thread::yield();
+    }
+    EXPECT_TRUE(input.isReadyForMoreMediaData());
+}
+
+TEST(WriterProgress, isToldWithEachFragmentOnTheDisk) {
+    MemoryFileSystem files;
+    std::vector<std::pair<double, std::uint64_t>> told;
+    {
+        ffmpeg::FfmpegToolkit toolkit(files);
+        const auto writer = toolkit.makeWriter("movie.mov");
+        writer->setOnFragmentWritten([&](MediaTime recorded, std::uint64_t waiting) {
+            EXPECT_EQ(files.journalOf("movie.mov").back(), "sync");
+            told.emplace_back(recorded.seconds(), waiting);
+        });
+        FileWriterInput& input = writer->add(microphoneTrack);
+        ASSERT_TRUE(writer->startWriting());
+        writer->startSession(SoundBuffer::sessionStart);
+        files.setStuck(true);
+        ASSERT_TRUE(input.append(SoundBuffer(0, 12 * second, 1, tone(440, 0.5F)).buffer()));
+        ASSERT_TRUE(files.waitUntilStuck());
+        files.setStuck(false);
+    }
+    ASSERT_EQ(told.size(), 2U);
+    // When the first second is on the disk, ten more have been recorded and wait.
+    EXPECT_NEAR(told[0].first, 11, 0.03);
+    EXPECT_GT(told[0].second, 20'000U);
+    EXPECT_NEAR(told[1].first, 11, 0.03);
+    EXPECT_EQ(told[1].second, 0U);
+}
+
+TEST(FragmentFile, countsWhatWaits) {
+    MemoryFileSystem files;
+    files.setStuck(true);
+    media::FragmentFile file(
+        files.create("movie.mov", FileAudience::userOnly), [](const std::string&) {},
+        [](std::size_t) {});
+    file.append(std::vector<std::byte>(1000), 0);
+    file.append(std::vector<std::byte>(500), 0);
+    ASSERT_TRUE(files.waitUntilStuck());
+    EXPECT_EQ(file.backlog(), 1500U);
+    files.setStuck(false);
+    ASSERT_TRUE(files.waitForSyncedSize("movie.mov", 1500));
+}
+
+} // namespace
+
+} // namespace vantoro
