@@ -4,16 +4,14 @@
 
 #include <chrono>
 #include <cstddef>
-#include <exception>
 #include <future>
-#include <memory>
 #include <optional>
 #include <thread>
-#include <type_traits>
 #include <utility>
 
+#include "app/ending.h"
 #include "engine/salvage.h"
-#include "platform/desktop/bus/answering_bus.h"
+#include "platform/desktop/bus/bus_addresses.h"
 #include "platform/desktop/permission/microphone_access.h"
 #include "platform/ffmpeg/loaded_toolkit.h"
 #include "platform/pipewire/graph_query.h"
@@ -27,40 +25,35 @@ constexpr std::chrono::seconds serviceLimit(2);
 /// For what limits itself to the former, and may have to wait for a processor besides.
 constexpr std::chrono::seconds threadLimit(3);
 
-/// An answer that comes from a thread of its own, so that nobody has to wait for it: a disk may
-/// take minutes.
+/// An answer that comes from a thread of its own: a disk may take minutes. Waits for the thread at
+/// its end.
 template <class Value>
 class Awaited {
 public:
     template <class Question>
-    explicit Awaited(Question question) {
-        const auto promise = std::make_shared<std::promise<Value>>();
-        future_ = promise->get_future();
-        std::thread([promise, question = std::move(question)] {
-            try {
-                promise->set_value(question());
-            } catch (...) {
-                promise->set_exception(std::current_exception());
-            }
-        }).detach();
+    explicit Awaited(Question question)
+        : task_(std::move(question)), answer_(task_.get_future()), thread_([this] { task_(); }) {}
+
+    /// Nothing where it has not come in time. Throws what the question did. Once.
+    std::optional<Value> get() {
+        return hasCome(deadline_) ? std::optional(answer_.get()) : std::nullopt;
     }
 
-    /// Nothing where it has not come by then. Throws what the question did.
-    std::optional<Value> get() {
-        if (future_.wait_until(deadline_) != std::future_status::ready) {
-            return std::nullopt;
-        }
-        return future_.get();
-    }
+    /// Whether the thread is still at it.
+    bool isUnanswered() const { return answer_.valid() && !hasCome(Clock::now()); }
 
 private:
-    std::chrono::steady_clock::time_point deadline_ =
-        std::chrono::steady_clock::now() + threadLimit;
-    std::future<Value> future_;
-};
+    using Clock = std::chrono::steady_clock;
 
-template <class Question>
-Awaited(Question) -> Awaited<std::invoke_result_t<Question>>;
+    bool hasCome(Clock::time_point deadline) const {
+        return answer_.wait_until(deadline) == std::future_status::ready;
+    }
+
+    Clock::time_point deadline_ = Clock::now() + threadLimit;
+    std::packaged_task<Value()> task_;
+    std::future<Value> answer_;
+    std::jthread thread_;
+};
 
 FolderCheck askDisk(const std::filesystem::path& folder) {
     posix::PosixFileSystem fileSystem;
@@ -85,35 +78,37 @@ desktop::DesktopSurvey askDesktop(const desktop::SilentBuses& silent) {
     return found;
 }
 
+/// Nothing is known of it on a bus that does not answer.
 std::optional<desktop::MicrophoneFacts> askForMicrophone(desktop::Presence sessionBus) {
-    if (sessionBus == desktop::Presence::unknown) {
-        return std::nullopt;
-    }
-    const bool hasBus = sessionBus == desktop::Presence::present;
-    return Awaited([hasBus] {
-               return desktop::microphoneFacts(
-                   hasBus ? desktop::answeringSessionBus()
-                          : QDBusConnection(QStringLiteral("a bus that there is not")));
-           })
-        .get();
+    return sessionBus == desktop::Presence::unknown
+               ? std::nullopt
+               : std::optional(desktop::microphoneFacts(desktop::standardBusAddresses().session));
 }
 
 } // namespace
 
-DoctorFindings examine(const std::filesystem::path& recordingFolder,
-                       const desktop::SilentBuses& silent) {
-    Awaited sound([] { return pipewire::surveySound(serviceLimit); });
-    Awaited folder([recordingFolder] { return askDisk(recordingFolder); });
-    Awaited interrupted([recordingFolder] { return askForInterrupted(recordingFolder); });
+int examine(const std::filesystem::path& recordingFolder, const desktop::SilentBuses& silent,
+            const std::function<int(const DoctorFindings& findings)>& report) {
+    Awaited<std::optional<pipewire::SoundSurvey>> sound(
+        [] { return pipewire::surveySound(serviceLimit); });
+    Awaited<FolderCheck> folder([recordingFolder] { return askDisk(recordingFolder); });
+    Awaited<std::size_t> interrupted(
+        [recordingFolder] { return askForInterrupted(recordingFolder); });
     const auto desktop = askDesktop(silent);
-    const auto microphone = askForMicrophone(desktop.sessionBus);
-    return {.soundLibraryVersion = pipewire::soundLibraryVersion(),
-            .sound = sound.get().value_or(std::nullopt),
-            .desktop = desktop,
-            .microphone = microphone,
-            .recordingFolder = recordingFolder,
-            .folder = folder.get(),
-            .interruptedRecordings = interrupted.get()};
+    Awaited<std::optional<desktop::MicrophoneFacts>> microphone(
+        [bus = desktop.sessionBus] { return askForMicrophone(bus); });
+    const int status = report({.soundLibraryVersion = pipewire::soundLibraryVersion(),
+                               .sound = sound.get().value_or(std::nullopt),
+                               .desktop = desktop,
+                               .microphone = microphone.get().value_or(std::nullopt),
+                               .recordingFolder = recordingFolder,
+                               .folder = folder.get(),
+                               .interruptedRecordings = interrupted.get()});
+    if (sound.isUnanswered() || microphone.isUnanswered() || folder.isUnanswered() ||
+        interrupted.isUnanswered()) {
+        Ending::leaveProcess(status, {}); // nothing else ends a thread that hangs
+    }
+    return status;
 }
 
 } // namespace vantoro

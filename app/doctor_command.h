@@ -3,6 +3,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 
 #include "app/doctor_report.h"
 #include "platform/desktop/bus/silent_buses.h"
@@ -11,9 +12,9 @@ namespace vantoro {
 
 /// Asks everything that recording into this folder depends on: a few seconds at most, since whoever
 /// does not answer in time is not waited for; the buses that are known to be silent, and left out,
-/// are not asked. Main thread, where the application's event loop is
-/// not yet running.
-DoctorFindings examine(const std::filesystem::path& recordingFolder,
-                       const desktop::SilentBuses& silent);
+/// are not asked. Returns what `report`, called with all that was found, says; where somebody still
+/// hangs then, as a disk may, ends the process with that instead.
+int examine(const std::filesystem::path& recordingFolder, const desktop::SilentBuses& silent,
+            const std::function<int(const DoctorFindings& findings)>& report);
 
 } // namespace vantoro

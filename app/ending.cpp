@@ -42,12 +42,13 @@ std::string textOf(const EndingScene& scene, bool isImpatient) {
 } // namespace
 
 Ending::Ending(StopSignals& signals, EndAtOnce endAtOnce)
-    : signals_(signals), endAtOnce_(std::move(endAtOnce)), watcher_([this] { watch(); }) {}
+    : signals_(signals),
+      endAtOnce_(std::move(endAtOnce)),
+      watcher_([this](const std::stop_token& stop) { watch(stop); }) {}
 
 Ending::~Ending() {
-    isOver_ = true;
+    watcher_.request_stop();
     signals_.wake();
-    watcher_.join();
 }
 
 Ending::Attendance::Attendance(Ending& ending, std::function<void()> asked) : ending_(ending) {
@@ -98,8 +99,8 @@ void Ending::concluded(int status) {
     signals_.wake();
 }
 
-void Ending::watch() {
-    while (!isOver_) {
+void Ending::watch(const std::stop_token& stop) {
+    while (!stop.stop_requested()) {
         std::optional<StopSignals::Clock::time_point> deadline;
         {
             const std::scoped_lock lock(mutex_);

@@ -2,10 +2,10 @@
 
 #pragma once
 
-#include <atomic>
 #include <filesystem>
 #include <functional>
 #include <mutex>
+#include <stop_token>
 #include <string>
 #include <thread>
 
@@ -68,7 +68,7 @@ public:
     [[noreturn]] static void leaveProcess(int status, const std::string& text);
 
 private:
-    void watch();
+    void watch(const std::stop_token& stop);
     void attend(std::function<void()> asked);
     void signalCame(EndingRequest request);
     void endIfDue();
@@ -81,8 +81,7 @@ private:
     EndingAccount account_;
     EndingScene scene_;
     bool hasEnded_ = false;
-    std::atomic<bool> isOver_ = false;
-    std::thread watcher_; // last: it uses the above
+    std::jthread watcher_; // last: it uses the above
 };
 
 } // namespace vantoro

@@ -83,9 +83,11 @@ public:
     int operator()(const DoctorCommand& command) const {
         const auto silent = leaveOutSilentBuses();
         const SettingsFile preferences;
-        const auto report = doctorReport(examine(recordingFolderOf(preferences), silent),
-                                         command.language.value_or(L10n(preferences).language()));
-        return print(report.text) && report.isAllWell ? 0 : 1;
+        const auto language = command.language.value_or(L10n(preferences).language());
+        return examine(recordingFolderOf(preferences), silent, [&](const DoctorFindings& findings) {
+            const auto report = doctorReport(findings, language);
+            return print(report.text) && report.isAllWell ? 0 : 1;
+        });
     }
 
     int operator()(const RecordCommand& command) const {

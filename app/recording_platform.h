@@ -64,7 +64,8 @@ private:
     desktop::DesktopWorkspace workspace_;
     DialogFolderPanel folderPanel_;
     posix::PosixFileSystem fileSystem_;
-    ffmpeg::LoadedToolkit mediaToolkit_{fileSystem_, desktop::isPowerSavedHere};
+    ffmpeg::LoadedToolkit mediaToolkit_{
+        fileSystem_, [] { return desktop::isPowerSaved(desktop::standardBusAddresses()); }};
     posix::SystemClock clock_;
     QtScheduler scheduler_; // last: its work ends before what it works with
 };

@@ -3,6 +3,7 @@
 #include "app/window_command.h"
 
 #include <chrono>
+#include <exception>
 #include <iostream>
 #include <memory>
 
@@ -97,6 +98,16 @@ private:
     Ending::Attendance attendance_;
 };
 
+/// Ends the program once that one has shown its window, or does not.
+void leaveItToTheFirst(ApplicationInstance& instance, const std::string& token) {
+    instance.activateFirst(token, firstOnesPatience, [](bool isShown) {
+        if (!isShown) {
+            std::cerr << "Vantoro is running already, and does not answer.\n";
+        }
+        QApplication::exit(isShown ? 0 : 1);
+    });
+}
+
 } // namespace
 
 int runWindowCommand(int& argc, char** argv, StopSignals& signals) {
@@ -120,15 +131,24 @@ int runWindowCommand(int& argc, char** argv, StopSignals& signals) {
     QApplication::setQuitOnLastWindowClosed(false);
     const auto sessionBus = desktop::standardBusAddresses().session;
     auto instance = std::make_unique<ApplicationInstance>(sessionBus);
-    if (instance->awaitRole(busPatience) == ApplicationInstance::Role::another) {
-        if (instance->activateFirst(token, firstOnesPatience)) {
-            return 0;
+    std::unique_ptr<WindowRun> run;
+    std::exception_ptr failure;
+    instance->whenRoleIsKnown(busPatience, [&](ApplicationInstance::Role role) {
+        if (role == ApplicationInstance::Role::another) {
+            leaveItToTheFirst(*instance, token);
+            return;
         }
-        std::cerr << "Vantoro is running already, and does not answer.\n";
-        return 1;
-    }
-    const WindowRun run(sessionBus, *instance, ending);
+        try {
+            run = std::make_unique<WindowRun>(sessionBus, *instance, ending);
+        } catch (...) { // nothing may be thrown through the event loop
+            failure = std::current_exception();
+            QApplication::exit(1);
+        }
+    });
     const int status = QApplication::exec();
+    if (failure) {
+        std::rethrow_exception(failure);
+    }
     ending.concluded(status);
     instance.reset(); // who starts the program now need not wait for what this run still ends
     return status;

@@ -2,17 +2,13 @@
 
 #include "platform/desktop/desktop_survey.h"
 
-#include <functional>
+#include <array>
 #include <optional>
-#include <utility>
 
-#include <QtCore/QEventLoop>
-#include <QtCore/QTimer>
-
-#include "platform/desktop/bus/bus_connection.h"
-#include "platform/desktop/bus/service_owner.h"
+#include "platform/desktop/bus/asked_bus.h"
 #include "platform/desktop/power/logind.h"
 #include "platform/desktop/status_area/status_notifier_area.h"
+#include "platform/desktop/status_area/status_notifier_item.h"
 
 namespace vantoro::desktop {
 
@@ -22,111 +18,62 @@ Presence presence(bool isThere) {
     return isThere ? Presence::present : Presence::absent;
 }
 
-/// The questions that are under way. Calls `complete` from the event loop once all are answered.
-class Questions {
-public:
-    Questions(const BusAddresses& buses, std::function<void()> complete)
-        : complete_(std::move(complete)),
-          area_(buses.session),
-          sessionBus_(buses.session),
-          systemBus_(buses.system) {
-        askSession();
-        askLoginManager();
-    }
-
-    const DesktopSurvey& answers() const { return answers_; }
-
-    bool areAnswered() const {
-        return answers_.sessionBus != Presence::unknown &&
-               answers_.statusArea != Presence::unknown && answers_.portal != Presence::unknown &&
-               answers_.sleepDelay != SleepDelay::unknown;
-    }
-
-private:
-    void askSession();
-    void askPortal();
-    void askLoginManager();
-    void askToDelaySleep(const std::string& loginManager);
-
-    template <class Answer>
-    void set(Answer& answer, Answer value) {
-        answer = value;
-        if (areAnswered()) {
-            complete_();
+void askForStatusArea(AskedBus& session, DesktopSurvey& found) {
+    session.ask(busMethod("NameHasOwner"), {statusNotifierWatcher}, [&](BusMessage& reply) {
+        if (!reply.readFlag().value_or(false)) {
+            found.statusArea = Presence::absent;
+            return;
         }
-    }
-
-    std::function<void()> complete_;
-    DesktopSurvey answers_;
-    StatusNotifierArea area_;
-    BusConnection sessionBus_;
-    BusConnection systemBus_;
-    std::optional<ServiceOwner> loginManager_;
-};
-
-void Questions::askSession() {
-    if (!sessionBus_.isOpen()) {
-        answers_.sessionBus = answers_.statusArea = answers_.portal = Presence::absent;
-        return;
-    }
-    if (const auto known = area_.isAvailable()) {
-        answers_.statusArea = presence(*known);
-    }
-    area_.setAvailabilityChanged(
-        [this] { set(answers_.statusArea, presence(area_.isAvailable().value_or(false))); });
-    sessionBus_.call(
-        {.service = "org.freedesktop.DBus",
-         .path = "/org/freedesktop/DBus",
-         .interface = "org.freedesktop.DBus",
-         .member = "GetId"},
-        {}, [this](BusMessage& reply) { set(answers_.sessionBus, presence(!reply.isError())); });
-    askPortal();
-}
-
-/// A portal has those interfaces that the desktop's back end can serve.
-void Questions::askPortal() {
-    sessionBus_.call({.service = "org.freedesktop.portal.Desktop",
-                      .path = "/org/freedesktop/portal/desktop",
-                      .interface = "org.freedesktop.DBus.Properties",
-                      .member = "Get"},
-                     {"org.freedesktop.portal.Inhibit", "version"}, [this](BusMessage& reply) {
-                         set(answers_.portal, presence(!reply.isError()));
-                     });
-}
-
-void Questions::askLoginManager() {
-    if (!systemBus_.isOpen()) {
-        answers_.sleepDelay = SleepDelay::noLoginManager;
-        return;
-    }
-    loginManager_.emplace(systemBus_, loginManagerService, [this] {
-        if (const auto owner = loginManager_->name().value_or(""); !owner.empty()) {
-            askToDelaySleep(owner);
-        } else {
-            set(answers_.sleepDelay, SleepDelay::noLoginManager);
-        }
+        session.ask(panelReading(statusNotifierWatcher), panelProperty(),
+                    [&](BusMessage& answer) { found.statusArea = presence(mayHavePanel(answer)); });
     });
 }
 
-void Questions::askToDelaySleep(const std::string& loginManager) {
-    const LogindInhibitor wanted{
-        .what = "sleep", .reason = "Recording", .mode = "delay", .lock = std::nullopt};
-    askToInhibit(systemBus_, loginManager, wanted, [this](BusMessage& reply) {
-        const bool isGranted = !reply.isError() && reply.readDescriptor().has_value();
-        set(answers_.sleepDelay, isGranted ? SleepDelay::granted : SleepDelay::refused);
+/// A portal has those interfaces that the desktop's back end can serve.
+void askForPortal(AskedBus& session, DesktopSurvey& found) {
+    auto question =
+        propertyReading("org.freedesktop.portal.Desktop", "/org/freedesktop/portal/desktop");
+    question.startsService = true;
+    session.ask(question, {"org.freedesktop.portal.Inhibit", "version"},
+                [&](BusMessage& reply) { found.portal = presence(!reply.isError()); });
+}
+
+void askToDelaySleep(AskedBus& system, DesktopSurvey& found) {
+    system.ask(busMethod("GetNameOwner"), {loginManagerService}, [&](BusMessage& reply) {
+        const auto owner = reply.isError() ? std::nullopt : reply.readText();
+        if (!owner) {
+            found.sleepDelay = SleepDelay::noLoginManager;
+            return;
+        }
+        system.ask(inhibition(*owner), {"sleep", "Vantoro", "Recording", "delay"},
+                   [&](BusMessage& answer) {
+                       const bool isGranted = !answer.isError() && answer.readFile().has_value();
+                       found.sleepDelay = isGranted ? SleepDelay::granted : SleepDelay::refused;
+                   });
     });
 }
 
 } // namespace
 
 DesktopSurvey surveyDesktop(const BusAddresses& buses, std::chrono::milliseconds limit) {
-    QEventLoop loop;
-    const Questions questions(buses, [&loop] { loop.quit(); });
-    if (!questions.areAnswered()) {
-        QTimer::singleShot(limit, &loop, &QEventLoop::quit);
-        loop.exec();
+    const auto deadline = std::chrono::steady_clock::now() + limit;
+    DesktopSurvey found;
+    AskedBus session(buses.session, [&found](AskedBus& bus) {
+        askForStatusArea(bus, found);
+        askForPortal(bus, found);
+    });
+    AskedBus system(buses.system, [&found](AskedBus& bus) { askToDelaySleep(bus, found); });
+    awaitAnswers(std::array{&session, &system}, deadline);
+    if (session.isGone()) {
+        found.statusArea = found.portal = Presence::absent;
     }
-    return questions.answers();
+    if (session.isSettled()) {
+        found.sessionBus = presence(!session.isGone());
+    }
+    if (system.isGone()) {
+        found.sleepDelay = SleepDelay::noLoginManager;
+    }
+    return found;
 }
 
 } // namespace vantoro::desktop

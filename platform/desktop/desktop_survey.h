@@ -26,8 +26,8 @@ struct DesktopSurvey {
     friend bool operator==(const DesktopSurvey&, const DesktopSurvey&) = default;
 };
 
-/// Asks all of them at a time, and serves events until they have answered or the limit has passed.
-/// Main thread, which has an event loop to run.
+/// Asks all of them at a time, and waits until they have answered or the limit has passed. Any
+/// thread.
 DesktopSurvey surveyDesktop(const BusAddresses& buses, std::chrono::milliseconds limit);
 
 } // namespace vantoro::desktop

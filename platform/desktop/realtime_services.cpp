@@ -3,45 +3,26 @@
 #include "platform/desktop/realtime_services.h"
 
 #include <array>
-#include <string>
 
 #include "platform/desktop/bus/asked_bus.h"
-#include "platform/desktop/bus/asked_service.h"
 #include "platform/desktop/bus/silence.h"
 
 namespace vantoro::desktop {
 
-namespace {
-
-BusMethod gettingOf(const std::string& service, const std::string& path) {
-    return {.service = service,
-            .path = path,
-            .interface = "org.freedesktop.DBus.Properties",
-            .member = "Get"};
-}
-
-} // namespace
-
 bool realtimeServicesAnswer(const BusAddresses& addresses, std::chrono::milliseconds limit) {
     const auto deadline = std::chrono::steady_clock::now() + limit;
-    AskedService portal(
-        gettingOf("org.freedesktop.portal.Desktop", "/org/freedesktop/portal/desktop"),
-        {"org.freedesktop.portal.Realtime", "version"});
-    AskedService realtimeKit(
-        gettingOf("org.freedesktop.RealtimeKit1", "/org/freedesktop/RealtimeKit1"),
-        {"org.freedesktop.RealtimeKit1", "MaxRealtimePriority"});
-    AskedBus session(addresses.session, busIdentifier(), [&](AskedBus& bus) { portal.begin(bus); });
-    AskedBus system(addresses.system, busIdentifier(),
-                    [&](AskedBus& bus) { realtimeKit.begin(bus); });
-    const std::array<AskedBus*, 2> buses{&session, &system};
-    const auto areSettled = [&] {
-        return (portal.isSettled() || session.isGone()) &&
-               (realtimeKit.isSettled() || system.isGone());
-    };
-    while (!areSettled() && std::chrono::steady_clock::now() < deadline) {
-        awaitBuses(buses, deadline);
-    }
-    return areSettled();
+    const auto any = [](BusMessage& /*reply*/) {};
+    AskedBus session(addresses.session, [&](AskedBus& bus) {
+        bus.ask(
+            propertyReading("org.freedesktop.portal.Desktop", "/org/freedesktop/portal/desktop"),
+            {"org.freedesktop.portal.Realtime", "version"}, any);
+    });
+    AskedBus system(addresses.system, [&](AskedBus& bus) {
+        bus.ask(propertyReading("org.freedesktop.RealtimeKit1", "/org/freedesktop/RealtimeKit1"),
+                {"org.freedesktop.RealtimeKit1", "MaxRealtimePriority"}, any);
+    });
+    awaitAnswers(std::array{&session, &system}, deadline);
+    return session.areAllAnswered() && system.areAllAnswered();
 }
 
 bool realtimeServicesAnswerHere() {

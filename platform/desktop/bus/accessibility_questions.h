@@ -38,7 +38,7 @@ public:
     AskedBus* bus() { return bus_ ? &*bus_ : nullptr; }
 
 private:
-    void ask(const char* interface, const char* member, const std::vector<BusArgument>& arguments,
+    void ask(const BusMethod& method, const std::vector<BusArgument>& arguments,
              BusReceive answered);
     void askWhetherWanted();
     void askForAddress();

@@ -19,14 +19,21 @@ constexpr std::chrono::milliseconds untilTriedAgain(20);
 
 } // namespace
 
-AskedBus::AskedBus(std::string address, BusMethod first, std::function<void(AskedBus&)> connecting)
+AskedBus::AskedBus(std::string address, std::function<void(AskedBus&)> connecting, BusMethod first)
     : address_(std::move(address)), first_(std::move(first)), connecting_(std::move(connecting)) {
     connect();
 }
 
 bool AskedBus::ask(const BusMethod& method, const std::vector<BusArgument>& arguments,
                    BusReceive answered) {
-    return bus_ != nullptr && callAsync(bus_.get(), method, arguments, std::move(answered));
+    const bool isSent =
+        bus_ != nullptr && callAsync(bus_.get(), method, arguments,
+                                     [this, told = std::move(answered)](BusMessage& reply) {
+                                         --unanswered_;
+                                         told(reply);
+                                     });
+    unanswered_ += isSent ? 1 : 0;
+    return isSent;
 }
 
 void AskedBus::addTo(std::vector<pollfd>& awaited) const {
@@ -83,6 +90,12 @@ bool awaitBuses(std::span<AskedBus* const> buses, Clock::time_point deadline, in
         }
     }
     return awaited.front().revents == 0;
+}
+
+void awaitAnswers(std::span<AskedBus* const> buses, Clock::time_point deadline, int interruption) {
+    while (!std::ranges::all_of(buses, &AskedBus::areAllAnswered) && Clock::now() < deadline &&
+           awaitBuses(buses, deadline, interruption)) {
+    }
 }
 
 } // namespace vantoro::desktop

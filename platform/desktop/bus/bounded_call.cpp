@@ -2,33 +2,36 @@
 
 #include "platform/desktop/bus/bounded_call.h"
 
-#include <QtCore/QEventLoop>
-#include <QtDBus/QDBusPendingCall>
-#include <QtDBus/QDBusPendingCallWatcher>
+#include <array>
+
+#include <sys/eventfd.h>
+
+#include "platform/desktop/bus/asked_bus.h"
+#include "platform/posix/file_descriptor.h"
 
 namespace vantoro::desktop {
 
-QDBusMessage boundedCall(const QDBusConnection& bus, const QDBusMessage& question,
-                         const Patience& patience) {
+bool boundedCall(const std::string& busAddress, const BusMethod& question,
+                 const std::vector<BusArgument>& arguments, const Patience& patience,
+                 const BusReceive& read) {
+    const auto deadline = std::chrono::steady_clock::now() + patience.limit;
+    const posix::FileDescriptor stopped(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK));
+    const std::stop_callback tellOfStop(patience.stop,
+                                        [&stopped] { ::eventfd_write(stopped.get(), 1); });
     if (patience.stop.stop_requested()) {
-        return {};
+        return false;
     }
-    QDBusPendingCallWatcher watcher(
-        bus.asyncCall(question, static_cast<int>(patience.limit.count())));
-    QEventLoop loop;
-    QObject::connect(&watcher, &QDBusPendingCallWatcher::finished, &loop, &QEventLoop::quit);
-    // Queued: to quit a loop that does not run yet has no effect.
-    const std::stop_callback giveUp(patience.stop, [&loop] {
-        QMetaObject::invokeMethod(&loop, &QEventLoop::quit, Qt::QueuedConnection);
+    bool hasSucceeded = false;
+    AskedBus bus(busAddress, [&](AskedBus& connecting) {
+        connecting.ask(question, arguments, [&](BusMessage& reply) {
+            hasSucceeded = !reply.isError();
+            if (hasSucceeded && read) {
+                read(reply);
+            }
+        });
     });
-    if (!watcher.isFinished()) {
-        loop.exec();
-    }
-    return watcher.isFinished() ? watcher.reply() : QDBusMessage();
-}
-
-bool succeeds(const QDBusConnection& bus, const QDBusMessage& question, const Patience& patience) {
-    return boundedCall(bus, question, patience).type() == QDBusMessage::ReplyMessage;
+    awaitAnswers(std::array{&bus}, deadline, stopped.get());
+    return hasSucceeded;
 }
 
 } // namespace vantoro::desktop

@@ -4,9 +4,10 @@
 
 #include <chrono>
 #include <stop_token>
+#include <string>
+#include <vector>
 
-#include <QtDBus/QDBusConnection>
-#include <QtDBus/QDBusMessage>
+#include "platform/desktop/bus/bus_calls.h"
 
 namespace vantoro::desktop {
 
@@ -17,13 +18,11 @@ struct Patience {
     std::stop_token stop;
 };
 
-/// Asks, starting the service where it can be started, and waits for the answer; an error or an
-/// invalid message where none came. Does not ask any more after `stop`. Any thread but the main
-/// one, which would serve events meanwhile; a Qt application must exist.
-QDBusMessage boundedCall(const QDBusConnection& bus, const QDBusMessage& question,
-                         const Patience& patience);
-
-/// Whether the answer came and is not an error.
-bool succeeds(const QDBusConnection& bus, const QDBusMessage& question, const Patience& patience);
+/// Asks over a connection of its own to the bus at the address, and waits for the answer. Whether
+/// it came and is not an error; `read` is called with it then. Does not ask any more after the
+/// patience's `stop`. Any thread that may wait.
+bool boundedCall(const std::string& busAddress, const BusMethod& question,
+                 const std::vector<BusArgument>& arguments, const Patience& patience,
+                 const BusReceive& read = {});
 
 } // namespace vantoro::desktop

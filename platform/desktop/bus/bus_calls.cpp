@@ -48,6 +48,21 @@ void CloseBus::operator()(sd_bus* bus) const {
     sd_bus_close_unref(bus);
 }
 
+BusMethod busMethod(std::string member) {
+    return {.service = "org.freedesktop.DBus",
+            .path = "/org/freedesktop/DBus",
+            .interface = "org.freedesktop.DBus",
+            .member = std::move(member)};
+}
+
+BusMethod propertyReading(std::string service, std::string path) {
+    return {.service = std::move(service),
+            .path = std::move(path),
+            .interface = "org.freedesktop.DBus.Properties",
+            .member = "Get",
+            .startsService = false};
+}
+
 BusAttempt startConnecting(const std::string& address) {
     sd_bus* created = nullptr;
     if (address.empty() || sd_bus_new(&created) < 0) {
@@ -73,7 +88,8 @@ bool callAsync(sd_bus* bus, const BusMethod& method, const std::vector<BusArgume
         return false;
     }
     const Message message(created);
-    if (!append(message.get(), arguments)) {
+    if (sd_bus_message_set_auto_start(message.get(), method.startsService ? 1 : 0) < 0 ||
+        !append(message.get(), arguments)) {
         return false;
     }
     auto receive = std::make_unique<BusReceive>(std::move(answered));

@@ -18,7 +18,14 @@ struct BusMethod {
     std::string path;
     std::string interface;
     std::string member;
+    bool startsService = true; ///< where it is not running, and can be started
 };
+
+/// What the bus itself answers.
+BusMethod busMethod(std::string member);
+
+/// The reading of a property of a service that is running.
+BusMethod propertyReading(std::string service, std::string path);
 
 using BusReceive = std::function<void(BusMessage& message)>;
 

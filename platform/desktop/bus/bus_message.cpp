@@ -2,6 +2,8 @@
 
 #include "platform/desktop/bus/bus_message.h"
 
+#include <fcntl.h>
+
 #include <systemd/sd-bus.h>
 
 namespace vantoro::desktop {
@@ -24,6 +26,16 @@ public:
         }
         return written && close();
     }
+
+    bool operator()(const BusTexts& texts) const {
+        bool written = open('a', "s");
+        for (const auto& text : texts) {
+            written = written && (*this)(text);
+        }
+        return written && close();
+    }
+
+    bool operator()(BusFile file) const { return write('h', &file.descriptor); }
 
 private:
     bool write(char type, const void* value) const {
@@ -86,21 +98,58 @@ std::optional<bool> BusMessage::readFlag() {
     return flag ? std::optional<bool>(*flag != 0) : std::nullopt;
 }
 
-std::optional<bool> BusMessage::readFlagInVariant() {
-    if (sd_bus_message_enter_container(message_, 'v', "b") <= 0) {
+template <class Read>
+auto BusMessage::readInVariant(const char* type, Read read) -> decltype(read()) {
+    if (sd_bus_message_enter_container(message_, 'v', type) <= 0) {
         return std::nullopt;
     }
-    const auto flag = readFlag();
-    return sd_bus_message_exit_container(message_) < 0 ? std::nullopt : flag;
+    const auto value = read();
+    return sd_bus_message_exit_container(message_) < 0 ? std::nullopt : value;
+}
+
+std::optional<bool> BusMessage::readFlagInVariant() {
+    return readInVariant("b", [this] { return readFlag(); });
+}
+
+std::optional<std::string> BusMessage::readTextInVariant() {
+    return readInVariant("s", [this] { return readText(); });
 }
 
 std::optional<std::uint32_t> BusMessage::readNumber() {
     return read<std::uint32_t>(message_, 'u');
 }
 
-std::optional<QDBusUnixFileDescriptor> BusMessage::readDescriptor() {
+std::optional<BusTexts> BusMessage::readTexts() {
+    if (sd_bus_message_enter_container(message_, 'a', "s") <= 0) {
+        return std::nullopt;
+    }
+    BusTexts texts;
+    while (const auto text = readText()) {
+        texts.push_back(*text);
+    }
+    return sd_bus_message_exit_container(message_) < 0 ? std::nullopt : std::optional(texts);
+}
+
+std::optional<BusTexts> BusMessage::readTextsOf(const std::string& name) {
+    if (sd_bus_message_enter_container(message_, 'a', "{sas}") <= 0) {
+        return std::nullopt;
+    }
+    BusTexts found;
+    while (sd_bus_message_enter_container(message_, 'e', "sas") > 0) {
+        const bool isIt = readText() == name;
+        auto texts = readTexts();
+        if (!texts || sd_bus_message_exit_container(message_) < 0) {
+            return std::nullopt;
+        }
+        found = isIt ? std::move(*texts) : found;
+    }
+    return sd_bus_message_exit_container(message_) < 0 ? std::nullopt : std::optional(found);
+}
+
+std::optional<posix::FileDescriptor> BusMessage::readFile() {
     const auto number = read<int>(message_, 'h'); // open until the message ends
-    return number ? std::optional<QDBusUnixFileDescriptor>(*number) : std::nullopt;
+    posix::FileDescriptor copy(number ? ::fcntl(*number, F_DUPFD_CLOEXEC, 0) : -1);
+    return copy.isOpen() ? std::optional(std::move(copy)) : std::nullopt;
 }
 
 } // namespace vantoro::desktop

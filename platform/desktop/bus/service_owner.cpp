@@ -30,13 +30,9 @@ void ServiceOwner::observe(BusConnection& bus) {
             set(*after);
         }
     });
-    bus.call({.service = busService,
-              .path = "/org/freedesktop/DBus",
-              .interface = "org.freedesktop.DBus",
-              .member = "GetNameOwner"},
-             {service_}, [this](BusMessage& reply) {
-                 set(reply.isError() ? "" : reply.readText().value_or(""));
-             });
+    bus.call(busMethod("GetNameOwner"), {service_}, [this](BusMessage& reply) {
+        set(reply.isError() ? "" : reply.readText().value_or(""));
+    });
 }
 
 void ServiceOwner::set(const std::string& name) {

@@ -8,7 +8,7 @@
 #include <QtCore/QByteArray>
 #include <QtCore/QtGlobal>
 
-#include "platform/desktop/bus/asked_service.h"
+#include "platform/desktop/bus/asked_bus.h"
 
 namespace vantoro::desktop {
 
@@ -25,11 +25,11 @@ public:
     explicit Inquiry(const BusQuestions& questions)
         : hasWindow_(questions.accessibility.has_value()),
           accessibility_(questions.accessibility.value_or(AccessibilitySettings())),
-          system_(questions.addresses.system, busIdentifier()),
-          session_(questions.addresses.session, busIdentifier(), [this](AskedBus& session) {
+          system_(questions.addresses.system),
+          session_(questions.addresses.session, [this](AskedBus& session) {
               if (hasWindow_) {
                   accessibility_.begin(session);
-                  menuRegistrar_.begin(session);
+                  askMenuRegistrar(session);
               }
           }) {
         if (!hasWindow_) {
@@ -44,7 +44,7 @@ public:
         return {.system = !system_.isSettled(),
                 .session = !session_.isSettled(),
                 .accessibility = !accessibility_.isSettled(),
-                .menuRegistrar = hasWindow_ && !session_.isGone() && !menuRegistrar_.isSettled()};
+                .menuRegistrar = hasWindow_ && !session_.isGone() && !hasMenuRegistrarAnswered_};
     }
 
     /// False when it was interrupted.
@@ -54,13 +54,21 @@ public:
     }
 
 private:
+    /// Any answer will do, and an error where it is not there.
+    void askMenuRegistrar(AskedBus& session) {
+        hasMenuRegistrarAnswered_ = !session.ask({.service = "com.canonical.AppMenu.Registrar",
+                                                  .path = "/com/canonical/AppMenu/Registrar",
+                                                  .interface = "com.canonical.AppMenu.Registrar",
+                                                  .member = "GetMenuForWindow",
+                                                  .startsService = false},
+                                                 {std::uint32_t(0)}, [this](BusMessage& /*reply*/) {
+                                                     hasMenuRegistrarAnswered_ = true;
+                                                 });
+    }
+
     bool hasWindow_;
+    bool hasMenuRegistrarAnswered_ = false;
     AccessibilityQuestions accessibility_;
-    AskedService menuRegistrar_{{.service = "com.canonical.AppMenu.Registrar",
-                                 .path = "/com/canonical/AppMenu/Registrar",
-                                 .interface = "com.canonical.AppMenu.Registrar",
-                                 .member = "GetMenuForWindow"},
-                                {std::uint32_t(0)}};
     AskedBus system_;
     AskedBus session_;
 };

@@ -5,7 +5,6 @@
 #include <functional>
 #include <utility>
 
-#include <QtCore/QEventLoop>
 #include <QtCore/QMetaObject>
 #include <QtCore/QTimer>
 #include <QtCore/QtGlobal>
@@ -20,20 +19,31 @@ const BusObject applicationObject{.path = "/com/vantoro/app", .interface = appli
 constexpr std::uint32_t doNotQueue = 4;
 constexpr std::uint32_t nowOurs = 1;
 
-/// Lets the event loop run until `isDone`, which events decide, or the time is over.
-void runUntil(const std::function<bool()>& isDone, std::chrono::milliseconds patience) {
-    bool isOver = false;
-    QTimer deadline;
-    deadline.setSingleShot(true);
-    QObject::connect(&deadline, &QTimer::timeout, [&] { isOver = true; });
-    deadline.start(patience);
-    QEventLoop loop;
-    while (!isDone() && !isOver) {
-        loop.processEvents(QEventLoop::WaitForMoreEvents);
+} // namespace
+
+template <class Value>
+void ApplicationInstance::Answer<Value>::await(std::chrono::milliseconds patience, Value otherwise,
+                                               std::function<void(Value)> told) {
+    told_ = std::move(told);
+    if (value_) {
+        come(*value_);
     }
+    QTimer::singleShot(patience, &events_, [this, otherwise] { come(otherwise); });
 }
 
-} // namespace
+/// Not within the call: what is done about it may end this.
+template <class Value>
+void ApplicationInstance::Answer<Value>::come(Value value) {
+    value_ = value_.value_or(value);
+    QMetaObject::invokeMethod(
+        &events_,
+        [this] {
+            if (const auto told = std::exchange(told_, nullptr)) {
+                told(*value_);
+            }
+        },
+        Qt::QueuedConnection);
+}
 
 ApplicationInstance::ApplicationInstance(const std::string& busAddress) : bus_(busAddress) {
     // Not within the bus's call: what is done about it may take a while.
@@ -43,23 +53,18 @@ ApplicationInstance::ApplicationInstance(const std::string& busAddress) : bus_(b
     };
     const bool asked =
         bus_.offer(applicationObject, applicationTable(), &object_) &&
-        bus_.call(
-            {.service = "org.freedesktop.DBus",
-             .path = "/org/freedesktop/DBus",
-             .interface = "org.freedesktop.DBus",
-             .member = "RequestName"},
-            {std::string(applicationID), doNotQueue}, [this](BusMessage& reply) {
-                const auto answer = reply.isError() ? std::nullopt : reply.readNumber();
-                role_ = !answer ? Role::unknown : answer == nowOurs ? Role::first : Role::another;
-            });
+        bus_.call(busMethod("RequestName"), {applicationID, doNotQueue}, [this](BusMessage& reply) {
+            const auto answer = reply.isError() ? std::nullopt : reply.readNumber();
+            role_.come(!answer ? Role::unknown : answer == nowOurs ? Role::first : Role::another);
+        });
     if (!asked) {
-        role_ = Role::first;
+        role_.come(Role::first);
     }
 }
 
-ApplicationInstance::Role ApplicationInstance::awaitRole(std::chrono::milliseconds patience) {
-    runUntil([this] { return role_.has_value(); }, patience);
-    return role_.value_or(Role::unknown);
+void ApplicationInstance::whenRoleIsKnown(std::chrono::milliseconds patience,
+                                          std::function<void(Role role)> known) {
+    role_.await(patience, Role::unknown, std::move(known));
 }
 
 void ApplicationInstance::setRequested(
@@ -76,22 +81,24 @@ void ApplicationInstance::tellRequests() {
     }
 }
 
-bool ApplicationInstance::activateFirst(const std::string& activationToken,
-                                        std::chrono::milliseconds patience) {
+void ApplicationInstance::activateFirst(const std::string& activationToken,
+                                        std::chrono::milliseconds patience,
+                                        std::function<void(bool isShown)> answered) {
     // The older name is the one that X servers' window managers know.
     const BusOptions options = {{"activation-token", activationToken},
                                 {"desktop-startup-id", activationToken}};
-    answer_.reset();
-    const bool asked = bus_.call({.service = applicationID,
-                                  .path = applicationObject.path,
-                                  .interface = applicationInterface,
-                                  .member = "Activate"},
-                                 {activationToken.empty() ? BusOptions() : options},
-                                 [this](BusMessage& reply) { answer_ = !reply.isError(); });
-    if (asked) {
-        runUntil([this] { return answer_.has_value(); }, patience);
+    isShown_ = std::make_shared<Answer<bool>>();
+    const bool asked =
+        bus_.call({.service = applicationID,
+                   .path = applicationObject.path,
+                   .interface = applicationInterface,
+                   .member = "Activate"},
+                  {activationToken.empty() ? BusOptions() : options},
+                  [isShown = isShown_](BusMessage& reply) { isShown->come(!reply.isError()); });
+    if (!asked) {
+        isShown_->come(false);
     }
-    return answer_.value_or(false);
+    isShown_->await(patience, false, std::move(answered));
 }
 
 std::string activationTokenOfThisStart() {

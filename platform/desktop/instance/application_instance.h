@@ -5,6 +5,7 @@
 #include <chrono>
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -36,26 +37,43 @@ public:
     ApplicationInstance& operator=(const ApplicationInstance&) = delete;
     ~ApplicationInstance() = default;
 
-    /// Lets the event loop run until it is known, or the time is over.
-    Role awaitRole(std::chrono::milliseconds patience);
+    /// `known` is called by the event loop once it is known, or the time is over.
+    void whenRoleIsKnown(std::chrono::milliseconds patience, std::function<void(Role role)> known);
 
     /// `requested` is called by the event loop for everything that is asked of the program, in
     /// order, also for what was asked before this call. Not after the end of this.
     void setRequested(std::function<void(const ApplicationRequest& request)> requested);
 
-    /// Has the first one show its window. Lets the event loop run until it has answered, or the
-    /// time is over; false when it has not, or could not.
-    bool activateFirst(const std::string& activationToken, std::chrono::milliseconds patience);
+    /// Has the first one show its window. `answered` is called by the event loop once it has, or
+    /// the time is over: false when it has not, or could not.
+    void activateFirst(const std::string& activationToken, std::chrono::milliseconds patience,
+                       std::function<void(bool isShown)> answered);
 
 private:
+    /// Something that is to be told once it is known, though not later than somebody likes.
+    template <class Value>
+    class Answer {
+    public:
+        /// `told` is called by the event loop, with `otherwise` at the end of the patience.
+        void await(std::chrono::milliseconds patience, Value otherwise,
+                   std::function<void(Value)> told);
+        /// Only the first counts.
+        void come(Value value);
+
+    private:
+        std::optional<Value> value_;
+        std::function<void(Value)> told_;
+        QObject events_; ///< with it ends what is under way
+    };
+
     void tellRequests();
 
     std::function<void(const ApplicationRequest&)> requested_;
     std::vector<ApplicationRequest> waiting_; ///< of which nobody was told yet
     ApplicationObject object_;
-    std::optional<Role> role_;
-    std::optional<bool> answer_; ///< whether the first one took what it was asked for
-    QObject events_;             ///< with it ends what is under way
+    Answer<Role> role_;
+    std::shared_ptr<Answer<bool>> isShown_; ///< by the first one, which was asked to
+    QObject events_;                        ///< with it ends what is under way
     BusConnection bus_;
 };
 

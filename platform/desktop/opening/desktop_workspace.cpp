@@ -11,6 +11,7 @@
 #include <QtCore/QtGlobal>
 
 #include "platform/desktop/bus/bounded_call.h"
+#include "platform/desktop/bus/silent_buses.h"
 #include "platform/desktop/opening/detached_program.h"
 #include "platform/desktop/opening/file_uri.h"
 #include "platform/desktop/opening/opening.h"
@@ -25,11 +26,15 @@ constexpr std::chrono::milliseconds limitWithoutABus = std::chrono::seconds(2);
 
 /// Here, and not by whoever asks: whether there is a sandbox is read from the disk.
 Opening openingIn(const WorkspaceSurroundings& surroundings, std::stop_token stop) {
-    auto bus = surroundings.sessionBus();
+    const bool isSilent =
+        findSilentBuses({.addresses = {.system = {}, .session = surroundings.sessionBus},
+                         .accessibility = std::nullopt})
+            .session;
     // What is opened without the bus takes no time, unless it comes across that bus itself.
     const auto limit =
-        bus.isConnected() ? surroundings.limit : std::min(surroundings.limit, limitWithoutABus);
-    return {std::move(bus), sandboxedApplicationID(surroundings.sandboxDescription).has_value(),
+        isSilent ? std::min(surroundings.limit, limitWithoutABus) : surroundings.limit;
+    return {isSilent ? std::string() : surroundings.sessionBus,
+            sandboxedApplicationID(surroundings.sandboxDescription).has_value(),
             Patience{.limit = limit, .stop = std::move(stop)}};
 }
 

@@ -11,14 +11,13 @@
 #include <QtCore/QThreadPool>
 
 #include "control/ports/workspace.h"
-#include "platform/desktop/bus/answering_bus.h"
-#include "platform/desktop/bus/session_bus.h"
+#include "platform/desktop/bus/bus_addresses.h"
 
 namespace vantoro::desktop {
 
 /// Where the workspace finds the desktop.
 struct WorkspaceSurroundings {
-    SessionBus sessionBus = &answeringSessionBus;
+    std::string sessionBus = standardBusAddresses().session;
     std::filesystem::path sandboxDescription = "/.flatpak-info";
     /// The desktop's names, with colons between.
     std::string desktops = qgetenv("XDG_CURRENT_DESKTOP").toStdString();

@@ -11,7 +11,7 @@
 
 namespace vantoro::desktop {
 
-Opening::Opening(QDBusConnection sessionBus, bool sandboxed, Patience patience)
+Opening::Opening(std::string sessionBus, bool sandboxed, Patience patience)
     : sessionBus_(std::move(sessionBus)), sandboxed_(sandboxed), patience_(std::move(patience)) {}
 
 bool Opening::file(const std::filesystem::path& file) const {

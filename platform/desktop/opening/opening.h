@@ -5,8 +5,6 @@
 #include <filesystem>
 #include <string>
 
-#include <QtDBus/QDBusConnection>
-
 #include "platform/desktop/bus/bounded_call.h"
 
 namespace vantoro::desktop {
@@ -15,8 +13,8 @@ namespace vantoro::desktop {
 /// any of it was taken. Threads as for `boundedCall`.
 class Opening {
 public:
-    /// `sandboxed`: by the portal, and by nothing else.
-    Opening(QDBusConnection sessionBus, bool sandboxed, Patience patience);
+    /// `sessionBus`: its address. `sandboxed`: by the portal, and by nothing else.
+    Opening(std::string sessionBus, bool sandboxed, Patience patience);
 
     /// With its application; where it has none, the file is revealed.
     bool file(const std::filesystem::path& file) const;
@@ -28,7 +26,7 @@ public:
     bool address(const std::string& address) const;
 
 private:
-    QDBusConnection sessionBus_;
+    std::string sessionBus_;
     bool sandboxed_;
     Patience patience_;
 };

@@ -4,53 +4,47 @@
 
 #include <fcntl.h>
 
-#include <QtCore/QString>
-#include <QtCore/QVariantMap>
-#include <QtDBus/QDBusMessage>
-#include <QtDBus/QDBusUnixFileDescriptor>
+#include "platform/posix/file_descriptor.h"
 
 namespace vantoro::desktop {
 
 namespace {
 
-bool ask(const QDBusConnection& bus, const char* method, const QVariant& what,
+bool ask(const std::string& bus, const char* method, const BusArgument& what,
          const Patience& patience) {
-    auto question = QDBusMessage::createMethodCall("org.freedesktop.portal.Desktop",
-                                                   "/org/freedesktop/portal/desktop",
-                                                   "org.freedesktop.portal.OpenURI", method);
     constexpr const char* noParentWindow = "";
-    question << QString(noParentWindow) << what << QVariantMap();
-    return succeeds(bus, question, patience);
+    return boundedCall(bus,
+                       {.service = "org.freedesktop.portal.Desktop",
+                        .path = "/org/freedesktop/portal/desktop",
+                        .interface = "org.freedesktop.portal.OpenURI",
+                        .member = method},
+                       {noParentWindow, what, BusOptions()}, patience);
 }
 
-bool askAboutFile(const QDBusConnection& bus, const char* method, const std::filesystem::path& path,
+bool askAboutFile(const std::string& bus, const char* method, const std::filesystem::path& path,
                   const Patience& patience) {
     // For reading: the portal refuses a descriptor that could write to what is only to be opened,
     // as one without any mode can. Not blocking: the path may be anything by now.
-    const int opened = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
-    if (opened < 0) {
-        return false;
-    }
-    QDBusUnixFileDescriptor descriptor;
-    descriptor.giveFileDescriptor(opened);
-    return ask(bus, method, QVariant::fromValue(descriptor), patience);
+    const posix::FileDescriptor file(
+        ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
+    return file.isOpen() && ask(bus, method, BusFile{file.get()}, patience);
 }
 
 } // namespace
 
-bool openByPortal(const QDBusConnection& bus, const std::filesystem::path& path,
+bool openByPortal(const std::string& bus, const std::filesystem::path& path,
                   const Patience& patience) {
     return askAboutFile(bus, "OpenFile", path, patience);
 }
 
-bool revealByPortal(const QDBusConnection& bus, const std::filesystem::path& file,
+bool revealByPortal(const std::string& bus, const std::filesystem::path& file,
                     const Patience& patience) {
     return askAboutFile(bus, "OpenDirectory", file, patience);
 }
 
-bool openAddressByPortal(const QDBusConnection& bus, const std::string& address,
+bool openAddressByPortal(const std::string& bus, const std::string& address,
                          const Patience& patience) {
-    return ask(bus, "OpenURI", QString::fromStdString(address), patience);
+    return ask(bus, "OpenURI", address, patience);
 }
 
 } // namespace vantoro::desktop

@@ -5,8 +5,6 @@
 #include <filesystem>
 #include <string>
 
-#include <QtDBus/QDBusConnection>
-
 #include "platform/desktop/bus/bounded_call.h"
 
 namespace vantoro::desktop {
@@ -16,15 +14,15 @@ namespace vantoro::desktop {
 /// `boundedCall`.
 
 /// Opens a file with an application, or a folder in the file manager.
-bool openByPortal(const QDBusConnection& bus, const std::filesystem::path& path,
+bool openByPortal(const std::string& bus, const std::filesystem::path& path,
                   const Patience& patience);
 
 /// Shows the file's folder with the file selected.
-bool revealByPortal(const QDBusConnection& bus, const std::filesystem::path& file,
+bool revealByPortal(const std::string& bus, const std::filesystem::path& file,
                     const Patience& patience);
 
 /// Opens an address that is not a file's.
-bool openAddressByPortal(const QDBusConnection& bus, const std::string& address,
+bool openAddressByPortal(const std::string& bus, const std::string& address,
                          const Patience& patience);
 
 } // namespace vantoro::desktop

@@ -10,7 +10,7 @@
 
 namespace vantoro::desktop {
 
-MicrophoneFacts microphoneFacts(const QDBusConnection& sessionBus,
+MicrophoneFacts microphoneFacts(const std::string& sessionBus,
                                 const std::filesystem::path& sandboxDescription,
                                 std::chrono::milliseconds limit) {
     MicrophoneFacts facts;
@@ -25,7 +25,7 @@ MicrophoneFacts microphoneFacts(const QDBusConnection& sessionBus,
 
 DesktopMicrophoneAccess::DesktopMicrophoneAccess(std::function<bool()> openMicrophone,
                                                  std::function<bool()> chosenSourceIsHidden,
-                                                 SessionBus sessionBus,
+                                                 std::string sessionBus,
                                                  std::filesystem::path sandboxDescription,
                                                  std::chrono::milliseconds limit)
     : openMicrophone_(std::move(openMicrophone)),
@@ -35,7 +35,7 @@ DesktopMicrophoneAccess::DesktopMicrophoneAccess(std::function<bool()> openMicro
       limit_(limit) {}
 
 AuthorizationStatus DesktopMicrophoneAccess::status() {
-    auto facts = microphoneFacts(sessionBus_(), sandboxDescription_, limit_);
+    auto facts = microphoneFacts(sessionBus_, sandboxDescription_, limit_);
     facts.chosenSourceHidden = chosenSourceIsHidden_();
     return microphoneAuthorization(facts);
 }

@@ -5,10 +5,10 @@
 #include <chrono>
 #include <filesystem>
 #include <functional>
+#include <string>
 
 #include "engine/ports/permissions.h"
-#include "platform/desktop/bus/answering_bus.h"
-#include "platform/desktop/bus/session_bus.h"
+#include "platform/desktop/bus/bus_addresses.h"
 #include "platform/desktop/permission/portal.h"
 
 namespace vantoro::desktop {
@@ -19,7 +19,7 @@ constexpr const char* standardSandboxDescription = "/.flatpak-info";
 /// All that decides whether a microphone may be recorded, as it is now, but for whether it is
 /// hidden. Any thread; takes two limits at most.
 MicrophoneFacts
-microphoneFacts(const QDBusConnection& sessionBus,
+microphoneFacts(const std::string& sessionBus,
                 const std::filesystem::path& sandboxDescription = standardSandboxDescription,
                 std::chrono::milliseconds limit = answerLimit);
 
@@ -33,7 +33,7 @@ public:
     /// server does not let us see. Either may be called on any thread.
     DesktopMicrophoneAccess(std::function<bool()> openMicrophone,
                             std::function<bool()> chosenSourceIsHidden,
-                            SessionBus sessionBus = &answeringSessionBus,
+                            std::string sessionBus = standardBusAddresses().session,
                             std::filesystem::path sandboxDescription = standardSandboxDescription,
                             std::chrono::milliseconds limit = answerLimit);
 
@@ -43,7 +43,7 @@ public:
 private:
     std::function<bool()> openMicrophone_;
     std::function<bool()> chosenSourceIsHidden_;
-    SessionBus sessionBus_;
+    std::string sessionBus_;
     std::filesystem::path sandboxDescription_;
     std::chrono::milliseconds limit_;
 };

@@ -5,22 +5,21 @@
 #include <chrono>
 #include <string>
 
-#include <QtDBus/QDBusConnection>
-
 #include "platform/desktop/permission/microphone_policy.h"
 
 namespace vantoro::desktop {
 
-/// What the desktop's portal services say about the microphone. Each question takes `limit` at
-/// most, all its calls together; no answer counts as none given. Any thread.
+/// What the desktop's portal services say about the microphone, on the session's bus, whose address
+/// this is. Each question takes `limit` at most, the connecting and all its calls together; no
+/// answer counts as none given. Any thread.
 constexpr std::chrono::milliseconds answerLimit{500};
 
 /// Asks the portal's desktop backends that are running, and starts none.
-bool microphoneDisabledByPortal(const QDBusConnection& bus,
+bool microphoneDisabledByPortal(const std::string& sessionBus,
                                 std::chrono::milliseconds limit = answerLimit);
 
 /// For programs in a sandbox.
-StoredPermission storedMicrophonePermission(const QDBusConnection& bus,
+StoredPermission storedMicrophonePermission(const std::string& sessionBus,
                                             const std::string& applicationID,
                                             std::chrono::milliseconds limit = answerLimit);
 

@@ -14,11 +14,8 @@ const std::string manager = "org.freedesktop.login1.Manager";
 
 } // namespace
 
-bool askToInhibit(BusConnection& systemBus, const std::string& owner, const LogindInhibitor& wanted,
-                  BusConnection::Receive answered) {
-    return systemBus.call(
-        {.service = owner, .path = path, .interface = manager, .member = "Inhibit"},
-        {wanted.what, "Vantoro", wanted.reason, wanted.mode}, std::move(answered));
+BusMethod inhibition(const std::string& owner) {
+    return {.service = owner, .path = path, .interface = manager, .member = "Inhibit"};
 }
 
 Logind::Logind(BusConnection& systemBus, std::function<void(bool)> prepareForSleep,
@@ -30,11 +27,8 @@ Logind::Logind(BusConnection& systemBus, std::function<void(bool)> prepareForSle
 
 std::shared_ptr<LogindInhibitor> Logind::inhibit(std::string what, std::string reason,
                                                  std::string mode) {
-    const auto inhibitor =
-        std::make_shared<LogindInhibitor>(LogindInhibitor{.what = std::move(what),
-                                                          .reason = std::move(reason),
-                                                          .mode = std::move(mode),
-                                                          .lock = std::nullopt});
+    const auto inhibitor = std::make_shared<LogindInhibitor>(LogindInhibitor{
+        .what = std::move(what), .reason = std::move(reason), .mode = std::move(mode)});
     std::erase_if(inhibitors_, [](const auto& one) { return one.expired(); });
     inhibitors_.push_back(inhibitor);
     take(inhibitor);
@@ -66,13 +60,13 @@ void Logind::take(const std::shared_ptr<LogindInhibitor>& inhibitor) {
     if (owner.empty()) {
         return;
     }
-    askToInhibit(bus_, owner, *inhibitor,
-                 [this, wanted = std::weak_ptr(inhibitor)](BusMessage& reply) {
-                     const auto taken = wanted.lock(); // otherwise the lock ends with the reply
-                     if (taken && !reply.isError() && reply.sender() == owner_.name()) {
-                         taken->lock = reply.readDescriptor();
-                     }
-                 });
+    bus_.call(inhibition(owner), {inhibitor->what, "Vantoro", inhibitor->reason, inhibitor->mode},
+              [this, wanted = std::weak_ptr(inhibitor)](BusMessage& reply) {
+                  const auto taken = wanted.lock(); // otherwise the lock ends with the reply
+                  if (taken && !reply.isError() && reply.sender() == owner_.name()) {
+                      taken->lock = reply.readFile().value_or(posix::FileDescriptor());
+                  }
+              });
 }
 
 } // namespace vantoro::desktop

@@ -8,10 +8,9 @@
 #include <string>
 #include <vector>
 
-#include <QtDBus/QDBusUnixFileDescriptor>
-
 #include "platform/desktop/bus/bus_connection.h"
 #include "platform/desktop/bus/service_owner.h"
+#include "platform/posix/file_descriptor.h"
 
 namespace vantoro::desktop {
 
@@ -21,15 +20,15 @@ struct LogindInhibitor {
     std::string what;
     std::string reason;
     std::string mode;
-    std::optional<QDBusUnixFileDescriptor> lock; ///< in force for as long as it is open
+    posix::FileDescriptor lock = posix::FileDescriptor(); ///< in force for as long as it is open
 };
 
 constexpr const char* loginManagerService = "org.freedesktop.login1";
 
-/// Asks whichever process is the login manager, by its own name on the bus, for what is to be put
-/// off: its answer holds the lock, which ends with it unless it is kept. False without a bus.
-bool askToInhibit(BusConnection& systemBus, const std::string& owner, const LogindInhibitor& wanted,
-                  BusConnection::Receive answered);
+/// How whichever process is the login manager, by its own name on the bus, is asked to put
+/// something off: what, who wants it, the reason, and the mode. Its answer holds the lock, which
+/// ends with it unless it is kept.
+BusMethod inhibition(const std::string& owner);
 
 /// The login manager of the system, whichever process is it at the moment; where there is none it
 /// may come yet. Main thread.

@@ -12,6 +12,18 @@
 
 namespace vantoro::desktop {
 
+BusMethod panelReading(const std::string& watcher) {
+    return propertyReading(watcher, "/StatusNotifierWatcher");
+}
+
+std::vector<BusArgument> panelProperty() {
+    return {statusNotifierWatcher, "IsStatusNotifierHostRegistered"};
+}
+
+bool mayHavePanel(BusMessage& reply) {
+    return reply.isError() || reply.readFlagInVariant().value_or(true);
+}
+
 StatusNotifierArea::StatusNotifierArea(std::string busAddress)
     : busAddress_(std::move(busAddress)),
       bus_(busAddress_),
@@ -42,23 +54,17 @@ void StatusNotifierArea::followPanels() {
     }
 }
 
-/// A watcher that does not say whether there is a panel is taken for part of one.
 void StatusNotifierArea::askForPanels() {
     const auto owner = watcher_.name();
     if (!owner || owner->empty()) {
         setAvailable(false);
         return;
     }
-    bus_.call({.service = *owner,
-               .path = "/StatusNotifierWatcher",
-               .interface = "org.freedesktop.DBus.Properties",
-               .member = "Get"},
-              {std::string(statusNotifierWatcher), std::string("IsStatusNotifierHostRegistered")},
-              [this, owner](BusMessage& reply) {
-                  if (owner == watcher_.name()) {
-                      setAvailable(reply.isError() || reply.readFlagInVariant().value_or(true));
-                  }
-              });
+    bus_.call(panelReading(*owner), panelProperty(), [this, owner](BusMessage& reply) {
+        if (owner == watcher_.name()) {
+            setAvailable(mayHavePanel(reply));
+        }
+    });
 }
 
 void StatusNotifierArea::setAvailable(bool isAvailable) {

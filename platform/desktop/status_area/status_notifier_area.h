@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include <QtCore/QObject>
 
@@ -14,6 +15,13 @@
 #include "ui/ports/status_area.h"
 
 namespace vantoro::desktop {
+
+/// How a watcher of status notifier items is asked for a panel that shows them.
+BusMethod panelReading(const std::string& watcher);
+std::vector<BusArgument> panelProperty();
+
+/// By its answer: one that does not say is taken for part of a panel.
+bool mayHavePanel(BusMessage& reply);
 
 /// The status area of a desktop that has a watcher of status notifier items: it is available while
 /// there is one that knows of a panel to show them. Main thread, which never waits for the bus.

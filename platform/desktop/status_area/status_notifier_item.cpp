@@ -55,16 +55,12 @@ void StatusNotifierItem::setImage(const StatusImage& image, const std::string& d
 }
 
 void StatusNotifierItem::takeBusName(const std::string& busName) {
-    bus_.call({.service = "org.freedesktop.DBus",
-               .path = "/org/freedesktop/DBus",
-               .interface = "org.freedesktop.DBus",
-               .member = "RequestName"},
-              {busName, doNotQueue}, [this, busName](BusMessage& reply) {
-                  // The watcher takes a path for that of an object of whoever calls.
-                  const bool ours = !reply.isError() && reply.readNumber() == nowOurs;
-                  knownAs_ = ours ? busName : itemObject.path;
-                  introduce();
-              });
+    bus_.call(busMethod("RequestName"), {busName, doNotQueue}, [this, busName](BusMessage& reply) {
+        // The watcher takes a path for that of an object of whoever calls.
+        const bool ours = !reply.isError() && reply.readNumber() == nowOurs;
+        knownAs_ = ours ? busName : itemObject.path;
+        introduce();
+    });
 }
 
 void StatusNotifierItem::introduce() {

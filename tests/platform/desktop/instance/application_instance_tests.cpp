@@ -29,6 +29,22 @@ using enum desktop::ApplicationAction;
 
 constexpr auto patience = 20s; // for what comes at once unless the machine is busy
 
+Role roleOf(ApplicationInstance& instance, std::chrono::milliseconds limit = patience) {
+    std::optional<Role> role;
+    instance.whenRoleIsKnown(limit, [&](Role known) { role = known; });
+    EXPECT_TRUE(EventLoop::runUntil([&] { return role.has_value(); }, 2 * patience));
+    return role.value_or(Role::unknown);
+}
+
+/// Whether the first one answers the instance that it has shown its window.
+bool showsWindow(ApplicationInstance& instance, const std::string& token,
+                 std::chrono::milliseconds limit = patience) {
+    std::optional<bool> isShown;
+    instance.activateFirst(token, limit, [&](bool answer) { isShown = answer; });
+    EXPECT_TRUE(EventLoop::runUntil([&] { return isShown.has_value(); }, 2 * patience));
+    return isShown.value_or(false);
+}
+
 class ApplicationInstanceTest : public ::testing::Test {
 protected:
     PrivateBus bus;
@@ -38,7 +54,7 @@ protected:
     std::vector<desktop::ApplicationRequest> requests; ///< all that it was asked for
 
     void listen() {
-        ASSERT_EQ(first->awaitRole(patience), Role::first);
+        ASSERT_EQ(roleOf(*first), Role::first);
         first->setRequested([this](const desktop::ApplicationRequest& request) {
             requests.push_back(request);
             if (!request.action) {
@@ -82,33 +98,33 @@ protected:
 };
 
 TEST_F(ApplicationInstanceTest, onlyOneIsTheFirst) {
-    EXPECT_EQ(first->awaitRole(patience), Role::first);
+    EXPECT_EQ(roleOf(*first), Role::first);
     ApplicationInstance second(address);
-    EXPECT_EQ(second.awaitRole(patience), Role::another);
+    EXPECT_EQ(roleOf(second), Role::another);
 }
 
 TEST_F(ApplicationInstanceTest, afterTheFirstTheNextIsTheFirst) {
-    EXPECT_EQ(first->awaitRole(patience), Role::first);
+    EXPECT_EQ(roleOf(*first), Role::first);
     first.reset();
     ApplicationInstance next(address);
-    EXPECT_EQ(next.awaitRole(patience), Role::first);
+    EXPECT_EQ(roleOf(next), Role::first);
 }
 
 TEST_F(ApplicationInstanceTest, anotherHasTheFirstShowItsWindow) {
     listen();
     ApplicationInstance second(address);
-    ASSERT_EQ(second.awaitRole(patience), Role::another);
-    EXPECT_TRUE(second.activateFirst("the user's leave", patience));
+    ASSERT_EQ(roleOf(second), Role::another);
+    EXPECT_TRUE(showsWindow(second, "the user's leave"));
     EXPECT_TRUE(comesToBeWanted());
-    EXPECT_TRUE(second.activateFirst("", patience));
+    EXPECT_TRUE(showsWindow(second, ""));
     EXPECT_TRUE(comesToBeWanted(2));
     EXPECT_EQ(tokens, std::vector<std::string>({"the user's leave", ""}));
 }
 
 TEST_F(ApplicationInstanceTest, whoIsWantedBeforeItListensHearsOfItThen) {
-    ASSERT_EQ(first->awaitRole(patience), Role::first);
+    ASSERT_EQ(roleOf(*first), Role::first);
     ApplicationInstance second(address);
-    EXPECT_TRUE(second.activateFirst("early", patience));
+    EXPECT_TRUE(showsWindow(second, "early"));
     listen();
     EXPECT_TRUE(comesToBeWanted());
     EXPECT_EQ(tokens, std::vector<std::string>({"early"}));
@@ -164,10 +180,10 @@ TEST_F(ApplicationInstanceTest, actionThatIsUnknownIsRefused) {
 }
 
 TEST_F(ApplicationInstanceTest, allThatIsAskedBeforeItListensIsHeardThenInOrder) {
-    ASSERT_EQ(first->awaitRole(patience), Role::first);
+    ASSERT_EQ(roleOf(*first), Role::first);
     EXPECT_EQ(errorOfAction("start-recording"), "");
     ApplicationInstance second(address);
-    EXPECT_TRUE(second.activateFirst("early", patience));
+    EXPECT_TRUE(showsWindow(second, "early"));
     EXPECT_EQ(errorOfAction("stop-recording"), "");
     listen();
     EXPECT_TRUE(comesToBeAskedFor(3));
@@ -179,22 +195,22 @@ TEST(ApplicationInstanceBesideAnotherTest, firstThatDoesNotAnswerIsNotWaitedForL
     const PrivateBus bus;
     const BusService hanging(bus, desktop::applicationID, noAnswer);
     ApplicationInstance second(bus.address().toStdString());
-    ASSERT_EQ(second.awaitRole(patience), Role::another);
-    EXPECT_FALSE(second.activateFirst("", 300ms));
+    ASSERT_EQ(roleOf(second), Role::another);
+    EXPECT_FALSE(showsWindow(second, "", 300ms));
 }
 
 TEST_F(ApplicationInstanceTest, firstThatIsGoneHasShownNothing) {
-    ASSERT_EQ(first->awaitRole(patience), Role::first);
+    ASSERT_EQ(roleOf(*first), Role::first);
     ApplicationInstance second(address);
-    ASSERT_EQ(second.awaitRole(patience), Role::another);
+    ASSERT_EQ(roleOf(second), Role::another);
     first.reset();
-    EXPECT_FALSE(second.activateFirst("", patience));
+    EXPECT_FALSE(showsWindow(second, ""));
 }
 
 TEST_F(ApplicationInstanceTest, nobodyIsToldAfterItsEnd) {
     listen();
     ApplicationInstance second(address);
-    EXPECT_TRUE(second.activateFirst("", patience)); // the first has it, and tells soon
+    EXPECT_TRUE(showsWindow(second, "")); // the first has it, and tells soon
     tokens.clear();
     first.reset();
     QCoreApplication::processEvents();
@@ -204,15 +220,15 @@ TEST_F(ApplicationInstanceTest, nobodyIsToldAfterItsEnd) {
 TEST(ApplicationInstanceWithoutABusTest, eachIsTheFirst) {
     for (const std::string address : {"", "unix:path=/nowhere/at/all"}) {
         ApplicationInstance one(address);
-        EXPECT_EQ(one.awaitRole(patience), Role::first);
-        EXPECT_FALSE(one.activateFirst("", patience));
+        EXPECT_EQ(roleOf(one), Role::first);
+        EXPECT_FALSE(showsWindow(one, ""));
     }
 }
 
 TEST(ApplicationInstanceWithoutABusTest, hangingBusIsNotWaitedForLonger) {
     const SilentBus silent;
     ApplicationInstance one(silent.address());
-    EXPECT_EQ(one.awaitRole(300ms), Role::unknown);
+    EXPECT_EQ(roleOf(one, 300ms), Role::unknown);
 }
 
 TEST(ActivationTokenTest, isTheOneOfThisStart) {

@@ -30,7 +30,6 @@ void WorkspaceTest::SetUp() {
 
 void WorkspaceTest::TearDown() {
     current.reset();
-    QDBusConnection::disconnectFromBus("asking");
     std::filesystem::remove_all(folder); // Qt cannot, where names are not UTF-8
     qInstallMessageHandler(nullptr);
     EXPECT_TRUE(said->empty()) << said->next().value_or("");

@@ -61,13 +61,12 @@ protected:
     QTemporaryDir temporary;
     std::filesystem::path folder = temporary.path().toStdString();
     PrivateApplications& applications = PrivateApplications::instance();
-    desktop::WorkspaceSurroundings surroundings{
-        .sessionBus = [bus = privateBus.connect("asking")] { return bus; },
-        .sandboxDescription = folder / "sandbox-info",
-        .desktops = "",
-        .searchPath = (folder / "programs").string(),
-        .helpPage = {},
-        .limit = std::chrono::seconds(20)};
+    desktop::WorkspaceSurroundings surroundings{.sessionBus = privateBus.address().toStdString(),
+                                                .sandboxDescription = folder / "sandbox-info",
+                                                .desktops = "",
+                                                .searchPath = (folder / "programs").string(),
+                                                .helpPage = {},
+                                                .limit = std::chrono::seconds(20)};
     std::unique_ptr<desktop::DesktopWorkspace> current;
     Arrivals<QDBusMessage> questions; // of the services below
 

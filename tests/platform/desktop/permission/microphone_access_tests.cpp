@@ -36,10 +36,7 @@ protected:
                                                 return opens;
                                             },
                                             [this] { return hidden; },
-                                            [bus = privateBus.connect("asking")] { return bus; },
-                                            sandbox, patience};
-
-    void TearDown() override { QDBusConnection::disconnectFromBus("asking"); }
+                                            privateBus.address().toStdString(), sandbox, patience};
 
     void enterSandbox() { std::ofstream(sandbox) << "[Application]\nname=app\n"; }
 

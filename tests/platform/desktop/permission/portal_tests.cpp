@@ -12,6 +12,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/platform/desktop/bus/private_bus.h"
+#include "tests/platform/desktop/bus/silent_bus.h"
 
 namespace vantoro::testing {
 namespace {
@@ -24,9 +25,7 @@ const QString backendName = "org.freedesktop.impl.portal.desktop.";
 class PortalTest : public ::testing::Test {
 protected:
     PrivateBus privateBus;
-    QDBusConnection bus = privateBus.connect("asking");
-
-    void TearDown() override { QDBusConnection::disconnectFromBus("asking"); }
+    std::string bus = privateBus.address().toStdString();
 
     bool microphoneDisabled() const { return desktop::microphoneDisabledByPortal(bus, patience); }
 
@@ -50,9 +49,20 @@ TEST_F(PortalTest, withoutAnyServiceNothingIsSaid) {
 }
 
 TEST_F(PortalTest, withoutABusNothingIsSaid) {
-    const QDBusConnection none("never connected");
-    EXPECT_FALSE(desktop::microphoneDisabledByPortal(none));
-    EXPECT_EQ(desktop::storedMicrophonePermission(none, "app"), StoredPermission::undecided);
+    for (const std::string none : {"", "unix:path=/no/bus"}) {
+        EXPECT_FALSE(desktop::microphoneDisabledByPortal(none));
+        EXPECT_EQ(desktop::storedMicrophonePermission(none, "app"), StoredPermission::undecided);
+    }
+}
+
+TEST_F(PortalTest, silentBusIsNotWaitedForLong) {
+    const SilentBus silent;
+    EXPECT_TRUE(
+        isBounded([&] { EXPECT_FALSE(desktop::microphoneDisabledByPortal(silent.address())); }));
+    EXPECT_TRUE(isBounded([&] {
+        EXPECT_EQ(desktop::storedMicrophonePermission(silent.address(), "app"),
+                  StoredPermission::undecided);
+    }));
 }
 
 TEST_F(PortalTest, anyBackendMayDisableTheMicrophone) {
