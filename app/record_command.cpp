@@ -114,10 +114,6 @@ void RecordRun::showMessage(const RecordingProperties::Values& values) {
 
 void RecordRun::recordingBegan() {
     hasBegun_ = true;
-    if (stopWanted_) {
-        stopWanted();
-        return;
-    }
     if (command_.seconds && *command_.seconds <= foreverSeconds) {
         end_ = Clock::now() + std::chrono::duration_cast<Clock::duration>(
                                   std::chrono::duration<double>(*command_.seconds));
@@ -142,11 +138,10 @@ void RecordRun::waitForTheEnd() {
 }
 
 void RecordRun::stopWanted() {
-    stopWanted_ = true;
     if (state_ == Case::failed) {
         QCoreApplication::exit(1); // what is being salvaged stays for another time
-    } else if (model_->values().state.which() == Case::recording) {
-        model_->toggleRecording();
+    } else {
+        model_->stopRecording();
     }
 }
 

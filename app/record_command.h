@@ -48,7 +48,6 @@ private:
     Terminal terminal_;
     RecordingViewModel* model_ = nullptr; // while it runs
     RecordingState::Case state_ = RecordingState::Case::idle;
-    bool stopWanted_ = false;
     bool hasBegun_ = false; // capture ran: a failure leaves something to salvage
     std::optional<Clock::time_point> end_;
     QTimer endTimer_;

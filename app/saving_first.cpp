@@ -4,61 +4,37 @@
 
 #include <utility>
 
+#include "control/transitions.h"
+
 namespace vantoro {
 
 SavingFirst::SavingFirst(RecordingViewModel& model) : model_(model) {
     // Behind the change, not within it: what is done about it finds the view model at rest.
-    connect(
-        &model_, &RecordingProperties::stateChanged, this,
-        [this] {
-            if (isUnderWay()) {
-                stateChanged();
-            }
-        },
-        Qt::QueuedConnection);
+    connect(&model_, &RecordingProperties::stateChanged, this, &SavingFirst::goOn,
+            Qt::QueuedConnection);
 }
 
 void SavingFirst::request(Done done) {
-    const auto step = savingStep(model_.values().state.which());
-    if (step == SavingStep::none) {
+    if (!isBusy(model_.values().state.which())) {
         done(true);
         return;
     }
     waiting_.push_back(std::move(done));
-    if (step == SavingStep::stop) {
-        model_.toggleRecording();
-    }
+    goOn();
 }
 
-void SavingFirst::stateChanged() {
+/// Also a recording that was begun since then is stopped.
+void SavingFirst::goOn() {
+    if (!isUnderWay()) {
+        return;
+    }
     const auto state = model_.values().state.which();
-    switch (savingStep(state)) {
-    case SavingStep::none:
-        conclude(state != RecordingState::Case::failed);
-        break;
-    case SavingStep::stop:
-        model_.toggleRecording();
-        break;
-    case SavingStep::wait:
-        break;
+    if (isBusy(state)) {
+        model_.stopRecording();
+        return;
     }
-}
-
-void SavingFirst::conclude(bool saved) {
     for (const auto& done : std::exchange(waiting_, {})) {
-        done(saved);
-    }
-}
-
-SavingStep savingStep(RecordingState::Case state) {
-    switch (state) {
-    case RecordingState::Case::preparing: // which cannot be stopped until it records
-    case RecordingState::Case::processing:
-        return SavingStep::wait;
-    case RecordingState::Case::recording:
-        return SavingStep::stop;
-    default:
-        return SavingStep::none;
+        done(state != RecordingState::Case::failed);
     }
 }
 

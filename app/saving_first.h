@@ -2,7 +2,6 @@
 
 #pragma once
 
-#include <cstdint>
 #include <functional>
 #include <vector>
 
@@ -30,16 +29,10 @@ public:
     bool isUnderWay() const { return !waiting_.empty(); }
 
 private:
-    void stateChanged();
-    void conclude(bool saved);
+    void goOn();
 
     RecordingViewModel& model_;
     std::vector<Done> waiting_;
 };
-
-/// What has to be done about a recording before it is saved, by its state alone.
-enum class SavingStep : std::uint8_t { none, stop, wait };
-
-SavingStep savingStep(RecordingState::Case state);
 
 } // namespace vantoro

@@ -38,7 +38,8 @@ StopAnswer answerToStop(RecordingState::Case state) {
 }
 
 StopReason pendingStop(std::optional<StopReason> pending, StopReason arrived) {
-    return arrived == StopReason::systemSleep ? arrived : pending.value_or(arrived);
+    const bool replaces = arrived == StopReason::systemSleep || pending == StopReason::user;
+    return replaces ? arrived : pending.value_or(arrived);
 }
 
 L10n::Key statusKey(RecordingState::Case state) {

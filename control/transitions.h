@@ -33,7 +33,7 @@ enum class StopAnswer : std::uint8_t {
 StopAnswer answerToStop(RecordingState::Case state);
 
 /// The reason to stop for, when another one arrives before the recording has begun: sleep replaces
-/// any, all others none.
+/// any, all others only the user's wish, which needs no message.
 StopReason pendingStop(std::optional<StopReason> pending, StopReason arrived);
 
 /// The text that says how things stand.

@@ -31,15 +31,6 @@ protected:
     void TearDown() override { saving.reset(); }
 };
 
-TEST(SavingStepTest, whatIsToBeDoneDependsOnTheStateAlone) {
-    EXPECT_EQ(savingStep(Case::idle), SavingStep::none);
-    EXPECT_EQ(savingStep(Case::preparing), SavingStep::wait);
-    EXPECT_EQ(savingStep(Case::recording), SavingStep::stop);
-    EXPECT_EQ(savingStep(Case::processing), SavingStep::wait);
-    EXPECT_EQ(savingStep(Case::completed), SavingStep::none);
-    EXPECT_EQ(savingStep(Case::failed), SavingStep::none);
-}
-
 TEST_F(SavingFirstTest, whereNothingIsBeingRecordedNothingIsWaitedFor) {
     for (const auto state : {Case::idle, Case::completed, Case::failed}) {
         lead(state);
@@ -79,6 +70,17 @@ TEST_F(SavingFirstTest, recordingThatIsBeingSavedIsWaitedFor) {
     ASSERT_TRUE(isTold());
     EXPECT_EQ(saved, true);
     EXPECT_EQ(recorder.volumes.size(), 1U);
+}
+
+TEST_F(SavingFirstTest, recordingThatIsBegunMeanwhileIsSavedAsWell) {
+    lead(Case::processing);
+    request();
+    scheduler.settle();
+    ASSERT_EQ(state(), Case::completed);
+    model->startRecording();
+    ASSERT_TRUE(isTold());
+    EXPECT_EQ(saved, true);
+    EXPECT_EQ(recorder.volumes.size(), 2U);
 }
 
 TEST_F(SavingFirstTest, saysWhenItCouldNotBeSaved) {

@@ -40,7 +40,7 @@ TEST(TransitionsTest, followFromTheStateAlone) {
     }
 }
 
-TEST(TransitionsTest, keepSleepAsThePendingReasonAndAnInterruptionOnlyWhereThereIsNone) {
+TEST(TransitionsTest, keepSleepAsThePendingReasonAndAllOthersWhereThereIsNoneOrTheUsersWish) {
     struct Row {
         std::optional<StopReason> pending;
         StopReason arrived;
@@ -58,6 +58,10 @@ TEST(TransitionsTest, keepSleepAsThePendingReasonAndAnInterruptionOnlyWhereThere
              Row{systemSleep, diskNearlyFull, systemSleep},
              Row{diskNearlyFull, systemSleep, systemSleep},
              Row{diskNearlyFull, captureInterruption, diskNearlyFull},
+             Row{std::nullopt, user, user},
+             Row{user, systemSleep, systemSleep},
+             Row{user, captureInterruption, captureInterruption},
+             Row{captureInterruption, user, captureInterruption},
          }) {
         EXPECT_EQ(pendingStop(pending, arrived), kept);
     }
