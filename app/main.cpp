@@ -22,7 +22,7 @@
 #include "engine/audio_recorder.h"
 #include "l10n/settings_file.h"
 #include "platform/desktop/bus/silent_buses.h"
-#include "platform/desktop/opening/recording_folder.h"
+#include "platform/desktop/opening/default_recording_folder.h"
 #include "platform/desktop/realtime_services.h"
 #include "platform/ffmpeg/loaded_toolkit.h"
 #include "platform/pipewire/bus_use.h"

@@ -8,7 +8,7 @@
 
 #include <QtCore/QCoreApplication>
 
-#include "app/live_line.h"
+#include "app/progress_line.h"
 #include "control/transitions.h"
 #include "l10n/error_description.h"
 

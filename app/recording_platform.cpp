@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "engine/serial_queue.h"
-#include "platform/desktop/opening/recording_folder.h"
+#include "platform/desktop/opening/default_recording_folder.h"
 
 namespace vantoro {
 
@@ -88,8 +88,8 @@ ControlPlatform RecordingPlatform::forControl(Preferences& preferences,
             .audioDevices = devices_,
             .captureAccess = captureAccess_,
             .microphoneAccess = microphoneAccess_,
-            .workspace = workspace_,
-            .folderPanel = folderPanel_,
+            .opener = opener_,
+            .folderDialog = folderDialog_,
             .preferences = preferences,
             .levels = AudioLevelStore::shared(),
             .defaultRecordingFolder = desktop::defaultRecordingFolder(),

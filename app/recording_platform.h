@@ -11,7 +11,7 @@
 #include "control/qt_scheduler.h"
 #include "control/recording_view_model.h"
 #include "engine/audio_recorder.h"
-#include "platform/desktop/opening/desktop_workspace.h"
+#include "platform/desktop/opening/desktop_opener.h"
 #include "platform/desktop/permission/microphone_access.h"
 #include "platform/desktop/power/power_management.h"
 #include "platform/desktop/power/power_profile.h"
@@ -21,7 +21,7 @@
 #include "platform/pipewire/device_list.h"
 #include "platform/posix/posix_file_system.h"
 #include "platform/posix/system_clock.h"
-#include "ui/window/dialog_folder_panel.h"
+#include "ui/window/window_folder_dialog.h"
 
 namespace vantoro {
 
@@ -61,8 +61,8 @@ private:
     pipewire::DeviceList devices_;
     desktop::DesktopMicrophoneAccess microphoneAccess_;
     desktop::DesktopPowerManagement power_;
-    desktop::DesktopWorkspace workspace_;
-    DialogFolderPanel folderPanel_;
+    desktop::DesktopOpener opener_;
+    WindowFolderDialog folderDialog_;
     posix::PosixFileSystem fileSystem_;
     ffmpeg::LoadedToolkit mediaToolkit_{
         fileSystem_, [] { return desktop::isPowerSaved(desktop::standardBusAddresses()); }};

@@ -6,7 +6,7 @@
 #include <stop_token>
 #include <system_error>
 
-#include "app/live_line.h"
+#include "app/progress_line.h"
 #include "app/terminal.h"
 #include "l10n/error_description.h"
 

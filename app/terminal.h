@@ -16,7 +16,7 @@ public:
 
     ~Terminal() { clearLine(); }
 
-    /// Whether a live line is seen by anybody.
+    /// Whether a progress line is seen by anybody.
     bool isLive() const noexcept { return isLive_; }
 
     /// Does nothing unless live, nor when the line stands there already.

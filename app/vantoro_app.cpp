@@ -32,8 +32,8 @@ VantoroApp::VantoroApp(std::unique_ptr<Recorder> recorder, const ControlPlatform
       viewModel_(std::move(recorder), platform),
       languageSettings_(platform.preferences),
       updateChecker_(platform.preferences, platform_.version,
-                     [&workspace = platform.workspace](const QUrl& page) {
-                         workspace.openPage(page.toString(QUrl::FullyEncoded).toStdString());
+                     [&opener = platform.opener](const QUrl& page) {
+                         opener.openPage(page.toString(QUrl::FullyEncoded).toStdString());
                      },
                      {.ask = platform_.askForRecord}),
       savingFirst_(viewModel_),

@@ -63,7 +63,8 @@ public:
     void quit(IfNotSaved ifNotSaved);
 
     /// Returns when what is being recorded is saved, or could not be, or has taken `patience`: what
-    /// was captured waits in the recording folder then. The event loop runs on.
+    /// was captured waits in the recording folder then. The event loop runs on meanwhile, within
+    /// the call: the session ends as soon as it returns, and cannot be told later.
     void saveBeforeTheSessionEnds(std::chrono::milliseconds patience);
 
 private:

@@ -250,14 +250,14 @@ void RecordingViewModel::surveyed(const Survey& survey) {
 }
 
 void RecordingViewModel::chooseOutputDirectory() {
-    platform_.folderPanel.choose({.title = texts_.text(L10n::Key::chooseRecordingFolder),
-                                  .prompt = texts_.text(L10n::Key::choose),
-                                  .directory = values().outputDirectory},
-                                 [model = QPointer(this)](const auto& folder) {
-                                     if (model && folder) {
-                                         model->moveTo(*folder);
-                                     }
-                                 });
+    platform_.folderDialog.choose({.title = texts_.text(L10n::Key::chooseRecordingFolder),
+                                   .prompt = texts_.text(L10n::Key::choose),
+                                   .directory = values().outputDirectory},
+                                  [model = QPointer(this)](const auto& folder) {
+                                      if (model && folder) {
+                                          model->moveTo(*folder);
+                                      }
+                                  });
 }
 
 void RecordingViewModel::moveTo(const std::filesystem::path& outputDirectory) {
@@ -267,27 +267,27 @@ void RecordingViewModel::moveTo(const std::filesystem::path& outputDirectory) {
 }
 
 void RecordingViewModel::revealOutputDirectory() {
-    platform_.workspace.openFolder(values().outputDirectory);
+    platform_.opener.openFolder(values().outputDirectory);
 }
 
 void RecordingViewModel::playLastRecording() {
     if (const auto& recording = values().lastRecordingURL) {
-        platform_.workspace.open(*recording);
+        platform_.opener.open(*recording);
     }
 }
 
 void RecordingViewModel::revealLastRecording() {
     if (const auto& recording = values().lastRecordingURL) {
-        platform_.workspace.reveal(*recording);
+        platform_.opener.reveal(*recording);
     }
 }
 
 void RecordingViewModel::openMicrophoneSettings() {
-    platform_.workspace.openPrivacySettings("Privacy_Microphone");
+    platform_.opener.openPrivacySettings("Privacy_Microphone");
 }
 
 void RecordingViewModel::openScreenCaptureSettings() {
-    platform_.workspace.openPrivacySettings("Privacy_ScreenCapture");
+    platform_.opener.openPrivacySettings("Privacy_ScreenCapture");
 }
 
 void RecordingViewModel::updateAudioLevel(AudioLevelSource source, float level) {

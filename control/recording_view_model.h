@@ -12,10 +12,10 @@
 #include "control/audio_level_store.h"
 #include "control/lost_sound.h"
 #include "control/ports/audio_devices.h"
-#include "control/ports/folder_panel.h"
+#include "control/ports/folder_dialog.h"
+#include "control/ports/opener.h"
 #include "control/ports/power_management.h"
 #include "control/ports/scheduler.h"
-#include "control/ports/workspace.h"
 #include "control/recording_properties.h"
 #include "control/salvage_task.h"
 #include "control/survey_task.h"
@@ -35,8 +35,8 @@ struct ControlPlatform {
     AudioDevices& audioDevices;
     CaptureAccess& captureAccess;
     MicrophoneAccess& microphoneAccess;
-    Workspace& workspace;
-    FolderPanel& folderPanel;
+    Opener& opener;
+    FolderDialog& folderDialog;
     Preferences& preferences;
     AudioLevelStore& levels;
     std::filesystem::path defaultRecordingFolder;

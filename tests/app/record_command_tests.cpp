@@ -33,8 +33,8 @@ protected:
     FakeAudioDevices devices;
     FakeScreenPermission screenSurvey;
     FakeMicrophonePermission microphoneSurvey;
-    FakeWorkspace workspace;
-    FakeFolderPanel folderPanel;
+    FakeOpener opener;
+    FakeFolderDialog folderDialog;
     AudioLevelStore levels;
     std::string output;
     std::string errors;
@@ -64,8 +64,8 @@ private:
         auto engine = std::make_unique<AudioRecorder>(
             RecorderPlatform{captureAccess, microphone, capture, toolkit, fileSystem, clock});
         RecordingViewModel model(std::move(engine),
-                                 {scheduler, power, devices, screenSurvey, microphoneSurvey,
-                                  workspace, folderPanel, preferences, levels, folder,
+                                 {scheduler, power, devices, screenSurvey, microphoneSurvey, opener,
+                                  folderDialog, preferences, levels, folder,
                                   [this] { ending.moved(); }});
         return recordRun.run(model);
     }

@@ -12,9 +12,9 @@
 #include <vector>
 
 #include "control/ports/audio_devices.h"
-#include "control/ports/folder_panel.h"
+#include "control/ports/folder_dialog.h"
+#include "control/ports/opener.h"
 #include "control/ports/power_management.h"
-#include "control/ports/workspace.h"
 #include "engine/ports/permissions.h"
 
 namespace vantoro::testing {
@@ -208,7 +208,7 @@ public:
 };
 
 /// Remembers what it was asked for.
-class FakeWorkspace final : public Workspace {
+class FakeOpener final : public Opener {
 public:
     std::vector<std::string> calls;
 
@@ -232,7 +232,7 @@ public:
 };
 
 /// The test is its user.
-class FakeFolderPanel final : public FolderPanel {
+class FakeFolderDialog final : public FolderDialog {
 public:
     std::vector<FolderQuestion> questions;
     std::function<void(std::optional<std::filesystem::path>)> answer; ///< to the last question

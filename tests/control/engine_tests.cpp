@@ -29,8 +29,8 @@ protected:
     FakeClock clock;
     MemoryPreferences preferences = preferencesIn("en");
     FakePower power;
-    FakeWorkspace workspace;
-    FakeFolderPanel folderPanel;
+    FakeOpener opener;
+    FakeFolderDialog folderDialog;
     FakeAudioDevices devices;
     AudioLevelStore levels;
     QtScheduler scheduler;
@@ -40,8 +40,8 @@ protected:
         model = std::make_unique<RecordingViewModel>(
             std::make_unique<AudioRecorder>(
                 RecorderPlatform{captureAccess, microphone, capture, toolkit, fileSystem, clock}),
-            ControlPlatform{scheduler, power, devices, captureAccess, microphone, workspace,
-                            folderPanel, preferences, levels, "/recordings",
+            ControlPlatform{scheduler, power, devices, captureAccess, microphone, opener,
+                            folderDialog, preferences, levels, "/recordings",
                             std::move(recorderProgressed)});
     }
 

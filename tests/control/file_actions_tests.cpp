@@ -13,7 +13,7 @@ TEST_F(ViewModelTest, hasNoRecordingToShowBeforeThereIsOne) {
         world.lead(state);
         world.model->playLastRecording();
         world.model->revealLastRecording();
-        EXPECT_EQ(world.workspace.calls, Calls{});
+        EXPECT_EQ(world.opener.calls, Calls{});
     }
 }
 
@@ -21,7 +21,7 @@ TEST_F(ViewModelTest, playsAndRevealsTheLastRecording) {
     lead(Case::completed);
     model->playLastRecording();
     model->revealLastRecording();
-    EXPECT_EQ(workspace.calls, (Calls{"open /music/recorded.m4a", "reveal /music/recorded.m4a"}));
+    EXPECT_EQ(opener.calls, (Calls{"open /music/recorded.m4a", "reveal /music/recorded.m4a"}));
 }
 
 TEST_F(ViewModelTest, showsTheRecordingFolderInAnyState) {
@@ -30,7 +30,7 @@ TEST_F(ViewModelTest, showsTheRecordingFolderInAnyState) {
         world.preferences.values[Preference::outputDirectory] = "/recordings";
         world.lead(state);
         world.model->revealOutputDirectory();
-        EXPECT_EQ(world.workspace.calls, Calls{"open folder /recordings"});
+        EXPECT_EQ(world.opener.calls, Calls{"open folder /recordings"});
     }
 }
 
@@ -38,7 +38,7 @@ TEST_F(ViewModelTest, opensTheSettingsOfEachPermission) {
     launchAndSettle();
     model->openMicrophoneSettings();
     model->openScreenCaptureSettings();
-    EXPECT_EQ(workspace.calls,
+    EXPECT_EQ(opener.calls,
               (Calls{"settings Privacy_Microphone", "settings Privacy_ScreenCapture"}));
 }
 

@@ -29,17 +29,17 @@ TEST_F(ViewModelTest, asksForAFolderInTheUsersLanguageBeginningAtThePresentOne) 
     preferences.values[Preference::outputDirectory] = "/recordings";
     launchAndSettle();
     model->chooseOutputDirectory();
-    ASSERT_EQ(folderPanel.questions.size(), 1U);
-    EXPECT_EQ(folderPanel.questions[0].title, "Choose Recording Folder");
-    EXPECT_EQ(folderPanel.questions[0].prompt, "Choose");
-    EXPECT_EQ(folderPanel.questions[0].directory, "/recordings");
+    ASSERT_EQ(folderDialog.questions.size(), 1U);
+    EXPECT_EQ(folderDialog.questions[0].title, "Choose Recording Folder");
+    EXPECT_EQ(folderDialog.questions[0].prompt, "Choose");
+    EXPECT_EQ(folderDialog.questions[0].directory, "/recordings");
 }
 
 TEST_F(ViewModelTest, keepsTheChosenFolderAndSalvagesWhatLiesInIt) {
     launchAndSettle();
     recorder.salvaged = {"/chosen/found.m4a"};
     model->chooseOutputDirectory();
-    folderPanel.answer("/chosen");
+    folderDialog.answer("/chosen");
     EXPECT_EQ(values().outputDirectory, "/chosen");
     EXPECT_EQ(preferences.get(Preference::outputDirectory), "/chosen");
     scheduler.settle();
@@ -50,7 +50,7 @@ TEST_F(ViewModelTest, keepsTheChosenFolderAndSalvagesWhatLiesInIt) {
 TEST_F(ViewModelTest, choosingTheSameFolderStoresAndSalvagesAgain) {
     launchAndSettle();
     model->chooseOutputDirectory();
-    folderPanel.answer(byDefault);
+    folderDialog.answer(byDefault);
     scheduler.settle();
     EXPECT_EQ(preferences.stored,
               (decltype(preferences.stored){{Preference::outputDirectory, byDefault.string()}}));
@@ -60,7 +60,7 @@ TEST_F(ViewModelTest, choosingTheSameFolderStoresAndSalvagesAgain) {
 TEST_F(ViewModelTest, changesNothingWhenTheUserChoosesNoFolder) {
     launchAndSettle();
     model->chooseOutputDirectory();
-    folderPanel.answer(std::nullopt);
+    folderDialog.answer(std::nullopt);
     scheduler.settle();
     EXPECT_EQ(values().outputDirectory, byDefault);
     EXPECT_TRUE(preferences.stored.empty());
@@ -73,7 +73,7 @@ TEST_F(ViewModelTest, cancelsTheSalvageOfTheFolderThatIsLeft) {
     model->chooseOutputDirectory();
     recorder.duringSalvage = [this] {
         recorder.duringSalvage = nullptr;
-        folderPanel.answer("/chosen");
+        folderDialog.answer("/chosen");
         recorder.salvaged = {"/chosen/found.m4a"};
     };
     scheduler.settle();
@@ -88,7 +88,7 @@ TEST_F(ViewModelTest, takesANewFolderInAnyStateAndTheRunningRecordingStaysWhereI
         ViewModelWorld world;
         world.lead(state);
         world.model->chooseOutputDirectory();
-        world.folderPanel.answer("/chosen");
+        world.folderDialog.answer("/chosen");
         EXPECT_EQ(world.state(), state);
         EXPECT_EQ(world.values().outputDirectory, "/chosen");
         EXPECT_EQ(world.preferences.get(Preference::outputDirectory), "/chosen");
@@ -101,7 +101,7 @@ TEST_F(ViewModelTest, isNotMissedByAFolderThatIsChosenTooLate) {
     launchAndSettle();
     model->chooseOutputDirectory();
     model.reset();
-    folderPanel.answer("/chosen");
+    folderDialog.answer("/chosen");
     EXPECT_TRUE(preferences.stored.empty());
 }
 

@@ -176,7 +176,7 @@ TEST_F(ViewModelTest, takesASalvageUpAgainInTheFolderThatWasChosenMeanwhile) {
     model->startRecording();
     scheduler.settle();
     model->chooseOutputDirectory();
-    folderPanel.answer("/elsewhere");
+    folderDialog.answer("/elsewhere");
     model->stopRecording();
     scheduler.settle();
     EXPECT_EQ(recorder.foldersSought.back(), "/elsewhere");

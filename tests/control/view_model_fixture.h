@@ -28,8 +28,8 @@ struct ViewModelWorld {
     FakeAudioDevices devices;
     FakeScreenPermission screen;
     FakeMicrophonePermission microphone;
-    FakeWorkspace workspace;
-    FakeFolderPanel folderPanel;
+    FakeOpener opener;
+    FakeFolderDialog folderDialog;
     AudioLevelStore levels;
     RecorderScript recorder;
     std::unique_ptr<RecordingViewModel> model;
@@ -40,8 +40,8 @@ struct ViewModelWorld {
                 .audioDevices = devices,
                 .captureAccess = screen,
                 .microphoneAccess = microphone,
-                .workspace = workspace,
-                .folderPanel = folderPanel,
+                .opener = opener,
+                .folderDialog = folderDialog,
                 .preferences = preferences,
                 .levels = levels,
                 .defaultRecordingFolder = "/home/somebody/Movies/Vantoro"};

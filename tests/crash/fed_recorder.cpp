@@ -60,8 +60,8 @@ public:
           run_(command_, ending, preferences_),
           model_(std::make_unique<AudioRecorder>(RecorderPlatform{
                      captureAccess_, microphone_, capture_, toolkit_, fileSystem_, clock_}),
-                 {scheduler_, power_, devices_, screenSurvey_, microphoneSurvey_, workspace_,
-                  folderPanel_, preferences_, levels_, folder, [&ending] { ending.moved(); }}) {}
+                 {scheduler_, power_, devices_, screenSurvey_, microphoneSurvey_, opener_,
+                  folderDialog_, preferences_, levels_, folder, [&ending] { ending.moved(); }}) {}
 
     int run() {
         waitForSalvage(model_);
@@ -107,8 +107,8 @@ private:
     FakeAudioDevices devices_;
     FakeScreenPermission screenSurvey_;
     FakeMicrophonePermission microphoneSurvey_;
-    FakeWorkspace workspace_;
-    FakeFolderPanel folderPanel_;
+    FakeOpener opener_;
+    FakeFolderDialog folderDialog_;
     AudioLevelStore levels_;
     RecordCommand command_;
     RecordRun run_;

@@ -5,7 +5,7 @@
 #include <QtGui/QPainter>
 
 #include "ui/style/fonts.h"
-#include "ui/style/line.h"
+#include "ui/style/separator.h"
 #include "ui/style/tones.h"
 
 namespace vantoro {
@@ -51,7 +51,7 @@ void Card::setTitle(const QString& title) {
 
 void Card::addRow(QWidget* row) {
     if (rows_->count() > 0) {
-        rows_->addWidget(new Line(box_));
+        rows_->addWidget(new Separator(box_));
     }
     addToLastRow(row);
 }

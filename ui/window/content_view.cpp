@@ -11,7 +11,7 @@
 #include "control/transitions.h"
 #include "ui/style/fonts.h"
 #include "ui/style/header_icon.h"
-#include "ui/style/line.h"
+#include "ui/style/separator.h"
 #include "ui/window/accessible_parts.h"
 
 namespace vantoro {
@@ -48,9 +48,9 @@ ContentView::ContentView(RecordingViewModel& model, const Preferences& preferenc
     all->setContentsMargins(0, 0, 0, 0);
     all->setSpacing(0);
     all->addWidget(makeHeader());
-    all->addWidget(new Line(this));
+    all->addWidget(new Separator(this));
     all->addWidget(makeColumn(), 1);
-    all->addWidget(new Line(this));
+    all->addWidget(new Separator(this));
     all->addWidget(makeBar());
     connectUser();
     connect(&model_, &RecordingProperties::propertyChanged, this, &ContentView::showProperty);

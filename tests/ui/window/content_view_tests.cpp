@@ -128,7 +128,7 @@ TEST_F(ContentViewTest, saysWhatCanBeDoneAboutAPermission) {
         ASSERT_NE(find<QPushButton>(settings), nullptr);
     }
     QTest::mouseClick(find<QPushButton>(settings), Qt::LeftButton);
-    EXPECT_EQ(workspace.calls, std::vector<std::string>{"settings Privacy_Microphone"});
+    EXPECT_EQ(opener.calls, std::vector<std::string>{"settings Privacy_Microphone"});
     microphone.current = AuthorizationStatus::authorized;
     refresh();
     EXPECT_FALSE(isSeen("Required"));
@@ -197,7 +197,7 @@ TEST_F(ContentViewTest, offersTheRecordingThatWasSavedUntilTheNextBegins) {
     ASSERT_NE(find<SymbolButton>("Play recording"), nullptr);
     EXPECT_TRUE(isSeen("recorded.m4a"));
     QTest::mouseClick(find<SymbolButton>("Play recording"), Qt::LeftButton);
-    EXPECT_EQ(workspace.calls, std::vector<std::string>{"open /music/recorded.m4a"});
+    EXPECT_EQ(opener.calls, std::vector<std::string>{"open /music/recorded.m4a"});
     model->startRecording();
     EXPECT_EQ(find<SymbolButton>("Play recording"), nullptr);
 }

@@ -125,19 +125,19 @@ TEST_F(KeyboardTest, pressesButtonsBySpaceAndByEnter) {
     lead(Case::completed);
     begin();
     for (const auto key : {Qt::Key_Space, Qt::Key_Return, Qt::Key_Enter}) {
-        workspace.calls.clear();
+        opener.calls.clear();
         press("Settings: Screen & System Audio", key);
         press("Settings: Microphone", key);
         press("Open recording folder", key);
         press("Play recording", key);
         press("Show in Finder", key);
-        EXPECT_EQ(workspace.calls,
+        EXPECT_EQ(opener.calls,
                   (Names{"settings Privacy_ScreenCapture", "settings Privacy_Microphone",
                          "open folder " + values().outputDirectory.string(),
                          "open /music/recorded.m4a", "reveal /music/recorded.m4a"}));
-        folderPanel.questions.clear();
+        folderDialog.questions.clear();
         press("Change", key);
-        EXPECT_EQ(folderPanel.questions.size(), 1U);
+        EXPECT_EQ(folderDialog.questions.size(), 1U);
         const auto looked = devices.readings;
         press("Refresh audio devices and permissions", key);
         scheduler.settle();

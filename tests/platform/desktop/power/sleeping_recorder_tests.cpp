@@ -28,8 +28,8 @@ protected:
     FakeAudioDevices devices;
     FakeScreenPermission screen;
     FakeMicrophonePermission microphone;
-    FakeWorkspace workspace;
-    FakeFolderPanel folderPanel;
+    FakeOpener opener;
+    FakeFolderDialog folderDialog;
     AudioLevelStore levels;
     RecorderScript recorder;
     std::binary_semaphore mayGoOn{0};
@@ -40,7 +40,7 @@ protected:
         start();
         model = std::make_unique<RecordingViewModel>(
             std::make_unique<FakeRecorder>(recorder),
-            ControlPlatform{*scheduler, *power, devices, screen, microphone, workspace, folderPanel,
+            ControlPlatform{*scheduler, *power, devices, screen, microphone, opener, folderDialog,
                             preferences, levels, "/recordings"});
         waitForTheFirstSalvage();
     }

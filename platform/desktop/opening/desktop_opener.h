@@ -10,13 +10,13 @@
 
 #include <QtCore/QThreadPool>
 
-#include "control/ports/workspace.h"
+#include "control/ports/opener.h"
 #include "platform/desktop/bus/bus_addresses.h"
 
 namespace vantoro::desktop {
 
-/// Where the workspace finds the desktop.
-struct WorkspaceSurroundings {
+/// Where the opener finds the desktop.
+struct OpenerSurroundings {
     std::string sessionBus = standardBusAddresses().session;
     std::filesystem::path sandboxDescription = "/.flatpak-info";
     /// The desktop's names, with colons between.
@@ -35,14 +35,14 @@ struct WorkspaceSurroundings {
 ///
 /// In a sandbox everything goes through the portal; outside, through the applications that the user
 /// chose and the file manager.
-class DesktopWorkspace final : public Workspace {
+class DesktopOpener final : public Opener {
 public:
-    explicit DesktopWorkspace(WorkspaceSurroundings surroundings = {});
-    DesktopWorkspace(const DesktopWorkspace&) = delete;
-    DesktopWorkspace& operator=(const DesktopWorkspace&) = delete;
+    explicit DesktopOpener(OpenerSurroundings surroundings = {});
+    DesktopOpener(const DesktopOpener&) = delete;
+    DesktopOpener& operator=(const DesktopOpener&) = delete;
     /// Gives up what is under way: waits for the disk perhaps, for no service. What was started
     /// goes on.
-    ~DesktopWorkspace() override;
+    ~DesktopOpener() override;
 
     void open(const std::filesystem::path& file) override;
     void openFolder(const std::filesystem::path& folder) override;
@@ -54,7 +54,7 @@ private:
     /// Has it done on a thread; `what` is named when it returns false.
     void start(const std::string& what, std::function<bool()> work);
 
-    WorkspaceSurroundings surroundings_;
+    OpenerSurroundings surroundings_;
     std::stop_source stop_;
     QThreadPool threads_;
 };

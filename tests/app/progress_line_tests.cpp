@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "app/live_line.h"
+#include "app/progress_line.h"
 
 #include <gtest/gtest.h>
 
@@ -9,20 +9,20 @@
 namespace vantoro::testing {
 namespace {
 
-class LiveLineTest : public ::testing::Test {
+class ProgressLineTest : public ::testing::Test {
 protected:
     MemoryPreferences english = preferencesIn("en");
     MemoryPreferences chinese = preferencesIn("zh-Hans");
     RecordingProperties::Values values;
 
-    LiveLineTest() {
+    ProgressLineTest() {
         values.elapsedSeconds = 5;
         values.systemAudioLevel = 0.5;
         values.microphoneLevel = 1;
     }
 };
 
-TEST_F(LiveLineTest, showsTheTimeAndTheLevelsOfTheSourcesThatAreOn) {
+TEST_F(ProgressLineTest, showsTheTimeAndTheLevelsOfTheSourcesThatAreOn) {
     const L10n texts(english);
     EXPECT_EQ(recordingLine(values, texts),
               "00:05  System [##########----------]  Mic [####################]");
@@ -35,13 +35,13 @@ TEST_F(LiveLineTest, showsTheTimeAndTheLevelsOfTheSourcesThatAreOn) {
     EXPECT_EQ(recordingLine(values, texts), "01:00:00  System [--------------------]");
 }
 
-TEST_F(LiveLineTest, speaksTheUsersLanguage) {
+TEST_F(ProgressLineTest, speaksTheUsersLanguage) {
     values.captureSystemAudio = false;
     EXPECT_EQ(recordingLine(values, L10n(chinese)), "00:05  麦克风 [####################]");
     EXPECT_EQ(savingLine(0.5, L10n(chinese)), "保存中 50 %");
 }
 
-TEST_F(LiveLineTest, saysOfWhichSourceNothingWillBeHeard) {
+TEST_F(ProgressLineTest, saysOfWhichSourceNothingWillBeHeard) {
     values.systemAudioLevel = 0;
     values.microphoneLevel = 0;
     values.systemAudioCondition = SourceCondition::silent;
@@ -53,7 +53,7 @@ TEST_F(LiveLineTest, saysOfWhichSourceNothingWillBeHeard) {
                                                     "  麦克风 [--------------------] 已静音!");
 }
 
-TEST_F(LiveLineTest, savingIsAPercentage) {
+TEST_F(ProgressLineTest, savingIsAPercentage) {
     const L10n texts(english);
     EXPECT_EQ(savingLine(0, texts), "Saving 0 %");
     EXPECT_EQ(savingLine(0.426, texts), "Saving 43 %");

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "platform/desktop/opening/desktop_workspace.h"
+#include "platform/desktop/opening/desktop_opener.h"
 
 #include <algorithm>
 #include <limits>
@@ -25,7 +25,7 @@ namespace {
 constexpr std::chrono::milliseconds limitWithoutABus = std::chrono::seconds(2);
 
 /// Here, and not by whoever asks: whether there is a sandbox is read from the disk.
-Opening openingIn(const WorkspaceSurroundings& surroundings, std::stop_token stop) {
+Opening openingIn(const OpenerSurroundings& surroundings, std::stop_token stop) {
     const bool isSilent =
         findSilentBuses({.addresses = {.system = {}, .session = surroundings.sessionBus},
                          .accessibility = std::nullopt})
@@ -45,24 +45,24 @@ std::string installedHelpPage() {
     return page.isEmpty() ? std::string() : fileURI(page.toStdString());
 }
 
-bool showHelp(const WorkspaceSurroundings& surroundings, const std::stop_token& stop) {
+bool showHelp(const OpenerSurroundings& surroundings, const std::stop_token& stop) {
     const auto page = surroundings.helpPage.empty() ? installedHelpPage() : surroundings.helpPage;
     return !page.empty() && openingIn(surroundings, stop).address(page);
 }
 
 } // namespace
 
-DesktopWorkspace::DesktopWorkspace(WorkspaceSurroundings surroundings)
+DesktopOpener::DesktopOpener(OpenerSurroundings surroundings)
     : surroundings_(std::move(surroundings)) {
     threads_.setMaxThreadCount(std::numeric_limits<int>::max()); // nothing waits for a thread
 }
 
-DesktopWorkspace::~DesktopWorkspace() {
+DesktopOpener::~DesktopOpener() {
     stop_.request_stop();
     threads_.waitForDone();
 }
 
-void DesktopWorkspace::start(const std::string& what, std::function<bool()> work) {
+void DesktopOpener::start(const std::string& what, std::function<bool()> work) {
     threads_.start([what, work = std::move(work), stop = stop_.get_token()] {
         if (!stop.stop_requested() && !work() && !stop.stop_requested()) {
             qWarning("Cannot open %s", what.c_str());
@@ -70,13 +70,13 @@ void DesktopWorkspace::start(const std::string& what, std::function<bool()> work
     });
 }
 
-void DesktopWorkspace::open(const std::filesystem::path& file) {
+void DesktopOpener::open(const std::filesystem::path& file) {
     start(file, [file, surroundings = surroundings_, stop = stop_.get_token()] {
         return openingIn(surroundings, stop).file(file);
     });
 }
 
-void DesktopWorkspace::openFolder(const std::filesystem::path& folder) {
+void DesktopOpener::openFolder(const std::filesystem::path& folder) {
     start(folder, [folder, surroundings = surroundings_, stop = stop_.get_token()] {
         // A folder that cannot be made cannot be shown either, which will be told.
         std::error_code ignored;
@@ -85,19 +85,19 @@ void DesktopWorkspace::openFolder(const std::filesystem::path& folder) {
     });
 }
 
-void DesktopWorkspace::reveal(const std::filesystem::path& file) {
+void DesktopOpener::reveal(const std::filesystem::path& file) {
     start(file, [file, surroundings = surroundings_, stop = stop_.get_token()] {
         return openingIn(surroundings, stop).reveal(file);
     });
 }
 
-void DesktopWorkspace::openPage(const std::string& address) {
+void DesktopOpener::openPage(const std::string& address) {
     start(address, [address, surroundings = surroundings_, stop = stop_.get_token()] {
         return openingIn(surroundings, stop).address(address);
     });
 }
 
-void DesktopWorkspace::openPrivacySettings(const std::string& anchor) {
+void DesktopOpener::openPrivacySettings(const std::string& anchor) {
     const auto pages = privacySettingsPages(surroundings_.desktops, anchor);
     if (pages.empty()) {
         return;

@@ -8,12 +8,12 @@
 #include <unistd.h>
 
 #include "platform/desktop/opening/file_uri.h"
-#include "tests/platform/desktop/opening/workspace_fixture.h"
+#include "tests/platform/desktop/opening/opener_fixture.h"
 
 namespace vantoro::testing {
 namespace {
 
-class WorkspaceSettingsTest : public WorkspaceTest {
+class OpenerSettingsTest : public OpenerTest {
 protected:
     void install(const std::string& program) const {
         applications.addProgram(folder / "programs" / program);
@@ -21,7 +21,7 @@ protected:
 
     /// The program that was started for it and its arguments, or nothing.
     std::vector<std::string> shown(const std::string& anchor) {
-        workspace().openPrivacySettings(anchor);
+        opener().openPrivacySettings(anchor);
         const auto started = applications.nextStarted();
         if (!started) {
             return {};
@@ -34,7 +34,7 @@ protected:
 
 using Line = std::vector<std::string>;
 
-TEST_F(WorkspaceSettingsTest, areTheDesktops) {
+TEST_F(OpenerSettingsTest, areTheDesktops) {
     surroundings.desktops = "ubuntu:GNOME";
     install("pavucontrol");
     install("gnome-control-center");
@@ -42,7 +42,7 @@ TEST_F(WorkspaceSettingsTest, areTheDesktops) {
     EXPECT_EQ(shown("Privacy_ScreenCapture"), (Line{"gnome-control-center", "sound"}));
 }
 
-TEST_F(WorkspaceSettingsTest, areTheFirstOnesThatAreInstalled) {
+TEST_F(OpenerSettingsTest, areTheFirstOnesThatAreInstalled) {
     surroundings.desktops = "KDE";
     std::filesystem::create_directories(folder / "programs" / "systemsettings"); // no program
     std::ofstream(folder / "programs" / "systemsettings6") << "not executable";
@@ -51,22 +51,22 @@ TEST_F(WorkspaceSettingsTest, areTheFirstOnesThatAreInstalled) {
     EXPECT_EQ(shown("Privacy_Microphone"), (Line{"systemsettings5", "kcm_pulseaudio"}));
 }
 
-TEST_F(WorkspaceSettingsTest, areLookedForInAllFolders) {
+TEST_F(OpenerSettingsTest, areLookedForInAllFolders) {
     surroundings.searchPath = "/nonexistent:" + folder.string() + ":" + surroundings.searchPath;
     install("pwvucontrol");
     EXPECT_EQ(shown("Privacy_Microphone"), Line{"pwvucontrol"});
 }
 
-TEST_F(WorkspaceSettingsTest, programThatDoesNotStartIsPassedOver) {
+TEST_F(OpenerSettingsTest, programThatDoesNotStartIsPassedOver) {
     install("pwvucontrol");
     install("pavucontrol");
     std::ofstream(folder / "programs" / "pavucontrol") << "#!/nonexistent/interpreter\n";
     EXPECT_EQ(shown("Privacy_Microphone"), Line{"pwvucontrol"});
 }
 
-TEST_F(WorkspaceSettingsTest, programIsNeitherOurChildNorInOurSession) {
+TEST_F(OpenerSettingsTest, programIsNeitherOurChildNorInOurSession) {
     install("pavucontrol");
-    workspace().openPrivacySettings("Privacy_Microphone");
+    opener().openPrivacySettings("Privacy_Microphone");
     const auto started = applications.nextStarted();
     ASSERT_TRUE(started);
     EXPECT_NE(started->session, ::getsid(0));
@@ -74,9 +74,9 @@ TEST_F(WorkspaceSettingsTest, programIsNeitherOurChildNorInOurSession) {
     EXPECT_NE(started->parent, ::getpid());
 }
 
-TEST_F(WorkspaceSettingsTest, unknownPermissionShowsNothing) {
+TEST_F(OpenerSettingsTest, unknownPermissionShowsNothing) {
     // Neither a program nor a complaint that there is none.
-    workspace().openPrivacySettings("Privacy_Camera");
+    opener().openPrivacySettings("Privacy_Camera");
     install("pavucontrol");
     EXPECT_EQ(shown("Privacy_Microphone"), Line{"pavucontrol"});
     current.reset(); // which has all of it done
@@ -84,18 +84,18 @@ TEST_F(WorkspaceSettingsTest, unknownPermissionShowsNothing) {
     EXPECT_FALSE(applications.hasStarted());
 }
 
-TEST_F(WorkspaceSettingsTest, helpIsShownWhereNothingIsInstalled) {
+TEST_F(OpenerSettingsTest, helpIsShownWhereNothingIsInstalled) {
     const auto page = makeFile("100% help.html");
     surroundings.helpPage = desktop::fileURI(page);
     EXPECT_EQ(shown("Privacy_Microphone"), (Line{"browser", page.string()}));
 }
 
-TEST_F(WorkspaceSettingsTest, helpMayBeOnTheWeb) {
+TEST_F(OpenerSettingsTest, helpMayBeOnTheWeb) {
     surroundings.helpPage = "https://example.org/help";
     EXPECT_EQ(shown("Privacy_ScreenCapture"), (Line{"browser", surroundings.helpPage}));
 }
 
-TEST_F(WorkspaceSettingsTest, helpIsTheInstalledPageUnlessThereIsAnother) {
+TEST_F(OpenerSettingsTest, helpIsTheInstalledPageUnlessThereIsAnother) {
     const auto page = applications.dataFolder() / "vantoro" / "help" / "privacy.html";
     std::filesystem::create_directories(page.parent_path());
     std::ofstream(page) << "help";
@@ -103,8 +103,8 @@ TEST_F(WorkspaceSettingsTest, helpIsTheInstalledPageUnlessThereIsAnother) {
     std::filesystem::remove(page);
 }
 
-TEST_F(WorkspaceSettingsTest, whereThereIsNoHelpEitherThatIsSaid) {
-    workspace().openPrivacySettings("Privacy_Microphone");
+TEST_F(OpenerSettingsTest, whereThereIsNoHelpEitherThatIsSaid) {
+    opener().openPrivacySettings("Privacy_Microphone");
     EXPECT_EQ(warnings().next(), "Cannot open the settings Privacy_Microphone");
 }
 

@@ -9,7 +9,7 @@
 
 namespace vantoro {
 
-/// What a folder panel says and where it begins.
+/// What a folder dialog says and where it begins.
 struct FolderQuestion {
     std::string title;
     std::string prompt; ///< on the button that confirms
@@ -17,9 +17,9 @@ struct FolderQuestion {
 };
 
 /// Lets the user pick one folder, or make one. Main thread.
-class FolderPanel {
+class FolderDialog {
 public:
-    virtual ~FolderPanel() = default;
+    virtual ~FolderDialog() = default;
 
     /// Modal: the user does nothing else with the program until it is answered. `answer` is called
     /// once on the main thread, after the call has returned, with nothing when the user thought

@@ -9,7 +9,7 @@
 #include <QtCore/QStringList>
 
 #include "platform/desktop/opening/file_uri.h"
-#include "tests/platform/desktop/opening/workspace_fixture.h"
+#include "tests/platform/desktop/opening/opener_fixture.h"
 
 namespace vantoro::testing {
 namespace {
@@ -27,10 +27,10 @@ std::string memberOf(const std::optional<QDBusMessage>& question) {
     return question ? question->member().toStdString() : std::string();
 }
 
-TEST_F(WorkspaceTest, revealSelectsTheFileInTheFileManager) {
+TEST_F(OpenerTest, revealSelectsTheFileInTheFileManager) {
     const BusService manager(privateBus, managerName, agreeing());
     const auto file = makeFile("a.m4a");
-    workspace().reveal(file);
+    opener().reveal(file);
     const auto question = questions.next();
     ASSERT_EQ(memberOf(question), "ShowItems");
     EXPECT_EQ(question->path(), "/org/freedesktop/FileManager1");
@@ -40,76 +40,76 @@ TEST_F(WorkspaceTest, revealSelectsTheFileInTheFileManager) {
     EXPECT_EQ(question->arguments().value(1), QString());
 }
 
-TEST_F(WorkspaceTest, revealTakesAnyName) {
+TEST_F(OpenerTest, revealTakesAnyName) {
     const BusService manager(privateBus, managerName, agreeing());
     for (const auto* name : {"two words", "\xC3\xBC", "100% #1?", "\xFC\xFF.m4a"}) {
         const auto file = makeFile(name);
-        workspace().reveal(file);
+        opener().reveal(file);
         const auto address = addressIn(questions.next());
         EXPECT_EQ(address, desktop::fileURI(file));
         EXPECT_EQ(desktop::fileOfURI(address), file);
     }
 }
 
-TEST_F(WorkspaceTest, revealStartsTheFileManager) {
+TEST_F(OpenerTest, revealStartsTheFileManager) {
     privateBus.addStartableService(managerName);
     surroundings.limit = std::chrono::seconds(1); // what is started here never comes up
-    workspace().reveal(makeFile("a.m4a"));
+    opener().reveal(makeFile("a.m4a"));
     EXPECT_TRUE(warnings().next());
     EXPECT_TRUE(privateBus.startedAService());
 }
 
-TEST_F(WorkspaceTest, revealOpensTheFolderWhereThereIsNoFileManager) {
+TEST_F(OpenerTest, revealOpensTheFolderWhereThereIsNoFileManager) {
     const BusService folders(applications.bus(), foldersName, agreeing());
     const auto file = makeFile("a.m4a");
-    workspace().reveal(file);
+    opener().reveal(file);
     const auto question = questions.next();
     EXPECT_EQ(memberOf(question), "Open");
     EXPECT_EQ(addressIn(question), "file://" + folder.string());
 }
 
-TEST_F(WorkspaceTest, revealOpensTheFolderWhereTheFileManagerCannotSelect) {
+TEST_F(OpenerTest, revealOpensTheFolderWhereTheFileManagerCannotSelect) {
     const BusService manager(privateBus, managerName, refusing("ShowFolders"));
-    workspace().reveal(makeFile("a.m4a"));
+    opener().reveal(makeFile("a.m4a"));
     EXPECT_EQ(memberOf(questions.next()), "ShowItems");
     const auto question = questions.next();
     EXPECT_EQ(memberOf(question), "ShowFolders");
     EXPECT_EQ(addressIn(question), "file://" + folder.string());
 }
 
-TEST_F(WorkspaceTest, revealMakesNoFolder) {
+TEST_F(OpenerTest, revealMakesNoFolder) {
     const BusService manager(privateBus, managerName, refusing());
-    workspace().reveal(folder / "gone" / "a.m4a");
+    opener().reveal(folder / "gone" / "a.m4a");
     EXPECT_EQ(warnings().next(), "Cannot open " + (folder / "gone" / "a.m4a").string());
     EXPECT_FALSE(std::filesystem::exists(folder / "gone"));
 }
 
-TEST_F(WorkspaceTest, hangingFileManagerIsNotWaitedForLong) {
+TEST_F(OpenerTest, hangingFileManagerIsNotWaitedForLong) {
     constexpr auto limit = std::chrono::seconds(1);
     const BusService manager(privateBus, managerName, silent());
     surroundings.limit = limit;
     QElapsedTimer timer;
     timer.start();
-    workspace().reveal(makeFile("a.m4a"));
+    opener().reveal(makeFile("a.m4a"));
     EXPECT_EQ(memberOf(questions.next()), "ShowItems");
     EXPECT_EQ(memberOf(questions.next()), "ShowFolders");
     EXPECT_TRUE(warnings().next());
     EXPECT_LT(timer.elapsed(), 20'000);
 }
 
-TEST_F(WorkspaceTest, hangingFileManagerKeepsNothingElseWaiting) {
+TEST_F(OpenerTest, hangingFileManagerKeepsNothingElseWaiting) {
     const BusService manager(privateBus, managerName, silent());
     const auto file = makeFile("a.m4a");
-    workspace().reveal(file);
+    opener().reveal(file);
     EXPECT_EQ(memberOf(questions.next()), "ShowItems");
-    workspace().open(file);
+    opener().open(file);
     EXPECT_TRUE(applications.nextStarted());
 }
 
-TEST_F(WorkspaceTest, endDoesNotWaitForAHangingFileManager) {
+TEST_F(OpenerTest, endDoesNotWaitForAHangingFileManager) {
     const BusService manager(privateBus, managerName, silent());
     surroundings.limit = std::chrono::minutes(10);
-    workspace().reveal(makeFile("a.m4a"));
+    opener().reveal(makeFile("a.m4a"));
     EXPECT_EQ(memberOf(questions.next()), "ShowItems");
     QElapsedTimer timer;
     timer.start();
@@ -118,10 +118,10 @@ TEST_F(WorkspaceTest, endDoesNotWaitForAHangingFileManager) {
     EXPECT_TRUE(questions.empty()); // nor is anything else tried
 }
 
-TEST_F(WorkspaceTest, endDoesNotWaitForAHangingApplication) {
+TEST_F(OpenerTest, endDoesNotWaitForAHangingApplication) {
     const BusService folders(applications.bus(), foldersName, silent());
     surroundings.limit = std::chrono::minutes(10);
-    workspace().openFolder(folder);
+    opener().openFolder(folder);
     EXPECT_EQ(memberOf(questions.next()), "Open");
     QElapsedTimer timer;
     timer.start();
@@ -129,11 +129,11 @@ TEST_F(WorkspaceTest, endDoesNotWaitForAHangingApplication) {
     EXPECT_LT(timer.elapsed(), 20'000);
 }
 
-TEST_F(WorkspaceTest, fileIsOpenedWithItsApplication) {
+TEST_F(OpenerTest, fileIsOpenedWithItsApplication) {
     for (const auto* name : {"a.m4a", "two words.m4a", "\xC3\xBC.m4a", "100% #1?.m4a",
                              "\xFC\xFF.m4a", "quote'\"$HOME.m4a"}) {
         const auto file = makeFile(name);
-        workspace().open(file);
+        opener().open(file);
         const auto started = applications.nextStarted();
         ASSERT_TRUE(started) << name;
         EXPECT_EQ(started->name, "opener");
@@ -141,8 +141,8 @@ TEST_F(WorkspaceTest, fileIsOpenedWithItsApplication) {
     }
 }
 
-TEST_F(WorkspaceTest, applicationIsNeitherOurChildNorInOurSession) {
-    workspace().open(makeFile("a.m4a"));
+TEST_F(OpenerTest, applicationIsNeitherOurChildNorInOurSession) {
+    opener().open(makeFile("a.m4a"));
     const auto started = applications.nextStarted();
     ASSERT_TRUE(started);
     EXPECT_NE(started->session, ::getsid(0));
@@ -150,58 +150,58 @@ TEST_F(WorkspaceTest, applicationIsNeitherOurChildNorInOurSession) {
     EXPECT_NE(started->parent, ::getpid());
 }
 
-TEST_F(WorkspaceTest, fileWithoutAnApplicationIsRevealed) {
+TEST_F(OpenerTest, fileWithoutAnApplicationIsRevealed) {
     const BusService manager(privateBus, managerName, agreeing());
     const auto file = makeFile("a.orphan");
-    workspace().open(file);
+    opener().open(file);
     const auto question = questions.next();
     EXPECT_EQ(memberOf(question), "ShowItems");
     EXPECT_EQ(addressIn(question), "file://" + file.string());
 }
 
-TEST_F(WorkspaceTest, fileThatIsGoneLeadsToItsFolder) {
+TEST_F(OpenerTest, fileThatIsGoneLeadsToItsFolder) {
     const BusService manager(privateBus, managerName, refusing("ShowFolders"));
-    workspace().open(folder / "gone.m4a");
+    opener().open(folder / "gone.m4a");
     EXPECT_EQ(memberOf(questions.next()), "ShowItems");
     EXPECT_EQ(addressIn(questions.next()), "file://" + folder.string());
 }
 
-TEST_F(WorkspaceTest, fileThatNothingOpensIsNamed) {
+TEST_F(OpenerTest, fileThatNothingOpensIsNamed) {
     const auto file = makeFile("a.orphan");
-    workspace().open(file);
+    opener().open(file);
     EXPECT_EQ(warnings().next(), "Cannot open " + file.string());
 }
 
-TEST_F(WorkspaceTest, nothingIsOpenedWithoutABus) {
+TEST_F(OpenerTest, nothingIsOpenedWithoutABus) {
     surroundings.sessionBus = "";
     const auto file = makeFile("a.orphan");
-    workspace().reveal(file);
+    opener().reveal(file);
     EXPECT_EQ(warnings().next(), "Cannot open " + file.string());
 }
 
-TEST_F(WorkspaceTest, folderIsMadeAndOpenedWithItsApplication) {
+TEST_F(OpenerTest, folderIsMadeAndOpenedWithItsApplication) {
     const BusService folders(applications.bus(), foldersName, agreeing());
     const auto made = folder / "some new" / "f\xC3\xB6lder";
-    workspace().openFolder(made);
+    opener().openFolder(made);
     const auto question = questions.next();
     EXPECT_EQ(memberOf(question), "Open");
     EXPECT_EQ(addressIn(question), desktop::fileURI(made));
     EXPECT_TRUE(std::filesystem::is_directory(made));
 }
 
-TEST_F(WorkspaceTest, folderWhoseApplicationFailsIsShownByTheFileManager) {
+TEST_F(OpenerTest, folderWhoseApplicationFailsIsShownByTheFileManager) {
     const BusService manager(privateBus, managerName, agreeing());
-    workspace().openFolder(folder);
+    opener().openFolder(folder);
     const auto question = questions.next();
     ASSERT_EQ(memberOf(question), "ShowFolders");
     EXPECT_EQ(question->signature(), "ass");
     EXPECT_EQ(addressIn(question), "file://" + folder.string());
 }
 
-TEST_F(WorkspaceTest, folderThatCannotBeMadeIsAskedForAllTheSame) {
+TEST_F(OpenerTest, folderThatCannotBeMadeIsAskedForAllTheSame) {
     const BusService manager(privateBus, managerName, agreeing());
     const auto impossible = makeFile("a.m4a") / "folder";
-    workspace().openFolder(impossible);
+    opener().openFolder(impossible);
     EXPECT_EQ(addressIn(questions.next()), "file://" + impossible.string());
 }
 

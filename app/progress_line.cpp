@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "app/live_line.h"
+#include "app/progress_line.h"
 
 #include <algorithm>
 #include <cmath>

@@ -7,19 +7,19 @@
 #include <QtCore/QPointer>
 #include <QtWidgets/QFileDialog>
 
-#include "control/ports/folder_panel.h"
+#include "control/ports/folder_dialog.h"
 
 namespace vantoro {
 
 /// The desktop's own file dialog, or Qt's where the desktop has none for us. Main thread, of a
 /// program with windows.
-class DialogFolderPanel final : public FolderPanel {
+class WindowFolderDialog final : public FolderDialog {
 public:
-    DialogFolderPanel() = default;
-    DialogFolderPanel(const DialogFolderPanel&) = delete;
-    DialogFolderPanel& operator=(const DialogFolderPanel&) = delete;
+    WindowFolderDialog() = default;
+    WindowFolderDialog(const WindowFolderDialog&) = delete;
+    WindowFolderDialog& operator=(const WindowFolderDialog&) = delete;
     /// Takes an open dialog away.
-    ~DialogFolderPanel() override;
+    ~WindowFolderDialog() override;
 
     /// Brings the dialog to the front when it is open already; that question is then the only one.
     void choose(const FolderQuestion& question,

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "ui/window/dialog_folder_panel.h"
+#include "ui/window/window_folder_dialog.h"
 
 #include <utility>
 
@@ -24,12 +24,12 @@ std::optional<std::filesystem::path> choiceOf(const QFileDialog& dialog, int res
 
 } // namespace
 
-DialogFolderPanel::~DialogFolderPanel() {
+WindowFolderDialog::~WindowFolderDialog() {
     delete dialog_.data();
 }
 
-void DialogFolderPanel::choose(const FolderQuestion& question,
-                               std::function<void(std::optional<std::filesystem::path>)> answer) {
+void WindowFolderDialog::choose(const FolderQuestion& question,
+                                std::function<void(std::optional<std::filesystem::path>)> answer) {
     if (dialog_) {
         dialog_->raise();
         dialog_->activateWindow();

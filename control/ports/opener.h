@@ -9,9 +9,9 @@ namespace vantoro {
 
 /// The desktop around the program. Called on the main thread, which is never kept waiting: what is
 /// asked for happens soon after, or the nearest thing to it that this desktop can do.
-class Workspace {
+class Opener {
 public:
-    virtual ~Workspace() = default;
+    virtual ~Opener() = default;
 
     /// Opens a file with its default application.
     virtual void open(const std::filesystem::path& file) = 0;

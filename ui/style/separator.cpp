@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "ui/style/line.h"
+#include "ui/style/separator.h"
 
 #include <QtGui/QPainter>
 
@@ -8,11 +8,11 @@
 
 namespace vantoro {
 
-Line::Line(QWidget* parent) : QWidget(parent) {
+Separator::Separator(QWidget* parent) : QWidget(parent) {
     setFixedHeight(1);
 }
 
-void Line::paintEvent(QPaintEvent* /*event*/) {
+void Separator::paintEvent(QPaintEvent* /*event*/) {
     QPainter(this).fillRect(rect(), lineColour(palette()));
 }
 

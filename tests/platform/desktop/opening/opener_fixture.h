@@ -16,7 +16,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/desktop/opening/desktop_workspace.h"
+#include "platform/desktop/opening/desktop_opener.h"
 #include "tests/platform/desktop/bus/private_bus.h"
 #include "tests/platform/desktop/opening/private_applications.h"
 
@@ -54,27 +54,27 @@ private:
     std::deque<Thing> things_;
 };
 
-/// A workspace on a bus of its own, outside any sandbox at first, without any service.
-class WorkspaceTest : public ::testing::Test {
+/// An opener on a bus of its own, outside any sandbox at first, without any service.
+class OpenerTest : public ::testing::Test {
 protected:
     PrivateBus privateBus;
     QTemporaryDir temporary;
     std::filesystem::path folder = temporary.path().toStdString();
     PrivateApplications& applications = PrivateApplications::instance();
-    desktop::WorkspaceSurroundings surroundings{.sessionBus = privateBus.address().toStdString(),
-                                                .sandboxDescription = folder / "sandbox-info",
-                                                .desktops = "",
-                                                .searchPath = (folder / "programs").string(),
-                                                .helpPage = {},
-                                                .limit = std::chrono::seconds(20)};
-    std::unique_ptr<desktop::DesktopWorkspace> current;
+    desktop::OpenerSurroundings surroundings{.sessionBus = privateBus.address().toStdString(),
+                                             .sandboxDescription = folder / "sandbox-info",
+                                             .desktops = "",
+                                             .searchPath = (folder / "programs").string(),
+                                             .helpPage = {},
+                                             .limit = std::chrono::seconds(20)};
+    std::unique_ptr<desktop::DesktopOpener> current;
     Arrivals<QDBusMessage> questions; // of the services below
 
     void SetUp() override;
     void TearDown() override;
 
     /// Made when it is first asked for: the surroundings may be changed until then.
-    desktop::DesktopWorkspace& workspace();
+    desktop::DesktopOpener& opener();
 
     std::filesystem::path makeFile(const std::string& name) const;
     void enterSandbox() const;

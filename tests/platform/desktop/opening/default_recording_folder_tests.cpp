@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "platform/desktop/opening/recording_folder.h"
+#include "platform/desktop/opening/default_recording_folder.h"
 
 #include <filesystem>
 #include <fstream>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "ui/window/dialog_folder_panel.h"
+#include "ui/window/window_folder_dialog.h"
 
 #include <QtCore/QFile>
 #include <QtCore/QTemporaryDir>
@@ -16,12 +16,12 @@ namespace {
 
 using Answer = std::optional<std::filesystem::path>;
 
-class DialogFolderPanelTest : public ::testing::Test {
+class WindowFolderDialogTest : public ::testing::Test {
 protected:
     QTemporaryDir temporary;
     std::filesystem::path begin = temporary.path().toStdString();
     std::vector<Answer> answers;
-    std::unique_ptr<DialogFolderPanel> panel = std::make_unique<DialogFolderPanel>();
+    std::unique_ptr<WindowFolderDialog> panel = std::make_unique<WindowFolderDialog>();
 
     void choose() {
         panel->choose({.title = "Choose Recording Folder", .prompt = "Choose", .directory = begin},
@@ -44,7 +44,7 @@ protected:
     }
 };
 
-TEST_F(DialogFolderPanelTest, asksAsItWasToldAndBeginsWhereItWasTold) {
+TEST_F(WindowFolderDialogTest, asksAsItWasToldAndBeginsWhereItWasTold) {
     choose();
     EXPECT_EQ(dialog()->windowTitle(), "Choose Recording Folder");
     EXPECT_EQ(dialog()->labelText(QFileDialog::Accept), "Choose");
@@ -53,7 +53,7 @@ TEST_F(DialogFolderPanelTest, asksAsItWasToldAndBeginsWhereItWasTold) {
     EXPECT_TRUE(dialog()->isModal());
 }
 
-TEST_F(DialogFolderPanelTest, answersWithTheFolderThatIsChosen) {
+TEST_F(WindowFolderDialogTest, answersWithTheFolderThatIsChosen) {
     const auto chosen = begin / "Aufnahmen \xc3\xbc, two";
     std::filesystem::create_directory(chosen);
     choose();
@@ -64,14 +64,14 @@ TEST_F(DialogFolderPanelTest, answersWithTheFolderThatIsChosen) {
     EXPECT_EQ(answers[0], chosen);
 }
 
-TEST_F(DialogFolderPanelTest, answersWithNothingWhenItIsGivenUp) {
+TEST_F(WindowFolderDialogTest, answersWithNothingWhenItIsGivenUp) {
     choose();
     QTest::keyClick(dialog(), Qt::Key_Escape);
     ASSERT_TRUE(waitForAnswer(answers, 1));
     EXPECT_EQ(answers[0], std::nullopt);
 }
 
-TEST_F(DialogFolderPanelTest, asksOneQuestionAtATime) {
+TEST_F(WindowFolderDialogTest, asksOneQuestionAtATime) {
     choose();
     const auto* const first = dialog();
     choose();
@@ -82,7 +82,7 @@ TEST_F(DialogFolderPanelTest, asksOneQuestionAtATime) {
     EXPECT_TRUE(dialog()->isVisible());
 }
 
-TEST_F(DialogFolderPanelTest, takesItsDialogWithIt) {
+TEST_F(WindowFolderDialogTest, takesItsDialogWithIt) {
     choose();
     panel.reset();
     EXPECT_EQ(dialog(), nullptr);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "tests/platform/desktop/opening/workspace_fixture.h"
+#include "tests/platform/desktop/opening/opener_fixture.h"
 
 #include <fstream>
 
@@ -18,54 +18,54 @@ void note(QtMsgType, const QMessageLogContext&, const QString& message) {
 
 } // namespace
 
-Arrivals<std::string>& WorkspaceTest::warnings() {
+Arrivals<std::string>& OpenerTest::warnings() {
     return *said;
 }
 
-void WorkspaceTest::SetUp() {
+void OpenerTest::SetUp() {
     said = std::make_unique<Arrivals<std::string>>();
     qInstallMessageHandler(note);
     applications.forgetStarted();
 }
 
-void WorkspaceTest::TearDown() {
+void OpenerTest::TearDown() {
     current.reset();
     std::filesystem::remove_all(folder); // Qt cannot, where names are not UTF-8
     qInstallMessageHandler(nullptr);
     EXPECT_TRUE(said->empty()) << said->next().value_or("");
 }
 
-desktop::DesktopWorkspace& WorkspaceTest::workspace() {
+desktop::DesktopOpener& OpenerTest::opener() {
     if (!current) {
-        current = std::make_unique<desktop::DesktopWorkspace>(surroundings);
+        current = std::make_unique<desktop::DesktopOpener>(surroundings);
     }
     return *current;
 }
 
-std::filesystem::path WorkspaceTest::makeFile(const std::string& name) const {
+std::filesystem::path OpenerTest::makeFile(const std::string& name) const {
     std::ofstream(folder / name) << "sound";
     return folder / name;
 }
 
-void WorkspaceTest::enterSandbox() const {
+void OpenerTest::enterSandbox() const {
     std::ofstream(surroundings.sandboxDescription) << "[Application]\nname=app\n";
 }
 
-BusService::Answer WorkspaceTest::agreeing() {
+BusService::Answer OpenerTest::agreeing() {
     return [this](const QDBusMessage& question) {
         questions.add(question);
         return question.createReply();
     };
 }
 
-BusService::Answer WorkspaceTest::silent() {
+BusService::Answer OpenerTest::silent() {
     return [this](const QDBusMessage& question) {
         questions.add(question);
         return QDBusMessage();
     };
 }
 
-BusService::Answer WorkspaceTest::refusing(const QString& exception) {
+BusService::Answer OpenerTest::refusing(const QString& exception) {
     return [=, this](const QDBusMessage& question) {
         questions.add(question);
         return question.member() == exception

@@ -7,11 +7,11 @@
 namespace vantoro {
 
 /// A thin line across, between two things that lie above each other.
-class Line final : public QWidget {
+class Separator final : public QWidget {
     Q_OBJECT
 
 public:
-    explicit Line(QWidget* parent = nullptr);
+    explicit Separator(QWidget* parent = nullptr);
 
 protected:
     void paintEvent(QPaintEvent* event) override;

@@ -9,17 +9,17 @@
 #include <QtDBus/QDBusArgument>
 #include <QtDBus/QDBusUnixFileDescriptor>
 
-#include "tests/platform/desktop/opening/workspace_fixture.h"
+#include "tests/platform/desktop/opening/opener_fixture.h"
 
 namespace vantoro::testing {
 namespace {
 
 const QString portalName = "org.freedesktop.portal.Desktop";
 
-class SandboxedWorkspaceTest : public WorkspaceTest {
+class SandboxedOpenerTest : public OpenerTest {
 protected:
     void SetUp() override {
-        WorkspaceTest::SetUp();
+        OpenerTest::SetUp();
         enterSandbox();
     }
 
@@ -44,72 +44,72 @@ protected:
     }
 };
 
-TEST_F(SandboxedWorkspaceTest, fileIsOpenedByThePortal) {
+TEST_F(SandboxedOpenerTest, fileIsOpenedByThePortal) {
     const BusService portal(privateBus, portalName, agreeing());
     for (const auto* name : {"a.m4a", "100% #1?", "\xFC\xFF.m4a"}) {
         const auto file = makeFile(name);
-        workspace().open(file);
+        opener().open(file);
         EXPECT_EQ(fileOf(questions.next(), "OpenFile"), file);
     }
 }
 
-TEST_F(SandboxedWorkspaceTest, fileThatThePortalDoesNotOpenIsRevealed) {
+TEST_F(SandboxedOpenerTest, fileThatThePortalDoesNotOpenIsRevealed) {
     const BusService portal(privateBus, portalName, refusing("OpenDirectory"));
     const auto file = makeFile("a.m4a");
-    workspace().open(file);
+    opener().open(file);
     EXPECT_EQ(fileOf(questions.next(), "OpenFile"), file);
     EXPECT_EQ(fileOf(questions.next(), "OpenDirectory"), file);
 }
 
-TEST_F(SandboxedWorkspaceTest, fileIsRevealedByThePortal) {
+TEST_F(SandboxedOpenerTest, fileIsRevealedByThePortal) {
     const BusService portal(privateBus, portalName, agreeing());
     const auto file = makeFile("a.m4a");
-    workspace().reveal(file);
+    opener().reveal(file);
     EXPECT_EQ(fileOf(questions.next(), "OpenDirectory"), file);
 }
 
-TEST_F(SandboxedWorkspaceTest, folderOfAFileThatIsGoneIsOpened) {
+TEST_F(SandboxedOpenerTest, folderOfAFileThatIsGoneIsOpened) {
     const BusService portal(privateBus, portalName, agreeing());
-    workspace().reveal(folder / "gone");
+    opener().reveal(folder / "gone");
     EXPECT_EQ(fileOf(questions.next(), "OpenFile"), folder);
 }
 
-TEST_F(SandboxedWorkspaceTest, folderIsMadeAndOpenedItself) {
+TEST_F(SandboxedOpenerTest, folderIsMadeAndOpenedItself) {
     const BusService portal(privateBus, portalName, agreeing());
     const auto made = folder / "some" / "new";
-    workspace().openFolder(made);
+    opener().openFolder(made);
     EXPECT_EQ(fileOf(questions.next(), "OpenFile"), made);
 }
 
-TEST_F(SandboxedWorkspaceTest, nothingIsAskedButThePortal) {
+TEST_F(SandboxedOpenerTest, nothingIsAskedButThePortal) {
     const BusService manager(privateBus, "org.freedesktop.FileManager1", agreeing());
     const auto file = makeFile("a.m4a");
-    workspace().open(file);
+    opener().open(file);
     EXPECT_EQ(warnings().next(), "Cannot open " + file.string());
     EXPECT_TRUE(questions.empty());
 }
 
-TEST_F(SandboxedWorkspaceTest, hangingPortalIsNotWaitedForLong) {
+TEST_F(SandboxedOpenerTest, hangingPortalIsNotWaitedForLong) {
     const BusService portal(privateBus, portalName, silent());
     surroundings.limit = std::chrono::milliseconds(300);
-    workspace().open(makeFile("a.m4a"));
+    opener().open(makeFile("a.m4a"));
     for (const auto* method : {"OpenFile", "OpenDirectory", "OpenFile"}) {
         fileOf(questions.next(), method);
     }
     EXPECT_TRUE(warnings().next());
 }
 
-TEST_F(SandboxedWorkspaceTest, helpIsOpenedByThePortal) {
+TEST_F(SandboxedOpenerTest, helpIsOpenedByThePortal) {
     const BusService portal(privateBus, portalName, agreeing());
     const auto page = makeFile("page.html");
     surroundings.helpPage = "file://" + page.string();
-    workspace().openPrivacySettings("Privacy_Microphone");
+    opener().openPrivacySettings("Privacy_Microphone");
     EXPECT_EQ(fileOf(questions.next(), "OpenFile"), page);
 }
 
-TEST_F(SandboxedWorkspaceTest, pageOfTheWebIsOpenedByThePortal) {
+TEST_F(SandboxedOpenerTest, pageOfTheWebIsOpenedByThePortal) {
     const BusService portal(privateBus, portalName, agreeing());
-    workspace().openPage("https://example.org/help");
+    opener().openPage("https://example.org/help");
     const auto question = questions.next();
     ASSERT_TRUE(question);
     EXPECT_EQ(question->member(), "OpenURI");
