@@ -14,7 +14,7 @@
 #include "platform/desktop/bus/bus_addresses.h"
 #include "platform/desktop/permission/microphone_access.h"
 #include "platform/ffmpeg/loaded_toolkit.h"
-#include "platform/pipewire/graph_query.h"
+#include "platform/pipewire/sound_server.h"
 #include "platform/posix/posix_file_system.h"
 
 namespace vantoro {
@@ -90,7 +90,7 @@ std::optional<desktop::MicrophoneFacts> askForMicrophone(desktop::Presence sessi
 int examine(const std::filesystem::path& recordingFolder, const desktop::SilentBuses& silent,
             const std::function<int(const DoctorFindings& findings)>& report) {
     Awaited<std::optional<pipewire::SoundSurvey>> sound(
-        [] { return pipewire::surveySound(serviceLimit); });
+        [] { return pipewire::SoundServer(serviceLimit).survey(); });
     Awaited<FolderCheck> folder([recordingFolder] { return askDisk(recordingFolder); });
     Awaited<std::size_t> interrupted(
         [recordingFolder] { return askForInterrupted(recordingFolder); });

@@ -26,8 +26,7 @@
 #include "platform/desktop/realtime_services.h"
 #include "platform/ffmpeg/loaded_toolkit.h"
 #include "platform/pipewire/bus_use.h"
-#include "platform/pipewire/capture_access.h"
-#include "platform/pipewire/device_list.h"
+#include "platform/pipewire/sound_server.h"
 #include "platform/posix/allocation.h"
 #include "platform/posix/posix_file_system.h"
 #include "platform/posix/system_clock.h"
@@ -59,15 +58,13 @@ public:
 
     int operator()(const DevicesCommand& /*command*/) const {
         leaveOutSilentBuses();
-        pipewire::DeviceList devices;
-        const auto microphones = devices.microphones();
-        if (!microphones.empty()) {
-            return print(devicesText(microphones, devices.defaultMicrophone())) ? 0 : 1;
+        const auto found = pipewire::SoundServer().find();
+        if (!found.microphones.empty()) {
+            return print(devicesText(found.microphones, found.defaultMicrophone)) ? 0 : 1;
         }
-        const bool isReachable = pipewire::CaptureAccess().isGranted();
-        std::cerr << (isReachable ? "There is no microphone.\n"
-                                  : "The sound server cannot be reached.\n");
-        return isReachable ? 0 : 1;
+        std::cerr << (found.mayCapture ? "There is no microphone.\n"
+                                       : "The sound server cannot be reached.\n");
+        return found.mayCapture ? 0 : 1;
     }
 
     int operator()(const RecoverCommand& command) const {

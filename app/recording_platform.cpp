@@ -50,8 +50,8 @@ bool canOpen(CaptureService& service, const std::optional<std::string>& micropho
 }
 
 /// A microphone was chosen from somewhere, yet none is shown to us.
-bool isHidden(const std::optional<std::string>& microphone) {
-    return microphone && pipewire::DeviceList().microphones().empty();
+bool isHidden(AudioDevices& devices, const std::optional<std::string>& microphone) {
+    return microphone && devices.find().microphones.empty();
 }
 
 } // namespace
@@ -59,7 +59,7 @@ bool isHidden(const std::optional<std::string>& microphone) {
 RecordingPlatform::RecordingPlatform(Meters meters, QtScheduler::TasksBegin tasksBegin)
     : captureService_(mannerFor(meters)),
       microphoneAccess_([this] { return canOpen(captureService_, chosenMicrophone()); },
-                        [this] { return isHidden(chosenMicrophone()); }),
+                        [this] { return isHidden(soundServer_, chosenMicrophone()); }),
       scheduler_(tasksBegin) {}
 
 void RecordingPlatform::setChosenMicrophone(std::optional<std::string> id) {
@@ -73,7 +73,7 @@ std::optional<std::string> RecordingPlatform::chosenMicrophone() {
 }
 
 RecorderPlatform RecordingPlatform::forRecorder() {
-    return {.captureAccess = captureAccess_,
+    return {.captureAccess = soundServer_,
             .microphoneAccess = microphoneAccess_,
             .captureService = captureService_,
             .mediaToolkit = mediaToolkit_,
@@ -85,8 +85,7 @@ ControlPlatform RecordingPlatform::forControl(Preferences& preferences,
                                               std::function<void()> recorderProgressed) {
     return {.scheduler = scheduler_,
             .power = power_,
-            .audioDevices = devices_,
-            .captureAccess = captureAccess_,
+            .audioDevices = soundServer_,
             .microphoneAccess = microphoneAccess_,
             .opener = opener_,
             .folderDialog = folderDialog_,

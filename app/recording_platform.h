@@ -16,9 +16,8 @@
 #include "platform/desktop/power/power_management.h"
 #include "platform/desktop/power/power_profile.h"
 #include "platform/ffmpeg/loaded_toolkit.h"
-#include "platform/pipewire/capture_access.h"
 #include "platform/pipewire/capture_service.h"
-#include "platform/pipewire/device_list.h"
+#include "platform/pipewire/sound_server.h"
 #include "platform/posix/posix_file_system.h"
 #include "platform/posix/system_clock.h"
 #include "ui/window/window_folder_dialog.h"
@@ -56,9 +55,8 @@ private:
 
     std::mutex mutex_;
     std::optional<std::string> chosenMicrophone_; // guarded by mutex_
-    pipewire::CaptureAccess captureAccess_;
+    pipewire::SoundServer soundServer_;
     pipewire::CaptureService captureService_;
-    pipewire::DeviceList devices_;
     desktop::DesktopMicrophoneAccess microphoneAccess_;
     desktop::DesktopPowerManagement power_;
     desktop::DesktopOpener opener_;

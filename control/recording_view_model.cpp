@@ -22,8 +22,8 @@ RecordingViewModel::RecordingViewModel(std::unique_ptr<Recorder> recorder,
       texts_(platform.preferences),
       recorder_(std::move(recorder)),
       salvage_(platform.scheduler, recorder_, [this](const auto& result) { recovered(result); }),
-      survey_(platform.scheduler, platform.audioDevices, platform.captureAccess,
-              platform.microphoneAccess, [this](const auto& survey) { surveyed(survey); }) {
+      survey_(platform.scheduler, platform.audioDevices, platform.microphoneAccess,
+              [this](const auto& survey) { surveyed(survey); }) {
     installCallbacks();
     connect(this, &RecordingProperties::propertyChanged, this, [this](Property property) {
         if (property == Property::systemVolume || property == Property::microphoneVolume) {

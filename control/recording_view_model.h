@@ -33,7 +33,6 @@ struct ControlPlatform {
     Scheduler& scheduler;
     PowerManagement& power;
     AudioDevices& audioDevices;
-    CaptureAccess& captureAccess;
     MicrophoneAccess& microphoneAccess;
     Opener& opener;
     FolderDialog& folderDialog;

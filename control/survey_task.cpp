@@ -6,11 +6,10 @@
 
 namespace vantoro {
 
-SurveyTask::SurveyTask(Scheduler& scheduler, AudioDevices& devices, CaptureAccess& screenCapture,
-                       MicrophoneAccess& microphone, std::function<void(const Survey&)> onSurveyed)
+SurveyTask::SurveyTask(Scheduler& scheduler, AudioDevices& devices, MicrophoneAccess& microphone,
+                       std::function<void(const Survey&)> onSurveyed)
     : scheduler_(scheduler),
       devices_(devices),
-      screenCapture_(screenCapture),
       microphone_(microphone),
       onSurveyed_(std::move(onSurveyed)) {}
 
@@ -25,12 +24,13 @@ void SurveyTask::begin() {
     running_ = true;
     runTask(
         scheduler_, QPointer(this),
-        [&devices = devices_, &screenCapture = screenCapture_, &microphone = microphone_] {
+        [&devices = devices_, &microphone = microphone_] {
             Survey survey;
-            survey.hasScreenPermission = screenCapture.isGranted();
+            auto found = devices.find();
+            survey.hasScreenPermission = found.mayCapture;
             survey.microphonePermission = microphone.status();
-            survey.microphones = devices.microphones();
-            survey.defaultMicrophone = devices.defaultMicrophone();
+            survey.microphones = std::move(found.microphones);
+            survey.defaultMicrophone = std::move(found.defaultMicrophone);
             return survey;
         },
         &SurveyTask::finish);

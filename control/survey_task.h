@@ -29,8 +29,8 @@ struct Survey {
 class SurveyTask final : public QObject {
 public:
     /// The ports, which outlive the scheduler's work, are called on task threads.
-    SurveyTask(Scheduler& scheduler, AudioDevices& devices, CaptureAccess& screenCapture,
-               MicrophoneAccess& microphone, std::function<void(const Survey&)> onSurveyed);
+    SurveyTask(Scheduler& scheduler, AudioDevices& devices, MicrophoneAccess& microphone,
+               std::function<void(const Survey&)> onSurveyed);
 
     /// `onSurveyed` is told what is there now or later. While one survey goes on, others that are
     /// asked for wait for it and are then done as one.
@@ -42,7 +42,6 @@ private:
 
     Scheduler& scheduler_;
     AudioDevices& devices_;
-    CaptureAccess& screenCapture_;
     MicrophoneAccess& microphone_;
     std::function<void(const Survey&)> onSurveyed_;
     bool running_ = false;

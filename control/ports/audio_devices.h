@@ -10,14 +10,20 @@
 
 namespace vantoro {
 
-/// The machine's microphones at the moment of the call. Task threads; bounded in time.
+/// What there is to record with, at one moment.
+struct FoundDevices {
+    bool mayCapture = false;                   ///< whether sound may be captured at all
+    std::vector<AudioInputDevice> microphones; ///< in the order in which the system lists them
+    /// The identifier of the system's default one, where it has any; it need not be in the list.
+    std::optional<std::string> defaultMicrophone;
+};
+
+/// Task threads; bounded in time. Never asks the user.
 class AudioDevices {
 public:
     virtual ~AudioDevices() = default;
-    /// In the order in which the system lists them; empty when they cannot be learnt.
-    virtual std::vector<AudioInputDevice> microphones() = 0;
-    /// The identifier of the system's default one, where it has any; it need not be in the list.
-    virtual std::optional<std::string> defaultMicrophone() = 0;
+    /// As it is at the moment of the call; nothing where that cannot be learnt.
+    virtual FoundDevices find() = 0;
 };
 
 } // namespace vantoro

@@ -31,7 +31,6 @@ protected:
     MemoryPreferences preferences = preferencesIn("en");
     FakePower power;
     FakeAudioDevices devices;
-    FakeScreenPermission screenSurvey;
     FakeMicrophonePermission microphoneSurvey;
     FakeOpener opener;
     FakeFolderDialog folderDialog;
@@ -64,7 +63,7 @@ private:
         auto engine = std::make_unique<AudioRecorder>(
             RecorderPlatform{captureAccess, microphone, capture, toolkit, fileSystem, clock});
         RecordingViewModel model(std::move(engine),
-                                 {scheduler, power, devices, screenSurvey, microphoneSurvey, opener,
+                                 {scheduler, power, devices, microphoneSurvey, opener,
                                   folderDialog, preferences, levels, folder,
                                   [this] { ending.moved(); }});
         return recordRun.run(model);

@@ -175,22 +175,15 @@ public:
     int readings = 0;
     std::function<void()> meanwhile; ///< happens once, while the list is being read
 
-    std::vector<AudioInputDevice> microphones() override {
+    bool mayCapture = true;
+
+    FoundDevices find() override {
         ++readings;
         if (const auto what = std::exchange(meanwhile, nullptr)) {
             what();
         }
-        return list;
+        return {.mayCapture = mayCapture, .microphones = list, .defaultMicrophone = systemDefault};
     }
-
-    std::optional<std::string> defaultMicrophone() override { return systemDefault; }
-};
-
-class FakeScreenPermission final : public CaptureAccess {
-public:
-    bool allowed = true;
-
-    bool isGranted() override { return allowed; }
 };
 
 /// Looked at only: a request is a mistake that `requests` shows.

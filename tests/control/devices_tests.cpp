@@ -26,7 +26,7 @@ TEST_F(ViewModelTest, noticesDevicesAndPermissionsAtTheNextRefreshOnly) {
     launch();
     devices.list = {{"new", "New"}};
     devices.systemDefault = "new";
-    screen.allowed = false;
+    devices.mayCapture = false;
     microphone.current = AuthorizationStatus::denied;
     EXPECT_TRUE(values().hasScreenPermission);
     refresh();
@@ -98,7 +98,7 @@ TEST_F(ViewModelTest, knowsOfNoPermissionAndNoMicrophoneWhereLookingFails) {
 }
 
 TEST_F(ViewModelTest, neverAsksForAPermissionByItself) {
-    screen.allowed = false;
+    devices.mayCapture = false;
     microphone.current = AuthorizationStatus::notDetermined;
     lead(Case::recording);
     power.wake();

@@ -40,7 +40,7 @@ protected:
         model = std::make_unique<RecordingViewModel>(
             std::make_unique<AudioRecorder>(
                 RecorderPlatform{captureAccess, microphone, capture, toolkit, fileSystem, clock}),
-            ControlPlatform{scheduler, power, devices, captureAccess, microphone, opener,
+            ControlPlatform{scheduler, power, devices, microphone, opener,
                             folderDialog, preferences, levels, "/recordings",
                             std::move(recorderProgressed)});
     }
@@ -137,6 +137,7 @@ TEST_F(EngineTest, showsHowFarTheSavingIs) {
 
 TEST_F(EngineTest, failsAsTheEngineDoes) {
     captureAccess.isAllowed = false;
+    devices.mayCapture = false;
     startRecording();
     ASSERT_TRUE(comesTo(Case::failed));
     EXPECT_FALSE(model->values().hasScreenPermission);

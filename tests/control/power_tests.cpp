@@ -114,7 +114,7 @@ TEST_F(ViewModelTest, looksAnewAtDevicesAndPermissionsOnWakeAndSalvagesUnlessBus
         world.lead(from);
         world.recorder.foldersSought.clear();
         const auto waiting = world.scheduler.waitingTasks();
-        world.screen.allowed = false;
+        world.devices.mayCapture = false;
         world.devices.list = {{"new", "New"}};
         world.power.wake();
         constexpr std::size_t surveys = 1;

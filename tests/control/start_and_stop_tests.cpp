@@ -267,7 +267,7 @@ TEST_F(StopTest, isNotBegunWhenTheViewModelIsGone) {
 TEST_F(ViewModelTest, beginsWithTheDefaults) {
     devices.list.clear();
     devices.systemDefault.reset();
-    screen.allowed = false;
+    devices.mayCapture = false;
     microphone.current = AuthorizationStatus::notDetermined;
     launch();
     EXPECT_EQ(values().state, RecordingState());

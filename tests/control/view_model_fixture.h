@@ -26,7 +26,6 @@ struct ViewModelWorld {
     FakeScheduler scheduler;
     FakePower power;
     FakeAudioDevices devices;
-    FakeScreenPermission screen;
     FakeMicrophonePermission microphone;
     FakeOpener opener;
     FakeFolderDialog folderDialog;
@@ -38,7 +37,6 @@ struct ViewModelWorld {
         return {.scheduler = scheduler,
                 .power = power,
                 .audioDevices = devices,
-                .captureAccess = screen,
                 .microphoneAccess = microphone,
                 .opener = opener,
                 .folderDialog = folderDialog,

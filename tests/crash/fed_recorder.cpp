@@ -60,7 +60,7 @@ public:
           run_(command_, ending, preferences_),
           model_(std::make_unique<AudioRecorder>(RecorderPlatform{
                      captureAccess_, microphone_, capture_, toolkit_, fileSystem_, clock_}),
-                 {scheduler_, power_, devices_, screenSurvey_, microphoneSurvey_, opener_,
+                 {scheduler_, power_, devices_, microphoneSurvey_, opener_,
                   folderDialog_, preferences_, levels_, folder, [&ending] { ending.moved(); }}) {}
 
     int run() {
@@ -105,7 +105,6 @@ private:
     MemoryPreferences preferences_ = preferencesIn("en");
     FakePower power_;
     FakeAudioDevices devices_;
-    FakeScreenPermission screenSurvey_;
     FakeMicrophonePermission microphoneSurvey_;
     FakeOpener opener_;
     FakeFolderDialog folderDialog_;

@@ -69,7 +69,7 @@ private:
 };
 
 TEST_F(AccessibilityTest, namesEachControlByItsRole) {
-    screen.allowed = false;
+    devices.mayCapture = false;
     microphone.current = AuthorizationStatus::denied;
     showIn(Case::completed);
     for (const auto& [role, name] : std::vector<std::pair<QAccessible::Role, QString>>{

@@ -64,7 +64,7 @@ protected:
 };
 
 TEST_F(KeyboardTest, reachesEverythingFromTopToBottom) {
-    screen.allowed = false;
+    devices.mayCapture = false;
     microphone.current = AuthorizationStatus::denied;
     lead(Case::idle);
     begin();
@@ -119,7 +119,7 @@ TEST_F(KeyboardTest, bringsIntoViewWhatIsReached) {
 }
 
 TEST_F(KeyboardTest, pressesButtonsBySpaceAndByEnter) {
-    screen.allowed = false;
+    devices.mayCapture = false;
     microphone.current = AuthorizationStatus::denied;
     recorder.startError = nullptr;
     lead(Case::completed);
@@ -193,7 +193,7 @@ TEST_F(KeyboardTest, picksAMicrophoneByTheArrows) {
 }
 
 TEST_F(KeyboardTest, showsWhereItIs) {
-    screen.allowed = false;
+    devices.mayCapture = false;
     microphone.current = AuthorizationStatus::denied;
     for (const bool dark : {false, true}) {
         QApplication::setPalette(dark ? QPalette(QColor(0x3a3a3c), QColor(0x242426)) : QPalette());

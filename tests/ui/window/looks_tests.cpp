@@ -142,7 +142,7 @@ protected:
         MainWindowTest::TearDown();
         model.reset();
         preferences = preferencesIn(spoken);
-        screen.allowed = scene.allowed;
+        devices.mayCapture = scene.allowed;
         microphone.current = scene.microphone;
         devices.list = {{"built-in", "Built-in Audio Analog Stereo"}, {"headset", "Headset"}};
         if (!scene.hasMicrophones) {

@@ -154,7 +154,7 @@ std::vector<QString> textsOf(const QWidget& root) {
 }
 
 TEST_F(MainWindowTest, speaksAnotherLanguageAtOnceWithoutAWordOfTheOneBefore) {
-    screen.allowed = false;
+    devices.mayCapture = false;
     microphone.current = AuthorizationStatus::notDetermined;
     for (const auto state :
          {Case::idle, Case::preparing, Case::recording, Case::processing, Case::completed}) {

@@ -26,7 +26,6 @@ protected:
     MockLogind logind{systemBus};
     MemoryPreferences preferences = preferencesIn("en");
     FakeAudioDevices devices;
-    FakeScreenPermission screen;
     FakeMicrophonePermission microphone;
     FakeOpener opener;
     FakeFolderDialog folderDialog;
@@ -40,7 +39,7 @@ protected:
         start();
         model = std::make_unique<RecordingViewModel>(
             std::make_unique<FakeRecorder>(recorder),
-            ControlPlatform{*scheduler, *power, devices, screen, microphone, opener, folderDialog,
+            ControlPlatform{*scheduler, *power, devices, microphone, opener, folderDialog,
                             preferences, levels, "/recordings"});
         waitForTheFirstSalvage();
     }

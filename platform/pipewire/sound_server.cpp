@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "platform/pipewire/graph_query.h"
+#include "platform/pipewire/sound_server.h"
 
 #include <pipewire/pipewire.h>
 
+#include "capture/graph/graph_rules.h"
+#include "capture/graph/microphones.h"
 #include "platform/pipewire/capture_error.h"
 #include "platform/pipewire/connection.h"
 #include "platform/pipewire/graph_mirror.h"
@@ -27,17 +29,34 @@ std::optional<capture::Graph> query(Connection& connection, std::chrono::seconds
 
 } // namespace
 
-std::optional<capture::Graph> queryGraph(std::chrono::seconds limit) {
+std::optional<capture::Graph> SoundServer::ask() const {
     try {
         Connection connection({.lost = [] {}, .identified = [] {}});
-        return query(connection, limit);
+        return query(connection, limit_);
     } catch (const CaptureError&) {
         return std::nullopt;
     }
 }
 
-std::optional<capture::SoundSurvey> surveySound(std::chrono::seconds limit) {
-    const auto graph = queryGraph(limit);
+FoundDevices SoundServer::find() {
+    const auto graph = ask();
+    if (!graph) {
+        return {};
+    }
+    const bool hasDefault = findMicrophone(*graph, graph->defaultMicrophone).has_value();
+    return {.mayCapture = mayCapture(*graph),
+            .microphones = microphones(*graph),
+            .defaultMicrophone =
+                hasDefault ? std::optional(graph->defaultMicrophone) : std::nullopt};
+}
+
+bool SoundServer::isGranted() {
+    const auto graph = ask();
+    return graph && mayCapture(*graph);
+}
+
+std::optional<capture::SoundSurvey> SoundServer::survey() const {
+    const auto graph = ask();
     return graph ? std::optional(surveyOf(*graph)) : std::nullopt;
 }
 
