@@ -3,197 +3,190 @@
 #include "app/command_line.h"
 
 #include <cmath>
+#include <map>
 
-#include <QCommandLineParser>
+#include "app/options.h"
 
 namespace vantoro {
 
 namespace {
 
-const QString helpText = QStringLiteral(R"(Usage: vantoro [COMMAND [OPTIONS]]
-
-Records what the computer plays together with the microphone into one M4A file. Without a command it
-opens its window.
-
-Commands:
-  record     Record until Ctrl+C, then print the place of the final file.
-  devices    List the microphones: "*" marks the default; identifier, tab, name.
-  recover    Finish recordings that were interrupted, and print the final files' places.
-  doctor     Say what recording finds on this machine, and what to do about what is wrong.
-
-Options of record:
-  --seconds N               Stop after N seconds.
-  --folder DIR              Save into this folder; it is made when it is missing.
-  --no-system-audio         Leave out what the computer plays.
-  --no-microphone           Leave out the microphone.
-  --microphone ID           Record this microphone in place of the default one.
-  --system-volume G         Gain of the computer's sound, 1 for unchanged (0.9).
-  --microphone-volume G     Gain of the microphone, 1 for unchanged (1).
-  --language zh-Hans|en     Language of this run's messages.
-
-Option of recover:
-  --folder DIR              Look in this folder.
-
-Option of doctor:
-  --language zh-Hans|en     Language of the report.
-
-Options:
-  -h, --help                Print this help.
-  -v, --version             Print the version.
-
-Exit status: 0 saved, 1 failed, 2 wrong usage. Of doctor: 0 nothing is wrong, 1 something is.
-Of recover: 3 saved, but for a part that is damaged.
-)");
-
-const QString seconds = QStringLiteral("seconds");
-const QString folder = QStringLiteral("folder");
-const QString noSystemAudio = QStringLiteral("no-system-audio");
-const QString noMicrophone = QStringLiteral("no-microphone");
-const QString microphone = QStringLiteral("microphone");
-const QString systemVolume = QStringLiteral("system-volume");
-const QString microphoneVolume = QStringLiteral("microphone-volume");
-const QString language = QStringLiteral("language");
-
-/// Ends the reading of a command line that makes no sense.
-struct BadUsage {
-    QString text;
+/// In both of the program's languages, UTF-8. "%1" and "%2" stand for words of the command line.
+struct Message {
+    const char* english;
+    const char* chinese;
 };
 
-std::optional<double> number(const QCommandLineParser& parser, const QString& option,
-                             bool (*isAllowed)(double), const QString& rule) {
-    if (!parser.isSet(option)) {
+constexpr Message unknownCommand{"Unknown command \"%1\".", "未知命令“%1”。"};
+constexpr Message unknownOption{"Unknown option \"%1\".", "未知选项“%1”。"};
+constexpr Message unexpectedArgument{"Unexpected argument \"%1\".", "多余的参数“%1”。"};
+constexpr Message missingValue{"--%1 needs a value.", "--%1 需要一个值。"};
+constexpr Message unexpectedValue{"--%1 takes no value.", "--%1 不能带值。"};
+constexpr Message notSeconds{"--%1 needs a number greater than 0, not \"%2\".",
+                             "--%1 的值必须是大于 0 的数，不能是“%2”。"};
+constexpr Message notGain{"--%1 needs a number that is 0 or greater, not \"%2\".",
+                          "--%1 的值必须是不小于 0 的数，不能是“%2”。"};
+constexpr Message notFolder{"--%1 needs the name of a folder.", "--%1 需要文件夹的名称。"};
+constexpr Message notLanguage{"--%1 needs zh-Hans or en, not \"%2\".",
+                              "--%1 的值必须是 zh-Hans 或 en，不能是“%2”。"};
+
+/// Ends the reading of an invalid command line.
+struct BadUsage {
+    Message message;
+    QString word;
+    std::optional<QString> value = {}; ///< where the message has a "%2"
+
+    std::string text(AppLanguage language) const {
+        const bool isEnglish = language == AppLanguage::english;
+        const auto text = QString::fromUtf8(isEnglish ? message.english : message.chinese);
+        const auto filled = value ? text.arg(word, *value) : text.arg(word);
+        return filled.toStdString() +
+               (isEnglish ? " See vantoro --help." : "请参阅 vantoro --help。");
+    }
+};
+
+/// The options that one command line gives. Of an option that it gives twice, the last value
+/// counts.
+class GivenOptions {
+public:
+    /// Throws `BadUsage` for anything but options of the command and their values.
+    GivenOptions(const QString& command, QStringList words) {
+        while (!words.isEmpty()) {
+            const QString word = words.takeFirst();
+            if (!word.startsWith('-')) {
+                throw BadUsage{unexpectedArgument, word};
+            }
+            const auto& option = find(command, word.section('=', 0, 0));
+            if (word.contains('=') && !option.takesValue) {
+                throw BadUsage{unexpectedValue, option.name};
+            }
+            if (word.contains('=')) {
+                words.prepend(word.section('=', 1));
+            }
+            if (option.takesValue && words.isEmpty()) {
+                throw BadUsage{missingValue, option.name};
+            }
+            values_[option.name] = option.takesValue ? words.takeFirst() : QString();
+        }
+    }
+
+    bool has(const QString& name) const { return values_.contains(name); }
+
+    std::optional<QString> value(const QString& name) const {
+        const auto found = values_.find(name);
+        return found == values_.end() ? std::nullopt : std::optional(found->second);
+    }
+
+private:
+    static const CommandOption& find(const QString& command, const QString& word) {
+        for (const auto& option : commandOptions()) {
+            if (command == option.command && word == QString("--") + option.name) {
+                return option;
+            }
+        }
+        throw BadUsage{unknownOption, word};
+    }
+
+    std::map<QString, QString> values_;
+};
+
+std::optional<double> number(const GivenOptions& options, const QString& name,
+                             bool (*isAllowed)(double), const Message& fault) {
+    const auto given = options.value(name);
+    if (!given) {
         return std::nullopt;
     }
     bool isNumber = false;
-    const double value = parser.value(option).toDouble(&isNumber);
+    const double value = given->toDouble(&isNumber);
     if (!isNumber || !std::isfinite(value) || !isAllowed(value)) {
-        throw BadUsage{
-            QStringLiteral("--%1 takes %2, not \"%3\".").arg(option, rule, parser.value(option))};
+        throw BadUsage{fault, name, *given};
     }
     return value;
 }
 
-std::optional<float> gain(const QCommandLineParser& parser, const QString& option) {
+std::optional<float> gain(const GivenOptions& options, const QString& name) {
     const auto isGain = [](double value) {
         return value >= 0 && std::isfinite(static_cast<float>(value));
     };
-    const auto value = number(parser, option, isGain, QStringLiteral("a number that is 0 or more"));
+    const auto value = number(options, name, isGain, notGain);
     return value ? std::optional(static_cast<float>(*value)) : std::nullopt;
 }
 
-void refuseFurtherWords(const QCommandLineParser& parser) {
-    if (const auto words = parser.positionalArguments(); !words.isEmpty()) {
-        throw BadUsage{QStringLiteral("\"%1\" is one word too many.").arg(words.first())};
+std::optional<std::filesystem::path> folderOf(const GivenOptions& options) {
+    const auto given = options.value("folder");
+    if (given && given->isEmpty()) {
+        throw BadUsage{notFolder, "folder"};
     }
+    return given ? std::optional<std::filesystem::path>(given->toStdString()) : std::nullopt;
 }
 
-void parse(QCommandLineParser& parser, const QStringList& arguments) {
-    // The parser expects the program's name in front.
-    if (!parser.parse(QStringList(QStringLiteral("vantoro")) + arguments)) {
-        throw BadUsage{parser.errorText()};
-    }
-    refuseFurtherWords(parser);
-}
-
-std::optional<std::filesystem::path> folderOf(const QCommandLineParser& parser) {
-    if (!parser.isSet(folder)) {
-        return std::nullopt;
-    }
-    if (parser.value(folder).isEmpty()) {
-        throw BadUsage{QStringLiteral("--folder takes the name of a folder.")};
-    }
-    return parser.value(folder).toStdString();
-}
-
-std::optional<AppLanguage> languageOption(const QCommandLineParser& parser) {
-    if (!parser.isSet(language)) {
-        return std::nullopt;
-    }
-    const auto chosen = languageOf(parser.value(language).toStdString());
-    if (!chosen) {
-        throw BadUsage{QStringLiteral("--language takes zh-Hans or en, not \"%1\".")
-                           .arg(parser.value(language))};
+std::optional<AppLanguage> languageOption(const GivenOptions& options) {
+    const auto given = options.value("language");
+    const auto chosen = given ? languageOf(given->toStdString()) : std::nullopt;
+    if (given && !chosen) {
+        throw BadUsage{notLanguage, "language", *given};
     }
     return chosen;
 }
 
-RecoverCommand parseRecover(const QStringList& arguments) {
-    QCommandLineParser parser;
-    parser.addOption({folder, QString(), QStringLiteral("value")});
-    parse(parser, arguments);
-    return {folderOf(parser)};
-}
-
-DoctorCommand parseDoctor(const QStringList& arguments) {
-    QCommandLineParser parser;
-    parser.addOption({language, QString(), QStringLiteral("value")});
-    parse(parser, arguments);
-    return {languageOption(parser)};
-}
-
-RecordCommand parseRecord(const QStringList& arguments) {
-    QCommandLineParser parser;
-    for (const QString& withValue :
-         {seconds, folder, microphone, systemVolume, microphoneVolume, language}) {
-        parser.addOption({withValue, QString(), QStringLiteral("value")});
-    }
-    parser.addOption(QCommandLineOption(noSystemAudio));
-    parser.addOption(QCommandLineOption(noMicrophone));
-    parse(parser, arguments);
-
+RecordCommand recordCommand(const GivenOptions& options) {
     RecordCommand command;
-    command.seconds = number(
-        parser, seconds, [](double value) { return value > 0; },
-        QStringLiteral("a number above 0"));
-    command.folder = folderOf(parser);
-    command.systemAudio = !parser.isSet(noSystemAudio);
-    command.microphone = !parser.isSet(noMicrophone);
-    if (parser.isSet(microphone)) {
-        command.microphoneID = parser.value(microphone).toStdString();
+    command.seconds =
+        number(options, "seconds", [](double value) { return value > 0; }, notSeconds);
+    command.folder = folderOf(options);
+    command.systemAudio = !options.has("no-system-audio");
+    command.microphone = !options.has("no-microphone");
+    if (const auto identifier = options.value("microphone")) {
+        command.microphoneID = identifier->toStdString();
     }
-    command.systemVolume = gain(parser, systemVolume).value_or(command.systemVolume);
-    command.microphoneVolume = gain(parser, microphoneVolume).value_or(command.microphoneVolume);
-    command.language = languageOption(parser);
+    command.systemVolume = gain(options, "system-volume").value_or(command.systemVolume);
+    command.microphoneVolume =
+        gain(options, "microphone-volume").value_or(command.microphoneVolume);
+    command.language = languageOption(options);
     return command;
 }
 
-Command parseOrThrow(const QStringList& arguments) {
-    if (arguments.contains(QStringLiteral("--help")) || arguments.contains(QStringLiteral("-h"))) {
-        return PrintCommand{helpText.toStdString()};
+Command parseOrThrow(const QStringList& arguments, AppLanguage ownLanguage) {
+    if (arguments.contains("--help") || arguments.contains("-h")) {
+        return PrintCommand{std::string(helpText(ownLanguage))};
     }
     const QString first = arguments.value(0);
     const QStringList others = arguments.mid(1);
-    if (first == QStringLiteral("record")) {
-        return parseRecord(others);
+    if (first == "record") {
+        return recordCommand({first, others});
     }
-    if (first == QStringLiteral("recover")) {
-        return parseRecover(others);
-    }
-    if (first == QStringLiteral("doctor")) {
-        return parseDoctor(others);
-    }
-    QCommandLineParser parser;
-    if (first == QStringLiteral("devices")) {
-        parse(parser, others);
+    if (first == "devices") {
+        const GivenOptions none(first, others);
         return DevicesCommand{};
     }
-    if (first == QStringLiteral("--version") || first == QStringLiteral("-v")) {
-        parse(parser, others);
+    if (first == "recover") {
+        return RecoverCommand{folderOf({first, others})};
+    }
+    if (first == "doctor") {
+        return DoctorCommand{languageOption({first, others})};
+    }
+    if (first == "--version" || first == "-v") {
+        const GivenOptions none({}, others);
         return PrintCommand{"vantoro " VANTORO_VERSION "\n"};
     }
-    if (first.isEmpty()) {
-        throw BadUsage{QStringLiteral("What shall be done?")};
-    }
-    throw BadUsage{QStringLiteral("\"%1\" is not a command.").arg(first)};
+    throw BadUsage{unknownCommand, first};
+}
+
+/// The language that the command line itself asks for.
+std::optional<AppLanguage> languageIn(const QStringList& arguments) {
+    const auto words = arguments.join('=').split('=');
+    const auto option = words.lastIndexOf("--language");
+    return option < 0 ? std::nullopt : languageOf(words.value(option + 1).toStdString());
 }
 
 } // namespace
 
-Command parseCommandLine(const QStringList& arguments) {
+Command parseCommandLine(const QStringList& arguments, AppLanguage usersLanguage) {
+    const auto chosen = languageIn(arguments).value_or(usersLanguage);
     try {
-        return parseOrThrow(arguments);
+        return parseOrThrow(arguments, chosen);
     } catch (const BadUsage& bad) {
-        return UsageError{bad.text.toStdString() + " See vantoro --help."};
+        return UsageError{bad.text(chosen)};
     }
 }
 

@@ -49,7 +49,7 @@ struct PrintCommand {
     friend bool operator==(const PrintCommand&, const PrintCommand&) = default;
 };
 
-/// The words make no sense: one line that says why.
+/// The command line is invalid: one line that says why.
 struct UsageError {
     std::string text;
 
@@ -59,7 +59,8 @@ struct UsageError {
 using Command = std::variant<RecordCommand, DevicesCommand, RecoverCommand, DoctorCommand,
                              PrintCommand, UsageError>;
 
-/// `arguments` without the program's own name.
-Command parseCommandLine(const QStringList& arguments);
+/// `arguments` are those after the program's name. Help and usage errors are in the language that
+/// `--language` asks for, or else in `usersLanguage`.
+Command parseCommandLine(const QStringList& arguments, AppLanguage usersLanguage);
 
 } // namespace vantoro

@@ -134,8 +134,10 @@ int main(int argc, char** argv) {
             return vantoro::runWindowCommand(argc, argv, signals);
         }
         const QCoreApplication application(argc, argv);
-        return std::visit(vantoro::Program(signals),
-                          vantoro::parseCommandLine(QCoreApplication::arguments().mid(1)));
+        const auto language = vantoro::L10n(vantoro::SettingsFile()).language();
+        return std::visit(
+            vantoro::Program(signals),
+            vantoro::parseCommandLine(QCoreApplication::arguments().mid(1), language));
     } catch (const std::exception& error) {
         std::cerr << error.what() << "\n";
         return 1;

@@ -35,6 +35,19 @@ function(vantoro_module name file source)
         PREFIX "" OUTPUT_NAME ${file} LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR})
 endfunction()
 
+# vantoro_option_texts(FILE): produces the file in the build folder from FILE.in and the table of commands and options.
+function(vantoro_option_texts file)
+    set(produced ${CMAKE_CURRENT_BINARY_DIR}/${file})
+    cmake_path(GET produced PARENT_PATH folder)
+    file(MAKE_DIRECTORY ${folder})
+    add_custom_command(OUTPUT ${produced}
+        COMMAND Python3::Interpreter ${PROJECT_SOURCE_DIR}/app/option_texts.py
+            ${CMAKE_CURRENT_SOURCE_DIR}/${file}.in ${produced}
+        DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${file}.in ${PROJECT_SOURCE_DIR}/app/option_texts.py
+            ${PROJECT_SOURCE_DIR}/app/options.toml
+        VERBATIM)
+endfunction()
+
 # vantoro_headers_ahead(TARGET HEADERS...): precompiles these third-party headers for the target, because they take
 # longer than the rest of a source. clang-tidy reads each source separately and finds missing includes.
 function(vantoro_headers_ahead target)

@@ -2,13 +2,15 @@
 
 #include "app/command_line.h"
 
+#include <tuple>
+
 #include <gtest/gtest.h>
 
 namespace vantoro {
 namespace {
 
-Command parsed(const char* line) {
-    return parseCommandLine(QString::fromUtf8(line).split(' ', Qt::SkipEmptyParts));
+Command parsed(const char* line, AppLanguage usersLanguage = AppLanguage::english) {
+    return parseCommandLine(QString::fromUtf8(line).split(' ', Qt::SkipEmptyParts), usersLanguage);
 }
 
 std::string usageErrorOf(const Command& command) {
@@ -59,38 +61,68 @@ TEST(CommandLine, otherCommandsAndVersionAndHelp) {
         std::get<PrintCommand>(parsed("record --help")).text.starts_with("Usage: vantoro "));
 }
 
-TEST(CommandLine, whatMakesNoSenseIsOneLineThatSaysWhy) {
+TEST(CommandLine, lastOfRepeatedOptionsCounts) {
+    EXPECT_EQ(parsed("recover --folder /a --folder=/b"), Command(RecoverCommand{"/b"}));
+}
+
+TEST(CommandLine, helpIsInTheLanguageThatIsAskedForElseInTheUsers) {
+    using enum AppLanguage;
+    const std::string inChinese = "用法：vantoro ";
+    const std::string inEnglish = "Usage: vantoro ";
+    for (const auto& [line, usersLanguage, opening] :
+         {std::tuple("--help", chinese, inChinese), std::tuple("--help", english, inEnglish),
+          std::tuple("-h --language en", chinese, inEnglish),
+          std::tuple("--language=zh-Hans --help", english, inChinese)}) {
+        const auto text = std::get<PrintCommand>(parsed(line, usersLanguage)).text;
+        EXPECT_TRUE(text.starts_with(opening)) << line << text;
+        EXPECT_NE(text.find("  --folder FOLDER "), std::string::npos) << text;
+    }
+}
+
+TEST(CommandLine, usageErrorIsInTheLanguageThatIsAskedForElseInTheUsers) {
+    using enum AppLanguage;
+    EXPECT_EQ(usageErrorOf(parsed("record now", chinese)),
+              "多余的参数“now”。请参阅 vantoro --help。");
+    EXPECT_EQ(usageErrorOf(parsed("record --seconds=0 --language=zh-Hans", english)),
+              "--seconds 的值必须是大于 0 的数，不能是“0”。请参阅 vantoro --help。");
+    EXPECT_EQ(usageErrorOf(parsed("record --language en now", chinese)),
+              "Unexpected argument \"now\". See vantoro --help.");
+}
+
+TEST(CommandLine, invalidCommandLineIsOneLineThatSaysWhy) {
     const std::pair<const char*, const char*> table[] = {
-        {"", "What shall be done?"},
-        {"play", "\"play\" is not a command."},
-        {"--loud", "\"--loud\" is not a command."},
-        {"record --loud", "Unknown option 'loud'."},
-        {"record now", "\"now\" is one word too many."},
-        {"devices --folder x", "Unknown option 'folder'."},
-        {"recover --seconds 5", "Unknown option 'seconds'."},
-        {"recover --folder=", "--folder takes the name of a folder."},
-        {"--version please", "\"please\" is one word too many."},
-        {"record --seconds", "Missing value after '--seconds'."},
-        {"record --seconds ten", "--seconds takes a number above 0, not \"ten\"."},
-        {"record --seconds 0", "--seconds takes a number above 0, not \"0\"."},
-        {"record --seconds=-1", "--seconds takes a number above 0, not \"-1\"."},
-        {"record --seconds nan", "--seconds takes a number above 0, not \"nan\"."},
-        {"record --seconds inf", "--seconds takes a number above 0, not \"inf\"."},
-        {"doctor now", "\"now\" is one word too many."},
-        {"doctor --folder x", "Unknown option 'folder'."},
-        {"doctor --language=", "--language takes zh-Hans or en, not \"\"."},
-        {"record --language fr", "--language takes zh-Hans or en, not \"fr\"."},
+        {"", "Unknown command \"\"."},
+        {"play", "Unknown command \"play\"."},
+        {"--loud", "Unknown command \"--loud\"."},
+        {"record --loud", "Unknown option \"--loud\"."},
+        {"record now", "Unexpected argument \"now\"."},
+        {"devices --folder x", "Unknown option \"--folder\"."},
+        {"recover --seconds 5", "Unknown option \"--seconds\"."},
+        {"recover --folder=", "--folder needs the name of a folder."},
+        {"--version please", "Unexpected argument \"please\"."},
+        {"record --seconds", "--seconds needs a value."},
+        {"record --no-microphone=yes", "--no-microphone takes no value."},
+        {"record -s 5", "Unknown option \"-s\"."},
+        {"record --seconds ten", "--seconds needs a number greater than 0, not \"ten\"."},
+        {"record --seconds 0", "--seconds needs a number greater than 0, not \"0\"."},
+        {"record --seconds=-1", "--seconds needs a number greater than 0, not \"-1\"."},
+        {"record --seconds nan", "--seconds needs a number greater than 0, not \"nan\"."},
+        {"record --seconds inf", "--seconds needs a number greater than 0, not \"inf\"."},
+        {"doctor now", "Unexpected argument \"now\"."},
+        {"doctor --folder x", "Unknown option \"--folder\"."},
+        {"doctor --language=", "--language needs zh-Hans or en, not \"\"."},
+        {"record --language fr", "--language needs zh-Hans or en, not \"fr\"."},
         {"record --system-volume loud",
-         "--system-volume takes a number that is 0 or more, not \"loud\"."},
+         "--system-volume needs a number that is 0 or greater, not \"loud\"."},
         {"record --system-volume=-0.5",
-         "--system-volume takes a number that is 0 or more, not \"-0.5\"."},
+         "--system-volume needs a number that is 0 or greater, not \"-0.5\"."},
         {"record --microphone-volume inf",
-         "--microphone-volume takes a number that is 0 or more, not \"inf\"."},
+         "--microphone-volume needs a number that is 0 or greater, not \"inf\"."},
         {"record --microphone-volume 1e300",
-         "--microphone-volume takes a number that is 0 or more, not \"1e300\"."},
+         "--microphone-volume needs a number that is 0 or greater, not \"1e300\"."},
         {"record --microphone-volume=",
-         "--microphone-volume takes a number that is 0 or more, not \"\"."},
-        {"record --folder=", "--folder takes the name of a folder."},
+         "--microphone-volume needs a number that is 0 or greater, not \"\"."},
+        {"record --folder=", "--folder needs the name of a folder."},
     };
     for (const auto& [line, text] : table) {
         EXPECT_EQ(usageErrorOf(parsed(line)), std::string(text) + " See vantoro --help.") << line;

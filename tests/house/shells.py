@@ -10,7 +10,8 @@ import subprocess
 import time
 from pathlib import Path
 
-COMPLETIONS = Path(__file__).resolve().parents[2] / "packaging/completions"
+BUILD = Path(os.environ.get("VANTORO_PROGRAM", Path(__file__).resolve().parents[2] / "build/release/vantoro")).parent
+COMPLETIONS = BUILD / "packaging/completions"
 SECONDS_TO_ANSWER = 60
 # The shell inserts all completions into the line, which is then printed.
 SHOW_THE_LINE = "\x01print-line \n"
