@@ -89,7 +89,7 @@ std::optional<desktop::MicrophoneFacts> askForMicrophone(desktop::Presence sessi
 
 int examine(const std::filesystem::path& recordingFolder, const desktop::SilentBuses& silent,
             const std::function<int(const DoctorFindings& findings)>& report) {
-    Awaited<std::optional<pipewire::SoundSurvey>> sound(
+    Awaited<std::optional<capture::SoundSurvey>> sound(
         [] { return pipewire::SoundServer(serviceLimit).survey(); });
     Awaited<FolderCheck> folder([recordingFolder] { return askDisk(recordingFolder); });
     Awaited<std::size_t> interrupted(

@@ -63,9 +63,8 @@ private:
         auto engine = std::make_unique<AudioRecorder>(
             RecorderPlatform{captureAccess, microphone, capture, toolkit, fileSystem, clock});
         RecordingViewModel model(std::move(engine),
-                                 {scheduler, power, devices, microphoneSurvey, opener,
-                                  folderDialog, preferences, levels, folder,
-                                  [this] { ending.moved(); }});
+                                 {scheduler, power, devices, microphoneSurvey, opener, folderDialog,
+                                  preferences, levels, folder, [this] { ending.moved(); }});
         return recordRun.run(model);
     }
 };

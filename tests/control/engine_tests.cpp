@@ -40,9 +40,8 @@ protected:
         model = std::make_unique<RecordingViewModel>(
             std::make_unique<AudioRecorder>(
                 RecorderPlatform{captureAccess, microphone, capture, toolkit, fileSystem, clock}),
-            ControlPlatform{scheduler, power, devices, microphone, opener,
-                            folderDialog, preferences, levels, "/recordings",
-                            std::move(recorderProgressed)});
+            ControlPlatform{scheduler, power, devices, microphone, opener, folderDialog,
+                            preferences, levels, "/recordings", std::move(recorderProgressed)});
     }
 
     void startRecording() {

@@ -60,8 +60,8 @@ public:
           run_(command_, ending, preferences_),
           model_(std::make_unique<AudioRecorder>(RecorderPlatform{
                      captureAccess_, microphone_, capture_, toolkit_, fileSystem_, clock_}),
-                 {scheduler_, power_, devices_, microphoneSurvey_, opener_,
-                  folderDialog_, preferences_, levels_, folder, [&ending] { ending.moved(); }}) {}
+                 {scheduler_, power_, devices_, microphoneSurvey_, opener_, folderDialog_,
+                  preferences_, levels_, folder, [&ending] { ending.moved(); }}) {}
 
     int run() {
         waitForSalvage(model_);
