@@ -13,12 +13,13 @@ namespace vantoro {
 
 namespace {
 
-pipewire::CaptureManner mannerFor(RecordingPlatform::Meters meters) {
-    pipewire::CaptureManner manner;
+pipewire::CaptureSettings settingsFor(RecordingPlatform::Meters meters) {
+    pipewire::CaptureSettings settings;
     if (meters == RecordingPlatform::Meters::none) {
-        manner.deliveryInterval = std::chrono::milliseconds(500); // nobody waits for the next level
+        settings.deliveryInterval =
+            std::chrono::milliseconds(500); // nobody waits for the next level
     }
-    return manner;
+    return settings;
 }
 
 /// Takes what is captured, and no notice of it.
@@ -57,7 +58,7 @@ bool isHidden(AudioDevices& devices, const std::optional<std::string>& microphon
 } // namespace
 
 RecordingPlatform::RecordingPlatform(Meters meters, QtScheduler::TasksBegin tasksBegin)
-    : captureService_(mannerFor(meters)),
+    : captureService_(settingsFor(meters)),
       microphoneAccess_([this] { return canOpen(captureService_, chosenMicrophone()); },
                         [this] { return isHidden(soundServer_, chosenMicrophone()); }),
       scheduler_(tasksBegin) {}

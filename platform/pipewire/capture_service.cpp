@@ -13,9 +13,9 @@ namespace {
 
 class Stream final : public CaptureStream {
 public:
-    Stream(CaptureRequest request, CaptureManner manner, SerialQueue& queue,
+    Stream(CaptureRequest request, CaptureSettings settings, SerialQueue& queue,
            CaptureStreamReceiver& receiver)
-        : request_(std::move(request)), manner_(manner), queue_(queue), receiver_(receiver) {}
+        : request_(std::move(request)), settings_(settings), queue_(queue), receiver_(receiver) {}
 
     Stream(const Stream&) = delete;
     Stream& operator=(const Stream&) = delete;
@@ -36,7 +36,7 @@ public:
             capture::DeliveredSources{.systemAudio = request_.systemAudio,
                                       .microphone = request_.microphone});
         session_ = std::make_unique<CaptureSession>(
-            request_, manner_, delivery_,
+            request_, settings_, delivery_,
             CaptureSession::Events{
                 .stopped =
                     [this](std::exception_ptr error) { receiver_.streamDidStop(std::move(error)); },
@@ -56,7 +56,7 @@ public:
 
 private:
     const CaptureRequest request_;
-    const CaptureManner manner_;
+    const CaptureSettings settings_;
     SerialQueue& queue_;
     CaptureStreamReceiver& receiver_;
     std::shared_ptr<capture::CaptureDelivery> delivery_;
@@ -68,7 +68,7 @@ private:
 std::shared_ptr<CaptureStream> CaptureService::makeStream(const CaptureRequest& request,
                                                           SerialQueue& queue,
                                                           CaptureStreamReceiver& receiver) {
-    return std::make_shared<Stream>(request, manner_, queue, receiver);
+    return std::make_shared<Stream>(request, settings_, queue, receiver);
 }
 
 } // namespace vantoro::pipewire

@@ -11,7 +11,7 @@
 namespace vantoro::pipewire {
 
 /// How sound is captured, whatever is asked for.
-struct CaptureManner {
+struct CaptureSettings {
     /// For how much sound the queue is woken: what a level meter needs to be told something new
     /// twelve times a second. Waking the queue costs more than the copying does.
     std::chrono::milliseconds deliveryInterval{80};
@@ -24,13 +24,13 @@ struct CaptureManner {
 /// one microphone. Errors are `CaptureError`s. A microphone's identifier is its node's name.
 class CaptureService final : public vantoro::CaptureService {
 public:
-    explicit CaptureService(CaptureManner manner = {}) : manner_(manner) {}
+    explicit CaptureService(CaptureSettings settings = {}) : settings_(settings) {}
 
     std::shared_ptr<CaptureStream> makeStream(const CaptureRequest& request, SerialQueue& queue,
                                               CaptureStreamReceiver& receiver) override;
 
 private:
-    CaptureManner manner_;
+    CaptureSettings settings_;
 };
 
 } // namespace vantoro::pipewire

@@ -42,10 +42,10 @@ std::string endedText(const InputStream& stream) {
 
 } // namespace
 
-CaptureSession::CaptureSession(CaptureRequest request, CaptureManner manner,
+CaptureSession::CaptureSession(CaptureRequest request, CaptureSettings settings,
                                std::shared_ptr<capture::CaptureDelivery> delivery, Events events)
     : request_(std::move(request)),
-      manner_(manner),
+      settings_(settings),
       delivery_(std::move(delivery)),
       events_(std::move(events)),
       connection_(
@@ -113,9 +113,9 @@ void CaptureSession::openMicrophone() {
 
 std::unique_ptr<InputStream> CaptureSession::makeStream(AudioLevelSource source,
                                                         std::size_t channels) {
-    auto feed = std::make_shared<capture::CaptureFeed>(source, manner_.longestStandstill);
+    auto feed = std::make_shared<capture::CaptureFeed>(source, settings_.longestStandstill);
     const InputStream::Wake wake{.frames = static_cast<std::size_t>(capture::framesInMilliseconds(
-                                     manner_.deliveryInterval.count())),
+                                     settings_.deliveryInterval.count())),
                                  .call =
                                      [](void* delivery) noexcept {
                                          static_cast<capture::CaptureDelivery*>(delivery)->wake();
@@ -152,7 +152,7 @@ void CaptureSession::updateLinks() {
     if (orphans_.awaitsManager()) {
         own.tapOfOutput.clear();
     }
-    auto links = wantedLinks(mirror_.graph(), connection_.self(), own, manner_.excludesOwnSound);
+    auto links = wantedLinks(mirror_.graph(), connection_.self(), own, settings_.excludesOwnSound);
     orphans_.leaveAlone(links, mirror_.graph());
     linker_.apply(links);
 }

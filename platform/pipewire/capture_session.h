@@ -38,7 +38,7 @@ public:
     };
 
     /// Throws `CaptureError` when there is no server. `delivery` is handed the feeds.
-    CaptureSession(CaptureRequest request, CaptureManner manner,
+    CaptureSession(CaptureRequest request, CaptureSettings settings,
                    std::shared_ptr<capture::CaptureDelivery> delivery, Events events);
     CaptureSession(const CaptureSession&) = delete;
     CaptureSession& operator=(const CaptureSession&) = delete;
@@ -75,7 +75,7 @@ private:
     void closeStreams();
 
     const CaptureRequest request_;
-    const CaptureManner manner_;
+    const CaptureSettings settings_;
     const std::shared_ptr<capture::CaptureDelivery> delivery_;
     const Events events_;
     Phase phase_ = Phase::preparing;
