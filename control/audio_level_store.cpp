@@ -11,7 +11,6 @@ AudioLevelStore& AudioLevelStore::shared() {
 }
 
 void AudioLevelStore::setLevel(AudioLevelSource source, double level) {
-    Q_EMIT levelWillChange(source);
     (source == AudioLevelSource::systemAudio ? systemAudioLevel_ : microphoneLevel_) =
         level > 0 ? level : 0;
     Q_EMIT levelChanged(source);

@@ -33,10 +33,7 @@ public:
     void setCondition(AudioLevelSource source, SourceCondition condition);
 
 Q_SIGNALS:
-    /// Once for each writing of a level, before it: everything is still as it was.
-    void levelWillChange(vantoro::AudioLevelSource source);
-
-    /// Once for each writing, after it.
+    /// After each write, even of an equal level.
     void levelChanged(vantoro::AudioLevelSource source);
 
     /// After a condition has become another.

@@ -86,11 +86,7 @@ public:
     std::string formattedElapsedTime() const;
 
 Q_SIGNALS:
-    /// Once for each writing, be the value a new one or not, before it: everything is still as it
-    /// was.
-    void propertyWillChange(vantoro::RecordingProperties::Property property);
-
-    /// Once for each writing, after it.
+    /// After each write, even of an equal value.
     void propertyChanged(vantoro::RecordingProperties::Property property);
 
     /// The same of the state alone, for those who act upon it: levels come many times a second.
@@ -102,7 +98,6 @@ protected:
 
     template <class Value>
     void set(Property property, Value Values::* field, std::type_identity_t<Value> value) {
-        Q_EMIT propertyWillChange(property);
         values_.*field = std::move(value);
         Q_EMIT propertyChanged(property);
     }

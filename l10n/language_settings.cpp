@@ -12,7 +12,6 @@ LanguageSettings::LanguageSettings(Preferences& preferences)
     : preferences_(preferences), language_(L10n(preferences).language()) {}
 
 void LanguageSettings::setLanguage(AppLanguage language) {
-    Q_EMIT languageWillChange();
     language_ = language;
     preferences_.set(Preference::appLanguage, std::string(rawValue(language)));
     Q_EMIT languageChanged();

@@ -24,11 +24,7 @@ public:
     void setLanguage(AppLanguage language);
 
 Q_SIGNALS:
-    /// Once for each change, before it: everything is still as it was.
-    void languageWillChange();
-
-    /// Once for each change, after it was stored: texts that are fetched now are in the new
-    /// language.
+    /// After each choice was stored: texts that are fetched now are in the new language.
     void languageChanged();
 
 private:

@@ -100,7 +100,6 @@ void UpdateChecker::publish(const RecordBody& record) {
 template <class Value>
 void UpdateChecker::set(Property property, Value Values::* field,
                         std::type_identity_t<Value> value) {
-    Q_EMIT propertyWillChange(property);
     values_.*field = std::move(value);
     Q_EMIT propertyChanged(property);
 }

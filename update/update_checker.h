@@ -74,11 +74,7 @@ public:
     void openDownload() const;
 
 Q_SIGNALS:
-    /// Once for each writing, be the value a new one or not, before it: everything is still as it
-    /// was.
-    void propertyWillChange(vantoro::UpdateChecker::Property property);
-
-    /// Once for each writing, after it.
+    /// After each write, even of an equal value.
     void propertyChanged(vantoro::UpdateChecker::Property property);
 
 private:
