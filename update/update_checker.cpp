@@ -37,7 +37,7 @@ QString builtInBaseLocation() {
 UpdateChecker::UpdateChecker(const Preferences& preferences, std::string currentVersion, Open open,
                              UpdateSource source)
     : texts_(preferences),
-      currentVersion_(currentVersion.empty() ? "0.1.3" : std::move(currentVersion)),
+      currentVersion_(std::move(currentVersion)),
       open_(std::move(open)),
       source_(std::move(source)),
       metadataURL_(source_.baseLocation + "/downloads/latest.json", QUrl::StrictMode) {}

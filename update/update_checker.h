@@ -50,8 +50,7 @@ public:
     /// How the desktop opens a web page.
     using Open = std::function<void(const QUrl&)>;
 
-    /// Asks nobody: that waits for the first check. `preferences` must outlive it. An empty
-    /// `currentVersion` counts as "0.1.3".
+    /// Asks nobody: that waits for the first check. `preferences` must outlive it.
     UpdateChecker(const Preferences& preferences, std::string currentVersion, Open open,
                   UpdateSource source);
     UpdateChecker(const UpdateChecker&) = delete;

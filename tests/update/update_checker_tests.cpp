@@ -31,15 +31,6 @@ TEST_F(UpdateCheckerTest, asksFromTheEventLoopOnly) {
     EXPECT_EQ(questions, 1);
 }
 
-TEST_F(UpdateCheckerTest, takesAVersionForGrantedWhereNoneIsGiven) {
-    make("");
-    EXPECT_EQ(checker->currentVersion(), "0.1.3");
-    check(R"({"version":"0.1.3","filename":"a"})");
-    EXPECT_EQ(values().message, latest);
-    check(R"({"version":"0.1.4","filename":"a"})");
-    EXPECT_EQ(values().message, "Version 0.1.4 is available.");
-}
-
 TEST_F(UpdateCheckerTest, asksABuiltInServerOverHttpsAndWaitsQuarterOfAMinute) {
     const UpdateSource source;
     EXPECT_EQ(source.limit, 15s);
