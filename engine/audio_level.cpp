@@ -4,7 +4,8 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstddef>
+#include <cstdint>
+#include <span>
 
 namespace vantoro {
 
@@ -13,25 +14,11 @@ namespace {
 constexpr float quietest = -45.0F; // dBFS
 constexpr float smallestRms = 1e-06F;
 
-float unitValue(float sample) noexcept {
-    return sample;
-}
-
-float unitValue(std::int16_t sample) noexcept {
-    return static_cast<float>(sample) / 32767.0F;
-}
-
-float unitValue(std::int32_t sample) noexcept {
-    return static_cast<float>(sample) * 0x1p-31F;
-}
-
 /// In single precision and in the order of the samples, so that a reading is the same everywhere.
-template <class Sample>
-float sumOfSquares(std::span<const Sample> samples) noexcept {
+float sumOfSquares(std::span<const float> samples) noexcept {
     float sum = 0;
-    for (const Sample sample : samples) {
-        const float value = unitValue(sample);
-        sum += value * value;
+    for (const float sample : samples) {
+        sum += sample * sample;
     }
     return sum;
 }
@@ -56,14 +43,11 @@ float audioLevel(const SampleBuffer& buffer) noexcept {
     }
     const auto expected =
         static_cast<std::uint64_t>(buffer.frameCount) * buffer.format->channelsPerFrame;
-    return std::visit(
-        [expected](auto samples) -> float {
-            if (samples.size() != expected || samples.empty()) {
-                return 0;
-            }
-            return levelOfMeanSquare(sumOfSquares(samples) / static_cast<float>(samples.size()));
-        },
-        buffer.samples);
+    const auto samples = buffer.samples;
+    if (samples.size() != expected || samples.empty()) {
+        return 0;
+    }
+    return levelOfMeanSquare(sumOfSquares(samples) / static_cast<float>(samples.size()));
 }
 
 } // namespace vantoro

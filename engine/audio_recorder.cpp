@@ -16,14 +16,15 @@ namespace vantoro {
 
 namespace {
 
-constexpr AudioTrackSettings systemAudioTrack{.channels = 2, .bitRate = 192000};
-constexpr AudioTrackSettings microphoneTrack{.channels = 1, .bitRate = 96000};
+constexpr TrackFormat systemAudioTrack{.channels = 2, .bitRate = 192000};
+constexpr TrackFormat microphoneTrack{.channels = 1, .bitRate = 96000};
 
-FileWriterInput& makeWriterInput(FileWriter& writer, const AudioTrackSettings& settings) {
-    if (!writer.canAdd(settings)) {
+RecordingTrack* makeWriterInput(RecordingWriter& writer, TrackFormat format) {
+    RecordingTrack* const track = writer.addTrack(format);
+    if (track == nullptr) {
         throw RecordingError(RecordingError::Case::writerSetupFailed);
     }
-    return writer.add(settings);
+    return track;
 }
 
 /// Of all tracks together, bits a second.
@@ -35,7 +36,7 @@ int totalBitRate(const RecordingOptions& options) {
 /// Whether a salvage will find something in the file.
 bool holdsSound(MediaToolkit& toolkit, const std::filesystem::path& file) {
     try {
-        return zeroTime < toolkit.openAsset(file)->duration();
+        return zeroTime < toolkit.openRecording(file)->duration();
     } catch (const std::exception&) {
         return false;
     }
@@ -102,20 +103,19 @@ bool AudioRecorder::requestMicrophonePermission() {
 
 void AudioRecorder::prepareWriter(const RecordingOptions& options) {
     const auto temporaryURL = options.outputDirectory / temporaryFileName();
-    auto writer = platform_.mediaToolkit.makeWriter(temporaryURL);
-    temporaryURL_ = temporaryURL; // a file that a failure has to remove
     const auto room = std::make_shared<RoomWatch>(platform_.fileSystem, options.outputDirectory,
                                                   totalBitRate(options), onDiskRoom);
+    auto writer = platform_.mediaToolkit.makeWriter(
+        temporaryURL, {.first = initialCheckpointInterval, .others = checkpointInterval},
+        [room](MediaTime recorded, std::uint64_t waitingBytes) {
+            room->look(recorded, waitingBytes);
+        });
+    temporaryURL_ = temporaryURL; // a file that a failure has to remove
     room->lookBeforeTheStart();
-    writer->setMovieFragmentInterval(checkpointInterval);
-    writer->setInitialMovieFragmentInterval(initialCheckpointInterval);
-    writer->setOnFragmentWritten([room](MediaTime recorded, std::uint64_t waitingBytes) {
-        room->look(recorded, waitingBytes);
-    });
-    FileWriterInput* const systemAudioInput =
-        options.captureSystemAudio ? &makeWriterInput(*writer, systemAudioTrack) : nullptr;
-    FileWriterInput* const microphoneInput =
-        options.captureMicrophone ? &makeWriterInput(*writer, microphoneTrack) : nullptr;
+    RecordingTrack* const systemAudioInput =
+        options.captureSystemAudio ? makeWriterInput(*writer, systemAudioTrack) : nullptr;
+    RecordingTrack* const microphoneInput =
+        options.captureMicrophone ? makeWriterInput(*writer, microphoneTrack) : nullptr;
 
     outputDirectory_ = options.outputDirectory;
     hasSystemAudioTrack_ = options.captureSystemAudio;
@@ -168,8 +168,9 @@ std::filesystem::path AudioRecorder::stop(float systemVolume, float microphoneVo
             .temporaryFile = temporaryURL_,
             .volumeOfTrack = recordingVolumes(hasSystemAudioTrack_, systemVolume, microphoneVolume),
             .isAllWritten = isAllWritten};
-        auto destination = exportFinal(platform_.mediaToolkit, platform_.fileSystem,
-                                       platform_.clock, wanted, onExportProgress);
+        RecordingWriter& writer = *captureQueue_.sync([this] { return samplePath_.writer(); });
+        auto destination =
+            exportFinal(writer, platform_.fileSystem, platform_.clock, wanted, onExportProgress);
         reset(false);
         return destination;
     } catch (...) {
@@ -188,7 +189,7 @@ SalvageResult AudioRecorder::recoverIncompleteRecordings(const std::filesystem::
 void AudioRecorder::stopStream() {
     auto stream = captureQueue_.sync([this] { return stream_; });
     if (!stream) {
-        if (!captureQueue_.sync([this] { return samplePath_.isArmed(); })) {
+        if (!captureQueue_.sync([this] { return samplePath_.writer() != nullptr; })) {
             throw RecordingError(RecordingError::Case::noAudioCaptured);
         }
         return;
@@ -246,7 +247,7 @@ void AudioRecorder::reset(bool removeTemporaryFile) {
     outputDirectory_.clear();
     hasSystemAudioTrack_ = false;
     std::shared_ptr<CaptureStream> stream;
-    std::unique_ptr<FileWriter> writer;
+    std::unique_ptr<RecordingWriter> writer;
     captureQueue_.sync([&] {
         stream = std::move(stream_);
         writer = samplePath_.disarm();

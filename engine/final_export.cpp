@@ -23,14 +23,14 @@ void setAsideIgnoringErrors(FileSystem& fileSystem, const std::filesystem::path&
 
 } // namespace
 
-std::filesystem::path exportFinal(MediaToolkit& toolkit, FileSystem& fileSystem, const Clock& clock,
-                                  const FinalExport& wanted, const ExportProgress& progress) {
+std::filesystem::path exportFinal(RecordingWriter& writer, FileSystem& fileSystem,
+                                  const Clock& clock, const FinalExport& wanted,
+                                  const ExportProgress& progress) {
     const auto& temporaryFile = wanted.temporaryFile;
     auto place = uniqueOutputURL(temporaryFile.parent_path(), fileSystem, clock);
-    const auto asset = toolkit.openAsset(temporaryFile);
-    const auto final =
-        mixTracks(toolkit, *asset, std::move(place), wanted.volumeOfTrack, progress, {});
-    if (wanted.isAllWritten && asset->isWhole()) {
+    const auto recording = writer.openRecording();
+    const auto final = mixTracks(*recording, std::move(place), wanted.volumeOfTrack, progress, {});
+    if (wanted.isAllWritten && recording->isWhole()) {
         removeIgnoringErrors(fileSystem, temporaryFile);
     } else {
         setAsideIgnoringErrors(fileSystem, temporaryFile, final.location);

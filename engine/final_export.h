@@ -6,7 +6,7 @@
 
 #include "engine/ports/clock.h"
 #include "engine/ports/file_system.h"
-#include "engine/ports/media_toolkit.h"
+#include "engine/ports/recording_writer.h"
 #include "engine/track_mixing.h"
 
 namespace vantoro {
@@ -19,11 +19,12 @@ struct FinalExport {
     bool isAllWritten = true;
 };
 
-/// Makes the final file of a finished temporary one, beside it, named after this moment, and then
-/// deletes that, or sets it aside where the final file does not hold all that was captured. Returns
-/// the final file's place. Blocks; task threads only. Throws as `mixTracks`; then the temporary
-/// file is as it was.
-std::filesystem::path exportFinal(MediaToolkit& toolkit, FileSystem& fileSystem, const Clock& clock,
-                                  const FinalExport& wanted, const ExportProgress& progress);
+/// Makes the final file of a recording that its writer has finished: beside the temporary file, and
+/// named after this moment. Then deletes the temporary file, or sets it aside where the final one
+/// does not hold all that was captured. Returns the final file's place. Blocks; task threads only.
+/// Throws as `mixTracks`; then the temporary file is as it was.
+std::filesystem::path exportFinal(RecordingWriter& writer, FileSystem& fileSystem,
+                                  const Clock& clock, const FinalExport& wanted,
+                                  const ExportProgress& progress);
 
 } // namespace vantoro

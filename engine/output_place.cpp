@@ -15,7 +15,7 @@ std::unique_ptr<OutputFile> reserve(FileSystem& fileSystem,
     if (fileSystem.exists(destination)) {
         return nullptr;
     }
-    auto staging = fileSystem.claim(stagingURL(destination), FileAudience::asUserPrefers);
+    auto staging = fileSystem.claim(stagingPath(destination), FileAudience::asUserPrefers);
     // Whoever had the staging file until now may have finished in between.
     if (staging && fileSystem.exists(destination)) {
         staging->discard();
@@ -72,7 +72,7 @@ FinalFile OutputPlace::publish(std::unique_ptr<OutputFile> other) {
     return {.location = location(), .file = std::move(file)};
 }
 
-std::filesystem::path stagingURL(std::filesystem::path destination) {
+std::filesystem::path stagingPath(std::filesystem::path destination) {
     return destination.replace_extension("exporting.m4a");
 }
 

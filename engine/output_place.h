@@ -51,6 +51,6 @@ private:
 };
 
 /// Where a final file is exported to before it is complete.
-std::filesystem::path stagingURL(std::filesystem::path destination);
+std::filesystem::path stagingPath(std::filesystem::path destination);
 
 } // namespace vantoro

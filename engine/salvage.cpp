@@ -26,19 +26,19 @@ std::string lowerCased(std::string text) {
     return text;
 }
 
-FinalFile exportRecoveredAsset(const SalvagePlatform& platform, Asset& asset, OutputPlace place,
+FinalFile exportRecoveredAsset(Recording& recording, OutputPlace place,
                                const ExportProgress& progress, const std::stop_token& stop) {
     // The volumes that the user had chosen died with the recorder.
     const auto fullVolume = [](std::size_t) { return 1.0F; };
-    return mixTracks(platform.mediaToolkit, asset, std::move(place), fullVolume, progress, stop);
+    return mixTracks(recording, std::move(place), fullVolume, progress, stop);
 }
 
 /// Null where it holds no sound. Throws where it cannot be read.
-std::unique_ptr<Asset> openUnlessSilent(MediaToolkit& mediaToolkit,
-                                        const std::filesystem::path& candidate) {
-    auto asset = mediaToolkit.openAsset(candidate);
-    const MediaTime duration = asset->duration();
-    return duration.isValid() && zeroTime < duration ? std::move(asset) : nullptr;
+std::unique_ptr<Recording> openUnlessSilent(MediaToolkit& mediaToolkit,
+                                            const std::filesystem::path& candidate) {
+    auto recording = mediaToolkit.openRecording(candidate);
+    const MediaTime duration = recording->duration();
+    return duration.isValid() && zeroTime < duration ? std::move(recording) : nullptr;
 }
 
 bool isToBeRecovered(MediaToolkit& mediaToolkit, FileSystem& fileSystem,
@@ -53,8 +53,8 @@ bool isToBeRecovered(MediaToolkit& mediaToolkit, FileSystem& fileSystem,
 
 /// Null also for what is no movie, as the empty file of a start that died. Throws where the disk
 /// does not give it.
-std::unique_ptr<Asset> openIfReadable(MediaToolkit& mediaToolkit,
-                                      const std::filesystem::path& candidate) {
+std::unique_ptr<Recording> openIfReadable(MediaToolkit& mediaToolkit,
+                                          const std::filesystem::path& candidate) {
     try {
         return openUnlessSilent(mediaToolkit, candidate);
     } catch (const std::system_error&) {
@@ -78,19 +78,19 @@ std::optional<Recovered> recover(const SalvagePlatform& platform,
     if (!lock) {
         return std::nullopt; // still being recorded, or salvaged by somebody else
     }
-    const auto asset = openIfReadable(platform.mediaToolkit, candidate);
-    if (!asset) {
+    const auto recording = openIfReadable(platform.mediaToolkit, candidate);
+    if (!recording) {
         return std::nullopt;
     }
     auto place = uniqueOutputURL(candidate.parent_path(), platform.fileSystem, platform.clock);
-    auto final = exportRecoveredAsset(platform, *asset, std::move(place), progress, stop);
+    auto final = exportRecoveredAsset(*recording, std::move(place), progress, stop);
     std::optional<std::filesystem::path> keptOriginal;
     try {
         if (stop.stop_requested()) {
             final.file->discard();
             return std::nullopt;
         }
-        if (asset->isWhole()) {
+        if (recording->isWhole()) {
             platform.fileSystem.remove(candidate);
         } else {
             keptOriginal = setAside(platform.fileSystem, candidate, final.location);

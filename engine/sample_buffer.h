@@ -5,7 +5,6 @@
 #include <cstdint>
 #include <optional>
 #include <span>
-#include <variant>
 
 #include "engine/media_time.h"
 
@@ -16,10 +15,6 @@ struct AudioStreamDescription {
     std::uint32_t channelsPerFrame = 0;
 };
 
-/// Samples of one buffer, channel after channel (channels × frames). Borrowed: valid for the call.
-using PcmSamples = std::variant<std::span<const float>, std::span<const std::int16_t>,
-                                std::span<const std::int32_t>>;
-
 /// One timed piece of captured sound, as the capture stream hands it to the capture queue.
 /// It borrows its samples; whoever keeps them copies them.
 struct SampleBuffer {
@@ -27,7 +22,7 @@ struct SampleBuffer {
     std::int64_t frameCount = 0;
     MediaTime presentationTime; ///< of the first frame, on the machine's monotonic clock
     std::optional<AudioStreamDescription> format;
-    PcmSamples samples;
+    std::span<const float> samples; ///< channel after channel (channels × frames)
 };
 
 } // namespace vantoro

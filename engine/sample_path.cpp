@@ -18,15 +18,15 @@ SamplePath::SamplePath(const Clock& clock, const AudioLevelCallback& onAudioLeve
       onCaptureInterrupted_(onCaptureInterrupted),
       levelMeter_(clock) {}
 
-void SamplePath::arm(std::unique_ptr<FileWriter> writer, FileWriterInput* systemAudioInput,
-                     FileWriterInput* microphoneInput) {
+void SamplePath::arm(std::unique_ptr<RecordingWriter> writer, RecordingTrack* systemAudioInput,
+                     RecordingTrack* microphoneInput) {
     disarm();
     writer_ = std::move(writer);
     systemAudioInput_ = systemAudioInput;
     microphoneInput_ = microphoneInput;
 }
 
-std::unique_ptr<FileWriter> SamplePath::disarm() {
+std::unique_ptr<RecordingWriter> SamplePath::disarm() {
     systemAudioInput_ = nullptr;
     microphoneInput_ = nullptr;
     writerStarted_ = false;
@@ -40,12 +40,12 @@ std::unique_ptr<FileWriter> SamplePath::disarm() {
 }
 
 void SamplePath::append(const SampleBuffer& buffer, AudioLevelSource source) {
-    FileWriterInput* const input = inputOf(source);
+    RecordingTrack* const input = inputOf(source);
     if (!buffer.dataIsReady || buffer.frameCount < 1 || input == nullptr) {
         return;
     }
     if (captureError_) {
-        if (writer_->status() == FileWriterStatus::failed) {
+        if (writer_->status() == WriterStatus::failed) {
             drop(buffer, source);
         }
         return;
@@ -62,7 +62,7 @@ void SamplePath::append(const SampleBuffer& buffer, AudioLevelSource source) {
     if (time < sessionStartTime_) {
         return; // the other source's, from before the start
     }
-    if (!input->isReadyForMoreMediaData()) {
+    if (!input->isReady()) {
         drop(buffer, source);
     } else if (!input->append(buffer)) {
         drop(buffer, source);
@@ -94,11 +94,10 @@ std::optional<SoundLoss> SamplePath::loss() const {
 }
 
 bool SamplePath::startWriting(MediaTime sourceTime) {
-    if (!writer_ || !writer_->startWriting()) {
+    if (!writer_ || !writer_->start(sourceTime)) {
         reportWriterFailure("Unable to start the file writer.");
         return false;
     }
-    writer_->startSession(sourceTime);
     writerStarted_ = true;
     sessionStartTime_ = sourceTime;
     return true;
@@ -132,13 +131,13 @@ void SamplePath::finish(std::function<void(std::exception_ptr)> completion) {
         completion(std::make_exception_ptr(RecordingError(RecordingError::Case::noAudioCaptured)));
         return;
     }
-    for (FileWriterInput* input : {systemAudioInput_, microphoneInput_}) {
+    for (RecordingTrack* input : {systemAudioInput_, microphoneInput_}) {
         if (input != nullptr) {
-            input->markAsFinished();
+            input->end();
         }
     }
-    writer_->finishWriting([&writer = *writer_, completion = std::move(completion)] {
-        if (writer.status() == FileWriterStatus::completed) {
+    writer_->finish([&writer = *writer_, completion = std::move(completion)] {
+        if (writer.status() == WriterStatus::completed) {
             completion(nullptr);
             return;
         }
@@ -160,7 +159,7 @@ void SamplePath::expectMix(float systemVolume, float microphoneVolume) {
     }
 }
 
-FileWriterInput* SamplePath::inputOf(AudioLevelSource source) const noexcept {
+RecordingTrack* SamplePath::inputOf(AudioLevelSource source) const noexcept {
     return source == AudioLevelSource::systemAudio ? systemAudioInput_ : microphoneInput_;
 }
 

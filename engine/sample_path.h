@@ -10,7 +10,7 @@
 #include <string>
 
 #include "engine/level_meter.h"
-#include "engine/ports/file_writer.h"
+#include "engine/ports/recording_writer.h"
 #include "engine/recording_types.h"
 #include "engine/source_watch.h"
 
@@ -29,11 +29,11 @@ public:
                const SourceConditionCallback& onSourceCondition,
                const CaptureInterruptedCallback& onCaptureInterrupted);
 
-    /// Takes in the writer of a new recording; the inputs are the writer's, or null.
-    void arm(std::unique_ptr<FileWriter> writer, FileWriterInput* systemAudioInput,
-             FileWriterInput* microphoneInput);
+    /// Takes in the writer of a new recording; the inputs are its tracks, or null.
+    void arm(std::unique_ptr<RecordingWriter> writer, RecordingTrack* systemAudioInput,
+             RecordingTrack* microphoneInput);
     /// Back to the initial state. Returns the writer, since destroying it may take its time.
-    std::unique_ptr<FileWriter> disarm();
+    std::unique_ptr<RecordingWriter> disarm();
 
     void append(const SampleBuffer& buffer, AudioLevelSource source);
     /// The microphone was switched off, or on again, in the desktop's mixer.
@@ -53,12 +53,13 @@ public:
     /// With which gain each source will probably be mixed.
     void expectMix(float systemVolume, float microphoneVolume);
 
-    bool isArmed() const noexcept { return writer_ != nullptr; }
+    /// Null while it is not armed.
+    RecordingWriter* writer() const noexcept { return writer_.get(); }
 
     bool hasStartedWriting() const noexcept { return writerStarted_; }
 
 private:
-    FileWriterInput* inputOf(AudioLevelSource source) const noexcept;
+    RecordingTrack* inputOf(AudioLevelSource source) const noexcept;
     bool startWriting(MediaTime sourceTime);
     void drop(const SampleBuffer& buffer, AudioLevelSource source);
     void reportWriterFailure(const char* text);
@@ -68,9 +69,9 @@ private:
     const CaptureInterruptedCallback& onCaptureInterrupted_;
     LevelMeter levelMeter_;
     SourceWatch sourceWatch_;
-    std::unique_ptr<FileWriter> writer_;
-    FileWriterInput* systemAudioInput_ = nullptr;
-    FileWriterInput* microphoneInput_ = nullptr;
+    std::unique_ptr<RecordingWriter> writer_;
+    RecordingTrack* systemAudioInput_ = nullptr;
+    RecordingTrack* microphoneInput_ = nullptr;
     bool writerStarted_ = false;
     MediaTime sessionStartTime_; // of the first buffer written; invalid until then
     std::exception_ptr captureError_;

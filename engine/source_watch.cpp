@@ -3,18 +3,14 @@
 #include "engine/source_watch.h"
 
 #include <algorithm>
-#include <variant>
+#include <span>
 
 namespace vantoro {
 
 namespace {
 
-bool isDigitalSilence(const PcmSamples& samples) {
-    return std::visit(
-        [](const auto& values) {
-            return std::ranges::all_of(values, [](auto sample) { return sample == 0; });
-        },
-        samples);
+bool isDigitalSilence(std::span<const float> samples) {
+    return std::ranges::all_of(samples, [](float sample) { return sample == 0; });
 }
 
 } // namespace

@@ -15,35 +15,21 @@ TrackVolume recordingVolumes(bool hasSystemAudioTrack, float systemVolume, float
     };
 }
 
-FinalFile mixTracks(MediaToolkit& toolkit, Asset& asset, OutputPlace place,
-                    const TrackVolume& volumeOfTrack, const ExportProgress& progress,
-                    const std::stop_token& stop) {
-    const auto sourceTracks = asset.audioTracks();
-    if (sourceTracks.empty()) {
+FinalFile mixTracks(Recording& recording, OutputPlace place, const TrackVolume& volumeOfTrack,
+                    const ExportProgress& progress, const std::stop_token& stop) {
+    std::vector<float> volumes(recording.trackCount());
+    if (volumes.empty()) {
         throw RecordingError(RecordingError::Case::noAudioCaptured);
     }
-    const auto composition = toolkit.makeComposition();
-    AudioMix mix;
-    for (std::size_t index = 0; index < sourceTracks.size(); ++index) {
-        CompositionTrack* const track = composition->addAudioTrack();
-        if (track == nullptr) {
-            throw RecordingError(RecordingError::Case::exportFailed);
-        }
-        track->insert(sourceTracks[index]->timeRange(), sourceTracks[index], zeroTime);
-        mix.push_back({.track = track, .volume = volumeOfTrack(index), .time = zeroTime});
+    for (std::size_t index = 0; index < volumes.size(); ++index) {
+        volumes[index] = volumeOfTrack(index);
     }
-    return exportM4A(toolkit, *composition, std::move(mix), std::move(place), progress, stop);
+    return exportM4A(recording, volumes, std::move(place), progress, stop);
 }
 
-FinalFile exportM4A(MediaToolkit& toolkit, const Composition& composition, AudioMix mix,
-                    OutputPlace place, const ExportProgress& progress,
-                    const std::stop_token& stop) {
-    const auto session = toolkit.makeExportSession(composition);
-    if (!session) {
-        throw RecordingError(RecordingError::Case::exportFailed);
-    }
-    session->setAudioMix(std::move(mix));
-    auto other = session->exportTo(place.stagingFile(), progress, stop);
+FinalFile exportM4A(Recording& recording, const std::vector<float>& volumes, OutputPlace place,
+                    const ExportProgress& progress, const std::stop_token& stop) {
+    auto other = recording.mix(volumes, place.stagingFile(), progress, stop);
     return place.publish(std::move(other));
 }
 

@@ -6,10 +6,11 @@
 #include <filesystem>
 #include <functional>
 #include <stop_token>
+#include <vector>
 
 #include "engine/output_place.h"
 #include "engine/ports/file_system.h"
-#include "engine/ports/media_toolkit.h"
+#include "engine/ports/recording.h"
 
 namespace vantoro {
 
@@ -19,18 +20,17 @@ using TrackVolume = std::function<float(std::size_t trackIndex)>;
 /// The volumes of a recording's tracks: the system's sound comes first, when it was recorded.
 TrackVolume recordingVolumes(bool hasSystemAudioTrack, float systemVolume, float microphoneVolume);
 
-/// Lays all audio tracks of the asset side by side from time zero, each at its volume, and exports
-/// the mix to the place, where on return it is complete and on disk. Task threads only.
+/// Mixes all tracks of the recording, each at its volume from time zero on, and exports the mix to
+/// the place, where on return it is complete and on disk. Task threads only.
 /// Throws `RecordingError` (`noAudioCaptured`, `exportFailed`), or the platform's error unchanged,
 /// after a requested stop std::errc::operation_canceled; then nothing is left of this attempt.
-FinalFile mixTracks(MediaToolkit& toolkit, Asset& asset, OutputPlace place,
-                    const TrackVolume& volumeOfTrack, const ExportProgress& progress,
-                    const std::stop_token& stop);
+FinalFile mixTracks(Recording& recording, OutputPlace place, const TrackVolume& volumeOfTrack,
+                    const ExportProgress& progress, const std::stop_token& stop);
 
-/// Exports a composition through a staging file that takes its final name when it is complete.
-/// Throws as `mixTracks`.
-FinalFile exportM4A(MediaToolkit& toolkit, const Composition& composition, AudioMix mix,
-                    OutputPlace place, const ExportProgress& progress, const std::stop_token& stop);
+/// Exports a mix through a staging file that takes its final name when it is complete. Throws as
+/// `mixTracks`.
+FinalFile exportM4A(Recording& recording, const std::vector<float>& volumes, OutputPlace place,
+                    const ExportProgress& progress, const std::stop_token& stop);
 
 /// Removes what may be there. For clean-up, where a failure changes nothing.
 void removeIgnoringErrors(FileSystem& fileSystem, const std::filesystem::path& path) noexcept;

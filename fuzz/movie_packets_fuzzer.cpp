@@ -14,7 +14,7 @@
 #include "fuzz/promise.h"
 #include "fuzz/sparse_file.h"
 #include "media/coding/aac.h"
-#include "media/movie/movie_asset.h"
+#include "media/movie/movie.h"
 #include "media/movie/movie_codecs.h"
 #include "media/movie/packet_reader.h"
 

@@ -33,8 +33,8 @@ constexpr float microphoneVolume = 1.0F;
 void exportMovie(const std::filesystem::path& movie, const std::filesystem::path& destination) {
     posix::PosixFileSystem files;
     ffmpeg::FfmpegToolkit toolkit(files);
-    const auto asset = toolkit.openAsset(movie);
-    mixTracks(toolkit, *asset, OutputPlace(files, destination.parent_path(), destination.stem()),
+    const auto recording = toolkit.openRecording(movie);
+    mixTracks(*recording, OutputPlace(files, destination.parent_path(), destination.stem()),
               recordingVolumes(true, systemVolume, microphoneVolume), {}, {});
 }
 

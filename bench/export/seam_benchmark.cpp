@@ -23,7 +23,6 @@
 #include "bench/support/test_movie.h"
 #include "media/mix/parallel_coding.h"
 #include "platform/ffmpeg/ffmpeg_coding.h"
-#include "platform/ffmpeg/toolkit.h"
 #include "platform/posix/posix_file_system.h"
 
 namespace vantoro::bench {
@@ -111,14 +110,12 @@ void measure(int minutes) {
     const TemporaryFolder folder;
     recordTestMovie(folder / "movie.mov", minutes);
     posix::PosixFileSystem files;
-    const auto tracks = ffmpeg::FfmpegToolkit(files).openAsset(folder / "movie.mov")->audioTracks();
+    const std::shared_ptr<const Movie> movie = openMovie(files, folder / "movie.mov");
     Mix mix;
-    for (std::size_t index = 0; index < tracks.size(); ++index) {
+    for (std::size_t track = 0; track < volumes.size(); ++track) {
         const auto frames = static_cast<std::int64_t>(minutes) * 60 * framesPerSecond;
-        mix.push_back({.source = dynamic_cast<const MovieTrack*>(tracks[index].get()),
-                       .start = 0,
-                       .frames = frames,
-                       .volume = volumes.at(index)});
+        mix.push_back(
+            {.movie = movie, .track = track, .frames = frames, .volume = volumes.at(track)});
     }
     const Packets chunked = codedInChunks(mix);
     const Packets serial = codedByOne(mix);

@@ -41,10 +41,8 @@ void waitUntilTheMixHasCaughtUp() {
     }
 }
 
-void mix(MediaToolkit& toolkit, FileSystem& files, const std::filesystem::path& movie,
-         const std::filesystem::path& destination) {
-    const auto asset = toolkit.openAsset(movie);
-    mixTracks(toolkit, *asset, OutputPlace(files, destination.parent_path(), destination.stem()),
+void mix(Recording& recording, FileSystem& files, const std::filesystem::path& destination) {
+    mixTracks(recording, OutputPlace(files, destination.parent_path(), destination.stem()),
               [](std::size_t track) { return volumes[track]; }, {}, {});
 }
 
@@ -65,11 +63,10 @@ void measure(int minutes) {
     waitUntilTheMixHasCaughtUp();
     const Seconds stop = timeOf([&] {
         movie.finish();
-        mix(toolkit, files, folder / "movie.mov", folder / "followed.m4a");
+        mix(*movie.writer().openRecording(), files, folder / "followed.m4a");
     });
-    ffmpeg::FfmpegToolkit another(files);
-    const Seconds plain =
-        timeOf([&] { mix(another, files, folder / "movie.mov", folder / "exported.m4a"); });
+    const Seconds plain = timeOf(
+        [&] { mix(*toolkit.openRecording(folder / "movie.mov"), files, folder / "exported.m4a"); });
     printRow(digits(stop.count(), 3) + " s", "0.25 s",
              "stop to final file, " + std::to_string(minutes) + " min of both sources", "",
              "the whole export, " + digits(plain.count(), 2) + " s");

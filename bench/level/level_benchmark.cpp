@@ -25,7 +25,7 @@ void levelOfOneStereoBuffer(benchmark::State& state) {
         .presentationTime = {0, 48000},
         .format =
             vantoro::AudioStreamDescription{.sampleRate = 48000, .channelsPerFrame = channels},
-        .samples = std::span<const float>(samples)};
+        .samples = samples};
     for ([[maybe_unused]] auto _ : state) {
         benchmark::DoNotOptimize(vantoro::audioLevel(buffer));
     }

@@ -27,22 +27,30 @@ constexpr float systemVolume = 0.9F;
 constexpr float microphoneVolume = 1.0F;
 
 /// The next buffer of a source, one channel behind the other.
-void append(FileWriterInput& input, std::span<const float> samples, std::size_t channels,
+void append(RecordingTrack& track, std::span<const float> samples, std::size_t channels,
             std::size_t frame) {
     std::vector<float> planes(bufferFrames * channels);
     for (std::size_t i = 0; i < planes.size(); ++i) {
         planes[(i % channels * bufferFrames) + (i / channels)] = samples[(frame * channels) + i];
     }
-    const bool taken = input.append(
+    const bool taken = track.append(
         {.dataIsReady = true,
          .frameCount = bufferFrames,
          .presentationTime = {static_cast<std::int64_t>(frame), framesPerSecond},
          .format = AudioStreamDescription{.sampleRate = framesPerSecond,
                                           .channelsPerFrame = static_cast<std::uint32_t>(channels)},
-         .samples = std::span<const float>(planes)});
+         .samples = planes});
     if (!taken) {
         throw std::runtime_error("the recording cannot be written");
     }
+}
+
+RecordingTrack& trackOf(RecordingWriter& writer, TrackFormat format) {
+    RecordingTrack* const track = writer.addTrack(format);
+    if (track == nullptr) {
+        throw std::runtime_error("the recording cannot be coded");
+    }
+    return *track;
 }
 
 void run(std::span<char*> arguments) {
@@ -50,23 +58,22 @@ void run(std::span<char*> arguments) {
     const auto microphone = readSamples(arguments[2]);
     posix::PosixFileSystem files;
     ffmpeg::FfmpegToolkit toolkit(files);
-    const auto writer = toolkit.makeWriter(arguments[3]);
-    FileWriterInput& systemInput = writer->add({.channels = 2, .bitRate = 192000});
-    FileWriterInput& microphoneInput = writer->add({.channels = 1, .bitRate = 96000});
-    if (!writer->startWriting()) {
+    const auto writer = toolkit.makeWriter(arguments[3], {}, {});
+    RecordingTrack& systemTrack = trackOf(*writer, {.channels = 2, .bitRate = 192000});
+    RecordingTrack& microphoneTrack = trackOf(*writer, {.channels = 1, .bitRate = 96000});
+    if (!writer->start(zeroTime)) {
         throw std::runtime_error("the recording cannot be created");
     }
-    writer->startSession(zeroTime);
     for (std::size_t frame = 0; frame + bufferFrames <= microphone.size(); frame += bufferFrames) {
-        append(systemInput, system, 2, frame);
-        append(microphoneInput, microphone, 1, frame);
+        append(systemTrack, system, 2, frame);
+        append(microphoneTrack, microphone, 1, frame);
     }
     std::promise<void> finished;
-    writer->finishWriting([&finished] { finished.set_value(); });
+    writer->finish([&finished] { finished.set_value(); });
     finished.get_future().wait();
-    const auto asset = toolkit.openAsset(arguments[3]);
+    const auto recording = writer->openRecording();
     const std::filesystem::path destination = arguments[4];
-    mixTracks(toolkit, *asset, OutputPlace(files, destination.parent_path(), destination.stem()),
+    mixTracks(*recording, OutputPlace(files, destination.parent_path(), destination.stem()),
               recordingVolumes(true, systemVolume, microphoneVolume), {}, {});
 }
 

@@ -71,7 +71,7 @@ Channel makeSpeech() {
     return channel;
 }
 
-void append(FileWriterInput& input, std::span<const Channel> channels, std::int64_t frame) {
+void append(RecordingTrack& track, std::span<const Channel> channels, std::int64_t frame) {
     std::vector<float> samples;
     const std::int64_t place = frame % loopFrames;
     for (const Channel& channel : channels) {
@@ -85,8 +85,8 @@ void append(FileWriterInput& input, std::span<const Channel> channels, std::int6
         .format =
             AudioStreamDescription{.sampleRate = framesPerSecond,
                                    .channelsPerFrame = static_cast<std::uint32_t>(channels.size())},
-        .samples = std::span<const float>(samples)};
-    if (!input.append(buffer)) {
+        .samples = samples};
+    if (!track.append(buffer)) {
         throw std::runtime_error("the test movie cannot be written");
     }
 }
@@ -95,16 +95,13 @@ void append(FileWriterInput& input, std::span<const Channel> channels, std::int6
 
 TestMovie::TestMovie(MediaToolkit& toolkit, const std::filesystem::path& location,
                      TestSources sources)
-    : writer_(toolkit.makeWriter(location)),
-      system_(sources == TestSources::both ? &writer_->add({.channels = 2, .bitRate = 192000})
+    : writer_(toolkit.makeWriter(location, {}, {})),
+      system_(sources == TestSources::both ? writer_->addTrack({.channels = 2, .bitRate = 192000})
                                            : nullptr),
-      microphone_(writer_->add({.channels = 1, .bitRate = 96000})) {
-    writer_->setInitialMovieFragmentInterval({1, 1});
-    writer_->setMovieFragmentInterval({10, 1});
-    if (!writer_->startWriting()) {
+      microphone_(writer_->addTrack({.channels = 1, .bitRate = 96000})) {
+    if (microphone_ == nullptr || !writer_->start(zeroTime)) {
         throw std::runtime_error("the test movie cannot be created");
     }
-    writer_->startSession(zeroTime);
 }
 
 void TestMovie::record(int minutes) {
@@ -115,15 +112,15 @@ void TestMovie::record(int minutes) {
         if (system_ != nullptr) {
             append(*system_, music, frame);
         }
-        append(microphone_, speech, frame);
+        append(*microphone_, speech, frame);
     }
 }
 
 void TestMovie::finish() {
     std::promise<void> finished;
-    writer_->finishWriting([&finished] { finished.set_value(); });
+    writer_->finish([&finished] { finished.set_value(); });
     finished.get_future().wait();
-    if (writer_->status() != FileWriterStatus::completed) {
+    if (writer_->status() != WriterStatus::completed) {
         throw std::runtime_error(writer_->errorDescription().value_or("unknown failure"));
     }
 }

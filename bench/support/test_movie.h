@@ -19,16 +19,16 @@ public:
     TestMovie(MediaToolkit& toolkit, const std::filesystem::path& location,
               TestSources sources = TestSources::both);
 
-    FileWriter& writer() { return *writer_; }
+    RecordingWriter& writer() { return *writer_; }
 
     void record(int minutes);
     /// Returns when the file is complete.
     void finish();
 
 private:
-    std::unique_ptr<FileWriter> writer_;
-    FileWriterInput* system_;
-    FileWriterInput& microphone_;
+    std::unique_ptr<RecordingWriter> writer_;
+    RecordingTrack* system_;
+    RecordingTrack* microphone_;
 };
 
 /// All of it.

@@ -32,33 +32,30 @@ using Bytes = std::vector<std::byte>;
 constexpr std::int64_t fragmentFrames = 4800;
 
 /// A finished movie whose fragments hold a tenth of a second each.
-Bytes record(const std::vector<AudioTrackSettings>& tracks, int fragments, const Sound& sound) {
+Bytes record(const std::vector<TrackFormat>& tracks, int fragments, const Sound& sound) {
     MemoryFileSystem files;
     media::MovieWriter writer(ffmpeg::coding(), files, "movie.mov",
-                              std::make_shared<media::FollowingMixes>(ffmpeg::coding()));
-    writer.setInitialMovieFragmentInterval({1, 10});
-    writer.setMovieFragmentInterval({1, 10});
-    std::vector<FileWriterInput*> inputs;
-    inputs.reserve(tracks.size());
-    for (const AudioTrackSettings& track : tracks) {
-        inputs.push_back(&writer.add(track));
+                              {.first = {1, 10}, .others = {1, 10}});
+    std::vector<RecordingTrack*> written;
+    written.reserve(tracks.size());
+    for (const TrackFormat& track : tracks) {
+        written.push_back(writer.addTrack(track));
     }
-    bool works = writer.startWriting();
-    writer.startSession(SoundBuffer::sessionStart);
+    bool works = writer.start(SoundBuffer::sessionStart);
     for (std::int64_t frame = 0; frame < fragments * fragmentFrames; frame += fragmentFrames) {
         for (std::size_t index = 0; index < tracks.size(); ++index) {
             const SoundBuffer buffer(frame, fragmentFrames, tracks[index].channels, sound);
-            works = works && inputs[index]->append(buffer.buffer());
+            works = works && written[index]->append(buffer.buffer());
         }
     }
-    for (FileWriterInput* const input : inputs) {
-        input->markAsFinished();
+    for (RecordingTrack* const track : written) {
+        track->end();
     }
     std::promise<void> finished;
     auto done = finished.get_future();
-    writer.finishWriting([&finished] { finished.set_value(); });
+    writer.finish([&finished] { finished.set_value(); });
     if (!works || done.wait_for(std::chrono::seconds(30)) != std::future_status::ready ||
-        writer.status() != FileWriterStatus::completed) {
+        writer.status() != WriterStatus::completed) {
         throw std::runtime_error("a seed could not be recorded");
     }
     return files.contentOf("movie.mov");

@@ -34,7 +34,7 @@ M4aFile::M4aFile(OutputFile& file, AacTrack track, std::int64_t expectedFrames)
     // Growing by doubling would cost more memory than the table itself.
     const auto packets = (static_cast<std::size_t>(expectedFrames) / packetFrames) + 3;
     packetSizes_.reserve(packets);
-    chunkOffsets_.reserve((packets / packetsPerChunk) + 1);
+    rowOffsets_.reserve((packets / packetsPerRow) + 1);
     put(m4aFileType());
     contentStart_ = buffer_.size();
     constexpr std::uint32_t sizeIsLarge = 1;
@@ -48,8 +48,8 @@ void M4aFile::add(std::span<const std::byte> packet) {
     if (packet.size() > std::numeric_limits<Size>::max()) {
         throw std::runtime_error("A packet is larger than any that AAC has.");
     }
-    if (packetSizes_.size() % packetsPerChunk == 0) {
-        chunkOffsets_.push_back(written_ + buffer_.size());
+    if (packetSizes_.size() % packetsPerRow == 0) {
+        rowOffsets_.push_back(written_ + buffer_.size());
     }
     packetSizes_.push_back(static_cast<Size>(packet.size()));
     put(packet);
@@ -62,7 +62,7 @@ void M4aFile::sync() {
 
 void M4aFile::finish(std::int64_t frames) {
     const std::uint64_t contentEnd = written_ + buffer_.size();
-    put(m4aIndex(track_, frames, packetSizes_.size(), chunkOffsets_));
+    put(m4aIndex(track_, frames, packetSizes_.size(), rowOffsets_));
     for (const auto size : packetSizes_) {
         put(bigEndian(std::uint32_t{size}));
     }

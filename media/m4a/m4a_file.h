@@ -38,7 +38,7 @@ private:
     std::uint64_t written_ = 0;
     std::uint64_t contentStart_ = 0; // offset of the box of packets
     std::vector<std::uint16_t> packetSizes_;
-    std::vector<std::uint64_t> chunkOffsets_;
+    std::vector<std::uint64_t> rowOffsets_;
 };
 
 } // namespace vantoro::media

@@ -17,10 +17,10 @@ namespace {
 class IndexWriter {
 public:
     IndexWriter(const AacTrack& track, std::int64_t frames, std::size_t packetCount,
-                std::span<const std::uint64_t> chunkOffsets)
+                std::span<const std::uint64_t> rowOffsets)
         : track_(track),
           packetCount_(packetCount),
-          chunkOffsets_(chunkOffsets),
+          rowOffsets_(rowOffsets),
           sizesLength_(4 * packetCount),
           frames_(static_cast<std::uint64_t>(frames)),
           codedFrames_(std::min<std::uint64_t>(packetCount * std::uint64_t{packetFrames},
@@ -202,23 +202,23 @@ private:
     }
 
     void chunks() {
-        const std::size_t inLast = packetCount_ - ((chunkOffsets_.size() - 1) * packetsPerChunk);
-        const bool lastDiffers = chunkOffsets_.size() > 1 && inLast != packetsPerChunk;
+        const std::size_t inLast = packetCount_ - ((rowOffsets_.size() - 1) * packetsPerRow);
+        const bool lastDiffers = rowOffsets_.size() > 1 && inLast != packetsPerRow;
         out_.fullBox("stsc", 0, [&] {
             out_.u32(lastDiffers ? 2 : 1);
             out_.u32(1);
-            out_.u32(std::min(packetsPerChunk, packetCount_));
+            out_.u32(std::min(packetsPerRow, packetCount_));
             out_.u32(1);
             if (lastDiffers) {
-                out_.u32(chunkOffsets_.size());
+                out_.u32(rowOffsets_.size());
                 out_.u32(inLast);
                 out_.u32(1);
             }
         });
-        const bool far = chunkOffsets_.back() > std::numeric_limits<std::uint32_t>::max();
+        const bool far = rowOffsets_.back() > std::numeric_limits<std::uint32_t>::max();
         out_.fullBox(far ? "co64" : "stco", 0, [&] {
-            out_.u32(chunkOffsets_.size());
-            for (const std::uint64_t offset : chunkOffsets_) {
+            out_.u32(rowOffsets_.size());
+            for (const std::uint64_t offset : rowOffsets_) {
                 far ? out_.u64(offset) : out_.u32(offset);
             }
         });
@@ -226,7 +226,7 @@ private:
 
     const AacTrack& track_;
     const std::size_t packetCount_;
-    const std::span<const std::uint64_t> chunkOffsets_;
+    const std::span<const std::uint64_t> rowOffsets_;
     const std::uint64_t sizesLength_;
     const std::uint64_t frames_;
     const std::uint64_t codedFrames_; // with the priming
@@ -249,8 +249,8 @@ std::vector<std::byte> m4aFileType() {
 }
 
 std::vector<std::byte> m4aIndex(const AacTrack& track, std::int64_t frames, std::size_t packetCount,
-                                std::span<const std::uint64_t> chunkOffsets) {
-    return IndexWriter(track, frames, packetCount, chunkOffsets).write();
+                                std::span<const std::uint64_t> rowOffsets) {
+    return IndexWriter(track, frames, packetCount, rowOffsets).write();
 }
 
 } // namespace vantoro::media

@@ -9,11 +9,11 @@
 
 namespace vantoro::media {
 
-void copyPackets(const MovieTrack& track, std::int64_t frames, M4aFile& file,
-                 const ExportProgress& progress, const std::stop_token& stop) {
+void copyPackets(const std::shared_ptr<const Movie>& movie, std::size_t track, std::int64_t frames,
+                 M4aFile& file, const ExportProgress& progress, const std::stop_token& stop) {
     constexpr std::int64_t progressInterval = 1000;
     const std::int64_t count = 1 + ((frames + packetFrames - 1) / packetFrames);
-    PacketReader packets(track.movie(), track.index());
+    PacketReader packets(movie, track);
     packets.seek(0);
     for (std::int64_t done = 0; done < count; ++done) {
         const auto packet = packets.next();

@@ -2,12 +2,14 @@
 
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <stop_token>
 
-#include "engine/ports/media_toolkit.h"
+#include "engine/ports/recording.h"
 #include "media/m4a/m4a_file.h"
-#include "media/movie/movie_asset.h"
+#include "media/movie/movie.h"
 
 namespace vantoro::media {
 
@@ -16,7 +18,7 @@ namespace vantoro::media {
 /// second.
 /// Throws DamagedMovie when the file has changed meanwhile, what either file throws, and when a
 /// stop is requested std::errc::operation_canceled.
-void copyPackets(const MovieTrack& track, std::int64_t frames, M4aFile& file,
-                 const ExportProgress& progress, const std::stop_token& stop);
+void copyPackets(const std::shared_ptr<const Movie>& movie, std::size_t track, std::int64_t frames,
+                 M4aFile& file, const ExportProgress& progress, const std::stop_token& stop);
 
 } // namespace vantoro::media

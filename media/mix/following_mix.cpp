@@ -154,23 +154,14 @@ void FollowingMix::stopFollowing() {
     }
 }
 
-std::shared_ptr<FollowingMix> FollowingMixes::begin(FileSystem& fileSystem,
-                                                    const std::filesystem::path& movie) {
+std::shared_ptr<FollowingMix> beginFollowing(const Coding& coding, FileSystem& fileSystem,
+                                             const std::filesystem::path& movie,
+                                             IsPowerSaved isPowerSaved) {
     try {
-        auto mix = std::make_shared<FollowingMix>(coding_, fileSystem, movie, isPowerSaved_);
-        const std::scoped_lock lock(mutex_);
-        std::erase_if(mixes_, [](const auto& entry) { return entry.second.expired(); });
-        mixes_[movie] = mix;
-        return mix;
+        return std::make_shared<FollowingMix>(coding, fileSystem, movie, std::move(isPowerSaved));
     } catch (const std::system_error&) {
         return nullptr;
     }
-}
-
-std::shared_ptr<FollowingMix> FollowingMixes::of(const std::filesystem::path& movie) {
-    const std::scoped_lock lock(mutex_);
-    const auto found = mixes_.find(movie);
-    return found == mixes_.end() ? nullptr : found->second.lock();
 }
 
 } // namespace vantoro::media

@@ -6,12 +6,10 @@
 #include <condition_variable>
 #include <cstdint>
 #include <filesystem>
-#include <map>
 #include <memory>
 #include <mutex>
 #include <stop_token>
 #include <thread>
-#include <utility>
 #include <vector>
 
 #include "engine/ports/file_system.h"
@@ -77,22 +75,9 @@ private:
     std::jthread thread_;             // last: it uses the above
 };
 
-/// The mixes that follow a movie, by its location. Any thread.
-class FollowingMixes {
-public:
-    explicit FollowingMixes(const Coding& coding, IsPowerSaved isPowerSaved = {})
-        : coding_(coding), isPowerSaved_(std::move(isPowerSaved)) {}
-
-    /// Null when no thread can be had.
-    std::shared_ptr<FollowingMix> begin(FileSystem& fileSystem, const std::filesystem::path& movie);
-    /// Null where there is none.
-    std::shared_ptr<FollowingMix> of(const std::filesystem::path& movie);
-
-private:
-    const Coding& coding_;
-    const IsPowerSaved isPowerSaved_;
-    std::mutex mutex_;
-    std::map<std::filesystem::path, std::weak_ptr<FollowingMix>> mixes_; // guarded by mutex_
-};
+/// Null when no thread can be had.
+std::shared_ptr<FollowingMix> beginFollowing(const Coding& coding, FileSystem& fileSystem,
+                                             const std::filesystem::path& movie,
+                                             IsPowerSaved isPowerSaved);
 
 } // namespace vantoro::media

@@ -39,11 +39,9 @@ GrowingMix::GrowingMix(const Coding& coding, FileSystem& fileSystem,
     if (volumes.size() != movie_->scan.tracks.size()) {
         throw std::runtime_error("The movie has other tracks.");
     }
-    tracks_.reserve(volumes.size()); // the mix points to them
     for (std::size_t track = 0; track < volumes.size(); ++track) {
-        tracks_.emplace_back(movie_, track);
         mix_.push_back(
-            {.source = &tracks_.back(), .frames = unknownFrames, .volume = volumes[track]});
+            {.movie = movie_, .track = track, .frames = unknownFrames, .volume = volumes[track]});
     }
 }
 
@@ -98,10 +96,9 @@ std::unique_ptr<OutputFile> GrowingMix::complete(const Mix& mix, unsigned thread
 }
 
 void GrowingMix::check(const Mix& mix) const {
-    const auto isTheSame = [](const MixedTrack& begun, const MixedTrack& wanted) {
-        const std::int64_t frames = begun.source->timeRange().duration.inUnitsOf(framesPerSecond);
-        return begun.source->index() == wanted.source->index() && wanted.start == 0 &&
-               wanted.frames == frames && wanted.volume == begun.volume;
+    const auto isTheSame = [this](const MixedTrack& begun, const MixedTrack& wanted) {
+        return wanted.track == begun.track && wanted.frames == framesIn(*movie_, begun.track) &&
+               wanted.volume == begun.volume;
     };
     if (!std::ranges::equal(mix_, mix, isTheSame)) {
         throw std::runtime_error("Another mix is wanted.");

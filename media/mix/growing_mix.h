@@ -10,11 +10,11 @@
 #include <vector>
 
 #include "engine/ports/file_system.h"
-#include "engine/ports/media_toolkit.h"
+#include "engine/ports/recording.h"
 #include "media/m4a/m4a_file.h"
 #include "media/mix/coded_chunk.h"
 #include "media/mix/mixer.h"
-#include "media/movie/movie_asset.h"
+#include "media/movie/movie.h"
 
 namespace vantoro::media {
 
@@ -50,7 +50,6 @@ private:
     FileSystem& fileSystem_;
     std::filesystem::path location_;
     std::shared_ptr<Movie> movie_;
-    std::vector<MovieTrack> tracks_;
     Mix mix_; // of no known end
     std::unique_ptr<OutputFile> unnamed_;
     M4aFile file_; // in that one

@@ -19,7 +19,7 @@ Mixer::Mixer(const Coding& coding, const Mix& mix, std::int64_t block)
     : position_(block * packetFrames) {
     for (const MixedTrack& track : mix) {
         if (track.frames > position_) {
-            tracks_.push_back({TrackSamples(coding, *track.source, track.start + position_,
+            tracks_.push_back({TrackSamples(coding, track.movie, track.track, position_,
                                             track.frames - position_),
                                track.volume});
         }

@@ -4,20 +4,21 @@
 
 #include <cstdint>
 #include <limits>
+#include <memory>
 #include <vector>
 
 #include "media/mix/track_samples.h"
-#include "media/movie/movie_asset.h"
+#include "media/movie/movie.h"
 
 namespace vantoro::media {
 
 /// Of a track whose end is not known yet.
 inline constexpr std::int64_t unknownFrames = std::numeric_limits<std::int64_t>::max() / 2;
 
-/// A range of a movie's track, and how loud it is in a mix.
+/// A movie's track, and how loud it is in a mix.
 struct MixedTrack {
-    const MovieTrack* source = nullptr; ///< outlives the mix
-    std::int64_t start = 0;             ///< frames from the track's beginning
+    std::shared_ptr<const Movie> movie;
+    std::size_t track = 0; ///< in the scan
     std::int64_t frames = 0;
     float volume = 1;
 };

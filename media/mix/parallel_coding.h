@@ -5,7 +5,7 @@
 #include <functional>
 #include <stop_token>
 
-#include "engine/ports/media_toolkit.h"
+#include "engine/ports/recording.h"
 #include "media/mix/coded_chunk.h"
 #include "media/mix/mixer.h"
 

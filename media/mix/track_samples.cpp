@@ -18,10 +18,10 @@ void addScaled(std::span<float> sum, std::span<const float> samples, float gain)
 
 } // namespace
 
-TrackSamples::TrackSamples(const Coding& coding, const MovieTrack& track, std::int64_t start,
-                           std::int64_t frames)
-    : packets_(track.movie(), track.index()),
-      decoder_(coding.makeDecoder(*track.movie()->codecs[track.index()])),
+TrackSamples::TrackSamples(const Coding& coding, const std::shared_ptr<const Movie>& movie,
+                           std::size_t track, std::int64_t start, std::int64_t frames)
+    : packets_(movie, track),
+      decoder_(coding.makeDecoder(*movie->codecs[track])),
       remaining_(frames) {
     // The priming is packet 0, so the packet before the wanted one always exists; decoding it first
     // makes the wanted one sound right.

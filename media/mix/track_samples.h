@@ -24,8 +24,8 @@ struct StereoBlock {
 class TrackSamples {
 public:
     /// `start`: frames from the track's beginning (behind the priming). Throws as `addTo`.
-    TrackSamples(const Coding& coding, const MovieTrack& track, std::int64_t start,
-                 std::int64_t frames);
+    TrackSamples(const Coding& coding, const std::shared_ptr<const Movie>& movie, std::size_t track,
+                 std::int64_t start, std::int64_t frames);
 
     /// Adds the next 1024 frames times `gain`, or what is left of the range; a mono track to both
     /// channels alike. Packets that cannot be decoded, or are missing, are silent. Throws when the

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "media/movie/fragment_parser.h"
-#include "media/movie/movie_asset.h"
+#include "media/movie/movie.h"
 
 namespace vantoro::media {
 

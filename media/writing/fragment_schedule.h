@@ -14,7 +14,6 @@ public:
     /// A source that stops delivering holds a fragment back for this long.
     static constexpr std::int64_t patience = 96000; ///< frames: 2 s
 
-    FragmentSchedule() = default;
     FragmentSchedule(std::int64_t initialInterval, std::int64_t interval) noexcept;
 
     /// Nominal end of the fragment that is being filled.
@@ -31,8 +30,8 @@ public:
     bool isHeldBack(std::span<const std::int64_t> positions) const noexcept;
 
 private:
-    std::int64_t interval_ = 480000;
-    std::int64_t end_ = 48000;
+    std::int64_t interval_;
+    std::int64_t end_;
 };
 
 } // namespace vantoro::media

@@ -9,21 +9,22 @@
 #include <utility>
 
 #include "media/coding/aac.h"
+#include "media/mix/recorded_movie.h"
 
 namespace vantoro::media {
 
-class MovieWriter::Input final : public FileWriterInput {
+class MovieWriter::Track final : public RecordingTrack {
 public:
-    Input(MovieWriter& writer, std::size_t index, const AudioTrackSettings& settings)
+    Track(MovieWriter& writer, std::size_t index, TrackFormat format)
         : writer_(writer),
           index_(index),
-          encoder_(writer.coding_, settings.channels, settings.bitRate) {}
+          encoder_(writer.coding_, format.channels, format.bitRate) {}
 
-    bool isReadyForMoreMediaData() const override { return writer_.isReady(); }
+    bool isReady() const override { return writer_.isReady(); }
 
     bool append(const SampleBuffer& buffer) override { return writer_.append(*this, buffer); }
 
-    void markAsFinished() override { writer_.end(*this); }
+    void end() override { writer_.end(*this); }
 
     std::size_t index() const noexcept { return index_; }
 
@@ -41,105 +42,91 @@ private:
 };
 
 MovieWriter::MovieWriter(const Coding& coding, FileSystem& fileSystem,
-                         std::filesystem::path location, std::shared_ptr<FollowingMixes> following,
+                         std::filesystem::path location, FragmentIntervals intervals,
+                         FragmentWrittenCallback onFragmentWritten, IsPowerSaved isPowerSaved,
                          std::size_t largestBacklog)
     : coding_(coding),
       fileSystem_(fileSystem),
       location_(std::move(location)),
       largestBacklog_(largestBacklog),
-      following_(std::move(following)),
+      isPowerSaved_(std::move(isPowerSaved)),
+      onFragmentWritten_(std::move(onFragmentWritten)),
+      schedule_(intervals.first.inUnitsOf(framesPerSecond),
+                intervals.others.inUnitsOf(framesPerSecond)),
       created_(fileSystem.create(location_, FileAudience::userOnly)) {}
 
 MovieWriter::~MovieWriter() = default;
 
-void MovieWriter::setMovieFragmentInterval(MediaTime interval) {
-    interval_ = interval;
+RecordingTrack* MovieWriter::addTrack(TrackFormat format) {
+    const bool canBeCoded =
+        coding_.hasCoder() && format.bitRate > 0 && (format.channels == 1 || format.channels == 2);
+    if (!canBeCoded || status() != WriterStatus::unknown) {
+        return nullptr;
+    }
+    tracks_.push_back(std::make_unique<Track>(*this, tracks_.size(), format));
+    muxer_.addTrack(tracks_.back()->encoder().track());
+    return tracks_.back().get();
 }
 
-void MovieWriter::setInitialMovieFragmentInterval(MediaTime interval) {
-    initialInterval_ = interval;
-}
-
-void MovieWriter::setOnFragmentWritten(FragmentWrittenCallback callback) {
-    onFragmentWritten_ = std::move(callback);
-}
-
-bool MovieWriter::canAdd(const AudioTrackSettings& settings) const {
-    return status() == FileWriterStatus::unknown && coding_.hasCoder() &&
-           settings.sampleRate == framesPerSecond && settings.bitRate > 0 &&
-           (settings.channels == 1 || settings.channels == 2);
-}
-
-FileWriterInput& MovieWriter::add(const AudioTrackSettings& settings) {
-    inputs_.push_back(std::make_unique<Input>(*this, inputs_.size(), settings));
-    muxer_.addTrack(inputs_.back()->encoder().track());
-    return *inputs_.back();
-}
-
-bool MovieWriter::startWriting() {
-    return attempt([this] {
-        if (inputs_.empty()) {
+bool MovieWriter::start(MediaTime time) {
+    return attempt([&] {
+        if (tracks_.empty()) {
             throw std::runtime_error("The movie has no tracks.");
         }
-        schedule_ = FragmentSchedule(initialInterval_.inUnitsOf(framesPerSecond),
-                                     interval_.inUnitsOf(framesPerSecond));
-        mix_ = following_->begin(fileSystem_, location_);
+        mix_ = beginFollowing(coding_, fileSystem_, location_, isPowerSaved_);
         expectMix(std::move(expectedVolumes_));
         file_ = std::make_unique<FragmentFile>(
             std::move(created_), [this](const std::string& description) { fail(description); },
             [this](std::size_t backlog) { fragmentWritten(backlog); });
+        sessionStart_ = time.inUnitsOf(framesPerSecond);
         const std::lock_guard lock(mutex_);
-        status_ = FileWriterStatus::writing;
+        status_ = WriterStatus::writing;
     });
-}
-
-void MovieWriter::startSession(MediaTime sourceTime) {
-    sessionStart_ = sourceTime;
 }
 
 bool MovieWriter::isReady() const {
     // A failed writer takes the buffer, in order to say that it failed.
-    return !file_ || file_->backlog() <= largestBacklog_ || status() != FileWriterStatus::writing;
+    return !file_ || file_->backlog() <= largestBacklog_ || status() != WriterStatus::writing;
 }
 
-bool MovieWriter::append(Input& input, const SampleBuffer& buffer) {
-    if (status() != FileWriterStatus::writing || input.hasEnded()) {
+bool MovieWriter::append(Track& track, const SampleBuffer& buffer) {
+    if (status() != WriterStatus::writing || track.hasEnded()) {
         return false;
     }
     return attempt([&] {
-        const std::int64_t time = buffer.presentationTime.inUnitsOf(framesPerSecond) -
-                                  sessionStart_.inUnitsOf(framesPerSecond);
-        input.encoder().append(buffer, time, sinkOf(input));
+        const std::int64_t time =
+            buffer.presentationTime.inUnitsOf(framesPerSecond) - sessionStart_;
+        track.encoder().append(buffer, time, sinkOf(track));
         closeFragments();
     });
 }
 
-void MovieWriter::end(Input& input) {
-    if (!file_ || input.hasEnded()) {
+void MovieWriter::end(Track& track) {
+    if (!file_ || track.hasEnded()) {
         return;
     }
     attempt([&] {
-        const PacketSink sink = sinkOf(input);
-        if (input.encoder().position() == 0) {
+        const PacketSink sink = sinkOf(track);
+        if (track.encoder().position() == 0) {
             // A track that no sound ever came for is silent, not missing.
-            input.encoder().fillTo(longestTrack(), sink);
+            track.encoder().fillTo(longestTrack(), sink);
         }
-        input.setEnded();
-        if (input.encoder().position() > 0) {
-            input.encoder().finish(sink);
+        track.setEnded();
+        if (track.encoder().position() > 0) {
+            track.encoder().finish(sink);
         }
         closeFragments();
     });
 }
 
-void MovieWriter::finishWriting(std::function<void()> completion) {
+void MovieWriter::finish(std::function<void()> completion) {
     if (!file_) {
         fail("Nothing was written.");
         completion();
         return;
     }
-    for (const auto& input : inputs_) {
-        end(*input);
+    for (const auto& track : tracks_) {
+        end(*track);
     }
     attempt([this] {
         if (longestTrack() > 0) {
@@ -160,7 +147,7 @@ void MovieWriter::finishWriting(std::function<void()> completion) {
 /// On the file thread.
 void MovieWriter::conclude(const std::optional<std::string>& failure, std::int64_t framesMissing) {
     const std::lock_guard lock(mutex_);
-    status_ = failure ? FileWriterStatus::failed : FileWriterStatus::completed;
+    status_ = failure ? WriterStatus::failed : WriterStatus::completed;
     errorDescription_ = failure;
     secondsNotWritten_ = static_cast<double>(framesMissing) / framesPerSecond;
     if (!failure && framesMissing > 0) {
@@ -180,7 +167,11 @@ void MovieWriter::expectMix(std::vector<float> volumes) {
     }
 }
 
-FileWriterStatus MovieWriter::status() const {
+std::unique_ptr<Recording> MovieWriter::openRecording() {
+    return std::make_unique<RecordedMovie>(coding_, fileSystem_, location_, mix_);
+}
+
+WriterStatus MovieWriter::status() const {
     const std::lock_guard lock(mutex_);
     return status_;
 }
@@ -202,7 +193,7 @@ bool MovieWriter::attempt(const std::function<void()>& work) {
 
 void MovieWriter::fail(const std::string& description) {
     const std::lock_guard lock(mutex_);
-    status_ = FileWriterStatus::failed;
+    status_ = WriterStatus::failed;
     errorDescription_ = description;
 }
 
@@ -226,56 +217,56 @@ void MovieWriter::closeFragments() {
 
 void MovieWriter::prepareFragment() {
     fillShortTracks();
-    for (const auto& input : inputs_) {
+    for (const auto& track : tracks_) {
         // What waits to be coded together would hold the fragment back.
-        if (!input->hasEnded() && !reachesFragmentEnd(*input) &&
-            input->encoder().position() >= schedule_.framesToClose()) {
-            input->encoder().codeWholePackets(sinkOf(*input));
+        if (!track->hasEnded() && !reachesFragmentEnd(*track) &&
+            track->encoder().position() >= schedule_.framesToClose()) {
+            track->encoder().codeWholePackets(sinkOf(*track));
         }
     }
 }
 
 void MovieWriter::fillShortTracks() {
     std::vector<std::int64_t> positions;
-    for (const auto& input : inputs_) {
-        if (!input->hasEnded()) {
-            positions.push_back(input->encoder().position());
+    for (const auto& track : tracks_) {
+        if (!track->hasEnded()) {
+            positions.push_back(track->encoder().position());
         }
     }
     if (!schedule_.isHeldBack(positions)) {
         return;
     }
-    for (const auto& input : inputs_) {
-        if (!input->hasEnded()) {
-            input->encoder().fillTo(schedule_.framesToClose(), sinkOf(*input));
+    for (const auto& track : tracks_) {
+        if (!track->hasEnded()) {
+            track->encoder().fillTo(schedule_.framesToClose(), sinkOf(*track));
         }
     }
 }
 
 /// Whether no track has anything left to add to the fragment, and one goes beyond it.
 bool MovieWriter::coversFragment() const {
-    const auto covers = [this](const auto& input) { return reachesFragmentEnd(*input); };
-    return std::ranges::any_of(inputs_, covers) &&
+    const auto covers = [this](const auto& track) { return reachesFragmentEnd(*track); };
+    return std::ranges::any_of(tracks_, covers) &&
            std::ranges::all_of(
-               inputs_, [&](const auto& input) { return input->hasEnded() || covers(input); });
+               tracks_, [&](const auto& track) { return track->hasEnded() || covers(track); });
 }
 
 /// Whether the packets that a track has handed over do.
-bool MovieWriter::reachesFragmentEnd(const Input& input) const {
-    return muxer_.end(input.index()) >= schedule_.end();
+bool MovieWriter::reachesFragmentEnd(const Track& track) const {
+    return muxer_.end(track.index()) >= schedule_.end();
 }
 
 std::int64_t MovieWriter::longestTrack() const {
     std::int64_t longest = 0;
-    for (const auto& input : inputs_) {
-        longest = std::max(longest, input->encoder().position());
+    for (const auto& track : tracks_) {
+        longest = std::max(longest, track->encoder().position());
     }
     return longest;
 }
 
-PacketSink MovieWriter::sinkOf(const Input& input) {
+PacketSink MovieWriter::sinkOf(const Track& track) {
     return
-        [this, index = input.index()](AacPacket packet) { muxer_.add(index, std::move(packet)); };
+        [this, index = track.index()](AacPacket packet) { muxer_.add(index, std::move(packet)); };
 }
 
 } // namespace vantoro::media

@@ -14,7 +14,8 @@
 #include <vector>
 
 #include "engine/ports/file_system.h"
-#include "engine/ports/file_writer.h"
+#include "engine/ports/power_saving.h"
+#include "engine/ports/recording_writer.h"
 #include "media/mix/following_mix.h"
 #include "media/writing/fragment_file.h"
 #include "media/writing/fragment_muxer.h"
@@ -25,40 +26,37 @@ namespace vantoro::media {
 
 /// Writes a QuickTime movie of fragments. Sound is coded and put into fragments on the capture
 /// queue, in memory; a finished fragment goes to the file thread (`FragmentFile`).
-/// `finishWriting`'s completion comes on the file thread and must not destroy the writer there.
-class MovieWriter final : public FileWriter {
+/// `finish`'s completion comes on the file thread and must not destroy the writer there.
+class MovieWriter final : public RecordingWriter {
 public:
     /// Some 15 minutes of both tracks.
     static constexpr std::size_t usualLargestBacklog = 32U << 20U;
 
-    /// Creates the file; throws where that fails. The inputs are not ready while more than
-    /// `largestBacklog` bytes wait for the disk. A mix that is expected becomes one of `following`.
+    /// Creates the file; throws where that fails. The tracks are not ready while more than
+    /// `largestBacklog` bytes wait for the disk. A mix that is expected is made ahead.
     MovieWriter(const Coding& coding, FileSystem& fileSystem, std::filesystem::path location,
-                std::shared_ptr<FollowingMixes> following,
-                std::size_t largestBacklog = usualLargestBacklog);
+                FragmentIntervals intervals = {}, FragmentWrittenCallback onFragmentWritten = {},
+                IsPowerSaved isPowerSaved = {}, std::size_t largestBacklog = usualLargestBacklog);
     MovieWriter(const MovieWriter&) = delete;
     MovieWriter& operator=(const MovieWriter&) = delete;
     ~MovieWriter() override;
 
-    void setMovieFragmentInterval(MediaTime interval) override;
-    void setInitialMovieFragmentInterval(MediaTime interval) override;
-    void setOnFragmentWritten(FragmentWrittenCallback callback) override;
-    bool canAdd(const AudioTrackSettings& settings) const override;
-    FileWriterInput& add(const AudioTrackSettings& settings) override;
-    bool startWriting() override;
-    void startSession(MediaTime sourceTime) override;
-    void finishWriting(std::function<void()> completion) override;
+    /// Also null once it has started.
+    RecordingTrack* addTrack(TrackFormat format) override;
+    bool start(MediaTime time) override;
+    void finish(std::function<void()> completion) override;
     void expectMix(std::vector<float> volumes) override;
-    FileWriterStatus status() const override;
+    std::unique_ptr<Recording> openRecording() override;
+    WriterStatus status() const override;
     std::optional<std::string> errorDescription() const override;
     double secondsNotWritten() const override;
 
 private:
-    class Input;
+    class Track;
 
     bool isReady() const;
-    bool append(Input& input, const SampleBuffer& buffer);
-    void end(Input& input);
+    bool append(Track& track, const SampleBuffer& buffer);
+    void end(Track& track);
     bool attempt(const std::function<void()>& work);
     void fail(const std::string& description);
     void conclude(const std::optional<std::string>& failure, std::int64_t framesMissing);
@@ -67,28 +65,26 @@ private:
     void prepareFragment();
     void fillShortTracks();
     bool coversFragment() const;
-    bool reachesFragmentEnd(const Input& input) const;
+    bool reachesFragmentEnd(const Track& track) const;
     std::int64_t longestTrack() const;
-    PacketSink sinkOf(const Input& input);
+    PacketSink sinkOf(const Track& track);
 
     const Coding& coding_;
     FileSystem& fileSystem_;
     const std::filesystem::path location_;
     const std::size_t largestBacklog_;
-    std::shared_ptr<FollowingMixes> following_;
+    const IsPowerSaved isPowerSaved_;
+    const FragmentWrittenCallback onFragmentWritten_;
     std::vector<float> expectedVolumes_;
     std::shared_ptr<FollowingMix> mix_; // from the start on, where it can be had
-    MediaTime initialInterval_{1, 1};
-    MediaTime interval_{10, 1};
-    FragmentWrittenCallback onFragmentWritten_;
-    FragmentSchedule schedule_;                 // begins anew when writing starts
+    FragmentSchedule schedule_;
     std::atomic<std::int64_t> closedFrames_{0}; // in whole fragments, written or not
-    MediaTime sessionStart_;
+    std::int64_t sessionStart_ = 0;             // in frames
     FragmentMuxer muxer_;
-    std::vector<std::unique_ptr<Input>> inputs_;
+    std::vector<std::unique_ptr<Track>> tracks_;
 
     mutable std::mutex mutex_; // guards the three below, which the file thread sets too
-    FileWriterStatus status_ = FileWriterStatus::unknown;
+    WriterStatus status_ = WriterStatus::unknown;
     std::optional<std::string> errorDescription_;
     double secondsNotWritten_ = 0;
 

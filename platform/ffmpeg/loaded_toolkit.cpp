@@ -22,20 +22,14 @@ MediaToolkit& LoadedToolkit::loaded() {
     return *toolkit_;
 }
 
-std::unique_ptr<FileWriter> LoadedToolkit::makeWriter(const std::filesystem::path& location) {
-    return loaded().makeWriter(location);
+std::unique_ptr<RecordingWriter>
+LoadedToolkit::makeWriter(const std::filesystem::path& location, FragmentIntervals intervals,
+                          FragmentWrittenCallback onFragmentWritten) {
+    return loaded().makeWriter(location, intervals, std::move(onFragmentWritten));
 }
 
-std::unique_ptr<Asset> LoadedToolkit::openAsset(const std::filesystem::path& location) {
-    return loaded().openAsset(location);
-}
-
-std::unique_ptr<Composition> LoadedToolkit::makeComposition() {
-    return loaded().makeComposition();
-}
-
-std::unique_ptr<ExportSession> LoadedToolkit::makeExportSession(const Composition& composition) {
-    return loaded().makeExportSession(composition);
+std::unique_ptr<Recording> LoadedToolkit::openRecording(const std::filesystem::path& location) {
+    return loaded().openRecording(location);
 }
 
 } // namespace vantoro::ffmpeg

@@ -23,11 +23,11 @@ public:
         FileSystem& fileSystem, IsPowerSaved isPowerSaved = {},
         std::filesystem::path module = moduleBesideTheProgram("vantoro-media.so"));
 
-    // All of these throw std::runtime_error too, when it cannot be loaded.
-    std::unique_ptr<FileWriter> makeWriter(const std::filesystem::path& location) override;
-    std::unique_ptr<Asset> openAsset(const std::filesystem::path& location) override;
-    std::unique_ptr<Composition> makeComposition() override;
-    std::unique_ptr<ExportSession> makeExportSession(const Composition& composition) override;
+    // Both throw std::runtime_error too, when it cannot be loaded.
+    std::unique_ptr<RecordingWriter> makeWriter(const std::filesystem::path& location,
+                                                FragmentIntervals intervals,
+                                                FragmentWrittenCallback onFragmentWritten) override;
+    std::unique_ptr<Recording> openRecording(const std::filesystem::path& location) override;
 
 private:
     MediaToolkit& loaded();

@@ -2,11 +2,12 @@
 
 #pragma once
 
+#include <filesystem>
 #include <memory>
 
 #include "engine/ports/file_system.h"
 #include "engine/ports/media_toolkit.h"
-#include "media/mix/following_mix.h"
+#include "engine/ports/power_saving.h"
 
 namespace vantoro::ffmpeg {
 
@@ -17,16 +18,14 @@ class FfmpegToolkit final : public MediaToolkit {
 public:
     explicit FfmpegToolkit(FileSystem& fileSystem, IsPowerSaved isPowerSaved = {});
 
-    std::unique_ptr<FileWriter> makeWriter(const std::filesystem::path& location) override;
-    /// Of a movie that is finished, or that nobody here writes: its mix is followed no further.
-    std::unique_ptr<Asset> openAsset(const std::filesystem::path& location) override;
-    std::unique_ptr<Composition> makeComposition() override;
-    /// Null without an AAC coder, and for a composition without tracks or of another toolkit.
-    std::unique_ptr<ExportSession> makeExportSession(const Composition& composition) override;
+    std::unique_ptr<RecordingWriter> makeWriter(const std::filesystem::path& location,
+                                                FragmentIntervals intervals,
+                                                FragmentWrittenCallback onFragmentWritten) override;
+    std::unique_ptr<Recording> openRecording(const std::filesystem::path& location) override;
 
 private:
     FileSystem& fileSystem_;
-    std::shared_ptr<media::FollowingMixes> following_;
+    IsPowerSaved isPowerSaved_;
 };
 
 } // namespace vantoro::ffmpeg

@@ -41,7 +41,7 @@ protected:
 
     void open(const Bytes& movie) {
         files.put("movie.mov", movie);
-        asset = ffmpeg::FfmpegToolkit(files).openAsset("movie.mov");
+        opened = ffmpeg::FfmpegToolkit(files).openRecording("movie.mov");
     }
 
     /// 0 where there is no movie at all.
@@ -51,22 +51,17 @@ protected:
         } catch (const std::runtime_error&) {
             return 0;
         }
-        const MediaTime duration = asset->duration();
+        const MediaTime duration = opened->duration();
         return duration.isValid() ? duration.inUnitsOf(48000) : 0;
     }
 
     /// Exports the movie opened last; another program decodes all of it without a complaint.
     void expectPlayableExport(std::int64_t duration) {
-        ffmpeg::FfmpegToolkit toolkit(files);
-        const auto composition = toolkit.makeComposition();
-        for (const auto& track : asset->audioTracks()) {
-            composition->addAudioTrack()->insert(track->timeRange(), track, zeroTime);
-        }
         if (files.exists("mix.m4a")) {
             files.remove("mix.m4a");
         }
-        toolkit.makeExportSession(*composition)
-            ->exportTo(*files.create("mix.m4a", FileAudience::asUserPrefers), {}, {});
+        opened->mix(std::vector(opened->trackCount(), 1.0F),
+                    *files.create("mix.m4a", FileAudience::asUserPrefers), {}, {});
         const auto file = folder.put("mix.m4a", files.contentOf("mix.m4a"));
         EXPECT_EQ(framesOf(file, 0), duration);
         EXPECT_GE(static_cast<std::int64_t>(decode(file, 0).size()), duration);
@@ -103,7 +98,7 @@ protected:
 
     TemporaryFolder folder;
     MemoryFileSystem files;
-    std::unique_ptr<Asset> asset;
+    std::unique_ptr<Recording> opened;
 
 private:
     static std::size_t numberAt(const Bytes& movie, std::size_t offset) {
@@ -173,7 +168,7 @@ TEST_F(CutMovie, neverClaimsMoreThanThereWasHoweverItIsDamaged) {
         }
         const std::int64_t duration = durationOf(damaged);
         ASSERT_LE(duration, frames);
-        if (duration > 0 && !asset->audioTracks().empty() && ++exported % 60 == 0) {
+        if (duration > 0 && opened->trackCount() > 0 && ++exported % 60 == 0) {
             expectPlayableExport(duration);
         }
     }

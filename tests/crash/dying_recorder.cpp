@@ -44,7 +44,7 @@ std::int64_t framesOnDisk(FileSystem& fileSystem, const std::filesystem::path& f
     }
     try {
         // The others are older.
-        const auto duration = toolkit.openAsset(files.back())->duration();
+        const auto duration = toolkit.openRecording(files.back())->duration();
         return duration.isValid() ? duration.inUnitsOf(48000) : 0;
     } catch (const std::exception&) {
         return 0; // not even its header is there

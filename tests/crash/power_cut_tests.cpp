@@ -53,7 +53,7 @@ protected:
         std::int64_t best = 0;
         for (const auto& [path, bytes] : content) {
             if (isIncompleteRecording(path) && !bytes.empty()) {
-                const auto duration = toolkit.openAsset(path)->duration();
+                const auto duration = toolkit.openRecording(path)->duration();
                 best = std::max(best, duration.isValid() ? duration.inUnitsOf(48000) : 0);
             }
         }

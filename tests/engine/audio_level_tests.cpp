@@ -12,13 +12,12 @@
 namespace vantoro {
 namespace {
 
-template <class Sample>
-SampleBuffer bufferOf(const std::vector<Sample>& samples, std::uint32_t channels) {
+SampleBuffer bufferOf(const std::vector<float>& samples, std::uint32_t channels) {
     return {.dataIsReady = true,
             .frameCount = static_cast<std::int64_t>(samples.size() / channels),
             .presentationTime = {0, 48000},
             .format = AudioStreamDescription{.sampleRate = 48000, .channelsPerFrame = channels},
-            .samples = std::span(samples)};
+            .samples = samples};
 }
 
 float levelOfConstant(float value) {
@@ -83,16 +82,6 @@ TEST(AudioLevel, sumsInSinglePrecisionInTheOrderOfTheSamples) {
     EXPECT_NEAR(audioLevel(bufferOf(samples, 1)), 0.933104F, 1e-5F);
     std::ranges::reverse(samples);
     EXPECT_NEAR(audioLevel(bufferOf(samples, 1)), 0.934600F, 1e-5F);
-}
-
-TEST(AudioLevel, sixteenBitSamplesAreDividedByTheirLargestValue) {
-    EXPECT_FLOAT_EQ(audioLevel(bufferOf(std::vector<std::int16_t>(512, 32767), 2)), 1.0F);
-    // 20 log10(16384 / 32767) = -6.02033 dBFS
-    EXPECT_NEAR(audioLevel(bufferOf(std::vector<std::int16_t>(512, 16384), 2)), 0.8662148F, 2e-6F);
-}
-
-TEST(AudioLevel, thirtyTwoBitSamplesAreScaledByTwoToTheThirtyFirst) {
-    EXPECT_NEAR(audioLevel(bufferOf(std::vector<std::int32_t>(512, 1 << 30), 1)), 0.866209F, 1e-5F);
 }
 
 TEST(AudioLevel, oneFrameAtOneHertzIsEnough) {

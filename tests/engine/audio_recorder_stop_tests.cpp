@@ -54,18 +54,18 @@ TEST_F(AudioRecorderStop, saysThatTheRecordingIsSafeBetweenFinishingAndMixing) {
     startAndCapture(bothSources());
     recorder.stop(1, 1);
     const auto calls = log.calls();
-    const auto finished = std::ranges::find(calls, "finishWriting");
+    const auto finished = std::ranges::find(calls, "finish");
     const auto safe = std::ranges::find(finished, calls.end(), "safe");
     ASSERT_NE(safe, calls.end());
     EXPECT_TRUE(std::ranges::find_if(safe, calls.end(), [](const std::string& call) {
-                    return call.starts_with("openAsset");
+                    return call.starts_with("openRecording");
                 }) != calls.end());
     EXPECT_EQ(std::ranges::count(calls, "safe"), 1);
 }
 
 TEST_F(AudioRecorderStop, neverCallsARecordingSafeThatCouldNotBeFinished) {
     recorder.onRecordingSafe = [this] { log.add("safe"); };
-    toolkit.writing.statusAfterFinish = FileWriterStatus::failed;
+    toolkit.writing.statusAfterFinish = WriterStatus::failed;
     startAndCapture(bothSources());
     EXPECT_THROW(recorder.stop(1, 1), std::exception);
     EXPECT_FALSE(log.contains("safe"));
@@ -120,7 +120,7 @@ TEST_F(AudioRecorderStop, buffersThatWereQueuedAreWrittenBeforeTheFileIsFinished
     EXPECT_EQ(stopping.get(), finalFile);
     const auto calls = log.calls();
     EXPECT_LT(std::ranges::find(calls, "append system 256"),
-              std::ranges::find(calls, "markAsFinished system"));
+              std::ranges::find(calls, "end system"));
 }
 
 TEST_F(AudioRecorderStop, failedStopOfTheCaptureIsNotTheStopsFailure) {
@@ -146,8 +146,7 @@ TEST_F(AudioRecorderStop, streamIsGoneBeforeTheFileIsFinished) {
     startAndCapture(bothSources());
     recorder.stop(1, 1);
     const auto calls = log.calls();
-    EXPECT_LT(std::ranges::find(calls, "stream is gone"),
-              std::ranges::find(calls, "markAsFinished system"));
+    EXPECT_LT(std::ranges::find(calls, "stream is gone"), std::ranges::find(calls, "end system"));
 }
 
 TEST_F(AudioRecorderStop, eachSourcesSoundGoesToItsOwnTrackAlone) {
@@ -226,7 +225,7 @@ TEST_F(AudioRecorderStop, whatWasWrittenBeforeAWriterFailureIsExported) {
 
 TEST_F(AudioRecorderStop, fileThatCannotBeFinishedIsKept) {
     startAndCapture(bothSources());
-    toolkit.writing.statusAfterFinish = FileWriterStatus::failed;
+    toolkit.writing.statusAfterFinish = WriterStatus::failed;
     EXPECT_EQ(textOf([&] { recorder.stop(1, 1); }),
               "writerFailed: Unable to finish the recording.");
     EXPECT_EQ(fileSystem.temporaryFiles().size(), 1U);
@@ -237,7 +236,7 @@ TEST_F(AudioRecorderStop, fileThatCannotBeFinishedIsKept) {
 
 TEST_F(AudioRecorderStop, fileThatCannotBeFinishedFailsWithTheWritersError) {
     startAndCapture(bothSources());
-    toolkit.writing.statusAfterFinish = FileWriterStatus::failed;
+    toolkit.writing.statusAfterFinish = WriterStatus::failed;
     toolkit.writing.error = "No space left on device";
     EXPECT_EQ(textOf([&] { recorder.stop(1, 1); }), "writerFailed: No space left on device");
 }
@@ -278,7 +277,7 @@ TEST_F(AudioRecorderStop, temporaryFileThatCannotBeOpenedIsKept) {
 
 TEST_F(AudioRecorderStop, fileThatHoldsNoSoundIsNotCalledARecording) {
     startAndCapture(bothSources());
-    toolkit.writing.statusAfterFinish = FileWriterStatus::failed;
+    toolkit.writing.statusAfterFinish = WriterStatus::failed;
     for (const MediaTime duration : {MediaTime(), zeroTime}) {
         toolkit.exporting.duration = duration;
         EXPECT_EQ(errorOf([&] { recorder.stop(1, 1); }), Case::writerFailed);

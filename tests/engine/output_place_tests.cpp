@@ -79,9 +79,9 @@ TEST_F(OutputPlaceTest, takesTheNextFreeNameWhereOthersCameBetween) {
 }
 
 TEST(StagingName, replacesTheExtension) {
-    EXPECT_EQ(stagingURL("/r/Vantoro-2025-03-01-093015.m4a"),
+    EXPECT_EQ(stagingPath("/r/Vantoro-2025-03-01-093015.m4a"),
               "/r/Vantoro-2025-03-01-093015.exporting.m4a");
-    EXPECT_EQ(stagingURL("/r/Vantoro-2025-03-01-093015-2.m4a"),
+    EXPECT_EQ(stagingPath("/r/Vantoro-2025-03-01-093015-2.m4a"),
               "/r/Vantoro-2025-03-01-093015-2.exporting.m4a");
 }
 

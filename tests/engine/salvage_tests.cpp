@@ -93,9 +93,9 @@ TEST_F(SalvageTest, finishesTheOldestFirstAndDeletesWhatItWasMadeFrom) {
     put("a.partial.mov", daysAgo(1));
     EXPECT_EQ(recover(), finalFiles);
     EXPECT_EQ(fileSystem.entries, std::set(finalFiles.begin(), finalFiles.end()));
-    EXPECT_EQ(
-        log.startingWith("openAsset"),
-        (std::vector<std::string>{"openAsset /r/a.partial.mov", "openAsset /r/b.partial.MOV"}));
+    EXPECT_EQ(log.startingWith("openRecording"),
+              (std::vector<std::string>{"openRecording /r/a.partial.mov",
+                                        "openRecording /r/b.partial.MOV"}));
 }
 
 TEST_F(SalvageTest, everyTrackKeepsItsVolume) {
@@ -119,7 +119,7 @@ TEST_F(SalvageTest, ignoresFilesOfOtherNames) {
         put(name, daysAgo(1));
     }
     expectUntouched();
-    EXPECT_TRUE(log.startingWith("openAsset").empty());
+    EXPECT_TRUE(log.startingWith("openRecording").empty());
 }
 
 TEST_F(SalvageTest, folderThatCannotBeListedYieldsNothing) {
@@ -215,7 +215,7 @@ TEST_F(SalvageTest, fileThatSomebodyHasLockedStays) {
     put("a.partial.mov", daysAgo(1));
     fileSystem.locked.insert("/r/a.partial.mov");
     expectUntouched();
-    EXPECT_TRUE(log.startingWith("openAsset").empty());
+    EXPECT_TRUE(log.startingWith("openRecording").empty());
 }
 
 TEST_F(SalvageTest, fileIsLockedFromItsReadingToItsDeletion) {
@@ -297,7 +297,7 @@ TEST_F(SalvageTest, recordingInUseDoesNotWait) {
     put("a.partial.mov", daysAgo(1));
     fileSystem.locked.insert("/r/a.partial.mov");
     EXPECT_EQ(waiting(), 0U);
-    EXPECT_TRUE(log.startingWith("openAsset").empty());
+    EXPECT_TRUE(log.startingWith("openRecording").empty());
 }
 
 TEST_F(SalvageTest, whatCannotBecomeARecordingDoesNotWait) {

@@ -34,10 +34,10 @@ protected:
     SamplePath path{clock, onLevel, onCondition, onInterrupted};
 
     void SetUp() override {
-        auto writer = toolkit.makeWriter("/recordings/x.partial.mov");
-        auto& system = writer->add({.channels = 2});
-        auto& microphoneInput = writer->add({.channels = 1});
-        path.arm(std::move(writer), &system, &microphoneInput);
+        auto writer = toolkit.makeWriter("/recordings/x.partial.mov", {}, {});
+        auto* const system = writer->addTrack({.channels = 2});
+        auto* const microphoneInput = writer->addTrack({.channels = 1});
+        path.arm(std::move(writer), system, microphoneInput);
     }
 
     std::vector<std::string> written() const { return log.startingWith("append"); }
@@ -45,8 +45,7 @@ protected:
 
 TEST_F(SamplePathTest, firstBufferOfEitherSourceStartsTheFileAndIsWritten) {
     path.append(bufferAt(500, 1), microphone);
-    EXPECT_TRUE(log.contains("startWriting"));
-    EXPECT_TRUE(log.contains("startSession 500"));
+    EXPECT_TRUE(log.contains("start 500"));
     EXPECT_EQ(written(), std::vector<std::string>{"append microphone 500"});
     EXPECT_TRUE(path.hasStartedWriting());
 }
@@ -66,7 +65,7 @@ TEST_F(SamplePathTest, bufferWithoutATimeIsMeteredButNeverWritten) {
     path.append(buffer, systemAudio);
     EXPECT_EQ(levels, 1);
     EXPECT_FALSE(path.hasStartedWriting());
-    EXPECT_FALSE(log.contains("startWriting"));
+    EXPECT_TRUE(log.startingWith("start ").empty());
     path.append(bufferAt(10, 1), microphone);
     path.append(buffer, systemAudio);
     EXPECT_EQ(written().size(), 1U);
@@ -80,13 +79,13 @@ TEST_F(SamplePathTest, emptyOrUnreadyBufferIsNeitherMeteredNorWritten) {
     buffer.frameCount = 0;
     path.append(buffer, systemAudio);
     EXPECT_EQ(levels, 0);
-    EXPECT_FALSE(log.contains("startWriting"));
+    EXPECT_TRUE(log.startingWith("start ").empty());
 }
 
 TEST_F(SamplePathTest, bufferOfASourceWithoutATrackIsDropped) {
-    auto writer = toolkit.makeWriter("/recordings/y.partial.mov");
-    auto& microphoneInput = writer->add({.channels = 1});
-    path.arm(std::move(writer), nullptr, &microphoneInput);
+    auto writer = toolkit.makeWriter("/recordings/y.partial.mov", {}, {});
+    auto* const microphoneInput = writer->addTrack({.channels = 1});
+    path.arm(std::move(writer), nullptr, microphoneInput);
     path.append(bufferAt(0), systemAudio);
     EXPECT_EQ(levels, 0);
     EXPECT_FALSE(path.hasStartedWriting());
@@ -126,9 +125,9 @@ TEST_F(SamplePathTest, writerThatCannotStartIsReportedWithItsOwnError) {
 }
 
 TEST_F(SamplePathTest, pathWithoutAWriterReportsThatItCannotStart) {
-    auto writer = toolkit.makeWriter("/recordings/y.partial.mov");
-    auto& system = writer->add({.channels = 2});
-    path.arm(nullptr, &system, nullptr);
+    auto writer = toolkit.makeWriter("/recordings/y.partial.mov", {}, {});
+    auto* const system = writer->addTrack({.channels = 2});
+    path.arm(nullptr, system, nullptr);
     path.append(bufferAt(0), systemAudio);
     EXPECT_EQ(interruptions,
               std::vector<std::string>{"writerFailed: Unable to start the file writer."});
@@ -163,7 +162,7 @@ TEST_F(SamplePathTest, quietlyRecordedErrorStopsTheWritingButTellsNobody) {
     path.recordErrorIfNone(std::make_exception_ptr(std::runtime_error("late")));
     path.append(bufferAt(0), systemAudio);
     EXPECT_TRUE(interruptions.empty());
-    EXPECT_FALSE(log.contains("startWriting"));
+    EXPECT_TRUE(log.startingWith("start ").empty());
 }
 
 TEST_F(SamplePathTest, aSingleFrameIsWritten) {
@@ -194,8 +193,7 @@ TEST_F(SamplePathTest, finishMarksTheSystemsTrackThenTheMicrophonesThenFinishes)
     path.disarm();
     const auto calls = log.calls();
     const std::vector<std::string> end(calls.end() - 3, calls.end());
-    EXPECT_EQ(end, (std::vector<std::string>{"markAsFinished system", "markAsFinished microphone",
-                                             "finishWriting"}));
+    EXPECT_EQ(end, (std::vector<std::string>{"end system", "end microphone", "finish"}));
 }
 
 TEST_F(SamplePathTest, silentOrMutedSourceIsToldOfAndForgottenWithTheRecording) {

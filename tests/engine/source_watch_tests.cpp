@@ -59,7 +59,7 @@ TEST_F(SourceWatchTest, aSingleSampleThatIsNotZeroIsSound) {
     std::array<float, 480> samples{};
     samples.back() = -0.1F;
     auto buffer = bufferAt(0, 1, 480, 0);
-    buffer.samples = std::span<const float>(samples);
+    buffer.samples = samples;
     hear(microphone, 9.99, 0);
     watch.observe(buffer, microphone, collect);
     hear(microphone, 9.99, 0);

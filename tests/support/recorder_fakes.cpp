@@ -11,12 +11,12 @@ namespace vantoro::testing {
 
 namespace {
 
-class FakeInput final : public FileWriterInput {
+class FakeTrack final : public RecordingTrack {
 public:
-    FakeInput(FakeMediaToolkit& toolkit, std::string name)
+    FakeTrack(FakeMediaToolkit& toolkit, std::string name)
         : toolkit_(toolkit), name_(std::move(name)) {}
 
-    bool isReadyForMoreMediaData() const override { return toolkit_.writing.ready; }
+    bool isReady() const override { return toolkit_.writing.ready; }
 
     bool append(const SampleBuffer& buffer) override {
         toolkit_.log().add("append " + name_ + " " +
@@ -24,20 +24,17 @@ public:
         return toolkit_.writing.appendSucceeds;
     }
 
-    void markAsFinished() override { toolkit_.log().add("markAsFinished " + name_); }
+    void end() override { toolkit_.log().add("end " + name_); }
 
 private:
     FakeMediaToolkit& toolkit_;
     std::string name_;
 };
 
-std::string textOf(MediaTime time) {
-    return std::to_string(time.value) + "/" + std::to_string(time.timescale);
-}
-
-class FakeWriter final : public FileWriter {
+class FakeWriter final : public RecordingWriter {
 public:
-    explicit FakeWriter(FakeMediaToolkit& toolkit) : toolkit_(toolkit) {}
+    FakeWriter(FakeMediaToolkit& toolkit, std::filesystem::path location)
+        : toolkit_(toolkit), location_(std::move(location)) {}
 
     FakeWriter(const FakeWriter&) = delete;
     FakeWriter& operator=(const FakeWriter&) = delete;
@@ -48,46 +45,26 @@ public:
         }
     }
 
-    void setMovieFragmentInterval(MediaTime interval) override {
-        toolkit_.log().add("movieFragmentInterval " + textOf(interval));
+    RecordingTrack* addTrack(TrackFormat format) override {
+        if (toolkit_.writing.refusedChannelCounts.contains(format.channels)) {
+            return nullptr;
+        }
+        toolkit_.log().add("add " + std::to_string(format.channels) + " ch " +
+                           std::to_string(format.bitRate) + " b/s");
+        tracks_.push_back(
+            std::make_unique<FakeTrack>(toolkit_, format.channels == 2 ? "system" : "microphone"));
+        toolkit_.trackCount = tracks_.size();
+        return tracks_.back().get();
     }
 
-    void setInitialMovieFragmentInterval(MediaTime interval) override {
-        toolkit_.log().add("initialMovieFragmentInterval " + textOf(interval));
-    }
-
-    void setOnFragmentWritten(FragmentWrittenCallback callback) override {
-        toolkit_.fragmentWritten = std::move(callback);
-    }
-
-    bool canAdd(const AudioTrackSettings& settings) const override {
-        return !toolkit_.writing.refusedChannelCounts.contains(settings.channels);
-    }
-
-    FileWriterInput& add(const AudioTrackSettings& settings) override {
-        toolkit_.log().add("add " + std::to_string(settings.sampleRate) + " Hz " +
-                           std::to_string(settings.channels) + " ch " +
-                           std::to_string(settings.bitRate) + " b/s" +
-                           (settings.expectsMediaDataInRealTime ? " real-time" : ""));
-        inputs_.push_back(std::make_unique<FakeInput>(
-            toolkit_, settings.channels == 2 ? "system" : "microphone"));
-        toolkit_.inputCount = inputs_.size();
-        return *inputs_.back();
-    }
-
-    bool startWriting() override {
-        toolkit_.log().add("startWriting");
-        status_ =
-            toolkit_.writing.startSucceeds ? FileWriterStatus::writing : FileWriterStatus::failed;
+    bool start(MediaTime time) override {
+        toolkit_.log().add("start " + std::to_string(time.inUnitsOf(48000)));
+        status_ = toolkit_.writing.startSucceeds ? WriterStatus::writing : WriterStatus::failed;
         return toolkit_.writing.startSucceeds;
     }
 
-    void startSession(MediaTime sourceTime) override {
-        toolkit_.log().add("startSession " + std::to_string(sourceTime.inUnitsOf(48000)));
-    }
-
-    void finishWriting(std::function<void()> completion) override {
-        toolkit_.log().add("finishWriting");
+    void finish(std::function<void()> completion) override {
+        toolkit_.log().add("finish");
         finisher_ = std::thread([this, completion = std::move(completion)] {
             status_ = toolkit_.writing.statusAfterFinish;
             completion();
@@ -102,7 +79,11 @@ public:
         toolkit_.log().add(text);
     }
 
-    FileWriterStatus status() const override { return status_; }
+    std::unique_ptr<Recording> openRecording() override {
+        return toolkit_.openRecording(location_);
+    }
+
+    WriterStatus status() const override { return status_; }
 
     std::optional<std::string> errorDescription() const override { return toolkit_.writing.error; }
 
@@ -110,99 +91,28 @@ public:
 
 private:
     FakeMediaToolkit& toolkit_;
-    std::vector<std::unique_ptr<FakeInput>> inputs_;
-    FileWriterStatus status_ = FileWriterStatus::unknown;
+    std::filesystem::path location_;
+    std::vector<std::unique_ptr<FakeTrack>> tracks_;
+    WriterStatus status_ = WriterStatus::unknown;
     std::thread finisher_;
 };
 
-class FakeTrack final : public AssetTrack {
+class FakeRecording final : public Recording {
 public:
-    explicit FakeTrack(FakeMediaToolkit& toolkit) : toolkit_(toolkit) {}
+    explicit FakeRecording(FakeMediaToolkit& toolkit) : toolkit_(toolkit) {}
 
-    TimeRange timeRange() const override {
-        throwIfSet(toolkit_.exporting.timeRangeError);
-        // A track that does not start at zero is laid from zero all the same.
-        return {.start = {480, 48000}, .duration = {48000, 48000}};
+    std::size_t trackCount() const override {
+        return toolkit_.exporting.trackCount.value_or(toolkit_.trackCount);
     }
 
-private:
-    FakeMediaToolkit& toolkit_;
-};
+    MediaTime duration() const override { return toolkit_.exporting.duration; }
 
-class FakeAsset final : public Asset {
-public:
-    explicit FakeAsset(FakeMediaToolkit& toolkit) : toolkit_(toolkit) {}
+    bool isWhole() const noexcept override { return toolkit_.exporting.isWhole; }
 
-    std::vector<std::shared_ptr<const AssetTrack>> audioTracks() override {
-        throwIfSet(toolkit_.exporting.tracksError);
-        std::vector<std::shared_ptr<const AssetTrack>> tracks(
-            toolkit_.exporting.trackCount.value_or(toolkit_.inputCount));
-        for (auto& track : tracks) {
-            track = std::make_shared<FakeTrack>(toolkit_);
-        }
-        return tracks;
-    }
-
-    MediaTime duration() override { return toolkit_.exporting.duration; }
-
-    bool isWhole() noexcept override { return toolkit_.exporting.isWhole; }
-
-private:
-    FakeMediaToolkit& toolkit_;
-};
-
-class FakeCompositionTrack final : public CompositionTrack {
-public:
-    explicit FakeCompositionTrack(FakeMediaToolkit& toolkit) : toolkit_(toolkit) {}
-
-    void insert(TimeRange range, std::shared_ptr<const AssetTrack> /*source*/,
-                MediaTime at) override {
-        throwIfSet(toolkit_.exporting.insertError);
-        toolkit_.log().add("insert " + textOf(range.start) + " + " + textOf(range.duration) +
-                           " at " + textOf(at));
-    }
-
-private:
-    FakeMediaToolkit& toolkit_;
-};
-
-class FakeComposition final : public Composition {
-public:
-    explicit FakeComposition(FakeMediaToolkit& toolkit) : toolkit_(toolkit) {}
-
-    CompositionTrack* addAudioTrack() override {
-        if (!toolkit_.exporting.compositionTakesTracks) {
-            return nullptr;
-        }
-        tracks_.push_back(std::make_unique<FakeCompositionTrack>(toolkit_));
-        return tracks_.back().get();
-    }
-
-    bool isTrackAt(std::size_t index, const CompositionTrack* track) const {
-        return index < tracks_.size() && tracks_[index].get() == track;
-    }
-
-private:
-    FakeMediaToolkit& toolkit_;
-    std::vector<std::unique_ptr<FakeCompositionTrack>> tracks_;
-};
-
-class FakeExportSession final : public ExportSession {
-public:
-    FakeExportSession(FakeMediaToolkit& toolkit, const FakeComposition& composition)
-        : toolkit_(toolkit), composition_(composition) {}
-
-    void setAudioMix(AudioMix mix) override {
-        toolkit_.exportedGains.clear();
-        for (std::size_t i = 0; i < mix.size(); ++i) {
-            if (composition_.isTrackAt(i, mix[i].track) && mix[i].time == zeroTime) {
-                toolkit_.exportedGains.push_back(mix[i].volume);
-            }
-        }
-    }
-
-    std::unique_ptr<OutputFile> exportTo(OutputFile& staging, const ExportProgress& progress,
-                                         const std::stop_token& stop) override {
+    std::unique_ptr<OutputFile> mix(const std::vector<float>& volumes, OutputFile& staging,
+                                    const ExportProgress& progress,
+                                    const std::stop_token& stop) override {
+        toolkit_.exportedGains = volumes;
         staging.writeAt(0, {});
         if (toolkit_.exporting.duringExport) {
             toolkit_.exporting.duringExport();
@@ -221,7 +131,6 @@ public:
 
 private:
     FakeMediaToolkit& toolkit_;
-    const FakeComposition& composition_;
 };
 
 /// An empty path: without a name.
@@ -443,29 +352,22 @@ std::vector<std::filesystem::path> FakeFileSystem::temporaryFiles() const {
     return found;
 }
 
-std::unique_ptr<FileWriter> FakeMediaToolkit::makeWriter(const std::filesystem::path& location) {
+std::unique_ptr<RecordingWriter>
+FakeMediaToolkit::makeWriter(const std::filesystem::path& location,
+                             FragmentIntervals fragmentIntervals,
+                             FragmentWrittenCallback onFragmentWritten) {
     log_.add("makeWriter " + location.string());
     throwIfSet(writing.creationError);
     fileSystem_.entries.insert(location);
-    return std::make_unique<FakeWriter>(*this);
+    intervals = fragmentIntervals;
+    fragmentWritten = std::move(onFragmentWritten);
+    return std::make_unique<FakeWriter>(*this, location);
 }
 
-std::unique_ptr<Asset> FakeMediaToolkit::openAsset(const std::filesystem::path& location) {
-    log_.add("openAsset " + location.string());
+std::unique_ptr<Recording> FakeMediaToolkit::openRecording(const std::filesystem::path& location) {
+    log_.add("openRecording " + location.string());
     throwIfSet(exporting.openError);
-    return std::make_unique<FakeAsset>(*this);
-}
-
-std::unique_ptr<Composition> FakeMediaToolkit::makeComposition() {
-    return std::make_unique<FakeComposition>(*this);
-}
-
-std::unique_ptr<ExportSession> FakeMediaToolkit::makeExportSession(const Composition& composition) {
-    if (!exporting.sessionCanBeMade) {
-        return nullptr;
-    }
-    return std::make_unique<FakeExportSession>(*this,
-                                               dynamic_cast<const FakeComposition&>(composition));
+    return std::make_unique<FakeRecording>(*this);
 }
 
 std::shared_ptr<CaptureStream> FakeCaptureService::makeStream(const CaptureRequest& captureRequest,

@@ -141,7 +141,7 @@ struct WriterBehaviour {
     bool startSucceeds = true;
     bool appendSucceeds = true;
     bool ready = true;
-    FileWriterStatus statusAfterFinish = FileWriterStatus::completed;
+    WriterStatus statusAfterFinish = WriterStatus::completed;
     double secondsNotWritten = 0;
     std::optional<std::string> error;
 };
@@ -149,16 +149,11 @@ struct WriterBehaviour {
 /// How reading and exporting behave.
 struct ExportBehaviour {
     std::exception_ptr openError;
-    std::exception_ptr tracksError;
-    std::exception_ptr timeRangeError;
-    std::exception_ptr insertError;
     std::exception_ptr exportError;
     MediaTime duration{48000, 48000};
     bool isWhole = true;
-    std::optional<std::size_t> trackCount; ///< absent: as many as the writer had inputs
-    bool compositionTakesTracks = true;
-    bool sessionCanBeMade = true;
-    bool isMadeAhead = false; ///< in a file without a name
+    std::optional<std::size_t> trackCount; ///< absent: as many as the writer had
+    bool isMadeAhead = false;              ///< in a file without a name
     std::function<void()> duringExport;
 };
 
@@ -169,14 +164,15 @@ public:
 
     WriterBehaviour writing;
     ExportBehaviour exporting;
-    std::size_t inputCount = 0;              ///< of the last writer
+    std::size_t trackCount = 0;              ///< of the last writer
+    FragmentIntervals intervals;             ///< of the last writer
     FragmentWrittenCallback fragmentWritten; ///< of the last writer
     std::vector<float> exportedGains;        ///< of the last export, in track order
 
-    std::unique_ptr<FileWriter> makeWriter(const std::filesystem::path& location) override;
-    std::unique_ptr<Asset> openAsset(const std::filesystem::path& location) override;
-    std::unique_ptr<Composition> makeComposition() override;
-    std::unique_ptr<ExportSession> makeExportSession(const Composition& composition) override;
+    std::unique_ptr<RecordingWriter> makeWriter(const std::filesystem::path& location,
+                                                FragmentIntervals fragmentIntervals,
+                                                FragmentWrittenCallback onFragmentWritten) override;
+    std::unique_ptr<Recording> openRecording(const std::filesystem::path& location) override;
 
     CallLog& log() { return log_; }
 

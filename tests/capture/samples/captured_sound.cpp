@@ -41,7 +41,7 @@ void CapturedSound::didOutputSampleBuffer(const SampleBuffer& buffer, AudioLevel
     const auto now = capture::gridPosition(capture::nanosecondsOn(CLOCK_MONOTONIC));
     largestDelay_ = std::max(largestDelay_, now - position);
     const auto frames = static_cast<std::size_t>(buffer.frameCount);
-    const auto samples = std::get<std::span<const float>>(buffer.samples);
+    const auto samples = buffer.samples;
     for (std::size_t channel = 0; channel < track.channels.size(); ++channel) {
         const auto plane = samples.subspan(channel * frames, frames);
         track.channels[channel].insert(track.channels[channel].end(), plane.begin(), plane.end());

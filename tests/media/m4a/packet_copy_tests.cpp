@@ -26,16 +26,9 @@ protected:
             files.remove("mix.m4a");
         }
         ffmpeg::FfmpegToolkit toolkit(files);
-        const auto composition = toolkit.makeComposition();
-        AudioMix mix;
-        for (const auto& track : toolkit.openAsset("movie.mov")->audioTracks()) {
-            CompositionTrack* const laid = composition->addAudioTrack();
-            laid->insert(track->timeRange(), track, zeroTime);
-            mix.push_back({.track = laid, .volume = volume});
-        }
-        const auto session = toolkit.makeExportSession(*composition);
-        session->setAudioMix(mix);
-        session->exportTo(*files.create("mix.m4a", FileAudience::asUserPrefers), progress, {});
+        const auto recording = toolkit.openRecording("movie.mov");
+        recording->mix(std::vector(recording->trackCount(), volume),
+                       *files.create("mix.m4a", FileAudience::asUserPrefers), progress, {});
         file = folder.put("mix.m4a", files.contentOf("mix.m4a"));
     }
 

@@ -142,7 +142,6 @@ protected:
     static constexpr std::int64_t frames = ((chunkPackets + 200) * packetFrames) + 123;
 
     MemoryFileSystem files;
-    std::shared_ptr<const AssetTrack> track;
     Mix mix;
 
     void SetUp() override {
@@ -151,10 +150,7 @@ protected:
     }
 
     void open(FileSystem& fileSystem, const std::filesystem::path& movie) {
-        track = ffmpeg::FfmpegToolkit(fileSystem).openAsset(movie)->audioTracks().at(0);
-        const auto* const source = dynamic_cast<const MovieTrack*>(track.get());
-        ASSERT_NE(source, nullptr);
-        mix = {{.source = source, .start = 0, .frames = frames, .volume = 0.9F}};
+        mix = {{.movie = openMovie(fileSystem, movie), .frames = frames, .volume = 0.9F}};
     }
 
     static std::vector<std::byte> recorded() {
@@ -165,8 +161,8 @@ protected:
         samples.insert(samples.end(), channels[1].begin(), channels[1].end());
         SampleBuffer buffer = SoundBuffer(0, 0, 2, silence()).buffer();
         buffer.frameCount = frames;
-        buffer.samples = std::span<const float>(samples);
-        EXPECT_TRUE(recording.input(0).append(buffer));
+        buffer.samples = samples;
+        EXPECT_TRUE(recording.track(0).append(buffer));
         recording.finish();
         return files.contentOf("movie.mov");
     }

@@ -10,6 +10,7 @@
 
 #include "engine/track_mixing.h"
 #include "media/boxes/box_reader.h"
+#include "platform/ffmpeg/toolkit.h"
 #include "tests/media/support/memory_file_system.h"
 #include "tests/media/support/movie_recording.h"
 
@@ -43,22 +44,24 @@ protected:
         recording.finish();
     }
 
-    void mix(MediaToolkit& toolkit, const char* destination, const Volumes& volumes) {
-        const auto asset = toolkit.openAsset("movie.mov");
-        mixTracks(toolkit, *asset, OutputPlace(files, "", destination),
-                  [&](std::size_t track) { return volumes[track]; }, {}, {});
+    /// As the recorder opens it.
+    std::unique_ptr<Recording> openWritten() { return recording.writer().openRecording(); }
+
+    /// As anybody else does.
+    std::unique_ptr<Recording> openAnew() {
+        return ffmpeg::FfmpegToolkit(files).openRecording("movie.mov");
     }
 
-    double finishedSeconds(MediaToolkit& toolkit) {
-        return toolkit.openAsset("movie.mov")->duration().seconds();
+    void mix(Recording& written, const char* destination, const Volumes& volumes) {
+        mixTracks(written, OutputPlace(files, "", destination),
+                  [&](std::size_t track) { return volumes[track]; }, {}, {});
     }
 
     /// Whether the mix was made ahead; in any case it is the one that is made without.
     bool finishAndMix(const Volumes& volumes) {
         recording.finish();
-        mix(recording.toolkit(), "mix", volumes);
-        ffmpeg::FfmpegToolkit another(files);
-        mix(another, "expected", volumes);
+        mix(*openWritten(), "mix", volumes);
+        mix(*openAnew(), "expected", volumes);
         EXPECT_TRUE(files.contentOf("mix.m4a") == files.contentOf("expected.m4a"));
         EXPECT_EQ(files.journalOf("expected.m4a").front(), "create");
         return files.journalOf("mix.m4a").front() == "unnamed";
@@ -122,31 +125,30 @@ TEST_F(FollowingMixTest, isNotMadeWhereFilesHaveNames) {
 TEST_F(FollowingMixTest, aFailureOnTheDiskIsNotTheRecordings) {
     recordFollowed();
     files.setSyncFails(true); // for the mix that followed
-    EXPECT_THROW(mix(recording.toolkit(), "mix", {0.9F, 0.5F}), std::system_error);
+    EXPECT_THROW(mix(*openWritten(), "mix", {0.9F, 0.5F}), std::system_error);
     files.setSyncFails(false);
-    mix(recording.toolkit(), "mix", {0.9F, 0.5F});
+    mix(*openWritten(), "mix", {0.9F, 0.5F});
     EXPECT_EQ(files.journalOf("mix.m4a").front(), "create");
 }
 
 TEST_F(FollowingMixTest, knowsTheFinishedMovieWithoutReadingItAgain) {
     recordFollowed();
-    const double seconds = finishedSeconds(recording.toolkit());
+    const double seconds = openWritten()->duration().seconds();
     auto content = files.contentOf("movie.mov");
     std::ranges::fill(std::span(content).first(64), std::byte(0));
     files.put("movie.mov", content);
-    EXPECT_EQ(finishedSeconds(recording.toolkit()), seconds);
-    ffmpeg::FfmpegToolkit another(files);
-    EXPECT_THROW(finishedSeconds(another), DamagedMovie);
+    EXPECT_EQ(openWritten()->duration().seconds(), seconds);
+    EXPECT_THROW(openAnew(), DamagedMovie);
 }
 
 TEST_F(FollowingMixTest, doesNotKnowAMovieThatHasBecomeShorter) {
     recordFollowed();
-    const double seconds = finishedSeconds(recording.toolkit());
+    const double seconds = openWritten()->duration().seconds();
     auto content = files.contentOf("movie.mov");
     content.resize(content.size() / 2);
     files.put("movie.mov", content);
-    EXPECT_LT(finishedSeconds(recording.toolkit()), seconds);
-    EXPECT_GT(finishedSeconds(recording.toolkit()), 0);
+    EXPECT_LT(openWritten()->duration().seconds(), seconds);
+    EXPECT_GT(openWritten()->duration().seconds(), 0);
 }
 
 TEST_F(FollowingMixTest, endsWithTheRecordingThatIsGivenUp) {

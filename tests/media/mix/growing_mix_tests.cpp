@@ -3,13 +3,12 @@
 #include "media/mix/growing_mix.h"
 
 #include <cmath>
-#include <deque>
 
 #include <gtest/gtest.h>
 
 #include "engine/track_mixing.h"
-#include "media/mix/composition.h"
 #include "platform/ffmpeg/ffmpeg_coding.h"
+#include "platform/ffmpeg/toolkit.h"
 #include "tests/media/support/memory_file_system.h"
 #include "tests/media/support/movie_recording.h"
 
@@ -40,21 +39,20 @@ protected:
 
     void exportTo(const std::string& name) {
         ffmpeg::FfmpegToolkit toolkit(files);
-        const auto asset = toolkit.openAsset("movie.mov");
-        mixTracks(toolkit, *asset, OutputPlace(files, "", name),
+        const auto finished = toolkit.openRecording("movie.mov");
+        mixTracks(*finished, OutputPlace(files, "", name),
                   [this](std::size_t track) { return volumes[track]; }, {}, {});
     }
 
     /// As an export lays it out.
     Mix wholeMix() {
-        for (std::size_t track = 0; track < volumes.size(); ++track) {
-            finished_.emplace_back(finishedMovie(), track);
-        }
+        const std::shared_ptr<const Movie> movie = openMovie(files, "movie.mov");
         Mix mix;
-        for (const MovieTrack& track : finished_) {
-            mix.push_back({.source = &track,
-                           .frames = track.timeRange().duration.inUnitsOf(48000),
-                           .volume = volumes[track.index()]});
+        for (std::size_t track = 0; track < volumes.size(); ++track) {
+            mix.push_back({.movie = movie,
+                           .track = track,
+                           .frames = framesIn(*movie, track),
+                           .volume = volumes[track]});
         }
         return mix;
     }
@@ -63,17 +61,6 @@ protected:
         exportTo("exported");
         EXPECT_TRUE(files.contentOf("followed.m4a") == files.contentOf("exported.m4a"));
     }
-
-private:
-    std::shared_ptr<Movie> finishedMovie() {
-        if (!finishedMovie_) {
-            finishedMovie_ = openMovie(files, "movie.mov");
-        }
-        return finishedMovie_;
-    }
-
-    std::shared_ptr<Movie> finishedMovie_;
-    std::deque<MovieTrack> finished_;
 };
 
 TEST_F(GrowingMixTest, becomesTheFileThatAnExportMakesWheneverItGoesOn) {
@@ -95,7 +82,7 @@ TEST_F(GrowingMixTest, becomesItWhereASourceEndsBeforeTheOther) {
     ASSERT_TRUE(files.waitForSyncedSize("movie.mov", 10'000));
     GrowingMix mix(ffmpeg::coding(), files, "movie.mov", volumes);
     mix.goOn({});
-    recording.input(1).markAsFinished();
+    recording.track(1).end();
     ASSERT_TRUE(recording.append(0, 20 * second, 26 * second, melody));
     mix.goOn({});
     recording.finish();

@@ -11,8 +11,9 @@
 #include <gtest/gtest.h>
 
 #include "media/boxes/box_search.h"
+#include "media/coding/aac.h"
 #include "media/movie/fragment_checksum.h"
-#include "media/movie/movie_asset.h"
+#include "media/movie/movie.h"
 #include "tests/media/support/memory_file_system.h"
 #include "tests/media/support/movie_recording.h"
 
@@ -105,7 +106,7 @@ protected:
         if (!expected.lost.contains(places.size() - 1)) {
             ASSERT_EQ(found->scan.ends, whole->scan.ends) << what;
         }
-        ASSERT_FALSE(MovieAsset(found).isWhole()) << what;
+        ASSERT_FALSE(isWhole(*found)) << what;
     }
 
     /// Either all fragments are found, or all but one; that not all is well is known in any case.
@@ -135,10 +136,10 @@ protected:
 TEST_F(DamageScan, undamagedMovieIsWhole) {
     ASSERT_GE(places.size(), 6U);
     EXPECT_EQ(whole->scan.fragments.size(), places.size());
-    EXPECT_TRUE(MovieAsset(whole).isWhole());
+    EXPECT_TRUE(isWhole(*whole));
     // As it is while nobody has finished it, and with an index that was cut short.
-    EXPECT_TRUE(MovieAsset(open(part(movie, 0, places.back().end))).isWhole());
-    EXPECT_TRUE(MovieAsset(open(part(movie, 0, places.back().end + 20))).isWhole());
+    EXPECT_TRUE(isWhole(*open(part(movie, 0, places.back().end))));
+    EXPECT_TRUE(isWhole(*open(part(movie, 0, places.back().end + 20))));
 }
 
 TEST_F(DamageScan, anyFlippedBitOfAFragmentsHeadersCostsThatFragmentAtMost) {
@@ -187,7 +188,7 @@ TEST_F(DamageScan, zeroedBlockCostsTheFragmentsThatItTouchesAtMost) {
             EXPECT_TRUE(isTouched || taken != found->scan.fragments.end()) << begin << " " << index;
         }
         EXPECT_EQ(found->scan.ends, whole->scan.ends) << begin;
-        EXPECT_FALSE(MovieAsset(found).isWhole()) << begin;
+        EXPECT_FALSE(isWhole(*found)) << begin;
     }
 }
 
@@ -281,7 +282,7 @@ TEST_F(DamageScan, tornFragmentAtTheEndIsNotAllThereWas) {
         const auto found = open(part(movie, 0, size));
         const std::size_t count = size > places[4].checksum ? 5 : 4;
         EXPECT_EQ(found->scan.fragments.size(), count) << size;
-        EXPECT_FALSE(MovieAsset(found).isWhole()) << size;
+        EXPECT_FALSE(isWhole(*found)) << size;
     }
 }
 

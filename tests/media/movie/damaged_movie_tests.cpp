@@ -11,7 +11,7 @@
 #include "media/boxes/box_writer.h"
 #include "media/coding/aac.h"
 #include "media/movie/fragment_parser.h"
-#include "media/movie/movie_asset.h"
+#include "media/movie/movie.h"
 #include "tests/media/support/memory_file_system.h"
 #include "tests/media/support/movie_recording.h"
 
@@ -24,13 +24,10 @@ void readAll(const std::vector<std::byte>& movie) {
     MemoryFileSystem files;
     files.put("movie.mov", movie);
     ffmpeg::FfmpegToolkit toolkit(files);
-    const auto asset = toolkit.openAsset("movie.mov");
-    const auto composition = toolkit.makeComposition();
-    for (const auto& track : asset->audioTracks()) {
-        composition->addAudioTrack()->insert(track->timeRange(), track, zeroTime);
-    }
-    if (const auto session = toolkit.makeExportSession(*composition)) {
-        session->exportTo(*files.create("mix.m4a", FileAudience::asUserPrefers), {}, {});
+    const auto recording = toolkit.openRecording("movie.mov");
+    if (recording->trackCount() > 0) {
+        recording->mix(std::vector(recording->trackCount(), 1.0F),
+                       *files.create("mix.m4a", FileAudience::asUserPrefers), {}, {});
     }
 }
 
@@ -57,7 +54,7 @@ std::size_t findContent(const std::vector<std::byte>& movie, std::string_view ty
 std::int64_t durationOf(const std::vector<std::byte>& movie) {
     MemoryFileSystem files;
     files.put("movie.mov", movie);
-    return ffmpeg::FfmpegToolkit(files).openAsset("movie.mov")->duration().inUnitsOf(48000);
+    return ffmpeg::FfmpegToolkit(files).openRecording("movie.mov")->duration().inUnitsOf(48000);
 }
 
 /// Frames in each track of the second fragment of a movie: ten seconds, in whole packets.

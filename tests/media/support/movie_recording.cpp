@@ -14,21 +14,17 @@
 namespace vantoro {
 
 MovieRecording::MovieRecording(FileSystem& fileSystem, std::filesystem::path location,
-                               std::vector<AudioTrackSettings> tracks, FragmentIntervals intervals,
+                               std::vector<TrackFormat> tracks, FragmentIntervals intervals,
                                IsPowerSaved isPowerSaved)
     : location_(std::move(location)),
-      toolkit_(fileSystem, std::move(isPowerSaved)),
       tracks_(std::move(tracks)),
-      writer_(toolkit_.makeWriter(location_)) {
-    writer_->setMovieFragmentInterval(intervals.others);
-    writer_->setInitialMovieFragmentInterval(intervals.first);
-    for (const AudioTrackSettings& track : tracks_) {
-        EXPECT_TRUE(writer_->canAdd(track));
-        inputs_.push_back(&writer_->add(track));
+      writer_(ffmpeg::FfmpegToolkit(fileSystem, std::move(isPowerSaved))
+                  .makeWriter(location_, intervals, {})) {
+    for (const TrackFormat& track : tracks_) {
+        written_.push_back(writer_->addTrack(track));
+        EXPECT_NE(written_.back(), nullptr);
     }
-    if (writer_->startWriting()) {
-        writer_->startSession(SoundBuffer::sessionStart);
-    }
+    writer_->start(SoundBuffer::sessionStart);
 }
 
 bool MovieRecording::append(std::size_t track, std::int64_t from, std::int64_t to,
@@ -53,19 +49,19 @@ bool MovieRecording::appendAll(std::int64_t from, std::int64_t to, const Sound& 
 }
 
 void MovieRecording::finish() {
-    for (FileWriterInput* const input : inputs_) {
-        input->markAsFinished();
+    for (RecordingTrack* const track : written_) {
+        track->end();
     }
     std::promise<void> finished;
     auto done = finished.get_future();
-    writer_->finishWriting([&finished] { finished.set_value(); });
+    writer_->finish([&finished] { finished.set_value(); });
     ASSERT_EQ(done.wait_for(std::chrono::seconds(30)), std::future_status::ready);
 }
 
 bool MovieRecording::appendBuffer(std::size_t track, std::int64_t from, std::int64_t frames,
                                   const Sound& sound) {
     const SoundBuffer buffer(from, frames, tracks_[track].channels, sound);
-    return inputs_[track]->append(buffer.buffer());
+    return written_[track]->append(buffer.buffer());
 }
 
 SoundBuffer::SoundBuffer(std::int64_t start, std::int64_t frames, int channels, const Sound& sound)
@@ -85,16 +81,16 @@ SampleBuffer SoundBuffer::buffer() const {
             .format =
                 AudioStreamDescription{.sampleRate = 48000,
                                        .channelsPerFrame = static_cast<std::uint32_t>(channels_)},
-            .samples = std::span<const float>(samples_)};
+            .samples = samples_};
 }
 
 std::vector<std::byte> recordMovie(std::int64_t frames, const Sound& sound,
-                                   std::vector<AudioTrackSettings> tracks) {
+                                   std::vector<TrackFormat> tracks) {
     MemoryFileSystem files;
     MovieRecording recording(files, "movie.mov", std::move(tracks));
     EXPECT_TRUE(recording.appendAll(0, frames, sound));
     recording.finish();
-    EXPECT_EQ(recording.writer().status(), FileWriterStatus::completed);
+    EXPECT_EQ(recording.writer().status(), WriterStatus::completed);
     return files.contentOf("movie.mov");
 }
 

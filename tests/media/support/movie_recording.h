@@ -11,29 +11,23 @@
 #include <vector>
 
 #include "engine/ports/file_system.h"
-#include "engine/ports/file_writer.h"
+#include "engine/ports/recording_writer.h"
 #include "platform/ffmpeg/toolkit.h"
 #include "tests/media/support/test_sounds.h"
 
 namespace vantoro {
 
-inline constexpr AudioTrackSettings systemTrack{.channels = 2, .bitRate = 192000};
-inline constexpr AudioTrackSettings microphoneTrack{.channels = 1, .bitRate = 96000};
+inline constexpr TrackFormat systemTrack{.channels = 2, .bitRate = 192000};
+inline constexpr TrackFormat microphoneTrack{.channels = 1, .bitRate = 96000};
 
-/// How long the first fragment of a movie is, and the others.
-struct FragmentIntervals {
-    MediaTime first{600, 600};
-    MediaTime others{6000, 600};
-};
-
-/// Drives a writer as the recorder does: tracks, session, then buffers at their times.
+/// Drives a writer as the recorder does: tracks, start, then buffers at their times.
 class MovieRecording {
 public:
     static constexpr std::int64_t bufferFrames = 960;
 
     /// With the recorder's own fragments, or others.
     MovieRecording(FileSystem& fileSystem, std::filesystem::path location,
-                   std::vector<AudioTrackSettings> tracks = {systemTrack, microphoneTrack},
+                   std::vector<TrackFormat> tracks = {systemTrack, microphoneTrack},
                    FragmentIntervals intervals = {}, IsPowerSaved isPowerSaved = {});
 
     /// Appends the track's sound from one frame to another, in buffers; false when one was refused.
@@ -43,12 +37,9 @@ public:
     /// Ends all tracks and waits until the file is finished. Fails the test after half a minute.
     void finish();
 
-    FileWriter& writer() { return *writer_; }
+    RecordingWriter& writer() { return *writer_; }
 
-    /// The one that the writer is of.
-    MediaToolkit& toolkit() { return toolkit_; }
-
-    FileWriterInput& input(std::size_t track) { return *inputs_[track]; }
+    RecordingTrack& track(std::size_t index) { return *written_[index]; }
 
     const std::filesystem::path& location() const { return location_; }
 
@@ -57,10 +48,9 @@ private:
                       const Sound& sound);
 
     std::filesystem::path location_;
-    ffmpeg::FfmpegToolkit toolkit_;
-    std::vector<AudioTrackSettings> tracks_;
-    std::unique_ptr<FileWriter> writer_;
-    std::vector<FileWriterInput*> inputs_;
+    std::vector<TrackFormat> tracks_;
+    std::unique_ptr<RecordingWriter> writer_;
+    std::vector<RecordingTrack*> written_;
 };
 
 /// A buffer of float sound, with what it borrows.
@@ -82,8 +72,8 @@ private:
 
 /// Records the same sound into both tracks and returns the file's bytes.
 std::vector<std::byte> recordMovie(std::int64_t frames, const Sound& sound,
-                                   std::vector<AudioTrackSettings> tracks = {systemTrack,
-                                                                             microphoneTrack});
+                                   std::vector<TrackFormat> tracks = {systemTrack,
+                                                                      microphoneTrack});
 
 /// A box at the top of a movie.
 struct TopBox {

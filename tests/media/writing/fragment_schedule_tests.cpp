@@ -19,13 +19,6 @@ TEST(FragmentSchedule, beginsWithTheInitialIntervalAndGoesOnByTheOther) {
     EXPECT_EQ(schedule.end(), 1008000);
 }
 
-TEST(FragmentSchedule, isOfOneAndOfTenSecondsUnlessToldOtherwise) {
-    FragmentSchedule schedule;
-    EXPECT_EQ(schedule.end(), 48000);
-    schedule.advance();
-    EXPECT_EQ(schedule.end(), 528000);
-}
-
 TEST(FragmentSchedule, waitsForThePacketThatHoldsTheEndAndTheTwoThatTheCoderIsBehind) {
     EXPECT_EQ(FragmentSchedule(10240, 10240).framesToClose(), 10240 + 2048);
     EXPECT_EQ(FragmentSchedule(10241, 10240).framesToClose(), 11264 + 2048);

@@ -54,7 +54,7 @@ TEST(MovieLayout, bitRatesAreThoseOfTheSettings) {
     };
 
     struct Case {
-        AudioTrackSettings track;
+        TrackFormat track;
         double bitRate;
     };
 
@@ -123,34 +123,33 @@ TEST(MovieLayout, everyFragmentIsOneWriteAndOneSync) {
 TEST(MovieLayout, theFileIsThereForItsUserAloneBeforeWritingStarts) {
     MemoryFileSystem files;
     ffmpeg::FfmpegToolkit toolkit(files);
-    const auto writer = toolkit.makeWriter("movie.mov");
-    writer->add(systemTrack);
+    const auto writer = toolkit.makeWriter("movie.mov", {}, {});
+    EXPECT_NE(writer->addTrack(systemTrack), nullptr);
     EXPECT_EQ(files.journalOf("movie.mov"), std::vector<std::string>{"create"});
     EXPECT_EQ(files.audience(), FileAudience::userOnly);
-    EXPECT_EQ(writer->status(), FileWriterStatus::unknown);
-    EXPECT_TRUE(writer->startWriting());
-    EXPECT_EQ(writer->status(), FileWriterStatus::writing);
-    EXPECT_FALSE(writer->canAdd(microphoneTrack));
+    EXPECT_EQ(writer->status(), WriterStatus::unknown);
+    EXPECT_TRUE(writer->start(zeroTime));
+    EXPECT_EQ(writer->status(), WriterStatus::writing);
+    EXPECT_EQ(writer->addTrack(microphoneTrack), nullptr);
 }
 
 TEST(MovieLayout, withoutATrackNothingIsWritten) {
     MemoryFileSystem files;
     ffmpeg::FfmpegToolkit toolkit(files);
-    const auto writer = toolkit.makeWriter("movie.mov");
-    EXPECT_FALSE(writer->startWriting());
-    EXPECT_EQ(writer->status(), FileWriterStatus::failed);
+    const auto writer = toolkit.makeWriter("movie.mov", {}, {});
+    EXPECT_FALSE(writer->start(zeroTime));
+    EXPECT_EQ(writer->status(), WriterStatus::failed);
     EXPECT_EQ(files.journalOf("movie.mov"), std::vector<std::string>{"create"});
 }
 
 TEST(MovieLayout, refusesTracksThatItCannotWrite) {
     MemoryFileSystem files;
     ffmpeg::FfmpegToolkit toolkit(files);
-    const auto writer = toolkit.makeWriter("movie.mov");
-    EXPECT_TRUE(writer->canAdd(systemTrack));
-    EXPECT_FALSE(writer->canAdd({.sampleRate = 44100}));
-    EXPECT_FALSE(writer->canAdd({.channels = 0}));
-    EXPECT_FALSE(writer->canAdd({.channels = 3}));
-    EXPECT_FALSE(writer->canAdd({.bitRate = 0}));
+    const auto writer = toolkit.makeWriter("movie.mov", {}, {});
+    EXPECT_EQ(writer->addTrack({.channels = 0}), nullptr);
+    EXPECT_EQ(writer->addTrack({.channels = 3}), nullptr);
+    EXPECT_EQ(writer->addTrack({.bitRate = 0}), nullptr);
+    EXPECT_NE(writer->addTrack(systemTrack), nullptr);
 }
 
 TEST(MovieLayout, aSingleTrackIsTheOnlyOne) {

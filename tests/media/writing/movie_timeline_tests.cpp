@@ -21,7 +21,7 @@ protected:
     /// The track's sound, which has to be so long.
     std::vector<float> decodeTrack(int track, std::int64_t frames) {
         recording.finish();
-        EXPECT_EQ(recording.writer().status(), FileWriterStatus::completed);
+        EXPECT_EQ(recording.writer().status(), WriterStatus::completed);
         const auto file = folder.put("movie.mov", files.contentOf("movie.mov"));
         EXPECT_EQ(framesOf(file, track), frames);
         auto samples = decode(file, track);
@@ -145,8 +145,8 @@ TEST_F(MovieTimeline, whatIsNoNumberSpoilsNothing) {
 
 TEST_F(MovieTimeline, aBufferThatItsTrackDoesNotTakeIsAFailure) {
     const SoundBuffer stereo(0, 480, 2, silence());
-    EXPECT_FALSE(recording.input(1).append(stereo.buffer()));
-    EXPECT_EQ(recording.writer().status(), FileWriterStatus::failed);
+    EXPECT_FALSE(recording.track(1).append(stereo.buffer()));
+    EXPECT_EQ(recording.writer().status(), WriterStatus::failed);
     EXPECT_TRUE(recording.writer().errorDescription().has_value());
 }
 
@@ -154,9 +154,9 @@ TEST_F(MovieTimeline, aStampThatCannotBeIsAFailure) {
     constexpr std::int64_t threeHours = 3LL * 3600 * second;
     ASSERT_TRUE(recording.appendAll(0, second, silence()));
     EXPECT_FALSE(recording.append(0, threeHours, threeHours + 480, silence()));
-    EXPECT_EQ(recording.writer().status(), FileWriterStatus::failed);
+    EXPECT_EQ(recording.writer().status(), WriterStatus::failed);
     recording.finish();
-    EXPECT_EQ(recording.writer().status(), FileWriterStatus::completed);
+    EXPECT_EQ(recording.writer().status(), WriterStatus::completed);
 }
 
 } // namespace

@@ -48,10 +48,10 @@ protected:
 TEST_F(WriteFailure, aFullDiskIsToldByTheNextAppend) {
     files.setCapacity(100'000);
     recordUntilRefused(0);
-    EXPECT_EQ(recording.writer().status(), FileWriterStatus::failed);
+    EXPECT_EQ(recording.writer().status(), WriterStatus::failed);
     EXPECT_THAT(recording.writer().errorDescription().value_or(""),
                 HasSubstr("No space left on device"));
-    EXPECT_TRUE(recording.input(0).isReadyForMoreMediaData());
+    EXPECT_TRUE(recording.track(0).isReady());
 }
 
 TEST_F(WriteFailure, nothingIsLostWhenTheDiskHasRoomAgainAtTheEnd) {
@@ -59,7 +59,7 @@ TEST_F(WriteFailure, nothingIsLostWhenTheDiskHasRoomAgainAtTheEnd) {
     const std::int64_t recorded = recordUntilRefused(0);
     files.setCapacity(10'000'000);
     recording.finish();
-    EXPECT_EQ(recording.writer().status(), FileWriterStatus::completed);
+    EXPECT_EQ(recording.writer().status(), WriterStatus::completed);
     EXPECT_EQ(recording.writer().errorDescription(), std::nullopt);
     EXPECT_EQ(recording.writer().secondsNotWritten(), 0);
     // The system track may have taken the buffer that the microphone's track refused.
@@ -71,7 +71,7 @@ TEST_F(WriteFailure, whatWasWrittenBeforeCountsWhenTheDiskStaysFull) {
     files.setCapacity(100'000);
     const std::int64_t recorded = recordUntilRefused(0);
     recording.finish();
-    EXPECT_EQ(recording.writer().status(), FileWriterStatus::completed);
+    EXPECT_EQ(recording.writer().status(), WriterStatus::completed);
     // Cut back to the one whole fragment.
     EXPECT_EQ(topBoxes(files.contentOf("movie.mov")).back().type, "uuid");
     EXPECT_EQ(framesOnDisk(), 48128);
@@ -86,7 +86,7 @@ TEST_F(WriteFailure, withoutOneWholeFragmentFinishingFails) {
     files.setCapacity(1'000);
     recordUntilRefused(0);
     recording.finish();
-    EXPECT_EQ(recording.writer().status(), FileWriterStatus::failed);
+    EXPECT_EQ(recording.writer().status(), WriterStatus::failed);
     EXPECT_THAT(recording.writer().errorDescription().value_or(""),
                 HasSubstr("No space left on device"));
     EXPECT_TRUE(files.contentOf("movie.mov").empty());
@@ -99,7 +99,7 @@ TEST_F(WriteFailure, aFailedSyncIsAFailedWrite) {
                 HasSubstr("Input/output error"));
     files.setSyncFails(false);
     recording.finish();
-    EXPECT_EQ(recording.writer().status(), FileWriterStatus::completed);
+    EXPECT_EQ(recording.writer().status(), WriterStatus::completed);
     EXPECT_EQ(framesOnDisk(), recorded);
 }
 
@@ -107,7 +107,7 @@ TEST_F(WriteFailure, aFileThatCannotBeReachedAtTheEndIsAFailure) {
     ASSERT_TRUE(recording.appendAll(0, 2 * second, sound));
     files.setUnreachable();
     recording.finish();
-    EXPECT_EQ(recording.writer().status(), FileWriterStatus::failed);
+    EXPECT_EQ(recording.writer().status(), WriterStatus::failed);
     EXPECT_THAT(recording.writer().errorDescription().value_or(""), HasSubstr("Permission denied"));
 }
 
@@ -117,28 +117,28 @@ TEST_F(WriteFailure, aStuckDiskLosesNoFrameAndDelaysNobody) {
     ASSERT_TRUE(files.waitUntilStuck());
     // Ten more seconds are taken in while not a byte reaches the disk.
     for (std::int64_t frame = 2 * second; frame < 12 * second; frame += second) {
-        ASSERT_TRUE(recording.input(0).isReadyForMoreMediaData());
+        ASSERT_TRUE(recording.track(0).isReady());
         ASSERT_TRUE(recording.appendAll(frame, frame + second, sound));
     }
     EXPECT_TRUE(files.contentOf("movie.mov").empty());
     files.setStuck(false);
     recording.finish();
-    EXPECT_EQ(recording.writer().status(), FileWriterStatus::completed);
+    EXPECT_EQ(recording.writer().status(), WriterStatus::completed);
     EXPECT_EQ(framesOnDisk(), 12 * second);
 }
 
 TEST_F(WriteFailure, nothingIsTakenInAfterTheEnd) {
     ASSERT_TRUE(recording.appendAll(0, second, sound));
-    recording.input(1).markAsFinished();
+    recording.track(1).end();
     EXPECT_FALSE(recording.append(1, second, 2 * second, sound));
     recording.finish();
     EXPECT_FALSE(recording.append(0, second, 2 * second, sound));
-    EXPECT_EQ(recording.writer().status(), FileWriterStatus::completed);
+    EXPECT_EQ(recording.writer().status(), WriterStatus::completed);
 }
 
 TEST_F(WriteFailure, noSoundAtAllIsAFailure) {
     recording.finish();
-    EXPECT_EQ(recording.writer().status(), FileWriterStatus::failed);
+    EXPECT_EQ(recording.writer().status(), WriterStatus::failed);
     EXPECT_TRUE(recording.writer().errorDescription().has_value());
 }
 
@@ -146,38 +146,36 @@ TEST(WriterStart, failsWithTheSystemsTextWhenTheFileCannotBeCreated) {
     MemoryFileSystem files;
     files.put("movie.mov", {});
     ffmpeg::FfmpegToolkit toolkit(files);
-    EXPECT_THAT([&] { toolkit.makeWriter("movie.mov"); },
+    EXPECT_THAT([&] { toolkit.makeWriter("movie.mov", {}, {}); },
                 testing::ThrowsMessage<std::system_error>(HasSubstr("File exists")));
 }
 
 TEST(WriterStart, finishingAWriterThatNeverStartedFails) {
     MemoryFileSystem files;
     ffmpeg::FfmpegToolkit toolkit(files);
-    const auto writer = toolkit.makeWriter("movie.mov");
+    const auto writer = toolkit.makeWriter("movie.mov", {}, {});
     int completions = 0;
-    writer->finishWriting([&completions] { ++completions; });
+    writer->finish([&completions] { ++completions; });
     EXPECT_EQ(completions, 1);
-    EXPECT_EQ(writer->status(), FileWriterStatus::failed);
+    EXPECT_EQ(writer->status(), WriterStatus::failed);
 }
 
-TEST(WriterBacklog, inputsAreNotReadyWhileTooMuchWaitsForTheDisk) {
+TEST(WriterBacklog, tracksAreNotReadyWhileTooMuchWaitsForTheDisk) {
     MemoryFileSystem files;
-    media::MovieWriter writer(ffmpeg::coding(), files, "movie.mov",
-                              std::make_shared<media::FollowingMixes>(ffmpeg::coding()), 10'000);
-    FileWriterInput& input = writer.add(microphoneTrack);
-    ASSERT_TRUE(writer.startWriting());
-    writer.startSession(SoundBuffer::sessionStart);
+    media::MovieWriter writer(ffmpeg::coding(), files, "movie.mov", {}, {}, {}, 10'000);
+    RecordingTrack& track = *writer.addTrack(microphoneTrack);
+    ASSERT_TRUE(writer.start(SoundBuffer::sessionStart));
     files.setStuck(true);
-    EXPECT_TRUE(input.isReadyForMoreMediaData());
-    ASSERT_TRUE(input.append(SoundBuffer(0, 12 * second, 1, tone(440, 0.5F)).buffer()));
-    EXPECT_FALSE(input.isReadyForMoreMediaData());
+    EXPECT_TRUE(track.isReady());
+    ASSERT_TRUE(track.append(SoundBuffer(0, 12 * second, 1, tone(440, 0.5F)).buffer()));
+    EXPECT_FALSE(track.isReady());
     files.setStuck(false);
     // The file's thread counts what waits a moment after it has synced it.
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-    while (!input.isReadyForMoreMediaData() && std::chrono::steady_clock::now() < deadline) {
+    while (!track.isReady() && std::chrono::steady_clock::now() < deadline) {
         std::this_thread::yield();
     }
-    EXPECT_TRUE(input.isReadyForMoreMediaData());
+    EXPECT_TRUE(track.isReady());
 }
 
 TEST(WriterProgress, isToldWithEachFragmentOnTheDisk) {
@@ -185,16 +183,15 @@ TEST(WriterProgress, isToldWithEachFragmentOnTheDisk) {
     std::vector<std::pair<double, std::uint64_t>> told;
     {
         ffmpeg::FfmpegToolkit toolkit(files);
-        const auto writer = toolkit.makeWriter("movie.mov");
-        writer->setOnFragmentWritten([&](MediaTime recorded, std::uint64_t waiting) {
-            EXPECT_EQ(files.journalOf("movie.mov").back(), "sync");
-            told.emplace_back(recorded.seconds(), waiting);
-        });
-        FileWriterInput& input = writer->add(microphoneTrack);
-        ASSERT_TRUE(writer->startWriting());
-        writer->startSession(SoundBuffer::sessionStart);
+        const auto writer =
+            toolkit.makeWriter("movie.mov", {}, [&](MediaTime recorded, std::uint64_t waiting) {
+                EXPECT_EQ(files.journalOf("movie.mov").back(), "sync");
+                told.emplace_back(recorded.seconds(), waiting);
+            });
+        RecordingTrack& track = *writer->addTrack(microphoneTrack);
+        ASSERT_TRUE(writer->start(SoundBuffer::sessionStart));
         files.setStuck(true);
-        ASSERT_TRUE(input.append(SoundBuffer(0, 12 * second, 1, tone(440, 0.5F)).buffer()));
+        ASSERT_TRUE(track.append(SoundBuffer(0, 12 * second, 1, tone(440, 0.5F)).buffer()));
         ASSERT_TRUE(files.waitUntilStuck());
         files.setStuck(false);
     }

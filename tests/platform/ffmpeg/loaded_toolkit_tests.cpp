@@ -12,6 +12,7 @@
 
 #include "platform/ffmpeg/toolkit_module.h"
 #include "platform/posix/posix_file_system.h"
+#include "tests/media/support/external_programs.h"
 
 namespace vantoro {
 namespace {
@@ -26,7 +27,7 @@ protected:
     std::string complaintAbout(const std::filesystem::path& module) {
         LoadedToolkit toolkit(files, {}, module);
         try {
-            toolkit.makeComposition();
+            toolkit.openRecording("/nowhere/a.mov");
         } catch (const std::runtime_error& error) {
             return error.what();
         }
@@ -36,20 +37,22 @@ protected:
 
 TEST_F(LoadedToolkitTest, worksAsTheToolkitDoes) {
     LoadedToolkit toolkit(files, {}, MODULE);
-    const auto composition = toolkit.makeComposition();
-    ASSERT_NE(composition, nullptr);
-    EXPECT_NE(composition->addAudioTrack(), nullptr);
-    EXPECT_NE(toolkit.makeExportSession(*composition), nullptr);
+    const TemporaryFolder folder;
+    const auto writer = toolkit.makeWriter(folder.path() / "movie.mov", {}, {});
+    ASSERT_NE(writer, nullptr);
+    EXPECT_NE(writer->addTrack({}), nullptr);
 }
 
 TEST_F(LoadedToolkitTest, passesOnWhyAFileCannotBeRead) {
     LoadedToolkit toolkit(files, {}, MODULE);
-    EXPECT_THROW(toolkit.openAsset("/nowhere/a.mov"), std::system_error);
+    EXPECT_THROW(toolkit.openRecording("/nowhere/a.mov"), std::system_error);
 }
 
 TEST_F(LoadedToolkitTest, isLoadedOnceBySeveralThreads) {
     LoadedToolkit toolkit(files, {}, MODULE);
-    const auto use = [&toolkit] { EXPECT_NE(toolkit.makeComposition(), nullptr); };
+    const auto use = [&toolkit] {
+        EXPECT_THROW(toolkit.openRecording("/nowhere/a.mov"), std::system_error);
+    };
     std::thread first(use);
     std::thread second(use);
     first.join();
@@ -71,8 +74,8 @@ TEST_F(LoadedToolkitTest, moduleOfAnotherVersionIsNotUsed) {
 
 TEST_F(LoadedToolkitTest, useAfterAFailureTriesAgain) {
     LoadedToolkit toolkit(files, {}, "/nowhere/module.so");
-    EXPECT_THROW(toolkit.makeComposition(), std::runtime_error);
-    EXPECT_THROW(toolkit.makeComposition(), std::runtime_error);
+    EXPECT_THROW(toolkit.openRecording("/nowhere/a.mov"), std::runtime_error);
+    EXPECT_THROW(toolkit.openRecording("/nowhere/a.mov"), std::runtime_error);
 }
 
 } // namespace

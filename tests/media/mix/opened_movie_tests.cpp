@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+#include "media/movie/movie.h"
+#include "platform/ffmpeg/toolkit.h"
 #include "tests/media/support/external_programs.h"
 #include "tests/media/support/memory_file_system.h"
 #include "tests/media/support/movie_recording.h"
@@ -12,34 +14,32 @@ namespace vantoro {
 
 namespace {
 
-std::unique_ptr<Asset> open(const std::vector<std::byte>& movie) {
-    MemoryFileSystem files; // the asset keeps the file, not the system
+std::unique_ptr<Recording> open(const std::vector<std::byte>& movie) {
+    MemoryFileSystem files; // what is opened keeps the file, not the system
     files.put("movie.mov", movie);
-    return ffmpeg::FfmpegToolkit(files).openAsset("movie.mov");
+    return ffmpeg::FfmpegToolkit(files).openRecording("movie.mov");
 }
 
 std::int64_t framesIn(MediaTime time) {
     return time.inUnitsOf(48000);
 }
 
-TEST(MovieAsset, knowsTheTracksOfAFinishedMovieInFileOrder) {
+TEST(OpenedMovie, knowsTheTracksOfAFinishedMovieInFileOrder) {
     MemoryFileSystem files;
     MovieRecording recording(files, "movie.mov");
     ASSERT_TRUE(recording.append(0, 0, 2 * second + 17, tone(440, 0.5F)));
     ASSERT_TRUE(recording.append(1, 0, 3 * second + 5, tone(440, 0.5F)));
     recording.finish();
-    const auto asset = open(files.contentOf("movie.mov"));
-    const auto tracks = asset->audioTracks();
-    ASSERT_EQ(tracks.size(), 2U);
-    for (const auto& track : tracks) {
-        EXPECT_EQ(track->timeRange().start, zeroTime);
-    }
-    EXPECT_EQ(framesIn(tracks[0]->timeRange().duration), 2 * second + 17);
-    EXPECT_EQ(framesIn(tracks[1]->timeRange().duration), 3 * second + 5);
-    EXPECT_EQ(framesIn(asset->duration()), 3 * second + 5);
+    const auto movie = media::openMovie(files, "movie.mov");
+    EXPECT_EQ(media::audioTracks(*movie), (std::vector<std::size_t>{0, 1}));
+    EXPECT_EQ(media::framesIn(*movie, 0), 2 * second + 17);
+    EXPECT_EQ(media::framesIn(*movie, 1), 3 * second + 5);
+    const auto opened = open(files.contentOf("movie.mov"));
+    EXPECT_EQ(opened->trackCount(), 2U);
+    EXPECT_EQ(framesIn(opened->duration()), 3 * second + 5);
 }
 
-TEST(MovieAsset, aMovieCutAnywhereHoldsItsWholeFragments) {
+TEST(OpenedMovie, aMovieCutAnywhereHoldsItsWholeFragments) {
     const auto movie = recordMovie(22 * second, tone(440, 0.5F));
     std::vector<std::size_t> ends; // of the fragments
     std::size_t headerEnd = 0;
@@ -60,19 +60,19 @@ TEST(MovieAsset, aMovieCutAnywhereHoldsItsWholeFragments) {
             EXPECT_THROW(open(cut), std::runtime_error) << size;
             continue;
         }
-        const auto asset = open(cut);
+        const auto opened = open(cut);
         const auto whole = std::ranges::upper_bound(ends, size) - ends.begin();
         if (whole == 0) {
-            EXPECT_FALSE(asset->duration().isValid()) << size;
-            EXPECT_TRUE(asset->audioTracks().empty()) << size;
+            EXPECT_FALSE(opened->duration().isValid()) << size;
+            EXPECT_EQ(opened->trackCount(), 0U) << size;
         } else {
-            EXPECT_EQ(framesIn(asset->duration()), durations[static_cast<std::size_t>(whole) - 1])
+            EXPECT_EQ(framesIn(opened->duration()), durations[static_cast<std::size_t>(whole) - 1])
                 << size;
         }
     }
 }
 
-TEST(MovieAsset, whatIsNoMovieIsDamaged) {
+TEST(OpenedMovie, whatIsNoMovieIsDamaged) {
     EXPECT_THROW(open({}), std::runtime_error);
     EXPECT_THROW(open(std::vector<std::byte>(100'000)), std::runtime_error);
     EXPECT_THROW(open(std::vector<std::byte>(100'000, std::byte{0xff})), std::runtime_error);
@@ -84,12 +84,12 @@ TEST(MovieAsset, whatIsNoMovieIsDamaged) {
     }
 }
 
-TEST(MovieAsset, aFileThatIsNotThereIsTheSystemsError) {
+TEST(OpenedMovie, aFileThatIsNotThereIsTheSystemsError) {
     MemoryFileSystem files;
-    EXPECT_THROW(ffmpeg::FfmpegToolkit(files).openAsset("movie.mov"), std::system_error);
+    EXPECT_THROW(ffmpeg::FfmpegToolkit(files).openRecording("movie.mov"), std::system_error);
 }
 
-TEST(MovieAsset, aMovieWithoutSoundHasNoTracks) {
+TEST(OpenedMovie, aMovieWithoutSoundHasNoTracks) {
     const TemporaryFolder folder;
     const auto video = folder.path() / "video.mov";
     run("ffmpeg -nostdin -v error -f lavfi -i color=size=16x16:duration=1 -c:v mpeg4 " +
@@ -97,20 +97,20 @@ TEST(MovieAsset, aMovieWithoutSoundHasNoTracks) {
     MemoryFileSystem files;
     const std::string bytes = run("cat " + video.string());
     const auto content = std::as_bytes(std::span(bytes));
-    const auto asset = open({content.begin(), content.end()});
-    EXPECT_TRUE(asset->audioTracks().empty());
-    EXPECT_FALSE(asset->duration().isValid());
+    const auto opened = open({content.begin(), content.end()});
+    EXPECT_EQ(opened->trackCount(), 0U);
+    EXPECT_FALSE(opened->duration().isValid());
 }
 
-TEST(MovieAsset, aMovieOfAnotherKindHoldsNothingForUs) {
+TEST(OpenedMovie, aMovieOfAnotherKindHoldsNothingForUs) {
     const TemporaryFolder folder;
     const auto other = folder.path() / "other.mov";
     run("ffmpeg -nostdin -v error -f lavfi -i sine=sample_rate=48000:duration=1 -c:a aac " +
         other.string());
     const std::string bytes = run("cat " + other.string());
     const auto content = std::as_bytes(std::span(bytes));
-    const auto asset = open({content.begin(), content.end()});
-    EXPECT_FALSE(asset->duration().isValid());
+    const auto opened = open({content.begin(), content.end()});
+    EXPECT_FALSE(opened->duration().isValid());
 }
 
 } // namespace

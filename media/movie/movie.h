@@ -8,11 +8,9 @@
 #include <memory>
 #include <optional>
 #include <stop_token>
-#include <utility>
 #include <vector>
 
 #include "engine/ports/file_system.h"
-#include "engine/ports/media_toolkit.h"
 #include "media/coding/aac_track.h"
 #include "media/movie/movie_scan.h"
 
@@ -41,44 +39,19 @@ std::shared_ptr<Movie> openGrowingMovie(FileSystem& fileSystem,
 /// file cannot be read, and when a stop is requested std::errc::operation_canceled.
 bool isIntact(const Movie& movie, const std::stop_token& stop);
 
-/// One audio track of a movie, whose time begins behind the coder's priming. Where damage has taken
-/// packets from it, it is silent for as long as they were.
-class MovieTrack final : public AssetTrack {
-public:
-    MovieTrack(std::shared_ptr<const Movie> movie, std::size_t index)
-        : movie_(std::move(movie)), index_(index) {}
+/// Whether nothing that may be sound is missing between the whole fragments or behind them. Never
+/// throws: what cannot be read is missing.
+bool isUnbroken(const Movie& movie) noexcept;
 
-    TimeRange timeRange() const override;
+/// Whether all of it is as it was written: unbroken and intact. Never throws.
+bool isWhole(const Movie& movie) noexcept;
 
-    const std::shared_ptr<const Movie>& movie() const noexcept { return movie_; }
+/// The tracks of sound, by their places in the scan, in file order; none in a movie without whole
+/// fragments. A track's time begins behind the coder's priming. Where damage has taken packets from
+/// it, it is silent for as long as they were.
+std::vector<std::size_t> audioTracks(const Movie& movie);
 
-    std::size_t index() const noexcept { return index_; }
-
-private:
-    std::shared_ptr<const Movie> movie_;
-    std::size_t index_; // in the scan
-};
-
-/// What is whole in a movie of fragments, be it finished or not.
-class MovieAsset final : public Asset {
-public:
-    /// Who has put a movie's bytes where they are read from.
-    enum class Origin : std::uint8_t {
-        unknown,
-        written, ///< we have, just now, and have looked at each fragment since
-    };
-
-    explicit MovieAsset(std::shared_ptr<const Movie> movie, Origin origin = Origin::unknown)
-        : movie_(std::move(movie)), origin_(origin) {}
-
-    std::vector<std::shared_ptr<const AssetTrack>> audioTracks() override;
-    MediaTime duration() override;
-    /// Reads all of the movie, but where it was just written.
-    bool isWhole() noexcept override;
-
-private:
-    std::shared_ptr<const Movie> movie_;
-    Origin origin_;
-};
+/// How long a track is, in frames.
+std::int64_t framesIn(const Movie& movie, std::size_t track);
 
 } // namespace vantoro::media

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "media/movie/movie_asset.h"
+#include "media/movie/movie.h"
 
 #include <algorithm>
 #include <exception>
@@ -44,39 +44,34 @@ bool isIntact(const Movie& movie, const std::stop_token& stop) {
            });
 }
 
-TimeRange MovieTrack::timeRange() const {
-    const std::int64_t frames =
-        std::max<std::int64_t>(movie_->scan.ends[index_] - primingFrames, 0);
-    return {.start = {.value = 0, .timescale = framesPerSecond},
-            .duration = {.value = frames, .timescale = framesPerSecond}};
+bool isUnbroken(const Movie& movie) noexcept {
+    try {
+        return movie.scan.skipped == 0 && endsWithItsFragments(*movie.file, movie.scan);
+    } catch (const std::exception&) {
+        return false;
+    }
 }
 
-std::vector<std::shared_ptr<const AssetTrack>> MovieAsset::audioTracks() {
-    std::vector<std::shared_ptr<const AssetTrack>> tracks;
-    for (std::size_t index = 0; index < movie_->scan.tracks.size(); ++index) {
-        if (movie_->scan.tracks[index].isAudio && !movie_->scan.fragments.empty()) {
-            tracks.push_back(std::make_shared<MovieTrack>(movie_, index));
+bool isWhole(const Movie& movie) noexcept {
+    try {
+        return isUnbroken(movie) && isIntact(movie, {});
+    } catch (const std::exception&) {
+        return false;
+    }
+}
+
+std::vector<std::size_t> audioTracks(const Movie& movie) {
+    std::vector<std::size_t> tracks;
+    for (std::size_t index = 0; index < movie.scan.tracks.size(); ++index) {
+        if (movie.scan.tracks[index].isAudio && !movie.scan.fragments.empty()) {
+            tracks.push_back(index);
         }
     }
     return tracks;
 }
 
-MediaTime MovieAsset::duration() {
-    MediaTime longest;
-    for (const auto& track : audioTracks()) {
-        const MediaTime duration = track->timeRange().duration;
-        longest = longest.isValid() ? std::max(longest, duration, std::less<>()) : duration;
-    }
-    return longest;
-}
-
-bool MovieAsset::isWhole() noexcept {
-    try {
-        return movie_->scan.skipped == 0 && endsWithItsFragments(*movie_->file, movie_->scan) &&
-               (origin_ == Origin::written || isIntact(*movie_, {}));
-    } catch (const std::exception&) {
-        return false;
-    }
+std::int64_t framesIn(const Movie& movie, std::size_t track) {
+    return std::max<std::int64_t>(movie.scan.ends[track] - primingFrames, 0);
 }
 
 } // namespace vantoro::media

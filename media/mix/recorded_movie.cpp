@@ -1,0 +1,133 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "media/mix/recorded_movie.h"
+
+#include <algorithm>
+#include <cmath>
+#include <span>
+#include <stdexcept>
+#include <utility>
+
+#include "engine/recording_types.h"
+#include "media/coding/aac.h"
+#include "media/m4a/m4a_file.h"
+#include "media/m4a/packet_copy.h"
+#include "media/mix/coded_chunk.h"
+#include "media/mix/parallel_coding.h"
+
+namespace vantoro::media {
+
+namespace {
+
+/// The only track there is, when coding it again would change nothing but its quality.
+const MixedTrack* unchangedTrack(const Mix& mix, const std::stop_token& stop) {
+    const auto hasSound = [](const MixedTrack& track) { return track.frames > 0; };
+    const auto only = std::ranges::find_if(mix, hasSound);
+    const bool isUnchanged = std::ranges::count_if(mix, hasSound) == 1 && only->volume == 1.0F &&
+                             isIntact(*only->movie, stop);
+    return isUnchanged ? &*only : nullptr;
+}
+
+} // namespace
+
+RecordedMovie::RecordedMovie(const Coding& coding, FileSystem& fileSystem,
+                             const std::filesystem::path& location, unsigned threads)
+    : coding_(coding),
+      movie_(openMovie(fileSystem, location)),
+      tracks_(audioTracks(*movie_)),
+      threads_(threads) {}
+
+RecordedMovie::RecordedMovie(const Coding& coding, FileSystem& fileSystem,
+                             const std::filesystem::path& location,
+                             std::shared_ptr<FollowingMix> following)
+    : coding_(coding),
+      following_(std::move(following)),
+      movie_(following_ ? following_->finishedMovie() : nullptr),
+      isJustWritten_(movie_ != nullptr),
+      threads_(std::thread::hardware_concurrency()) {
+    if (!movie_) {
+        movie_ = openMovie(fileSystem, location);
+    }
+    tracks_ = audioTracks(*movie_);
+}
+
+MediaTime RecordedMovie::duration() const {
+    if (tracks_.empty()) {
+        return {};
+    }
+    std::int64_t longest = 0;
+    for (const std::size_t track : tracks_) {
+        longest = std::max(longest, framesIn(*movie_, track));
+    }
+    return {.value = longest, .timescale = framesPerSecond};
+}
+
+bool RecordedMovie::isWhole() const noexcept {
+    return isJustWritten_ ? isUnbroken(*movie_) : media::isWhole(*movie_);
+}
+
+std::unique_ptr<OutputFile> RecordedMovie::mix(const std::vector<float>& volumes,
+                                               OutputFile& staging, const ExportProgress& progress,
+                                               const std::stop_token& stop) {
+    if (!coding_.hasCoder()) {
+        throw RecordingError(RecordingError::Case::exportFailed);
+    }
+    const Mix mix = mixAt(volumes);
+    std::unique_ptr<OutputFile> madeAhead;
+    if (const MixedTrack* const track = unchangedTrack(mix, stop)) {
+        M4aFile file(staging, *movie_->codecs[track->track], track->frames);
+        copyPackets(movie_, track->track, track->frames, file, progress, stop);
+        file.finish(track->frames);
+    } else {
+        madeAhead = mixInto(staging, mix, progress, stop);
+    }
+    if (progress) {
+        progress(1.0);
+    }
+    return madeAhead;
+}
+
+Mix RecordedMovie::mixAt(const std::vector<float>& volumes) const {
+    const auto isFinite = [](float volume) { return std::isfinite(volume); };
+    if (volumes.size() != tracks_.size() || !std::ranges::all_of(volumes, isFinite)) {
+        throw std::invalid_argument("A track cannot have this volume.");
+    }
+    Mix mix;
+    for (std::size_t index = 0; index < tracks_.size(); ++index) {
+        mix.push_back({.movie = movie_,
+                       .track = tracks_[index],
+                       .frames = framesIn(*movie_, tracks_[index]),
+                       .volume = volumes[index]});
+    }
+    return mix;
+}
+
+/// Null where the mix is in `staging`.
+std::unique_ptr<OutputFile> RecordedMovie::mixInto(OutputFile& staging, const Mix& mix,
+                                                   const ExportProgress& progress,
+                                                   const std::stop_token& stop) {
+    const std::int64_t frames = framesOf(mix);
+    if (frames == 0) {
+        throw std::runtime_error("There is no sound to export.");
+    }
+    // It may begin twice, where what was made ahead is of no use.
+    double reported = -1;
+    const ExportProgress rising = [&](double done) {
+        if (progress && done > reported) {
+            progress(done);
+            reported = done;
+        }
+    };
+    if (following_) {
+        if (auto complete = following_->complete(mix, threads_, rising, stop)) {
+            return complete;
+        }
+    }
+    M4aFile file(staging, makeMixCoder(coding_).track(), frames);
+    ChunkSplicer splicer([&file](std::span<const std::byte> packet) { file.add(packet); });
+    codeInParallel(coding_, mix, 0, threads_, splicer, rising, stop);
+    file.finish(frames);
+    return nullptr;
+}
+
+} // namespace vantoro::media
