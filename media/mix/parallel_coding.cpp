@@ -34,7 +34,7 @@ public:
           taken_(firstChunk) {
         for (unsigned thread = 0; thread < threads && thread < chunks_ - firstChunk; ++thread) {
             try {
-                workers_.emplace_back([this](const std::stop_token& stop) { work(stop); });
+                workers_.emplace_back([this](const std::stop_token& ended) { work(ended); });
             } catch (const std::system_error&) {
                 break; // there are no more threads to be had
             }
