@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "l10n/doctor_texts.h"
+#include "l10n/system_words.h"
 
 namespace vantoro {
 
@@ -37,6 +38,10 @@ public:
 
     std::string text(DoctorText text, const Arguments& arguments = {}) const {
         return doctorText(text, language_, arguments);
+    }
+
+    std::string words(const std::error_code& reason) const {
+        return systemWords(reason, language_);
     }
 
     void fine(DoctorText finding, const Arguments& arguments = {}) {
@@ -207,7 +212,7 @@ void addFolder(Writer& writer, const DoctorFindings& findings) {
     const auto& [exists, refusal, available] = *findings.folder;
     const auto shown = exists ? path : writer.text(Text::folderToBeMade, {path});
     if (refusal) {
-        writer.problem(writer.text(Text::folderRefused, {path, *refusal}),
+        writer.problem(writer.text(Text::folderRefused, {path, writer.words(refusal)}),
                        writer.text(Text::folderRefusedAdvice, {path}));
     }
     if (available && *available < enoughSpace) {

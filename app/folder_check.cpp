@@ -4,7 +4,6 @@
 
 #include <array>
 #include <cstddef>
-#include <exception>
 #include <memory>
 #include <system_error>
 
@@ -49,7 +48,7 @@ std::optional<std::uint64_t> availableSpace(const FileSystem& fileSystem,
                                             const std::filesystem::path& folder) {
     try {
         return fileSystem.availableSpace(folder);
-    } catch (const std::exception&) {
+    } catch (const std::system_error&) {
         return std::nullopt;
     }
 }
@@ -64,9 +63,7 @@ FolderCheck checkFolder(FileSystem& fileSystem, const std::filesystem::path& fol
         check.availableBytes = availableSpace(fileSystem, existing);
         tryToWrite(fileSystem, existing);
     } catch (const std::system_error& error) {
-        check.refusal = error.code().message();
-    } catch (const std::exception& error) {
-        check.refusal = error.what();
+        check.refusal = error.code();
     }
     return check;
 }

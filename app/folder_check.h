@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <optional>
-#include <string>
+#include <system_error>
 
 #include "engine/ports/file_system.h"
 
@@ -14,7 +14,7 @@ namespace vantoro {
 /// What can be done in a folder that recordings go to.
 struct FolderCheck {
     bool exists = false;                         ///< otherwise it is made when it is needed
-    std::optional<std::string> refusal;          ///< why no file can be made, in the system's words
+    std::error_code refusal;                     ///< why no file can be made
     std::optional<std::uint64_t> availableBytes; ///< nothing where that cannot be told
 
     friend bool operator==(const FolderCheck&, const FolderCheck&) = default;

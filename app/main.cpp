@@ -20,6 +20,9 @@
 #include "app/window_command.h"
 #include "control/recording_folder.h"
 #include "engine/audio_recorder.h"
+#include "engine/failure.h"
+#include "l10n/command_texts.h"
+#include "l10n/error_description.h"
 #include "l10n/settings_file.h"
 #include "platform/desktop/bus/silent_buses.h"
 #include "platform/desktop/opening/default_recording_folder.h"
@@ -39,7 +42,7 @@ namespace {
 bool print(const std::string& text) {
     std::cout << text << std::flush;
     if (!std::cout) {
-        std::cerr << "The result could not be printed.\n";
+        std::cerr << commandText(CommandText::resultNotPrinted, usersLanguage()) << "\n";
     }
     return std::cout.good();
 }
@@ -62,9 +65,11 @@ public:
         if (!found.microphones.empty()) {
             return print(devicesText(found.microphones, found.defaultMicrophone)) ? 0 : 1;
         }
-        std::cerr << (found.mayCapture ? "There is no microphone.\n"
-                                       : "The sound server cannot be reached.\n");
-        return found.mayCapture ? 0 : 1;
+        if (!found.mayCapture) {
+            throw Failure(FailureCode::serverUnreachable);
+        }
+        std::cerr << commandText(CommandText::noMicrophone, usersLanguage()) << "\n";
+        return 0;
     }
 
     int operator()(const RecoverCommand& command) const {
@@ -88,9 +93,10 @@ public:
     }
 
     int operator()(const RecordCommand& command) const {
-        std::cerr << silentBusMessages(leaveOutSilentBuses());
-        Ending ending(signals_);
+        const auto silent = leaveOutSilentBuses();
         const SettingsFile users;
+        std::cerr << silentBusMessages(silent, command.language.value_or(L10n(users).language()));
+        Ending ending(signals_);
         PreferencesForOneRun preferences(users);
         if (command.language) {
             preferences.set(Preference::appLanguage, std::string(rawValue(*command.language)));
@@ -134,12 +140,12 @@ int main(int argc, char** argv) {
             return vantoro::runWindowCommand(argc, argv, signals);
         }
         const QCoreApplication application(argc, argv);
-        const auto language = vantoro::L10n(vantoro::SettingsFile()).language();
-        return std::visit(
-            vantoro::Program(signals),
-            vantoro::parseCommandLine(QCoreApplication::arguments().mid(1), language));
-    } catch (const std::exception& error) {
-        std::cerr << error.what() << "\n";
+        return std::visit(vantoro::Program(signals),
+                          vantoro::parseCommandLine(QCoreApplication::arguments().mid(1),
+                                                    vantoro::usersLanguage()));
+    } catch (const std::exception&) {
+        std::cerr << vantoro::errorDescription(std::current_exception(), vantoro::usersLanguage())
+                  << "\n";
         return 1;
     }
 }

@@ -10,6 +10,7 @@
 
 #include "app/progress_line.h"
 #include "control/transitions.h"
+#include "l10n/command_texts.h"
 #include "l10n/error_description.h"
 
 namespace vantoro {
@@ -180,7 +181,8 @@ int RecordRun::printResult() {
     const auto place = values.lastRecordingURL.value_or(std::filesystem::path()).string();
     std::cout << place << std::endl; // NOLINT(performance-avoid-endl): checked below
     if (!std::cout) {
-        terminal_.message("The recording was saved as " + place + ", which could not be printed.");
+        terminal_.message(
+            commandText(CommandText::recordingNotPrinted, texts_.language(), {place}));
         return 1;
     }
     return model_->hasLostSound() ? 1 : 0;

@@ -8,7 +8,7 @@
 
 #include "app/progress_line.h"
 #include "app/terminal.h"
-#include "l10n/error_description.h"
+#include "l10n/command_texts.h"
 
 namespace vantoro {
 
@@ -35,15 +35,14 @@ bool print(const std::vector<std::filesystem::path>& files) {
 int report(const SalvageResult& result, const std::filesystem::path& folder, Terminal& terminal,
            const L10n& texts) {
     for (const auto& failure : result.failures) {
-        terminal.message(texts.notRecovered(failure.location,
-                                            errorDescription(failure.error, texts.language())));
+        terminal.message(texts.notRecovered(failure.location, failure.error));
     }
     for (const auto& original : result.keptOriginals) {
         terminal.message(texts.originalKept(original));
     }
     if (!print(result.recordings)) {
-        terminal.message("The recovered recordings are in " + folder.string() +
-                         "; their names could not be printed.");
+        terminal.message(
+            commandText(CommandText::recordingsNotPrinted, texts.language(), {folder.string()}));
         return 1;
     }
     if (!result.failures.empty()) {
@@ -75,7 +74,8 @@ int runRecoverCommand(const RecoverCommand& command, const std::filesystem::path
     Terminal terminal;
     // The default one need not have been made yet.
     if (command.folder && !isFolder(*command.folder)) {
-        terminal.message("There is no folder " + command.folder->string() + ".");
+        terminal.message(
+            commandText(CommandText::folderMissing, texts.language(), {command.folder->string()}));
         return 1;
     }
     const auto folder = std::filesystem::absolute(command.folder.value_or(defaultFolder));

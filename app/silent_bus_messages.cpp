@@ -2,21 +2,18 @@
 
 #include "app/silent_bus_messages.h"
 
+#include "l10n/command_texts.h"
+
 namespace vantoro {
 
-std::string silentBusMessages(const desktop::SilentBuses& silent) {
+std::string silentBusMessages(const desktop::SilentBuses& silent, AppLanguage language) {
     std::string text;
-    if (silent.session) {
-        text +=
-            "The session bus does not answer. Vantoro goes on without the desktop's services.\n";
-    }
-    if (silent.system) {
-        text += "The system bus does not answer. The machine may go to sleep or shut down without "
-                "waiting for a recording.\n";
-    }
-    if (silent.accessibility) {
-        text += "The accessibility bus does not answer. Screen readers cannot read the window.\n";
-    }
+    const auto add = [&](bool isSilent, CommandText message) {
+        text += isSilent ? commandText(message, language) + "\n" : "";
+    };
+    add(silent.session, CommandText::sessionBusSilent);
+    add(silent.system, CommandText::systemBusSilent);
+    add(silent.accessibility, CommandText::accessibilityBusSilent);
     return text;
 }
 

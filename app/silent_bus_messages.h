@@ -4,11 +4,12 @@
 
 #include <string>
 
+#include "l10n/app_language.h"
 #include "platform/desktop/bus/silent_buses.h"
 
 namespace vantoro {
 
 /// What the user reads of buses that do not answer, in whole lines: what the program does without.
-std::string silentBusMessages(const desktop::SilentBuses& silent);
+std::string silentBusMessages(const desktop::SilentBuses& silent, AppLanguage language);
 
 } // namespace vantoro

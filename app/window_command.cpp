@@ -15,6 +15,7 @@
 #include "app/silent_bus_messages.h"
 #include "app/vantoro_app.h"
 #include "engine/audio_recorder.h"
+#include "l10n/command_texts.h"
 #include "l10n/settings_file.h"
 #include "platform/desktop/bus/silent_buses.h"
 #include "platform/desktop/font_configuration.h"
@@ -102,7 +103,7 @@ private:
 void leaveItToTheFirst(ApplicationInstance& instance, const std::string& token) {
     instance.activateFirst(token, firstOnesPatience, [](bool isShown) {
         if (!isShown) {
-            std::cerr << "Vantoro is running already, and does not answer.\n";
+            std::cerr << commandText(CommandText::firstProgramSilent, usersLanguage()) << "\n";
         }
         QApplication::exit(isShown ? 0 : 1);
     });
@@ -112,14 +113,13 @@ void leaveItToTheFirst(ApplicationInstance& instance, const std::string& token) 
 
 int runWindowCommand(int& argc, char** argv, StopSignals& signals) {
     if (!isThereADesktop()) {
-        std::cerr << "There is no desktop to show a window on. See vantoro --help for what can be "
-                     "done without.\n";
+        std::cerr << commandText(CommandText::desktopMissing, usersLanguage()) << "\n";
         return 2;
     }
     // First: it changes the environment, which threads and the toolkit read.
     const auto silent =
         desktop::leaveOutSilentBuses(desktop::BusUsers::soundAndWindow, signals.descriptor());
-    std::cerr << silentBusMessages(silent);
+    std::cerr << silentBusMessages(silent, usersLanguage());
     QApplication::setAttribute(Qt::AA_DontUseNativeMenuBar, silent.menuRegistrar);
     Ending ending(signals);
     const auto fonts = desktop::readFontConfigurationAhead();

@@ -15,18 +15,16 @@ void LostSound::add(const SoundLoss& loss) {
 }
 
 std::string LostSound::text(const L10n& texts) const {
-    std::string text;
+    std::string notTakenInTime;
     if (!notTakenInTime_.empty()) {
         // Sources lose the same stretch of time, each its sound.
         const auto longest = std::ranges::max_element(notTakenInTime_, {},
                                                       [](const auto& lost) { return lost.second; });
-        text = texts.soundNotTakenInTime(longest->second);
+        notTakenInTime = texts.soundNotTakenInTime(longest->second);
     }
-    if (notWritten_) {
-        const std::string space = text.empty() ? "" : " ";
-        text += space + texts.soundNotWritten(notWritten_->seconds, notWritten_->reason);
-    }
-    return text;
+    return L10n::sentences(
+        {notTakenInTime,
+         notWritten_ ? texts.soundNotWritten(notWritten_->seconds, notWritten_->reason) : ""});
 }
 
 } // namespace vantoro

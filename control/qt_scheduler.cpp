@@ -33,9 +33,7 @@ QtScheduler::QtScheduler(TasksBegin tasksBegin) {
 }
 
 QtScheduler::~QtScheduler() {
-    for (auto& task : tasks_) { // nobody adds any more
-        task.thread.join();
-    }
+    tasks_.clear(); // nobody adds any more
 }
 
 void QtScheduler::runOnMainThread(std::function<void()> work) {
@@ -67,7 +65,7 @@ void QtScheduler::runOnTaskThread(std::function<void()> work) {
     // A thread of its own for each: nothing waits for another's end, and each can be waited for
     // until nothing is left of it.
     try {
-        task.thread = std::thread([&task] {
+        task.thread = std::jthread([&task] {
             task.work();
             task.work = nullptr; // with what it holds
             task.hasEnded = true;
@@ -92,13 +90,7 @@ void QtScheduler::letTasksBegin() {
 }
 
 void QtScheduler::forgetEndedTasks() {
-    std::erase_if(tasks_, [](Task& task) {
-        const bool hasEnded = task.hasEnded;
-        if (hasEnded) {
-            task.thread.join();
-        }
-        return hasEnded;
-    });
+    std::erase_if(tasks_, [](const Task& task) { return task.hasEnded.load(); });
 }
 
 std::unique_ptr<RepeatingTimer> QtScheduler::startTimer(std::chrono::milliseconds interval,

@@ -42,7 +42,7 @@ private:
     struct Task {
         std::function<void()> work;
         std::atomic<bool> hasEnded = false;
-        std::thread thread;
+        std::jthread thread; // last: it uses the above
     };
 
     void runNextOnMainThread();

@@ -63,7 +63,7 @@ void RecordingViewModel::startRecording() {
     setLastRecordingURL(std::nullopt);
     pendingStopReason_.reset();
     lost_ = {};
-    interruption_.clear();
+    interruption_ = nullptr;
     sleepHold_ = platform_.power.holdOffSleep(texts_.text(L10n::Key::recording));
     resetLevels();
     resetConditions();
@@ -140,10 +140,10 @@ void RecordingViewModel::saved(const std::filesystem::path& recording, StopReaso
     setLastRecordingURL(recording);
     setState(RecordingState::Case::completed);
     if (lost_.isAny()) {
-        setErrorMessage(lost_.text(texts_) + texts_.restSaved());
+        setErrorMessage(L10n::sentences({lost_.text(texts_), texts_.restSaved()}));
     } else if (const auto key = savedMessageKey(reason)) {
         const bool isBroken = reason == StopReason::captureInterruption;
-        setErrorMessage(texts_.sentences({texts_.text(*key), isBroken ? interruption_ : ""}));
+        setErrorMessage(L10n::sentences({texts_.text(*key), isBroken ? interruptionText() : ""}));
     }
     salvage_.resume(values().outputDirectory);
 }
@@ -159,9 +159,14 @@ void RecordingViewModel::fail(const std::exception_ptr& error, bool preserveChec
     const auto description = errorDescription(error, texts_.language());
     setState(RecordingState::failed(description));
     setErrorMessage(
-        texts_.sentences({description + (preserveCheckpoint ? texts_.checkpointKept() : ""),
-                          lost_.text(texts_), interruption_}));
+        L10n::sentences({description + (preserveCheckpoint ? texts_.checkpointKept() : ""),
+                         lost_.text(texts_), interruptionText()}));
     refreshDevicesAndPermissions(); // a permission that was refused is shown as such
+}
+
+/// Empty where nothing has broken it.
+std::string RecordingViewModel::interruptionText() const {
+    return interruption_ ? errorDescription(interruption_, texts_.language()) : std::string();
 }
 
 void RecordingViewModel::startTimer() {
@@ -194,7 +199,7 @@ void RecordingViewModel::handleStop(StopReason reason) {
 }
 
 void RecordingViewModel::handleInterruption(const std::exception_ptr& cause) {
-    interruption_ = errorDescription(cause, texts_.language());
+    interruption_ = cause;
     handleStop(StopReason::captureInterruption);
 }
 
@@ -227,9 +232,9 @@ void RecordingViewModel::recovered(const SalvageResult& result) {
         const bool isOfTheFailed = values().state.which() == RecordingState::Case::failed;
         setLastRecordingURL(result.recordings.back());
         setState(RecordingState::Case::completed);
-        setErrorMessage(texts_.sentences({texts_.recovered(result.recordings.size()) +
-                                              texts_.originalsKept(result.keptOriginals),
-                                          isOfTheFailed ? lost_.text(texts_) : ""}));
+        setErrorMessage(L10n::sentences({texts_.recovered(result.recordings.size()),
+                                         texts_.originalsKept(result.keptOriginals),
+                                         isOfTheFailed ? lost_.text(texts_) : ""}));
     }
     Q_EMIT salvageEnded();
 }

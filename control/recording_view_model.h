@@ -103,6 +103,7 @@ private:
     void handleDidWake();
     void handleStop(StopReason reason);
     void handleInterruption(const std::exception_ptr& cause);
+    std::string interruptionText() const;
     void handleDiskRoom(DiskRoom room);
     void handleSoundLoss(const SoundLoss& loss);
     void surveyed(const Survey& survey);
@@ -121,7 +122,7 @@ private:
     std::unique_ptr<RepeatingTimer> timer_;       // while recording
     std::optional<StopReason> pendingStopReason_; // arrived while preparing
     LostSound lost_;                              // of the recording that is made, or was last
-    std::string interruption_;                    // what broke it, a sentence; or empty
+    std::exception_ptr interruption_;             // what broke the recording; or null
     std::unique_ptr<SleepHold> sleepHold_;        // until what was recorded is on the disk
     std::unique_ptr<PowerObservation> powerObservation_;
 };

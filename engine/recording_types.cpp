@@ -5,6 +5,8 @@
 #include <array>
 #include <utility>
 
+#include "engine/failure.h"
+
 namespace vantoro {
 
 namespace {
@@ -36,6 +38,12 @@ RecordingError::RecordingError(Case which, std::string message)
 
 RecordingError RecordingError::writerFailed(std::string message) {
     return {Case::writerFailed, std::move(message)};
+}
+
+RecordingError RecordingError::writerFailed(std::exception_ptr cause) {
+    auto error = writerFailed(whatOf(cause));
+    error.cause_ = std::move(cause);
+    return error;
 }
 
 const char* RecordingError::what() const noexcept {

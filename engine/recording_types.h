@@ -39,14 +39,19 @@ public:
         diskTooFull,
     };
 
-    /// Any case but `writerFailed`, which has a message: see the factory below.
+    /// Any case but `writerFailed`, which has a message: see the factories below.
     explicit RecordingError(Case which);
     static RecordingError writerFailed(std::string message);
+    /// With the cause's `what()` as its message.
+    static RecordingError writerFailed(std::exception_ptr cause);
 
     Case which() const noexcept { return which_; }
 
     /// The detail of `writerFailed`; empty for every other case.
     const std::string& message() const noexcept { return message_; }
+
+    /// Of a `writerFailed` that was made of it; otherwise null.
+    const std::exception_ptr& cause() const noexcept { return cause_; }
 
     /// For developers, not for the user: the case's name, and the detail where there is one.
     const char* what() const noexcept override;
@@ -60,6 +65,7 @@ private:
 
     Case which_;
     std::string message_;
+    std::exception_ptr cause_;
     std::string what_;
 };
 
@@ -85,7 +91,7 @@ struct SoundLoss {
     double seconds;
     /// Whose it was; of two that are lost at a time, each is told. Nothing: of all.
     std::optional<AudioLevelSource> source;
-    std::string reason; ///< the system's words, for `notWritten`
+    std::exception_ptr reason; ///< for `notWritten`; null where the disk was too slow
 
     friend bool operator==(const SoundLoss&, const SoundLoss&) = default;
 };

@@ -10,6 +10,15 @@
 
 namespace vantoro {
 
+namespace {
+
+std::exception_ptr causeOf(const FileWriter* writer, FailureCode unknown) {
+    const auto known = writer != nullptr ? writer->error() : nullptr;
+    return known ? known : std::make_exception_ptr(Failure(unknown));
+}
+
+} // namespace
+
 SamplePath::SamplePath(const Clock& clock, const AudioLevelCallback& onAudioLevel,
                        const SourceConditionCallback& onSourceCondition,
                        const CaptureInterruptedCallback& onCaptureInterrupted)
@@ -33,7 +42,7 @@ std::unique_ptr<RecordingWriter> SamplePath::disarm() {
     sessionStartTime_ = {};
     captureError_ = nullptr;
     secondsDropped_.clear();
-    writerFailure_.clear();
+    writerFailure_ = nullptr;
     levelMeter_.reset();
     sourceWatch_.reset();
     return std::move(writer_);
@@ -66,7 +75,7 @@ void SamplePath::append(const SampleBuffer& buffer, AudioLevelSource source) {
         drop(buffer, source);
     } else if (!input->append(buffer)) {
         drop(buffer, source);
-        reportWriterFailure("Unable to write an audio sample.");
+        reportWriterFailure(FailureCode::sampleNotWritten);
     }
 }
 
@@ -87,15 +96,16 @@ std::optional<SoundLoss> SamplePath::loss() const {
     if (seconds <= 0) {
         return std::nullopt;
     }
+    const auto reason = writer_->error();
     return SoundLoss{.cause = SoundLoss::Cause::notWritten,
                      .seconds = seconds,
                      .source = std::nullopt,
-                     .reason = writer_->errorDescription().value_or(writerFailure_)};
+                     .reason = reason ? reason : writerFailure_};
 }
 
 bool SamplePath::startWriting(MediaTime sourceTime) {
     if (!writer_ || !writer_->start(sourceTime)) {
-        reportWriterFailure("Unable to start the file writer.");
+        reportWriterFailure(FailureCode::writerNotStarted);
         return false;
     }
     writerStarted_ = true;
@@ -103,9 +113,9 @@ bool SamplePath::startWriting(MediaTime sourceTime) {
     return true;
 }
 
-void SamplePath::reportWriterFailure(const char* text) {
-    const auto description = writer_ ? writer_->errorDescription() : std::nullopt;
-    writerFailure_ = description.value_or(text);
+/// `unknown`: what is told where the writer does not know why.
+void SamplePath::reportWriterFailure(FailureCode unknown) {
+    writerFailure_ = causeOf(writer_.get(), unknown);
     interrupt(std::make_exception_ptr(RecordingError::writerFailed(writerFailure_)));
 }
 
@@ -141,8 +151,8 @@ void SamplePath::finish(std::function<void(std::exception_ptr)> completion) {
             completion(nullptr);
             return;
         }
-        completion(std::make_exception_ptr(RecordingError::writerFailed(
-            writer.errorDescription().value_or("Unable to finish the recording."))));
+        completion(std::make_exception_ptr(
+            RecordingError::writerFailed(causeOf(&writer, FailureCode::recordingNotFinished))));
     });
 }
 

@@ -7,8 +7,8 @@
 #include <map>
 #include <memory>
 #include <optional>
-#include <string>
 
+#include "engine/failure.h"
 #include "engine/level_meter.h"
 #include "engine/ports/recording_writer.h"
 #include "engine/recording_types.h"
@@ -62,7 +62,7 @@ private:
     RecordingTrack* inputOf(AudioLevelSource source) const noexcept;
     bool startWriting(MediaTime sourceTime);
     void drop(const SampleBuffer& buffer, AudioLevelSource source);
-    void reportWriterFailure(const char* text);
+    void reportWriterFailure(FailureCode unknown);
 
     const AudioLevelCallback& onAudioLevel_;
     const SourceConditionCallback& onSourceCondition_;
@@ -75,7 +75,7 @@ private:
     bool writerStarted_ = false;
     MediaTime sessionStartTime_; // of the first buffer written; invalid until then
     std::exception_ptr captureError_;
-    std::string writerFailure_;
+    std::exception_ptr writerFailure_;
     std::map<AudioLevelSource, double> secondsDropped_; // since the file could not take them
 };
 

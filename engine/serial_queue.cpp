@@ -35,12 +35,11 @@ void SerialQueue::SourceHandle::release() noexcept {
 }
 
 SerialQueue::SerialQueue(std::string label)
-    : label_(std::move(label)), thread_([this] { run(); }) {}
+    : label_(std::move(label)), thread_([this](const std::stop_token& stop) { run(stop); }) {}
 
 SerialQueue::~SerialQueue() {
-    stopping_.store(true, std::memory_order_release);
+    thread_.request_stop();
     wake();
-    thread_.join();
 }
 
 void SerialQueue::async(std::function<void()> work) {
@@ -66,10 +65,10 @@ void SerialQueue::wake() noexcept {
     wakes_.notify_one();
 }
 
-void SerialQueue::run() {
-    while (!stopping_.load(std::memory_order_acquire)) {
+void SerialQueue::run(const std::stop_token& stop) {
+    while (!stop.stop_requested()) {
         const int seen = wakes_.load(std::memory_order_acquire);
-        if (!runPendingWork() && !stopping_.load(std::memory_order_acquire)) {
+        if (!runPendingWork() && !stop.stop_requested()) {
             wakes_.wait(seen, std::memory_order_acquire);
         }
     }

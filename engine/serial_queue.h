@@ -8,6 +8,7 @@
 #include <future>
 #include <memory>
 #include <mutex>
+#include <stop_token>
 #include <string>
 #include <thread>
 #include <type_traits>
@@ -91,7 +92,7 @@ public:
     SourceHandle addSource(std::function<void()> handler);
 
 private:
-    void run();
+    void run(const std::stop_token& stop);
     bool runPendingWork();
     void wake() noexcept;
     void removeSource(const std::shared_ptr<Source>& source);
@@ -100,10 +101,8 @@ private:
     std::mutex mutex_; // guards work_ alone, and is held for a push or a swap only
     std::deque<std::function<void()>> work_;
     std::vector<std::shared_ptr<Source>> sources_; // touched on the queue's thread only
-    std::atomic<bool> stopping_{false};
-    std::atomic<int> wakes_{
-        0}; // counts calls of wake(), so that none can fall between look and wait
-    std::thread thread_;
+    std::atomic<int> wakes_{0}; // calls of wake(): none can fall between look and wait
+    std::jthread thread_;       // last: it uses the above
 };
 
 } // namespace vantoro

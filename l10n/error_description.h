@@ -5,16 +5,21 @@
 #include <exception>
 #include <string>
 
+#include "engine/failure.h"
 #include "engine/recording_types.h"
 #include "l10n/app_language.h"
 
 namespace vantoro {
 
-/// What the user reads of a failure of the recorder; composed anew at each call. Any thread.
+// What the user reads of a failure; composed anew at each call. Any thread.
+
 std::string errorDescription(const RecordingError& error, AppLanguage language);
 
-/// As above for any error: of the platform's own errors their text, which names what went wrong.
-/// The pointer must not be null.
+/// A sentence for any error. The pointer must not be null. In Chinese, an error that has no words
+/// of its own is announced as unexpected before its `what()`.
 std::string errorDescription(const std::exception_ptr& error, AppLanguage language);
+
+/// The same to be put into another sentence: without a full stop at its end.
+std::string errorReason(const std::exception_ptr& error, AppLanguage language);
 
 } // namespace vantoro

@@ -4,6 +4,8 @@
 
 #include <cmath>
 
+#include "l10n/error_description.h"
+
 namespace vantoro {
 
 namespace {
@@ -51,26 +53,28 @@ std::string L10n::soundNotTakenInTime(double seconds) const {
                : "电脑一度没有响应，录音中有约 " + std::to_string(number) + " 秒没有声音。";
 }
 
-std::string L10n::soundNotWritten(double seconds, const std::string& reason) const {
+std::string L10n::soundNotWritten(double seconds, const std::exception_ptr& reason) const {
     const auto number = wholeSeconds(seconds);
     if (language() == AppLanguage::english) {
         return "About " + secondsInEnglish(number) + " of sound could not be written to the disk" +
-               (reason.empty() ? ", which was too slow." : ": " + reason + ".");
+               (reason ? ": " + errorReason(reason, AppLanguage::english) + "."
+                       : ", which was too slow.");
     }
-    return "约 " + std::to_string(number) + " 秒的声音未能写入磁盘" +
-           (reason.empty() ? "：磁盘太慢。" : "：" + reason + "。");
+    return "约 " + std::to_string(number) + " 秒的声音未能写入磁盘：" +
+           (reason ? errorReason(reason, AppLanguage::chinese) : "磁盘太慢") + "。";
 }
 
 std::string L10n::restSaved() const {
-    return language() == AppLanguage::english ? " Everything else was saved." : "其余内容已保存。";
+    return language() == AppLanguage::english ? "Everything else was saved." : "其余内容已保存。";
 }
 
 std::string L10n::notRecovered(const std::filesystem::path& recording,
-                               const std::string& reason) const {
+                               const std::exception_ptr& reason) const {
+    const auto why = errorReason(reason, language());
     return language() == AppLanguage::english
-               ? "An interrupted recording could not be saved: " + reason +
+               ? "An interrupted recording could not be saved: " + why +
                      ". It stays as it is: " + recording.string()
-               : "有一段中断的录音未能保存：" + reason + "。它仍保留在：" + recording.string();
+               : "有一段中断的录音未能保存：" + why + "。它仍保留在：" + recording.string();
 }
 
 std::string L10n::roomLeft(std::int64_t minutes) const {
@@ -93,13 +97,13 @@ std::string L10n::originalsKept(const std::vector<std::filesystem::path>& origin
     if (originals.size() == 1) {
         const auto name = originals.front().filename().string();
         return isEnglish
-                   ? " Part of it could not be read. The damaged original was kept in the "
+                   ? "Part of it could not be read. The damaged original was kept in the "
                      "recording folder as " +
                          name + "."
                    : "其中有一部分内容无法读取，损坏的原始文件已保留在录音文件夹中：" + name + "。";
     }
     const auto number = std::to_string(originals.size());
-    return isEnglish ? " Parts of " + number +
+    return isEnglish ? "Parts of " + number +
                            " of them could not be read. The damaged originals were kept in the "
                            "recording folder. Their names end in “.incomplete.mov”."
                      : "其中 " + number +
@@ -162,10 +166,11 @@ std::string L10n::quit() const {
     return language() == AppLanguage::english ? "Quit" : "退出";
 }
 
-std::string L10n::sentences(std::initializer_list<std::string> texts) const {
+std::string L10n::sentences(std::initializer_list<std::string> texts) {
     std::string joined;
     for (const auto& text : texts) {
-        joined += joined.empty() || text.empty() ? text : ' ' + text;
+        const bool isApart = joined.empty() || joined.ends_with("。") || text.empty();
+        joined += isApart ? text : ' ' + text;
     }
     return joined;
 }

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <exception>
 #include <filesystem>
 #include <initializer_list>
 #include <string>
@@ -103,22 +104,21 @@ public:
     /// That so many seconds are silent, since the program stood still.
     std::string soundNotTakenInTime(double seconds) const;
 
-    /// That so many seconds could not be written, in the system's own words why; empty where the
-    /// disk was only too slow.
-    std::string soundNotWritten(double seconds, const std::string& reason) const;
+    /// That so many seconds could not be written, and why; null where the disk was only too slow.
+    std::string soundNotWritten(double seconds, const std::exception_ptr& reason) const;
 
-    /// That all else is saved: a sentence to append to those two.
+    /// That all else is saved: a sentence to go with those two.
     std::string restSaved() const;
 
     /// That a recording which was interrupted could not be saved, why, and that it stays.
     std::string notRecovered(const std::filesystem::path& recording,
-                             const std::string& reason) const;
+                             const std::exception_ptr& reason) const;
 
     /// That the disk has room for so many minutes of recording, less than one included.
     std::string roomLeft(std::int64_t minutes) const;
 
     /// That parts of so many recordings could not be read, and where they were kept: a sentence to
-    /// append to that of `recovered`. Empty where there are none.
+    /// go with that of `recovered`. Empty where there are none.
     std::string originalsKept(const std::vector<std::filesystem::path>& originals) const;
 
     /// The same of one recording, in a sentence of its own, with the file's whole path.
@@ -135,8 +135,9 @@ public:
     std::string conditionInShort(SourceCondition condition) const;
     std::string condition(SourceCondition condition) const;
 
-    /// One text of several; the empty ones are left out.
-    std::string sentences(std::initializer_list<std::string> texts) const;
+    /// One text of several; the empty ones are left out. Nothing follows a full-width stop but the
+    /// next sentence, and a space any other end.
+    static std::string sentences(std::initializer_list<std::string> texts);
 
     /// The command that ends the program.
     std::string quit() const;

@@ -11,6 +11,8 @@
 #include <QtCore/QString>
 #include <QtCore/QVariant>
 
+#include "l10n/l10n.h"
+
 namespace vantoro {
 
 namespace {
@@ -96,6 +98,11 @@ void SettingsFile::store() {
 
 void SettingsFile::waitUntilStored() {
     writer_.waitForDone();
+}
+
+AppLanguage usersLanguage() {
+    const SettingsFile preferences;
+    return L10n(preferences).language();
 }
 
 } // namespace vantoro

@@ -9,6 +9,7 @@
 #include <QtCore/QString>
 #include <QtCore/QThreadPool>
 
+#include "l10n/app_language.h"
 #include "l10n/preferences.h"
 
 namespace vantoro {
@@ -45,5 +46,8 @@ private:
     Values unstored_; // those of them that are not in the file; guarded by mutex_
     QThreadPool writer_;
 };
+
+/// In the user's own file; for what is said where no preferences are at hand.
+AppLanguage usersLanguage();
 
 } // namespace vantoro

@@ -13,6 +13,7 @@
 #include <stdexcept>
 #include <vector>
 
+#include "engine/failure.h"
 #include "platform/ffmpeg/toolkit.h"
 #include "platform/posix/posix_file_system.h"
 
@@ -121,7 +122,7 @@ void TestMovie::finish() {
     writer_->finish([&finished] { finished.set_value(); });
     finished.get_future().wait();
     if (writer_->status() != WriterStatus::completed) {
-        throw std::runtime_error(writer_->errorDescription().value_or("unknown failure"));
+        throw std::runtime_error(whatOf(writer_->error()));
     }
 }
 

@@ -12,7 +12,7 @@
 
 namespace vantoro {
 
-/// A file being written. Used by one thread at a time. Everything throws std::system_error.
+/// A file being written. Used by one thread at a time. Everything throws `FileFailure`.
 /// Locked until it is destroyed, so that nobody takes it for one that was left behind.
 class OutputFile {
 public:
@@ -64,8 +64,7 @@ enum class FileAudience : std::uint8_t {
     asUserPrefers ///< the user's mask decides
 };
 
-/// The folders and files that recordings live in. Every failure is a std::system_error (the
-/// standard file system's included) whose text names what could not be done. Any thread.
+/// The folders and files that recordings live in. Every failure is a `FileFailure`. Any thread.
 class FileSystem {
 public:
     virtual ~FileSystem() = default;

@@ -3,10 +3,9 @@
 #pragma once
 
 #include <cstdint>
+#include <exception>
 #include <functional>
 #include <memory>
-#include <optional>
-#include <string>
 #include <vector>
 
 #include "engine/media_time.h"
@@ -49,8 +48,8 @@ public:
 /// Writes tracks into a movie file of fragments, each complete on disk (synced) when it closes, so
 /// that a file whose writer died is readable up to its last whole fragment.
 ///
-/// Set up on a task thread, then used on the capture queue alone; `status` and `errorDescription`
-/// on any thread. The file is there from the beginning, empty and locked. Destroyed without a
+/// Set up on a task thread, then used on the capture queue alone; `status` and `error` on any
+/// thread. The file is there from the beginning, empty and locked. Destroyed without a
 /// finish, the writer leaves it as far as it was written.
 class RecordingWriter {
 public:
@@ -61,7 +60,7 @@ public:
     virtual RecordingTrack* addTrack(TrackFormat format) = 0;
 
     /// All tracks begin at this time; a track whose first buffer is later begins with silence.
-    /// False on failure; `errorDescription` then says why, if anything is known.
+    /// False on failure; `error` then says why, if anything is known.
     virtual bool start(MediaTime time) = 0;
     /// Writes and syncs what is left, off the calling thread, then calls `completion` exactly once,
     /// on a thread of the writer's own. `status` has become `completed` or `failed` by then.
@@ -76,9 +75,10 @@ public:
     virtual std::unique_ptr<Recording> openRecording() = 0;
 
     virtual WriterStatus status() const = 0;
-    virtual std::optional<std::string> errorDescription() const = 0;
+    /// Why the writer failed last; null where nothing has.
+    virtual std::exception_ptr error() const = 0;
     /// Once it is finished: how much of what was appended is not in the file, at its end. Any
-    /// thread. A file can be completed all the same; `errorDescription` then says why.
+    /// thread. A file can be completed all the same; `error` then says why.
     virtual double secondsNotWritten() const = 0;
 };
 

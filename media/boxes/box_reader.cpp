@@ -7,8 +7,7 @@
 
 namespace vantoro::media {
 
-DamagedMovie::DamagedMovie(const char* reason)
-    : std::runtime_error(std::string("The recording file is damaged: ") + reason + ".") {}
+DamagedMovie::DamagedMovie(const char* reason) : Failure(FailureCode::recordingDamaged, reason) {}
 
 std::uint8_t ByteReader::u8() {
     return static_cast<std::uint8_t>(number(1));

@@ -6,14 +6,14 @@
 #include <cstdint>
 #include <optional>
 #include <span>
-#include <stdexcept>
 
+#include "engine/failure.h"
 #include "engine/ports/file_system.h"
 
 namespace vantoro::media {
 
 /// The bytes of a movie are not what they have to be. The text is for the user.
-class DamagedMovie : public std::runtime_error {
+class DamagedMovie : public Failure {
 public:
     explicit DamagedMovie(const char* reason);
 };

@@ -2,8 +2,9 @@
 
 #include "media/writing/fragment_file.h"
 
-#include <exception>
 #include <utility>
+
+#include "engine/failure.h"
 
 namespace vantoro::media {
 
@@ -77,8 +78,8 @@ bool FragmentFile::writeNext() {
     try {
         file_->writeAt(end_, fragment.bytes);
         file_->sync();
-    } catch (const std::exception& error) {
-        failure_ = error.what();
+    } catch (const std::exception&) {
+        failure_ = std::current_exception();
         cutBack();
         return false;
     }
@@ -100,23 +101,24 @@ void FragmentFile::cutBack() noexcept {
 }
 
 void FragmentFile::conclude() {
-    std::optional<std::string> failure = writeRest();
+    std::exception_ptr failure = writeRest();
     try {
         file_->ensureReachable();
         file_->close();
-    } catch (const std::exception& error) {
-        failure = failure.value_or(error.what());
+    } catch (const std::exception&) {
+        failure = failure ? failure : std::current_exception();
     }
     completion_(failure);
 }
 
-std::optional<std::string> FragmentFile::writeRest() {
+std::exception_ptr FragmentFile::writeRest() {
     while (!fragments_.empty()) {
         if (!writeNext()) {
-            return end_ > 0 ? std::nullopt : std::optional(failure_);
+            return end_ > 0 ? nullptr : failure_;
         }
     }
-    return end_ > 0 ? std::nullopt : std::optional<std::string>("No sound reached the file.");
+    return end_ > 0 ? nullptr
+                    : std::make_exception_ptr(vantoro::Failure(FailureCode::noSoundWritten));
 }
 
 } // namespace vantoro::media

@@ -6,11 +6,10 @@
 #include <cstddef>
 #include <cstdint>
 #include <deque>
+#include <exception>
 #include <functional>
 #include <memory>
 #include <mutex>
-#include <optional>
-#include <string>
 #include <thread>
 #include <vector>
 
@@ -27,11 +26,11 @@ namespace vantoro::media {
 class FragmentFile {
 public:
     /// Told, on the file thread, why a write failed.
-    using Failure = std::function<void(const std::string& description)>;
+    using Failure = std::function<void(std::exception_ptr error)>;
     /// Told, on the file thread, that another fragment is on the disk, and how many bytes wait.
     using Growth = std::function<void(std::size_t backlog)>;
-    /// Told, on the file thread, that the file is closed: why it holds nothing of use, or nothing.
-    using Completion = std::function<void(const std::optional<std::string>& failure)>;
+    /// Told, on the file thread, that the file is closed: why it holds nothing of use, or null.
+    using Completion = std::function<void(const std::exception_ptr& failure)>;
 
     FragmentFile(std::unique_ptr<OutputFile> file, Failure onFailure, Growth onGrowth);
     FragmentFile(const FragmentFile&) = delete;
@@ -47,7 +46,7 @@ public:
     /// How many frames the movie has on the disk, and why the latest write failed. File thread.
     std::int64_t framesOnDisk() const noexcept { return framesOnDisk_; }
 
-    const std::string& latestFailure() const noexcept { return failure_; }
+    const std::exception_ptr& latestFailure() const noexcept { return failure_; }
 
     /// Writes what is left, syncs, makes the file reachable and closes it. Fragments that cannot be
     /// written are given up when a whole one is on disk. The completion is called once, last of
@@ -63,7 +62,7 @@ private:
     void run();
     bool writeNext();
     void conclude();
-    std::optional<std::string> writeRest();
+    std::exception_ptr writeRest();
     void cutBack() noexcept;
 
     // Touched on the file thread only.
@@ -72,7 +71,7 @@ private:
     Growth onGrowth_;
     std::uint64_t end_ = 0; // of the last whole fragment
     std::int64_t framesOnDisk_ = 0;
-    std::string failure_; // why the latest write failed
+    std::exception_ptr failure_; // why the latest write failed
 
     mutable std::mutex mutex_;
     std::condition_variable changed_;

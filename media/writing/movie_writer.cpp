@@ -76,7 +76,7 @@ bool MovieWriter::start(MediaTime time) {
         mix_ = beginFollowing(coding_, fileSystem_, location_, isPowerSaved_);
         expectMix(std::move(expectedVolumes_));
         file_ = std::make_unique<FragmentFile>(
-            std::move(created_), [this](const std::string& description) { fail(description); },
+            std::move(created_), [this](std::exception_ptr error) { fail(std::move(error)); },
             [this](std::size_t backlog) { fragmentWritten(backlog); });
         sessionStart_ = time.inUnitsOf(framesPerSecond);
         const std::lock_guard lock(mutex_);
@@ -121,7 +121,7 @@ void MovieWriter::end(Track& track) {
 
 void MovieWriter::finish(std::function<void()> completion) {
     if (!file_) {
-        fail("Nothing was written.");
+        fail(std::make_exception_ptr(std::logic_error("Nothing was written.")));
         completion();
         return;
     }
@@ -138,20 +138,20 @@ void MovieWriter::finish(std::function<void()> completion) {
         }
     });
     file_->finish([this, frames = longestTrack(),
-                   completion = std::move(completion)](const std::optional<std::string>& failure) {
+                   completion = std::move(completion)](const std::exception_ptr& failure) {
         conclude(failure, std::max<std::int64_t>(frames - file_->framesOnDisk(), 0));
         completion();
     });
 }
 
 /// On the file thread.
-void MovieWriter::conclude(const std::optional<std::string>& failure, std::int64_t framesMissing) {
+void MovieWriter::conclude(const std::exception_ptr& failure, std::int64_t framesMissing) {
     const std::lock_guard lock(mutex_);
     status_ = failure ? WriterStatus::failed : WriterStatus::completed;
-    errorDescription_ = failure;
+    error_ = failure;
     secondsNotWritten_ = static_cast<double>(framesMissing) / framesPerSecond;
     if (!failure && framesMissing > 0) {
-        errorDescription_ = file_->latestFailure();
+        error_ = file_->latestFailure();
     }
 }
 
@@ -176,25 +176,25 @@ WriterStatus MovieWriter::status() const {
     return status_;
 }
 
-std::optional<std::string> MovieWriter::errorDescription() const {
+std::exception_ptr MovieWriter::error() const {
     const std::lock_guard lock(mutex_);
-    return errorDescription_;
+    return error_;
 }
 
 bool MovieWriter::attempt(const std::function<void()>& work) {
     try {
         work();
         return true;
-    } catch (const std::exception& error) {
-        fail(error.what());
+    } catch (const std::exception&) {
+        fail(std::current_exception());
         return false;
     }
 }
 
-void MovieWriter::fail(const std::string& description) {
+void MovieWriter::fail(std::exception_ptr error) {
     const std::lock_guard lock(mutex_);
     status_ = WriterStatus::failed;
-    errorDescription_ = description;
+    error_ = std::move(error);
 }
 
 /// On the file thread.

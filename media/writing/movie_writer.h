@@ -5,12 +5,11 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <exception>
 #include <filesystem>
 #include <functional>
 #include <memory>
 #include <mutex>
-#include <optional>
-#include <string>
 #include <vector>
 
 #include "engine/ports/file_system.h"
@@ -48,7 +47,7 @@ public:
     void expectMix(std::vector<float> volumes) override;
     std::unique_ptr<Recording> openRecording() override;
     WriterStatus status() const override;
-    std::optional<std::string> errorDescription() const override;
+    std::exception_ptr error() const override;
     double secondsNotWritten() const override;
 
 private:
@@ -58,8 +57,8 @@ private:
     bool append(Track& track, const SampleBuffer& buffer);
     void end(Track& track);
     bool attempt(const std::function<void()>& work);
-    void fail(const std::string& description);
-    void conclude(const std::optional<std::string>& failure, std::int64_t framesMissing);
+    void fail(std::exception_ptr error);
+    void conclude(const std::exception_ptr& failure, std::int64_t framesMissing);
     void fragmentWritten(std::size_t backlog);
     void closeFragments();
     void prepareFragment();
@@ -85,7 +84,7 @@ private:
 
     mutable std::mutex mutex_; // guards the three below, which the file thread sets too
     WriterStatus status_ = WriterStatus::unknown;
-    std::optional<std::string> errorDescription_;
+    std::exception_ptr error_;
     double secondsNotWritten_ = 0;
 
     std::unique_ptr<OutputFile> created_; // until writing starts

@@ -11,8 +11,9 @@ extern "C" {
 #include <cmath>
 #include <cstdint>
 #include <numeric>
-#include <stdexcept>
 #include <vector>
+
+#include "engine/failure.h"
 
 namespace vantoro::ffmpeg {
 
@@ -33,7 +34,7 @@ void setConfiguration(AVCodecContext& decoder, const std::vector<std::byte>& con
 CoderHandle openDecoder(const media::AacTrack& track) {
     const AVCodec* const codec = avcodec_find_decoder(AV_CODEC_ID_AAC);
     if (codec == nullptr) {
-        throw std::runtime_error("There is no AAC decoder on this system.");
+        throw Failure(FailureCode::decoderMissing);
     }
     CoderHandle decoder(checkAllocated(avcodec_alloc_context3(codec)));
     decoder->sample_rate = media::framesPerSecond;

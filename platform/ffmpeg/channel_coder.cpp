@@ -10,6 +10,8 @@ extern "C" {
 #include <algorithm>
 #include <stdexcept>
 
+#include "engine/failure.h"
+
 namespace vantoro::ffmpeg {
 
 namespace {
@@ -34,7 +36,7 @@ const AVCodec* findCoder() noexcept {
 CoderHandle openCoder(int bitRate) {
     const AVCodec* const codec = findCoder();
     if (codec == nullptr) {
-        throw std::runtime_error("There is no AAC coder on this system.");
+        throw Failure(FailureCode::coderMissing);
     }
     CoderHandle coder(checkAllocated(avcodec_alloc_context3(codec)));
     coder->sample_rate = framesPerSecond;

@@ -3,8 +3,9 @@
 #include "platform/ffmpeg/handles.h"
 
 #include <array>
-#include <stdexcept>
 #include <string>
+
+#include "engine/failure.h"
 
 namespace vantoro::ffmpeg {
 
@@ -14,7 +15,7 @@ int check(int result, std::string_view action) {
     }
     std::array<char, AV_ERROR_MAX_STRING_SIZE> text{};
     av_strerror(result, text.data(), text.size());
-    throw std::runtime_error(std::string(action) + ": " + text.data());
+    throw Failure(FailureCode::codingFailed, std::string(action) + ": " + text.data());
 }
 
 } // namespace vantoro::ffmpeg

@@ -2,19 +2,19 @@
 
 #include "platform/module/program_module.h"
 
-#include <stdexcept>
 #include <string_view>
 
 #include <dlfcn.h>
+
+#include "engine/failure.h"
 
 namespace vantoro {
 
 namespace {
 
-std::runtime_error failedToLoad(const std::filesystem::path& file) {
+Failure failedToLoad(const std::filesystem::path& file) {
     const char* const reason = ::dlerror();
-    return std::runtime_error("A part of the program cannot be loaded: " +
-                              std::string(reason != nullptr ? reason : file.c_str()));
+    return Failure(FailureCode::partNotLoaded, reason != nullptr ? reason : file.c_str());
 }
 
 } // namespace
@@ -35,8 +35,7 @@ const ProgramModule& loadModule(const std::filesystem::path& file, const char* n
         throw failedToLoad(file);
     }
     if (module->version != std::string_view(VANTORO_VERSION)) {
-        throw std::runtime_error(
-            "The program was updated while it ran: quit it and start it again.");
+        throw Failure(FailureCode::programUpdated);
     }
     return *module;
 }

@@ -20,8 +20,8 @@ struct ProgramModule {
 std::filesystem::path moduleBesideTheProgram(const std::string& fileName);
 
 /// What the module in the file has under this name. It stays in memory until the process ends: what
-/// it makes may live as long. Throws std::runtime_error, with a text for the user, where it cannot
-/// be loaded, or is not of this program's version.
+/// it makes may live as long. Throws `Failure` where it cannot be loaded, or is not of this
+/// program's version.
 const ProgramModule& loadModule(const std::filesystem::path& file, const char* name);
 
 } // namespace vantoro

@@ -2,9 +2,9 @@
 
 #include "platform/pipewire/capture_service.h"
 
+#include <stdexcept>
 #include <utility>
 
-#include "platform/pipewire/capture_error.h"
 #include "platform/pipewire/capture_session.h"
 
 namespace vantoro::pipewire {
@@ -29,7 +29,7 @@ public:
 
     void startCapture() override {
         if (delivery_) {
-            throw CaptureError("The recording cannot be started.");
+            throw std::logic_error("The recording cannot be started.");
         }
         delivery_ = std::make_shared<capture::CaptureDelivery>(
             queue_, receiver_,

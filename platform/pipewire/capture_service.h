@@ -21,7 +21,7 @@ struct CaptureSettings {
 };
 
 /// Captures sound through PipeWire: what every application plays, whichever output it plays on, and
-/// one microphone. Errors are `CaptureError`s. A microphone's identifier is its node's name.
+/// one microphone. Its failures are `Failure`s. A microphone's identifier is its node's name.
 class CaptureService final : public vantoro::CaptureService {
 public:
     explicit CaptureService(CaptureSettings settings = {}) : settings_(settings) {}

@@ -9,7 +9,6 @@
 #include "capture/graph/channel_fold.h"
 #include "capture/samples/capture_beginning.h"
 #include "capture/samples/frame_clock.h"
-#include "platform/pipewire/capture_error.h"
 
 namespace vantoro::pipewire {
 
@@ -23,11 +22,6 @@ constexpr auto tapLimit = 1s; // an output that is broken must not keep the othe
 constexpr auto startingInterval = 5ms;
 constexpr auto runningInterval = 500ms;
 
-constexpr const char* lostText = "The connection to the sound server was lost.";
-constexpr const char* silentServerText = "The sound server does not respond.";
-constexpr const char* microphoneGoneText = "The microphone was disconnected.";
-constexpr const char* microphoneStalledText = "The microphone no longer delivers sound.";
-
 /// The first cycles after links were made are often cut short or late: it takes some until a stream
 /// is known to run. What it heard meanwhile is kept all the same.
 bool hasSettled(const InputStream& stream) {
@@ -35,9 +29,9 @@ bool hasSettled(const InputStream& stream) {
     return stream.feed()->callbacks.load(std::memory_order_relaxed) >= cycles;
 }
 
-std::string endedText(const InputStream& stream) {
-    const std::string text = "The sound server ended the recording";
-    return stream.reason().empty() ? text + "." : text + ": " + stream.reason() + ".";
+Failure endOf(const InputStream& stream) {
+    return stream.reason().empty() ? Failure(FailureCode::streamEnded)
+                                   : Failure(FailureCode::streamEndedBecause, stream.reason());
 }
 
 } // namespace
@@ -48,8 +42,8 @@ CaptureSession::CaptureSession(CaptureRequest request, CaptureSettings settings,
       settings_(settings),
       delivery_(std::move(delivery)),
       events_(std::move(events)),
-      connection_(
-          {.lost = [this] { fail(lostText); }, .identified = [this] { updateEvent_.request(); }}),
+      connection_({.lost = [this] { fail(Failure(FailureCode::connectionLost)); },
+                   .identified = [this] { updateEvent_.request(); }}),
       updateEvent_(connection_.loop(), [this] { update(); }),
       timer_(connection_.loop(), [this] { tick(); }),
       mirror_(connection_.core(), [this] { updateEvent_.request(); }),
@@ -72,7 +66,7 @@ void CaptureSession::start() {
     connection_.run();
     // The first answer comes behind all objects, the second behind what they tell of themselves.
     if (!connection_.roundTrip(answerBy) || !connection_.roundTrip(answerBy)) {
-        throw CaptureError(silentServerText);
+        throw Failure(FailureCode::serverSilent);
     }
     {
         const LoopLock lock(connection_.threadLoop());
@@ -80,12 +74,12 @@ void CaptureSession::start() {
     }
     const bool settled = settled_.waitUntil(std::chrono::steady_clock::now() + startLimit);
     const LoopLock lock(connection_.threadLoop());
-    if (!failure_.empty()) {
-        throw CaptureError(failure_);
+    if (failure_) {
+        throw Failure(*failure_);
     }
     if (!settled) {
-        throw CaptureError(!microphoneRuns() ? "The microphone does not deliver any sound."
-                                             : "The recording could not be started in time.");
+        throw Failure(microphoneRuns() ? FailureCode::captureNotStarted
+                                       : FailureCode::microphoneSilent);
     }
 }
 
@@ -104,8 +98,8 @@ void CaptureSession::openMicrophone() {
     const std::string& name = request_.microphoneID.value_or(graph.defaultMicrophone);
     const auto source = findMicrophone(graph, name);
     if (!source) {
-        throw CaptureError(request_.microphoneID ? "The microphone \"" + name + "\" was not found."
-                                                 : "There is no default microphone.");
+        throw request_.microphoneID ? Failure(FailureCode::microphoneUnknown, name)
+                                    : Failure(FailureCode::noDefaultMicrophone);
     }
     followed_.emplace(name, *source);
     hearMicrophone(*source);
@@ -128,7 +122,7 @@ std::unique_ptr<InputStream> CaptureSession::makeStream(AudioLevelSource source,
 }
 
 void CaptureSession::update() {
-    if (!failure_.empty()) {
+    if (failure_) {
         endByItself();
     }
     if (phase_ != Phase::starting && phase_ != Phase::running) {
@@ -141,8 +135,8 @@ void CaptureSession::update() {
     try {
         updateTaps();
         updateMicrophone();
-    } catch (const CaptureError& error) {
-        fail(error.what());
+    } catch (const Failure& failure) {
+        fail(failure);
     }
     updateLinks();
 }
@@ -164,7 +158,7 @@ void CaptureSession::updateTaps() {
         auto& [output, tap] = *entry;
         if (present.contains(output)) {
             if (tap->state() == InputStream::State::ended) {
-                fail(endedText(*tap));
+                fail(endOf(*tap));
             }
             ++entry;
             continue;
@@ -192,9 +186,9 @@ void CaptureSession::updateMicrophone() {
     const auto presence =
         followed_->update(mirror_.graph(), capture::nanosecondsOn(CLOCK_MONOTONIC));
     if (microphone_ && microphone_->state() == InputStream::State::ended) {
-        fail(endedText(*microphone_));
+        fail(endOf(*microphone_));
     } else if (presence == Presence::gone) {
-        fail(microphoneGoneText);
+        fail(Failure(FailureCode::microphoneDisconnected));
     } else if (presence == Presence::away) {
         if (orphans_.awaitsManager()) {
             close(microphone_);
@@ -290,8 +284,8 @@ std::int64_t CaptureSession::beginning() const {
 }
 
 void CaptureSession::checkStarted() {
-    if (failure_.empty() &&
-        (taps_.size() == outputs(mirror_.graph()).size() || !request_.systemAudio) && allRun()) {
+    if (!failure_ && (taps_.size() == outputs(mirror_.graph()).size() || !request_.systemAudio) &&
+        allRun()) {
         phase_ = Phase::running;
         timer_.setInterval(runningInterval);
         delivery_->begin(beginning());
@@ -314,20 +308,20 @@ void CaptureSession::checkStalls() {
     case capture::CaptureWatch::Finding::nothing:
         break;
     case capture::CaptureWatch::Finding::silentServer:
-        fail(silentServerText);
+        fail(Failure(FailureCode::serverSilent));
         break;
     case capture::CaptureWatch::Finding::stalledMicrophone:
-        fail(microphoneStalledText);
+        fail(Failure(FailureCode::microphoneStalled));
         break;
     case capture::CaptureWatch::Finding::lostMicrophone:
-        fail(microphoneGoneText);
+        fail(Failure(FailureCode::microphoneDisconnected));
         break;
     }
 }
 
-void CaptureSession::fail(const std::string& sentence) {
-    if (failure_.empty()) {
-        failure_ = sentence;
+void CaptureSession::fail(Failure failure) {
+    if (!failure_) {
+        failure_ = std::move(failure);
     }
     // Streams are not closed within their own callbacks, nor within the connection's.
     updateEvent_.request();
@@ -342,7 +336,7 @@ void CaptureSession::endByItself() {
     closeStreams();
     delivery_->finish();
     if (wasRunning) {
-        events_.stopped(std::make_exception_ptr(CaptureError(failure_)));
+        events_.stopped(std::make_exception_ptr(*failure_));
     } else {
         settled_.set();
     }

@@ -13,6 +13,7 @@
 #include "capture/graph/orphaned_streams.h"
 #include "capture/samples/capture_delivery.h"
 #include "capture/samples/capture_watch.h"
+#include "engine/failure.h"
 #include "platform/pipewire/capture_service.h"
 #include "platform/pipewire/connection.h"
 #include "platform/pipewire/event_flag.h"
@@ -37,7 +38,7 @@ public:
         std::function<void(AudioLevelSource source, SourceCondition obstacle)> obstacleChanged;
     };
 
-    /// Throws `CaptureError` when there is no server. `delivery` is handed the feeds.
+    /// Throws `Failure` when there is no server. `delivery` is handed the feeds.
     CaptureSession(CaptureRequest request, CaptureSettings settings,
                    std::shared_ptr<capture::CaptureDelivery> delivery, Events events);
     CaptureSession(const CaptureSession&) = delete;
@@ -45,7 +46,7 @@ public:
     /// Stops where it has not stopped: `delivery` is told to finish. No event is told any more.
     ~CaptureSession();
 
-    /// Returns when capture runs. Throws `CaptureError` when it does not within 5 seconds or so.
+    /// Returns when capture runs. Throws `Failure` when it does not within 5 seconds or so.
     void start();
 
 private:
@@ -70,7 +71,7 @@ private:
     bool allRun() const;
     std::int64_t beginning() const;
     capture::OwnNodes ownNodes() const;
-    void fail(const std::string& sentence);
+    void fail(Failure failure);
     void endByItself();
     void closeStreams();
 
@@ -79,8 +80,8 @@ private:
     const std::shared_ptr<capture::CaptureDelivery> delivery_;
     const Events events_;
     Phase phase_ = Phase::preparing;
-    std::string failure_; // empty: none
-    EventFlag settled_;   // started, or failed to
+    std::optional<Failure> failure_;
+    EventFlag settled_; // started, or failed to
     Deadline startedAt_;
     std::optional<capture::FollowedMicrophone> followed_; // where a microphone is wanted
     SourceCondition systemObstacle_ = SourceCondition::delivering;

@@ -9,8 +9,8 @@
 
 #include <unistd.h>
 
+#include "engine/failure.h"
 #include "platform/pipewire/bus_use.h"
-#include "platform/pipewire/capture_error.h"
 #include "platform/pipewire/server_calls.h"
 
 namespace vantoro::pipewire {
@@ -35,7 +35,7 @@ ContextPointer makeContext(pw_loop* loop) {
             return context;
         }
     }
-    throw CaptureError("The sound system could not be initialized.");
+    throw Failure(FailureCode::soundSystemNotInitialized);
 }
 
 } // namespace
@@ -60,7 +60,7 @@ Connection::Connection(Callbacks callbacks)
       self_{.client = std::nullopt, .processId = std::to_string(getpid())},
       threadLoop_(pw_thread_loop_new("vantoro-sound", nullptr)) {
     if (!threadLoop_) {
-        throw CaptureError("The sound system could not be initialized.");
+        throw Failure(FailureCode::soundSystemNotInitialized);
     }
     context_ = makeContext(loop());
     connect();
@@ -68,7 +68,7 @@ Connection::Connection(Callbacks callbacks)
 
 void Connection::run() {
     if (pw_thread_loop_start(threadLoop_.get()) < 0) {
-        throw CaptureError("The sound system could not be initialized.");
+        throw Failure(FailureCode::soundSystemNotInitialized);
     }
 }
 
@@ -83,7 +83,7 @@ void Connection::connect() {
         context_.get(),
         pw_properties_new(PW_KEY_APP_NAME, "Vantoro", PW_KEY_APP_ID, "vantoro", nullptr), 0));
     if (!core_) {
-        throw CaptureError("The sound server cannot be reached.");
+        throw Failure(FailureCode::serverUnreachable);
     }
     listen(core_.get(), coreHook_.emplace().get(), coreEvents, this);
     listen(pw_core_get_client(core_.get()), clientHook_.emplace().get(), clientEvents, this);

@@ -25,7 +25,7 @@ public:
         std::function<void()> identified; ///< we have learnt who we are
     };
 
-    /// Throws `CaptureError` when there is no server.
+    /// Throws `Failure` when there is no server.
     explicit Connection(Callbacks callbacks);
     Connection(const Connection&) = delete;
     Connection& operator=(const Connection&) = delete;

@@ -12,7 +12,7 @@
 #include <spa/param/props.h>
 
 #include "capture/graph/channel_fold.h"
-#include "platform/pipewire/capture_error.h"
+#include "engine/failure.h"
 
 namespace vantoro::pipewire {
 
@@ -85,7 +85,7 @@ InputStream::InputStream(pw_core* core, std::shared_ptr<capture::CaptureFeed> fe
       stateChanged_(std::move(stateChanged)),
       stream_(pw_stream_new(core, "Recording", streamProperties(feed_->source).release())) {
     if (!stream_) {
-        throw CaptureError("A recording stream could not be made.");
+        throw Failure(FailureCode::streamNotMade);
     }
     pw_stream_add_listener(stream_.get(), hook_.get(), &events, this);
     connect();
@@ -103,7 +103,7 @@ void InputStream::connect() {
         static_cast<unsigned>(PW_STREAM_FLAG_MAP_BUFFERS) | PW_STREAM_FLAG_RT_PROCESS);
     if (pw_stream_connect(stream_.get(), PW_DIRECTION_INPUT, PW_ID_ANY, flags, parameters.data(),
                           parameters.size()) < 0) {
-        throw CaptureError("A recording stream could not be connected.");
+        throw Failure(FailureCode::streamNotConnected);
     }
 }
 

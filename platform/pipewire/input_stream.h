@@ -36,7 +36,7 @@ public:
     };
 
     /// `channels`: those of a tap, or a microphone's inputs, up to `InputFold::mostInputs`. Throws
-    /// `CaptureError`.
+    /// `Failure`.
     InputStream(pw_core* core, std::shared_ptr<capture::CaptureFeed> feed, std::size_t channels,
                 const Wake& wake, StateChanged stateChanged);
     InputStream(const InputStream&) = delete;

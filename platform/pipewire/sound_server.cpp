@@ -6,7 +6,7 @@
 
 #include "capture/graph/graph_rules.h"
 #include "capture/graph/microphones.h"
-#include "platform/pipewire/capture_error.h"
+#include "engine/failure.h"
 #include "platform/pipewire/connection.h"
 #include "platform/pipewire/graph_mirror.h"
 
@@ -33,7 +33,7 @@ std::optional<capture::Graph> SoundServer::ask() const {
     try {
         Connection connection({.lost = [] {}, .identified = [] {}});
         return query(connection, limit_);
-    } catch (const CaptureError&) {
+    } catch (const Failure&) {
         return std::nullopt;
     }
 }

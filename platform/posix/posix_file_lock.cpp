@@ -13,9 +13,9 @@ std::unique_ptr<PosixFileLock> PosixFileLock::tryTo(const std::filesystem::path&
     FileDescriptor file(uninterrupted([&] { return ::open(path.c_str(), O_RDWR | flags); }));
     if (!file.isOpen() && (errno == EACCES || errno == EROFS)) {
         kind = F_RDLCK;
-        file = openFile(path, O_RDONLY | flags, "open");
+        file = openFile(path, O_RDONLY | flags, FileAction::open);
     } else if (!file.isOpen()) {
-        throwFailure("open", path, errno);
+        throwFailure(FileAction::open, path, errno);
     }
     if (tryLock(file, kind, path) == LockAttempt::heldByOthers) {
         return nullptr;

@@ -17,7 +17,7 @@ void PosixFileSystem::createFolders(const std::filesystem::path& folder) {
     std::error_code error;
     std::filesystem::create_directories(folder, error);
     if (error) {
-        throwFailure("create the folder", folder, error.value());
+        throwFailure(FileAction::createFolder, folder, error.value());
     }
 }
 
@@ -28,14 +28,14 @@ bool PosixFileSystem::exists(const std::filesystem::path& path) const {
         return true;
     }
     if (errno != ENOENT && errno != ENOTDIR) {
-        throwFailure("find", path, errno);
+        throwFailure(FileAction::find, path, errno);
     }
     return false;
 }
 
 void PosixFileSystem::remove(const std::filesystem::path& path) {
     if (std::remove(path.c_str()) != 0) {
-        throwFailure("remove", path, errno);
+        throwFailure(FileAction::remove, path, errno);
     }
 }
 
@@ -46,7 +46,7 @@ void PosixFileSystem::move(const std::filesystem::path& from, const std::filesys
 void PosixFileSystem::syncFolder(const std::filesystem::path& folder) {
     // A path without a folder in it means the program's own.
     const auto& path = folder.empty() ? std::filesystem::path(".") : folder;
-    syncNames(openFile(path, O_RDONLY | O_DIRECTORY, "open"), path);
+    syncNames(openFile(path, O_RDONLY | O_DIRECTORY, FileAction::open), path);
 }
 
 std::unique_ptr<OutputFile> PosixFileSystem::create(const std::filesystem::path& path,
@@ -65,9 +65,10 @@ std::unique_ptr<OutputFile> PosixFileSystem::createUnnamed(const std::filesystem
 }
 
 std::uint64_t PosixFileSystem::availableSpace(const std::filesystem::path& folder) const {
-    const auto space = std::filesystem::space(folder.empty() ? "." : folder);
-    if (space.capacity == 0) {
-        throwFailure("count the free space of", folder, ENOTSUP);
+    std::error_code error;
+    const auto space = std::filesystem::space(folder.empty() ? "." : folder, error);
+    if (error || space.capacity == 0) {
+        throwFailure(FileAction::countFreeSpace, folder, error ? error.value() : ENOTSUP);
     }
     return space.available;
 }
@@ -87,7 +88,7 @@ std::vector<FolderEntry> PosixFileSystem::list(const std::filesystem::path& fold
         next.increment(error);
     }
     if (error) {
-        throwFailure("list", folder, error.value());
+        throwFailure(FileAction::list, folder, error.value());
     }
     return entries;
 }

@@ -9,10 +9,10 @@
 namespace vantoro::posix {
 
 PosixInputFile::PosixInputFile(std::filesystem::path path)
-    : path_(std::move(path)), file_(openFile(path_, O_RDONLY | O_NONBLOCK, "open")) {
+    : path_(std::move(path)), file_(openFile(path_, O_RDONLY | O_NONBLOCK, FileAction::open)) {
     const auto status = statusOf(file_, path_);
     if (!S_ISREG(status.st_mode)) {
-        throwFailure("open", path_, S_ISDIR(status.st_mode) ? EISDIR : EINVAL);
+        throwFailure(FileAction::open, path_, S_ISDIR(status.st_mode) ? EISDIR : EINVAL);
     }
 }
 

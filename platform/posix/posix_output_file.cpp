@@ -27,17 +27,17 @@ FileDescriptor createFile(const std::filesystem::path& path, FileAudience audien
     constexpr int mostAttempts = 100;
     // Readable too, for the content to be copied from when the path is lost.
     for (int attempt = 0; attempt < mostAttempts; ++attempt) {
-        FileDescriptor file =
-            openFile(path, O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW, "create", modeFor(audience));
+        FileDescriptor file = openFile(path, O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW,
+                                       FileAction::create, modeFor(audience));
         if (tryLock(file, F_WRLCK, path) != LockAttempt::heldByOthers) {
             return file;
         }
         // Somebody who looks for files that were left behind was quicker; let them have this one.
         if (::unlink(path.c_str()) != 0) {
-            throwFailure("create", path, errno);
+            throwFailure(FileAction::create, path, errno);
         }
     }
-    throwFailure("create", path, EBUSY);
+    throwFailure(FileAction::create, path, EBUSY);
 }
 
 /// Whether a file is of the kind that an export leaves behind: not a pipe, nor one that has
@@ -57,7 +57,7 @@ FileDescriptor takeOver(const std::filesystem::path& path) {
         return {};
     }
     if (uninterrupted([&] { return ::ftruncate(file.get(), 0); }) != 0) {
-        throwFailure("write", path, errno);
+        throwFailure(FileAction::write, path, errno);
     }
     return file;
 }
@@ -66,7 +66,8 @@ FileDescriptor takeOver(const std::filesystem::path& path) {
 FileDescriptor createIfAbsent(const std::filesystem::path& path, FileAudience audience) {
     FileDescriptor file;
     try {
-        file = openFile(path, O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW, "create", modeFor(audience));
+        file = openFile(path, O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW, FileAction::create,
+                        modeFor(audience));
     } catch (const std::system_error& error) {
         if (error.code() != std::errc::file_exists) {
             throw;
@@ -90,7 +91,7 @@ FileDescriptor createIfAbsent(const std::filesystem::path& path, FileAudience au
 PosixOutputFile::PosixOutputFile(const std::filesystem::path& path, FileAudience audience)
     : path_(std::filesystem::absolute(path)),
       audience_(audience),
-      folder_(openFile(path_.parent_path(), O_RDONLY | O_DIRECTORY, "open")),
+      folder_(openFile(path_.parent_path(), O_RDONLY | O_DIRECTORY, FileAction::open)),
       file_(createFile(path_, audience)),
       lock_(duplicate(file_, path_)) {}
 
@@ -105,7 +106,7 @@ PosixOutputFile::PosixOutputFile(std::filesystem::path path, FileAudience audien
 std::unique_ptr<PosixOutputFile> PosixOutputFile::claim(const std::filesystem::path& path,
                                                         FileAudience audience) {
     auto absolute = std::filesystem::absolute(path);
-    auto folder = openFile(absolute.parent_path(), O_RDONLY | O_DIRECTORY, "open");
+    auto folder = openFile(absolute.parent_path(), O_RDONLY | O_DIRECTORY, FileAction::open);
     FileDescriptor file = createIfAbsent(path, audience);
     if (!file.isOpen()) {
         file = takeOver(path);
@@ -121,7 +122,7 @@ std::unique_ptr<PosixOutputFile> PosixOutputFile::createUnnamed(const std::files
                                                                 FileAudience audience) {
     FileDescriptor file;
     try {
-        file = openFile(folder, O_RDWR | O_TMPFILE, "create a file in", modeFor(audience));
+        file = openFile(folder, O_RDWR | O_TMPFILE, FileAction::createIn, modeFor(audience));
     } catch (const std::system_error& error) {
         // The last two are the words of kernels and file systems that do not know them.
         const int reason = error.code().value();
@@ -143,7 +144,7 @@ void PosixOutputFile::writeAt(std::uint64_t offset, std::span<const std::byte> b
 
 void PosixOutputFile::truncate(std::uint64_t size) {
     if (uninterrupted([&] { return ::ftruncate(file_.get(), static_cast<off_t>(size)); }) != 0) {
-        throwFailure("write", path_, errno);
+        throwFailure(FileAction::write, path_, errno);
     }
 }
 
@@ -176,16 +177,16 @@ void PosixOutputFile::takeName(const std::filesystem::path& path) {
     if (!hasName_) {
         const auto open = "/proc/self/fd/" + std::to_string(lock_.get());
         if (::linkat(AT_FDCWD, open.c_str(), AT_FDCWD, path.c_str(), AT_SYMLINK_FOLLOW) != 0) {
-            throwFailure("create", path, errno);
+            throwFailure(FileAction::create, path, errno);
         }
     } else if (isAt(path_, lock_)) {
         renameWithoutReplacing(path_, path);
     } else {
-        throwFailure("find", path_, ENOENT);
+        throwFailure(FileAction::find, path_, ENOENT);
     }
     hasName_ = true;
     path_ = std::filesystem::absolute(path);
-    folder_ = openFile(path_.parent_path(), O_RDONLY | O_DIRECTORY, "open");
+    folder_ = openFile(path_.parent_path(), O_RDONLY | O_DIRECTORY, FileAction::open);
 }
 
 void PosixOutputFile::discard() noexcept {

@@ -27,7 +27,7 @@ bool renameInOneStep(const std::filesystem::path& from, const std::filesystem::p
         return true;
     }
     if (!isUnknownToTheFileSystem(errno)) {
-        throwFailure("create", to, errno);
+        throwFailure(FileAction::create, to, errno);
     }
     return false;
 }
@@ -35,25 +35,25 @@ bool renameInOneStep(const std::filesystem::path& from, const std::filesystem::p
 bool renameByLink(const std::filesystem::path& from, const std::filesystem::path& to) {
     if (::link(from.c_str(), to.c_str()) != 0) {
         if (!isUnknownToTheFileSystem(errno)) {
-            throwFailure("create", to, errno);
+            throwFailure(FileAction::create, to, errno);
         }
         return false;
     }
     if (::unlink(from.c_str()) != 0) {
         const int reason = errno;
         ::unlink(to.c_str()); // which is ours
-        throwFailure("remove", from, reason);
+        throwFailure(FileAction::remove, from, reason);
     }
     return true;
 }
 
 bool renameOverOwnFile(const std::filesystem::path& from, const std::filesystem::path& to) {
     constexpr mode_t nobodyYet = 0;
-    openFile(to, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, "create", nobodyYet);
+    openFile(to, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, FileAction::create, nobodyYet);
     if (::rename(from.c_str(), to.c_str()) != 0) {
         const int reason = errno;
         ::unlink(to.c_str());
-        throwFailure("create", to, reason);
+        throwFailure(FileAction::create, to, reason);
     }
     return true;
 }

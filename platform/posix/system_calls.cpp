@@ -2,26 +2,13 @@
 
 #include "platform/posix/system_calls.h"
 
-#include <string>
-#include <system_error>
-
 namespace vantoro::posix {
 
-namespace {
-
-std::string shownName(const std::filesystem::path& path) {
-    const auto name = path.has_filename() ? path.filename() : path.parent_path().filename();
-    return name.empty() ? path.string() : name.string();
+void throwFailure(FileAction action, const std::filesystem::path& path, int errorNumber) {
+    throw FileFailure(action, path, errorNumber);
 }
 
-} // namespace
-
-void throwFailure(std::string_view action, const std::filesystem::path& path, int errorNumber) {
-    throw std::system_error(errorNumber, std::system_category(),
-                            "Cannot " + std::string(action) + " " + shownName(path));
-}
-
-FileDescriptor openFile(const std::filesystem::path& path, int flags, std::string_view action,
+FileDescriptor openFile(const std::filesystem::path& path, int flags, FileAction action,
                         mode_t mode) {
     const int number = uninterrupted([&] { return ::open(path.c_str(), flags | O_CLOEXEC, mode); });
     if (number == -1) {
@@ -33,7 +20,7 @@ FileDescriptor openFile(const std::filesystem::path& path, int flags, std::strin
 FileDescriptor duplicate(const FileDescriptor& file, const std::filesystem::path& path) {
     const int number = ::fcntl(file.get(), F_DUPFD_CLOEXEC, 0);
     if (number == -1) {
-        throwFailure("open", path, errno);
+        throwFailure(FileAction::open, path, errno);
     }
     return FileDescriptor(number);
 }
@@ -42,7 +29,7 @@ struct stat statusOf(const FileDescriptor& file, const std::filesystem::path& pa
     struct stat status{};
 
     if (::fstat(file.get(), &status) != 0) {
-        throwFailure("examine", path, errno);
+        throwFailure(FileAction::examine, path, errno);
     }
     return status;
 }
@@ -65,7 +52,7 @@ LockAttempt tryLock(const FileDescriptor& file, short kind, const std::filesyste
     case EOPNOTSUPP:
         return LockAttempt::unknown;
     default:
-        throwFailure("lock", path, errno);
+        throwFailure(FileAction::lock, path, errno);
     }
 }
 
@@ -76,7 +63,7 @@ bool isAt(const std::filesystem::path& path, const FileDescriptor& file) {
         if (errno == ENOENT || errno == ENOTDIR) {
             return false;
         }
-        throwFailure("find", path, errno);
+        throwFailure(FileAction::find, path, errno);
     }
     const auto ours = statusOf(file, path);
     return named.st_dev == ours.st_dev && named.st_ino == ours.st_ino;
@@ -91,7 +78,7 @@ std::size_t readFully(const FileDescriptor& file, std::uint64_t offset, std::spa
             return ::pread(file.get(), rest.data(), rest.size(), static_cast<off_t>(offset + done));
         });
         if (count == -1) {
-            throwFailure("read", path, errno);
+            throwFailure(FileAction::read, path, errno);
         }
         if (count == 0) {
             break;
@@ -111,7 +98,7 @@ void writeFully(const FileDescriptor& file, std::uint64_t offset, std::span<cons
                             static_cast<off_t>(offset + done));
         });
         if (count <= 0) { // nothing written and no reason given: it would never end
-            throwFailure("write", path, count == 0 ? EIO : errno);
+            throwFailure(FileAction::write, path, count == 0 ? EIO : errno);
         }
         done += static_cast<std::size_t>(count);
     }
@@ -119,21 +106,21 @@ void writeFully(const FileDescriptor& file, std::uint64_t offset, std::span<cons
 
 void syncContent(const FileDescriptor& file, const std::filesystem::path& path) {
     if (uninterrupted([&] { return ::fdatasync(file.get()); }) != 0) {
-        throwFailure("write", path, errno);
+        throwFailure(FileAction::write, path, errno);
     }
 }
 
 void syncNames(const FileDescriptor& folder, const std::filesystem::path& path) {
     const bool synced = uninterrupted([&] { return ::fsync(folder.get()); }) == 0;
     if (!synced && errno != EINVAL && errno != ENOTSUP) {
-        throwFailure("write", path, errno);
+        throwFailure(FileAction::write, path, errno);
     }
 }
 
 void closeChecked(FileDescriptor file, const std::filesystem::path& path) {
     // An interrupted close has closed all the same; once more might close somebody else's file.
     if (::close(file.release()) != 0 && errno != EINTR) {
-        throwFailure("write", path, errno);
+        throwFailure(FileAction::write, path, errno);
     }
 }
 

@@ -7,19 +7,20 @@
 #include <cstdint>
 #include <filesystem>
 #include <span>
-#include <string_view>
 
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/types.h>
 
+#include "engine/failure.h"
 #include "platform/posix/file_descriptor.h"
 
 namespace vantoro::posix {
 
-/// Throws a std::system_error that reads "Cannot write NAME: REASON", NAME being the last part of
-/// the path and REASON the system's own words.
-[[noreturn]] void throwFailure(std::string_view action, const std::filesystem::path& path,
+// What throws, throws `FileFailure`.
+
+/// A function, so that `errno` is read before anything that may change it.
+[[noreturn]] void throwFailure(FileAction action, const std::filesystem::path& path,
                                int errorNumber);
 
 /// Repeats a system call for as long as a signal interrupts it.
@@ -33,7 +34,7 @@ auto uninterrupted(Call call) {
 }
 
 /// Not inherited by programs that we start. Throws.
-FileDescriptor openFile(const std::filesystem::path& path, int flags, std::string_view action,
+FileDescriptor openFile(const std::filesystem::path& path, int flags, FileAction action,
                         mode_t mode = 0);
 
 /// The same open file under a second number. Throws.

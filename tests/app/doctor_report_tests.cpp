@@ -33,7 +33,7 @@ DoctorFindings allWell() {
         .microphone = desktop::MicrophoneFacts(),
         .recordingFolder = "/home/me/Videos/Vantoro",
         .folder = FolderCheck{.exists = true,
-                              .refusal = std::nullopt,
+                              .refusal = {},
                               .availableBytes = 45 * gibibyte + gibibyte / 2},
         .interruptedRecordings = 0};
 }
@@ -261,9 +261,11 @@ TEST(DoctorReport, saysWhatCanBeDoneInTheFolder) {
         {[](auto& found) { found.folder->exists = false; },
          "Recording folder: /home/me/Videos/Vantoro (made by the first recording), 45.5 GiB free",
          "录音文件夹：/home/me/Videos/Vantoro（首次录音时创建），可用空间 45.5 GiB", false},
-        {[](auto& found) { found.folder->refusal = "Permission denied"; },
+        {[](auto& found) {
+             found.folder->refusal = std::make_error_code(std::errc::permission_denied);
+         },
          "Recording folder: /home/me/Videos/Vantoro: no file can be made (Permission denied)",
-         "录音文件夹：/home/me/Videos/Vantoro：无法创建文件（Permission denied）", true},
+         "录音文件夹：/home/me/Videos/Vantoro：无法创建文件（权限不足）", true},
         {[](auto& found) { found.folder->availableBytes = gibibyte - 1; },
          "Recording folder: /home/me/Videos/Vantoro, only 1023 MiB free",
          "录音文件夹：/home/me/Videos/Vantoro，可用空间只有 1023 MiB", true},

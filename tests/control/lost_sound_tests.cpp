@@ -20,13 +20,13 @@ protected:
     }
 
     void standStill(AudioLevelSource source, double seconds) {
-        lose({SoundLoss::Cause::notTakenInTime, seconds, source, ""});
+        lose({SoundLoss::Cause::notTakenInTime, seconds, source, nullptr});
     }
 
     void loseAtTheEnd(double seconds) {
         recorder.duringStop = [this, seconds] {
             recorder.recorder->onSoundLoss(
-                {SoundLoss::Cause::notWritten, seconds, std::nullopt, "No room"});
+                {SoundLoss::Cause::notWritten, seconds, std::nullopt, failure("No room")});
         };
     }
 };

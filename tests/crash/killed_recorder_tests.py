@@ -109,7 +109,7 @@ class KilledRecorder(RecordingCase):
         subprocess.run(["mount", "-o", "remount,ro", str(self.folder)], check=True)
         result = recorder.run("recover", "--folder", self.folder)
         self.assertEqual((result.status, result.output), (1, ""))
-        self.assertIn("Read-only file system", result.errors)
+        self.assertIn("文件系统为只读", result.errors)
         self.assertEqual(sorted(self.folder.iterdir()), before)
         subprocess.run(["mount", "-o", "remount,rw", str(self.folder)], check=True)
         self.salvage(frames)
@@ -117,7 +117,7 @@ class KilledRecorder(RecordingCase):
     def test_folderThatIsNotThereIsTold(self):
         result = recorder.run("recover", "--folder", self.folder)
         self.assertEqual((result.status, result.output), (1, ""))
-        self.assertEqual(result.errors, f"There is no folder {self.folder}.\n")
+        self.assertEqual(result.errors, f"文件夹 {self.folder} 不存在。\n")
 
 
 if __name__ == "__main__":

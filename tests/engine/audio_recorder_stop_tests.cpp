@@ -339,8 +339,11 @@ TEST_F(AudioRecorderStop, soundThatCouldNotBeWrittenIsToldAndTheTemporaryFileIsS
     toolkit.writing.error = "No space left on device";
     startAndCapture(bothSources());
     EXPECT_EQ(recorder.stop(1, 1), finalFile);
-    EXPECT_EQ(told, (std::vector<SoundLoss>{{SoundLoss::Cause::notWritten, 7.5, std::nullopt,
-                                             "No space left on device"}}));
+    ASSERT_EQ(told.size(), 1U);
+    EXPECT_EQ(told.front().cause, SoundLoss::Cause::notWritten);
+    EXPECT_EQ(told.front().seconds, 7.5);
+    EXPECT_EQ(told.front().source, std::nullopt);
+    EXPECT_EQ(whatOf(told.front().reason), "No space left on device");
     auto aside = finalFile;
     aside.replace_extension("incomplete.mov");
     EXPECT_EQ(fileSystem.entries, (std::set<std::filesystem::path>{finalFile, aside}));
@@ -385,8 +388,8 @@ TEST_F(AudioRecorderStop, soundThatWasNotTakenInTimeIsTold) {
     capture.loseSound(AudioLevelSource::microphone, 0.25);
     recorder.stop(1, 1);
     constexpr auto cause = SoundLoss::Cause::notTakenInTime;
-    EXPECT_EQ(told, (std::vector<SoundLoss>{{cause, 2.5, AudioLevelSource::systemAudio, ""},
-                                            {cause, 0.25, AudioLevelSource::microphone, ""}}));
+    EXPECT_EQ(told, (std::vector<SoundLoss>{{cause, 2.5, AudioLevelSource::systemAudio, nullptr},
+                                            {cause, 0.25, AudioLevelSource::microphone, nullptr}}));
 }
 
 TEST_F(AudioRecorderStop, aLossThatNobodyListensForIsNoFailure) {

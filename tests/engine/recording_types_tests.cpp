@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include "engine/failure.h"
+
 namespace vantoro {
 namespace {
 
@@ -35,6 +37,15 @@ TEST(RecordingTypes, onlyWriterFailedHasAMessage) {
     EXPECT_NE(RecordingError::writerFailed("disk"), RecordingError::writerFailed("card"));
     EXPECT_NE(RecordingError(RecordingError::Case::exportFailed),
               RecordingError(RecordingError::Case::noAudioCaptured));
+}
+
+TEST(RecordingTypes, writerFailureKeepsItsCauseAndThatsTextAsItsMessage) {
+    const auto cause = std::make_exception_ptr(Failure(FailureCode::sampleNotWritten));
+    const auto error = RecordingError::writerFailed(cause);
+    EXPECT_EQ(error.cause(), cause);
+    EXPECT_EQ(error.message(), "Unable to write an audio sample.");
+    EXPECT_EQ(error, RecordingError::writerFailed(error.message()));
+    EXPECT_EQ(RecordingError::writerFailed("disk").cause(), nullptr);
 }
 
 TEST(RecordingTypes, errorTellsDevelopersItsCaseAndDetail) {

@@ -2,6 +2,7 @@
 
 #include "l10n/error_description.h"
 
+#include <cerrno>
 #include <stdexcept>
 
 #include <gtest/gtest.h>
@@ -79,10 +80,46 @@ TEST(ErrorDescriptionTest, sameErrorFollowsTheLanguageAtOnce) {
     EXPECT_EQ(errorDescription(writer, texts.language()), "Recording failed: full");
 }
 
-TEST(ErrorDescriptionTest, errorOfThePlatformIsItsOwnTextInEitherLanguage) {
-    const auto error = std::make_exception_ptr(std::runtime_error("Permission denied"));
-    EXPECT_EQ(errorDescription(error, english), "Permission denied");
-    EXPECT_EQ(errorDescription(error, chinese), "Permission denied");
+TEST(ErrorDescriptionTest, errorWithoutWordsOfItsOwnIsAnnouncedAsUnexpectedInChinese) {
+    const auto error = std::make_exception_ptr(std::runtime_error("odd"));
+    EXPECT_EQ(errorDescription(error, english), "odd");
+    EXPECT_EQ(errorDescription(error, chinese), "意外错误：odd");
+}
+
+TEST(ErrorDescriptionTest, errorOfTheSystemWithoutAFileIsItsReason) {
+    const auto error =
+        std::make_exception_ptr(std::system_error(EMFILE, std::generic_category(), "signalfd"));
+    EXPECT_EQ(errorDescription(error, english), "signalfd: Too many open files");
+    EXPECT_EQ(errorDescription(error, chinese), "程序打开的文件过多。");
+}
+
+TEST(ErrorDescriptionTest, writerFailureIsWordedByItsCause) {
+    const auto full = RecordingError::writerFailed(
+        std::make_exception_ptr(FileFailure(FileAction::write, "/takes/a.mov", ENOSPC)));
+    EXPECT_EQ(errorDescription(full, english),
+              "Recording failed: Cannot write a.mov: No space left on device");
+    EXPECT_EQ(errorDescription(full, chinese), "录音失败：无法写入 a.mov：磁盘空间不足。");
+    const auto unknown = RecordingError::writerFailed(
+        std::make_exception_ptr(Failure(FailureCode::recordingNotFinished)));
+    EXPECT_EQ(errorDescription(unknown, english),
+              "Recording failed: Unable to finish the recording.");
+    EXPECT_EQ(errorDescription(unknown, chinese), "录音失败：无法完成录音文件。");
+}
+
+TEST(ErrorDescriptionTest, damageIsToldWithoutTheDevelopersDetail) {
+    const auto error =
+        std::make_exception_ptr(Failure(FailureCode::recordingDamaged, "a box ends too early"));
+    EXPECT_EQ(errorDescription(error, english), "The recording file is damaged.");
+    EXPECT_EQ(errorDescription(error, chinese), "录音文件已损坏。");
+}
+
+TEST(ErrorDescriptionTest, reasonHasNoFullStop) {
+    const auto sentence = std::make_exception_ptr(Failure(FailureCode::serverSilent));
+    EXPECT_EQ(errorReason(sentence, english), "The sound server does not respond");
+    EXPECT_EQ(errorReason(sentence, chinese), "声音服务器没有响应");
+    const auto phrase = std::make_exception_ptr(FileFailure(FileAction::read, "a", EIO));
+    EXPECT_EQ(errorReason(phrase, english), "Cannot read a: Input/output error");
+    EXPECT_EQ(errorReason(phrase, chinese), "无法读取 a：输入/输出错误");
 }
 
 TEST(ErrorDescriptionTest, recorderErrorIsRecognisedBehindAPointer) {

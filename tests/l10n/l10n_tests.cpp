@@ -2,6 +2,7 @@
 
 #include "l10n/l10n.h"
 
+#include <cerrno>
 #include <string>
 #include <utility>
 
@@ -10,6 +11,7 @@
 
 #include <gtest/gtest.h>
 
+#include "engine/failure.h"
 #include "tests/l10n/memory_preferences.h"
 
 namespace vantoro::testing {
@@ -184,22 +186,24 @@ TEST_F(ComposedTextTest, lostSoundIsToldInWholeSecondsThatAreNeverNone) {
     EXPECT_EQ(english.soundNotTakenInTime(12),
               "The computer did not keep up: 12 seconds of the recording are silent.");
     EXPECT_EQ(chinese.soundNotTakenInTime(1.5), "电脑一度没有响应，录音中有约 2 秒没有声音。");
-    EXPECT_EQ(english.soundNotWritten(7.5, "Input/output error"),
-              "About 8 seconds of sound could not be written to the disk: Input/output error.");
-    EXPECT_EQ(english.soundNotWritten(0.5, ""),
+    const auto reason = std::make_exception_ptr(FileFailure(FileAction::write, "a", EIO));
+    EXPECT_EQ(english.soundNotWritten(7.5, reason),
+              "About 8 seconds of sound could not be written to the disk: Cannot write a: "
+              "Input/output error.");
+    EXPECT_EQ(english.soundNotWritten(0.5, nullptr),
               "About 1 second of sound could not be written to the disk, which was too slow.");
-    EXPECT_EQ(chinese.soundNotWritten(7.5, "Input/output error"),
-              "约 8 秒的声音未能写入磁盘：Input/output error。");
-    EXPECT_EQ(chinese.soundNotWritten(1, ""), "约 1 秒的声音未能写入磁盘：磁盘太慢。");
+    EXPECT_EQ(chinese.soundNotWritten(7.5, reason),
+              "约 8 秒的声音未能写入磁盘：无法写入 a：输入/输出错误。");
+    EXPECT_EQ(chinese.soundNotWritten(1, nullptr), "约 1 秒的声音未能写入磁盘：磁盘太慢。");
 }
 
 TEST_F(ComposedTextTest, recordingThatCouldNotBeSavedIsToldWithItsPlace) {
-    EXPECT_EQ(
-        english.notRecovered("/r/a.partial.mov", "Cannot open a.partial.mov: No"),
-        "An interrupted recording could not be saved: Cannot open a.partial.mov: No. It stays "
-        "as it is: /r/a.partial.mov");
-    EXPECT_EQ(chinese.notRecovered("/r/a.partial.mov", "不行"),
-              "有一段中断的录音未能保存：不行。它仍保留在：/r/a.partial.mov");
+    const auto reason = std::make_exception_ptr(Failure(FailureCode::recordingDamaged));
+    EXPECT_EQ(english.notRecovered("/r/a.partial.mov", reason),
+              "An interrupted recording could not be saved: The recording file is damaged. It "
+              "stays as it is: /r/a.partial.mov");
+    EXPECT_EQ(chinese.notRecovered("/r/a.partial.mov", reason),
+              "有一段中断的录音未能保存：录音文件已损坏。它仍保留在：/r/a.partial.mov");
 }
 
 TEST_F(ComposedTextTest, roomThatIsLeftIsCountedInMinutes) {
@@ -226,19 +230,25 @@ TEST_F(ComposedTextTest, keptOriginalsAreNamedOrCounted) {
     for (const auto& texts : {english, chinese}) {
         EXPECT_EQ(texts.originalsKept({}), "");
     }
-    EXPECT_EQ(
-        english.originalsKept({"/r/a.incomplete.mov"}),
-        " Part of it could not be read. The damaged original was kept in the recording folder "
-        "as a.incomplete.mov.");
+    EXPECT_EQ(english.originalsKept({"/r/a.incomplete.mov"}),
+              "Part of it could not be read. The damaged original was kept in the recording folder "
+              "as a.incomplete.mov.");
     EXPECT_EQ(chinese.originalsKept({"/r/a.incomplete.mov"}),
               "其中有一部分内容无法读取，损坏的原始文件已保留在录音文件夹中：a.incomplete.mov。");
     const std::vector<std::filesystem::path> two{"/r/a.incomplete.mov", "/r/b.incomplete.mov"};
     EXPECT_EQ(english.originalsKept(two),
-              " Parts of 2 of them could not be read. The damaged originals were kept in the "
+              "Parts of 2 of them could not be read. The damaged originals were kept in the "
               "recording folder. Their names end in “.incomplete.mov”.");
     EXPECT_EQ(chinese.originalsKept(two),
               "其中 2 段录音有一部分内容无法读取，损坏的原始文件已保留在录音文件夹中，"
               "文件名以“.incomplete.mov”结尾。");
+}
+
+TEST_F(ComposedTextTest, sentencesAreApartUnlessAFullWidthStopIsBetween) {
+    EXPECT_EQ(L10n::sentences({"One.", "", "Two."}), "One. Two.");
+    EXPECT_EQ(L10n::sentences({"", "一。", "二。", ""}), "一。二。");
+    EXPECT_EQ(L10n::sentences({"一", "二。"}), "一 二。");
+    EXPECT_EQ(L10n::sentences({"", ""}), "");
 }
 
 TEST_F(ComposedTextTest, keptOriginalIsToldWithItsPath) {

@@ -30,11 +30,11 @@ class CommandLine(RecordingCase):
     def test_devicesWithoutAMicrophoneSaysSo(self):
         subprocess.run(["pw-cli", "destroy", sound.MICROPHONE], check=True, stdout=subprocess.DEVNULL)
         result = recorder.run("devices")
-        self.assertEqual((result.status, result.output, result.errors), (0, "", "There is no microphone.\n"))
+        self.assertEqual((result.status, result.output, result.errors), (0, "", "没有麦克风。\n"))
 
     def test_devicesWithoutASoundServerFails(self):
         environment = dict(os.environ, XDG_RUNTIME_DIR=str(self.folder.parent))
-        self.assert_refused(recorder.run("devices", env=environment), 1, "The sound server cannot be reached.")
+        self.assert_refused(recorder.run("devices", env=environment), 1, "无法连接声音服务器。")
 
     def test_versionAndHelpAreOnStandardOutput(self):
         self.assertRegex(recorder.run("--version").output, r"^vantoro \d+\.\d+\.\d+\n$")
@@ -77,6 +77,18 @@ class CommandLine(RecordingCase):
         self.assert_refused(recorder.run(*refused, env=environment), 1, english)
         self.assert_refused(recorder.run(*refused, "--language", "zh-Hans", env=environment), 1, chinese)
         self.assertEqual(preferences.read_text(), "[General]\nappLanguage=en\n")
+
+    def assert_refused_in_chinese(self, text, folder):
+        result = recorder.run("record", "--language", "zh-Hans", "--folder", folder)
+        self.assertEqual((result.status, result.output, result.errors), (1, "", text + "\n"))
+
+    def test_missingDefaultMicrophoneIsToldInChinese(self):
+        subprocess.run(["pw-cli", "destroy", sound.MICROPHONE], check=True, stdout=subprocess.DEVNULL)
+        self.assert_refused_in_chinese("没有默认麦克风。", self.folder)
+
+    def test_folderThatCannotBeMadeIsToldInChinese(self):
+        self.folder.write_text("a file")
+        self.assert_refused_in_chinese("无法创建文件夹 below：不是文件夹。", self.folder / "below")
 
     def test_recordsIntoTheFolderOfThePreferences(self):
         preferences = self.folder.parent / "vantoro/vantoro.conf"

@@ -60,11 +60,11 @@ class Failure(RecordingCase):
         with (self.folder / "others").open("ab") as others:
             others.write(bytes(status.f_bavail * status.f_frsize - kilobytes * 1024))
 
-    def record_on_a_disk_that_others_fill(self, kilobytes_left):
+    def record_on_a_disk_that_others_fill(self, kilobytes_left, language="en"):
         """Fills the disk after the first fragment, so that no other fits."""
         self.mount_a_small_disk(64)
         with self.noise_from_both_sources():
-            recording = recorder.Recording(self.folder)
+            recording = recorder.Recording(self.folder, language=language)
             recording.wait_until_written()
             self.leave_free(kilobytes_left)
             return recording.finish()
@@ -78,6 +78,11 @@ class Failure(RecordingCase):
         self.assertGreater(len(sound.decoded(path)[0]) / sound.RATE, 0.9)
         self.assertEqual({entry.name for entry in self.folder.iterdir()},
                          {path.name, path.stem + ".incomplete.mov", "others"})
+
+    def test_diskThatFillsUpIsToldInChinese(self):
+        result = self.record_on_a_disk_that_others_fill(100, language="zh-Hans")
+        self.assertRegex(result.errors, r"^约 \d+ 秒的声音未能写入磁盘：无法写入 \.Vantoro-[^：]+\.partial\.mov："
+                                        r"磁盘空间不足。其余内容已保存。\n$")
 
     def test_diskWithoutRoomForTheFinalFileKeepsWhatWasCaptured(self):
         result = self.record_on_a_disk_that_others_fill(0)

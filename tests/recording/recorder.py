@@ -66,11 +66,11 @@ class FolderWatch:
 class Recording:
     """A recording that runs in the background."""
 
-    def __init__(self, folder, *arguments, prefix=(), **options):
+    def __init__(self, folder, *arguments, prefix=(), language="en", **options):
         Path(folder).mkdir(parents=True, exist_ok=True)
         self.watch = FolderWatch(folder)
         self._process = subprocess.Popen(
-            [*prefix, PROGRAM, *IN_ENGLISH, "--folder", str(folder), *map(str, arguments)],
+            [*prefix, PROGRAM, "record", "--language", language, "--folder", str(folder), *map(str, arguments)],
             stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True, **options)
         self.pid = self._process.pid
 

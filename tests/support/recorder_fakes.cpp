@@ -85,7 +85,10 @@ public:
 
     WriterStatus status() const override { return status_; }
 
-    std::optional<std::string> errorDescription() const override { return toolkit_.writing.error; }
+    std::exception_ptr error() const override {
+        const auto& error = toolkit_.writing.error;
+        return error ? std::make_exception_ptr(std::runtime_error(*error)) : nullptr;
+    }
 
     double secondsNotWritten() const override { return toolkit_.writing.secondsNotWritten; }
 

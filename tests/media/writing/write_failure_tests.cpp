@@ -8,6 +8,7 @@
 #include <chrono>
 #include <thread>
 
+#include "engine/failure.h"
 #include "media/writing/fragment_file.h"
 #include "media/writing/movie_writer.h"
 #include "platform/ffmpeg/ffmpeg_coding.h"
@@ -49,8 +50,7 @@ TEST_F(WriteFailure, aFullDiskIsToldByTheNextAppend) {
     files.setCapacity(100'000);
     recordUntilRefused(0);
     EXPECT_EQ(recording.writer().status(), WriterStatus::failed);
-    EXPECT_THAT(recording.writer().errorDescription().value_or(""),
-                HasSubstr("No space left on device"));
+    EXPECT_THAT(whatOf(recording.writer().error()), HasSubstr("No space left on device"));
     EXPECT_TRUE(recording.track(0).isReady());
 }
 
@@ -60,7 +60,7 @@ TEST_F(WriteFailure, nothingIsLostWhenTheDiskHasRoomAgainAtTheEnd) {
     files.setCapacity(10'000'000);
     recording.finish();
     EXPECT_EQ(recording.writer().status(), WriterStatus::completed);
-    EXPECT_EQ(recording.writer().errorDescription(), std::nullopt);
+    EXPECT_EQ(recording.writer().error(), nullptr);
     EXPECT_EQ(recording.writer().secondsNotWritten(), 0);
     // The system track may have taken the buffer that the microphone's track refused.
     EXPECT_EQ(framesOnDisk(), recorded);
@@ -77,8 +77,7 @@ TEST_F(WriteFailure, whatWasWrittenBeforeCountsWhenTheDiskStaysFull) {
     EXPECT_EQ(framesOnDisk(), 48128);
     EXPECT_NEAR(recording.writer().secondsNotWritten(), static_cast<double>(recorded) / second - 1,
                 0.05);
-    EXPECT_THAT(recording.writer().errorDescription().value_or(""),
-                HasSubstr("No space left on device"));
+    EXPECT_THAT(whatOf(recording.writer().error()), HasSubstr("No space left on device"));
     EXPECT_EQ(files.journalOf("movie.mov").back(), "close");
 }
 
@@ -87,16 +86,14 @@ TEST_F(WriteFailure, withoutOneWholeFragmentFinishingFails) {
     recordUntilRefused(0);
     recording.finish();
     EXPECT_EQ(recording.writer().status(), WriterStatus::failed);
-    EXPECT_THAT(recording.writer().errorDescription().value_or(""),
-                HasSubstr("No space left on device"));
+    EXPECT_THAT(whatOf(recording.writer().error()), HasSubstr("No space left on device"));
     EXPECT_TRUE(files.contentOf("movie.mov").empty());
 }
 
 TEST_F(WriteFailure, aFailedSyncIsAFailedWrite) {
     files.setSyncFails(true);
     const std::int64_t recorded = recordUntilRefused(0);
-    EXPECT_THAT(recording.writer().errorDescription().value_or(""),
-                HasSubstr("Input/output error"));
+    EXPECT_THAT(whatOf(recording.writer().error()), HasSubstr("Input/output error"));
     files.setSyncFails(false);
     recording.finish();
     EXPECT_EQ(recording.writer().status(), WriterStatus::completed);
@@ -108,7 +105,7 @@ TEST_F(WriteFailure, aFileThatCannotBeReachedAtTheEndIsAFailure) {
     files.setUnreachable();
     recording.finish();
     EXPECT_EQ(recording.writer().status(), WriterStatus::failed);
-    EXPECT_THAT(recording.writer().errorDescription().value_or(""), HasSubstr("Permission denied"));
+    EXPECT_THAT(whatOf(recording.writer().error()), HasSubstr("Permission denied"));
 }
 
 TEST_F(WriteFailure, aStuckDiskLosesNoFrameAndDelaysNobody) {
@@ -139,7 +136,7 @@ TEST_F(WriteFailure, nothingIsTakenInAfterTheEnd) {
 TEST_F(WriteFailure, noSoundAtAllIsAFailure) {
     recording.finish();
     EXPECT_EQ(recording.writer().status(), WriterStatus::failed);
-    EXPECT_TRUE(recording.writer().errorDescription().has_value());
+    EXPECT_NE(recording.writer().error(), nullptr);
 }
 
 TEST(WriterStart, failsWithTheSystemsTextWhenTheFileCannotBeCreated) {
@@ -207,7 +204,7 @@ TEST(FragmentFile, countsWhatWaits) {
     MemoryFileSystem files;
     files.setStuck(true);
     media::FragmentFile file(
-        files.create("movie.mov", FileAudience::userOnly), [](const std::string&) {},
+        files.create("movie.mov", FileAudience::userOnly), [](const std::exception_ptr&) {},
         [](std::size_t) {});
     file.append(std::vector<std::byte>(1000), 0);
     file.append(std::vector<std::byte>(500), 0);

@@ -42,20 +42,21 @@ TEST(SystemCallTest, failureNamesTheLastPartOfThePath) {
     for (const auto& [path, text] :
          {Case{"/home/user/take.m4a", "Cannot write take.m4a: "},
           Case{"/home/user/takes/", "Cannot write takes: "}, Case{"/", "Cannot write /: "}}) {
-        expectFailure([&] { posix::throwFailure("write", path, ENOSPC); }, text + reason(ENOSPC));
+        expectFailure([&] { throw FileFailure(FileAction::write, path, ENOSPC); },
+                      text + reason(ENOSPC));
     }
 }
 
 TEST(SystemCallTest, failureCarriesTheSystemsErrorNumber) {
     try {
-        posix::throwFailure("write", "take.m4a", ENOSPC);
+        throw FileFailure(FileAction::write, "take.m4a", ENOSPC);
     } catch (const std::system_error& error) {
         EXPECT_EQ(error.code(), std::errc::no_space_on_device);
     }
 }
 
 TEST(SystemCallTest, writingToADeviceThatIsAlwaysFullFails) {
-    const auto device = posix::openFile("/dev/full", O_WRONLY, "open");
+    const auto device = posix::openFile("/dev/full", O_WRONLY, FileAction::open);
     expectFailure([&] { posix::writeFully(device, 0, bytesOf("x"), "/dev/full"); },
                   "Cannot write full: " + reason(ENOSPC));
 }
@@ -67,10 +68,10 @@ bool isOpen(int number) {
 TEST(FileDescriptorTest, isClosedOnceByItsLastOwner) {
     int moved = -1;
     {
-        posix::FileDescriptor owner = posix::openFile("/dev/null", O_WRONLY, "open");
+        posix::FileDescriptor owner = posix::openFile("/dev/null", O_WRONLY, FileAction::open);
         const int replaced = owner.get();
         {
-            auto other = posix::openFile("/dev/null", O_WRONLY, "open");
+            auto other = posix::openFile("/dev/null", O_WRONLY, FileAction::open);
             moved = other.get();
             owner = std::move(other);
         }
