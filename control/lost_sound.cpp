@@ -10,7 +10,7 @@ void LostSound::add(const SoundLoss& loss) {
     if (loss.cause == SoundLoss::Cause::notWritten) {
         notWritten_ = loss;
     } else {
-        notTakenInTime_[loss.source] += loss.seconds;
+        notTakenInTime_[loss.source] += loss.length;
     }
 }
 
@@ -24,7 +24,7 @@ std::string LostSound::text(const L10n& texts) const {
     }
     return L10n::sentences(
         {notTakenInTime,
-         notWritten_ ? texts.soundNotWritten(notWritten_->seconds, notWritten_->reason) : ""});
+         notWritten_ ? texts.soundNotWritten(notWritten_->length, notWritten_->reason) : ""});
 }
 
 } // namespace vantoro

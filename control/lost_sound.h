@@ -22,7 +22,7 @@ public:
     std::string text(const L10n& texts) const;
 
 private:
-    std::map<std::optional<AudioLevelSource>, double> notTakenInTime_; // seconds
+    std::map<std::optional<AudioLevelSource>, SoundLoss::Duration> notTakenInTime_;
     std::optional<SoundLoss> notWritten_;
 };
 

@@ -262,7 +262,7 @@ void AudioRecorder::didOutputSampleBuffer(const SampleBuffer& buffer, AudioLevel
 void AudioRecorder::didLoseSound(AudioLevelSource source, double seconds) {
     if (onSoundLoss) {
         onSoundLoss({.cause = SoundLoss::Cause::notTakenInTime,
-                     .seconds = seconds,
+                     .length = SoundLoss::Duration(seconds),
                      .source = source,
                      .reason = {}});
     }

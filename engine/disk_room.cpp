@@ -12,9 +12,9 @@ namespace {
 constexpr int finalBitRate = 256000;
 /// The next look comes with the next fragment, 10 s later; by then another one waits to be written,
 /// and the disk may be late.
-constexpr std::int64_t secondsToEndIn = 30;
-constexpr std::int64_t leastSeconds = 30; // of a recording that may begin
-constexpr std::int64_t secondsWorthTelling = 600;
+constexpr std::chrono::seconds timeToEndIn(30);
+constexpr std::chrono::seconds leastLength(30); // of a recording that may begin
+constexpr std::chrono::minutes timeWorthTelling(10);
 constexpr std::int64_t spareBytes = 1 << 20; // for what others write, and the disk's own tables
 
 /// With what describes the sound, and the coder's inexactness.
@@ -24,29 +24,29 @@ constexpr std::int64_t bytesPerSecond(std::int64_t bitRate) {
 }
 
 /// How long the recording can go on until it must end; below zero when it is too late for that.
-std::int64_t secondsLeft(std::uint64_t available, std::int64_t recordedSeconds, int bitRate) {
+std::chrono::seconds timeLeft(std::uint64_t available, std::chrono::seconds recorded, int bitRate) {
     constexpr std::int64_t finalRate = bytesPerSecond(finalBitRate);
     const std::int64_t rate = bytesPerSecond(bitRate) + finalRate;
     const auto room = static_cast<std::int64_t>(
         std::min<std::uint64_t>(available, std::numeric_limits<std::int64_t>::max()));
     const std::int64_t left =
-        room - spareBytes - recordedSeconds * finalRate - secondsToEndIn * rate;
-    return left < 0 ? -1 : left / rate;
+        room - spareBytes - recorded.count() * finalRate - timeToEndIn.count() * rate;
+    return std::chrono::seconds(left < 0 ? -1 : left / rate);
 }
 
 } // namespace
 
-DiskRoom diskRoom(std::uint64_t available, std::int64_t recordedSeconds, int bitRate) {
-    const std::int64_t seconds = secondsLeft(available, recordedSeconds, bitRate);
-    if (seconds < 0) {
+DiskRoom diskRoom(std::uint64_t available, std::chrono::seconds recorded, int bitRate) {
+    const auto left = timeLeft(available, recorded, bitRate);
+    if (left.count() < 0) {
         return {.advice = RoomAdvice::end, .minutesLeft = 0};
     }
-    return {.advice = seconds < secondsWorthTelling ? RoomAdvice::tell : RoomAdvice::enough,
-            .minutesLeft = seconds / 60};
+    return {.advice = left < timeWorthTelling ? RoomAdvice::tell : RoomAdvice::enough,
+            .minutesLeft = std::chrono::floor<std::chrono::minutes>(left).count()};
 }
 
 bool isRoomToStart(std::uint64_t available, int bitRate) {
-    return secondsLeft(available, 0, bitRate) >= leastSeconds;
+    return timeLeft(available, {}, bitRate) >= leastLength;
 }
 
 } // namespace vantoro

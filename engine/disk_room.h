@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 
@@ -25,11 +26,11 @@ struct DiskRoom {
 /// thread of `start`, or on the one that waits for the disk.
 using DiskRoomCallback = std::function<void(DiskRoom room)>;
 
-/// What the room means for a recording of so many seconds, whose tracks together take `bitRate`
+/// What the room means for a recording of this length, whose tracks together take `bitRate`
 /// (bits a second): the temporary file goes on growing, and the final file of the whole length is
 /// made while that is still there. `available` (bytes) is what nobody has claimed yet. What a mix
 /// made ahead occupies does not count as room, though it will be.
-DiskRoom diskRoom(std::uint64_t available, std::int64_t recordedSeconds, int bitRate);
+DiskRoom diskRoom(std::uint64_t available, std::chrono::seconds recorded, int bitRate);
 
 /// Whether a recording that begins now is of any use: half a minute of it fits, with its final
 /// file, before it would have to end.

@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <exception>
 #include <filesystem>
@@ -82,13 +83,15 @@ enum class SourceCondition : std::uint8_t {
 
 /// Sound that was captured and is not in the recording.
 struct SoundLoss {
+    using Duration = std::chrono::duration<double>;
+
     enum class Cause : std::uint8_t {
         notTakenInTime, ///< the program stood still for too long: silence stands for it
         notWritten,
     };
 
     Cause cause;
-    double seconds;
+    Duration length;
     /// Whose it was; of two that are lost at a time, each is told. Nothing: of all.
     std::optional<AudioLevelSource> source;
     std::exception_ptr reason; ///< for `notWritten`; null where the disk was too slow

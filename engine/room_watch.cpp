@@ -3,7 +3,7 @@
 #include "engine/room_watch.h"
 
 #include <algorithm>
-#include <cmath>
+#include <chrono>
 #include <exception>
 #include <utility>
 
@@ -26,7 +26,7 @@ void RoomWatch::lookBeforeTheStart() {
     if (!isRoomToStart(*available, bitRate_)) {
         throw RecordingError(RecordingError::Case::diskTooFull);
     }
-    tell(diskRoom(*available, 0, bitRate_));
+    tell(diskRoom(*available, {}, bitRate_));
 }
 
 void RoomWatch::look(MediaTime recorded, std::uint64_t waitingBytes) {
@@ -34,8 +34,9 @@ void RoomWatch::look(MediaTime recorded, std::uint64_t waitingBytes) {
         return;
     }
     if (const auto available = availableSpace()) {
-        const auto seconds = static_cast<std::int64_t>(std::ceil(recorded.seconds()));
-        tell(diskRoom(*available - std::min(*available, waitingBytes), seconds, bitRate_));
+        const auto length = std::chrono::ceil<std::chrono::seconds>(
+            std::chrono::duration<double>(recorded.seconds()));
+        tell(diskRoom(*available - std::min(*available, waitingBytes), length, bitRate_));
     }
 }
 

@@ -98,7 +98,7 @@ std::optional<SoundLoss> SamplePath::loss() const {
     }
     const auto reason = writer_->error();
     return SoundLoss{.cause = SoundLoss::Cause::notWritten,
-                     .seconds = seconds,
+                     .length = SoundLoss::Duration(seconds),
                      .source = std::nullopt,
                      .reason = reason ? reason : writerFailure_};
 }

@@ -2,7 +2,7 @@
 
 #include "l10n/l10n.h"
 
-#include <cmath>
+#include <chrono>
 
 #include "l10n/error_description.h"
 
@@ -11,8 +11,8 @@ namespace vantoro {
 namespace {
 
 /// Rounded up: a loss is never told to be nothing.
-std::int64_t wholeSeconds(double seconds) {
-    return static_cast<std::int64_t>(std::ceil(seconds));
+std::int64_t wholeSeconds(SoundLoss::Duration length) {
+    return std::chrono::ceil<std::chrono::seconds>(length).count();
 }
 
 std::string secondsInEnglish(std::int64_t number) {
@@ -45,16 +45,17 @@ std::string L10n::recovered(std::size_t count) const {
                       : "已恢复并保存 " + number + " 段此前中断的录音。";
 }
 
-std::string L10n::soundNotTakenInTime(double seconds) const {
-    const auto number = wholeSeconds(seconds);
+std::string L10n::soundNotTakenInTime(SoundLoss::Duration length) const {
+    const auto number = wholeSeconds(length);
     return language() == AppLanguage::english
                ? "The computer did not keep up: " + secondsInEnglish(number) +
                      " of the recording " + (number == 1 ? "is" : "are") + " silent."
                : "电脑一度没有响应，录音中有约 " + std::to_string(number) + " 秒没有声音。";
 }
 
-std::string L10n::soundNotWritten(double seconds, const std::exception_ptr& reason) const {
-    const auto number = wholeSeconds(seconds);
+std::string L10n::soundNotWritten(SoundLoss::Duration length,
+                                  const std::exception_ptr& reason) const {
+    const auto number = wholeSeconds(length);
     if (language() == AppLanguage::english) {
         return "About " + secondsInEnglish(number) + " of sound could not be written to the disk" +
                (reason ? ": " + errorReason(reason, AppLanguage::english) + "."

@@ -12,7 +12,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "engine/source_watch.h"
+#include "engine/recording_types.h"
 #include "l10n/app_language.h"
 #include "l10n/preferences.h"
 
@@ -101,11 +101,11 @@ public:
     /// That so many interrupted recordings were saved.
     std::string recovered(std::size_t count) const;
 
-    /// That so many seconds are silent, since the program stood still.
-    std::string soundNotTakenInTime(double seconds) const;
+    /// That so much is silent, since the program stood still.
+    std::string soundNotTakenInTime(SoundLoss::Duration length) const;
 
-    /// That so many seconds could not be written, and why; null where the disk was only too slow.
-    std::string soundNotWritten(double seconds, const std::exception_ptr& reason) const;
+    /// That so much could not be written, and why; null where the disk was only too slow.
+    std::string soundNotWritten(SoundLoss::Duration length, const std::exception_ptr& reason) const;
 
     /// That all else is saved: a sentence to go with those two.
     std::string restSaved() const;

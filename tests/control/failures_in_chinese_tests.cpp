@@ -54,7 +54,8 @@ TEST_F(FailuresInChineseTest, fullDiskIsToldAsWhatEndedTheRecordingThatIsSaved) 
 TEST_F(FailuresInChineseTest, soundThatFoundNoRoomIsToldWithTheSavedRecording) {
     record();
     recorder.duringStop = [this] {
-        recorder.recorder->onSoundLoss({SoundLoss::Cause::notWritten, 2, std::nullopt, fullDisk()});
+        recorder.recorder->onSoundLoss(
+            {SoundLoss::Cause::notWritten, SoundLoss::Duration(2), std::nullopt, fullDisk()});
     };
     model->toggleRecording();
     scheduler.settle();

@@ -20,13 +20,14 @@ protected:
     }
 
     void standStill(AudioLevelSource source, double seconds) {
-        lose({SoundLoss::Cause::notTakenInTime, seconds, source, nullptr});
+        lose({SoundLoss::Cause::notTakenInTime, SoundLoss::Duration(seconds), source, nullptr});
     }
 
     void loseAtTheEnd(double seconds) {
         recorder.duringStop = [this, seconds] {
-            recorder.recorder->onSoundLoss(
-                {SoundLoss::Cause::notWritten, seconds, std::nullopt, failure("No room")});
+            recorder.recorder->onSoundLoss({SoundLoss::Cause::notWritten,
+                                            SoundLoss::Duration(seconds), std::nullopt,
+                                            failure("No room")});
         };
     }
 };

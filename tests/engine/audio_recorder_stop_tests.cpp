@@ -341,7 +341,7 @@ TEST_F(AudioRecorderStop, soundThatCouldNotBeWrittenIsToldAndTheTemporaryFileIsS
     EXPECT_EQ(recorder.stop(1, 1), finalFile);
     ASSERT_EQ(told.size(), 1U);
     EXPECT_EQ(told.front().cause, SoundLoss::Cause::notWritten);
-    EXPECT_EQ(told.front().seconds, 7.5);
+    EXPECT_EQ(told.front().length.count(), 7.5);
     EXPECT_EQ(told.front().source, std::nullopt);
     EXPECT_EQ(whatOf(told.front().reason), "No space left on device");
     auto aside = finalFile;
@@ -361,7 +361,7 @@ TEST_F(AudioRecorderStop, soundThatTheFileHadNoRoomForIsTold) {
     recorder.stop(1, 1);
     ASSERT_EQ(told.size(), 1U);
     EXPECT_EQ(told.front().cause, SoundLoss::Cause::notWritten);
-    EXPECT_DOUBLE_EQ(told.front().seconds, 0.02) << "the longer of both";
+    EXPECT_DOUBLE_EQ(told.front().length.count(), 0.02) << "the longer of both";
 }
 
 TEST_F(AudioRecorderStop, nothingIsToldLostOfARecordingThatIsWhole) {
@@ -388,8 +388,10 @@ TEST_F(AudioRecorderStop, soundThatWasNotTakenInTimeIsTold) {
     capture.loseSound(AudioLevelSource::microphone, 0.25);
     recorder.stop(1, 1);
     constexpr auto cause = SoundLoss::Cause::notTakenInTime;
-    EXPECT_EQ(told, (std::vector<SoundLoss>{{cause, 2.5, AudioLevelSource::systemAudio, nullptr},
-                                            {cause, 0.25, AudioLevelSource::microphone, nullptr}}));
+    EXPECT_EQ(told,
+              (std::vector<SoundLoss>{
+                  {cause, SoundLoss::Duration(2.5), AudioLevelSource::systemAudio, nullptr},
+                  {cause, SoundLoss::Duration(0.25), AudioLevelSource::microphone, nullptr}}));
 }
 
 TEST_F(AudioRecorderStop, aLossThatNobodyListensForIsNoFailure) {

@@ -46,7 +46,7 @@ TEST(DiskRoomTest, followsFromWhatIsFreeAndWhatTheFinalFileNeeds) {
              Row{unlimited, 0, bothTracks, enough, 2'127'652'142'295},
              Row{unlimited, 1'000'000'000, bothTracks, enough, 2'127'644'299'158},
          }) {
-        EXPECT_EQ(diskRoom(row.available, row.recordedSeconds, row.bitRate),
+        EXPECT_EQ(diskRoom(row.available, std::chrono::seconds(row.recordedSeconds), row.bitRate),
                   (DiskRoom{row.advice, row.minutesLeft}))
             << row.available << " bytes after " << row.recordedSeconds << " s";
     }
@@ -68,7 +68,7 @@ TEST(DiskRoomTest, whatEndsInTimeHasRoomForItsFinalFile) {
     std::int64_t seconds = 1;
     for (;; seconds += 10) {
         const auto used = static_cast<std::uint64_t>(seconds) * mostBytesPerSecond;
-        const auto advice = diskRoom(disk - used, seconds, bothTracks).advice;
+        const auto advice = diskRoom(disk - used, std::chrono::seconds(seconds), bothTracks).advice;
         if (advice == tell && told < 0) {
             told = seconds;
         }

@@ -181,20 +181,22 @@ TEST_F(ComposedTextTest, anyOtherNumberOfRecoveredRecordingsIsCountedWithoutGrou
 }
 
 TEST_F(ComposedTextTest, lostSoundIsToldInWholeSecondsThatAreNeverNone) {
-    EXPECT_EQ(english.soundNotTakenInTime(0.2),
+    EXPECT_EQ(english.soundNotTakenInTime(SoundLoss::Duration(0.2)),
               "The computer did not keep up: 1 second of the recording is silent.");
-    EXPECT_EQ(english.soundNotTakenInTime(12),
+    EXPECT_EQ(english.soundNotTakenInTime(SoundLoss::Duration(12)),
               "The computer did not keep up: 12 seconds of the recording are silent.");
-    EXPECT_EQ(chinese.soundNotTakenInTime(1.5), "电脑一度没有响应，录音中有约 2 秒没有声音。");
+    EXPECT_EQ(chinese.soundNotTakenInTime(SoundLoss::Duration(1.5)),
+              "电脑一度没有响应，录音中有约 2 秒没有声音。");
     const auto reason = std::make_exception_ptr(FileFailure(FileAction::write, "a", EIO));
-    EXPECT_EQ(english.soundNotWritten(7.5, reason),
+    EXPECT_EQ(english.soundNotWritten(SoundLoss::Duration(7.5), reason),
               "About 8 seconds of sound could not be written to the disk: Cannot write a: "
               "Input/output error.");
-    EXPECT_EQ(english.soundNotWritten(0.5, nullptr),
+    EXPECT_EQ(english.soundNotWritten(SoundLoss::Duration(0.5), nullptr),
               "About 1 second of sound could not be written to the disk, which was too slow.");
-    EXPECT_EQ(chinese.soundNotWritten(7.5, reason),
+    EXPECT_EQ(chinese.soundNotWritten(SoundLoss::Duration(7.5), reason),
               "约 8 秒的声音未能写入磁盘：无法写入 a：输入/输出错误。");
-    EXPECT_EQ(chinese.soundNotWritten(1, nullptr), "约 1 秒的声音未能写入磁盘：磁盘太慢。");
+    EXPECT_EQ(chinese.soundNotWritten(SoundLoss::Duration(1), nullptr),
+              "约 1 秒的声音未能写入磁盘：磁盘太慢。");
 }
 
 TEST_F(ComposedTextTest, recordingThatCouldNotBeSavedIsToldWithItsPlace) {
