@@ -12,7 +12,7 @@ namespace vantoro {
 
 namespace {
 
-std::exception_ptr causeOf(const FileWriter* writer, FailureCode unknown) {
+std::exception_ptr causeOf(const RecordingWriter* writer, FailureCode unknown) {
     const auto known = writer != nullptr ? writer->error() : nullptr;
     return known ? known : std::make_exception_ptr(Failure(unknown));
 }
