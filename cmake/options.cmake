@@ -42,10 +42,10 @@ function(vantoro_option_texts file)
     cmake_path(GET produced PARENT_PATH folder)
     file(MAKE_DIRECTORY ${folder})
     add_custom_command(OUTPUT ${produced}
-        COMMAND Python3::Interpreter ${PROJECT_SOURCE_DIR}/app/option_texts.py
+        COMMAND Python3::Interpreter ${PROJECT_SOURCE_DIR}/app/commands/option_texts.py
             ${CMAKE_CURRENT_SOURCE_DIR}/${file}.in ${produced}
-        DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${file}.in ${PROJECT_SOURCE_DIR}/app/option_texts.py
-            ${PROJECT_SOURCE_DIR}/app/options.toml
+        DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${file}.in ${PROJECT_SOURCE_DIR}/app/commands/option_texts.py
+            ${PROJECT_SOURCE_DIR}/app/commands/options.toml
         VERBATIM)
 endfunction()
 

@@ -6,8 +6,8 @@
 
 #include <QtCore/QObject>
 
+#include "engine/recorder/source_watch.h"
 #include "engine/recording_types.h"
-#include "engine/source_watch.h"
 
 namespace vantoro {
 

@@ -14,8 +14,8 @@
 #include "control/audio_level_store.h"
 #include "control/recording_state.h"
 #include "engine/ports/permissions.h"
+#include "engine/recorder/source_watch.h"
 #include "engine/recording_types.h"
-#include "engine/source_watch.h"
 
 namespace vantoro {
 

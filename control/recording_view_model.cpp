@@ -9,7 +9,7 @@
 #include "control/microphone_choice.h"
 #include "control/recording_folder.h"
 #include "control/transitions.h"
-#include "l10n/error_description.h"
+#include "l10n/texts/error_description.h"
 
 namespace vantoro {
 

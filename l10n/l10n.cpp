@@ -4,7 +4,7 @@
 
 #include <chrono>
 
-#include "l10n/error_description.h"
+#include "l10n/texts/error_description.h"
 
 namespace vantoro {
 

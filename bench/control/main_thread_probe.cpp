@@ -20,9 +20,9 @@
 #include <QtCore/QSocketNotifier>
 #include <QtCore/QTimer>
 
-#include "app/recording_platform.h"
+#include "app/platform/recording_platform.h"
 #include "control/recording_view_model.h"
-#include "engine/audio_recorder.h"
+#include "engine/recorder/audio_recorder.h"
 #include "l10n/settings_file.h"
 
 namespace vantoro {

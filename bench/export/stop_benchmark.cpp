@@ -18,7 +18,7 @@
 #include "bench/support/table.h"
 #include "bench/support/temporary_folder.h"
 #include "bench/support/test_movie.h"
-#include "engine/track_mixing.h"
+#include "engine/recorder/track_mixing.h"
 #include "platform/ffmpeg/toolkit.h"
 #include "platform/posix/posix_file_system.h"
 

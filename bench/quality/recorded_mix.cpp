@@ -13,7 +13,7 @@
 #include <vector>
 
 #include "bench/support/samples.h"
-#include "engine/track_mixing.h"
+#include "engine/recorder/track_mixing.h"
 #include "platform/ffmpeg/toolkit.h"
 #include "platform/posix/posix_file_system.h"
 

@@ -13,8 +13,8 @@
 
 #include <QCoreApplication>
 
-#include "app/recording_platform.h"
-#include "engine/audio_recorder.h"
+#include "app/platform/recording_platform.h"
+#include "engine/recorder/audio_recorder.h"
 #include "platform/desktop/bus/silent_buses.h"
 #include "platform/desktop/realtime_services.h"
 #include "platform/pipewire/bus_use.h"

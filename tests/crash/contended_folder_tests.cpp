@@ -9,7 +9,7 @@
 
 #include <gtest/gtest.h>
 
-#include "engine/output_place.h"
+#include "engine/files/output_place.h"
 #include "platform/posix/posix_file_system.h"
 #include "tests/platform/posix/disk.h"
 

@@ -8,10 +8,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "engine/salvage.h"
+#include "engine/recorder/salvage.h"
 #include "platform/ffmpeg/toolkit.h"
 #include "platform/posix/posix_file_system.h"
-#include "tests/crash/recorder_on_disk.h"
+#include "tests/crash/support/recorder_on_disk.h"
 #include "tests/media/support/external_programs.h"
 #include "tests/media/support/movie_recording.h"
 #include "tests/platform/posix/disk.h"

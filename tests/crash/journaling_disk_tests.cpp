@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "tests/crash/journaling_disk.h"
+#include "tests/crash/support/journaling_disk.h"
 
 #include <set>
 

@@ -8,11 +8,11 @@
 
 #include <gtest/gtest.h>
 
-#include "engine/salvage.h"
+#include "engine/recorder/salvage.h"
 #include "platform/ffmpeg/toolkit.h"
 #include "platform/posix/system_clock.h"
-#include "tests/crash/journaling_disk.h"
-#include "tests/crash/recorder_on_disk.h"
+#include "tests/crash/support/journaling_disk.h"
+#include "tests/crash/support/recorder_on_disk.h"
 #include "tests/media/support/external_programs.h"
 
 namespace vantoro::testing {

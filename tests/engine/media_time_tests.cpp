@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "engine/audio_recorder.h"
+#include "engine/recorder/audio_recorder.h"
 
 namespace vantoro {
 namespace {

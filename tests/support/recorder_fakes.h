@@ -15,7 +15,7 @@
 #include <thread>
 #include <vector>
 
-#include "engine/audio_recorder.h"
+#include "engine/recorder/audio_recorder.h"
 
 namespace vantoro::testing {
 

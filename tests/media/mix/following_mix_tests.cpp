@@ -8,7 +8,7 @@
 
 #include <gtest/gtest.h>
 
-#include "engine/track_mixing.h"
+#include "engine/recorder/track_mixing.h"
 #include "media/boxes/box_reader.h"
 #include "platform/ffmpeg/toolkit.h"
 #include "tests/media/support/memory_file_system.h"

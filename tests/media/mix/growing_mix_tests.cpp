@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include "engine/track_mixing.h"
+#include "engine/recorder/track_mixing.h"
 #include "platform/ffmpeg/ffmpeg_coding.h"
 #include "platform/ffmpeg/toolkit.h"
 #include "tests/media/support/memory_file_system.h"

@@ -8,7 +8,7 @@
 #include <cmath>
 #include <limits>
 
-#include "engine/output_place.h"
+#include "engine/files/output_place.h"
 #include "engine/recording_types.h"
 #include "media/coding/aac.h"
 #include "media/mix/coded_chunk.h"

@@ -6,8 +6,8 @@
 
 #include <gtest/gtest.h>
 
-#include "control/qt_scheduler.h"
 #include "control/recording_view_model.h"
+#include "control/tasks/qt_scheduler.h"
 #include "tests/control/control_fakes.h"
 #include "tests/control/event_loop.h"
 #include "tests/l10n/memory_preferences.h"

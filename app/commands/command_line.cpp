@@ -1,0 +1,193 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "app/commands/command_line.h"
+
+#include <cmath>
+#include <map>
+
+#include "app/commands/options.h"
+
+namespace vantoro {
+
+namespace {
+
+/// In both of the program's languages, UTF-8. "%1" and "%2" stand for words of the command line.
+struct Message {
+    const char* english;
+    const char* chinese;
+};
+
+constexpr Message unknownCommand{"Unknown command \"%1\".", "未知命令“%1”。"};
+constexpr Message unknownOption{"Unknown option \"%1\".", "未知选项“%1”。"};
+constexpr Message unexpectedArgument{"Unexpected argument \"%1\".", "多余的参数“%1”。"};
+constexpr Message missingValue{"--%1 needs a value.", "--%1 需要一个值。"};
+constexpr Message unexpectedValue{"--%1 takes no value.", "--%1 不能带值。"};
+constexpr Message notSeconds{"--%1 needs a number greater than 0, not \"%2\".",
+                             "--%1 的值必须是大于 0 的数，不能是“%2”。"};
+constexpr Message notGain{"--%1 needs a number that is 0 or greater, not \"%2\".",
+                          "--%1 的值必须是不小于 0 的数，不能是“%2”。"};
+constexpr Message notFolder{"--%1 needs the name of a folder.", "--%1 需要文件夹的名称。"};
+constexpr Message notLanguage{"--%1 needs zh-Hans or en, not \"%2\".",
+                              "--%1 的值必须是 zh-Hans 或 en，不能是“%2”。"};
+
+/// Ends the reading of an invalid command line.
+struct BadUsage {
+    Message message;
+    QString word;
+    std::optional<QString> value = {}; ///< where the message has a "%2"
+
+    std::string text(AppLanguage language) const {
+        const bool isEnglish = language == AppLanguage::english;
+        const auto text = QString::fromUtf8(isEnglish ? message.english : message.chinese);
+        const auto filled = value ? text.arg(word, *value) : text.arg(word);
+        return filled.toStdString() +
+               (isEnglish ? " See vantoro --help." : "请参阅 vantoro --help。");
+    }
+};
+
+/// The options that one command line gives. Of an option that it gives twice, the last value
+/// counts.
+class GivenOptions {
+public:
+    /// Throws `BadUsage` for anything but options of the command and their values.
+    GivenOptions(const QString& command, QStringList words) {
+        while (!words.isEmpty()) {
+            const QString word = words.takeFirst();
+            if (!word.startsWith('-')) {
+                throw BadUsage{unexpectedArgument, word};
+            }
+            const auto& option = find(command, word.section('=', 0, 0));
+            if (word.contains('=') && !option.takesValue) {
+                throw BadUsage{unexpectedValue, option.name};
+            }
+            if (word.contains('=')) {
+                words.prepend(word.section('=', 1));
+            }
+            if (option.takesValue && words.isEmpty()) {
+                throw BadUsage{missingValue, option.name};
+            }
+            values_[option.name] = option.takesValue ? words.takeFirst() : QString();
+        }
+    }
+
+    bool has(const QString& name) const { return values_.contains(name); }
+
+    std::optional<QString> value(const QString& name) const {
+        const auto found = values_.find(name);
+        return found == values_.end() ? std::nullopt : std::optional(found->second);
+    }
+
+private:
+    static const CommandOption& find(const QString& command, const QString& word) {
+        for (const auto& option : commandOptions()) {
+            if (command == option.command && word == QString("--") + option.name) {
+                return option;
+            }
+        }
+        throw BadUsage{unknownOption, word};
+    }
+
+    std::map<QString, QString> values_;
+};
+
+std::optional<double> number(const GivenOptions& options, const QString& name,
+                             bool (*isAllowed)(double), const Message& fault) {
+    const auto given = options.value(name);
+    if (!given) {
+        return std::nullopt;
+    }
+    bool isNumber = false;
+    const double value = given->toDouble(&isNumber);
+    if (!isNumber || !std::isfinite(value) || !isAllowed(value)) {
+        throw BadUsage{fault, name, *given};
+    }
+    return value;
+}
+
+std::optional<float> gain(const GivenOptions& options, const QString& name) {
+    const auto isGain = [](double value) {
+        return value >= 0 && std::isfinite(static_cast<float>(value));
+    };
+    const auto value = number(options, name, isGain, notGain);
+    return value ? std::optional(static_cast<float>(*value)) : std::nullopt;
+}
+
+std::optional<std::filesystem::path> folderOf(const GivenOptions& options) {
+    const auto given = options.value("folder");
+    if (given && given->isEmpty()) {
+        throw BadUsage{notFolder, "folder"};
+    }
+    return given ? std::optional<std::filesystem::path>(given->toStdString()) : std::nullopt;
+}
+
+std::optional<AppLanguage> languageOption(const GivenOptions& options) {
+    const auto given = options.value("language");
+    const auto chosen = given ? languageOf(given->toStdString()) : std::nullopt;
+    if (given && !chosen) {
+        throw BadUsage{notLanguage, "language", *given};
+    }
+    return chosen;
+}
+
+RecordCommand recordCommand(const GivenOptions& options) {
+    RecordCommand command;
+    command.seconds =
+        number(options, "seconds", [](double value) { return value > 0; }, notSeconds);
+    command.folder = folderOf(options);
+    command.systemAudio = !options.has("no-system-audio");
+    command.microphone = !options.has("no-microphone");
+    if (const auto identifier = options.value("microphone")) {
+        command.microphoneID = identifier->toStdString();
+    }
+    command.systemVolume = gain(options, "system-volume").value_or(command.systemVolume);
+    command.microphoneVolume =
+        gain(options, "microphone-volume").value_or(command.microphoneVolume);
+    command.language = languageOption(options);
+    return command;
+}
+
+Command parseOrThrow(const QStringList& arguments, AppLanguage ownLanguage) {
+    if (arguments.contains("--help") || arguments.contains("-h")) {
+        return PrintCommand{std::string(helpText(ownLanguage))};
+    }
+    const QString first = arguments.value(0);
+    const QStringList others = arguments.mid(1);
+    if (first == "record") {
+        return recordCommand({first, others});
+    }
+    if (first == "devices") {
+        const GivenOptions none(first, others);
+        return DevicesCommand{};
+    }
+    if (first == "recover") {
+        return RecoverCommand{folderOf({first, others})};
+    }
+    if (first == "doctor") {
+        return DoctorCommand{languageOption({first, others})};
+    }
+    if (first == "--version" || first == "-v") {
+        const GivenOptions none({}, others);
+        return PrintCommand{"vantoro " VANTORO_VERSION "\n"};
+    }
+    throw BadUsage{unknownCommand, first};
+}
+
+/// The language that the command line itself asks for.
+std::optional<AppLanguage> languageIn(const QStringList& arguments) {
+    const auto words = arguments.join('=').split('=');
+    const auto option = words.lastIndexOf("--language");
+    return option < 0 ? std::nullopt : languageOf(words.value(option + 1).toStdString());
+}
+
+} // namespace
+
+Command parseCommandLine(const QStringList& arguments, AppLanguage usersLanguage) {
+    const auto chosen = languageIn(arguments).value_or(usersLanguage);
+    try {
+        return parseOrThrow(arguments, chosen);
+    } catch (const BadUsage& bad) {
+        return UsageError{bad.text(chosen)};
+    }
+}
+
+} // namespace vantoro

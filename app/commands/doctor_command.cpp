@@ -1,0 +1,114 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "app/commands/doctor_command.h"
+
+#include <chrono>
+#include <cstddef>
+#include <future>
+#include <optional>
+#include <thread>
+#include <utility>
+
+#include "app/ending/ending.h"
+#include "engine/recorder/salvage.h"
+#include "platform/desktop/bus/bus_addresses.h"
+#include "platform/desktop/permission/microphone_access.h"
+#include "platform/ffmpeg/loaded_toolkit.h"
+#include "platform/pipewire/sound_server.h"
+#include "platform/posix/posix_file_system.h"
+
+namespace vantoro {
+
+namespace {
+
+constexpr std::chrono::seconds serviceLimit(2);
+/// For what limits itself to the former, and may have to wait for a processor besides.
+constexpr std::chrono::seconds threadLimit(3);
+
+/// An answer that comes from a thread of its own: a disk may take minutes. Waits for the thread at
+/// its end.
+template <class Value>
+class Awaited {
+public:
+    template <class Question>
+    explicit Awaited(Question question)
+        : task_(std::move(question)), answer_(task_.get_future()), thread_([this] { task_(); }) {}
+
+    /// Nothing where it has not come in time. Throws what the question did. Once.
+    std::optional<Value> get() {
+        return hasCome(deadline_) ? std::optional(answer_.get()) : std::nullopt;
+    }
+
+    /// Whether the thread is still at it.
+    bool isUnanswered() const { return answer_.valid() && !hasCome(Clock::now()); }
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    bool hasCome(Clock::time_point deadline) const {
+        return answer_.wait_until(deadline) == std::future_status::ready;
+    }
+
+    Clock::time_point deadline_ = Clock::now() + threadLimit;
+    std::packaged_task<Value()> task_;
+    std::future<Value> answer_;
+    std::jthread thread_;
+};
+
+FolderCheck askDisk(const std::filesystem::path& folder) {
+    posix::PosixFileSystem fileSystem;
+    return checkFolder(fileSystem, folder);
+}
+
+std::size_t askForInterrupted(const std::filesystem::path& folder) {
+    posix::PosixFileSystem fileSystem;
+    ffmpeg::LoadedToolkit mediaToolkit(fileSystem);
+    return recordingsToRecover(mediaToolkit, fileSystem, folder);
+}
+
+/// Nothing is known of a bus that is silent, nor of what is on it.
+desktop::DesktopSurvey askDesktop(const desktop::SilentBuses& silent) {
+    auto found = desktop::surveyDesktop(desktop::standardBusAddresses(), serviceLimit);
+    if (silent.session) {
+        found.sessionBus = found.statusArea = found.portal = desktop::Presence::unknown;
+    }
+    if (silent.system) {
+        found.sleepDelay = desktop::SleepDelay::unknown;
+    }
+    return found;
+}
+
+/// Nothing is known of it on a bus that does not answer.
+std::optional<desktop::MicrophoneFacts> askForMicrophone(desktop::Presence sessionBus) {
+    return sessionBus == desktop::Presence::unknown
+               ? std::nullopt
+               : std::optional(desktop::microphoneFacts(desktop::standardBusAddresses().session));
+}
+
+} // namespace
+
+int examine(const std::filesystem::path& recordingFolder, const desktop::SilentBuses& silent,
+            const std::function<int(const DoctorFindings& findings)>& report) {
+    Awaited<std::optional<capture::SoundSurvey>> sound(
+        [] { return pipewire::SoundServer(serviceLimit).survey(); });
+    Awaited<FolderCheck> folder([recordingFolder] { return askDisk(recordingFolder); });
+    Awaited<std::size_t> interrupted(
+        [recordingFolder] { return askForInterrupted(recordingFolder); });
+    const auto desktop = askDesktop(silent);
+    Awaited<std::optional<desktop::MicrophoneFacts>> microphone(
+        [bus = desktop.sessionBus] { return askForMicrophone(bus); });
+    const int status = report({.soundLibraryVersion = pipewire::soundLibraryVersion(),
+                               .sound = sound.get().value_or(std::nullopt),
+                               .desktop = desktop,
+                               .microphone = microphone.get().value_or(std::nullopt),
+                               .recordingFolder = recordingFolder,
+                               .folder = folder.get(),
+                               .interruptedRecordings = interrupted.get()});
+    if (sound.isUnanswered() || microphone.isUnanswered() || folder.isUnanswered() ||
+        interrupted.isUnanswered()) {
+        Ending::leaveProcess(status, {}); // nothing else ends a thread that hangs
+    }
+    return status;
+}
+
+} // namespace vantoro

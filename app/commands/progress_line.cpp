@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "app/commands/progress_line.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "control/elapsed_time.h"
+
+namespace vantoro {
+
+namespace {
+
+std::string meter(const std::string& name, double level, const std::string& condition) {
+    constexpr int width = 20;
+    const int filled = std::clamp(static_cast<int>(std::lround(level * width)), 0, width);
+    return "  " + name + " [" + std::string(static_cast<std::size_t>(filled), '#') +
+           std::string(static_cast<std::size_t>(width - filled), '-') + "]" +
+           (condition.empty() ? condition : " " + condition + "!");
+}
+
+} // namespace
+
+std::string recordingLine(const RecordingProperties::Values& values, const L10n& texts) {
+    auto line = formattedElapsedTime(values.elapsedSeconds);
+    if (values.captureSystemAudio) {
+        line += meter(texts.text(L10n::Key::systemMeter), values.systemAudioLevel,
+                      texts.conditionInShort(values.systemAudioCondition));
+    }
+    if (values.captureMicrophone) {
+        line += meter(texts.text(L10n::Key::microphoneMeter), values.microphoneLevel,
+                      texts.conditionInShort(values.microphoneCondition));
+    }
+    return line;
+}
+
+std::string savingLine(double fraction, const L10n& texts) {
+    return texts.text(L10n::Key::saving) + " " +
+           std::to_string(std::clamp(std::lround(fraction * 100), 0L, 100L)) + " %";
+}
+
+} // namespace vantoro

@@ -1,0 +1,191 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "app/commands/record_command.h"
+
+#include <algorithm>
+#include <chrono>
+#include <iostream>
+
+#include <QtCore/QCoreApplication>
+
+#include "app/commands/progress_line.h"
+#include "control/transitions.h"
+#include "l10n/texts/command_texts.h"
+#include "l10n/texts/error_description.h"
+
+namespace vantoro {
+
+namespace {
+
+using namespace std::chrono_literals;
+using Case = RecordingState::Case;
+
+constexpr auto lineInterval = 100ms;
+constexpr auto longestWait = 24h; // of one timer, which cannot count much further
+constexpr double foreverSeconds = 1e9;
+
+} // namespace
+
+RecordRun::RecordRun(const RecordCommand& command, Ending& ending, const Preferences& preferences)
+    : command_(command), ending_(ending), texts_(preferences) {
+    endTimer_.setSingleShot(true);
+    endTimer_.setTimerType(Qt::PreciseTimer);
+    connect(&endTimer_, &QTimer::timeout, this, &RecordRun::waitForTheEnd);
+    connect(&lineTimer_, &QTimer::timeout, this, &RecordRun::showLine);
+}
+
+int RecordRun::run(RecordingViewModel& model) {
+    model.setCaptureSystemAudio(command_.systemAudio);
+    model.setCaptureMicrophone(command_.microphone);
+    model.setSystemVolume(command_.systemVolume);
+    model.setMicrophoneVolume(command_.microphoneVolume);
+    if (!model.canStart()) {
+        terminal_.message(errorDescription(RecordingError(RecordingError::Case::noAudioSource),
+                                           texts_.language()));
+        return 1;
+    }
+    if (command_.microphoneID) {
+        model.setSelectedMicrophoneID(command_.microphoneID);
+    }
+    model_ = &model;
+    const int status = runUntilItIsOver();
+    model_ = nullptr;
+    return status;
+}
+
+int RecordRun::runUntilItIsOver() {
+    // Behind the change, not within it: what the answer sets off finds the model at rest.
+    connect(model_, &RecordingProperties::stateChanged, this, &RecordRun::stateChanged,
+            Qt::QueuedConnection);
+    connect(model_, &RecordingProperties::stateChanged, this, &RecordRun::followForTheEnd);
+    connect(model_, &RecordingProperties::propertyChanged, this, [this](auto property) {
+        if (property == RecordingProperties::Property::errorMessage) {
+            showMessage(model_->values());
+        } else if (property == RecordingProperties::Property::savingProgress) {
+            showSaving();
+        }
+    });
+    followForTheEnd();
+    const Ending::Attendance attendance(ending_, [this] {
+        QMetaObject::invokeMethod(this, &RecordRun::stopWanted, Qt::QueuedConnection);
+    });
+    model_->startRecording();
+    const int status = QCoreApplication::exec();
+    ending_.concluded(status);
+    return status;
+}
+
+void RecordRun::followForTheEnd() {
+    ending_.moved({.state = model_->values().state.which(),
+                   .folder = model_->values().outputDirectory,
+                   .language = texts_.language()});
+}
+
+void RecordRun::stateChanged() {
+    const auto now = model_->values().state.which();
+    if (now == std::exchange(state_, now)) {
+        return; // it has changed twice since
+    }
+    switch (now) {
+    case Case::recording:
+        recordingBegan();
+        break;
+    case Case::processing:
+        hasBegun_ = true;
+        lineTimer_.stop();
+        showSaving();
+        break;
+    case Case::completed:
+        QCoreApplication::exit(printResult());
+        break;
+    case Case::failed:
+        recordingFailed();
+        break;
+    default:
+        break;
+    }
+}
+
+/// What comes while it records; at the end, messages are shown with what they are about.
+void RecordRun::showMessage(const RecordingProperties::Values& values) {
+    if (values.errorMessage && isUnderWay(values.state.which())) {
+        terminal_.message(*values.errorMessage);
+    }
+}
+
+void RecordRun::recordingBegan() {
+    hasBegun_ = true;
+    if (command_.seconds && *command_.seconds <= foreverSeconds) {
+        end_ = Clock::now() + std::chrono::duration_cast<Clock::duration>(
+                                  std::chrono::duration<double>(*command_.seconds));
+        waitForTheEnd();
+    }
+    if (terminal_.isLive()) {
+        showLine();
+        lineTimer_.start(lineInterval);
+    }
+}
+
+void RecordRun::waitForTheEnd() {
+    if (!end_) {
+        return;
+    }
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(*end_ - Clock::now());
+    if (left.count() <= 0) {
+        stopWanted();
+    } else {
+        endTimer_.start(std::min<std::chrono::milliseconds>(left, longestWait));
+    }
+}
+
+void RecordRun::stopWanted() {
+    if (state_ == Case::failed) {
+        QCoreApplication::exit(1); // what is being salvaged stays for another time
+    } else {
+        model_->stopRecording();
+    }
+}
+
+void RecordRun::recordingFailed() {
+    terminal_.message(model_->values().errorMessage.value_or(std::string()));
+    if (!hasBegun_) {
+        QCoreApplication::exit(1);
+        return;
+    }
+    // The salvage that follows may yet make a file of what was captured.
+    connect(model_, &RecordingViewModel::salvageEnded, this, [this] {
+        if (model_->values().state.which() == Case::failed) {
+            QCoreApplication::exit(1);
+        }
+    });
+}
+
+void RecordRun::showLine() {
+    if (model_->values().state.which() == Case::recording) {
+        terminal_.showLine(recordingLine(model_->values(), texts_));
+    }
+}
+
+void RecordRun::showSaving() {
+    if (state_ == Case::processing || state_ == Case::failed) { // else it is an earlier recording's
+        terminal_.showLine(savingLine(model_->values().savingProgress, texts_));
+    }
+}
+
+int RecordRun::printResult() {
+    const auto& values = model_->values();
+    terminal_.clearLine();
+    if (values.errorMessage) {
+        terminal_.message(*values.errorMessage);
+    }
+    const auto place = values.lastRecordingURL.value_or(std::filesystem::path()).string();
+    std::cout << place << std::endl; // NOLINT(performance-avoid-endl): checked below
+    if (!std::cout) {
+        terminal_.message(
+            commandText(CommandText::recordingNotPrinted, texts_.language(), {place}));
+        return 1;
+    }
+    return model_->hasLostSound() ? 1 : 0;
+}
+
+} // namespace vantoro

@@ -1,0 +1,85 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "app/commands/recover_command.h"
+
+#include <iostream>
+#include <stop_token>
+#include <system_error>
+
+#include "app/commands/progress_line.h"
+#include "app/commands/terminal.h"
+#include "l10n/texts/command_texts.h"
+
+namespace vantoro {
+
+namespace {
+
+/// The exit status when final files were made, but not of all that was recorded.
+constexpr int partlyUnreadable = 3;
+
+bool isFolder(const std::filesystem::path& path) {
+    std::error_code error;
+    return std::filesystem::is_directory(path, error);
+}
+
+/// Whether the result could be printed.
+bool print(const std::vector<std::filesystem::path>& files) {
+    for (const auto& file : files) {
+        std::cout << file.string() << "\n";
+    }
+    std::cout << std::flush;
+    return std::cout.good();
+}
+
+/// The exit status.
+int report(const SalvageResult& result, const std::filesystem::path& folder, Terminal& terminal,
+           const L10n& texts) {
+    for (const auto& failure : result.failures) {
+        terminal.message(texts.notRecovered(failure.location, failure.error));
+    }
+    for (const auto& original : result.keptOriginals) {
+        terminal.message(texts.originalKept(original));
+    }
+    if (!print(result.recordings)) {
+        terminal.message(
+            commandText(CommandText::recordingsNotPrinted, texts.language(), {folder.string()}));
+        return 1;
+    }
+    if (!result.failures.empty()) {
+        return 1;
+    }
+    return result.keptOriginals.empty() ? 0 : partlyUnreadable;
+}
+
+int recover(const std::filesystem::path& folder, const SalvagePlatform& platform, Ending& ending,
+            Terminal& terminal, const L10n& texts) {
+    std::stop_source stop;
+    ending.moved({.folder = folder, .language = texts.language()});
+    const Ending::Attendance attendance(ending, [&stop] { stop.request_stop(); });
+    const auto result =
+        recoverIncompleteRecordings(platform, folder, stop.get_token(), [&](double fraction) {
+            ending.moved();
+            terminal.showLine(savingLine(fraction, texts));
+        });
+    terminal.clearLine();
+    const int status = report(result, folder, terminal, texts);
+    ending.concluded(status);
+    return status;
+}
+
+} // namespace
+
+int runRecoverCommand(const RecoverCommand& command, const std::filesystem::path& defaultFolder,
+                      const SalvagePlatform& platform, Ending& ending, const L10n& texts) {
+    Terminal terminal;
+    // The default one need not have been made yet.
+    if (command.folder && !isFolder(*command.folder)) {
+        terminal.message(
+            commandText(CommandText::folderMissing, texts.language(), {command.folder->string()}));
+        return 1;
+    }
+    const auto folder = std::filesystem::absolute(command.folder.value_or(defaultFolder));
+    return recover(folder, platform, ending, terminal, texts);
+}
+
+} // namespace vantoro

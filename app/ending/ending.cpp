@@ -1,0 +1,153 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "app/ending/ending.h"
+
+#include <cerrno>
+#include <chrono>
+#include <utility>
+
+#include <poll.h>
+#include <unistd.h>
+
+#include "l10n/texts/ending_texts.h"
+
+namespace vantoro {
+
+namespace {
+
+EndingAccount::TimePoint timeNow() {
+    return std::chrono::steady_clock::now();
+}
+
+EndingWork workOf(RecordingState::Case state) {
+    switch (state) {
+    case RecordingState::Case::preparing:
+        return EndingWork::start;
+    case RecordingState::Case::recording:
+    case RecordingState::Case::processing:
+        return EndingWork::saving;
+    default:
+        return EndingWork::salvage;
+    }
+}
+
+std::string textOf(const EndingScene& scene, bool isImpatient) {
+    return scene.folder.empty()
+               ? std::string()
+               : endingText(workOf(scene.state),
+                            isImpatient ? EndingCause::askedAgain : EndingCause::standstill,
+                            scene.folder.string(), scene.language);
+}
+
+} // namespace
+
+Ending::Ending(StopSignals& signals, EndAtOnce endAtOnce)
+    : signals_(signals),
+      endAtOnce_(std::move(endAtOnce)),
+      watcher_([this](const std::stop_token& stop) { watch(stop); }) {}
+
+Ending::~Ending() {
+    watcher_.request_stop();
+    signals_.wake();
+}
+
+Ending::Attendance::Attendance(Ending& ending, std::function<void()> asked) : ending_(ending) {
+    ending_.attend(std::move(asked));
+}
+
+Ending::Attendance::~Attendance() {
+    ending_.attend(nullptr);
+}
+
+void Ending::attend(std::function<void()> asked) {
+    const bool isAttended = static_cast<bool>(asked);
+    {
+        const std::scoped_lock lock(askedMutex_);
+        asked_ = std::move(asked);
+    }
+    const std::scoped_lock lock(mutex_);
+    account_.setAttended(isAttended);
+    signals_.wake();
+}
+
+void Ending::userQuits() {
+    const std::scoped_lock lock(mutex_);
+    account_.asked(EndingRequest::quitting, timeNow());
+    signals_.wake();
+}
+
+void Ending::userStays() {
+    const std::scoped_lock lock(mutex_);
+    account_.quittingCalledOff();
+}
+
+// What only puts the deadline off needs no wake: at the earlier one it is looked at anew.
+void Ending::moved() {
+    const std::scoped_lock lock(mutex_);
+    account_.moved(timeNow());
+}
+
+void Ending::moved(EndingScene scene) {
+    const std::scoped_lock lock(mutex_);
+    scene_ = std::move(scene);
+    account_.moved(timeNow());
+}
+
+void Ending::concluded(int status) {
+    const std::scoped_lock lock(mutex_);
+    account_.concluded(status, timeNow());
+    signals_.wake();
+}
+
+void Ending::watch(const std::stop_token& stop) {
+    while (!stop.stop_requested()) {
+        std::optional<StopSignals::Clock::time_point> deadline;
+        {
+            const std::scoped_lock lock(mutex_);
+            deadline = hasEnded_ ? std::nullopt : account_.deadline();
+        }
+        const auto event = signals_.wait(deadline);
+        if (event == StopSignals::Event::signal) {
+            signalCame(EndingRequest::signal);
+        } else if (event == StopSignals::Event::hangUp) {
+            signalCame(EndingRequest::hangUp);
+        }
+        endIfDue();
+    }
+}
+
+void Ending::signalCame(EndingRequest request) {
+    bool isToBeTold = false;
+    {
+        const std::scoped_lock lock(mutex_);
+        isToBeTold = account_.asked(request, timeNow());
+    }
+    const std::scoped_lock lock(askedMutex_);
+    if (isToBeTold && asked_) {
+        asked_();
+    }
+}
+
+void Ending::endIfDue() {
+    std::unique_lock lock(mutex_);
+    if (hasEnded_ || account_.step(timeNow()) != EndingStep::endAtOnce) {
+        return;
+    }
+    hasEnded_ = true;
+    const int status = account_.status();
+    const auto text = textOf(scene_, account_.isImpatient());
+    lock.unlock();
+    endAtOnce_(status, text);
+}
+
+void Ending::leaveProcess(int status, const std::string& text) {
+    const auto line = (::isatty(STDERR_FILENO) == 1 ? "\r\x1b[K" : "") + text + "\n";
+    pollfd standardError{STDERR_FILENO, POLLOUT, 0};
+    if (!text.empty() && ::poll(&standardError, 1, 0) == 1) {
+        // Whoever cannot be told loses nothing else by it.
+        [[maybe_unused]] const auto written = ::write(STDERR_FILENO, line.data(), line.size());
+    }
+    ::_exit(status);
+}
+
+} // namespace vantoro

@@ -1,0 +1,99 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "app/platform/recording_platform.h"
+
+#include <chrono>
+#include <exception>
+#include <utility>
+
+#include "engine/serial_queue.h"
+#include "platform/desktop/opening/default_recording_folder.h"
+
+namespace vantoro {
+
+namespace {
+
+pipewire::CaptureSettings settingsFor(RecordingPlatform::Meters meters) {
+    pipewire::CaptureSettings settings;
+    if (meters == RecordingPlatform::Meters::none) {
+        settings.deliveryInterval =
+            std::chrono::milliseconds(500); // nobody waits for the next level
+    }
+    return settings;
+}
+
+/// Takes what is captured, and no notice of it.
+class DiscardingReceiver final : public CaptureStreamReceiver {
+public:
+    void didOutputSampleBuffer(const SampleBuffer& /*buffer*/,
+                               AudioLevelSource /*source*/) override {}
+
+    void didLoseSound(AudioLevelSource /*source*/, double /*seconds*/) override {}
+
+    void streamDidStop(std::exception_ptr /*error*/) override {}
+
+    void obstacleDidChange(AudioLevelSource /*source*/, SourceCondition /*obstacle*/) override {}
+};
+
+/// Records a microphone for a moment; whether that is possible.
+bool canOpen(CaptureService& service, const std::optional<std::string>& microphone) {
+    DiscardingReceiver receiver;
+    SerialQueue queue("com.vantoro.microphone-request");
+    const CaptureRequest request{.microphone = true, .microphoneID = microphone};
+    try {
+        const auto stream = service.makeStream(request, queue, receiver);
+        stream->startCapture();
+        stream->stopCapture();
+    } catch (const std::exception&) {
+        return false;
+    }
+    return true;
+}
+
+/// A microphone was chosen from somewhere, yet none is shown to us.
+bool isHidden(AudioDevices& devices, const std::optional<std::string>& microphone) {
+    return microphone && devices.find().microphones.empty();
+}
+
+} // namespace
+
+RecordingPlatform::RecordingPlatform(Meters meters, QtScheduler::TasksBegin tasksBegin)
+    : captureService_(settingsFor(meters)),
+      microphoneAccess_([this] { return canOpen(captureService_, chosenMicrophone()); },
+                        [this] { return isHidden(soundServer_, chosenMicrophone()); }),
+      scheduler_(tasksBegin) {}
+
+void RecordingPlatform::setChosenMicrophone(std::optional<std::string> id) {
+    const std::lock_guard lock(mutex_);
+    chosenMicrophone_ = std::move(id);
+}
+
+std::optional<std::string> RecordingPlatform::chosenMicrophone() {
+    const std::lock_guard lock(mutex_);
+    return chosenMicrophone_;
+}
+
+RecorderPlatform RecordingPlatform::forRecorder() {
+    return {.captureAccess = soundServer_,
+            .microphoneAccess = microphoneAccess_,
+            .captureService = captureService_,
+            .mediaToolkit = mediaToolkit_,
+            .fileSystem = fileSystem_,
+            .clock = clock_};
+}
+
+ControlPlatform RecordingPlatform::forControl(Preferences& preferences,
+                                              std::function<void()> recorderProgressed) {
+    return {.scheduler = scheduler_,
+            .power = power_,
+            .audioDevices = soundServer_,
+            .microphoneAccess = microphoneAccess_,
+            .opener = opener_,
+            .folderDialog = folderDialog_,
+            .preferences = preferences,
+            .levels = AudioLevelStore::shared(),
+            .defaultRecordingFolder = desktop::defaultRecordingFolder(),
+            .recorderProgressed = std::move(recorderProgressed)};
+}
+
+} // namespace vantoro

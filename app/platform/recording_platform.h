@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <mutex>
+#include <optional>
+#include <string>
+
+#include "control/recording_view_model.h"
+#include "control/tasks/qt_scheduler.h"
+#include "engine/recorder/audio_recorder.h"
+#include "platform/desktop/opening/desktop_opener.h"
+#include "platform/desktop/permission/microphone_access.h"
+#include "platform/desktop/power/power_management.h"
+#include "platform/desktop/power/power_profile.h"
+#include "platform/ffmpeg/loaded_toolkit.h"
+#include "platform/pipewire/capture_service.h"
+#include "platform/pipewire/sound_server.h"
+#include "platform/posix/posix_file_system.h"
+#include "platform/posix/system_clock.h"
+#include "ui/window/window_folder_dialog.h"
+
+namespace vantoro {
+
+/// Everything that recording needs of this desktop, put together. Outlives the recorder and the
+/// view model, and waits at its end for what they still have in work. Main thread.
+class RecordingPlatform {
+public:
+    /// Whether somebody looks at the sources' levels.
+    enum class Meters : std::uint8_t { shown, none };
+
+    explicit RecordingPlatform(
+        Meters meters, QtScheduler::TasksBegin tasksBegin = QtScheduler::TasksBegin::atOnce);
+    RecordingPlatform(const RecordingPlatform&) = delete;
+    RecordingPlatform& operator=(const RecordingPlatform&) = delete;
+    ~RecordingPlatform() = default;
+
+    /// The microphone that will be recorded, where it is not the default one: a permission may
+    /// depend on it.
+    void setChosenMicrophone(std::optional<std::string> id);
+
+    /// Where tasks were to wait for it.
+    void letTasksBegin() { scheduler_.letTasksBegin(); }
+
+    RecorderPlatform forRecorder();
+
+    /// `preferences` outlives the view model. For `recorderProgressed` see `ControlPlatform`.
+    ControlPlatform forControl(Preferences& preferences,
+                               std::function<void()> recorderProgressed = {});
+
+private:
+    std::optional<std::string> chosenMicrophone();
+
+    std::mutex mutex_;
+    std::optional<std::string> chosenMicrophone_; // guarded by mutex_
+    pipewire::SoundServer soundServer_;
+    pipewire::CaptureService captureService_;
+    desktop::DesktopMicrophoneAccess microphoneAccess_;
+    desktop::DesktopPowerManagement power_;
+    desktop::DesktopOpener opener_;
+    WindowFolderDialog folderDialog_;
+    posix::PosixFileSystem fileSystem_;
+    ffmpeg::LoadedToolkit mediaToolkit_{
+        fileSystem_, [] { return desktop::isPowerSaved(desktop::standardBusAddresses()); }};
+    posix::SystemClock clock_;
+    QtScheduler scheduler_; // last: its work ends before what it works with
+};
+
+} // namespace vantoro

@@ -1,0 +1,133 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "app/window/vantoro_app.h"
+
+#include <utility>
+
+#include <QtCore/QEventLoop>
+#include <QtCore/QPointer>
+#include <QtCore/QTimer>
+
+#include "ui/window/activation.h"
+
+namespace vantoro {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+// Of a window that nobody is shown, on a desktop that is locked, or minimised from the start.
+constexpr auto longestLaunch = 2s;
+
+} // namespace
+
+VantoroApp::VantoroApp(std::unique_ptr<Recorder> recorder, const ControlPlatform& platform,
+                       WindowPlatform windowPlatform)
+    : platform_(std::move(windowPlatform)),
+      appDelegate_({.statusArea = platform_.statusArea,
+                    .levels = platform.levels,
+                    .preferences = platform.preferences,
+                    .desktops = platform_.desktops,
+                    .showMainWindow = [this](const auto& token) { activate(token); }}),
+      viewModel_(std::move(recorder), platform),
+      languageSettings_(platform.preferences),
+      updateChecker_(platform.preferences, platform_.version,
+                     [&opener = platform.opener](const QUrl& page) {
+                         opener.openPage(page.toString(QUrl::FullyEncoded).toStdString());
+                     },
+                     {.ask = platform_.askForRecord}),
+      savingFirst_(viewModel_),
+      window_(viewModel_, languageSettings_, updateChecker_, platform.preferences),
+      remoteRecording_(viewModel_, [this](const auto& token) { activate(token); }) {
+    AppDelegate::applicationWillFinishLaunching();
+    followWindow();
+    followRecording();
+    window_.show();
+    QTimer::singleShot(longestLaunch, this, &VantoroApp::endLaunch);
+}
+
+void VantoroApp::endLaunch() {
+    if (!std::exchange(hasLaunched_, true)) {
+        platform_.launched();
+        appDelegate_.applicationDidFinishLaunching();
+    }
+}
+
+void VantoroApp::followWindow() {
+    connect(&window_, &MainWindow::firstPainted, this, &VantoroApp::endLaunch,
+            Qt::QueuedConnection);
+    connect(&window_, &MainWindow::closeRequested, this, &VantoroApp::putWindowAway);
+    connect(&window_, &MainWindow::quitRequested, this, [this] { quit(IfNotSaved::stay); });
+    platform_.statusArea.setAvailabilityChanged([this] {
+        if (!window_.isVisible()) {
+            putWindowAway(); // what it could be reached by may be gone
+        }
+    });
+}
+
+void VantoroApp::followRecording() {
+    const auto tell = [this] {
+        const auto& values = viewModel_.values();
+        platform_.moved(values.state.which(), values.outputDirectory);
+    };
+    connect(&viewModel_, &RecordingProperties::propertyChanged, this,
+            [tell](RecordingProperties::Property property) {
+                using enum RecordingProperties::Property;
+                if (property == state || property == outputDirectory) {
+                    tell();
+                }
+            });
+    tell();
+}
+
+void VantoroApp::activate(const std::string& activationToken) {
+    bringToFront(window_, activationToken);
+}
+
+void VantoroApp::startRecording(const std::string& activationToken) {
+    remoteRecording_.start(activationToken);
+}
+
+void VantoroApp::stopRecording(const std::string& activationToken) {
+    remoteRecording_.stop(activationToken);
+}
+
+void VantoroApp::putWindowAway() {
+    if (platform_.statusArea.isAvailable() == true) {
+        window_.hide();
+    } else {
+        window_.showMinimized();
+    }
+}
+
+void VantoroApp::quit(IfNotSaved ifNotSaved) {
+    if (ifNotSaved == IfNotSaved::stay) {
+        platform_.quits();
+    }
+    savingFirst_.request([this, ifNotSaved](bool saved) {
+        if (saved || ifNotSaved == IfNotSaved::end) {
+            window_.hide(); // what is still in work may take a moment to end
+            platform_.end();
+        } else {
+            platform_.stays();
+        }
+    });
+    if (savingFirst_.isUnderWay()) {
+        activate({});
+    }
+}
+
+void VantoroApp::saveBeforeTheSessionEnds(std::chrono::milliseconds patience) {
+    QEventLoop loop;
+    savingFirst_.request([waiting = QPointer(&loop)](bool /*saved*/) {
+        if (waiting) {
+            waiting->quit();
+        }
+    });
+    if (savingFirst_.isUnderWay()) {
+        QTimer::singleShot(patience, &loop, &QEventLoop::quit);
+        loop.exec();
+    }
+}
+
+} // namespace vantoro

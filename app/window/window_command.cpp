@@ -1,0 +1,157 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "app/window/window_command.h"
+
+#include <chrono>
+#include <exception>
+#include <iostream>
+#include <memory>
+
+#include <QtCore/QMetaObject>
+#include <QtWidgets/QApplication>
+
+#include "app/platform/recording_platform.h"
+#include "app/platform/silent_bus_messages.h"
+#include "app/window/network_module.h"
+#include "app/window/vantoro_app.h"
+#include "engine/recorder/audio_recorder.h"
+#include "l10n/settings_file.h"
+#include "l10n/texts/command_texts.h"
+#include "platform/desktop/bus/silent_buses.h"
+#include "platform/desktop/font_configuration.h"
+#include "platform/desktop/instance/application_instance.h"
+#include "platform/desktop/status_area/status_notifier_area.h"
+#include "ui/status_area/substituted_status_area.h"
+#include "ui/status_area/tray_icon_area.h"
+#include "ui/style/application_style.h"
+
+namespace vantoro {
+
+namespace {
+
+using namespace std::chrono_literals;
+using desktop::ApplicationInstance;
+
+// A bus that hangs must not keep the window from the user, nor two windows each other.
+constexpr auto busPatience = 1s;
+constexpr auto firstOnesPatience = 10s;
+// A saving that hangs must not hold this program in the session's end.
+constexpr auto sessionsPatience = 60s;
+
+bool isThereADesktop() {
+    return !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") ||
+           !qEnvironmentVariableIsEmpty("DISPLAY") ||
+           !qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM");
+}
+
+/// Everything that a program with a window is made of.
+class WindowRun {
+public:
+    WindowRun(const std::string& sessionBus, ApplicationInstance& instance, Ending& ending)
+        : notifierArea_(sessionBus),
+          app_(std::make_unique<AudioRecorder>(platform_.forRecorder()),
+               platform_.forControl(preferences_, [&ending] { ending.moved(); }),
+               {.statusArea = statusArea_,
+                .desktops = qgetenv("XDG_CURRENT_DESKTOP").toStdString(),
+                .version = VANTORO_VERSION,
+                .askForRecord = askOverLoadedNetwork(),
+                .launched = [this] { platform_.letTasksBegin(); },
+                .moved =
+                    [this, &ending](RecordingState::Case state, const auto& folder) {
+                        ending.moved({.state = state,
+                                      .folder = folder,
+                                      .language = L10n(preferences_).language()});
+                    },
+                .quits = [&ending] { ending.userQuits(); },
+                .stays = [&ending] { ending.userStays(); },
+                .end = [] { QApplication::exit(); }}),
+          attendance_(ending, [this] { quitOnMainThread(); }) {
+        instance.setRequested([this](const auto& request) { carryOut(request); });
+        QObject::connect(qApp, &QGuiApplication::commitDataRequest, &app_,
+                         [this] { app_.saveBeforeTheSessionEnds(sessionsPatience); });
+    }
+
+private:
+    void quitOnMainThread() {
+        QMetaObject::invokeMethod(
+            &app_, [this] { app_.quit(VantoroApp::IfNotSaved::end); }, Qt::QueuedConnection);
+    }
+
+    void carryOut(const desktop::ApplicationRequest& request) {
+        using enum desktop::ApplicationAction;
+        if (!request.action) {
+            app_.activate(request.activationToken);
+        } else if (*request.action == startRecording) {
+            app_.startRecording(request.activationToken);
+        } else {
+            app_.stopRecording(request.activationToken);
+        }
+    }
+
+    SettingsFile preferences_;
+    // What looks for devices and old recordings takes processors from the window that is being
+    // made.
+    RecordingPlatform platform_{RecordingPlatform::Meters::shown, QtScheduler::TasksBegin::whenLet};
+    desktop::StatusNotifierArea notifierArea_;
+    TrayIconArea trayIconArea_;
+    SubstitutedStatusArea statusArea_{notifierArea_, trayIconArea_};
+    VantoroApp app_;
+    Ending::Attendance attendance_;
+};
+
+/// Ends the program once that one has shown its window, or does not.
+void leaveItToTheFirst(ApplicationInstance& instance, const std::string& token) {
+    instance.activateFirst(token, firstOnesPatience, [](bool isShown) {
+        if (!isShown) {
+            std::cerr << commandText(CommandText::firstProgramSilent, usersLanguage()) << "\n";
+        }
+        QApplication::exit(isShown ? 0 : 1);
+    });
+}
+
+} // namespace
+
+int runWindowCommand(int& argc, char** argv, StopSignals& signals) {
+    if (!isThereADesktop()) {
+        std::cerr << commandText(CommandText::desktopMissing, usersLanguage()) << "\n";
+        return 2;
+    }
+    // First: it changes the environment, which threads and the toolkit read.
+    const auto silent =
+        desktop::leaveOutSilentBuses(desktop::BusUsers::soundAndWindow, signals.descriptor());
+    std::cerr << silentBusMessages(silent, usersLanguage());
+    QApplication::setAttribute(Qt::AA_DontUseNativeMenuBar, silent.menuRegistrar);
+    Ending ending(signals);
+    const auto fonts = desktop::readFontConfigurationAhead();
+    const auto token = desktop::activationTokenOfThisStart();
+    const QApplication application(argc, argv);
+    QApplication::setStyle(new ApplicationStyle);
+    QApplication::setApplicationName("Vantoro");
+    QApplication::setDesktopFileName(desktop::applicationID);
+    QApplication::setQuitOnLastWindowClosed(false);
+    const auto sessionBus = desktop::standardBusAddresses().session;
+    auto instance = std::make_unique<ApplicationInstance>(sessionBus);
+    std::unique_ptr<WindowRun> run;
+    std::exception_ptr failure;
+    instance->whenRoleIsKnown(busPatience, [&](ApplicationInstance::Role role) {
+        if (role == ApplicationInstance::Role::another) {
+            leaveItToTheFirst(*instance, token);
+            return;
+        }
+        try {
+            run = std::make_unique<WindowRun>(sessionBus, *instance, ending);
+        } catch (...) { // nothing may be thrown through the event loop
+            failure = std::current_exception();
+            QApplication::exit(1);
+        }
+    });
+    const int status = QApplication::exec();
+    if (failure) {
+        std::rethrow_exception(failure);
+    }
+    ending.concluded(status);
+    instance.reset(); // who starts the program now need not wait for what this run still ends
+    return status;
+}
+
+} // namespace vantoro

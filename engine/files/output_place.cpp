@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "engine/files/output_place.h"
+
+#include <system_error>
+#include <utility>
+
+namespace vantoro {
+
+namespace {
+
+/// Null where the name is taken.
+std::unique_ptr<OutputFile> reserve(FileSystem& fileSystem,
+                                    const std::filesystem::path& destination) {
+    if (fileSystem.exists(destination)) {
+        return nullptr;
+    }
+    auto staging = fileSystem.claim(stagingPath(destination), FileAudience::asUserPrefers);
+    // Whoever had the staging file until now may have finished in between.
+    if (staging && fileSystem.exists(destination)) {
+        staging->discard();
+        return nullptr;
+    }
+    return staging;
+}
+
+/// False when something has the name.
+bool tryToName(OutputFile& file, const std::filesystem::path& path) {
+    try {
+        file.takeName(path);
+        return true;
+    } catch (const std::system_error& error) {
+        if (error.code() != std::errc::file_exists) {
+            throw;
+        }
+        return false;
+    }
+}
+
+} // namespace
+
+OutputPlace::OutputPlace(FileSystem& fileSystem, std::filesystem::path folder, std::string baseName)
+    : fileSystem_(&fileSystem), folder_(std::move(folder)), baseName_(std::move(baseName)) {
+    while (!(staging_ = reserve(fileSystem, location()))) {
+        ++counter_;
+    }
+}
+
+OutputPlace::~OutputPlace() {
+    if (staging_) {
+        staging_->discard();
+    }
+}
+
+std::filesystem::path OutputPlace::location() const {
+    const auto count = counter_ == 1 ? std::string() : "-" + std::to_string(counter_);
+    return folder_ / (baseName_ + count + ".m4a");
+}
+
+FinalFile OutputPlace::publish(std::unique_ptr<OutputFile> other) {
+    auto& file = other ? other : staging_;
+    try {
+        while (!tryToName(*file, location())) {
+            ++counter_;
+        }
+        // Only when the name is on the disk may anybody delete what the file was made from.
+        fileSystem_->syncFolder(folder_);
+    } catch (...) {
+        file->discard();
+        throw;
+    }
+    return {.location = location(), .file = std::move(file)};
+}
+
+std::filesystem::path stagingPath(std::filesystem::path destination) {
+    return destination.replace_extension("exporting.m4a");
+}
+
+} // namespace vantoro

@@ -1,0 +1,282 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "engine/recorder/audio_recorder.h"
+
+#include <algorithm>
+#include <future>
+#include <utility>
+
+#include "engine/files/file_names.h"
+#include "engine/files/room_watch.h"
+#include "engine/recorder/final_export.h"
+#include "engine/recorder/salvage.h"
+#include "engine/recorder/track_mixing.h"
+
+namespace vantoro {
+
+namespace {
+
+constexpr TrackFormat systemAudioTrack{.channels = 2, .bitRate = 192000};
+constexpr TrackFormat microphoneTrack{.channels = 1, .bitRate = 96000};
+
+RecordingTrack* makeWriterInput(RecordingWriter& writer, TrackFormat format) {
+    RecordingTrack* const track = writer.addTrack(format);
+    if (track == nullptr) {
+        throw RecordingError(RecordingError::Case::writerSetupFailed);
+    }
+    return track;
+}
+
+/// Of all tracks together, bits a second.
+int totalBitRate(const RecordingOptions& options) {
+    return (options.captureSystemAudio ? systemAudioTrack.bitRate : 0) +
+           (options.captureMicrophone ? microphoneTrack.bitRate : 0);
+}
+
+/// Whether a salvage will find something in the file.
+bool holdsSound(MediaToolkit& toolkit, const std::filesystem::path& file) {
+    try {
+        return zeroTime < toolkit.openRecording(file)->duration();
+    } catch (const std::exception&) {
+        return false;
+    }
+}
+
+CaptureRequest captureRequest(const RecordingOptions& options) {
+    return {.systemAudio = options.captureSystemAudio,
+            .microphone = options.captureMicrophone,
+            .microphoneID = options.captureMicrophone ? options.microphoneDeviceID : std::nullopt};
+}
+
+} // namespace
+
+AudioRecorder::AudioRecorder(const RecorderPlatform& platform)
+    : platform_(platform),
+      samplePath_(platform.clock, onAudioLevel, onSourceCondition, onCaptureInterrupted) {}
+
+AudioRecorder::~AudioRecorder() {
+    captureQueue_.sync([this] { stream_.reset(); });
+    resetKeepingWhatWasWritten();
+}
+
+void AudioRecorder::start(const RecordingOptions& options) {
+    checkPermissions(options);
+    platform_.fileSystem.createFolders(options.outputDirectory);
+    try {
+        prepareWriter(options);
+        startStream(options);
+    } catch (...) {
+        resetKeepingWhatWasWritten();
+        throw;
+    }
+}
+
+void AudioRecorder::checkPermissions(const RecordingOptions& options) {
+    if (!options.captureSystemAudio && !options.captureMicrophone) {
+        throw RecordingError(RecordingError::Case::noAudioSource);
+    }
+    if (!mayCapture()) {
+        throw RecordingError(RecordingError::Case::screenPermissionDenied);
+    }
+    if (options.captureMicrophone && !requestMicrophonePermission()) {
+        throw RecordingError(RecordingError::Case::microphonePermissionDenied);
+    }
+}
+
+/// Asks twice: a service that the first question wakes may answer only the second.
+bool AudioRecorder::mayCapture() {
+    return platform_.captureAccess.isGranted() || platform_.captureAccess.isGranted();
+}
+
+bool AudioRecorder::requestMicrophonePermission() {
+    switch (platform_.microphoneAccess.status()) {
+    case AuthorizationStatus::authorized:
+        return true;
+    case AuthorizationStatus::notDetermined:
+        return platform_.microphoneAccess.request();
+    case AuthorizationStatus::restricted:
+    case AuthorizationStatus::denied:
+        break;
+    }
+    return false;
+}
+
+void AudioRecorder::prepareWriter(const RecordingOptions& options) {
+    const auto temporaryURL = options.outputDirectory / temporaryFileName();
+    const auto room = std::make_shared<RoomWatch>(platform_.fileSystem, options.outputDirectory,
+                                                  totalBitRate(options), onDiskRoom);
+    auto writer = platform_.mediaToolkit.makeWriter(
+        temporaryURL, {.first = initialCheckpointInterval, .others = checkpointInterval},
+        [room](MediaTime recorded, std::uint64_t waitingBytes) {
+            room->look(recorded, waitingBytes);
+        });
+    temporaryURL_ = temporaryURL; // a file that a failure has to remove
+    room->lookBeforeTheStart();
+    RecordingTrack* const systemAudioInput =
+        options.captureSystemAudio ? makeWriterInput(*writer, systemAudioTrack) : nullptr;
+    RecordingTrack* const microphoneInput =
+        options.captureMicrophone ? makeWriterInput(*writer, microphoneTrack) : nullptr;
+
+    outputDirectory_ = options.outputDirectory;
+    hasSystemAudioTrack_ = options.captureSystemAudio;
+    captureQueue_.sync([&] {
+        samplePath_.arm(std::move(writer), systemAudioInput, microphoneInput);
+        passOnExpectedVolumes();
+    });
+}
+
+void AudioRecorder::expectVolumes(float systemVolume, float microphoneVolume) {
+    captureQueue_.async([this, systemVolume, microphoneVolume] {
+        expectedVolumes_ = {systemVolume, microphoneVolume};
+        passOnExpectedVolumes();
+    });
+}
+
+/// On the capture queue.
+void AudioRecorder::passOnExpectedVolumes() {
+    if (expectedVolumes_) {
+        samplePath_.expectMix(expectedVolumes_->first, expectedVolumes_->second);
+    }
+}
+
+void AudioRecorder::startStream(const RecordingOptions& options) {
+    auto stream =
+        platform_.captureService.makeStream(captureRequest(options), captureQueue_, *this);
+    captureQueue_.sync([&] { stream_ = stream; });
+    stream->startCapture();
+}
+
+std::filesystem::path AudioRecorder::stop(float systemVolume, float microphoneVolume) {
+    hasKeptRecording_ = false;
+    stopStream();
+    try {
+        finishWriting();
+    } catch (...) {
+        tellOfLoss();
+        resetAfterFailedStop();
+        throw;
+    }
+    const bool isAllWritten = !tellOfLoss();
+    if (onRecordingSafe) {
+        onRecordingSafe();
+    }
+    try {
+        if (outputDirectory_.empty()) {
+            throw RecordingError(RecordingError::Case::exportFailed);
+        }
+        const FinalExport wanted{
+            .temporaryFile = temporaryURL_,
+            .volumeOfTrack = recordingVolumes(hasSystemAudioTrack_, systemVolume, microphoneVolume),
+            .isAllWritten = isAllWritten};
+        RecordingWriter& writer = *captureQueue_.sync([this] { return samplePath_.writer(); });
+        auto destination =
+            exportFinal(writer, platform_.fileSystem, platform_.clock, wanted, onExportProgress);
+        reset(false);
+        return destination;
+    } catch (...) {
+        resetAfterFailedStop();
+        throw;
+    }
+}
+
+SalvageResult AudioRecorder::recoverIncompleteRecordings(const std::filesystem::path& folder,
+                                                         const std::stop_token& stop) {
+    return vantoro::recoverIncompleteRecordings(
+        {platform_.mediaToolkit, platform_.fileSystem, platform_.clock}, folder, stop,
+        onExportProgress);
+}
+
+void AudioRecorder::stopStream() {
+    auto stream = captureQueue_.sync([this] { return stream_; });
+    if (!stream) {
+        if (!captureQueue_.sync([this] { return samplePath_.writer() != nullptr; })) {
+            throw RecordingError(RecordingError::Case::noAudioCaptured);
+        }
+        return;
+    }
+    try {
+        stream->stopCapture();
+    } catch (...) {
+        // What was captured is saved all the same.
+        const auto error = std::current_exception(); // of this thread
+        captureQueue_.sync([&] { samplePath_.recordErrorIfNone(error); });
+    }
+    captureQueue_.sync([this] { stream_.reset(); });
+}
+
+void AudioRecorder::finishWriting() {
+    // Shared with the completion, which may still be returning when the result is there.
+    const auto done = std::make_shared<std::promise<void>>();
+    captureQueue_.async([this, done] {
+        samplePath_.finish([done](std::exception_ptr error) {
+            if (error) {
+                done->set_exception(std::move(error));
+            } else {
+                done->set_value();
+            }
+        });
+    });
+    done->get_future().get();
+}
+
+/// Whether there was any.
+bool AudioRecorder::tellOfLoss() {
+    const auto loss = captureQueue_.sync([this] { return samplePath_.loss(); });
+    if (loss && onSoundLoss) {
+        onSoundLoss(*loss);
+    }
+    return loss.has_value();
+}
+
+void AudioRecorder::resetAfterFailedStop() {
+    const bool started = captureQueue_.sync([this] { return samplePath_.hasStartedWriting(); });
+    hasKeptRecording_ = started && holdsSound(platform_.mediaToolkit, temporaryURL_);
+    reset(!started);
+}
+
+void AudioRecorder::resetKeepingWhatWasWritten() {
+    const bool started = captureQueue_.sync([this] { return samplePath_.hasStartedWriting(); });
+    reset(!started);
+}
+
+void AudioRecorder::reset(bool removeTemporaryFile) {
+    if (removeTemporaryFile && !temporaryURL_.empty()) {
+        removeIgnoringErrors(platform_.fileSystem, temporaryURL_);
+    }
+    temporaryURL_.clear();
+    outputDirectory_.clear();
+    hasSystemAudioTrack_ = false;
+    std::shared_ptr<CaptureStream> stream;
+    std::unique_ptr<RecordingWriter> writer;
+    captureQueue_.sync([&] {
+        stream = std::move(stream_);
+        writer = samplePath_.disarm();
+    });
+    // Both end here, on this thread, which may wait for them.
+}
+
+void AudioRecorder::didOutputSampleBuffer(const SampleBuffer& buffer, AudioLevelSource source) {
+    samplePath_.append(buffer, source);
+}
+
+void AudioRecorder::didLoseSound(AudioLevelSource source, double seconds) {
+    if (onSoundLoss) {
+        onSoundLoss({.cause = SoundLoss::Cause::notTakenInTime,
+                     .length = SoundLoss::Duration(seconds),
+                     .source = source,
+                     .reason = {}});
+    }
+}
+
+void AudioRecorder::streamDidStop(std::exception_ptr error) {
+    captureQueue_.async([this, error = std::move(error)] {
+        stream_.reset();
+        samplePath_.interrupt(error);
+    });
+}
+
+void AudioRecorder::obstacleDidChange(AudioLevelSource source, SourceCondition obstacle) {
+    captureQueue_.async([this, source, obstacle] { samplePath_.setObstacle(source, obstacle); });
+}
+
+} // namespace vantoro

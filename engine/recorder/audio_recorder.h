@@ -1,0 +1,93 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include <exception>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <stop_token>
+#include <utility>
+#include <vector>
+
+#include "engine/files/disk_room.h"
+#include "engine/media_time.h"
+#include "engine/ports/capture_stream.h"
+#include "engine/ports/clock.h"
+#include "engine/ports/file_system.h"
+#include "engine/ports/media_toolkit.h"
+#include "engine/ports/permissions.h"
+#include "engine/recorder/recorder.h"
+#include "engine/recorder/salvage.h"
+#include "engine/recorder/sample_path.h"
+#include "engine/recording_types.h"
+#include "engine/serial_queue.h"
+
+namespace vantoro {
+
+/// What the recorder needs of its platform. All of it outlives the recorder.
+struct RecorderPlatform {
+    CaptureAccess& captureAccess;
+    MicrophoneAccess& microphoneAccess;
+    CaptureService& captureService;
+    MediaToolkit& mediaToolkit;
+    FileSystem& fileSystem;
+    Clock& clock;
+};
+
+/// The recorder, on ports of its platform.
+class AudioRecorder final : public Recorder, private CaptureStreamReceiver {
+public:
+    static constexpr MediaTime checkpointInterval{6000, 600};       // 10 s
+    static constexpr MediaTime initialCheckpointInterval{600, 600}; // 1 s
+
+    explicit AudioRecorder(const RecorderPlatform& platform);
+    ~AudioRecorder() override;
+
+    void start(const RecordingOptions& options) override;
+    void expectVolumes(float systemVolume, float microphoneVolume) override;
+    std::filesystem::path stop(float systemVolume, float microphoneVolume) override;
+
+    bool hasKeptRecording() const noexcept override { return hasKeptRecording_; }
+
+    SalvageResult recoverIncompleteRecordings(const std::filesystem::path& folder,
+                                              const std::stop_token& stop) override;
+
+private:
+    void checkPermissions(const RecordingOptions& options);
+    bool mayCapture();
+    bool requestMicrophonePermission();
+    void prepareWriter(const RecordingOptions& options);
+    void passOnExpectedVolumes();
+    void startStream(const RecordingOptions& options);
+
+    void stopStream();
+    void finishWriting();
+    bool tellOfLoss();
+    void resetAfterFailedStop();
+    void resetKeepingWhatWasWritten();
+    void reset(bool removeTemporaryFile);
+
+    void didOutputSampleBuffer(const SampleBuffer& buffer, AudioLevelSource source) override;
+    void didLoseSound(AudioLevelSource source, double seconds) override;
+    void streamDidStop(std::exception_ptr error) override;
+    void obstacleDidChange(AudioLevelSource source, SourceCondition obstacle) override;
+
+    RecorderPlatform platform_;
+
+    // Of the current recording; empty when idle. Written by `start` and `stop`.
+    std::filesystem::path temporaryURL_;
+    std::filesystem::path outputDirectory_;
+    bool hasSystemAudioTrack_ = false;
+    bool hasKeptRecording_ = false; // of the latest stop
+
+    // Touched on the capture queue only.
+    SamplePath samplePath_;
+    std::optional<std::pair<float, float>> expectedVolumes_; // of the system and the microphone
+    std::shared_ptr<CaptureStream> stream_;
+
+    SerialQueue captureQueue_{"com.vantoro.capture"}; // last: it ends before what it works on
+};
+
+} // namespace vantoro

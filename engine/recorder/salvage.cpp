@@ -1,0 +1,183 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "engine/recorder/salvage.h"
+
+#include <algorithm>
+#include <cctype>
+#include <exception>
+#include <memory>
+#include <optional>
+#include <string>
+#include <system_error>
+#include <utility>
+
+#include "engine/files/file_names.h"
+#include "engine/files/set_aside.h"
+#include "engine/recorder/track_mixing.h"
+
+namespace vantoro {
+
+namespace {
+
+std::string lowerCased(std::string text) {
+    std::ranges::transform(text, text.begin(), [](unsigned char character) {
+        return static_cast<char>(std::tolower(character));
+    });
+    return text;
+}
+
+FinalFile exportRecoveredAsset(Recording& recording, OutputPlace place,
+                               const ExportProgress& progress, const std::stop_token& stop) {
+    // The volumes that the user had chosen died with the recorder.
+    const auto fullVolume = [](std::size_t) { return 1.0F; };
+    return mixTracks(recording, std::move(place), fullVolume, progress, stop);
+}
+
+/// Null where it holds no sound. Throws where it cannot be read.
+std::unique_ptr<Recording> openUnlessSilent(MediaToolkit& mediaToolkit,
+                                            const std::filesystem::path& candidate) {
+    auto recording = mediaToolkit.openRecording(candidate);
+    const MediaTime duration = recording->duration();
+    return duration.isValid() && zeroTime < duration ? std::move(recording) : nullptr;
+}
+
+bool isToBeRecovered(MediaToolkit& mediaToolkit, FileSystem& fileSystem,
+                     const std::filesystem::path& candidate) {
+    try {
+        const auto lock = fileSystem.lock(candidate);
+        return lock && openUnlessSilent(mediaToolkit, candidate);
+    } catch (const std::exception&) {
+        return false;
+    }
+}
+
+/// Null also for what is no movie, as the empty file of a start that died. Throws where the disk
+/// does not give it.
+std::unique_ptr<Recording> openIfReadable(MediaToolkit& mediaToolkit,
+                                          const std::filesystem::path& candidate) {
+    try {
+        return openUnlessSilent(mediaToolkit, candidate);
+    } catch (const std::system_error&) {
+        throw;
+    } catch (const std::exception&) {
+        return nullptr;
+    }
+}
+
+/// A final file, and its original where that was kept.
+struct Recovered {
+    std::filesystem::path recording;
+    std::optional<std::filesystem::path> keptOriginal;
+};
+
+/// Nothing when the candidate is to stay. Throws what made the attempt fail.
+std::optional<Recovered> recover(const SalvagePlatform& platform,
+                                 const std::filesystem::path& candidate,
+                                 const std::stop_token& stop, const ExportProgress& progress) {
+    const auto lock = platform.fileSystem.lock(candidate);
+    if (!lock) {
+        return std::nullopt; // still being recorded, or salvaged by somebody else
+    }
+    const auto recording = openIfReadable(platform.mediaToolkit, candidate);
+    if (!recording) {
+        return std::nullopt;
+    }
+    auto place = uniqueOutputURL(candidate.parent_path(), platform.fileSystem, platform.clock);
+    auto final = exportRecoveredAsset(*recording, std::move(place), progress, stop);
+    std::optional<std::filesystem::path> keptOriginal;
+    try {
+        if (stop.stop_requested()) {
+            final.file->discard();
+            return std::nullopt;
+        }
+        if (recording->isWhole()) {
+            platform.fileSystem.remove(candidate);
+        } else {
+            keptOriginal = setAside(platform.fileSystem, candidate, final.location);
+        }
+    } catch (...) {
+        // A recording is never both kept for another attempt and finished.
+        final.file->discard();
+        throw;
+    }
+    return Recovered{.recording = std::move(final.location),
+                     .keptOriginal = std::move(keptOriginal)};
+}
+
+std::vector<FolderEntry> listOrNothing(FileSystem& fileSystem,
+                                       const std::filesystem::path& folder) {
+    try {
+        return fileSystem.list(folder);
+    } catch (const std::exception&) {
+        return {};
+    }
+}
+
+/// Not where somebody else has taken the thing away: he has what was in it.
+bool isFailure(const std::exception& error) {
+    const auto* const systemError = dynamic_cast<const std::system_error*>(&error);
+    return systemError == nullptr || systemError->code() != std::errc::no_such_file_or_directory;
+}
+
+std::vector<std::filesystem::path>
+candidatesIn(FileSystem& fileSystem, const std::filesystem::path& folder, SalvageResult& result) {
+    try {
+        return incompleteRecordings(fileSystem.list(folder));
+    } catch (const std::exception& error) {
+        if (isFailure(error)) {
+            result.failures.push_back({folder, std::current_exception()});
+        }
+        return {};
+    }
+}
+
+} // namespace
+
+bool isIncompleteRecording(const std::filesystem::path& file) {
+    return lowerCased(file.extension().string()) == ".mov" && file.stem().extension() == ".partial";
+}
+
+std::vector<std::filesystem::path> incompleteRecordings(std::vector<FolderEntry> listing) {
+    std::erase_if(listing,
+                  [](const FolderEntry& entry) { return !isIncompleteRecording(entry.path); });
+    std::ranges::stable_sort(listing, std::less<>(), &FolderEntry::modified);
+    std::vector<std::filesystem::path> files;
+    std::ranges::transform(listing, std::back_inserter(files), &FolderEntry::path);
+    return files;
+}
+
+std::size_t recordingsToRecover(MediaToolkit& mediaToolkit, FileSystem& fileSystem,
+                                const std::filesystem::path& folder) {
+    const auto candidates = incompleteRecordings(listOrNothing(fileSystem, folder));
+    return static_cast<std::size_t>(std::ranges::count_if(candidates, [&](const auto& candidate) {
+        return isToBeRecovered(mediaToolkit, fileSystem, candidate);
+    }));
+}
+
+SalvageResult recoverIncompleteRecordings(const SalvagePlatform& platform,
+                                          const std::filesystem::path& folder,
+                                          const std::stop_token& stop,
+                                          const ExportProgress& progress) {
+    SalvageResult result;
+    for (const auto& candidate : candidatesIn(platform.fileSystem, folder, result)) {
+        if (stop.stop_requested()) {
+            break;
+        }
+        try {
+            if (auto recovered = recover(platform, candidate, stop, progress)) {
+                result.recordings.push_back(std::move(recovered->recording));
+                if (recovered->keptOriginal) {
+                    result.keptOriginals.push_back(std::move(*recovered->keptOriginal));
+                }
+            }
+        } catch (const std::exception& error) {
+            // It stays for the next time, and the others have their turn.
+            if (isFailure(error) && !stop.stop_requested()) {
+                result.failures.push_back({candidate, std::current_exception()});
+            }
+        }
+    }
+    return result;
+}
+
+} // namespace vantoro

@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "app/commands/devices_command.h"
+
+#include <gtest/gtest.h>
+
+namespace vantoro {
+namespace {
+
+const std::vector<AudioInputDevice> two{{"alsa_input.usb", "Headset"},
+                                        {"alsa_input.pci", "Laptop"}};
+
+TEST(DevicesCommand, marksTheDefaultMicrophone) {
+    EXPECT_EQ(devicesText(two, "alsa_input.pci"),
+              "  alsa_input.usb\tHeadset\n* alsa_input.pci\tLaptop\n");
+}
+
+TEST(DevicesCommand, marksNoneWhenTheDefaultIsNoneOfThem) {
+    EXPECT_EQ(devicesText(two, "elsewhere"),
+              "  alsa_input.usb\tHeadset\n  alsa_input.pci\tLaptop\n");
+    EXPECT_EQ(devicesText(two, std::nullopt), devicesText(two, "elsewhere"));
+}
+
+TEST(DevicesCommand, printsNothingWithoutMicrophones) {
+    EXPECT_EQ(devicesText({}, std::nullopt), "");
+}
+
+} // namespace
+} // namespace vantoro

@@ -1,0 +1,231 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "app/commands/record_command.h"
+
+#include <atomic>
+#include <csignal>
+#include <functional>
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include "app/commands/preferences_for_one_run.h"
+#include "control/tasks/qt_scheduler.h"
+#include "tests/control/control_fakes.h"
+#include "tests/control/event_loop.h"
+#include "tests/engine/recorder/recorder_fixture.h"
+#include "tests/l10n/memory_preferences.h"
+
+namespace vantoro::testing {
+namespace {
+
+/// A base, so that the signals are blocked before anything starts a thread.
+struct BlockedSignals {
+    StopSignals signals;
+};
+
+class RecordCommandTest : protected BlockedSignals, public RecorderTest {
+protected:
+    EventLoop loop;
+    RecordCommand command;
+    MemoryPreferences preferences = preferencesIn("en");
+    FakePower power;
+    FakeAudioDevices devices;
+    FakeMicrophonePermission microphoneSurvey;
+    FakeOpener opener;
+    FakeFolderDialog folderDialog;
+    AudioLevelStore levels;
+    std::string output;
+    std::string errors;
+    std::atomic<bool> hasEndedAtOnce = false;
+    Ending ending{signals, [this](int, const std::string&) { hasEndedAtOnce = true; }};
+
+    /// Runs the command; `meanwhile` happens once capture has been started.
+    int run(const std::function<void()>& meanwhile) {
+        capture.duringStart = meanwhile;
+        ::testing::internal::CaptureStdout();
+        ::testing::internal::CaptureStderr();
+        const int status = runWithViewModel();
+        output = ::testing::internal::GetCapturedStdout();
+        errors = ::testing::internal::GetCapturedStderr();
+        return status;
+    }
+
+    void captureSomething() {
+        capture.deliver(bufferAt(0), AudioLevelSource::systemAudio);
+        capture.deliver(bufferAt(0, 1), AudioLevelSource::microphone);
+    }
+
+private:
+    int runWithViewModel() {
+        RecordRun recordRun(command, ending, preferences);
+        QtScheduler scheduler;
+        auto engine = std::make_unique<AudioRecorder>(
+            RecorderPlatform{captureAccess, microphone, capture, toolkit, fileSystem, clock});
+        RecordingViewModel model(std::move(engine),
+                                 {scheduler, power, devices, microphoneSurvey, opener, folderDialog,
+                                  preferences, levels, folder, [this] { ending.moved(); }});
+        return recordRun.run(model);
+    }
+};
+
+TEST_F(RecordCommandTest, signalEndsTheRecordingAndThePathAloneIsPrinted) {
+    EXPECT_EQ(run([&] {
+                  captureSomething();
+                  ::kill(::getpid(), SIGTERM);
+              }),
+              0);
+    EXPECT_EQ(output, finalFile.string() + "\n");
+    EXPECT_EQ(errors, "");
+    EXPECT_EQ(toolkit.exportedGains, (std::vector<float>{0.9F, 1.0F}));
+    EXPECT_FALSE(hasEndedAtOnce);
+}
+
+TEST_F(RecordCommandTest, recordingEndsWhenItsTimeHasPassed) {
+    command.seconds = 0.01;
+    EXPECT_EQ(run([&] { captureSomething(); }), 0);
+    EXPECT_EQ(output, finalFile.string() + "\n");
+}
+
+TEST_F(RecordCommandTest, optionsReachTheRecorder) {
+    command.seconds = 0.01;
+    command.microphoneID = "usb-microphone";
+    command.systemVolume = 0.5F;
+    command.microphoneVolume = 0.25F;
+    EXPECT_EQ(run([&] { captureSomething(); }), 0);
+    EXPECT_EQ(output, finalFile.string() + "\n");
+    EXPECT_EQ(capture.request.microphoneID, "usb-microphone");
+    EXPECT_EQ(toolkit.exportedGains, (std::vector<float>{0.5F, 0.25F}));
+}
+
+TEST_F(RecordCommandTest, failedStartIsItsDescriptionAndStatusOne) {
+    captureAccess.isAllowed = false;
+    EXPECT_EQ(run({}), 1);
+    EXPECT_EQ(output, "");
+    EXPECT_EQ(errors, "Screen & System Audio Recording permission is required. Enable Vantoro in "
+                      "System Settings, then reopen the app.\n");
+}
+
+TEST_F(RecordCommandTest, brokenCaptureSavesWhatThereIsAndSaysWhy) {
+    EXPECT_EQ(run([&] {
+                  captureSomething();
+                  capture.stopByItself(
+                      std::make_exception_ptr(std::runtime_error("The microphone is gone.")));
+              }),
+              0);
+    EXPECT_EQ(output, finalFile.string() + "\n");
+    EXPECT_EQ(errors, "Audio capture was interrupted. The captured audio was saved successfully. "
+                      "The microphone is gone.\n");
+}
+
+TEST_F(RecordCommandTest, recordingThatNeverBeganSaysWhatBrokeIt) {
+    toolkit.writing.startSucceeds = false;
+    toolkit.writing.error = "Permission denied";
+    EXPECT_EQ(run([&] { captureSomething(); }), 1);
+    EXPECT_EQ(output, "");
+    EXPECT_EQ(errors, "No audio was captured. Check the selected sources and try again. "
+                      "Recording failed: Permission denied\n");
+    EXPECT_TRUE(fileSystem.entries.empty());
+}
+
+TEST_F(RecordCommandTest, nothingCapturedIsAFailure) {
+    command.seconds = 0.01;
+    EXPECT_EQ(run({}), 1);
+    EXPECT_EQ(errors, "No audio was captured. Check the selected sources and try again.\n");
+}
+
+TEST_F(RecordCommandTest, failedSavingSaysThatACheckpointWasKept) {
+    command.seconds = 0.01;
+    toolkit.exporting.exportError =
+        std::make_exception_ptr(std::runtime_error("No space left on device"));
+    EXPECT_EQ(run([&] { captureSomething(); }), 1);
+    EXPECT_EQ(output, "");
+    EXPECT_EQ(errors, "No space left on device A recoverable recording checkpoint was kept in the "
+                      "recording folder.\n");
+}
+
+TEST_F(RecordCommandTest, whatTheSalvageMakesOfAFailureIsTheResult) {
+    command.seconds = 0.01;
+    toolkit.exporting.duringExport = [this, isFirst = true]() mutable {
+        if (std::exchange(isFirst, false)) {
+            toolkit.exporting.trackCount = 2;
+            fileSystem.leave(folder /
+                             "left.partial.mov"); // the salvage of the start may still look
+            throw std::runtime_error("disk busy");
+        }
+    };
+    EXPECT_EQ(run([&] { captureSomething(); }), 0);
+    EXPECT_EQ(output, finalFile.string() + "\n");
+    EXPECT_TRUE(errors.starts_with("disk busy A recoverable")) << errors;
+    EXPECT_TRUE(errors.ends_with("A previously interrupted recording was recovered and saved.\n"))
+        << errors;
+}
+
+TEST_F(RecordCommandTest, diskThatGetsFullIsToldThenEndsTheRecordingSaved) {
+    EXPECT_EQ(run([&] {
+                  captureSomething();
+                  fileSystem.available = 20'000'000;
+                  toolkit.fragmentWritten({48000, 48000}, 0);
+                  fileSystem.available = 2'000'000;
+                  toolkit.fragmentWritten({INT64_C(11) * 48000, 48000}, 0);
+              }),
+              0);
+    EXPECT_EQ(output, finalFile.string() + "\n");
+    EXPECT_EQ(errors, "The disk is nearly full: there is room for about 3 minutes of recording.\n"
+                      "The disk is nearly full, so the recording was ended. What was captured was "
+                      "saved.\n");
+}
+
+TEST_F(RecordCommandTest, shortRoomIsToldOnceThoughTheUserEndsTheRecording) {
+    fileSystem.available = 20'000'000;
+    command.seconds = 0.01;
+    EXPECT_EQ(run([&] { captureSomething(); }), 0);
+    EXPECT_EQ(errors, "The disk is nearly full: there is room for about 3 minutes of recording.\n");
+}
+
+TEST_F(RecordCommandTest, diskWithoutRoomIsAFailureBeforeAnythingIsRecorded) {
+    fileSystem.available = 2'000'000;
+    command.seconds = 0.01;
+    EXPECT_EQ(run({}), 1);
+    EXPECT_EQ(output, "");
+    EXPECT_EQ(errors, "There is not enough room on the disk for a recording. Free some space, or "
+                      "choose another folder.\n");
+    EXPECT_TRUE(fileSystem.entries.empty());
+}
+
+TEST_F(RecordCommandTest, sleepEndsTheRecordingSaved) {
+    EXPECT_EQ(run([&] {
+                  captureSomething();
+                  QMetaObject::invokeMethod(qApp, [this] { power.sleep(); });
+              }),
+              0);
+    EXPECT_EQ(output, finalFile.string() + "\n");
+    EXPECT_EQ(errors, "Recording was interrupted by sleep. The captured audio was saved "
+                      "successfully.\n");
+}
+
+TEST_F(RecordCommandTest, messagesAreInTheLanguageOfThisRunWhichIsNotKept) {
+    PreferencesForOneRun ofThisRun(preferences);
+    ofThisRun.set(Preference::appLanguage, "zh-Hans");
+    EXPECT_EQ(L10n(ofThisRun).language(), AppLanguage::chinese);
+    EXPECT_EQ(ofThisRun.get(Preference::outputDirectory), std::nullopt);
+    EXPECT_EQ(L10n(preferences).language(), AppLanguage::english);
+    EXPECT_TRUE(preferences.stored.empty());
+}
+
+TEST_F(RecordCommandTest, speaksChineseToThoseWhoChoseNoLanguage) {
+    preferences.values.clear();
+    captureAccess.isAllowed = false;
+    EXPECT_EQ(run({}), 1);
+    EXPECT_EQ(errors, L10n::text(L10n::Key::screenPermissionDenied, AppLanguage::chinese) + "\n");
+}
+
+TEST_F(RecordCommandTest, withoutAnySourceThereIsNothingToRecord) {
+    command.systemAudio = false;
+    command.microphone = false;
+    EXPECT_EQ(run({}), 1);
+    EXPECT_EQ(errors, "Turn on System Audio or Microphone before recording.\n");
+}
+
+} // namespace
+} // namespace vantoro::testing

@@ -1,0 +1,241 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "app/ending/ending_account.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace vantoro::testing {
+namespace {
+
+using namespace std::chrono_literals;
+using enum EndingStep;
+
+/// What happens, and when, in milliseconds from the beginning.
+struct Event {
+    enum class What : std::uint8_t {
+        attended,
+        left,
+        quitting,
+        stays,
+        hangUp,
+        signal,
+        moved,
+        saved,
+        failed,
+    };
+    int at;
+    What what;
+};
+
+using enum Event::What;
+
+constexpr EndingAccount::TimePoint at(int milliseconds) {
+    return EndingAccount::TimePoint(1h) + std::chrono::milliseconds(milliseconds);
+}
+
+void happen(EndingAccount& account, const Event& event) {
+    switch (event.what) {
+    case attended:
+    case left:
+        account.setAttended(event.what == attended);
+        break;
+    case quitting:
+        account.asked(EndingRequest::quitting, at(event.at));
+        break;
+    case stays:
+        account.quittingCalledOff();
+        break;
+    case hangUp:
+        account.asked(EndingRequest::hangUp, at(event.at));
+        break;
+    case signal:
+        account.asked(EndingRequest::signal, at(event.at));
+        break;
+    case moved:
+        account.moved(at(event.at));
+        break;
+    case saved:
+    case failed:
+        account.concluded(event.what == saved ? 0 : 1, at(event.at));
+        break;
+    }
+}
+
+struct Row {
+    const char* name;
+    std::vector<Event> events;
+    int at;
+    EndingStep step;
+    int status = 1;
+};
+
+void expectRow(const Row& row) {
+    SCOPED_TRACE(row.name);
+    EndingAccount account;
+    for (const auto& event : row.events) {
+        happen(account, event);
+    }
+    EXPECT_EQ(account.step(at(row.at)), row.step);
+    EXPECT_EQ(account.status(), row.status);
+    // Whoever looks again at the deadline, and not before, misses nothing.
+    const auto deadline = account.deadline();
+    if (row.step == wait) {
+        ASSERT_TRUE(deadline);
+        EXPECT_GT(*deadline, at(row.at));
+        EXPECT_EQ(account.step(*deadline - 1ns), wait);
+        EXPECT_EQ(account.step(*deadline), endAtOnce);
+    } else if (row.step == goOn) {
+        EXPECT_EQ(deadline, std::nullopt);
+        EXPECT_EQ(account.step(at(1'000'000'000)), goOn);
+    }
+}
+
+TEST(EndingAccountTest, nothingEndsThatNobodyAskedToEnd) {
+    for (const auto& row : {
+             Row{"at the beginning", {}, 0, goOn},
+             Row{"long ago", {}, 100'000, goOn},
+             Row{"attended", {{0, attended}}, 100'000, goOn},
+             Row{"moving", {{0, attended}, {10, moved}}, 100'000, goOn},
+             Row{"left", {{0, attended}, {5, left}}, 100'000, goOn},
+         }) {
+        expectRow(row);
+    }
+}
+
+TEST(EndingAccountTest, firstRequestWaitsForWhatMoves) {
+    for (const auto& row : {
+             Row{"signal", {{0, attended}, {50, signal}}, 50, wait},
+             Row{"hang-up", {{0, attended}, {50, hangUp}}, 50, wait},
+             Row{"quitting", {{0, attended}, {50, quitting}}, 50, wait},
+             Row{"just in time", {{0, attended}, {50, signal}}, 4049, wait},
+             Row{"nothing moved", {{0, attended}, {50, signal}}, 4050, endAtOnce},
+             Row{"nothing moved after quitting", {{0, attended}, {50, quitting}}, 4050, endAtOnce},
+             Row{"nothing moved after a hang-up", {{0, attended}, {50, hangUp}}, 4050, endAtOnce},
+             Row{"moved", {{0, attended}, {50, signal}, {4000, moved}}, 7999, wait},
+             Row{"moved long enough",
+                 {{0, attended}, {50, signal}, {4000, moved}, {7900, moved}, {11'000, moved}},
+                 14'999,
+                 wait},
+             Row{"moved no more", {{0, attended}, {50, signal}, {4000, moved}}, 8000, endAtOnce},
+             Row{"what moved before does not count",
+                 {{0, attended}, {10, moved}, {60'000, signal}},
+                 63'999,
+                 wait},
+         }) {
+        expectRow(row);
+    }
+}
+
+TEST(EndingAccountTest, secondSignalEndsAtOnceUnlessItIsTheSameWish) {
+    for (const auto& row : {
+             Row{"again", {{0, attended}, {50, signal}, {250, signal}}, 250, endAtOnce},
+             Row{"again, though it moves",
+                 {{0, attended}, {50, signal}, {250, signal}, {251, moved}},
+                 252,
+                 endAtOnce},
+             Row{"passed on as well", {{0, attended}, {50, signal}, {249, signal}}, 250, wait},
+             Row{"passed on, then again",
+                 {{0, attended}, {50, signal}, {90, signal}, {300, signal}},
+                 300,
+                 endAtOnce},
+             Row{"a terminal that is closed tells it again and again",
+                 {{0, attended}, {50, hangUp}, {60, hangUp}, {900, hangUp}},
+                 1000,
+                 wait},
+             Row{"a session that ends behind its terminal",
+                 {{0, attended}, {50, hangUp}, {900, signal}},
+                 1000,
+                 wait},
+             Row{"hung up behind a signal",
+                 {{0, attended}, {50, signal}, {900, hangUp}},
+                 1000,
+                 wait},
+             Row{"quitting again", {{0, attended}, {50, quitting}, {900, quitting}}, 1000, wait},
+             Row{"a signal behind quitting",
+                 {{0, attended}, {50, quitting}, {900, signal}},
+                 1000,
+                 wait},
+             Row{"two signals behind quitting",
+                 {{0, attended}, {50, quitting}, {900, signal}, {1500, signal}},
+                 1500,
+                 endAtOnce},
+         }) {
+        expectRow(row);
+    }
+}
+
+TEST(EndingAccountTest, repeatedRequestsDoNotPutTheEndOff) {
+    expectRow({"quitting", {{0, attended}, {0, quitting}, {3000, quitting}}, 4000, endAtOnce});
+    expectRow({"signal", {{0, attended}, {0, quitting}, {3000, signal}}, 4000, endAtOnce});
+    expectRow({"hang-up", {{0, attended}, {0, hangUp}, {3000, hangUp}}, 4000, endAtOnce});
+}
+
+TEST(EndingAccountTest, quittingCanBeCalledOffAndASignalCannot) {
+    for (const auto& row : {
+             Row{"called off", {{0, attended}, {0, quitting}, {10, stays}}, 100'000, goOn},
+             Row{"and wanted again",
+                 {{0, attended}, {0, quitting}, {10, stays}, {20'000, quitting}},
+                 20'001,
+                 wait},
+             Row{"signalled meanwhile",
+                 {{0, attended}, {0, quitting}, {5, signal}, {10, stays}},
+                 3999,
+                 wait},
+         }) {
+        expectRow(row);
+    }
+}
+
+TEST(EndingAccountTest, whereNobodyAttendsASignalEndsAtOnce) {
+    for (const auto& row : {
+             Row{"signal", {{0, signal}}, 0, endAtOnce},
+             Row{"hang-up", {{0, hangUp}}, 0, endAtOnce},
+             Row{"no longer attended", {{0, attended}, {1, left}, {5, signal}}, 5, endAtOnce},
+             Row{"asked while it was attended",
+                 {{0, attended}, {1, signal}, {5, left}},
+                 4000,
+                 wait},
+         }) {
+        expectRow(row);
+    }
+}
+
+TEST(EndingAccountTest, whatStillRunsBehindTheWorkIsWaitedForNoLongerThanAnythingElse) {
+    for (const auto& row : {
+             Row{"unasked", {{0, attended}, {9, saved}, {9, left}}, 4008, wait, 0},
+             Row{"unasked, for too long", {{0, attended}, {9, saved}}, 4009, endAtOnce, 0},
+             Row{"asked", {{0, attended}, {1, signal}, {3000, saved}, {3000, left}}, 6999, wait, 0},
+             Row{"asked behind it",
+                 {{0, attended}, {9, saved}, {9, left}, {3000, signal}},
+                 4008,
+                 wait,
+                 0},
+             Row{"asked twice",
+                 {{0, attended}, {1, signal}, {9, saved}, {900, signal}},
+                 900,
+                 endAtOnce,
+                 0},
+             Row{"failed", {{0, attended}, {9, failed}}, 4009, endAtOnce, 1},
+         }) {
+        expectRow(row);
+    }
+}
+
+TEST(EndingAccountTest, tellsOfTheFirstSignalAlone) {
+    EndingAccount account;
+    account.setAttended(true);
+    EXPECT_FALSE(account.asked(EndingRequest::quitting, at(0))); // they know
+    EXPECT_TRUE(account.asked(EndingRequest::hangUp, at(1)));
+    EXPECT_FALSE(account.asked(EndingRequest::signal, at(2)));
+    EXPECT_FALSE(account.asked(EndingRequest::hangUp, at(3)));
+    EXPECT_FALSE(account.isImpatient());
+    account.asked(EndingRequest::signal, at(300));
+    EXPECT_TRUE(account.isImpatient());
+}
+
+} // namespace
+} // namespace vantoro::testing

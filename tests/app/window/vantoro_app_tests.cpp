@@ -1,0 +1,259 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "app/window/vantoro_app.h"
+
+#include <filesystem>
+#include <optional>
+#include <vector>
+
+#include <QtCore/QTimer>
+#include <QtWidgets/QApplication>
+
+#include "tests/control/event_loop.h"
+#include "tests/control/view_model_fixture.h"
+#include "tests/ui/status_area/fake_status_area.h"
+
+namespace vantoro::testing {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto patience = 20s; // far more than it takes
+
+/// The whole program, on a desktop on which nothing happens but what is told to.
+class VantoroAppTest : public ViewModelTest {
+protected:
+    FakeStatusArea area;
+    int launches = 0;
+    int ends = 0;
+    int quits = 0;            ///< that were not called off
+    std::vector<Case> states; ///< of recording, as they were told
+    std::filesystem::path recordingFolder;
+    std::optional<VantoroApp> app;
+
+    VantoroAppTest() { area.available = true; }
+
+    void start() {
+        app.emplace(std::make_unique<FakeRecorder>(recorder), platform(),
+                    WindowPlatform{.statusArea = area,
+                                   .desktops = "KDE",
+                                   .version = "1.2.3",
+                                   .askForRecord = {},
+                                   .launched = [this] { ++launches; },
+                                   .moved =
+                                       [this](Case state, const auto& folder) {
+                                           states.push_back(state);
+                                           recordingFolder = folder;
+                                       },
+                                   .quits = [this] { ++quits; },
+                                   .stays = [this] { --quits; },
+                                   .end = [this] { ++ends; }});
+        scheduler.settle();
+    }
+
+    void TearDown() override { app.reset(); }
+
+    static MainWindow& window() {
+        for (auto* const widget : QApplication::topLevelWidgets()) {
+            if (auto* const found = qobject_cast<MainWindow*>(widget)) {
+                return *found;
+            }
+        }
+        throw std::runtime_error("there is no window");
+    }
+
+    void startRecording() {
+        window().findChild<RecordButton*>()->click();
+        scheduler.settle();
+        ASSERT_EQ(recorder.calls.back(), "start");
+    }
+
+    bool comesToEnd() {
+        return EventLoop::runUntil([this] {
+            scheduler.settle();
+            return ends > 0;
+        });
+    }
+
+    bool stands() {
+        return EventLoop::runUntil([this] { return launches > 0; });
+    }
+
+    /// Lets everything happen that is going to.
+    void settle() {
+        for (int round = 0; round < 3; ++round) {
+            scheduler.settle();
+            QCoreApplication::processEvents();
+        }
+    }
+};
+
+TEST_F(VantoroAppTest, windowIsThereFromTheStartOnAndTheMetersOnceItStands) {
+    start();
+    EXPECT_TRUE(window().isVisible());
+    EXPECT_EQ(area.items.size(), 0U);
+    EXPECT_EQ(launches, 0);
+    ASSERT_TRUE(stands());
+    EXPECT_EQ(area.items.size(), 2U);
+    window().update();
+    settle();
+    EXPECT_EQ(launches, 1);
+}
+
+TEST_F(VantoroAppTest, launchEndsAlsoWhereTheWindowIsNotShown) {
+    start();
+    window().hide();
+    ASSERT_TRUE(stands());
+    EXPECT_EQ(area.items.size(), 2U);
+}
+
+TEST_F(VantoroAppTest, closedWindowGoesOutOfSightWhereAMeterBringsItBack) {
+    start();
+    ASSERT_TRUE(stands());
+    window().close();
+    EXPECT_FALSE(window().isVisible());
+    EXPECT_EQ(ends, 0);
+    area.items.at(0)->traits.clicked("");
+    EXPECT_TRUE(window().isVisible());
+    EXPECT_FALSE(window().isMinimized());
+}
+
+TEST_F(VantoroAppTest, closedWindowIsMinimisedWhereNothingElseWouldBringItBack) {
+    for (const std::optional<bool> available : {std::optional(false), std::optional<bool>()}) {
+        area.available = available;
+        start();
+        window().close();
+        EXPECT_TRUE(window().isVisible());
+        EXPECT_TRUE(window().isMinimized());
+        app->activate("");
+        EXPECT_FALSE(window().isMinimized());
+        app.reset();
+    }
+}
+
+TEST_F(VantoroAppTest, hiddenWindowComesWithinReachWhenTheStatusAreaGoes) {
+    start();
+    window().close();
+    area.setAvailable(false);
+    EXPECT_TRUE(window().isVisible());
+    EXPECT_TRUE(window().isMinimized());
+}
+
+TEST_F(VantoroAppTest, windowInSightStaysWhenTheStatusAreaGoes) {
+    start();
+    area.setAvailable(false);
+    EXPECT_FALSE(window().isMinimized());
+}
+
+TEST_F(VantoroAppTest, recordingGoesOnWhileTheWindowIsClosed) {
+    start();
+    startRecording();
+    window().close();
+    settle();
+    EXPECT_EQ(recorder.calls.back(), "start");
+    app->activate("");
+    EXPECT_EQ(window().findChild<RecordButton*>()->text(), "Stop Recording");
+}
+
+TEST_F(VantoroAppTest, desktopMakesARecordingWithoutTheWindow) {
+    start();
+    window().close();
+    app->startRecording("");
+    settle();
+    EXPECT_EQ(recorder.calls.back(), "start");
+    app->stopRecording("");
+    settle();
+    EXPECT_EQ(recorder.calls.back(), "stop");
+    EXPECT_FALSE(window().isVisible());
+}
+
+TEST_F(VantoroAppTest, windowComesBackWhenARecordingThatTheDesktopWantsFails) {
+    start();
+    window().close();
+    recorder.startError = failure("no sound server");
+    app->startRecording("");
+    settle();
+    EXPECT_TRUE(window().isVisible());
+}
+
+TEST_F(VantoroAppTest, quittingEndsTheProgramAtOnceWhereNothingIsToBeSaved) {
+    start();
+    Q_EMIT window().quitRequested();
+    EXPECT_EQ(ends, 1);
+}
+
+TEST_F(VantoroAppTest, quittingWhileRecordingSavesFirstAndShowsIt) {
+    start();
+    startRecording();
+    window().close();
+    Q_EMIT window().quitRequested();
+    EXPECT_EQ(ends, 0);
+    EXPECT_TRUE(window().isVisible());
+    EXPECT_TRUE(comesToEnd());
+    EXPECT_EQ(recorder.calls.back(), "stop");
+    EXPECT_EQ(ends, 1);
+}
+
+TEST_F(VantoroAppTest, quittingStaysWithWhatCouldNotBeSaved) {
+    start();
+    startRecording();
+    recorder.stopError = failure("disk full");
+    app->quit(VantoroApp::IfNotSaved::stay);
+    EXPECT_EQ(quits, 1);
+    settle();
+    EXPECT_EQ(ends, 0);
+    EXPECT_EQ(quits, 0);
+    EXPECT_TRUE(window().isVisible());
+    app->quit(VantoroApp::IfNotSaved::stay);
+    EXPECT_EQ(ends, 1);
+    EXPECT_EQ(quits, 1);
+}
+
+TEST_F(VantoroAppTest, whatMovesIsToldToWhoeverEndsTheProgram) {
+    start();
+    EXPECT_EQ(states, std::vector<Case>{Case::idle});
+    EXPECT_EQ(recordingFolder, "/home/somebody/Movies/Vantoro");
+    startRecording();
+    settle();
+    EXPECT_EQ(states, (std::vector<Case>{Case::idle, Case::preparing, Case::recording}));
+    app->quit(VantoroApp::IfNotSaved::stay);
+    settle();
+    EXPECT_EQ(states, (std::vector<Case>{Case::idle, Case::preparing, Case::recording,
+                                         Case::processing, Case::completed}));
+}
+
+TEST_F(VantoroAppTest, aSignalEndsTheProgramEvenIfThatCouldNotBeSaved) {
+    start();
+    startRecording();
+    recorder.stopError = failure("disk full");
+    app->quit(VantoroApp::IfNotSaved::end);
+    EXPECT_TRUE(comesToEnd());
+}
+
+TEST_F(VantoroAppTest, sessionWaitsForTheRecordingAndTheProgramGoesOn) {
+    start();
+    startRecording();
+    QTimer::singleShot(0, &window(), [this] { scheduler.settle(); });
+    app->saveBeforeTheSessionEnds(patience);
+    EXPECT_EQ(recorder.calls.back(), "stop");
+    EXPECT_EQ(ends, 0);
+}
+
+TEST_F(VantoroAppTest, sessionWithNothingToSaveWaitsForNothing) {
+    start();
+    app->saveBeforeTheSessionEnds(patience);
+    EXPECT_EQ(ends, 0);
+}
+
+TEST_F(VantoroAppTest, sessionDoesNotWaitForeverForASavingThatHangs) {
+    start();
+    startRecording();
+    app->saveBeforeTheSessionEnds(1ms);
+    EXPECT_EQ(recorder.calls.back(), "start"); // the fake saves when it is let
+    settle();                                  // as a session does that leaves it the time
+    EXPECT_EQ(recorder.calls.back(), "stop");
+    EXPECT_EQ(ends, 0);
+}
+
+} // namespace
+} // namespace vantoro::testing

@@ -1,0 +1,138 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include <chrono>
+#include <csignal>
+#include <exception>
+#include <filesystem>
+#include <iostream>
+#include <memory>
+#include <semaphore>
+#include <string>
+#include <thread>
+
+#include <unistd.h>
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QEventLoop>
+#include <QtCore/QTimer>
+
+#include "app/commands/record_command.h"
+#include "app/ending/ending.h"
+#include "app/ending/stop_signals.h"
+#include "control/tasks/qt_scheduler.h"
+#include "engine/recorder/audio_recorder.h"
+#include "platform/ffmpeg/toolkit.h"
+#include "platform/posix/posix_file_system.h"
+#include "platform/posix/system_clock.h"
+#include "tests/control/control_fakes.h"
+#include "tests/crash/support/heard_tones.h"
+#include "tests/l10n/memory_preferences.h"
+
+// fed_recorder FOLDER FRAMES [ahead]: what "vantoro record --folder FOLDER" does, with everything
+// but the capture as it is there: that many frames are heard, faster than they sound, and then the
+// user presses Ctrl-C. With "ahead" the mix is made while recording, else at the stop.
+
+namespace vantoro::testing {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+/// What the program finds of earlier recordings when it starts, it finds before this one begins.
+void waitForSalvage(const RecordingViewModel& model) {
+    QEventLoop loop;
+    QObject::connect(&model, &RecordingViewModel::salvageEnded, &loop, &QEventLoop::quit);
+    QTimer::singleShot(1s, &loop, &QEventLoop::quit);
+    loop.exec();
+}
+
+class FedRecorder {
+public:
+    FedRecorder(Ending& ending, const std::filesystem::path& folder, std::int64_t frames,
+                bool isMixedAhead)
+        : frames_(frames),
+          isMixedAhead_(isMixedAhead),
+          toolkit_(fileSystem_,
+                   [this] {
+                       mixBegins_.release(); // asked when all else is decided
+                       return !isMixedAhead_;
+                   }),
+          run_(command_, ending, preferences_),
+          model_(std::make_unique<AudioRecorder>(RecorderPlatform{
+                     captureAccess_, microphone_, capture_, toolkit_, fileSystem_, clock_}),
+                 {scheduler_, power_, devices_, microphoneSurvey_, opener_, folderDialog_,
+                  preferences_, levels_, folder, [&ending] { ending.moved(); }}) {}
+
+    int run() {
+        waitForSalvage(model_);
+        QObject::connect(&model_, &RecordingProperties::stateChanged, qApp, [this] {
+            if (isRecording() && !feeder_.joinable()) {
+                feeder_ = std::jthread([this] { feed(); });
+            }
+        });
+        return run_.run(model_);
+    }
+
+private:
+    bool isRecording() const {
+        return model_.values().state.which() == RecordingState::Case::recording;
+    }
+
+    void feed() {
+        tones_.until(frames_);
+        if (isMixedAhead_) {
+            // Not for ever: what leads to it may have failed.
+            static_cast<void>(mixBegins_.try_acquire_for(10s));
+        }
+        QMetaObject::invokeMethod(qApp, [this] {
+            if (isRecording()) {
+                ::kill(::getpid(), SIGINT);
+            }
+        });
+    }
+
+    std::int64_t frames_;
+    bool isMixedAhead_;
+    std::counting_semaphore<> mixBegins_{0};
+    CallLog log_;
+    FakeCaptureAccess captureAccess_{log_};
+    FakeMicrophoneAccess microphone_{log_};
+    FakeCaptureService capture_{log_};
+    HeardTones tones_{capture_};
+    posix::PosixFileSystem fileSystem_;
+    ffmpeg::FfmpegToolkit toolkit_;
+    posix::SystemClock clock_;
+    MemoryPreferences preferences_ = preferencesIn("en");
+    FakePower power_;
+    FakeAudioDevices devices_;
+    FakeMicrophonePermission microphoneSurvey_;
+    FakeOpener opener_;
+    FakeFolderDialog folderDialog_;
+    AudioLevelStore levels_;
+    RecordCommand command_;
+    RecordRun run_;
+    QtScheduler scheduler_;
+    RecordingViewModel model_;
+    std::jthread feeder_;
+};
+
+} // namespace
+
+} // namespace vantoro::testing
+
+int main(int argc, char** argv) {
+    if (argc < 3) {
+        return 2;
+    }
+    try {
+        vantoro::StopSignals signals;
+        vantoro::Ending ending(signals);
+        const QCoreApplication application(argc, argv);
+        const bool isMixedAhead = argc > 3 && std::string(argv[3]) == "ahead";
+        return vantoro::testing::FedRecorder(ending, argv[1], std::stoll(argv[2]), isMixedAhead)
+            .run();
+    } catch (const std::exception& error) {
+        std::cerr << error.what() << "\n";
+        return 1;
+    }
+}

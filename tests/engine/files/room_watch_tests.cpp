@@ -1,0 +1,100 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "engine/files/room_watch.h"
+
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "tests/engine/recorder/recorder_fixture.h"
+
+namespace vantoro::testing {
+namespace {
+
+using enum RoomAdvice;
+
+constexpr std::uint64_t million = 1'000'000;
+constexpr MediaTime elevenSeconds{11 * 48000, 48000};
+
+class RoomWatchTest : public ::testing::Test {
+protected:
+    CallLog log;
+    FakeFileSystem fileSystem{log};
+    std::vector<DiskRoom> told;
+    DiskRoomCallback callback = [this](DiskRoom room) { told.push_back(room); };
+    RoomWatch watch{fileSystem, "/recordings", 288000, callback};
+
+    void lookWith(std::uint64_t available, std::uint64_t waiting = 0) {
+        fileSystem.available = available;
+        watch.look(elevenSeconds, waiting);
+    }
+};
+
+TEST_F(RoomWatchTest, saysNothingWhileThereIsEnough) {
+    watch.lookBeforeTheStart();
+    lookWith(100 * million);
+    EXPECT_TRUE(told.empty());
+    EXPECT_EQ(log.startingWith("availableSpace").back(), "availableSpace /recordings");
+}
+
+TEST_F(RoomWatchTest, tellsOnceAndOnceThatItMustEnd) {
+    lookWith(20 * million);
+    lookWith(15 * million);
+    lookWith(100 * million);
+    lookWith(20 * million);
+    lookWith(2 * million);
+    lookWith(1 * million);
+    EXPECT_EQ(told, (std::vector<DiskRoom>{{tell, 3}, {end, 0}}));
+}
+
+TEST_F(RoomWatchTest, asksNoMoreWhenItHasSaidThatItMustEnd) {
+    lookWith(2 * million);
+    const auto asked = log.calls().size();
+    lookWith(2 * million);
+    EXPECT_EQ(log.calls().size(), asked);
+    EXPECT_EQ(told, (std::vector<DiskRoom>{{end, 0}}));
+}
+
+TEST_F(RoomWatchTest, whatWasToldAtTheStartIsNotToldAgain) {
+    fileSystem.available = 20 * million;
+    watch.lookBeforeTheStart();
+    EXPECT_EQ(told, (std::vector<DiskRoom>{{tell, 3}}));
+    lookWith(15 * million);
+    EXPECT_EQ(told.size(), 1U);
+}
+
+TEST_F(RoomWatchTest, whatWaitsForTheDiskIsNoRoom) {
+    lookWith(100 * million, 98 * million);
+    EXPECT_EQ(told, (std::vector<DiskRoom>{{end, 0}}));
+}
+
+TEST_F(RoomWatchTest, moreThatWaitsThanThereIsRoomForIsTheEnd) {
+    lookWith(3 * million, 5 * million);
+    EXPECT_EQ(told, (std::vector<DiskRoom>{{end, 0}}));
+}
+
+TEST_F(RoomWatchTest, refusesAStartThatWouldBeOfNoUse) {
+    fileSystem.available = 5 * million;
+    try {
+        watch.lookBeforeTheStart();
+        FAIL() << "it was let start";
+    } catch (const RecordingError& error) {
+        EXPECT_EQ(error.which(), RecordingError::Case::diskTooFull);
+    }
+    EXPECT_TRUE(told.empty());
+}
+
+TEST_F(RoomWatchTest, diskThatCannotTellItsRoomIsNoReasonToEnd) {
+    fileSystem.availableSpaceError = std::make_exception_ptr(std::runtime_error("not counted"));
+    EXPECT_NO_THROW(watch.lookBeforeTheStart());
+    lookWith(0);
+    EXPECT_TRUE(told.empty());
+}
+
+TEST_F(RoomWatchTest, nobodyNeedsToListen) {
+    callback = nullptr;
+    EXPECT_NO_THROW(lookWith(0));
+}
+
+} // namespace
+} // namespace vantoro::testing

@@ -1,0 +1,83 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "engine/recorder/audio_recorder.h"
+#include "tests/support/recorder_fakes.h"
+
+namespace vantoro::testing {
+
+/// A recorder on a platform of fakes.
+class RecorderTest : public ::testing::Test {
+protected:
+    const std::filesystem::path folder = "/recordings";
+    const std::filesystem::path finalFile = folder / "Vantoro-2025-03-01-093015.m4a";
+
+    CallLog log;
+    FakeCaptureAccess captureAccess{log};
+    FakeMicrophoneAccess microphone{log};
+    FakeCaptureService capture{log};
+    FakeFileSystem fileSystem{log};
+    FakeMediaToolkit toolkit{log, fileSystem};
+    FakeClock clock;
+    AudioRecorder recorder{{captureAccess, microphone, capture, toolkit, fileSystem, clock}};
+
+    RecordingOptions bothSources() const { return {true, true, std::nullopt, folder}; }
+
+    RecordingOptions microphoneOnly() const { return {false, true, std::nullopt, folder}; }
+
+    RecordingOptions systemAudioOnly() const { return {true, false, std::nullopt, folder}; }
+
+    /// The case of the `RecordingError` that `action` throws; none when it throws nothing.
+    template <class Action>
+    static std::optional<RecordingError::Case> errorOf(Action action) {
+        try {
+            action();
+        } catch (const RecordingError& error) {
+            return error.which();
+        }
+        return std::nullopt;
+    }
+
+    /// The text of whatever `action` throws; none when it throws nothing.
+    template <class Action>
+    static std::optional<std::string> textOf(Action action) {
+        try {
+            action();
+        } catch (const std::exception& error) {
+            return error.what();
+        }
+        return std::nullopt;
+    }
+
+    /// The recorder behaves as a new one does: nothing to stop, and ready to record again.
+    void expectIdle() {
+        EXPECT_EQ(capture.liveStreams, 0);
+        EXPECT_EQ(errorOf([this] { recorder.stop(1, 1); }), RecordingError::Case::noAudioCaptured);
+        capture.startError = nullptr;
+        capture.stopError = nullptr;
+        capture.makeStreamError = nullptr;
+        toolkit.writing = {};
+        toolkit.exporting = {};
+        recorder.start(bothSources());
+        capture.deliver(bufferAt(0), AudioLevelSource::systemAudio);
+        EXPECT_NO_THROW(recorder.stop(1, 1));
+    }
+};
+
+inline std::string messageOf(const std::exception_ptr& error) {
+    try {
+        std::rethrow_exception(error);
+    } catch (const std::exception& exception) {
+        return exception.what();
+    }
+}
+
+} // namespace vantoro::testing
