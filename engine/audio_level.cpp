@@ -14,7 +14,7 @@ namespace {
 constexpr float quietest = -45.0F; // dBFS
 constexpr float smallestRms = 1e-06F;
 
-/// In single precision and in the order of the samples, so that a reading is the same everywhere.
+/// Single precision, in sample order, so that readings are identical everywhere.
 float sumOfSquares(std::span<const float> samples) noexcept {
     float sum = 0;
     for (const float sample : samples) {

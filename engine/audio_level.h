@@ -6,9 +6,9 @@
 
 namespace vantoro {
 
-/// The level of one buffer: its mean square in decibels, -45 dBFS and quieter as 0, full scale and
-/// louder as 1, linear in between. 0 for a buffer that cannot be measured: without a format, with
-/// samples that are not channels × frames, or with no frames. Reads the samples in place.
+/// The level of one buffer: its mean square in decibels, mapped linearly from -45 dBFS and below
+/// (0) to full scale and above (1). 0 for a buffer that cannot be measured: no format, no frames,
+/// or a sample count other than channels × frames.
 float audioLevel(const SampleBuffer& buffer) noexcept;
 
 } // namespace vantoro

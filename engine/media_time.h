@@ -7,11 +7,11 @@
 
 namespace vantoro {
 
-/// A moment or a span of media as a rational number of seconds: value / timescale.
-/// Default-constructed it is the invalid time, which compares with nothing.
+/// A point in time or a duration as a rational number of seconds: value / timescale.
+/// Default-constructed, it is the invalid time, which is unordered.
 struct MediaTime {
     std::int64_t value = 0;
-    std::int32_t timescale = 0; ///< units a second; above 0 for every valid time
+    std::int32_t timescale = 0; ///< units per second; positive if valid
 
     constexpr bool isValid() const noexcept { return timescale > 0; }
 
@@ -19,7 +19,7 @@ struct MediaTime {
         return isValid() ? static_cast<double>(value) / timescale : 0.0;
     }
 
-    /// Exact, whatever the timescales. Times of which one is invalid are unordered.
+    /// Exact for all timescales; unordered if either time is invalid.
     friend constexpr std::partial_ordering operator<=>(MediaTime a, MediaTime b) noexcept {
         if (!a.isValid() || !b.isValid()) {
             return std::partial_ordering::unordered;
@@ -31,7 +31,7 @@ struct MediaTime {
         return (a <=> b) == std::partial_ordering::equivalent;
     }
 
-    /// The nearest whole count of units of 1/`rate` second; a valid time only.
+    /// Converts to units of 1/`rate` second, rounded to nearest. Valid times only.
     constexpr std::int64_t inUnitsOf(std::int32_t rate) const noexcept {
         const Wide numerator = widened(value) * rate;
         const Wide half = timescale / 2;

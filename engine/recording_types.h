@@ -12,20 +12,19 @@
 
 namespace vantoro {
 
-/// What one recording takes in and where it goes; copied into the recorder at each start.
+/// What to record and where; copied into the recorder at each start.
 struct RecordingOptions {
-    bool captureSystemAudio; ///< record what the computer plays, this program excepted
+    bool captureSystemAudio; ///< what the computer plays, except this program
     bool captureMicrophone;
-    /// Absent: the default microphone. Consulted only when `captureMicrophone` is on.
+    /// Default microphone if absent. Used only with `captureMicrophone`.
     std::optional<std::string> microphoneDeviceID;
-    /// Holds the temporary and the final file; created, with its parents, when the recording
-    /// starts.
+    /// Folder of the temporary and the final file; created with its parents on start.
     std::filesystem::path outputDirectory;
 
     friend bool operator==(const RecordingOptions&, const RecordingOptions&) = default;
 };
 
-/// The recorder's own failures. Their texts for the user are composed in l10n, each time anew.
+/// The recorder's own failures. l10n composes their texts for the user.
 class RecordingError : public std::exception {
 public:
     enum class Case : std::uint8_t {
@@ -33,14 +32,14 @@ public:
         noAudioSource,
         screenPermissionDenied,
         microphonePermissionDenied,
-        noDisplayAvailable, ///< never here: sound is captured without a display
+        noDisplayAvailable, ///< unused: capture needs no display
         writerSetupFailed,
         noAudioCaptured,
         exportFailed,
         diskTooFull,
     };
 
-    /// Any case but `writerFailed`, which has a message: see the factories below.
+    /// Any case except `writerFailed`, which needs a message: see the factories below.
     explicit RecordingError(Case which);
     static RecordingError writerFailed(std::string message);
     /// With the cause's `what()` as its message.
@@ -48,13 +47,13 @@ public:
 
     Case which() const noexcept { return which_; }
 
-    /// The detail of `writerFailed`; empty for every other case.
+    /// The detail of `writerFailed`; empty otherwise.
     const std::string& message() const noexcept { return message_; }
 
-    /// Of a `writerFailed` that was made of it; otherwise null.
+    /// What a `writerFailed` was made from; otherwise null.
     const std::exception_ptr& cause() const noexcept { return cause_; }
 
-    /// For developers, not for the user: the case's name, and the detail where there is one.
+    /// For developers: the case's name, and the detail if any.
     const char* what() const noexcept override;
 
     friend bool operator==(const RecordingError& a, const RecordingError& b) {
@@ -70,42 +69,41 @@ private:
     std::string what_;
 };
 
-/// The two sources a level can belong to.
+/// A source of sound.
 enum class AudioLevelSource : std::uint8_t { systemAudio, microphone };
 
-/// Whether a source gives what it is recorded for.
+/// Whether a source delivers sound.
 enum class SourceCondition : std::uint8_t {
     delivering,
-    silent, ///< nothing but zeros for `SourceWatch::noticed`, which a quiet room hardly gives
-    muted,  ///< switched off in the desktop's mixer
-    coded,  ///< some of it goes to a receiver in a coded form, which cannot be recorded
+    silent, ///< only zeros for `SourceWatch::silenceLimit`, rare even in a quiet room
+    muted,  ///< in the desktop's mixer
+    coded,  ///< some of it is sent encoded to a receiver and cannot be recorded
 };
 
-/// Sound that was captured and is not in the recording.
+/// Sound missing from the recording, although the source delivered it.
 struct SoundLoss {
     using Duration = std::chrono::duration<double>;
 
     enum class Cause : std::uint8_t {
-        notTakenInTime, ///< the program stood still for too long: silence stands for it
+        notTakenInTime, ///< the program stalled for too long; replaced by silence
         notWritten,
     };
 
     Cause cause;
     Duration length;
-    /// Whose it was; of two that are lost at a time, each is told. Nothing: of all.
+    /// The affected source, or all if absent. Simultaneous losses are reported per source.
     std::optional<AudioLevelSource> source;
-    std::exception_ptr reason; ///< for `notWritten`; null where the disk was too slow
+    std::exception_ptr reason; ///< for `notWritten`; null if the disk was too slow
 
     friend bool operator==(const SoundLoss&, const SoundLoss&) = default;
 };
 
-/// Receives each loss once it is known.
 using SoundLossCallback = std::function<void(const SoundLoss&)>;
 
-/// One microphone as a list shows it.
+/// A microphone for display in a list.
 struct AudioInputDevice {
-    std::string id;   ///< what goes into `RecordingOptions::microphoneDeviceID`
-    std::string name; ///< for people
+    std::string id;   ///< for `RecordingOptions::microphoneDeviceID`
+    std::string name; ///< for display
 
     friend bool operator==(const AudioInputDevice&, const AudioInputDevice&) = default;
 };

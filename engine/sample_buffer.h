@@ -15,14 +15,13 @@ struct AudioStreamDescription {
     std::uint32_t channelsPerFrame = 0;
 };
 
-/// One timed piece of captured sound, as the capture stream hands it to the capture queue.
-/// It borrows its samples; whoever keeps them copies them.
+/// One timed piece of captured sound. It borrows its samples; copy them to keep them.
 struct SampleBuffer {
     bool dataIsReady = true;
     std::int64_t frameCount = 0;
-    MediaTime presentationTime; ///< of the first frame, on the machine's monotonic clock
+    MediaTime presentationTime; ///< of the first frame, monotonic clock
     std::optional<AudioStreamDescription> format;
-    std::span<const float> samples; ///< channel after channel (channels × frames)
+    std::span<const float> samples; ///< planar: channels × frames
 };
 
 } // namespace vantoro

@@ -76,8 +76,7 @@ void SerialQueue::run(const std::stop_token& stop) {
 
 bool SerialQueue::runPendingWork() {
     bool ran = false;
-    // A handler may take any source off the list, its own included, so the list is walked by a
-    // copy.
+    // Iterate over a copy: a handler may remove any source, including its own.
     for (const auto& source : std::vector(sources_)) {
         if (source->pending_.exchange(false, std::memory_order_acq_rel) &&
             std::ranges::find(sources_, source) != sources_.end()) {

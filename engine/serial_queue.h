@@ -17,18 +17,17 @@
 
 namespace vantoro {
 
-/// A thread that runs one piece of work after another, in the order in which it was given.
+/// A thread that runs work items one by one, in the order queued.
 ///
-/// `async`, `sync` and `addSource` may be called on any thread, the queue's own included. When the
-/// queue is destroyed (not on its own thread) the work in progress is waited for and the rest
-/// dropped.
+/// `async`, `sync` and `addSource` may be called on any thread, including the queue's own.
+/// Destruction (not on the queue's thread) waits for the running item and drops the rest.
 class SerialQueue {
 public:
-    /// A standing piece of work that a real-time thread can ask for.
+    /// A reusable work item that a real-time thread can trigger.
     class Source {
     public:
-        /// Has the handler run soon, once for any number of calls before it begins. Safe in a
-        /// real-time thread: neither locks, allocates, nor throws; wakes the queue at most.
+        /// Makes the handler run soon, once for all calls before it starts. Real-time safe: neither
+        /// locks, allocates nor throws; at most wakes the queue.
         void signal() noexcept;
 
     private:
@@ -40,8 +39,8 @@ public:
         std::atomic<bool> pending_{false};
     };
 
-    /// Takes its source off the queue when destroyed: afterwards the handler neither runs nor will
-    /// run. May happen in the handler itself, and on any thread. Must not outlive the queue.
+    /// Removes its source on destruction; the handler does not run afterwards. Destroy it on any
+    /// thread, even in the handler. Must not outlive the queue.
     class SourceHandle {
     public:
         SourceHandle() = default;
@@ -75,8 +74,8 @@ public:
     /// Work must not throw.
     void async(std::function<void()> work);
 
-    /// Runs the work behind all that was given before, and returns, or throws, what it did. On the
-    /// queue's own thread it runs at once.
+    /// Runs the work after everything queued before it and returns its result or throws its
+    /// exception. On the queue's own thread it runs at once.
     template <class Work>
     auto sync(Work work) -> std::invoke_result_t<Work> {
         if (isCurrent()) {
@@ -98,10 +97,10 @@ private:
     void removeSource(const std::shared_ptr<Source>& source);
 
     const std::string label_;
-    std::mutex mutex_; // guards work_ alone, and is held for a push or a swap only
+    std::mutex mutex_; // guards work_; held for a push or swap only
     std::deque<std::function<void()>> work_;
-    std::vector<std::shared_ptr<Source>> sources_; // touched on the queue's thread only
-    std::atomic<int> wakes_{0}; // calls of wake(): none can fall between look and wait
+    std::vector<std::shared_ptr<Source>> sources_; // queue thread only
+    std::atomic<int> wakes_{0}; // counts calls of wake(), so that none is missed
     std::jthread thread_;       // last: it uses the above
 };
 

@@ -10,27 +10,27 @@ namespace vantoro {
 namespace {
 
 constexpr int finalBitRate = 256000;
-/// The next look comes with the next fragment, 10 s later; by then another one waits to be written,
-/// and the disk may be late.
-constexpr std::chrono::seconds timeToEndIn(30);
-constexpr std::chrono::seconds leastLength(30); // of a recording that may begin
-constexpr std::chrono::minutes timeWorthTelling(10);
-constexpr std::int64_t spareBytes = 1 << 20; // for what others write, and the disk's own tables
+/// The next check comes with the next fragment, 10 s later. By then another fragment waits to be
+/// written, and the disk may be late.
+constexpr std::chrono::seconds reservedTime(30);
+constexpr std::chrono::seconds minimumTime(30); // below this, do not start
+constexpr std::chrono::minutes lowRoomTime(10);
+constexpr std::int64_t spareBytes = 1 << 20; // for other programs and file system metadata
 
-/// With what describes the sound, and the coder's inexactness.
+/// Includes container overhead and the encoder's inaccuracy.
 constexpr std::int64_t bytesPerSecond(std::int64_t bitRate) {
     const std::int64_t sound = bitRate / 8;
     return sound + sound / 16;
 }
 
-/// How long the recording can go on until it must end; below zero when it is too late for that.
+/// Until the recording must end; negative if that is past.
 std::chrono::seconds timeLeft(std::uint64_t available, std::chrono::seconds recorded, int bitRate) {
     constexpr std::int64_t finalRate = bytesPerSecond(finalBitRate);
     const std::int64_t rate = bytesPerSecond(bitRate) + finalRate;
     const auto room = static_cast<std::int64_t>(
         std::min<std::uint64_t>(available, std::numeric_limits<std::int64_t>::max()));
     const std::int64_t left =
-        room - spareBytes - recorded.count() * finalRate - timeToEndIn.count() * rate;
+        room - spareBytes - recorded.count() * finalRate - reservedTime.count() * rate;
     return std::chrono::seconds(left < 0 ? -1 : left / rate);
 }
 
@@ -41,12 +41,12 @@ DiskRoom diskRoom(std::uint64_t available, std::chrono::seconds recorded, int bi
     if (left.count() < 0) {
         return {.advice = RoomAdvice::end, .minutesLeft = 0};
     }
-    return {.advice = left < timeWorthTelling ? RoomAdvice::tell : RoomAdvice::enough,
+    return {.advice = left < lowRoomTime ? RoomAdvice::tell : RoomAdvice::enough,
             .minutesLeft = std::chrono::floor<std::chrono::minutes>(left).count()};
 }
 
-bool isRoomToStart(std::uint64_t available, int bitRate) {
-    return timeLeft(available, {}, bitRate) >= leastLength;
+bool hasRoomToStart(std::uint64_t available, int bitRate) {
+    return timeLeft(available, {}, bitRate) >= minimumTime;
 }
 
 } // namespace vantoro

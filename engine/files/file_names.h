@@ -11,10 +11,10 @@
 
 namespace vantoro {
 
-/// A hidden name that no earlier recording had: ".Vantoro-" + a random UUID + ".partial.mov".
+/// A unique hidden name: ".Vantoro-" + a random UUID + ".partial.mov".
 std::string temporaryFileName();
 
-/// A place in the folder for a final recording, named after the local time, which is read once.
+/// Reserves a place in the folder for a final recording, named after the current local time.
 OutputPlace uniqueOutputURL(const std::filesystem::path& folder, FileSystem& fileSystem,
                             const Clock& clock);
 

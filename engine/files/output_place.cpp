@@ -9,14 +9,14 @@ namespace vantoro {
 
 namespace {
 
-/// Null where the name is taken.
+/// Null if the name is taken.
 std::unique_ptr<OutputFile> reserve(FileSystem& fileSystem,
                                     const std::filesystem::path& destination) {
     if (fileSystem.exists(destination)) {
         return nullptr;
     }
     auto staging = fileSystem.claim(stagingPath(destination), FileAudience::asUserPrefers);
-    // Whoever had the staging file until now may have finished in between.
+    // The staging file's previous owner may have finished in between.
     if (staging && fileSystem.exists(destination)) {
         staging->discard();
         return nullptr;
@@ -24,7 +24,7 @@ std::unique_ptr<OutputFile> reserve(FileSystem& fileSystem,
     return staging;
 }
 
-/// False when something has the name.
+/// False if the name is taken.
 bool tryToName(OutputFile& file, const std::filesystem::path& path) {
     try {
         file.takeName(path);
@@ -63,7 +63,7 @@ FinalFile OutputPlace::publish(std::unique_ptr<OutputFile> other) {
         while (!tryToName(*file, location())) {
             ++counter_;
         }
-        // Only when the name is on the disk may anybody delete what the file was made from.
+        // Sources may be deleted only once the name is on disk.
         fileSystem_->syncFolder(folder_);
     } catch (...) {
         file->discard();

@@ -11,35 +11,36 @@
 
 namespace vantoro {
 
-/// A recording under its final name.
+/// A published recording.
 struct FinalFile {
     std::filesystem::path location;
-    std::unique_ptr<OutputFile> file; ///< closed; for who finds that it must not stay
+    std::unique_ptr<OutputFile> file; ///< closed; for callers that must discard it again
 };
 
-/// A name for a final recording that is free, and kept free from others until it is used or this is
-/// destroyed: by a staging file beside it, which is locked from its creation on. Nothing that
-/// somebody else made is ever replaced or removed. Task threads only.
+/// A free name for a final recording, reserved by a locked staging file beside it until the name is
+/// used or this object is destroyed. Never replaces or removes another program's file. Task threads
+/// only.
 class OutputPlace {
 public:
-    /// The first free one of "BASE.m4a", "BASE-2.m4a", … in the folder. A name is taken when
-    /// anything has it, somebody exports to it, or something odd lies in the staging file's place.
+    /// Takes the first free name of "BASE.m4a", "BASE-2.m4a", … in the folder. A name is taken if
+    /// anything has it, another export uses it, or its staging path is occupied by something else.
     /// Throws what the file system throws.
     OutputPlace(FileSystem& fileSystem, std::filesystem::path folder, std::string baseName);
     OutputPlace(OutputPlace&&) noexcept = default;
     OutputPlace& operator=(OutputPlace&&) = delete;
-    /// No staging file stays.
+    /// Removes the staging file.
     ~OutputPlace();
 
-    /// Where the recording will be, unless somebody who knows of no staging files takes the name.
+    /// The expected path of the recording; it changes if a program that ignores staging files takes
+    /// the name.
     std::filesystem::path location() const;
 
-    /// To be filled, synced and closed.
+    /// To be written, synced and closed by the caller.
     OutputFile& stagingFile() noexcept { return *staging_; }
 
-    /// Gives a complete file the name, or the next free one, and returns when that is on the disk.
-    /// `other`: in place of the staging file, where it is not null. Throws what the file system
-    /// throws; then no file of this attempt is left. Nothing may follow.
+    /// Gives the staging file, or `other` if not null, the reserved name or the next free one, and
+    /// returns once the name is on disk. The file must be complete. Throws what the file system
+    /// throws, leaving no file behind. Call once; nothing may follow.
     FinalFile publish(std::unique_ptr<OutputFile> other);
 
 private:
@@ -50,7 +51,7 @@ private:
     std::unique_ptr<OutputFile> staging_;
 };
 
-/// Where a final file is exported to before it is complete.
+/// The staging path for a final file.
 std::filesystem::path stagingPath(std::filesystem::path destination);
 
 } // namespace vantoro

@@ -18,29 +18,29 @@ RoomWatch::RoomWatch(const FileSystem& fileSystem, std::filesystem::path folder,
       bitRate_(bitRate),
       onDiskRoom_(onDiskRoom) {}
 
-void RoomWatch::lookBeforeTheStart() {
+void RoomWatch::checkBeforeStart() {
     const auto available = availableSpace();
     if (!available) {
         return;
     }
-    if (!isRoomToStart(*available, bitRate_)) {
+    if (!hasRoomToStart(*available, bitRate_)) {
         throw RecordingError(RecordingError::Case::diskTooFull);
     }
-    tell(diskRoom(*available, {}, bitRate_));
+    report(diskRoom(*available, {}, bitRate_));
 }
 
-void RoomWatch::look(MediaTime recorded, std::uint64_t waitingBytes) {
-    if (told_ == RoomAdvice::end) {
+void RoomWatch::check(MediaTime recorded, std::uint64_t waitingBytes) {
+    if (reported_ == RoomAdvice::end) {
         return;
     }
     if (const auto available = availableSpace()) {
         const auto length = std::chrono::ceil<std::chrono::seconds>(
             std::chrono::duration<double>(recorded.seconds()));
-        tell(diskRoom(*available - std::min(*available, waitingBytes), length, bitRate_));
+        report(diskRoom(*available - std::min(*available, waitingBytes), length, bitRate_));
     }
 }
 
-/// Nothing where it cannot be told: then the first write that fails has to do.
+/// Absent if unknown; then the first failing write reports the full disk.
 std::optional<std::uint64_t> RoomWatch::availableSpace() const {
     try {
         return fileSystem_.availableSpace(folder_);
@@ -49,11 +49,11 @@ std::optional<std::uint64_t> RoomWatch::availableSpace() const {
     }
 }
 
-void RoomWatch::tell(DiskRoom room) {
-    if (room.advice <= told_) {
+void RoomWatch::report(DiskRoom room) {
+    if (room.advice <= reported_) {
         return;
     }
-    told_ = room.advice;
+    reported_ = room.advice;
     if (onDiskRoom_) {
         onDiskRoom_(room);
     }

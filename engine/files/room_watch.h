@@ -12,30 +12,30 @@
 
 namespace vantoro {
 
-/// Looks at the room that one recording has on its disk, and tells when it is getting short. Asking
-/// a disk may take as long as it likes: on threads that may wait for it, one at a time.
+/// Monitors the free disk space for one recording and reports when it runs short. May block on the
+/// disk: one thread at a time that may wait.
 class RoomWatch {
 public:
-    /// In a folder that is there. `bitRate`: of all tracks together, bits a second. What is
-    /// referred to outlives the watch; the callback may be empty.
+    /// `folder` exists. `bitRate`: bits per second of all tracks together. The referenced objects
+    /// outlive the watch; the callback may be empty.
     RoomWatch(const FileSystem& fileSystem, std::filesystem::path folder, int bitRate,
               const DiskRoomCallback& onDiskRoom);
 
-    /// Throws a `RecordingError` where a recording would be of no use.
-    void lookBeforeTheStart();
+    /// Throws `RecordingError` if there is too little space to start.
+    void checkBeforeStart();
 
-    /// When so much was recorded, of which `waitingBytes` are still to be written.
-    void look(MediaTime recorded, std::uint64_t waitingBytes);
+    /// Checks after `recorded` was recorded, of which `waitingBytes` still wait to be written.
+    void check(MediaTime recorded, std::uint64_t waitingBytes);
 
 private:
     std::optional<std::uint64_t> availableSpace() const;
-    void tell(DiskRoom room);
+    void report(DiskRoom room);
 
     const FileSystem& fileSystem_;
     const std::filesystem::path folder_;
     const int bitRate_;
     const DiskRoomCallback& onDiskRoom_;
-    RoomAdvice told_ = RoomAdvice::enough; // the latest
+    RoomAdvice reported_ = RoomAdvice::enough; // latest
 };
 
 } // namespace vantoro

@@ -36,7 +36,7 @@ std::filesystem::path setAside(FileSystem& fileSystem, const std::filesystem::pa
     try {
         fileSystem.syncFolder(place.parent_path());
     } catch (const std::exception&) { // NOLINT(bugprone-empty-catch)
-        // It has moved. At worst a power cut brings its old name back, and it is salvaged again.
+        // The file has moved. At worst a power cut restores its old name, and it is salvaged again.
     }
     return place;
 }

@@ -8,11 +8,10 @@
 
 namespace vantoro {
 
-/// Gives a temporary file, of which a final file could not take everything, a name that the user
-/// sees beside that, and that salvage passes over: the final file's, with ".incomplete.mov" for its
-/// extension; where something exists there, "-2", "-3", … before it. Nothing is ever replaced.
-/// Returns its new place. Blocks; task threads only. Throws what the file system throws when it
-/// cannot be moved, and then it is where it was.
+/// Renames a temporary file that holds more than its final file, so that the user sees it and
+/// salvage skips it: the final file's name with the extension ".incomplete.mov", preceded by "-2",
+/// "-3", … if taken. Never replaces anything. Returns the new path. Blocks; task threads only.
+/// Throws what the file system throws, and then leaves the file where it was.
 std::filesystem::path setAside(FileSystem& fileSystem, const std::filesystem::path& temporary,
                                const std::filesystem::path& finalFile);
 

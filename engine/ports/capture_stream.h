@@ -13,53 +13,52 @@
 
 namespace vantoro {
 
-/// What is to be captured: one source at least.
+/// What to capture: at least one source.
 struct CaptureRequest {
-    bool systemAudio = false; ///< all that the computer plays, this program excepted
+    bool systemAudio = false; ///< everything the computer plays, except this program
     bool microphone = false;
-    std::optional<std::string> microphoneID = std::nullopt; ///< absent: the default microphone
+    std::optional<std::string> microphoneID = std::nullopt; ///< default microphone if absent
 };
 
-/// Receives what a stream captures: sound, and what is missing of it, on the queue given to
-/// `makeStream`, all else on a thread of the stream's own, where it must only be handed over.
+/// Receives captured sound and losses on the queue passed to `makeStream`, everything else on a
+/// thread of the stream, where it must only be handed over.
 class CaptureStreamReceiver {
 public:
     virtual ~CaptureStreamReceiver() = default;
     virtual void didOutputSampleBuffer(const SampleBuffer& buffer, AudioLevelSource source) = 0;
-    /// This much of what was captured was not taken in time and is lost: silence stands for it,
-    /// and what follows is at its right time. Each source tells of its own. Delivery queue; before
-    /// the first buffer behind the loss, or behind the last buffer of all.
+    /// This much captured sound was dropped because it was not taken in time. Silence replaces it;
+    /// later sound keeps its place. Reported per source on the delivery queue, before the first
+    /// buffer after the loss, or after the last buffer.
     virtual void didLoseSound(AudioLevelSource source, double seconds) = 0;
-    /// The stream stopped by itself; it delivers nothing more. Called once at most, and never
-    /// after `stopCapture` was called. The stream may be destroyed from the work that it hands
-    /// over.
+    /// The stream stopped on its own and delivers nothing more. Called at most once, and never
+    /// after `stopCapture`. The handed-over work may destroy the stream.
     virtual void streamDidStop(std::exception_ptr error) = 0;
-    /// What keeps a source from being recorded, or, from a source of which it was told, that
-    /// nothing does any more (`delivering`): the microphone is `muted`, the system's audio `coded`.
+    /// A source cannot be recorded (microphone `muted`, system audio `coded`), or can be again
+    /// (`delivering`).
     virtual void obstacleDidChange(AudioLevelSource source, SourceCondition obstacle) = 0;
 };
 
-/// A stream of timed sound: every application's but our own, and one microphone.
+/// A stream of timed sound: all applications except our own, and one microphone.
 ///
-/// Each source delivers 32-bit float at 48 kHz (system audio: 2 channels, microphone: 1) as
-/// continuous buffers from shortly after `startCapture` on: a source that is silent, or delivers
-/// nothing, yields silence. Both share one clock. All calls come from one task thread at a time;
-/// the destructor may also run on the delivery queue.
+/// Each source delivers 32-bit float at 48 kHz (system audio: 2 channels, microphone: 1) in
+/// contiguous buffers from shortly after `startCapture`; a silent or idle source yields silence.
+/// Both share one clock. One task thread at a time; the destructor may also run on the delivery
+/// queue.
 class CaptureStream {
 public:
     virtual ~CaptureStream() = default;
-    /// Returns when capture runs; throws when it cannot (no sound server, unknown microphone).
-    /// Takes a bounded time.
+    /// Returns once capture runs; throws if it cannot (no sound server, unknown microphone). Takes
+    /// a bounded time.
     virtual void startCapture() = 0;
-    /// Returns once nothing further will be put on the queue: all that was captured up to the call
-    /// has been delivered or is already queued there. Takes a bounded time.
+    /// Returns once all sound captured before the call is delivered or queued; nothing is queued
+    /// afterwards. Takes a bounded time.
     virtual void stopCapture() = 0;
 };
 
 class CaptureService {
 public:
     virtual ~CaptureService() = default;
-    /// Sound is delivered on the queue, which must outlive the stream, as the receiver must.
+    /// Delivers sound on the queue. The queue and the receiver must outlive the stream.
     virtual std::shared_ptr<CaptureStream> makeStream(const CaptureRequest& request,
                                                       SerialQueue& queue,
                                                       CaptureStreamReceiver& receiver) = 0;

@@ -6,13 +6,13 @@
 
 namespace vantoro {
 
-/// Time as the recorder asks for it. Any thread.
+/// The recorder's time source. Any thread.
 class Clock {
 public:
     virtual ~Clock() = default;
-    /// Seconds since the machine was started, never running backwards.
+    /// Seconds since boot, monotonic.
     virtual double systemUptime() const = 0;
-    /// Now, in the user's time zone.
+    /// The current time in the user's time zone.
     virtual std::tm localTime() const = 0;
 };
 

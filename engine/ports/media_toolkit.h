@@ -10,17 +10,16 @@
 
 namespace vantoro {
 
-/// Writes recordings, and opens them. Task threads, several at a time. Every operation throws where
-/// it fails, with an error whose text can be shown to the user.
+/// Writes and opens recordings. Task threads, several at a time. Errors carry a text for the user.
 class MediaToolkit {
 public:
     virtual ~MediaToolkit() = default;
-    /// A writer over a QuickTime movie, which it creates: empty, and locked for as long as the
-    /// writer lives. `onFragmentWritten` may be empty, and is called until the writer is destroyed.
+    /// Creates a QuickTime movie, empty and locked for the writer's lifetime, and returns its
+    /// writer. `onFragmentWritten` may be empty; called until the writer is destroyed.
     virtual std::unique_ptr<RecordingWriter>
     makeWriter(const std::filesystem::path& location, FragmentIntervals intervals,
                FragmentWrittenCallback onFragmentWritten) = 0;
-    /// A recording that nobody writes any more.
+    /// Opens a recording that is no longer being written.
     virtual std::unique_ptr<Recording> openRecording(const std::filesystem::path& location) = 0;
 };
 

@@ -6,12 +6,11 @@
 
 namespace vantoro {
 
-/// Permission to capture sound at all, whichever its source. Nobody can be asked for it.
-/// Task threads, several at a time; bounded in time.
+/// Permission to capture any sound. There is no prompt for it. Task threads, several at a time;
+/// bounded in time.
 class CaptureAccess {
 public:
     virtual ~CaptureAccess() = default;
-    /// Whether capture is allowed now.
     virtual bool isGranted() = 0;
 };
 
@@ -21,9 +20,9 @@ enum class AuthorizationStatus : std::uint8_t { notDetermined, restricted, denie
 class MicrophoneAccess {
 public:
     virtual ~MicrophoneAccess() = default;
-    /// Never asks anybody.
+    /// Never prompts.
     virtual AuthorizationStatus status() = 0;
-    /// Asks the user; true when access was granted. Only called while not determined.
+    /// Prompts the user; true if granted. Call only while `notDetermined`.
     virtual bool request() = 0;
 };
 

@@ -6,8 +6,8 @@
 
 namespace vantoro {
 
-/// Whether the user wants power to be saved, and not spent on what can wait. May be empty: no.
-/// Called on threads that may wait; bounded in time.
+/// Whether the user wants to save power by putting off work that can wait. An empty function means
+/// no. Called on threads that may block; bounded in time.
 using IsPowerSaved = std::function<bool()>;
 
 } // namespace vantoro

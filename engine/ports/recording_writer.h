@@ -14,71 +14,71 @@
 
 namespace vantoro {
 
-/// How a track is coded: always as AAC at 48 kHz.
+/// Encoding of a track: always AAC at 48 kHz.
 struct TrackFormat {
     int channels = 2;
-    int bitRate = 192000; ///< bits a second
+    int bitRate = 192000; ///< bits per second
 };
 
-/// How much of the recording each fragment covers.
+/// Duration of each fragment.
 struct FragmentIntervals {
     MediaTime first{1, 1};
     MediaTime others{10, 1};
 };
 
-/// Told, on a thread that may wait for the disk, that another fragment is on it: how much was
-/// recorded by then, in whole fragments, and how many bytes of that still wait to be written.
+/// Reports that another fragment is on disk: the duration of all whole fragments, and the bytes
+/// still waiting to be written. Called on a thread that may block on the disk.
 using FragmentWrittenCallback = std::function<void(MediaTime recorded, std::uint64_t waitingBytes)>;
 
 enum class WriterStatus : std::uint8_t { unknown, writing, completed, failed };
 
-/// One track of a `RecordingWriter`. Called on the capture queue; none of the calls blocks.
+/// One track of a `RecordingWriter`. Capture queue; no call blocks.
 class RecordingTrack {
 public:
     virtual ~RecordingTrack() = default;
-    /// False while too much waits to be written: the giver drops the buffer.
+    /// False while too much data waits to be written; the caller then drops the buffer.
     virtual bool isReady() const = 0;
-    /// Copies the samples. False when the writer has failed, be it by an earlier buffer:
-    /// its error then says why.
+    /// Copies the samples. False if the writer has failed on this or an earlier buffer;
+    /// `errorDescription` says why.
     virtual bool append(const SampleBuffer& buffer) = 0;
-    /// Nothing follows.
+    /// No buffer follows.
     virtual void end() = 0;
 };
 
-/// Writes tracks into a movie file of fragments, each complete on disk (synced) when it closes, so
-/// that a file whose writer died is readable up to its last whole fragment.
+/// Writes tracks into a fragmented movie file. Each fragment is synced when it closes, so that the
+/// file stays readable up to its last whole fragment if the writer dies.
 ///
-/// Set up on a task thread, then used on the capture queue alone; `status` and `error` on any
-/// thread. The file is there from the beginning, empty and locked. Destroyed without a
-/// finish, the writer leaves it as far as it was written.
+/// Set up on a task thread, then used on the capture queue only; `status` and `error` on any
+/// thread. The file exists from the start, empty and locked. Destruction without `finish` keeps
+/// what is written so far.
 class RecordingWriter {
 public:
     virtual ~RecordingWriter() = default;
 
-    /// Null for a track that cannot be coded. The track's place in the file is the place in the
-    /// order of calls. Lives as long as the writer.
+    /// Null if the track cannot be encoded. Tracks appear in the file in call order. The track
+    /// lives as long as the writer.
     virtual RecordingTrack* addTrack(TrackFormat format) = 0;
 
-    /// All tracks begin at this time; a track whose first buffer is later begins with silence.
-    /// False on failure; `error` then says why, if anything is known.
+    /// All tracks start at this time; silence fills a track whose first buffer is later. False on
+    /// failure; `error` says why, if known.
     virtual bool start(MediaTime time) = 0;
-    /// Writes and syncs what is left, off the calling thread, then calls `completion` exactly once,
-    /// on a thread of the writer's own. `status` has become `completed` or `failed` by then.
+    /// Writes and syncs the rest in the background, then calls `completion` exactly once, on a
+    /// thread of the writer. By then `status` is `completed` or `failed`.
     virtual void finish(std::function<void()> completion) = 0;
 
-    /// With which gain each track will probably be mixed, in the order of the tracks: the mix may
-    /// be made ahead. May be called again; does not block.
+    /// The probable mixing gain of each track, in track order, so that the mix can be made ahead.
+    /// May be called again; does not block.
     virtual void expectMix(std::vector<float> volumes) = 0;
 
-    /// What was written, once it is finished. What the mix that was made ahead knows of it is not
-    /// read again. Task thread; throws as `MediaToolkit::openRecording`.
+    /// Opens the finished file, reusing what the mix made ahead knows of it. Task thread; throws
+    /// like `MediaToolkit::openRecording`.
     virtual std::unique_ptr<Recording> openRecording() = 0;
 
     virtual WriterStatus status() const = 0;
-    /// Why the writer failed last; null where nothing has.
+    /// The last failure; null if there was none.
     virtual std::exception_ptr error() const = 0;
-    /// Once it is finished: how much of what was appended is not in the file, at its end. Any
-    /// thread. A file can be completed all the same; `error` then says why.
+    /// After `finish`: seconds at the end that were appended but are not in the file. Any thread.
+    /// The file may still be `completed`; `error` then says why sound is missing.
     virtual double secondsNotWritten() const = 0;
 };
 

@@ -27,13 +27,13 @@ RecordingTrack* makeWriterInput(RecordingWriter& writer, TrackFormat format) {
     return track;
 }
 
-/// Of all tracks together, bits a second.
+/// Bits per second of all tracks together.
 int totalBitRate(const RecordingOptions& options) {
     return (options.captureSystemAudio ? systemAudioTrack.bitRate : 0) +
            (options.captureMicrophone ? microphoneTrack.bitRate : 0);
 }
 
-/// Whether a salvage will find something in the file.
+/// Whether salvage will find anything in the file.
 bool holdsSound(MediaToolkit& toolkit, const std::filesystem::path& file) {
     try {
         return zeroTime < toolkit.openRecording(file)->duration();
@@ -56,7 +56,7 @@ AudioRecorder::AudioRecorder(const RecorderPlatform& platform)
 
 AudioRecorder::~AudioRecorder() {
     captureQueue_.sync([this] { stream_.reset(); });
-    resetKeepingWhatWasWritten();
+    resetKeepingRecording();
 }
 
 void AudioRecorder::start(const RecordingOptions& options) {
@@ -66,7 +66,7 @@ void AudioRecorder::start(const RecordingOptions& options) {
         prepareWriter(options);
         startStream(options);
     } catch (...) {
-        resetKeepingWhatWasWritten();
+        resetKeepingRecording();
         throw;
     }
 }
@@ -83,7 +83,7 @@ void AudioRecorder::checkPermissions(const RecordingOptions& options) {
     }
 }
 
-/// Asks twice: a service that the first question wakes may answer only the second.
+/// Asks twice: the first request may wake a service that answers only the second.
 bool AudioRecorder::mayCapture() {
     return platform_.captureAccess.isGranted() || platform_.captureAccess.isGranted();
 }
@@ -108,10 +108,10 @@ void AudioRecorder::prepareWriter(const RecordingOptions& options) {
     auto writer = platform_.mediaToolkit.makeWriter(
         temporaryURL, {.first = initialCheckpointInterval, .others = checkpointInterval},
         [room](MediaTime recorded, std::uint64_t waitingBytes) {
-            room->look(recorded, waitingBytes);
+            room->check(recorded, waitingBytes);
         });
-    temporaryURL_ = temporaryURL; // a file that a failure has to remove
-    room->lookBeforeTheStart();
+    temporaryURL_ = temporaryURL; // from here on, a failure removes it
+    room->checkBeforeStart();
     RecordingTrack* const systemAudioInput =
         options.captureSystemAudio ? makeWriterInput(*writer, systemAudioTrack) : nullptr;
     RecordingTrack* const microphoneInput =
@@ -121,19 +121,19 @@ void AudioRecorder::prepareWriter(const RecordingOptions& options) {
     hasSystemAudioTrack_ = options.captureSystemAudio;
     captureQueue_.sync([&] {
         samplePath_.arm(std::move(writer), systemAudioInput, microphoneInput);
-        passOnExpectedVolumes();
+        forwardExpectedVolumes();
     });
 }
 
 void AudioRecorder::expectVolumes(float systemVolume, float microphoneVolume) {
     captureQueue_.async([this, systemVolume, microphoneVolume] {
         expectedVolumes_ = {systemVolume, microphoneVolume};
-        passOnExpectedVolumes();
+        forwardExpectedVolumes();
     });
 }
 
 /// On the capture queue.
-void AudioRecorder::passOnExpectedVolumes() {
+void AudioRecorder::forwardExpectedVolumes() {
     if (expectedVolumes_) {
         samplePath_.expectMix(expectedVolumes_->first, expectedVolumes_->second);
     }
@@ -152,11 +152,11 @@ std::filesystem::path AudioRecorder::stop(float systemVolume, float microphoneVo
     try {
         finishWriting();
     } catch (...) {
-        tellOfLoss();
+        reportLoss();
         resetAfterFailedStop();
         throw;
     }
-    const bool isAllWritten = !tellOfLoss();
+    const bool isAllWritten = !reportLoss();
     if (onRecordingSafe) {
         onRecordingSafe();
     }
@@ -197,15 +197,15 @@ void AudioRecorder::stopStream() {
     try {
         stream->stopCapture();
     } catch (...) {
-        // What was captured is saved all the same.
-        const auto error = std::current_exception(); // of this thread
+        // Save what was captured anyway.
+        const auto error = std::current_exception(); // taken on this thread
         captureQueue_.sync([&] { samplePath_.recordErrorIfNone(error); });
     }
     captureQueue_.sync([this] { stream_.reset(); });
 }
 
 void AudioRecorder::finishWriting() {
-    // Shared with the completion, which may still be returning when the result is there.
+    // Shared: the completion may still be returning when the result is read.
     const auto done = std::make_shared<std::promise<void>>();
     captureQueue_.async([this, done] {
         samplePath_.finish([done](std::exception_ptr error) {
@@ -219,8 +219,8 @@ void AudioRecorder::finishWriting() {
     done->get_future().get();
 }
 
-/// Whether there was any.
-bool AudioRecorder::tellOfLoss() {
+/// Returns whether any sound was lost.
+bool AudioRecorder::reportLoss() {
     const auto loss = captureQueue_.sync([this] { return samplePath_.loss(); });
     if (loss && onSoundLoss) {
         onSoundLoss(*loss);
@@ -234,7 +234,7 @@ void AudioRecorder::resetAfterFailedStop() {
     reset(!started);
 }
 
-void AudioRecorder::resetKeepingWhatWasWritten() {
+void AudioRecorder::resetKeepingRecording() {
     const bool started = captureQueue_.sync([this] { return samplePath_.hasStartedWriting(); });
     reset(!started);
 }
@@ -252,7 +252,7 @@ void AudioRecorder::reset(bool removeTemporaryFile) {
         stream = std::move(stream_);
         writer = samplePath_.disarm();
     });
-    // Both end here, on this thread, which may wait for them.
+    // Both are destroyed on this thread, which may block.
 }
 
 void AudioRecorder::didOutputSampleBuffer(const SampleBuffer& buffer, AudioLevelSource source) {

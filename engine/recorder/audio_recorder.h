@@ -26,7 +26,7 @@
 
 namespace vantoro {
 
-/// What the recorder needs of its platform. All of it outlives the recorder.
+/// The platform ports of the recorder; all outlive it.
 struct RecorderPlatform {
     CaptureAccess& captureAccess;
     MicrophoneAccess& microphoneAccess;
@@ -36,7 +36,7 @@ struct RecorderPlatform {
     Clock& clock;
 };
 
-/// The recorder, on ports of its platform.
+/// The recorder, built on its platform's ports.
 class AudioRecorder final : public Recorder, private CaptureStreamReceiver {
 public:
     static constexpr MediaTime checkpointInterval{6000, 600};       // 10 s
@@ -59,14 +59,14 @@ private:
     bool mayCapture();
     bool requestMicrophonePermission();
     void prepareWriter(const RecordingOptions& options);
-    void passOnExpectedVolumes();
+    void forwardExpectedVolumes();
     void startStream(const RecordingOptions& options);
 
     void stopStream();
     void finishWriting();
-    bool tellOfLoss();
+    bool reportLoss();
     void resetAfterFailedStop();
-    void resetKeepingWhatWasWritten();
+    void resetKeepingRecording();
     void reset(bool removeTemporaryFile);
 
     void didOutputSampleBuffer(const SampleBuffer& buffer, AudioLevelSource source) override;
@@ -76,18 +76,18 @@ private:
 
     RecorderPlatform platform_;
 
-    // Of the current recording; empty when idle. Written by `start` and `stop`.
+    // The current recording's; empty when idle. Set by `start` and `stop`.
     std::filesystem::path temporaryURL_;
     std::filesystem::path outputDirectory_;
     bool hasSystemAudioTrack_ = false;
-    bool hasKeptRecording_ = false; // of the latest stop
+    bool hasKeptRecording_ = false; // after the latest stop
 
     // Touched on the capture queue only.
     SamplePath samplePath_;
-    std::optional<std::pair<float, float>> expectedVolumes_; // of the system and the microphone
+    std::optional<std::pair<float, float>> expectedVolumes_; // system, microphone
     std::shared_ptr<CaptureStream> stream_;
 
-    SerialQueue captureQueue_{"com.vantoro.capture"}; // last: it ends before what it works on
+    SerialQueue captureQueue_{"com.vantoro.capture"}; // last: destroyed before what its work uses
 };
 
 } // namespace vantoro

@@ -12,7 +12,7 @@ namespace vantoro {
 
 namespace {
 
-/// Where it cannot be moved, it stays for salvage: better twice than not at all.
+/// If the move fails, the file stays for salvage: better twice than never.
 void setAsideIgnoringErrors(FileSystem& fileSystem, const std::filesystem::path& temporaryFile,
                             const std::filesystem::path& finalFile) noexcept {
     try {

@@ -11,18 +11,18 @@
 
 namespace vantoro {
 
-/// What becomes of a recording's temporary file.
+/// How to export a recording's temporary file.
 struct FinalExport {
     std::filesystem::path temporaryFile;
     TrackVolume volumeOfTrack;
-    /// Whether it holds all that was captured. Only then is it deleted.
+    /// Whether the file holds everything captured; it is deleted only then.
     bool isAllWritten = true;
 };
 
-/// Makes the final file of a recording that its writer has finished: beside the temporary file, and
-/// named after this moment. Then deletes the temporary file, or sets it aside where the final one
-/// does not hold all that was captured. Returns the final file's place. Blocks; task threads only.
-/// Throws as `mixTracks`; then the temporary file is as it was.
+/// Exports a finished recording next to its temporary file, named after the current time. Then
+/// deletes the temporary file, or sets it aside if sound is missing from it. Returns the final
+/// file's path. Blocks; task threads only. Throws like `mixTracks`, and then leaves the temporary
+/// file unchanged.
 std::filesystem::path exportFinal(RecordingWriter& writer, FileSystem& fileSystem,
                                   const Clock& clock, const FinalExport& wanted,
                                   const ExportProgress& progress);

@@ -16,58 +16,57 @@
 
 namespace vantoro {
 
-/// Records the computer's sound and a microphone into one M4A file, as those who control it see it.
+/// Records system audio and a microphone into one M4A file: the interface for the controlling code.
 ///
-/// A recording is `start`, then exactly one `stop`, also after an interruption. Both block, belong
-/// on a task thread, and are never run at the same time; salvage may run beside either.
+/// A recording is `start`, then exactly one `stop`, even after an interruption. Both block, run on
+/// a task thread, and never overlap; salvage may run in parallel.
 class Recorder {
 public:
     Recorder() = default;
     Recorder(const Recorder&) = delete;
     Recorder& operator=(const Recorder&) = delete;
-    /// What a running recording has captured stays in its temporary file.
+    /// A running recording keeps its temporary file.
     virtual ~Recorder() = default;
 
-    /// On return capture runs; the file begins with the first buffer. Throws a `RecordingError`, or
-    /// the platform's error unchanged; then nothing runs and nothing is left in the folder.
+    /// Returns once capture runs; the file starts with the first buffer. Throws `RecordingError`,
+    /// or the platform's error unchanged; then nothing runs, and nothing is left in the folder.
     virtual void start(const RecordingOptions& options) = 0;
 
-    /// With which gains `stop` will probably mix: the mix may be made ahead. Any thread, at any
-    /// time; does not block.
+    /// The gains that `stop` will probably use, so that the mix can be made ahead. Any thread, at
+    /// any time; does not block.
     virtual void expectVolumes(float systemVolume, float microphoneVolume) = 0;
 
-    /// Ends the recording and returns the place of the final file, mixed with these linear gains.
-    /// Throws a `RecordingError`, or the platform's error unchanged; then the temporary file is
-    /// kept if sound was written to it. In either case another recording can be started.
+    /// Ends the recording, mixes it with these linear gains, and returns the final file's path.
+    /// Throws `RecordingError`, or the platform's error unchanged, and then keeps the temporary
+    /// file if it holds sound. Another recording can start either way.
     virtual std::filesystem::path stop(float systemVolume, float microphoneVolume) = 0;
 
-    /// After a `stop` that threw: whether the temporary file is in the folder, and sound can be
-    /// read from it. Until the next `start`; not beside a `stop`.
+    /// After `stop` threw: whether the temporary file was kept with readable sound. Valid until the
+    /// next `start`; not during `stop`.
     virtual bool hasKeptRecording() const noexcept = 0;
 
-    /// Finishes the recordings in the folder that were interrupted; see `salvage.h`. A recording in
-    /// work is passed over. Returns a moment after a stop was requested, also in the middle of one
-    /// of them, which then stays as it was.
+    /// Finishes interrupted recordings in the folder; see `salvage.h`. Skips recordings in
+    /// progress. A requested stop ends the call promptly; the recording being worked on stays as it
+    /// was.
     virtual SalvageResult recoverIncompleteRecordings(const std::filesystem::path& folder,
                                                       const std::stop_token& stop) = 0;
 
-    // Set before `start`, and not while a recording runs. Each may be empty.
+    // Set before `start`, not during a recording. Each may be empty.
 
-    /// Capture broke, or the file cannot be written: what there is waits for `stop`. Capture queue.
+    /// Capture failed, or the file cannot be written; what exists waits for `stop`. Capture queue.
     CaptureInterruptedCallback onCaptureInterrupted;
     /// Capture queue.
     AudioLevelCallback onAudioLevel;
-    /// A source gives no sound, or does again. Capture queue.
+    /// A source went silent or came back. Capture queue.
     SourceConditionCallback onSourceCondition;
-    /// Sound was lost: on the capture queue, or on the thread of `stop`.
+    /// Sound was lost. On the capture queue, or the thread of `stop`.
     SoundLossCallback onSoundLoss;
-    /// The disk gets full. When there is only room for the final file left, the receiver is
-    /// expected to call `stop`.
+    /// The disk is filling up. Once only the final file fits, the receiver must call `stop`.
     DiskRoomCallback onDiskRoom;
-    /// During `stop`: all that was captured is on the disk. Whatever becomes of the final file, it
-    /// can be made again. On the thread of `stop`.
+    /// During `stop`: everything captured is on disk, so the final file can be made again if the
+    /// export fails. On the thread of `stop`.
     std::function<void()> onRecordingSafe;
-    /// How far `stop` or a salvage is with the final file. On its thread.
+    /// Progress of `stop` or a salvage on the final file. On its thread.
     ExportProgress onExportProgress;
 };
 

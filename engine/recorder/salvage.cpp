@@ -28,12 +28,12 @@ std::string lowerCased(std::string text) {
 
 FinalFile exportRecoveredAsset(Recording& recording, OutputPlace place,
                                const ExportProgress& progress, const std::stop_token& stop) {
-    // The volumes that the user had chosen died with the recorder.
+    // The user's volumes were lost with the recorder.
     const auto fullVolume = [](std::size_t) { return 1.0F; };
     return mixTracks(recording, std::move(place), fullVolume, progress, stop);
 }
 
-/// Null where it holds no sound. Throws where it cannot be read.
+/// Null if there is no sound. Throws if unreadable.
 std::unique_ptr<Recording> openUnlessSilent(MediaToolkit& mediaToolkit,
                                             const std::filesystem::path& candidate) {
     auto recording = mediaToolkit.openRecording(candidate);
@@ -51,8 +51,8 @@ bool isToBeRecovered(MediaToolkit& mediaToolkit, FileSystem& fileSystem,
     }
 }
 
-/// Null also for what is no movie, as the empty file of a start that died. Throws where the disk
-/// does not give it.
+/// Null also for a file that is not a movie, such as the empty file of a start that died. Throws on
+/// a disk error.
 std::unique_ptr<Recording> openIfReadable(MediaToolkit& mediaToolkit,
                                           const std::filesystem::path& candidate) {
     try {
@@ -64,19 +64,19 @@ std::unique_ptr<Recording> openIfReadable(MediaToolkit& mediaToolkit,
     }
 }
 
-/// A final file, and its original where that was kept.
+/// A final file, and its original if kept.
 struct Recovered {
     std::filesystem::path recording;
     std::optional<std::filesystem::path> keptOriginal;
 };
 
-/// Nothing when the candidate is to stay. Throws what made the attempt fail.
+/// Absent if the candidate is to stay. Throws the attempt's error.
 std::optional<Recovered> recover(const SalvagePlatform& platform,
                                  const std::filesystem::path& candidate,
                                  const std::stop_token& stop, const ExportProgress& progress) {
     const auto lock = platform.fileSystem.lock(candidate);
     if (!lock) {
-        return std::nullopt; // still being recorded, or salvaged by somebody else
+        return std::nullopt; // being recorded, or salvaged elsewhere
     }
     const auto recording = openIfReadable(platform.mediaToolkit, candidate);
     if (!recording) {
@@ -96,7 +96,7 @@ std::optional<Recovered> recover(const SalvagePlatform& platform,
             keptOriginal = setAside(platform.fileSystem, candidate, final.location);
         }
     } catch (...) {
-        // A recording is never both kept for another attempt and finished.
+        // Never both keep a recording for another attempt and finish it.
         final.file->discard();
         throw;
     }
@@ -113,7 +113,7 @@ std::vector<FolderEntry> listOrNothing(FileSystem& fileSystem,
     }
 }
 
-/// Not where somebody else has taken the thing away: he has what was in it.
+/// Skips what another salvage has already taken away.
 bool isFailure(const std::exception& error) {
     const auto* const systemError = dynamic_cast<const std::system_error*>(&error);
     return systemError == nullptr || systemError->code() != std::errc::no_such_file_or_directory;
@@ -171,7 +171,7 @@ SalvageResult recoverIncompleteRecordings(const SalvagePlatform& platform,
                 }
             }
         } catch (const std::exception& error) {
-            // It stays for the next time, and the others have their turn.
+            // Leave it for the next time and go on.
             if (isFailure(error) && !stop.stop_requested()) {
                 result.failures.push_back({candidate, std::current_exception()});
             }

@@ -69,7 +69,7 @@ void SamplePath::append(const SampleBuffer& buffer, AudioLevelSource source) {
         return;
     }
     if (time < sessionStartTime_) {
-        return; // the other source's, from before the start
+        return; // the other source's, captured before the start
     }
     if (!input->isReady()) {
         drop(buffer, source);
@@ -79,7 +79,7 @@ void SamplePath::append(const SampleBuffer& buffer, AudioLevelSource source) {
     }
 }
 
-/// Counts what the file cannot take.
+/// Counts the sound that the file cannot take.
 void SamplePath::drop(const SampleBuffer& buffer, AudioLevelSource source) {
     if (writerStarted_ && buffer.format) {
         secondsDropped_[source] +=

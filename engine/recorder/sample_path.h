@@ -16,44 +16,43 @@
 
 namespace vantoro {
 
-/// Told that capture can no longer be trusted. Called on the capture queue.
+/// Reports that capture has failed. Called on the capture queue.
 using CaptureInterruptedCallback = std::function<void(std::exception_ptr error)>;
 
-/// Takes a recording's buffers from the capture stream to the file: each is metered and watched,
-/// the first one with a valid time starts the file, and all that follow are appended to their
-/// source's track. Used on the capture queue only.
+/// Moves buffers from the capture stream to the file: meters and watches each one, starts the file
+/// at the first valid time, and appends to the source's track. Capture queue only.
 class SamplePath {
 public:
-    /// The callbacks are read at each use; they may be set, or be empty, at any time before.
+    /// The callbacks are read at each use; set them at any time before. Each may be empty.
     SamplePath(const Clock& clock, const AudioLevelCallback& onAudioLevel,
                const SourceConditionCallback& onSourceCondition,
                const CaptureInterruptedCallback& onCaptureInterrupted);
 
-    /// Takes in the writer of a new recording; the inputs are its tracks, or null.
+    /// Takes over the writer of a new recording; an input is null if its source is not recorded.
     void arm(std::unique_ptr<RecordingWriter> writer, RecordingTrack* systemAudioInput,
              RecordingTrack* microphoneInput);
-    /// Back to the initial state. Returns the writer, since destroying it may take its time.
+    /// Resets to the initial state. Returns the writer, because destroying it may block.
     std::unique_ptr<RecordingWriter> disarm();
 
     void append(const SampleBuffer& buffer, AudioLevelSource source);
-    /// The microphone was switched off, or on again, in the desktop's mixer.
+    /// As `CaptureStreamReceiver::obstacleDidChange`.
     void setObstacle(AudioLevelSource source, SourceCondition obstacle);
-    /// Every buffer from now on is dropped, and the receiver is told.
+    /// Drops all further buffers and reports the error.
     void interrupt(std::exception_ptr error);
-    /// As `interrupt`, but silent, and an earlier cause is kept.
+    /// Like `interrupt`, but without a report; keeps an earlier error.
     void recordErrorIfNone(std::exception_ptr error);
 
-    /// Finishes the file behind all buffers so far, then calls `completion` exactly once, with no
-    /// error when the file is complete: here, or on a thread of the writer's.
+    /// Finishes the file after all buffers so far, then calls `completion` exactly once, with no
+    /// error if the file is complete: from this call, or on a thread of the writer.
     void finish(std::function<void(std::exception_ptr)> completion);
 
-    /// Behind `finish`: what was captured and is not in the file.
+    /// After `finish`: captured sound that is not in the file.
     std::optional<SoundLoss> loss() const;
 
-    /// With which gain each source will probably be mixed.
+    /// The probable mixing gain of each source.
     void expectMix(float systemVolume, float microphoneVolume);
 
-    /// Null while it is not armed.
+    /// Null while not armed.
     RecordingWriter* writer() const noexcept { return writer_.get(); }
 
     bool hasStartedWriting() const noexcept { return writerStarted_; }
@@ -73,10 +72,10 @@ private:
     RecordingTrack* systemAudioInput_ = nullptr;
     RecordingTrack* microphoneInput_ = nullptr;
     bool writerStarted_ = false;
-    MediaTime sessionStartTime_; // of the first buffer written; invalid until then
+    MediaTime sessionStartTime_; // of the first written buffer; invalid before
     std::exception_ptr captureError_;
     std::exception_ptr writerFailure_;
-    std::map<AudioLevelSource, double> secondsDropped_; // since the file could not take them
+    std::map<AudioLevelSource, double> secondsDropped_; // because the file could not take them
 };
 
 } // namespace vantoro

@@ -24,22 +24,22 @@ void SourceWatch::observe(const SampleBuffer& buffer, AudioLevelSource source,
     watched.silentFrames =
         isDigitalSilence(buffer.samples) ? watched.silentFrames + buffer.frameCount : 0;
     watched.isSilent =
-        static_cast<double>(watched.silentFrames) >= noticed * buffer.format->sampleRate;
-    tell(source, callback);
+        static_cast<double>(watched.silentFrames) >= silenceLimit * buffer.format->sampleRate;
+    report(source, callback);
 }
 
 void SourceWatch::setObstacle(AudioLevelSource source, SourceCondition obstacle,
                               const SourceConditionCallback& callback) {
     at(source).obstacle = obstacle;
-    tell(source, callback);
+    report(source, callback);
 }
 
-void SourceWatch::tell(AudioLevelSource source, const SourceConditionCallback& callback) {
+void SourceWatch::report(AudioLevelSource source, const SourceConditionCallback& callback) {
     Source& watched = at(source);
     const bool isFree = watched.obstacle == SourceCondition::delivering;
     const auto condition = isFree && watched.isSilent ? SourceCondition::silent : watched.obstacle;
-    if (condition != watched.told) {
-        watched.told = condition;
+    if (condition != watched.reported) {
+        watched.reported = condition;
         if (callback) {
             callback(source, condition);
         }

@@ -11,37 +11,36 @@
 
 namespace vantoro {
 
-/// Receives a condition that differs from the one before, which is `delivering` at first. Called on
-/// the capture queue.
+/// Receives each change of a source's condition, which starts as `delivering`. Called on the
+/// capture queue.
 using SourceConditionCallback =
     std::function<void(AudioLevelSource source, SourceCondition condition)>;
 
-/// Notices sources of which nothing will be heard afterwards, while something can still be done
-/// about it. Capture queue only; the callback may be empty.
+/// Detects sources that deliver no sound while the user can still fix it. Capture queue only; the
+/// callback may be empty.
 class SourceWatch {
 public:
-    static constexpr double noticed = 10; ///< seconds
+    static constexpr double silenceLimit = 10; ///< seconds
 
     void observe(const SampleBuffer& buffer, AudioLevelSource source,
                  const SourceConditionCallback& callback);
-    /// What is known to keep a source from being recorded, `delivering` where nothing is.
+    /// Sets the obstacle to recording a source; `delivering` if none.
     void setObstacle(AudioLevelSource source, SourceCondition obstacle,
                      const SourceConditionCallback& callback);
 
-    /// For the next recording.
     void reset() noexcept { sources_ = {}; }
 
 private:
     struct Source {
-        std::int64_t silentFrames = 0; // up to now
+        std::int64_t silentFrames = 0; // latest run
         bool isSilent = false;
         SourceCondition obstacle = SourceCondition::delivering;
-        SourceCondition told = SourceCondition::delivering;
+        SourceCondition reported = SourceCondition::delivering;
     };
 
     Source& at(AudioLevelSource source) { return sources_.at(static_cast<std::size_t>(source)); }
 
-    void tell(AudioLevelSource source, const SourceConditionCallback& callback);
+    void report(AudioLevelSource source, const SourceConditionCallback& callback);
 
     std::array<Source, 2> sources_; // by source
 };

@@ -36,7 +36,8 @@ FinalFile exportM4A(Recording& recording, const std::vector<float>& volumes, Out
 void removeIgnoringErrors(FileSystem& fileSystem, const std::filesystem::path& path) noexcept {
     try {
         fileSystem.remove(path);
-    } catch (const std::exception&) { // NOLINT(bugprone-empty-catch): most often nothing was there
+    } catch (
+        const std::exception&) { // NOLINT(bugprone-empty-catch): usually there is nothing to remove
     }
 }
 

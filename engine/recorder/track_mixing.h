@@ -14,25 +14,25 @@
 
 namespace vantoro {
 
-/// The linear gain of a track, by its place in the file.
+/// Linear gain of a track, by its index in the file.
 using TrackVolume = std::function<float(std::size_t trackIndex)>;
 
-/// The volumes of a recording's tracks: the system's sound comes first, when it was recorded.
+/// Gains of a recording's tracks; system audio comes first if recorded.
 TrackVolume recordingVolumes(bool hasSystemAudioTrack, float systemVolume, float microphoneVolume);
 
-/// Mixes all tracks of the recording, each at its volume from time zero on, and exports the mix to
-/// the place, where on return it is complete and on disk. Task threads only.
-/// Throws `RecordingError` (`noAudioCaptured`, `exportFailed`), or the platform's error unchanged,
-/// after a requested stop std::errc::operation_canceled; then nothing is left of this attempt.
+/// Mixes all tracks of the recording from time zero, each at its volume, and exports to the place;
+/// on return the file is complete and on disk. Task threads only. Throws `RecordingError`
+/// (`noAudioCaptured`, `exportFailed`), the platform's error unchanged, or
+/// std::errc::operation_canceled after a requested stop; then leaves nothing behind.
 FinalFile mixTracks(Recording& recording, OutputPlace place, const TrackVolume& volumeOfTrack,
                     const ExportProgress& progress, const std::stop_token& stop);
 
-/// Exports a mix through a staging file that takes its final name when it is complete. Throws as
+/// Exports a mix through a staging file that takes its final name once complete. Throws like
 /// `mixTracks`.
 FinalFile exportM4A(Recording& recording, const std::vector<float>& volumes, OutputPlace place,
                     const ExportProgress& progress, const std::stop_token& stop);
 
-/// Removes what may be there. For clean-up, where a failure changes nothing.
+/// Removes the path if it exists. For clean-up: ignores errors.
 void removeIgnoringErrors(FileSystem& fileSystem, const std::filesystem::path& path) noexcept;
 
 } // namespace vantoro

@@ -53,11 +53,11 @@ TEST(DiskRoomTest, followsFromWhatIsFreeAndWhatTheFinalFileNeeds) {
 }
 
 TEST(DiskRoomTest, recordingBeginsWhereHalfAMinuteOfItFits) {
-    EXPECT_TRUE(isRoomToStart(unlimited, bothTracks));
-    EXPECT_TRUE(isRoomToStart(5'500'000, bothTracks));
-    EXPECT_FALSE(isRoomToStart(5'300'000, bothTracks));
-    EXPECT_TRUE(isRoomToStart(4'000'000, microphoneAlone));
-    EXPECT_FALSE(isRoomToStart(0, microphoneAlone));
+    EXPECT_TRUE(hasRoomToStart(unlimited, bothTracks));
+    EXPECT_TRUE(hasRoomToStart(5'500'000, bothTracks));
+    EXPECT_FALSE(hasRoomToStart(5'300'000, bothTracks));
+    EXPECT_TRUE(hasRoomToStart(4'000'000, microphoneAlone));
+    EXPECT_FALSE(hasRoomToStart(0, microphoneAlone));
 }
 
 TEST(DiskRoomTest, whatEndsInTimeHasRoomForItsFinalFile) {

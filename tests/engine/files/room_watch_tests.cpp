@@ -26,12 +26,12 @@ protected:
 
     void lookWith(std::uint64_t available, std::uint64_t waiting = 0) {
         fileSystem.available = available;
-        watch.look(elevenSeconds, waiting);
+        watch.check(elevenSeconds, waiting);
     }
 };
 
 TEST_F(RoomWatchTest, saysNothingWhileThereIsEnough) {
-    watch.lookBeforeTheStart();
+    watch.checkBeforeStart();
     lookWith(100 * million);
     EXPECT_TRUE(told.empty());
     EXPECT_EQ(log.startingWith("availableSpace").back(), "availableSpace /recordings");
@@ -57,7 +57,7 @@ TEST_F(RoomWatchTest, asksNoMoreWhenItHasSaidThatItMustEnd) {
 
 TEST_F(RoomWatchTest, whatWasToldAtTheStartIsNotToldAgain) {
     fileSystem.available = 20 * million;
-    watch.lookBeforeTheStart();
+    watch.checkBeforeStart();
     EXPECT_EQ(told, (std::vector<DiskRoom>{{tell, 3}}));
     lookWith(15 * million);
     EXPECT_EQ(told.size(), 1U);
@@ -76,7 +76,7 @@ TEST_F(RoomWatchTest, moreThatWaitsThanThereIsRoomForIsTheEnd) {
 TEST_F(RoomWatchTest, refusesAStartThatWouldBeOfNoUse) {
     fileSystem.available = 5 * million;
     try {
-        watch.lookBeforeTheStart();
+        watch.checkBeforeStart();
         FAIL() << "it was let start";
     } catch (const RecordingError& error) {
         EXPECT_EQ(error.which(), RecordingError::Case::diskTooFull);
@@ -86,7 +86,7 @@ TEST_F(RoomWatchTest, refusesAStartThatWouldBeOfNoUse) {
 
 TEST_F(RoomWatchTest, diskThatCannotTellItsRoomIsNoReasonToEnd) {
     fileSystem.availableSpaceError = std::make_exception_ptr(std::runtime_error("not counted"));
-    EXPECT_NO_THROW(watch.lookBeforeTheStart());
+    EXPECT_NO_THROW(watch.checkBeforeStart());
     lookWith(0);
     EXPECT_TRUE(told.empty());
 }
