@@ -24,7 +24,7 @@ bool isLow(std::string_view channel) {
     return channel.starts_with("LFE");
 }
 
-Channels placedChannel(std::string_view channel, bool hasFrontPair) {
+Channels channelsByPosition(std::string_view channel, bool hasFrontPair) {
     if (isCentre(channel)) {
         return hasFrontPair ? Channels{"SL", "SR"} : Channels{"FL", "FR"};
     }
@@ -60,13 +60,13 @@ void foldToStereo(const TapPlanes& planes, std::span<float> left, std::span<floa
     fold(frontRight, surroundRight, right);
 }
 
-bool hasPlace(std::string_view channel) {
+bool hasPosition(std::string_view channel) {
     return !channel.empty() && channel != "UNK" && !channel.starts_with("AUX");
 }
 
 std::vector<bool> areMadeFromOthers(const std::vector<std::string>& channels,
                                     const std::vector<std::string>& given) {
-    const bool givesTheFrontAlone =
+    const bool givesOnlyFront =
         !given.empty() && std::ranges::all_of(given, [](std::string_view c) {
             return isFront(c) || isCentre(c) || isLow(c);
         });
@@ -74,7 +74,7 @@ std::vector<bool> areMadeFromOthers(const std::vector<std::string>& channels,
     std::vector<bool> result;
     for (const std::string& channel : channels) {
         const bool isGiven = std::ranges::find(given, channel) != given.end();
-        result.push_back(givesTheFrontAlone && hasFront && hasPlace(channel) && !isFront(channel) &&
+        result.push_back(givesOnlyFront && hasFront && hasPosition(channel) && !isFront(channel) &&
                          !isGiven);
     }
     return result;
@@ -82,12 +82,12 @@ std::vector<bool> areMadeFromOthers(const std::vector<std::string>& channels,
 
 std::vector<Channels> tapChannelsFor(const std::vector<std::string>& channels) {
     const bool hasFrontPair = std::ranges::any_of(channels, isFront);
-    const auto unplaced = std::ranges::count_if(channels, std::not_fn(hasPlace));
+    const auto unplaced = std::ranges::count_if(channels, std::not_fn(hasPosition));
     std::vector<Channels> result;
     std::size_t seenUnplaced = 0;
     for (const std::string& channel : channels) {
-        if (hasPlace(channel)) {
-            result.push_back(placedChannel(channel, hasFrontPair));
+        if (hasPosition(channel)) {
+            result.push_back(channelsByPosition(channel, hasFrontPair));
         } else if (unplaced == 1) {
             result.push_back({"FL", "FR"});
         } else {

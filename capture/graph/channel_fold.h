@@ -11,29 +11,28 @@
 
 namespace vantoro::capture {
 
-/// The channels of a tap: what is heard from a side as it is, and what is to be heard from it at
-/// 0.707, as centre and surrounds are. Each costs every recording some time, so there are no more.
+/// A tap's channels: sides at full level, centre and surrounds at 0.707. Each costs every recording
+/// processor time, so there are no more.
 inline constexpr std::array<std::string_view, 4> tapChannels = {"FL", "FR", "SL", "SR"};
 
 using TapPlanes = std::array<std::span<const float>, tapChannels.size()>;
 
-/// Folds frames of `tapChannels` to left and right, as many as there is room for in both.
-/// Real-time safe.
+/// Downmixes frames of `tapChannels` to stereo, as many as fit in both outputs. Real-time safe.
 void foldToStereo(const TapPlanes& planes, std::span<float> left, std::span<float> right) noexcept;
 
-/// Whether a channel's name says where it is heard.
-bool hasPlace(std::string_view channel);
+/// Whether a channel's name implies a position.
+bool hasPosition(std::string_view channel);
 
-/// Which of a stream's channels the sound server has made from others, for an output that has more
-/// of them than the application gives (`given`, empty where that is not known): surround and centre
-/// from stereo, late and quieter, and everything from mono. Folded with the front, which then has
-/// all of it, they would be echoes.
+/// Which of a stream's channels the sound server has synthesized for an output that has more
+/// channels than the application provides (`given`, empty if unknown): surround and centre from
+/// stereo, delayed and quieter, and everything from mono. Downmixed with the complete front pair,
+/// they would echo.
 std::vector<bool> areMadeFromOthers(const std::vector<std::string>& channels,
                                     const std::vector<std::string>& given);
 
-/// The channels of a tap that one port of an application's stream is to reach, for each of the
-/// stream's ports in order. What has no side of its own reaches both, at full level where it is
-/// all that the stream has of the front; low-frequency effects reach none.
+/// For each port of a stream, in order: the tap channels to link it to. A channel without a side
+/// goes to both, at full level if it is all of the stream's front; low-frequency effects are left
+/// out.
 std::vector<std::vector<std::string_view>> tapChannelsFor(const std::vector<std::string>& channels);
 
 } // namespace vantoro::capture

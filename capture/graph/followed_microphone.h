@@ -11,22 +11,22 @@
 
 namespace vantoro::capture {
 
-/// The microphone that is recorded, which may go for a moment: when the session manager is started
-/// again, all devices go and come back as new objects of the same names. One of the same name is
-/// the same microphone; another one never is.
+/// Tracks the recorded microphone while it is briefly absent: when the session manager restarts,
+/// all devices return as new objects with the same names. Only a device with the same name counts
+/// as the same microphone.
 class FollowedMicrophone {
 public:
-    /// For how long it may be away.
+    /// How long it may be absent.
     static constexpr std::uint64_t patience = 4'000'000'000; // ns
 
     enum class Presence : std::uint8_t { here, away, gone };
 
     FollowedMicrophone(std::string name, Microphone source);
 
-    /// At each change of the graph, and about twice a second. `monotonic`: now, in nanoseconds.
+    /// Call at each change of the graph and about twice a second. `monotonic`: now, in nanoseconds.
     Presence update(const Graph& graph, std::uint64_t monotonic);
 
-    /// The one that is to be heard.
+    /// The microphone to record now.
     const Microphone& source() const noexcept { return source_; }
 
 private:

@@ -49,7 +49,7 @@ void readProperties(Node& node, const Properties& properties) {
         node.serial = serial;
     }
     read(node.linkGroup, properties, "node.link-group");
-    read(node.targetObject, properties, "node.target"); // the older name of the next one
+    read(node.targetObject, properties, "node.target"); // older name of the next key
     read(node.targetObject, properties, "target.object");
     read(node.processId, properties, "application.process.id");
     read(node.autoconnect, properties, "node.autoconnect");

@@ -17,14 +17,13 @@ namespace vantoro::capture {
 using ObjectId = std::uint32_t;
 using Properties = std::map<std::string, std::string, std::less<>>;
 
-/// The property that marks everything that we start ourselves: its sound is our own.
+/// Set on the nodes of everything that we start ourselves: their sound is our own.
 inline constexpr const char* ownSoundProperty = "vantoro.own";
 
-/// One object, and no other at any time: the server gives an id to the next object as soon as its
-/// object is gone, and a serial never again.
+/// Identifies one object for good: the server reuses ids at once, serials never.
 struct Identity {
     ObjectId id = 0;
-    std::uint64_t serial = 0; ///< 0: not told
+    std::uint64_t serial = 0; ///< 0: unknown
 
     friend auto operator<=>(const Identity&, const Identity&) = default;
 };
@@ -35,15 +34,15 @@ struct Node {
     std::string description;
     std::uint64_t serial = 0;
     std::string linkGroup;
-    std::string targetObject; ///< what it asks to be connected to: a name or a serial
+    std::string targetObject; ///< requested target: a name or a serial
     std::string processId;
     std::optional<ObjectId> client;
     bool autoconnect = false;
     bool markedAsOwn = false;
-    bool isOfDevice = false; ///< and not made by a program
-    MixerSetting mixer;      ///< of microphones only
-    /// Of playback streams, what the application gives; its ports are what the server makes of it
-    /// for the output. Empty until it is told.
+    bool isOfDevice = false; ///< a hardware device's, not a program's
+    MixerSetting mixer;      ///< microphones only
+    /// Playback streams: the application's own channels. Its ports show what the server makes of
+    /// them for the output. Empty until known.
     std::vector<std::string> channels;
 
     friend bool operator==(const Node&, const Node&) = default;
@@ -56,7 +55,7 @@ struct Port {
     PortDirection direction = PortDirection::input;
     std::string channel;
     std::uint64_t serial = 0;
-    bool isMonitor = false; ///< gives what is played to its node
+    bool isMonitor = false; ///< carries what is played to its node
 };
 
 struct Link {
@@ -67,35 +66,35 @@ struct Link {
 };
 
 struct Client {
-    std::string processId; ///< of native clients
+    std::string processId; ///< native clients only
     std::uint64_t serial = 0;
 };
 
-/// What we know of the sound server's objects, by their ids.
+/// Our copy of the sound server's objects, by id.
 struct Graph {
     std::map<ObjectId, Node> nodes;
-    std::map<ObjectId, Port> ports; ///< each of one channel of sound
-    /// Ports of what has no channels to take apart: coded sound, and pictures.
+    std::map<ObjectId, Port> ports; ///< one audio channel each
+    /// Ports without separate channels: encoded sound, and video.
     std::set<ObjectId> undividedPorts;
     std::map<ObjectId, Link> links;
     std::map<ObjectId, Client> clients;
-    std::map<ObjectId, std::string> targets; ///< where the user moved a stream to
+    std::map<ObjectId, std::string> targets; ///< where the user moved each stream
     std::string defaultOutput;
     std::string defaultMicrophone;
-    /// What the two are told by, where it is a session manager that tells them.
+    /// The metadata object with the two defaults, if a session manager provides it.
     std::optional<ObjectId> defaultsOfSessionManager;
-    std::string serverVersion; ///< empty until the server has told
-    bool mayExecute = false;   ///< what we are permitted on the server's core
+    std::string serverVersion; ///< empty until known
+    bool mayExecute = false;   ///< our permission on the server's core
     bool canMakeLinks = false;
 };
 
-/// A node's ports of one direction, in the order in which they were made.
+/// A node's ports in one direction, in creation order.
 std::vector<Identity> portsOf(const Graph& graph, ObjectId node, PortDirection direction);
 
-/// 0 where the properties do not tell it.
+/// 0 if unknown.
 std::uint64_t serialOf(const Properties& properties);
 
-/// Takes from an object's properties what a `Node` holds; what they do not name stays as it is.
+/// Updates the fields of `node` that the properties name; the others stay.
 void readProperties(Node& node, const Properties& properties);
 
 } // namespace vantoro::capture

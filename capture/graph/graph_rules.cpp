@@ -19,13 +19,13 @@ std::map<std::string_view, Identity> inputsByChannel(const Graph& graph, ObjectI
     return result;
 }
 
-/// A port whose sound is to be recorded, and the channel on which it is heard.
+/// A port to record, and the channel it plays on.
 struct HeardPort {
     Identity port;
     std::string channel;
 };
 
-/// A stream is heard as a whole: how its channels reach the output's is the sound server's to do.
+/// A stream is recorded as a whole; the server decides how its channels reach the output's.
 std::vector<HeardPort> portsOfStream(const Graph& graph, ObjectId stream) {
     const auto ports = portsOf(graph, stream, PortDirection::output);
     std::vector<std::string> channels;
@@ -43,16 +43,16 @@ std::vector<HeardPort> portsOfStream(const Graph& graph, ObjectId stream) {
     return result;
 }
 
-/// Of all others each port is heard where it is linked to.
+/// For other nodes, each port is heard where it is linked.
 std::vector<HeardPort> portsLinkedTo(const Graph& graph, ObjectId node, ObjectId output) {
-    std::map<std::pair<ObjectId, ObjectId>, HeardPort> result; // in the order of the output's ports
+    std::map<std::pair<ObjectId, ObjectId>, HeardPort> result; // in order of the output's ports
     for (const auto& [id, link] : graph.links) {
         const auto from = graph.ports.find(link.outputPort);
         const auto to = graph.ports.find(link.inputPort);
         if (link.outputNode == node && link.inputNode == output && from != graph.ports.end() &&
             to != graph.ports.end()) {
             const std::string& channel =
-                hasPlace(to->second.channel) ? to->second.channel : from->second.channel;
+                hasPosition(to->second.channel) ? to->second.channel : from->second.channel;
             result.try_emplace({link.inputPort, link.outputPort},
                                HeardPort{{from->first, from->second.serial}, channel});
         }
@@ -82,7 +82,7 @@ void addTapLinks(std::set<PortLink>& links, const Graph& graph, const std::vecto
     }
 }
 
-/// A port that is heard on two outputs is recorded on the first of them.
+/// A port heard on two outputs is recorded on the first.
 void addPathLinks(std::set<PortLink>& links, const Graph& graph, const OwnNodes& own,
                   const SoundPath& path) {
     std::set<Identity> recorded;
@@ -108,7 +108,7 @@ void addMicrophoneLinks(std::set<PortLink>& links, const Graph& graph, const Own
     }
     const auto inputs = portsOf(graph, *own.microphoneStream, PortDirection::input);
     const auto ports = portsOf(graph, *own.microphone);
-    // A device may have more of them than when the recording began.
+    // A device may have more ports than when the recording started.
     for (std::size_t i = 0; i < ports.size() && !inputs.empty(); ++i) {
         links.insert({ports[i], inputs[i % inputs.size()]});
     }
@@ -127,7 +127,7 @@ bool isOwnSound(const Node& stream, const Graph& graph, const Self& self) {
     if (client == graph.clients.end()) {
         return stream.client == self.client;
     }
-    // A stream may outlive its client, whose id somebody else has then: us, for example.
+    // A stream may outlive its client, whose id may then be reused, even by us.
     return client->second.serial <= stream.serial &&
            (stream.client == self.client || client->second.processId == self.processId);
 }

@@ -15,20 +15,20 @@
 
 namespace vantoro::capture {
 
-// What is to be done in a given state of the sound server. All of it is decided here, from the
-// graph alone, and done elsewhere.
+// What to do in a given state of the sound server, decided from the graph alone and carried out
+// elsewhere.
 
-/// Who we are to the sound server.
+/// Our identity on the sound server.
 struct Self {
     std::optional<ObjectId> client;
     std::string processId;
 };
 
-/// The capture nodes that we have, by what they capture.
+/// Our capture nodes.
 struct OwnNodes {
-    std::map<Identity, ObjectId> tapOfOutput; ///< by the output whose applications it hears
+    std::map<Identity, ObjectId> tapOfOutput; ///< key: the output whose applications it records
     std::optional<ObjectId> microphoneStream;
-    std::optional<Microphone> microphone; ///< what the stream is to hear
+    std::optional<Microphone> microphone; ///< the stream's source
 };
 
 struct PortLink {
@@ -38,21 +38,20 @@ struct PortLink {
     friend auto operator<=>(const PortLink&, const PortLink&) = default;
 };
 
-/// Whether the stream's sound is made by our own process, or by what it started.
+/// Whether our own process, or one that it started, makes the stream's sound.
 bool isOwnSound(const Node& stream, const Graph& graph, const Self& self);
 
-/// The links that should exist for the nodes that we have, and no others.
+/// All links that should exist for our nodes.
 std::set<PortLink> wantedLinks(const Graph& graph, const Self& self, const OwnNodes& own,
                                bool excludesOwnSound);
 
-/// Whether the server lets us use it, and link to what is played.
+/// Whether the server lets us use it and create links to playback.
 bool mayCapture(const Graph& graph);
 
-/// Whether coded sound goes to an output as it is, which cannot be recorded: a receiver behind it
-/// makes sound of that.
+/// Whether encoded sound passes to an output for a receiver to decode; it cannot be recorded.
 bool playsCodedSound(const Graph& graph);
 
-/// The outputs that need a tap.
+/// The outputs, each of which needs a tap.
 std::set<Identity> outputs(const Graph& graph);
 
 } // namespace vantoro::capture

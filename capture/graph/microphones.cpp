@@ -11,18 +11,18 @@ namespace vantoro::capture {
 
 namespace {
 
-/// Two are taken for the sides of one microphone.
-constexpr std::size_t mostSides = 2;
+/// Two inputs count as the sides of one stereo microphone.
+constexpr std::size_t maximumSides = 2;
 
 bool contains(const std::vector<std::string>& channels, std::string_view channel) {
     return std::ranges::find(channels, channel) != channels.end();
 }
 
-/// The inputs that can be chosen for themselves, by their channels.
+/// The inputs that can be selected individually, by channel.
 std::vector<std::string> inputsOf(const Graph& graph, const Identity& device) {
     const auto ports = portsOf(graph, {.device = device, .channel = {}});
     std::vector<std::string> result;
-    if (ports.size() > mostSides) {
+    if (ports.size() > maximumSides) {
         for (const Identity& port : ports) {
             const std::string& channel = graph.ports.at(port.id).channel;
             if (!channel.empty() && !contains(result, channel)) {
@@ -80,7 +80,7 @@ std::vector<Identity> portsOf(const Graph& graph, const Microphone& microphone) 
     }
     auto ports = portsOf(graph, microphone.device.id, PortDirection::output);
     const auto isMonitor = [&](const Identity& port) { return graph.ports.at(port.id).isMonitor; };
-    // A microphone that programs speak into has nothing but monitors to give that sound out.
+    // A virtual microphone, which programs play into, has only monitor ports.
     if (node->mediaClass == "Audio/Source" || !std::ranges::all_of(ports, isMonitor)) {
         std::erase_if(ports, isMonitor);
     }

@@ -4,7 +4,7 @@
 
 namespace vantoro::capture {
 
-/// How a device stands in the user's mixer. Whoever records it hears nothing where it is `silent`.
+/// A device's state in the user's mixer. A recording of it is silent if `isSilent`.
 struct MixerSetting {
     bool isMuted = false;
     bool isVolumeZero = false; ///< on every channel

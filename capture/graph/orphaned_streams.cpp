@@ -39,7 +39,7 @@ void OrphanedStreams::update(const Graph& graph, std::uint64_t monotonic) {
     streams_ = std::move(orphans);
 }
 
-void OrphanedStreams::leaveAlone(std::set<PortLink>& wanted, const Graph& graph) const {
+void OrphanedStreams::removeOrphans(std::set<PortLink>& wanted, const Graph& graph) const {
     std::erase_if(wanted, [&](const PortLink& link) {
         const ObjectId node = graph.ports.at(link.output.id).node;
         return streams_.contains({node, graph.nodes.at(node).serial});

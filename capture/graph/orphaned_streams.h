@@ -11,30 +11,30 @@
 
 namespace vantoro::capture {
 
-/// What the session manager leaves behind when it goes, and is to find when it comes back: it does
-/// not take over a node that runs, and connects nothing for 20 seconds where it finds one.
+/// Handles the restart of the session manager, which does not take over running nodes and connects
+/// nothing for 20 seconds if it finds one.
 ///
-/// Our taps run always, so none may be there for a while. The applications' streams that it had
-/// connected are heard by nobody, and run if we link them: they are left alone until they are
-/// connected to an output again.
+/// Our taps always run, so they must be closed meanwhile. Linking to the application streams that
+/// it leaves unconnected would make them run: they are left alone until they are connected to an
+/// output again.
 class OrphanedStreams {
 public:
-    /// For how long it is waited for.
+    /// How long to wait for it.
     static constexpr std::uint64_t patience = 5'000'000'000; // ns
 
-    /// At each change of the graph, and about twice a second while `awaitsManager`. `monotonic`:
-    /// now, in nanoseconds.
+    /// Call at each change of the graph, and about twice a second while `awaitsManager`.
+    /// `monotonic`: now, in nanoseconds.
     void update(const Graph& graph, std::uint64_t monotonic);
 
-    /// Whether the session manager has gone, and may soon be back.
+    /// Whether the session manager is gone and may soon return.
     bool awaitsManager() const noexcept { return awaitsManager_; }
 
-    /// Takes the links of those that it left out of those that are wanted.
-    void leaveAlone(std::set<PortLink>& wanted, const Graph& graph) const;
+    /// Removes the links of orphaned streams from the wanted ones.
+    void removeOrphans(std::set<PortLink>& wanted, const Graph& graph) const;
 
 private:
     std::set<Identity> streams_;
-    bool wasManaged_ = false; // ever
+    bool wasManaged_ = false; // at any time so far
     std::optional<std::uint64_t> unmanagedSince_;
     bool awaitsManager_ = false;
 };

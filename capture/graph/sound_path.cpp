@@ -33,8 +33,8 @@ bool exists(const Graph& graph, std::string_view nameOrSerial) {
         graph.nodes, [&](const auto& entry) { return isCalled(entry.second, nameOrSerial); });
 }
 
-/// Where the session manager is going to connect a stream: where the user moved it, else where it
-/// asks to go, else the default output; the last one also where nothing is there of that name.
+/// Where the session manager will connect a stream: where the user moved it, else its requested
+/// target, else the default output, also if the target does not exist.
 std::optional<ObjectId> predictedOutput(ObjectId stream, const Graph& graph) {
     const Node& node = graph.nodes.at(stream);
     if (!node.autoconnect) {
@@ -79,8 +79,8 @@ std::set<ObjectId> nodesLinkedInto(ObjectId node, const Graph& graph) {
     return result;
 }
 
-/// A filter is often several nodes of one link group: what one of them takes in, another gives.
-/// For a stream that is the group's output, where there is one.
+/// A filter often consists of several nodes in one link group: one takes in what another outputs.
+/// For a stream, the other side is the group's output, if any.
 std::set<ObjectId> otherSidesOf(const Node& node, const Graph& graph) {
     if (node.linkGroup.empty() || (!isPlaybackStream(node) && !isMicrophone(node))) {
         return {};
@@ -99,7 +99,7 @@ std::set<ObjectId> otherSidesOf(const Node& node, const Graph& graph) {
 
 struct Origin {
     std::set<ObjectId> outputs;
-    bool isSource = false; // begins, at least partly, at a node that listens to nothing
+    bool isSource = false; // some sound starts at a node without inputs
 };
 
 Origin originOf(ObjectId start, const Graph& graph) {
@@ -116,7 +116,7 @@ Origin originOf(ObjectId start, const Graph& graph) {
         }
         std::set<ObjectId> before = nodesLinkedInto(id, graph);
         before.merge(otherSidesOf(node, graph));
-        // One that is there to listen and is not connected yet has nothing to pass on.
+        // An unconnected capture stream has nothing to pass on.
         origin.isSource = origin.isSource || (before.empty() && !isCaptureStream(node));
         std::ranges::copy_if(before, std::back_inserter(ahead),
                              [&](ObjectId other) { return seen.insert(other).second; });
@@ -165,7 +165,7 @@ std::optional<ObjectId> outputOf(ObjectId stream, const Graph& graph) {
         if (isOutput(target->second)) {
             return link.inputNode;
         }
-        // Somebody else who listens in, as we do, says nothing about where the stream plays.
+        // Another program's capture stream, like ours, does not show where the stream plays.
         playsElsewhere = playsElsewhere || !isCaptureStream(target->second);
     }
     return playsElsewhere ? std::nullopt : predictedOutput(stream, graph);

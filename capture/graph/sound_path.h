@@ -15,28 +15,27 @@ bool isMicrophone(const Node& node);
 bool isPlaybackStream(const Node& node);
 bool isCaptureStream(const Node& node);
 
-/// How the sound of one node, whatever its kind, comes to be heard: from where, and on which
-/// outputs.
+/// Where the sound of one node, of any kind, comes from, and on which outputs it is heard.
 struct SoundPath {
     ObjectId node = 0;
-    std::set<ObjectId> heardOn; ///< of a playback stream one at most; never empty
-    /// The outputs whose sound it listens to, by their monitors or as their other side, but for
-    /// those that it is heard on: whoever passed an output on to itself would make it howl.
+    std::set<ObjectId> heardOn; ///< never empty; at most one for a playback stream
+    /// The outputs whose sound it listens to, through a monitor or as the other side of a filter,
+    /// except those it is heard on (a path back to the same output would feed back).
     std::set<ObjectId> passesOn;
-    /// Whether what it gives, or some of it, has not been played to one of `passesOn` before.
+    /// Whether some of its sound has not already been played to one of `passesOn`.
     bool bringsNewSound = false;
 };
 
-/// Of all nodes that are heard.
+/// The paths of all nodes that are heard.
 std::vector<SoundPath> soundPaths(const Graph& graph);
 
-/// The output that a playback stream is heard on; before it has been connected, the one that it
-/// will be. Nothing for a stream that plays to something that nobody hears.
+/// The output a playback stream is heard on, or will be once it is connected. Absent if the stream
+/// plays to something that is not heard.
 std::optional<ObjectId> outputOf(ObjectId stream, const Graph& graph);
 
-/// The outputs that are heard only as a part of what other nodes mix. Recorded where the mix is
-/// heard, what is played to them would be there twice if it was recorded here as well. Outputs of
-/// devices are never among them: they are heard by themselves.
+/// The outputs heard only as part of other nodes' mixes. If the mix is recorded where it is heard,
+/// recording these outputs too would double their sound. Never outputs of devices, which are heard
+/// directly.
 std::set<ObjectId> outputsHeardInMixes(const std::vector<SoundPath>& paths, const Graph& graph);
 
 } // namespace vantoro::capture

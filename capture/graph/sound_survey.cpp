@@ -15,7 +15,7 @@ SoundSurvey surveyOf(const Graph& graph) {
                        .microphones = {}};
     for (auto& device : microphones(graph)) {
         const auto microphone = findMicrophone(graph, device.id);
-        if (microphone && microphone->channel.empty()) { // its inputs have no mixer of their own
+        if (microphone && microphone->channel.empty()) { // single inputs have no mixer setting
             survey.microphones.push_back({.device = device,
                                           .isDefault = device.id == graph.defaultMicrophone,
                                           .mixer = graph.nodes.at(microphone->device.id).mixer});

@@ -12,7 +12,7 @@
 
 namespace vantoro::capture {
 
-/// A microphone as a user who looks for a fault wants to know it.
+/// A microphone, for diagnosis.
 struct SurveyedMicrophone {
     AudioInputDevice device;
     bool isDefault = false;
@@ -21,14 +21,14 @@ struct SurveyedMicrophone {
     friend bool operator==(const SurveyedMicrophone&, const SurveyedMicrophone&) = default;
 };
 
-/// What recording finds at the sound server.
+/// State of the sound server, for diagnosis.
 struct SoundSurvey {
-    std::string serverVersion;      ///< empty where the server has not told
-    bool mayCapture = false;        ///< streams may be seen, and links to them made
-    bool hasSessionManager = false; ///< without one nothing gets linked
+    std::string serverVersion;      ///< empty if unknown
+    bool mayCapture = false;        ///< may see streams and link to them
+    bool hasSessionManager = false; ///< without one, nothing is linked
     std::size_t outputs = 0;
-    bool playsCodedSound = false;                ///< which cannot be recorded
-    std::vector<SurveyedMicrophone> microphones; ///< in the order in which the server lists them
+    bool playsCodedSound = false;                ///< cannot be recorded
+    std::vector<SurveyedMicrophone> microphones; ///< in the server's order
 
     friend bool operator==(const SoundSurvey&, const SoundSurvey&) = default;
 };

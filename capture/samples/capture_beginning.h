@@ -10,10 +10,9 @@
 
 namespace vantoro::capture {
 
-/// The grid position of the first sound that a recording has, of streams whose first pieces have
-/// these stamps (0: none yet). Of streams that begin together some miss the graph's first cycle,
-/// and the others' sound is kept; but a microphone that takes seconds to wake is not waited for in
-/// silence.
+/// The grid position where a recording starts, from the first stamp of each stream (0: none yet).
+/// Streams that start together may miss the graph's first cycle; the others' sound is kept. The
+/// start does not wait for a microphone that takes seconds to wake.
 inline std::int64_t captureBeginning(std::vector<std::uint64_t> firstStamps, std::uint64_t now) {
     constexpr std::int64_t longestCycle = 8192; // frames
     std::erase(firstStamps, 0);

@@ -39,7 +39,7 @@ void CaptureDelivery::removeFeed(std::shared_ptr<CaptureFeed> feed) {
     queue_.async([self = shared_from_this(), feed = std::move(feed)] {
         if (self->delivering_) {
             self->drain(self->inlets_.at(feed.get()));
-            self->tellLoss();
+            self->reportLoss();
         }
         self->timeline_.removeFeed(feedId(feed.get()));
         self->inlets_.erase(feed.get());
@@ -75,7 +75,7 @@ void CaptureDelivery::pump() {
     if (!delivering_ || finished_) {
         return;
     }
-    // Read before the feeds are: what they get meanwhile is not taken for missing.
+    // Taken before the feeds are read, so that sound arriving meanwhile does not count as missing.
     const std::int64_t now = gridNow();
     drainAll();
     timeline_.emitBlocks(timeline_.horizon(now), emit_);
@@ -85,7 +85,7 @@ void CaptureDelivery::drainAll() {
     for (auto& [key, inlet] : inlets_) {
         drain(inlet);
     }
-    tellLoss();
+    reportLoss();
 }
 
 void CaptureDelivery::drain(Inlet& inlet) {
@@ -107,8 +107,8 @@ void CaptureDelivery::takeIn(Inlet& inlet, const Stamp& stamp, Planes planes) {
     }
 }
 
-/// Once for each source, however many pieces its loss was made of.
-void CaptureDelivery::tellLoss() {
+/// One report per source, however many pieces were lost.
+void CaptureDelivery::reportLoss() {
     for (const AudioLevelSource source :
          {AudioLevelSource::systemAudio, AudioLevelSource::microphone}) {
         const auto frames = std::exchange(lost_[static_cast<std::size_t>(source)], 0);

@@ -15,31 +15,30 @@
 
 namespace vantoro::capture {
 
-/// Which sources a stream delivers.
 struct DeliveredSources {
     bool systemAudio = false;
     bool microphone = false;
 };
 
-/// Turns what the feeds hold into timed sample buffers, on the delivery queue.
+/// Turns the sound in the feeds into timed sample buffers, on the delivery queue.
 ///
-/// The calls only put work on the queue; they may come on any thread but the real-time one, whose
-/// call is `wake`. `close` must have been called before the queue or the receiver goes.
+/// All calls only queue work; any thread but the real-time one, which may only call `wake`. Call
+/// `close` before destroying the queue or the receiver.
 class CaptureDelivery : public std::enable_shared_from_this<CaptureDelivery> {
 public:
     CaptureDelivery(SerialQueue& queue, CaptureStreamReceiver& receiver, DeliveredSources sources);
 
     void addFeed(std::shared_ptr<CaptureFeed> feed);
-    /// After its stream is gone. What it still holds is delivered.
+    /// Call after its stream is gone. Delivers what is left in the feed.
     void removeFeed(std::shared_ptr<CaptureFeed> feed);
-    /// Delivery begins, with what was captured from a position of the grid on, be it past.
+    /// Starts delivery with sound from a grid position on, which may be past.
     void begin(std::int64_t position);
-    /// After all streams are gone: delivers everything, and nothing after that.
+    /// Call after all streams are gone: delivers everything left, and nothing afterwards.
     void finish();
-    /// Returns when the queue has let go of the receiver.
+    /// Returns once the queue no longer uses the receiver.
     void close();
 
-    /// Has the feeds emptied soon. Real-time safe. Not after `finish` or `close`.
+    /// Requests that the feeds be emptied soon. Real-time safe. Not after `finish` or `close`.
     void wake() noexcept { source_.signal(); }
 
 private:
@@ -48,12 +47,12 @@ private:
         ClockSteering steering;
     };
 
-    // On the queue only, as all that follows is.
+    // Queue thread only, like everything below.
     void pump();
     void drain(Inlet& inlet);
     void takeIn(Inlet& inlet, const Stamp& stamp, Planes planes);
     void drainAll();
-    void tellLoss();
+    void reportLoss();
     bool delivers(AudioLevelSource source) const;
     void deliver(AudioLevelSource source, std::int64_t position, std::span<const float> planes,
                  std::size_t frames);
@@ -65,7 +64,7 @@ private:
     CaptureTimeline timeline_;
     CaptureTimeline::Emit emit_;
     std::map<const CaptureFeed*, Inlet> inlets_;
-    std::array<std::int64_t, 2> lost_{}; // frames by source, not told yet
+    std::array<std::int64_t, 2> lost_{}; // frames by source, not reported yet
     bool delivering_ = false;
     bool finished_ = false;
 };

@@ -13,29 +13,30 @@
 
 namespace vantoro::capture {
 
-/// What one capture stream shares between the real-time thread that fills it, the capture queue
-/// that empties it, and the loop that looks after it.
+/// State shared by the real-time thread that fills a capture stream, the capture queue that empties
+/// it, and the loop that controls it.
 struct CaptureFeed {
-    /// For how long the capture queue may stand still before sound is lost. As long as it does not,
-    /// this costs addresses, and no memory.
-    static constexpr std::chrono::seconds usualLength{30};
-    /// What is at hand before sound comes: twice as much as ever waits while all goes well. Of a
-    /// longer standstill each cycle asks the kernel for a page or two, some microseconds of the 21
-    /// milliseconds that it has; what waits for us then is our own node, and nobody's sound.
-    static constexpr std::chrono::seconds lengthAtHand{1};
+    /// How long the capture queue may stall before sound is lost. Unless it stalls, this reserves
+    /// addresses but no memory.
+    static constexpr std::chrono::seconds defaultLength{30};
+    /// Memory allocated in advance: twice the largest backlog of normal operation. In a longer
+    /// stall each cycle takes a page or two from the kernel: some microseconds of its 21
+    /// milliseconds, spent in our own node only.
+    static constexpr std::chrono::seconds preallocatedLength{1};
 
-    explicit CaptureFeed(AudioLevelSource which, std::chrono::seconds length = usualLength)
+    explicit CaptureFeed(AudioLevelSource which, std::chrono::seconds length = defaultLength)
         : ring(which == AudioLevelSource::systemAudio ? 2 : 1,
                static_cast<std::size_t>(length.count() * framesPerSecond), 65536,
-               static_cast<std::size_t>(std::min(length, lengthAtHand).count() * framesPerSecond)),
+               static_cast<std::size_t>(std::min(length, preallocatedLength).count() *
+                                        framesPerSecond)),
           source(which) {}
 
     StampedRing ring;
-    /// Callbacks so far. Real-time thread to loop.
+    /// Number of callbacks. Real-time thread to loop.
     std::atomic<std::uint64_t> callbacks{0};
-    /// The first piece's stamp; 0: none yet. Real-time thread to loop.
+    /// First piece's stamp; 0: none yet. Real-time thread to loop.
     std::atomic<std::uint64_t> heardSince{0};
-    /// How fast the resampler should run (see `ClockSteering`). Capture queue to loop.
+    /// Speed for the resampler (see `ClockSteering`). Capture queue to loop.
     std::atomic<double> speed{1};
     const AudioLevelSource source;
 };

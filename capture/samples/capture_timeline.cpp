@@ -41,17 +41,18 @@ std::int64_t CaptureTimeline::place(FeedId id, const Stamp& stamp, Planes planes
         feed.next = std::max(feed.next, stamped + stamp.frames);
         return stamped + stamp.frames - feed.next;
     }
-    // A driver's first cycles may have more frames than time: while none is heard, stamps hold.
+    // A driver's first cycles may hold more frames than time passed; stamps apply until they are
+    // heard.
     const bool unheard = stamped + stamp.frames <= begin_;
     if (!feed.started || unheard || stamped - feed.next > tolerated) {
-        // What a feed hears first may find the grid emitted a cycle further than its stamp: it is
-        // put behind rather than lost. What was captured before the beginning is not late. Behind
-        // a standstill all that follows would be late.
+        // A feed's first piece may be a cycle older than what was emitted: place it after that
+        // instead of losing it. Sound from before the start is not late. After a stall, everything
+        // would be late.
         const bool late = !feed.started && emitted_ > begin_ && emitted_ - stamped <= tolerance;
         feed.next = late ? std::max(stamped, emitted_) : stamped;
         feed.started = true;
     }
-    if (!silent) { // what nothing is added to is silent already
+    if (!silent) { // the line is silent by default
         lineOf(feed.source).add(feed.next, planes);
     }
     const std::int64_t error = stamped - feed.next;
@@ -61,10 +62,10 @@ std::int64_t CaptureTimeline::place(FeedId id, const Stamp& stamp, Planes planes
 
 std::int64_t CaptureTimeline::lose(FeedId id, std::int64_t frames) {
     Feed& feed = feeds_.at(id);
-    std::int64_t& told = lossTold_[static_cast<std::size_t>(feed.source)];
-    const std::int64_t first = std::max({feed.next, told, begin_});
+    std::int64_t& reported = reportedLoss_[static_cast<std::size_t>(feed.source)];
+    const std::int64_t first = std::max({feed.next, reported, begin_});
     feed.next += frames;
-    told = std::max(told, feed.next);
+    reported = std::max(reported, feed.next);
     return std::max<std::int64_t>(0, feed.next - first);
 }
 

@@ -9,39 +9,41 @@
 
 namespace vantoro::capture {
 
-/// Tells from outside when streams that should run have stopped for good.
+/// Detects streams that should run but have stopped for good.
 class CaptureWatch {
 public:
     enum class Finding : std::uint8_t { nothing, silentServer, stalledMicrophone, lostMicrophone };
 
-    /// What is seen about twice a second.
-    struct Sight {
+    /// Observed about twice a second.
+    struct Observation {
         std::optional<std::uint64_t> tapCallbacks =
-            std::nullopt; ///< of all taps; absent where there is none
+            std::nullopt; ///< of all taps; absent without taps
         std::optional<std::uint64_t> microphoneCallbacks =
-            std::nullopt; ///< absent while it has no stream
+            std::nullopt; ///< absent without a stream
         bool isMicrophonePaused = false;
-        bool isMicrophoneAway = false; ///< and waited for
+        bool isMicrophoneAway = false; ///< but expected back
         std::uint64_t monotonic = 0;   ///< ns
         std::uint64_t boottime = 0;    ///< ns
     };
 
-    Finding update(const Sight& sight) noexcept {
-        // With no output in the machine there is nothing to hear from.
-        const bool areTapsStalled =
-            taps_.update(sight.tapCallbacks.value_or(0), sight.monotonic, sight.boottime);
-        if (areTapsStalled && sight.tapCallbacks) {
+    Finding update(const Observation& observation) noexcept {
+        // Without any output there is nothing to hear.
+        const bool areTapsStalled = taps_.update(observation.tapCallbacks.value_or(0),
+                                                 observation.monotonic, observation.boottime);
+        if (areTapsStalled && observation.tapCallbacks) {
             return Finding::silentServer;
         }
-        if (!sight.microphoneCallbacks) {
+        if (!observation.microphoneCallbacks) {
             pausedFor_ = 0;
             return Finding::nothing;
         }
-        if (microphone_.update(*sight.microphoneCallbacks, sight.monotonic, sight.boottime)) {
+        if (microphone_.update(*observation.microphoneCallbacks, observation.monotonic,
+                               observation.boottime)) {
             return Finding::stalledMicrophone;
         }
-        // A source that is still there may pause for a moment while links are made anew.
-        pausedFor_ = sight.isMicrophonePaused && !sight.isMicrophoneAway ? pausedFor_ + 1 : 0;
+        // A source may pause briefly while its links are rebuilt.
+        pausedFor_ =
+            observation.isMicrophonePaused && !observation.isMicrophoneAway ? pausedFor_ + 1 : 0;
         return pausedFor_ >= longestPause ? Finding::lostMicrophone : Finding::nothing;
     }
 

@@ -7,13 +7,13 @@
 
 namespace vantoro::capture {
 
-/// Everything captured lies on one grid: frames of 48 kHz counted from the zero of
-/// CLOCK_MONOTONIC, the clock that PipeWire stamps its cycles with.
+/// All sound is placed on one grid: 48 kHz frames since the zero of CLOCK_MONOTONIC, the clock of
+/// PipeWire's cycle stamps.
 inline constexpr std::int32_t framesPerSecond = 48000;
 
-/// The grid position nearest to a moment.
+/// The nearest grid position.
 constexpr std::int64_t gridPosition(std::uint64_t nanoseconds) noexcept {
-    // 48000 / 1e9 in its lowest terms: no overflow for the first hundred years of uptime.
+    // 48000 / 1e9, reduced: no overflow in the first hundred years of uptime.
     return static_cast<std::int64_t>((nanoseconds * 3 + 31250) / 62500);
 }
 
@@ -21,7 +21,7 @@ constexpr std::int64_t framesInMilliseconds(std::int64_t milliseconds) noexcept 
     return milliseconds * framesPerSecond / 1000;
 }
 
-/// Now, in nanoseconds. Real-time safe.
+/// The current time in nanoseconds. Real-time safe.
 inline std::uint64_t nanosecondsOn(clockid_t clock) noexcept {
     timespec time{};
     clock_gettime(clock, &time);

@@ -12,7 +12,7 @@ namespace {
 constexpr float quietest = 1e-3F;
 constexpr float quietestOfLoudest = 1e-2F;
 
-/// What is no number is not loud.
+/// Ignores non-finite samples.
 float peakOf(std::span<const float> samples) noexcept {
     float peak = 0;
     for (const float sample : samples) {
@@ -28,7 +28,7 @@ void InputFold::fold(std::span<const std::span<const float>> inputs,
     const bool isFirst = heard_ == 0;
     listen(inputs, mono.size());
     const float target = 1.0F / static_cast<float>(std::max<std::size_t>(heard_, 1));
-    // Who is heard first is heard at the right level from the first sample on.
+    // The first input heard has the right level from its first sample.
     const float start = isFirst ? target : gain_;
     const float step = (target - start) / static_cast<float>(mono.size());
     std::ranges::fill(mono, 0.0F);
@@ -46,9 +46,9 @@ void InputFold::fold(std::span<const std::span<const float>> inputs,
 void InputFold::listen(std::span<const std::span<const float>> inputs,
                        std::size_t frames) noexcept {
     if (heard_ == inputs.size()) {
-        return; // all of them: nothing changes any more
+        return; // all heard already
     }
-    std::array<float, mostInputs> peaks{};
+    std::array<float, maximumInputs> peaks{};
     for (std::size_t i = 0; i < inputs.size(); ++i) {
         peaks.at(i) = peakOf(inputs[i].first(frames));
         loudest_ = std::max(loudest_, peaks.at(i));

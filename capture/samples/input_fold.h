@@ -8,30 +8,29 @@
 
 namespace vantoro::capture {
 
-/// Folds the inputs of a microphone's device to one channel: their mean, but of those only that
-/// have been heard. One microphone in one of eight inputs is as loud as it is by itself, and the
-/// two sides of a stereo microphone are not louder together than each.
+/// Downmixes the inputs of a microphone device to mono: the mean of those inputs that have been
+/// heard. One microphone on one of eight inputs keeps its level, and the two sides of a stereo
+/// microphone do not add up to more than each.
 ///
-/// An input has been heard once it reached a thousandth of full level, and a hundredth of the
-/// loudest one: neither an open input's noise nor what comes over from its neighbour counts. From
-/// then on it counts for good, so that nobody's voice changes with who else is speaking; the level
-/// changes in the course of one piece.
+/// An input counts as heard once it reaches 0.001 of full scale and 0.01 of the loudest input: this
+/// excludes noise of open inputs and crosstalk. It counts from then on, so that no voice's level
+/// depends on who else is speaking; the gain changes gradually within one piece.
 class InputFold {
 public:
-    static constexpr std::size_t mostInputs = 64;
+    static constexpr std::size_t maximumInputs = 64;
 
-    /// `inputs`: `mostInputs` at most, of at least as many frames as `mono` has. Samples that are
-    /// no numbers count as silence, so that one faulty input does not silence the others.
-    /// Real-time safe.
+    /// `inputs`: at most `maximumInputs`, each with at least as many frames as `mono`. Non-finite
+    /// samples count as silence, so that one faulty input does not silence the others. Real-time
+    /// safe.
     void fold(std::span<const std::span<const float>> inputs, std::span<float> mono) noexcept;
 
 private:
     void listen(std::span<const std::span<const float>> inputs, std::size_t frames) noexcept;
 
-    std::array<bool, mostInputs> isHeard_{};
+    std::array<bool, maximumInputs> isHeard_{};
     float loudest_ = 0;
-    std::size_t heard_ = 0; // how many
-    float gain_ = 1;        // at the end of the piece before
+    std::size_t heard_ = 0; // count
+    float gain_ = 1;        // at the end of the previous piece
 };
 
 } // namespace vantoro::capture

@@ -11,20 +11,20 @@
 
 namespace vantoro::capture {
 
-/// Zeros at first, of which each page takes memory only once it has been written to. Writing never
-/// fails, but a page's first write waits for the kernel, for about a microsecond.
+/// A zero-initialised array whose pages take memory only when first written. Writing never fails,
+/// but the first write to a page waits about a microsecond for the kernel.
 template <class T>
     requires std::is_trivially_copyable_v<T>
 class LazyArray {
 public:
-    /// Throws std::bad_alloc where there is no room for the addresses.
+    /// Throws std::bad_alloc if the address space is exhausted.
     explicit LazyArray(std::size_t size) : size_(size) {
         void* const memory =
             ::mmap(nullptr, bytes(), PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
         if (memory == MAP_FAILED) {
             throw std::bad_alloc();
         }
-        // A huge page would be taken, and cleared, whole. Kernels without them refuse harmlessly.
+        // A huge page would be allocated and cleared whole. Kernels without them ignore this.
         static_cast<void>(::madvise(memory, bytes(), MADV_NOHUGEPAGE));
         first_ = static_cast<T*>(memory);
     }
@@ -33,7 +33,7 @@ public:
     LazyArray& operator=(const LazyArray&) = delete;
 
     ~LazyArray() {
-        static_cast<void>(::munmap(first_, bytes())); // fails for other addresses only
+        static_cast<void>(::munmap(first_, bytes())); // cannot fail for our own mapping
     }
 
     std::size_t size() const noexcept { return size_; }
@@ -42,8 +42,8 @@ public:
 
     T& operator[](std::size_t index) noexcept { return first_[index]; }
 
-    /// Takes the memory of some elements now. Nothing must have been written there.
-    void occupy(std::size_t first, std::size_t count) noexcept {
+    /// Allocates the memory of some elements now. Nothing must have been written to them.
+    void preallocate(std::size_t first, std::size_t count) noexcept {
         std::fill_n(first_ + first, count, T());
     }
 

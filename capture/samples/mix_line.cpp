@@ -10,7 +10,7 @@ namespace vantoro::capture {
 
 namespace {
 
-float numberOrSilence(float sample) {
+float finiteOrZero(float sample) {
     return std::isfinite(sample) ? sample : 0.0F;
 }
 
@@ -40,13 +40,13 @@ void MixLine::add(std::int64_t position, Planes planes) {
         std::transform(samples.begin(), samples.end(),
                        line.begin() + static_cast<std::ptrdiff_t>(start),
                        line.begin() + static_cast<std::ptrdiff_t>(start),
-                       [](float sample, float sum) { return sum + numberOrSilence(sample); });
+                       [](float sample, float sum) { return sum + finiteOrZero(sample); });
     }
 }
 
 std::span<const float> MixLine::take(std::size_t frames) {
     const std::size_t copied = std::min(frames, lines_[0].size() - taken_);
-    // Moving the rest forward only once half is over keeps a long backlog linear.
+    // Moving the rest only when half is taken keeps a long backlog linear.
     const std::size_t over = taken_ + copied;
     const bool halfIsOver = over * 2 >= lines_[0].size();
     block_.assign(frames * lines_.size(), 0.0F);

@@ -11,27 +11,27 @@
 
 namespace vantoro::capture {
 
-/// A stretch of the grid on which sounds are added up, and from whose front they are taken.
-/// What nothing was added to is silence.
+/// A section of the grid in which sounds are mixed, and from whose front they are taken. Frames
+/// without sound are silent.
 class MixLine {
 public:
     explicit MixLine(std::size_t channels) : lines_(channels) {}
 
-    /// Everything before is over: what is added there later is left out.
+    /// Discards all content and moves the front; sound added before it is ignored.
     void moveFront(std::int64_t position);
 
-    /// Adds frames of as many channels as the line has. Samples that are no numbers count as
-    /// silence, so that one application's fault does not silence the others.
+    /// Mixes in frames with the line's channel count. Non-finite samples count as silence, so that
+    /// one faulty application does not silence the others.
     void add(std::int64_t position, Planes planes);
 
-    /// Takes frames off the front, channel after channel. Valid until the next call.
+    /// Takes frames from the front, planar. Valid until the next call.
     std::span<const float> take(std::size_t frames);
 
 private:
-    std::int64_t front_ = 0;                // grid position of the first frame that is not over
-    std::size_t taken_ = 0;                 // frames at the start of each line that are over
-    std::vector<std::vector<float>> lines_; // one for each channel, all of one length
-    std::vector<float> block_;              // what was taken last
+    std::int64_t front_ = 0;                // grid position of the first frame not yet taken
+    std::size_t taken_ = 0;                 // taken frames at the start of each line
+    std::vector<std::vector<float>> lines_; // one per channel, equal lengths
+    std::vector<float> block_;              // last taken
 };
 
 } // namespace vantoro::capture

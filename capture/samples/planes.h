@@ -6,10 +6,10 @@
 
 namespace vantoro::capture {
 
-/// Borrowed sound, channel by channel, with as many frames in each.
+/// Borrowed planar sound, with the same number of frames in each channel.
 using Planes = std::span<const std::span<const float>>;
 
-/// Where sound is to be written, in the same form.
+/// A writable destination of the same form.
 using WritablePlanes = std::span<const std::span<float>>;
 
 } // namespace vantoro::capture

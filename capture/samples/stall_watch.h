@@ -7,14 +7,13 @@
 
 namespace vantoro::capture {
 
-/// Tells when a stream's callbacks have stopped coming: a sound server that hangs gives no other
-/// sign. Time during which the machine was suspended, or we ourselves were not running, is no
-/// fault of the server's.
+/// Detects that a stream's callbacks have stopped, the only sign of a sound server that hangs. Time
+/// during which the machine was suspended, or our own process did not run, does not count.
 class StallWatch {
 public:
     static constexpr std::uint64_t limit = 10'000'000'000; // ns
 
-    /// Called about twice a second. True when no callback has come for the limit.
+    /// Call about twice a second. True if no callback came within the limit.
     bool update(std::uint64_t callbacks, std::uint64_t monotonic, std::uint64_t boottime) noexcept {
         const bool first = monotonic_ == 0;
         const bool suspended = boottime - monotonic > sleep_ + longestStep / 2;
@@ -22,12 +21,12 @@ public:
         idle_ = first || suspended || callbacks != callbacks_ ? 0 : idle_ + elapsed;
         callbacks_ = callbacks;
         monotonic_ = monotonic;
-        sleep_ = boottime - monotonic; // how long the machine has been suspended in all
+        sleep_ = boottime - monotonic; // total time suspended
         return idle_ >= limit;
     }
 
 private:
-    // A longer step than this between two updates means that we were not running.
+    // A longer step between two updates means that our process did not run.
     static constexpr std::uint64_t longestStep = 1'000'000'000;
 
     std::uint64_t callbacks_ = 0;

@@ -12,8 +12,8 @@ std::atomic<bool (*)()> answers = nullptr;
 
 } // namespace
 
-void useBusesIf(bool (*theyAnswer)()) {
-    answers = theyAnswer;
+void useBusesIf(bool (*busesRespond)()) {
+    answers = busesRespond;
 }
 
 bool mayUseBuses() {

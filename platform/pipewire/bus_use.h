@@ -4,14 +4,14 @@
 
 namespace vantoro::pipewire {
 
-/// Where the system does not give this process real-time threads by itself, the sound library asks
-/// services on the session's and the system's bus for them, at each new connection to the sound
-/// server, and waits for each of their answers for half a minute, or for ever. `theyAnswer` is
-/// called before, by whichever thread connects; false, and they are not asked: the thread that
-/// takes the sound is an ordinary one then. Without this call they are asked always. Any thread.
-void useBusesIf(bool (*theyAnswer)());
+/// If this process may not create real-time threads itself, the sound library asks services on the
+/// session and system bus, on each new connection to the sound server, and waits for each reply for
+/// half a minute or forever. `busesRespond` is called before that, on the connecting thread; if it
+/// returns false, the services are not asked, and the sound thread gets normal priority. Without
+/// this call they are always asked. Any thread.
+void useBusesIf(bool (*busesRespond)());
 
-/// Whether the library may ask them now.
+/// Whether the library may use the buses now.
 bool mayUseBuses();
 
 } // namespace vantoro::pipewire

@@ -10,18 +10,18 @@
 
 namespace vantoro::pipewire {
 
-/// How sound is captured, whatever is asked for.
+/// Settings that apply to every capture.
 struct CaptureSettings {
-    /// For how much sound the queue is woken: what a level meter needs to be told something new
-    /// twelve times a second. Waking the queue costs more than the copying does.
+    /// How much sound wakes the queue: enough for a level meter to update twelve times per second.
+    /// A wake-up costs more than the copying.
     std::chrono::milliseconds deliveryInterval{80};
-    /// Of the queue, before sound is lost.
-    std::chrono::seconds longestStandstill = capture::CaptureFeed::usualLength;
+    /// How long the queue may stall before sound is lost.
+    std::chrono::seconds longestStall = capture::CaptureFeed::defaultLength;
     bool excludesOwnSound = true;
 };
 
-/// Captures sound through PipeWire: what every application plays, whichever output it plays on, and
-/// one microphone. Its failures are `Failure`s. A microphone's identifier is its node's name.
+/// Captures sound through PipeWire: all applications on all outputs, and one microphone. Errors are
+/// `Failure`s. A microphone's identifier is its node's name.
 class CaptureService final : public vantoro::CaptureService {
 public:
     explicit CaptureService(CaptureSettings settings = {}) : settings_(settings) {}

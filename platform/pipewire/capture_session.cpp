@@ -18,12 +18,13 @@ using namespace std::chrono_literals;
 
 constexpr auto answerLimit = 2s;
 constexpr auto startLimit = 5s;
-constexpr auto tapLimit = 1s; // an output that is broken must not keep the others from starting
+constexpr auto tapStartLimit = 1s; // a broken output must not block the others
 constexpr auto startingInterval = 5ms;
 constexpr auto runningInterval = 500ms;
 
-/// The first cycles after links were made are often cut short or late: it takes some until a stream
-/// is known to run. What it heard meanwhile is kept all the same.
+
+/// The first cycles after linking are often short or late, so a stream counts as running only after
+/// a few. Sound heard meanwhile is kept.
 bool hasSettled(const InputStream& stream) {
     constexpr std::uint64_t cycles = 4;
     return stream.feed()->callbacks.load(std::memory_order_relaxed) >= cycles;
@@ -64,7 +65,7 @@ CaptureSession::~CaptureSession() {
 void CaptureSession::start() {
     const Deadline answerBy = std::chrono::steady_clock::now() + answerLimit;
     connection_.run();
-    // The first answer comes behind all objects, the second behind what they tell of themselves.
+    // The first reply follows all objects, the second their details.
     if (!connection_.roundTrip(answerBy) || !connection_.roundTrip(answerBy)) {
         throw Failure(FailureCode::serverSilent);
     }
@@ -102,12 +103,12 @@ void CaptureSession::openMicrophone() {
                                     : Failure(FailureCode::noDefaultMicrophone);
     }
     followed_.emplace(name, *source);
-    hearMicrophone(*source);
+    recordMicrophone(*source);
 }
 
 std::unique_ptr<InputStream> CaptureSession::makeStream(AudioLevelSource source,
                                                         std::size_t channels) {
-    auto feed = std::make_shared<capture::CaptureFeed>(source, settings_.longestStandstill);
+    auto feed = std::make_shared<capture::CaptureFeed>(source, settings_.longestStall);
     const InputStream::Wake wake{.frames = static_cast<std::size_t>(capture::framesInMilliseconds(
                                      settings_.deliveryInterval.count())),
                                  .call =
@@ -123,14 +124,14 @@ std::unique_ptr<InputStream> CaptureSession::makeStream(AudioLevelSource source,
 
 void CaptureSession::update() {
     if (failure_) {
-        endByItself();
+        stopUnexpectedly();
     }
     if (phase_ != Phase::starting && phase_ != Phase::running) {
         return;
     }
     orphans_.update(mirror_.graph(), capture::nanosecondsOn(CLOCK_MONOTONIC));
     if (orphans_.awaitsManager()) {
-        updateLinks(); // of streams that are about to be closed
+        updateLinks(); // before the streams are closed
     }
     try {
         updateTaps();
@@ -147,7 +148,7 @@ void CaptureSession::updateLinks() {
         own.tapOfOutput.clear();
     }
     auto links = wantedLinks(mirror_.graph(), connection_.self(), own, settings_.excludesOwnSound);
-    orphans_.leaveAlone(links, mirror_.graph());
+    orphans_.removeOrphans(links, mirror_.graph());
     linker_.apply(links);
 }
 
@@ -172,10 +173,10 @@ void CaptureSession::updateTaps() {
                           makeStream(AudioLevelSource::systemAudio, capture::tapChannels.size()));
         }
     }
-    tellObstacle(AudioLevelSource::systemAudio,
-                 request_.systemAudio && playsCodedSound(mirror_.graph())
-                     ? SourceCondition::coded
-                     : SourceCondition::delivering);
+    reportObstacle(AudioLevelSource::systemAudio,
+                   request_.systemAudio && playsCodedSound(mirror_.graph())
+                       ? SourceCondition::coded
+                       : SourceCondition::delivering);
 }
 
 void CaptureSession::updateMicrophone() {
@@ -194,26 +195,26 @@ void CaptureSession::updateMicrophone() {
             close(microphone_);
         }
     } else if (microphone_ || !orphans_.awaitsManager()) {
-        hearMicrophone(followed_->source());
+        recordMicrophone(followed_->source());
     }
 }
 
-void CaptureSession::hearMicrophone(const capture::Microphone& source) {
+void CaptureSession::recordMicrophone(const capture::Microphone& source) {
     const capture::Graph& graph = mirror_.graph();
     const std::size_t inputs = portsOf(graph, source).size();
-    if (!microphone_ && inputs > 0) { // of a device that has just come back they may follow
+    if (!microphone_ && inputs > 0) { // a returning device may add its ports later
         microphone_ = makeStream(AudioLevelSource::microphone,
-                                 std::min(inputs, capture::InputFold::mostInputs));
+                                 std::min(inputs, capture::InputFold::maximumInputs));
     }
-    tellObstacle(AudioLevelSource::microphone, graph.nodes.at(source.device.id).mixer.isSilent()
-                                                   ? SourceCondition::muted
-                                                   : SourceCondition::delivering);
+    reportObstacle(AudioLevelSource::microphone, graph.nodes.at(source.device.id).mixer.isSilent()
+                                                     ? SourceCondition::muted
+                                                     : SourceCondition::delivering);
 }
 
-void CaptureSession::tellObstacle(AudioLevelSource source, SourceCondition obstacle) {
-    SourceCondition& told =
+void CaptureSession::reportObstacle(AudioLevelSource source, SourceCondition obstacle) {
+    SourceCondition& reported =
         source == AudioLevelSource::microphone ? microphoneObstacle_ : systemObstacle_;
-    if (obstacle != std::exchange(told, obstacle)) {
+    if (obstacle != std::exchange(reported, obstacle)) {
         events_.obstacleChanged(source, obstacle);
     }
 }
@@ -233,7 +234,7 @@ capture::OwnNodes CaptureSession::ownNodes() const {
             own.tapOfOutput.emplace(output, *node);
         }
     }
-    if (microphone_) { // and so is a microphone followed
+    if (microphone_) { // so `followed_` is set too
         own.microphoneStream = microphone_->node();
         own.microphone = followed_->source();
     }
@@ -254,7 +255,7 @@ void CaptureSession::tick() {
         if (microphone_) {
             microphone_->applySpeed();
         }
-        // Where nothing is captured at all, silence goes on; otherwise little waits long.
+        // Keeps silence coming if nothing is captured, and delivers small remainders.
         delivery_->wake();
         checkStalls();
     }
@@ -271,8 +272,8 @@ bool CaptureSession::microphoneRuns() const {
 bool CaptureSession::allRun() const {
     const bool tapsRun =
         std::ranges::all_of(taps_, [](const auto& entry) { return hasSettled(*entry.second); });
-    const bool goOnWithoutThem = std::chrono::steady_clock::now() - startedAt_ > tapLimit;
-    return (tapsRun || goOnWithoutThem) && microphoneRuns();
+    const bool ignoreTaps = std::chrono::steady_clock::now() - startedAt_ > tapStartLimit;
+    return (tapsRun || ignoreTaps) && microphoneRuns();
 }
 
 std::int64_t CaptureSession::beginning() const {
@@ -294,17 +295,18 @@ void CaptureSession::checkStarted() {
 }
 
 void CaptureSession::checkStalls() {
-    capture::CaptureWatch::Sight sight{.isMicrophoneAway = followed_ && !isMicrophoneThere(),
-                                       .monotonic = capture::nanosecondsOn(CLOCK_MONOTONIC),
-                                       .boottime = capture::nanosecondsOn(CLOCK_BOOTTIME)};
+    capture::CaptureWatch::Observation observation{
+        .isMicrophoneAway = followed_ && !isMicrophoneThere(),
+        .monotonic = capture::nanosecondsOn(CLOCK_MONOTONIC),
+        .boottime = capture::nanosecondsOn(CLOCK_BOOTTIME)};
     for (const auto& [output, tap] : taps_) {
-        sight.tapCallbacks = sight.tapCallbacks.value_or(0) + tap->feed()->callbacks;
+        observation.tapCallbacks = observation.tapCallbacks.value_or(0) + tap->feed()->callbacks;
     }
     if (microphone_) {
-        sight.microphoneCallbacks = microphone_->feed()->callbacks;
-        sight.isMicrophonePaused = microphone_->state() == InputStream::State::paused;
+        observation.microphoneCallbacks = microphone_->feed()->callbacks;
+        observation.isMicrophonePaused = microphone_->state() == InputStream::State::paused;
     }
-    switch (watch_.update(sight)) {
+    switch (watch_.update(observation)) {
     case capture::CaptureWatch::Finding::nothing:
         break;
     case capture::CaptureWatch::Finding::silentServer:
@@ -323,11 +325,11 @@ void CaptureSession::fail(Failure failure) {
     if (!failure_) {
         failure_ = std::move(failure);
     }
-    // Streams are not closed within their own callbacks, nor within the connection's.
+    // Streams must not be closed in their own callbacks, nor in the connection's.
     updateEvent_.request();
 }
 
-void CaptureSession::endByItself() {
+void CaptureSession::stopUnexpectedly() {
     const bool wasRunning = phase_ == Phase::running;
     if (phase_ == Phase::ended) {
         return;
@@ -343,7 +345,7 @@ void CaptureSession::endByItself() {
 }
 
 void CaptureSession::closeStreams() {
-    // Links first: a source without a stream behind them would be cut off in a disorderly way.
+    // Links first: otherwise a source would be cut off abruptly.
     linker_.apply({});
     microphone_.reset();
     taps_.clear();

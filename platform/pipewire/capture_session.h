@@ -24,29 +24,30 @@
 
 namespace vantoro::pipewire {
 
-/// One run of capture: the connection, the streams and the links, from start to stop.
+/// One capture from start to stop: the connection, its streams and links.
 ///
-/// Made, started and destroyed by a task thread, or the thread of a queue; everything else happens
-/// on the connection's loop.
+/// Create, start and destroy it on a task thread or a queue's thread; everything else runs on the
+/// connection's loop.
 class CaptureSession {
 public:
-    /// Told on the loop.
+    /// Called on the loop.
     struct Events {
-        /// Why capture has stopped by itself; once at most.
+        /// Capture stopped on its own; at most once.
         std::function<void(std::exception_ptr error)> stopped;
-        /// As `CaptureStreamReceiver::obstacleDidChange`.
+        /// Like `CaptureStreamReceiver::obstacleDidChange`.
         std::function<void(AudioLevelSource source, SourceCondition obstacle)> obstacleChanged;
     };
 
-    /// Throws `Failure` when there is no server. `delivery` is handed the feeds.
+    /// Throws `Failure` if there is no server. `delivery` receives the feeds.
     CaptureSession(CaptureRequest request, CaptureSettings settings,
                    std::shared_ptr<capture::CaptureDelivery> delivery, Events events);
     CaptureSession(const CaptureSession&) = delete;
     CaptureSession& operator=(const CaptureSession&) = delete;
-    /// Stops where it has not stopped: `delivery` is told to finish. No event is told any more.
+    /// Stops if still running, and finishes `delivery`. No event follows.
     ~CaptureSession();
 
-    /// Returns when capture runs. Throws `Failure` when it does not within 5 seconds or so.
+    /// Returns once capture runs. Throws `Failure` if it fails or takes longer than about 5
+    /// seconds.
     void start();
 
 private:
@@ -60,10 +61,10 @@ private:
     void updateLinks();
     void updateTaps();
     void updateMicrophone();
-    void hearMicrophone(const capture::Microphone& source);
+    void recordMicrophone(const capture::Microphone& source);
     void close(std::unique_ptr<InputStream>& stream);
     bool isMicrophoneThere() const;
-    void tellObstacle(AudioLevelSource source, SourceCondition obstacle);
+    void reportObstacle(AudioLevelSource source, SourceCondition obstacle);
     void tick();
     void checkStarted();
     void checkStalls();
@@ -72,7 +73,7 @@ private:
     std::int64_t beginning() const;
     capture::OwnNodes ownNodes() const;
     void fail(Failure failure);
-    void endByItself();
+    void stopUnexpectedly();
     void closeStreams();
 
     const CaptureRequest request_;
@@ -81,9 +82,9 @@ private:
     const Events events_;
     Phase phase_ = Phase::preparing;
     std::optional<Failure> failure_;
-    EventFlag settled_; // started, or failed to
+    EventFlag settled_; // started or failed
     Deadline startedAt_;
-    std::optional<capture::FollowedMicrophone> followed_; // where a microphone is wanted
+    std::optional<capture::FollowedMicrophone> followed_; // if a microphone is recorded
     SourceCondition systemObstacle_ = SourceCondition::delivering;
     SourceCondition microphoneObstacle_ = SourceCondition::delivering;
     capture::CaptureWatch watch_;

@@ -17,14 +17,14 @@ namespace vantoro::pipewire {
 
 namespace {
 
-/// The library asks for the user's name in a way that is not for several threads at a time.
-std::mutex contextIsBeingMade;
+/// The library looks up the user's name in a way that is not thread-safe.
+std::mutex contextMutex;
 
 ContextPointer makeContext(pw_loop* loop) {
-    const std::lock_guard lock(contextIsBeingMade);
+    const std::lock_guard lock(contextMutex);
     const bool usesBuses = mayUseBuses();
-    // Only the first of the two asks for real-time scheduling where PipeWire is old; where it is
-    // new there may be no such file, and the second does.
+    // Old PipeWire requests real-time scheduling only with the first file; new versions may not
+    // have it and do so with the second.
     for (const char* const configuration : {"client-rt.conf", "client.conf"}) {
         auto* const properties = pw_properties_new(PW_KEY_CONFIG_NAME, configuration, nullptr);
         if (properties != nullptr && !usesBuses) {
@@ -117,7 +117,7 @@ void Connection::coreDone(void* data, std::uint32_t id, int sequence) {
 void Connection::coreError(void* data, std::uint32_t id, int /*sequence*/, int result,
                            const char* /*message*/) {
     auto& self = *static_cast<Connection*>(data);
-    // Errors about other objects come and go with them, and are told to their owners.
+    // Other errors concern single objects and reach their owners.
     if (id == PW_ID_CORE && result == -EPIPE) {
         self.lost_ = true;
         self.answered_.set();

@@ -13,28 +13,28 @@
 
 namespace vantoro::pipewire {
 
-/// A connection to the sound server, with the thread that its callbacks come on ("the loop").
+/// A connection to the sound server, with the thread that runs its callbacks ("the loop").
 ///
-/// Made, used and destroyed by a task thread, or by the thread of a queue, never the loop itself.
-/// Whatever else uses the connection's core must be gone before it, or be removed under its lock.
+/// Create, use and destroy it on a task thread or a queue's thread, never on the loop. Destroy
+/// everything else that uses the core first, or remove it under the lock.
 class Connection {
 public:
     /// Called on the loop.
     struct Callbacks {
-        std::function<void()> lost;       ///< the server is gone; may come more than once
-        std::function<void()> identified; ///< we have learnt who we are
+        std::function<void()> lost;       ///< the server is gone; may be called repeatedly
+        std::function<void()> identified; ///< our client id is known
     };
 
-    /// Throws `Failure` when there is no server.
+    /// Throws `Failure` if there is no server.
     explicit Connection(Callbacks callbacks);
     Connection(const Connection&) = delete;
     Connection& operator=(const Connection&) = delete;
     ~Connection();
 
-    /// Starts the loop. Before, everything may be set up without its lock.
+    /// Starts the loop. Set-up before this call needs no lock.
     void run();
 
-    /// Ends the loop, without the lock. After, everything may be taken down without it.
+    /// Ends the loop; call without the lock. Tear-down after this call needs no lock.
     void end();
 
     pw_thread_loop* threadLoop() const noexcept { return threadLoop_.get(); }
@@ -46,8 +46,8 @@ public:
     /// On the loop, or under its lock.
     const capture::Self& self() const noexcept { return self_; }
 
-    /// Task thread, without the lock: returns when the server has answered everything that was
-    /// asked of it so far. False when it has not by then, or is gone.
+    /// Task thread, without the lock: returns once the server has answered all previous requests.
+    /// False if it does not by the deadline, or is gone.
     bool roundTrip(Deadline deadline);
 
 private:

@@ -10,7 +10,7 @@ namespace vantoro::pipewire {
 
 using Deadline = std::chrono::steady_clock::time_point;
 
-/// Something that happens once and that a task waits for, for a limited time.
+/// A one-time event that a task can wait for with a time limit.
 class EventFlag {
 public:
     void set() {
@@ -26,7 +26,7 @@ public:
         isSet_ = false;
     }
 
-    /// False when it had not happened by then.
+    /// False if the deadline passed first.
     bool waitUntil(Deadline deadline) {
         std::unique_lock lock(mutex_);
         return changed_.wait_until(lock, deadline, [this] { return isSet_; });

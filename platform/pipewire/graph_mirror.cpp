@@ -119,8 +119,7 @@ void GraphMirror::addObject(capture::ObjectId id, std::uint32_t permissions,
 void GraphMirror::addNode(capture::ObjectId id, const capture::Properties& properties) {
     capture::Node node;
     readProperties(node, properties);
-    // Which group it belongs to, where it wants to go and how loud it is, only the node itself
-    // tells.
+    // Only the node itself reports its link group, target and volume.
     if (isPlaybackStream(node) || isCaptureStream(node) || isOutput(node) || isMicrophone(node)) {
         if (Bound* const bound = bind(id, PW_TYPE_INTERFACE_Node, PW_VERSION_NODE)) {
             pw_proxy_add_object_listener(bound->proxy.get(), bound->hook.get(), &nodeEvents, bound);
@@ -159,7 +158,7 @@ void GraphMirror::addLink(capture::ObjectId id, const capture::Properties& prope
 }
 
 void GraphMirror::addMetadata(capture::ObjectId id, const capture::Properties& properties) {
-    // A server that runs without a session manager may have made one itself.
+    // A server without a session manager may have created one itself.
     if (number(properties, "client.id") != SPA_ID_INVALID) {
         graph_.defaultsOfSessionManager = id;
     }
@@ -183,7 +182,7 @@ void GraphMirror::removeObject(capture::ObjectId id) {
 }
 
 void GraphMirror::setMetadata(capture::ObjectId subject, const char* key, const char* value) {
-    if (key == nullptr) { // all that was said of the subject is taken back
+    if (key == nullptr) { // the subject's metadata is cleared
         graph_.targets.erase(subject);
         return;
     }

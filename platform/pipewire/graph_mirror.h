@@ -15,10 +15,10 @@
 
 namespace vantoro::pipewire {
 
-/// Keeps a `Graph` as the server's registry tells it. On the loop, or under its lock, only.
+/// Keeps a `Graph` in step with the server's registry. Only on the loop or under its lock.
 class GraphMirror {
 public:
-    /// `changed` comes on the loop after every change.
+    /// Calls `changed` on the loop after every change.
     GraphMirror(pw_core* core, std::function<void()> changed);
     GraphMirror(const GraphMirror&) = delete;
     GraphMirror& operator=(const GraphMirror&) = delete;
@@ -27,7 +27,7 @@ public:
     const capture::Graph& graph() const noexcept { return graph_; }
 
 private:
-    /// An object that tells more than the registry does.
+    /// An object with more details than the registry shows.
     struct Bound {
         Bound(GraphMirror& owner, capture::ObjectId objectId, pw_proxy* object)
             : mirror(owner), id(objectId), proxy(object) {}
@@ -35,7 +35,7 @@ private:
         GraphMirror& mirror;
         capture::ObjectId id;
         ProxyPointer proxy;
-        Hook hook; // after the proxy, so that it goes first
+        Hook hook; // after the proxy: must be destroyed first
     };
 
     void addObject(capture::ObjectId id, std::uint32_t permissions, const std::string& type,
@@ -71,7 +71,7 @@ private:
     std::map<capture::ObjectId, std::unique_ptr<Bound>> bound_;
 };
 
-/// The name in the metadata's way of naming a default device: {"name":"…"}. Empty without one.
+/// Parses the metadata value of a default device: {"name":"…"}. Empty if there is no name.
 std::string defaultDeviceName(const char* json);
 
 } // namespace vantoro::pipewire

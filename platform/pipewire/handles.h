@@ -8,7 +8,7 @@
 
 namespace vantoro::pipewire {
 
-/// Calls a C function to dispose of an object.
+/// A deleter that calls a C function.
 template <auto function>
 struct Disposer {
     template <class Object>
@@ -24,7 +24,7 @@ using ProxyPointer = std::unique_ptr<pw_proxy, Disposer<pw_proxy_destroy>>;
 using StreamPointer = std::unique_ptr<pw_stream, Disposer<pw_stream_destroy>>;
 using PropertiesPointer = std::unique_ptr<pw_properties, Disposer<pw_properties_free>>;
 
-/// The library itself, for as long as anything of it is used. It counts its users.
+/// Initialises the library while it is in use; the library counts its users.
 class Library {
 public:
     Library() { pw_init(nullptr, nullptr); }
@@ -35,7 +35,7 @@ public:
     ~Library() { pw_deinit(); }
 };
 
-/// The place of a callback table in an object's list. Must go before the object does.
+/// A registered callback table. Must be destroyed before its object.
 class Hook {
 public:
     Hook() = default;
@@ -50,7 +50,7 @@ private:
     spa_hook hook_{};
 };
 
-/// Holds a thread loop's lock: none of its callbacks runs meanwhile.
+/// Holds a thread loop's lock: no callback runs meanwhile.
 class LoopLock {
 public:
     explicit LoopLock(pw_thread_loop* loop) : loop_(loop) { pw_thread_loop_lock(loop_); }

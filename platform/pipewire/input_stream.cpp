@@ -25,19 +25,18 @@ PropertiesPointer streamProperties(AudioLevelSource source) {
         "Stream/Input/Audio", PW_KEY_NODE_NAME,
         isTap ? "vantoro.system-audio" : "vantoro.microphone", PW_KEY_NODE_DESCRIPTION,
         isTap ? "System audio recording" : "Microphone recording",
-        // Nobody waits for what is recorded: the graph may run in cycles as long as all others let
-        // it.
+        // Recording needs no low latency: the graph may run with the longest cycles that others
+        // allow.
         PW_KEY_NODE_LATENCY, "4096/48000",
-        // A volume that somebody once gave a recording would come back unasked.
+        // Never restore an old volume or target of a recording stream.
         "state.restore-props", "false", "state.restore-target", "false", nullptr));
     if (isTap) {
-        // Silence is sound too: a tap that nothing plays to goes on.
+        // A tap also records silence, so it runs without input.
         pw_properties_set(properties.get(), PW_KEY_NODE_ALWAYS_PROCESS, "true");
     }
     return properties;
 }
 
-/// One channel of a buffer.
 std::span<const float> samplesOf(const spa_data& data) noexcept {
     const std::uint32_t offset = data.chunk->offset;
     if (data.data == nullptr || offset > data.maxsize) {
@@ -48,15 +47,15 @@ std::span<const float> samplesOf(const spa_data& data) noexcept {
             std::min(data.chunk->size, data.maxsize - offset) / sizeof(float)};
 }
 
-/// A tap has places, the inputs of a microphone's device are just counted.
+/// A tap's channels have positions; a microphone's inputs are only numbered.
 spa_audio_info_raw format(AudioLevelSource source, std::size_t channels) {
     spa_audio_info_raw info{};
-    info.format = SPA_AUDIO_FORMAT_F32P; // as the graph has it, so that nothing is to be done
+    info.format = SPA_AUDIO_FORMAT_F32P; // the graph's own format: no conversion
     info.rate = static_cast<std::uint32_t>(capture::framesPerSecond);
     info.channels = static_cast<std::uint32_t>(channels);
     constexpr std::array places{SPA_AUDIO_CHANNEL_FL, SPA_AUDIO_CHANNEL_FR, SPA_AUDIO_CHANNEL_SL,
                                 SPA_AUDIO_CHANNEL_SR};
-    static_assert(places.size() == capture::tapChannels.size()); // in the same order
+    static_assert(places.size() == capture::tapChannels.size()); // same order
     const bool isTap = source == AudioLevelSource::systemAudio;
     for (std::size_t i = 0; i < channels; ++i) {
         info.position[i] = isTap           ? static_cast<std::uint32_t>(places.at(i))
@@ -97,8 +96,7 @@ void InputStream::connect() {
     spa_audio_info_raw info = format(feed_->source, channels_);
     std::array<const spa_pod*, 1> parameters{
         spa_format_audio_raw_build(&builder, SPA_PARAM_EnumFormat, &info)};
-    // Without the real-time flag the stamp that a callback sees may be a later cycle's.
-    // NOLINTNEXTLINE(clang-analyzer-optin.core.EnumCastOutOfRange): flags are made to be combined
+    // Without the real-time flag a callback may see the stamp of a later cycle.
     constexpr auto flags = static_cast<pw_stream_flags>(
         static_cast<unsigned>(PW_STREAM_FLAG_MAP_BUFFERS) | PW_STREAM_FLAG_RT_PROCESS);
     if (pw_stream_connect(stream_.get(), PW_DIRECTION_INPUT, PW_ID_ANY, flags, parameters.data(),
@@ -109,7 +107,7 @@ void InputStream::connect() {
 
 std::optional<capture::ObjectId> InputStream::node() const {
     const std::uint32_t id = pw_stream_get_node_id(stream_.get());
-    // Once it has ended the id is somebody else's.
+    // After the stream ends, the id may be reused.
     return id == SPA_ID_INVALID || state_ == State::ended ? std::nullopt : std::optional(id);
 }
 
@@ -121,7 +119,7 @@ void InputStream::applySpeed() {
 }
 
 void InputStream::setSpeed(double speed) {
-    auto rate = static_cast<float>(1 / speed); // how many frames go into each one that comes out
+    auto rate = static_cast<float>(1 / speed); // input frames per output frame
     if (pw_stream_set_control(stream_.get(), SPA_PROP_rate, 1, &rate, 0) >= 0) {
         appliedSpeed_ = speed;
     }
@@ -129,8 +127,8 @@ void InputStream::setSpeed(double speed) {
 
 void InputStream::activateResampler() {
     if (!resamplerIsActive_) {
-        // It would begin with a click at its first change of speed: better now, before anything is
-        // heard, than in mid-recording. At a speed of 1 it then copies.
+        // The first change of speed makes a click: make it now, before any sound, not in
+        // mid-recording. At speed 1 the resampler then copies.
         setSpeed(1.0001);
         setSpeed(1);
         resamplerIsActive_ = true;
@@ -187,11 +185,11 @@ std::uint64_t InputStream::cycleTime(std::uint32_t& clockId) const noexcept {
         clockId = position->clock.id;
         return position->clock.nsec;
     }
-    return now; // no driver yet, or one that has not set its clock
+    return now; // no driver yet, or its clock is not set
 }
 
 void InputStream::takeIn(const spa_buffer& buffer) noexcept {
-    std::array<std::span<const float>, capture::InputFold::mostInputs> planes;
+    std::array<std::span<const float>, capture::InputFold::maximumInputs> planes;
     const std::span channels = std::span(planes).first(channels_);
     if (buffer.n_datas < channels.size()) {
         return;

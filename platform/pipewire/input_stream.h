@@ -16,11 +16,11 @@
 
 namespace vantoro::pipewire {
 
-/// A capture node of ours. Nothing is connected to it but by us. It is either a tap, which hears
-/// applications in `tapChannels`, runs always, and gives stereo; or the microphone's, which runs
-/// while its source does, and gives one channel.
+/// One of our capture nodes; only we link to it. Either a tap, which records applications in
+/// `tapChannels`, always runs, and delivers stereo; or the microphone's, which runs while its
+/// source does, and delivers mono.
 ///
-/// On the loop, or under its lock, only. Once it is destroyed its feed is written to no more.
+/// Only on the loop or under its lock. After destruction nothing writes to its feed.
 class InputStream {
 public:
     enum class State : std::uint8_t { starting, paused, running, ended };
@@ -28,32 +28,32 @@ public:
     /// Called on the loop.
     using StateChanged = std::function<void()>;
 
-    /// What is called on the real-time thread when so many frames are waiting in the feed.
+    /// Called on the real-time thread once this many frames wait in the feed.
     struct Wake {
         std::size_t frames = 0;
         void (*call)(void* receiver) noexcept = nullptr;
         void* receiver = nullptr;
     };
 
-    /// `channels`: those of a tap, or a microphone's inputs, up to `InputFold::mostInputs`. Throws
-    /// `Failure`.
+    /// `channels`: the tap's, or the microphone's inputs (at most `InputFold::maximumInputs`).
+    /// Throws `Failure`.
     InputStream(pw_core* core, std::shared_ptr<capture::CaptureFeed> feed, std::size_t channels,
                 const Wake& wake, StateChanged stateChanged);
     InputStream(const InputStream&) = delete;
     InputStream& operator=(const InputStream&) = delete;
     ~InputStream() = default;
 
-    /// Present from when the server has made the node until the stream has ended.
+    /// Present once the server has created the node, until the stream ends.
     std::optional<capture::ObjectId> node() const;
 
     State state() const noexcept { return state_; }
 
-    /// What the server said when it ended the stream, if anything.
+    /// The server's reason for ending the stream, if any.
     const std::string& reason() const noexcept { return reason_; }
 
     const std::shared_ptr<capture::CaptureFeed>& feed() const noexcept { return feed_; }
 
-    /// Has the resampler follow the feed's `speed`.
+    /// Applies the feed's `speed` to the resampler.
     void applySpeed();
 
 private:
@@ -65,7 +65,7 @@ private:
     void connect();
     void setSpeed(double speed);
     void activateResampler();
-    // All that follows runs on the real-time thread.
+    // Real-time thread only:
     std::uint64_t cycleTime(std::uint32_t& clockId) const noexcept;
     void takeIn(const spa_buffer& buffer) noexcept;
 
@@ -80,9 +80,9 @@ private:
     double appliedSpeed_ = 1;
     bool resamplerIsActive_ = false;
     std::atomic<const spa_io_position*> position_{nullptr};
-    capture::InputFold fold_; // the real-time thread's own
+    capture::InputFold fold_; // real-time thread only
     StreamPointer stream_;
-    Hook hook_; // after the stream, so that it goes first
+    Hook hook_; // after the stream: must be destroyed first
 };
 
 } // namespace vantoro::pipewire

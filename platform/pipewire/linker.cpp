@@ -44,7 +44,7 @@ std::unique_ptr<Linker::OwnLink> Linker::make(const capture::PortLink& link) {
     return made;
 }
 
-// A proxy must not be destroyed by its own callback: it is only marked.
+// A proxy must not be destroyed in its own callback, so mark it only.
 
 void Linker::removed(void* data) {
     static_cast<OwnLink*>(data)->failed = true;

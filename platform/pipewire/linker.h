@@ -12,22 +12,22 @@
 
 namespace vantoro::pipewire {
 
-/// Keeps the links that are wanted in existence. On the loop, or under its lock, only.
+/// Creates and removes links as wanted. Only on the loop or under its lock.
 class Linker {
 public:
     explicit Linker(pw_core* core) : core_(core) {}
 
-    /// Makes what is missing and takes away what is no longer wanted.
+    /// Creates missing links and removes those no longer wanted.
     void apply(const std::set<capture::PortLink>& wanted);
 
-    /// Links that could not be made, or were taken away by somebody, are made again by the next
-    /// `apply`. True when there were any.
+    /// Lets the next `apply` recreate links that failed or that another program removed. True if
+    /// there were any.
     bool forgetFailed();
 
 private:
     struct OwnLink {
         ProxyPointer proxy;
-        Hook hook; // after the proxy, so that it goes first
+        Hook hook; // after the proxy: must be destroyed first
         bool failed = false;
     };
 

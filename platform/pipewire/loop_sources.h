@@ -10,7 +10,7 @@
 
 namespace vantoro::pipewire {
 
-/// Work that a loop does soon after it was asked to, once for any number of requests.
+/// Work that a loop runs soon after a request, once for any number of requests.
 class LoopEvent {
 public:
     LoopEvent(pw_loop* loop, std::function<void()> work) : loop_(loop), work_(std::move(work)) {
@@ -31,7 +31,7 @@ private:
     spa_source* source_ = nullptr;
 };
 
-/// Work that a loop does again and again.
+/// Work that a loop runs periodically.
 class LoopTimer {
 public:
     LoopTimer(pw_loop* loop, std::function<void()> work) : loop_(loop), work_(std::move(work)) {

@@ -18,7 +18,7 @@ namespace vantoro::pipewire {
 
 namespace {
 
-/// Gains below the smallest step of a 16-bit sample: mixers that show 1 % are there already.
+/// Below one step of a 16-bit sample, as is a mixer's 1 %.
 constexpr float audibleGain = 1.0F / 32768;
 
 std::optional<bool> flag(const spa_pod* properties, std::uint32_t key) {
@@ -30,7 +30,7 @@ std::optional<bool> flag(const spa_pod* properties, std::uint32_t key) {
     return value;
 }
 
-/// Whether gains are all zero: one number, or one for each channel.
+/// Whether all gains are zero: one number, or one per channel.
 std::optional<bool> areZero(const spa_pod* properties, std::uint32_t key) {
     const spa_pod_prop* const property = spa_pod_find_prop(properties, nullptr, key);
     std::array<float, SPA_AUDIO_MAX_CHANNELS> gains{};
@@ -48,7 +48,7 @@ std::optional<bool> areZero(const spa_pod* properties, std::uint32_t key) {
                                [](float gain) { return gain < audibleGain; });
 }
 
-/// Nothing where none of the two is told.
+/// Absent if both are.
 std::optional<bool> either(std::optional<bool> one, std::optional<bool> other) {
     return one || other ? std::optional(one.value_or(false) || other.value_or(false))
                         : std::nullopt;
@@ -66,7 +66,7 @@ std::string nameOf(std::uint32_t channel) {
 
 } // namespace
 
-/// What the hardware does is told beside what is done in its place (the soft ones).
+/// Hardware and software ("soft") settings are reported side by side.
 void readMixerSetting(capture::MixerSetting& setting, const spa_pod* properties) {
     if (properties == nullptr) {
         return;

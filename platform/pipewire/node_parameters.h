@@ -11,12 +11,12 @@ struct spa_pod; // NOLINT(readability-identifier-naming): the name is the librar
 
 namespace vantoro::pipewire {
 
-/// Takes from a node's parameters of the kind SPA_PARAM_Props what a `MixerSetting` holds; what
-/// they do not name stays as it is, and parameters that are no object name nothing.
+/// Updates `setting` from a node's SPA_PARAM_Props; fields that the parameters do not name stay,
+/// and parameters that are not an object change nothing.
 void readMixerSetting(capture::MixerSetting& setting, const spa_pod* properties);
 
-/// Takes from a stream's parameters of the kind SPA_PARAM_Props which channels its application
-/// gives, by their short names ("FL"). Where they do not tell, `channels` stay as they are.
+/// Sets `channels` to the short names ("FL") of the application's own channels, from a stream's
+/// SPA_PARAM_Props. Unchanged if the parameters do not name them.
 void readChannelMap(std::vector<std::string>& channels, const spa_pod* properties);
 
 } // namespace vantoro::pipewire

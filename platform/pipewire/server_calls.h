@@ -33,18 +33,18 @@ inline void listen(pw_metadata* metadata, spa_hook* hook, const pw_metadata_even
     pw_metadata_add_listener(metadata, hook, &events, data);
 }
 
-/// The server tells the node's parameters of this kind now, and again whenever they change; where
-/// it cannot be asked, never.
+/// Requests the node's parameters of this kind now and on every change. A refused request yields
+/// none.
 inline void subscribe(pw_node* node, std::uint32_t kind) {
     static_cast<void>(pw_node_subscribe_params(node, &kind, 1));
 }
 
-/// The server answers with the number returned.
+/// The server answers with the returned number.
 inline int sync(pw_core* core) {
     return pw_core_sync(core, PW_ID_CORE, 0);
 }
 
-/// Null when the server refuses.
+/// Null if the server refuses.
 inline void* bind(pw_registry* registry, std::uint32_t id, const char* type,
                   std::uint32_t version) {
     return pw_registry_bind(registry, id, type, version, 0);

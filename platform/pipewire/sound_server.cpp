@@ -19,7 +19,7 @@ std::optional<capture::Graph> query(Connection& connection, std::chrono::seconds
     mirror.emplace(connection.core(), [] {});
     connection.run();
     const Deadline deadline = std::chrono::steady_clock::now() + limit;
-    // The first answer comes behind all objects, the second behind what they tell of themselves.
+    // The first reply follows all objects, the second their details.
     const bool answered = connection.roundTrip(deadline) && connection.roundTrip(deadline);
     const LoopLock lock(connection.threadLoop());
     auto graph = answered ? std::optional(mirror->graph()) : std::nullopt;

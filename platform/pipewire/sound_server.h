@@ -13,10 +13,10 @@
 
 namespace vantoro::pipewire {
 
-/// What the sound server has at the moment of the call. Each call asks over a connection of its
-/// own, which is given up at the limit: then, as without a server, nothing is there. Capture is
-/// allowed when the server lets us use it and make links; no desktop has a dialog for that. Task
-/// threads, several at a time, and the main thread.
+/// Queries the sound server's current state. Each call opens its own connection and gives up at the
+/// time limit; then, as without a server, nothing is found. Capture is allowed if the server lets
+/// us use it and create links; no desktop has a prompt for that. Task threads, several at a time,
+/// and the main thread.
 class SoundServer final : public AudioDevices, public CaptureAccess {
 public:
     explicit SoundServer(std::chrono::seconds limit = std::chrono::seconds(2)) : limit_(limit) {}
@@ -31,7 +31,7 @@ private:
     std::chrono::seconds limit_;
 };
 
-/// Of the sound server's library that this program runs with.
+/// Version of the sound server's client library at run time.
 std::string soundLibraryVersion();
 
 } // namespace vantoro::pipewire

@@ -59,7 +59,7 @@ protected:
         const PortLink fromPlayer{{300, 1300}, {200, 1200}};
         const PortLink another{{310, 1310}, {200, 1200}};
         std::set<PortLink> wanted{fromPlayer, another};
-        orphans.leaveAlone(wanted, graph);
+        orphans.removeOrphans(wanted, graph);
         EXPECT_TRUE(wanted.contains(another));
         return wanted.contains(fromPlayer);
     }

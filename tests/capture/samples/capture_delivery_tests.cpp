@@ -17,7 +17,7 @@ using testing::CapturedSound;
 
 class Delivery : public ::testing::Test {
 protected:
-    explicit Delivery(std::chrono::seconds ringLength = CaptureFeed::usualLength)
+    explicit Delivery(std::chrono::seconds ringLength = CaptureFeed::defaultLength)
         : tap(std::make_shared<CaptureFeed>(AudioLevelSource::systemAudio, ringLength)),
           microphone(std::make_shared<CaptureFeed>(AudioLevelSource::microphone, ringLength)) {}
 

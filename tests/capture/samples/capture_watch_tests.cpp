@@ -9,12 +9,12 @@ namespace vantoro::capture {
 namespace {
 
 using Finding = CaptureWatch::Finding;
-using Sight = CaptureWatch::Sight;
+using Observation = CaptureWatch::Observation;
 
 class CaptureWatchTest : public ::testing::Test {
 protected:
     /// After half a second more, `count` times; what was found at last.
-    Finding see(Sight sight, int count = 1) {
+    Finding see(Observation sight, int count = 1) {
         Finding found = Finding::nothing;
         for (int i = 0; i < count && found == Finding::nothing; ++i) {
             now_ += 500'000'000;
@@ -55,7 +55,7 @@ TEST_F(CaptureWatchTest, aMicrophoneThatIsPausedForThreeSecondsIsLost) {
 }
 
 TEST_F(CaptureWatchTest, aPauseThatEndsOrIsWaitedForCountsAnew) {
-    const Sight paused{.microphoneCallbacks = 7, .isMicrophonePaused = true};
+    const Observation paused{.microphoneCallbacks = 7, .isMicrophonePaused = true};
     EXPECT_EQ(see(paused, 5), Finding::nothing);
     EXPECT_EQ(see({.microphoneCallbacks = 8}), Finding::nothing);
     EXPECT_EQ(see(paused, 5), Finding::nothing);

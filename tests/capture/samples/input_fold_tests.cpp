@@ -86,7 +86,7 @@ TEST(InputFold, whatIsNoNumberIsNotHeard) {
 
 TEST(InputFold, takesAsManyInputsAsAnInterfaceCanHaveAndEmptyPieces) {
     InputFold fold;
-    EXPECT_THAT(folded(fold, std::vector<float>(InputFold::mostInputs, 0.25F)), Each(0.25F));
+    EXPECT_THAT(folded(fold, std::vector<float>(InputFold::maximumInputs, 0.25F)), Each(0.25F));
     EXPECT_TRUE(folded(fold, {0.5F, 0.5F}, 0).empty());
 }
 

@@ -364,7 +364,7 @@ TEST_F(Capture, losesNotAFrameWhileTheQueueIsBlocked) {
 }
 
 TEST_F(Capture, tellsWhatAStandstillOfTheQueueLostAndStaysInStep) {
-    service = pipewire::CaptureService({.longestStandstill = std::chrono::seconds(1)});
+    service = pipewire::CaptureService({.longestStall = std::chrono::seconds(1)});
     const auto app = session.click("app");
     ASSERT_TRUE(SoundSession::link("app:output_FL", "vantoro-microphone:input_MONO"));
     start();
