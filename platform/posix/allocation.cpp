@@ -7,10 +7,11 @@
 namespace vantoro::posix {
 
 void keepMemorySmall() noexcept {
-    // An allocator that refuses does so harmlessly: then the program takes more memory.
+    // Failure is harmless: the program then uses more memory.
     static_cast<void>(mallopt(M_ARENA_MAX, 1));
-    // Set, it no longer grows with the blocks that were freed, which would then stay in the arena.
-    constexpr int largeBlock = 128 << 10; // bytes: the value that it begins with
+    // Setting the threshold stops it from growing with freed blocks, which would then stay in the
+    // heap.
+    constexpr int largeBlock = 128 << 10; // bytes: glibc's initial value
     static_cast<void>(mallopt(M_MMAP_THRESHOLD, largeBlock));
 }
 

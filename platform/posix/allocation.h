@@ -4,9 +4,9 @@
 
 namespace vantoro::posix {
 
-/// Has memory stay small through hours of recording: small blocks of all threads lie together, and
-/// large ones go back to the system as soon as they are free. To be called before any thread
-/// starts; without glibc's allocator it changes nothing.
+/// Keeps memory use small over hours of recording: all threads share one heap for small blocks, and
+/// large blocks return to the system when freed. Call before any thread starts; no effect without
+/// glibc's allocator.
 void keepMemorySmall() noexcept;
 
 } // namespace vantoro::posix

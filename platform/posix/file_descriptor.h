@@ -8,7 +8,7 @@
 
 namespace vantoro::posix {
 
-/// Owns an open file; closes it at the end of its life, without a word.
+/// Owns a file descriptor; closes it on destruction and ignores errors.
 class FileDescriptor {
 public:
     FileDescriptor() = default;
@@ -35,7 +35,7 @@ public:
 
     bool isOpen() const noexcept { return number_ >= 0; }
 
-    /// Leaves the closing to the caller.
+    /// The caller must close it.
     int release() noexcept { return std::exchange(number_, -1); }
 
 private:

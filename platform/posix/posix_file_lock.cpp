@@ -6,8 +6,8 @@
 
 namespace vantoro::posix {
 
-std::unique_ptr<PosixFileLock> PosixFileLock::tryTo(const std::filesystem::path& path) {
-    // Not waiting for the other end, should it be a pipe.
+std::unique_ptr<PosixFileLock> PosixFileLock::tryAcquire(const std::filesystem::path& path) {
+    // Do not wait for the other end of a pipe.
     constexpr int flags = O_NONBLOCK | O_CLOEXEC;
     short kind = F_WRLCK;
     FileDescriptor file(uninterrupted([&] { return ::open(path.c_str(), O_RDWR | flags); }));

@@ -12,13 +12,13 @@ namespace vantoro::posix {
 
 class PosixFileLock final : public FileLock {
 public:
-    /// Null while somebody else has the file locked. Throws when it cannot be opened.
-    static std::unique_ptr<PosixFileLock> tryTo(const std::filesystem::path& path);
+    /// Null if the file is locked elsewhere. Throws if it cannot be opened.
+    static std::unique_ptr<PosixFileLock> tryAcquire(const std::filesystem::path& path);
 
     explicit PosixFileLock(FileDescriptor file) noexcept : file_(std::move(file)) {}
 
 private:
-    FileDescriptor file_; // which the lock ends with
+    FileDescriptor file_; // closing it releases the lock
 };
 
 } // namespace vantoro::posix

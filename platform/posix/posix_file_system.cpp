@@ -44,7 +44,7 @@ void PosixFileSystem::move(const std::filesystem::path& from, const std::filesys
 }
 
 void PosixFileSystem::syncFolder(const std::filesystem::path& folder) {
-    // A path without a folder in it means the program's own.
+    // A path without a folder is relative to the current directory.
     const auto& path = folder.empty() ? std::filesystem::path(".") : folder;
     syncNames(openFile(path, O_RDONLY | O_DIRECTORY, FileAction::open), path);
 }
@@ -94,7 +94,7 @@ std::vector<FolderEntry> PosixFileSystem::list(const std::filesystem::path& fold
 }
 
 std::unique_ptr<FileLock> PosixFileSystem::lock(const std::filesystem::path& path) {
-    return PosixFileLock::tryTo(path);
+    return PosixFileLock::tryAcquire(path);
 }
 
 } // namespace vantoro::posix

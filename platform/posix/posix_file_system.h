@@ -6,7 +6,7 @@
 
 namespace vantoro::posix {
 
-/// The machine's own file system. Has no state: every call, and every file, stands for itself.
+/// The machine's file system. Stateless: calls and files are independent.
 class PosixFileSystem final : public FileSystem {
 public:
     void createFolders(const std::filesystem::path& folder) override;
@@ -16,7 +16,7 @@ public:
     void syncFolder(const std::filesystem::path& folder) override;
     std::unique_ptr<OutputFile> create(const std::filesystem::path& path,
                                        FileAudience audience) override;
-    /// Where the file system has no locks, nothing is taken over.
+    /// Takes nothing over if the file system has no locks.
     std::unique_ptr<OutputFile> claim(const std::filesystem::path& path,
                                       FileAudience audience) override;
     std::unique_ptr<OutputFile> createUnnamed(const std::filesystem::path& folder,

@@ -9,13 +9,13 @@
 
 namespace vantoro::posix {
 
-/// Reads at offsets, without a position of its own: that is why threads may share it.
+/// Reads at given offsets without a file position, so that threads may share it.
 class PosixInputFile final : public InputFile {
 public:
-    /// Throws where there is no regular file (a pipe would never answer).
+    /// Throws if it is not a regular file (reading a pipe would block).
     explicit PosixInputFile(std::filesystem::path path);
 
-    /// As it is now: a file still being written grows.
+    /// The current size: a file still being written grows.
     std::uint64_t size() const override;
     std::size_t readAt(std::uint64_t offset, std::span<std::byte> into) const override;
 

@@ -18,21 +18,21 @@ namespace {
 
 mode_t modeFor(FileAudience audience) {
     constexpr mode_t userReadsAndWrites = 0600;
-    constexpr mode_t allReadAndWrite = 0666; // less what the user's mask takes away
+    constexpr mode_t allReadAndWrite = 0666; // minus the umask
     return audience == FileAudience::userOnly ? userReadsAndWrites : allReadAndWrite;
 }
 
-/// A file that is locked from its first moment that anybody can notice.
+/// Creates a file and locks it before any other process does.
 FileDescriptor createFile(const std::filesystem::path& path, FileAudience audience) {
-    constexpr int mostAttempts = 100;
-    // Readable too, for the content to be copied from when the path is lost.
-    for (int attempt = 0; attempt < mostAttempts; ++attempt) {
+    constexpr int maximumAttempts = 100;
+    // Readable too, so that `ensureReachable` can copy the content.
+    for (int attempt = 0; attempt < maximumAttempts; ++attempt) {
         FileDescriptor file = openFile(path, O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW,
                                        FileAction::create, modeFor(audience));
         if (tryLock(file, F_WRLCK, path) != LockAttempt::heldByOthers) {
             return file;
         }
-        // Somebody who looks for files that were left behind was quicker; let them have this one.
+        // A process looking for abandoned files locked it first; leave it this one.
         if (::unlink(path.c_str()) != 0) {
             throwFailure(FileAction::create, path, errno);
         }
@@ -40,18 +40,18 @@ FileDescriptor createFile(const std::filesystem::path& path, FileAudience audien
     throwFailure(FileAction::create, path, EBUSY);
 }
 
-/// Whether a file is of the kind that an export leaves behind: not a pipe, nor one that has
-/// another name, under which somebody may want it.
+/// Whether an export can have left the file behind: not a pipe, and without a second name that may
+/// still be wanted.
 bool mayBeTakenOver(const FileDescriptor& file, const std::filesystem::path& path) {
     const auto status = statusOf(file, path);
     return S_ISREG(status.st_mode) && status.st_nlink == 1;
 }
 
-/// A file that somebody left behind, emptied; not open where it is to be left alone.
+/// An abandoned file, emptied; not open if the file must be left alone.
 FileDescriptor takeOver(const std::filesystem::path& path) {
     FileDescriptor file(uninterrupted(
         [&] { return ::open(path.c_str(), O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC); }));
-    // Under the lock it is looked at again: it may have been finished, or removed, meanwhile.
+    // Check again under the lock: the file may have been finished or removed meanwhile.
     if (!file.isOpen() || !mayBeTakenOver(file, path) ||
         tryLock(file, F_WRLCK, path) != LockAttempt::locked || !isAt(path, file)) {
         return {};
@@ -62,7 +62,7 @@ FileDescriptor takeOver(const std::filesystem::path& path) {
     return file;
 }
 
-/// Not open where something is there.
+/// Not open if something exists there.
 FileDescriptor createIfAbsent(const std::filesystem::path& path, FileAudience audience) {
     FileDescriptor file;
     try {
@@ -75,12 +75,12 @@ FileDescriptor createIfAbsent(const std::filesystem::path& path, FileAudience au
         return {};
     }
     try {
-        // Somebody may have taken it over before it was locked.
+        // Another process may have taken it over before it was locked.
         if (tryLock(file, F_WRLCK, path) == LockAttempt::heldByOthers || !isAt(path, file)) {
             return {};
         }
     } catch (...) {
-        ::unlink(path.c_str()); // who has taken it over keeps what he makes it of
+        ::unlink(path.c_str()); // a file taken over and renamed is unaffected
         throw;
     }
     return file;
@@ -124,14 +124,14 @@ std::unique_ptr<PosixOutputFile> PosixOutputFile::createUnnamed(const std::files
     try {
         file = openFile(folder, O_RDWR | O_TMPFILE, FileAction::createIn, modeFor(audience));
     } catch (const std::system_error& error) {
-        // The last two are the words of kernels and file systems that do not know them.
+        // The last two come from kernels and file systems without support.
         const int reason = error.code().value();
         if (reason == EOPNOTSUPP || reason == EISDIR || reason == EINVAL) {
             return nullptr;
         }
         throw;
     }
-    tryLock(file, F_WRLCK, folder); // nobody else can have it open
+    tryLock(file, F_WRLCK, folder); // no other process can have it open
     auto unnamed = std::unique_ptr<PosixOutputFile>(
         new PosixOutputFile(folder, audience, FileDescriptor(), std::move(file)));
     unnamed->hasName_ = false;
@@ -166,7 +166,7 @@ void PosixOutputFile::ensureReachable() {
         copyContentTo(replacement);
         replacement.sync();
     } catch (...) {
-        // Half a copy is of no use to anybody; the whole is still open here.
+        // A partial copy is useless; the original is still open here.
         ::unlink(path_.c_str());
         throw;
     }
@@ -194,7 +194,7 @@ void PosixOutputFile::discard() noexcept {
         if (hasName_ && isAt(path_, lock_)) {
             ::unlink(path_.c_str());
         }
-    } catch (const std::exception&) { // NOLINT(bugprone-empty-catch): it stays, as if we had died
+    } catch (const std::exception&) { // NOLINT(bugprone-empty-catch): it stays, as after a crash
     }
 }
 

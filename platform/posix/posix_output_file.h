@@ -12,22 +12,22 @@ namespace vantoro::posix {
 
 class PosixOutputFile final : public OutputFile {
 public:
-    /// Creates the file; throws when anything exists there, be it a link that leads nowhere.
+    /// Creates the file; throws if anything exists there, even a dangling link.
     PosixOutputFile(const std::filesystem::path& path, FileAudience audience);
 
-    /// Creates the file, or takes over one that was left behind; null where neither can be had.
+    /// Creates the file, or takes over an abandoned one; null if neither is possible.
     static std::unique_ptr<PosixOutputFile> claim(const std::filesystem::path& path,
                                                   FileAudience audience);
 
-    /// A file without a name; null where the folder's file system has none.
+    /// Creates a file without a name; null if the folder's file system does not support it.
     static std::unique_ptr<PosixOutputFile> createUnnamed(const std::filesystem::path& folder,
                                                           FileAudience audience);
 
     void writeAt(std::uint64_t offset, std::span<const std::byte> bytes) override;
     void truncate(std::uint64_t size) override;
-    /// The first time the file's name is put on the disk too: without it nobody finds the content.
+    /// The first call also syncs the file's name, without which the content is lost.
     void sync() override;
-    /// Leaves what may now lie at the path alone, and throws, when it is not our file.
+    /// If another file is at the path, leaves it alone and throws.
     void ensureReachable() override;
     void close() override;
     void takeName(const std::filesystem::path& path) override;
@@ -38,12 +38,12 @@ private:
                     FileDescriptor file);
     void copyContentTo(PosixOutputFile& target) const;
 
-    std::filesystem::path path_; // absolute: the program's folder may change
+    std::filesystem::path path_; // absolute: the current directory may change
     bool hasName_ = true;
     FileAudience audience_;
-    FileDescriptor folder_; // open until the name is on the disk, wherever it is moved to
+    FileDescriptor folder_; // open until the name is synced, even if moved
     FileDescriptor file_;
-    FileDescriptor lock_; // shares the file's lock, and keeps it when the file is closed
+    FileDescriptor lock_; // keeps the file's lock after `close`
 };
 
 } // namespace vantoro::posix

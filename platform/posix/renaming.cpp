@@ -14,8 +14,8 @@ namespace vantoro::posix {
 
 namespace {
 
-/// Whether it was refused for want of such a thing, which file systems say in several ways.
-bool isUnknownToTheFileSystem(int errorNumber) {
+/// Whether the operation is unsupported, which file systems report in several ways.
+bool isUnsupported(int errorNumber) {
     return errorNumber == EINVAL || errorNumber == ENOSYS || errorNumber == EOPNOTSUPP ||
            errorNumber == EPERM || errorNumber == EMLINK;
 }
@@ -26,7 +26,7 @@ bool renameInOneStep(const std::filesystem::path& from, const std::filesystem::p
     if (::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) {
         return true;
     }
-    if (!isUnknownToTheFileSystem(errno)) {
+    if (!isUnsupported(errno)) {
         throwFailure(FileAction::create, to, errno);
     }
     return false;
@@ -34,14 +34,14 @@ bool renameInOneStep(const std::filesystem::path& from, const std::filesystem::p
 
 bool renameByLink(const std::filesystem::path& from, const std::filesystem::path& to) {
     if (::link(from.c_str(), to.c_str()) != 0) {
-        if (!isUnknownToTheFileSystem(errno)) {
+        if (!isUnsupported(errno)) {
             throwFailure(FileAction::create, to, errno);
         }
         return false;
     }
     if (::unlink(from.c_str()) != 0) {
         const int reason = errno;
-        ::unlink(to.c_str()); // which is ours
+        ::unlink(to.c_str()); // our own link
         throwFailure(FileAction::remove, from, reason);
     }
     return true;

@@ -6,17 +6,18 @@
 
 namespace vantoro::posix {
 
-/// Never replaces anything: throws EEXIST when something is at `to`, in one step where the file
-/// system has one. Where it has neither that nor second names for a file, an empty file keeps the
-/// place for a moment, and would stay there if the power failed in it.
+/// Never replaces anything: throws EEXIST if something is at `to`. Atomic if the file system
+/// supports it. If it supports neither that nor hard links, an empty file reserves the name for a
+/// moment, and stays if the power fails then.
 void renameWithoutReplacing(const std::filesystem::path& from, const std::filesystem::path& to);
 
-// The ways, best first. Each throws as above, and is false where the file system does not know it.
+// The methods, best first. Each throws as above, and returns false if the file system does not
+// support it.
 
 bool renameInOneStep(const std::filesystem::path& from, const std::filesystem::path& to);
-/// By a second name, of which the first is removed then.
+/// Links the new name, then removes the old one.
 bool renameByLink(const std::filesystem::path& from, const std::filesystem::path& to);
-/// Over an empty file that nobody else can have made.
+/// Renames over an empty file that only we can have created.
 bool renameOverOwnFile(const std::filesystem::path& from, const std::filesystem::path& to);
 
 } // namespace vantoro::posix

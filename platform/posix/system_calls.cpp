@@ -97,7 +97,7 @@ void writeFully(const FileDescriptor& file, std::uint64_t offset, std::span<cons
             return ::pwrite(file.get(), rest.data(), rest.size(),
                             static_cast<off_t>(offset + done));
         });
-        if (count <= 0) { // nothing written and no reason given: it would never end
+        if (count <= 0) { // no progress and no error: would loop forever
             throwFailure(FileAction::write, path, count == 0 ? EIO : errno);
         }
         done += static_cast<std::size_t>(count);
@@ -118,7 +118,7 @@ void syncNames(const FileDescriptor& folder, const std::filesystem::path& path) 
 }
 
 void closeChecked(FileDescriptor file, const std::filesystem::path& path) {
-    // An interrupted close has closed all the same; once more might close somebody else's file.
+    // An interrupted close has still closed the file; a retry might close another one.
     if (::close(file.release()) != 0 && errno != EINTR) {
         throwFailure(FileAction::write, path, errno);
     }

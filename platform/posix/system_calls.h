@@ -19,11 +19,11 @@ namespace vantoro::posix {
 
 // What throws, throws `FileFailure`.
 
-/// A function, so that `errno` is read before anything that may change it.
+/// Takes `errno` as an argument, so that nothing can change it in between.
 [[noreturn]] void throwFailure(FileAction action, const std::filesystem::path& path,
                                int errorNumber);
 
-/// Repeats a system call for as long as a signal interrupts it.
+/// Repeats a system call while signals interrupt it.
 template <class Call>
 auto uninterrupted(Call call) {
     auto result = call();
@@ -33,11 +33,11 @@ auto uninterrupted(Call call) {
     return result;
 }
 
-/// Not inherited by programs that we start. Throws.
+/// Opens a file that child processes do not inherit. Throws.
 FileDescriptor openFile(const std::filesystem::path& path, int flags, FileAction action,
                         mode_t mode = 0);
 
-/// The same open file under a second number. Throws.
+/// Duplicates the descriptor. Throws.
 FileDescriptor duplicate(const FileDescriptor& file, const std::filesystem::path& path);
 
 struct stat statusOf(const FileDescriptor& file, const std::filesystem::path& path);
@@ -45,31 +45,31 @@ struct stat statusOf(const FileDescriptor& file, const std::filesystem::path& pa
 enum class LockAttempt : std::uint8_t {
     locked,
     heldByOthers,
-    unknown ///< the file system has no locks: nobody can be told apart
+    unknown ///< the file system has no locks
 };
 
-/// Locks the file for whoever has it open now, until the last copy of the descriptor is closed.
-/// `kind`: F_WRLCK, or F_RDLCK for a file that is open for reading only.
+/// Locks the open file until the last copy of the descriptor is closed. `kind`: F_WRLCK, or F_RDLCK
+/// for a file open only for reading.
 LockAttempt tryLock(const FileDescriptor& file, short kind, const std::filesystem::path& path);
 
-/// Whether the path leads to this very file, and not by a link. Throws when that cannot be told.
+/// Whether the path names this file, not through a link. Throws if that cannot be checked.
 bool isAt(const std::filesystem::path& path, const FileDescriptor& file);
 
-/// As many bytes as there are, up to `into.size()`; fewer only at the file's end. Throws.
+/// Reads up to `into.size()` bytes; fewer only at the end of the file. Throws.
 std::size_t readFully(const FileDescriptor& file, std::uint64_t offset, std::span<std::byte> into,
                       const std::filesystem::path& path);
 
-/// Throws with any part of the bytes written.
+/// Writes all bytes; on failure, part of them may be written. Throws.
 void writeFully(const FileDescriptor& file, std::uint64_t offset, std::span<const std::byte> bytes,
                 const std::filesystem::path& path);
 
-/// The content, and its length. Throws.
+/// Syncs the content and length. Throws.
 void syncContent(const FileDescriptor& file, const std::filesystem::path& path);
 
-/// The names in a folder, where its file system has a way to do that. Throws.
+/// Syncs the entries of a folder, if its file system supports that. Throws.
 void syncNames(const FileDescriptor& folder, const std::filesystem::path& path);
 
-/// Throws what the system had to say at last: some report a failed write only here.
+/// Closes and throws on failure: some systems report a failed write only now.
 void closeChecked(FileDescriptor file, const std::filesystem::path& path);
 
 } // namespace vantoro::posix

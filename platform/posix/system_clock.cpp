@@ -16,7 +16,7 @@ double SystemClock::systemUptime() const {
 }
 
 std::tm SystemClock::localTime() const {
-    ::tzset(); // localtime_r alone need not notice a new zone
+    ::tzset(); // localtime_r alone may miss a zone change
     const std::time_t now = std::time(nullptr);
     std::tm local{};
     if (::localtime_r(&now, &local) == nullptr) {

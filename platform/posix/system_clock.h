@@ -8,9 +8,9 @@ namespace vantoro::posix {
 
 class SystemClock final : public Clock {
 public:
-    /// Time asleep is not counted.
+    /// Does not count suspended time.
     double systemUptime() const override;
-    /// Follows a change of the time zone while the program runs.
+    /// Follows time zone changes while the program runs.
     std::tm localTime() const override;
 };
 
