@@ -5,7 +5,7 @@
 namespace vantoro {
 
 AudioLevelStore& AudioLevelStore::shared() {
-    // Never destroyed: those who follow it may live as long as the process.
+    // Never destroyed: its users may live as long as the process.
     static auto* const store = new AudioLevelStore;
     return *store;
 }

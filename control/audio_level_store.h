@@ -11,13 +11,13 @@
 
 namespace vantoro {
 
-/// The levels of the two sources, 0 to 1, and their conditions, for those who show them without
-/// knowing the view model, which alone writes them. Main thread.
+/// The levels, 0 to 1, and conditions of the two sources. Only the view model writes them; displays
+/// read them here and need not know the view model. Main thread.
 class AudioLevelStore final : public QObject {
     Q_OBJECT
 
 public:
-    /// The one of the program; made on first use, and there until the process ends.
+    /// The program's store; created on first use, never destroyed.
     static AudioLevelStore& shared();
 
     double systemAudioLevel() const { return systemAudioLevel_; }
@@ -28,7 +28,7 @@ public:
         return conditions_.at(static_cast<std::size_t>(source));
     }
 
-    /// What is not greater than 0 is written as 0.
+    /// Stores 0 for a level that is not above 0, NaN included.
     void setLevel(AudioLevelSource source, double level);
     void setCondition(AudioLevelSource source, SourceCondition condition);
 
@@ -36,7 +36,7 @@ Q_SIGNALS:
     /// After each write, even of an equal level.
     void levelChanged(vantoro::AudioLevelSource source);
 
-    /// After a condition has become another.
+    /// After the condition changes.
     void conditionChanged(vantoro::AudioLevelSource source);
 
 private:
@@ -45,7 +45,7 @@ private:
     std::array<SourceCondition, 2> conditions_{}; // by source
 };
 
-/// What is shown of a measured level: at least 0, at most 1.
+/// The level to display for a measured one, clamped to 0...1.
 double shownLevel(float measured);
 
 } // namespace vantoro

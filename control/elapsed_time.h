@@ -7,10 +7,10 @@
 
 namespace vantoro {
 
-/// Minutes and seconds, "59:59"; from an hour on with hours, of any number of digits: "100:00:00".
+/// "mm:ss", or "hh:mm:ss" from one hour on; the hours may have more than two digits: "100:00:00".
 std::string formattedElapsedTime(std::int64_t seconds);
 
-/// Ends the program rather than count past the last number.
+/// Aborts the program on overflow.
 std::int64_t oneSecondLater(std::int64_t seconds);
 
 } // namespace vantoro

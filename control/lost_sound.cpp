@@ -17,7 +17,7 @@ void LostSound::add(const SoundLoss& loss) {
 std::string LostSound::text(const L10n& texts) const {
     std::string notTakenInTime;
     if (!notTakenInTime_.empty()) {
-        // Sources lose the same stretch of time, each its sound.
+        // Both sources lose the same stretch of time, so count it once.
         const auto longest = std::ranges::max_element(notTakenInTime_, {},
                                                       [](const auto& lost) { return lost.second; });
         notTakenInTime = texts.soundNotTakenInTime(longest->second);

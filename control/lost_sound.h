@@ -11,14 +11,14 @@
 
 namespace vantoro {
 
-/// What one recording has lost so far.
+/// The sound that one recording has lost so far.
 class LostSound {
 public:
     void add(const SoundLoss& loss);
 
     bool isAny() const noexcept { return !notTakenInTime_.empty() || notWritten_.has_value(); }
 
-    /// What to tell the user, a sentence for each cause; empty where nothing was lost.
+    /// A message for the user, one sentence per cause; empty if nothing was lost.
     std::string text(const L10n& texts) const;
 
 private:

@@ -10,8 +10,8 @@
 
 namespace vantoro {
 
-/// The microphone to select among these: the selected one while it is there, else the system's
-/// default one, be it listed or not, else the first one, else none.
+/// Picks a microphone: the selected one if it is listed, else the system default (listed or not),
+/// else the first listed, else none.
 std::optional<std::string> chooseMicrophone(const std::optional<std::string>& selected,
                                             const std::vector<AudioInputDevice>& microphones,
                                             const std::optional<std::string>& systemDefault);

@@ -4,8 +4,8 @@
 
 namespace vantoro {
 
-/// What the recorder tells of by itself comes to the main thread, where there may be no view model
-/// any more.
+/// Moves the recorder's callbacks to the main thread, and drops those that arrive after the view
+/// model is gone.
 void RecordingViewModel::installCallbacks() {
     using Model = RecordingViewModel;
     const auto toMainThread = [&scheduler = platform_.scheduler,

@@ -8,8 +8,8 @@
 
 namespace vantoro {
 
-/// The folder to record into, given what the preferences hold. Only an absolute path means the same
-/// wherever the program is started from: anything else in the preferences counts as nothing.
+/// The folder to record into: the preferred one if it is an absolute path, else the default. A
+/// relative path depends on where the program is started from, so it is ignored.
 std::filesystem::path recordingFolder(const std::optional<std::string>& preferred,
                                       const std::filesystem::path& byDefault);
 

@@ -19,7 +19,8 @@
 
 namespace vantoro {
 
-/// What the interface shows of recording, and what it sets for the next one. Main thread.
+/// The properties of recording that the interface shows, and the settings of the next recording.
+/// Main thread.
 class RecordingProperties : public QObject {
     Q_OBJECT
 
@@ -58,11 +59,11 @@ public:
         SourceCondition systemAudioCondition = SourceCondition::delivering;
         SourceCondition microphoneCondition = SourceCondition::delivering;
         std::int64_t elapsedSeconds = 0;
-        double savingProgress = 0; ///< 0 to 1, of a stop or a salvage
+        double savingProgress = 0; ///< 0 to 1, of saving or a salvage
         std::filesystem::path outputDirectory;
         std::optional<std::filesystem::path> lastRecordingURL;
-        /// The one message line: failures, what was saved without the user's doing, and that the
-        /// disk gets full.
+        /// The one message to the user: an error, a recording saved automatically, or low disk
+        /// space.
         std::optional<std::string> errorMessage;
         bool hasScreenPermission = false;
         AuthorizationStatus microphonePermission = AuthorizationStatus::notDetermined;
@@ -76,12 +77,12 @@ public:
     void setSystemVolume(double gain);
     void setMicrophoneVolume(double gain);
 
-    /// The user has read it.
+    /// Call when the user has read the message.
     void dismissMessage() { setErrorMessage(std::nullopt); }
 
-    /// Whether the recorder is busy, and not with recording.
+    /// Whether the recorder is busy with anything but recording.
     bool isProcessing() const;
-    /// Whether a recording can be started: none is under way, and a source is on.
+    /// Whether a recording can start: none is under way, and a source is on.
     bool canStart() const;
     std::string formattedElapsedTime() const;
 
@@ -89,11 +90,11 @@ Q_SIGNALS:
     /// After each write, even of an equal value.
     void propertyChanged(vantoro::RecordingProperties::Property property);
 
-    /// The same of the state alone, for those who act upon it: levels come many times a second.
+    /// After each write of the state. Spares listeners the level updates, many per second.
     void stateChanged();
 
 protected:
-    /// What is set of the sources' meters, `levels`, which outlives this, is told as well.
+    /// Also publishes levels and conditions to `levels`, which must outlive this.
     RecordingProperties(std::filesystem::path outputDirectory, AudioLevelStore& levels);
 
     template <class Value>
@@ -109,11 +110,11 @@ protected:
     void setErrorMessage(std::optional<std::string> message);
     void setLastRecordingURL(std::optional<std::filesystem::path> location);
     void setElapsedSeconds(std::int64_t seconds);
-    /// Told only where it is another one.
+    /// Notifies only on a change.
     void setSavingProgress(double progress);
     void setLevel(AudioLevelSource source, double level);
     void resetLevels();
-    /// Told only where it is another one.
+    /// Notifies only on a change.
     void setCondition(AudioLevelSource source, SourceCondition condition);
     void resetConditions();
 

@@ -8,22 +8,22 @@
 
 namespace vantoro {
 
-/// How far the recording is that the window shows.
+/// The stage that the current recording has reached.
 class RecordingState {
 public:
     enum class Case : std::uint8_t {
-        idle,       ///< nothing was recorded in this run
-        preparing,  ///< a start was requested; the recorder is setting up
+        idle,       ///< nothing recorded in this run
+        preparing,  ///< starting: the recorder is setting up
         recording,  ///< capture is running
-        processing, ///< a stop was requested; the recorder is finishing, mixing and exporting
-        completed,  ///< the last recording, or a salvaged one, was saved
+        processing, ///< stopping: the recorder is finishing, mixing and exporting
+        completed,  ///< a recording was saved, or salvaged
         failed,     ///< the last start or stop failed
     };
 
-    /// Any case but `failed`, which has a text: see the factory below.
+    /// Any case but `failed`; for that one use the factory below.
     explicit RecordingState(Case which = Case::idle) : which_(which) {}
 
-    /// `description`: of the error, without anything appended.
+    /// `description`: the error's text, with nothing appended.
     static RecordingState failed(std::string description) {
         RecordingState state(Case::failed);
         state.description_ = std::move(description);
@@ -32,7 +32,7 @@ public:
 
     Case which() const noexcept { return which_; }
 
-    /// Of the error; empty for every case but `failed`.
+    /// The error's text; empty for every case but `failed`.
     const std::string& description() const noexcept { return description_; }
 
     friend bool operator==(const RecordingState&, const RecordingState&) = default;

@@ -90,7 +90,7 @@ void RecordingViewModel::expectVolumes() {
 void RecordingViewModel::started() {
     setElapsedSeconds(0);
     setState(RecordingState::Case::recording);
-    refreshDevicesAndPermissions(); // the start may just have been granted a permission
+    refreshDevicesAndPermissions(); // starting may have granted a permission
     if (const auto reason = std::exchange(pendingStopReason_, std::nullopt)) {
         stopRecording(*reason);
     } else {
@@ -111,7 +111,7 @@ void RecordingViewModel::stopRecording(StopReason reason) {
     }
     timer_.reset();
     if (values().errorMessage) {
-        setErrorMessage(std::nullopt); // what was said of the room on the disk
+        setErrorMessage(std::nullopt); // clears the warning about disk space
     }
     setSavingProgress(0);
     setState(RecordingState::Case::processing);
@@ -161,10 +161,10 @@ void RecordingViewModel::fail(const std::exception_ptr& error, bool preserveChec
     setErrorMessage(
         L10n::sentences({description + (preserveCheckpoint ? texts_.checkpointKept() : ""),
                          lost_.text(texts_), interruptionText()}));
-    refreshDevicesAndPermissions(); // a permission that was refused is shown as such
+    refreshDevicesAndPermissions(); // shows a permission that was refused
 }
 
-/// Empty where nothing has broken it.
+/// Empty if nothing broke it.
 std::string RecordingViewModel::interruptionText() const {
     return interruption_ ? errorDescription(interruption_, texts_.language()) : std::string();
 }
@@ -203,7 +203,7 @@ void RecordingViewModel::handleInterruption(const std::exception_ptr& cause) {
     handleStop(StopReason::captureInterruption);
 }
 
-/// It may come before the recorder has said that it runs, and after a stop was asked for.
+/// May arrive before the recorder reports that it runs, and after a stop was requested.
 void RecordingViewModel::handleDiskRoom(DiskRoom room) {
     if (room.advice == RoomAdvice::end) {
         handleStop(StopReason::diskNearlyFull);
@@ -212,7 +212,7 @@ void RecordingViewModel::handleDiskRoom(DiskRoom room) {
     }
 }
 
-/// What was not written is told with the result, which it comes just before.
+/// Losses while writing are reported just before the result, so its message includes them.
 void RecordingViewModel::handleSoundLoss(const SoundLoss& loss) {
     lost_.add(loss);
     if (isUnderWay(values().state.which())) {
@@ -228,7 +228,7 @@ void RecordingViewModel::recoverIncompleteRecordings() {
 
 void RecordingViewModel::recovered(const SalvageResult& result) {
     if (!result.recordings.empty() && !isBusy(values().state.which())) {
-        // Behind a failed stop, what was recovered is what that one could write.
+        // After a failed stop, the salvaged recording is the one that failed.
         const bool isOfTheFailed = values().state.which() == RecordingState::Case::failed;
         setLastRecordingURL(result.recordings.back());
         setState(RecordingState::Case::completed);
@@ -301,7 +301,7 @@ void RecordingViewModel::updateAudioLevel(AudioLevelSource source, float level) 
     }
 }
 
-/// It may come before the recorder has said that it runs: a microphone may be off from the start.
+/// May arrive before the recorder reports that it runs: a microphone may be off from the start.
 void RecordingViewModel::updateCondition(AudioLevelSource source, SourceCondition condition) {
     if (isUnderWay(values().state.which())) {
         setCondition(source, condition);

@@ -27,8 +27,8 @@
 
 namespace vantoro {
 
-/// What the view model needs of the desktop. All of it outlives the view model, and the scheduler's
-/// work ends before the rest does.
+/// The view model's dependencies. All must outlive the view model; the scheduler must finish its
+/// work before the others are destroyed.
 struct ControlPlatform {
     Scheduler& scheduler;
     PowerManagement& power;
@@ -39,13 +39,13 @@ struct ControlPlatform {
     Preferences& preferences;
     AudioLevelStore& levels;
     std::filesystem::path defaultRecordingFolder;
-    /// A stop or a salvage has got on: for those who judge whether it hangs. On its thread. May be
-    /// empty.
+    /// Called when a stop or a salvage makes progress, on its thread, so that a watchdog can tell
+    /// that it does not hang. May be empty.
     std::function<void()> recorderProgressed = {};
 };
 
-/// The one object that the interface follows and gives its commands to: it starts and stops the
-/// recorder, and makes of every failure a state and a message. Main thread; nothing here throws.
+/// Starts and stops the recorder, and turns every failure into a state and a message. The interface
+/// shows its properties and calls its commands. Main thread; never throws.
 class RecordingViewModel final : public RecordingProperties {
     Q_OBJECT
 
@@ -57,23 +57,23 @@ public:
     /// Cancels a salvage. What a running recording has captured stays in the recording folder.
     ~RecordingViewModel() override;
 
-    /// Whether the recording that is made, or was last, lacks sound that was captured.
+    /// Whether the current or last recording lacks sound that was captured.
     bool hasLostSound() const noexcept { return lost_.isAny(); }
 
-    /// How things stand, in the user's language.
+    /// The status line, in the user's language.
     std::string statusText() const;
 
     /// Does nothing unless `canStart`.
     void startRecording();
-    /// Stops a running recording, and one that is being prepared as soon as it has begun.
+    /// Stops a running recording; one that is starting stops as soon as it runs.
     void stopRecording();
-    /// Stops a running recording, else as `startRecording`.
+    /// Stops a running recording; otherwise does what `startRecording` does.
     void toggleRecording();
-    /// Soon after, the properties say what there is now. Never asks the user for anything.
+    /// Updates the properties soon after. Never prompts the user.
     void refreshDevicesAndPermissions();
 
-    /// Lets the user choose where the next recordings go; remembered, and what lies interrupted in
-    /// that folder is finished.
+    /// Asks the user for the folder of the next recordings, stores it, and salvages interrupted
+    /// recordings there.
     void chooseOutputDirectory();
     void revealOutputDirectory();
     /// These two do nothing before there is a recording.
@@ -83,7 +83,7 @@ public:
     void openScreenCaptureSettings();
 
 Q_SIGNALS:
-    /// A salvage has ended that was not cancelled, whatever it found.
+    /// After each salvage that was not cancelled, whatever it found.
     void salvageEnded();
 
 private:
@@ -116,14 +116,14 @@ private:
 
     ControlPlatform platform_;
     L10n texts_;
-    std::shared_ptr<Recorder> recorder_; // shared with the tasks, which may outlive this
+    std::shared_ptr<Recorder> recorder_; // shared with tasks, which may outlive this
     SalvageTask salvage_;
     SurveyTask survey_;
     std::unique_ptr<RepeatingTimer> timer_;       // while recording
-    std::optional<StopReason> pendingStopReason_; // arrived while preparing
-    LostSound lost_;                              // of the recording that is made, or was last
-    std::exception_ptr interruption_;             // what broke the recording; or null
-    std::unique_ptr<SleepHold> sleepHold_;        // until what was recorded is on the disk
+    std::optional<StopReason> pendingStopReason_; // arrived while starting
+    LostSound lost_;                              // of the current or last recording
+    std::exception_ptr interruption_;             // why it broke, or null
+    std::unique_ptr<SleepHold> sleepHold_;        // held until the recording is on the disk
     std::unique_ptr<PowerObservation> powerObservation_;
 };
 

@@ -10,36 +10,36 @@
 
 namespace vantoro {
 
-// What follows from what, by the state alone.
+// The rules of the recording state machine.
 
-/// Whether a recording is being prepared, made or saved: then nothing else may begin, and what a
-/// salvage found is not shown.
+/// Whether a recording is starting, running or being saved. Nothing else may start then, and
+/// salvage results are not shown.
 bool isBusy(RecordingState::Case state);
 
-/// Whether a recording is being prepared or made.
+/// Whether a recording is starting or running.
 bool isUnderWay(RecordingState::Case state);
 
-/// Whether the recorder is at work, and nothing is being recorded.
+/// Whether the recorder is busy with anything but recording.
 bool isProcessing(RecordingState::Case state);
 
 bool canStart(RecordingState::Case state, bool captureSystemAudio, bool captureMicrophone);
 
-/// What becomes of a stop that the system asks for.
+/// What to do when the system requests a stop.
 enum class StopAnswer : std::uint8_t {
     ignore,
-    keepPending, ///< carried out as soon as the recording has begun
+    keepPending, ///< stop as soon as the recording runs
     stop,
 };
 StopAnswer answerToStop(RecordingState::Case state);
 
-/// The reason to stop for, when another one arrives before the recording has begun: sleep replaces
-/// any, all others only the user's wish, which needs no message.
+/// The reason to keep when another stop arrives before the recording runs: sleep replaces any
+/// reason; others replace only the user's, which needs no message.
 StopReason pendingStop(std::optional<StopReason> pending, StopReason arrived);
 
-/// The text that says how things stand.
+/// The key of the status line.
 L10n::Key statusKey(RecordingState::Case state);
 
-/// The text that says why a saved recording ended; none when the user wished it.
+/// The key of the message that says why a saved recording ended; none if the user stopped it.
 std::optional<L10n::Key> savedMessageKey(StopReason reason);
 
 } // namespace vantoro

@@ -10,19 +10,19 @@
 
 namespace vantoro {
 
-/// What there is to record with, at one moment.
+/// The devices to record with, at one moment.
 struct FoundDevices {
-    bool mayCapture = false;                   ///< whether sound may be captured at all
-    std::vector<AudioInputDevice> microphones; ///< in the order in which the system lists them
-    /// The identifier of the system's default one, where it has any; it need not be in the list.
+    bool mayCapture = false;                   ///< whether the program may capture sound at all
+    std::vector<AudioInputDevice> microphones; ///< in the system's order
+    /// The identifier of the system default, if there is one; it may be missing from the list.
     std::optional<std::string> defaultMicrophone;
 };
 
-/// Task threads; bounded in time. Never asks the user.
+/// Finds audio devices. Task threads; returns within a time limit. Never prompts the user.
 class AudioDevices {
 public:
     virtual ~AudioDevices() = default;
-    /// As it is at the moment of the call; nothing where that cannot be learnt.
+    /// The devices at the moment of the call; empty if they cannot be determined.
     virtual FoundDevices find() = 0;
 };
 

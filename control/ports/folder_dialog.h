@@ -9,21 +9,20 @@
 
 namespace vantoro {
 
-/// What a folder dialog says and where it begins.
+/// The texts of a folder dialog and the folder it opens in.
 struct FolderQuestion {
     std::string title;
-    std::string prompt; ///< on the button that confirms
+    std::string prompt; ///< the label of the confirm button
     std::filesystem::path directory;
 };
 
-/// Lets the user pick one folder, or make one. Main thread.
+/// Lets the user pick or create a folder. Main thread.
 class FolderDialog {
 public:
     virtual ~FolderDialog() = default;
 
-    /// Modal: the user does nothing else with the program until it is answered. `answer` is called
-    /// once on the main thread, after the call has returned, with nothing when the user thought
-    /// better of it; not at all when the panel is destroyed before.
+    /// Application-modal. Calls `answer` once on the main thread, after this call has returned,
+    /// with nothing if the user cancels; never if the dialog is destroyed first.
     virtual void choose(const FolderQuestion& question,
                         std::function<void(std::optional<std::filesystem::path>)> answer) = 0;
 };

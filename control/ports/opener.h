@@ -7,8 +7,8 @@
 
 namespace vantoro {
 
-/// The desktop around the program. Called on the main thread, which is never kept waiting: what is
-/// asked for happens soon after, or the nearest thing to it that this desktop can do.
+/// Opens files and pages with other programs. Main thread; never blocks. The request is carried out
+/// soon after the call, or replaced by the closest thing that this desktop offers.
 class Opener {
 public:
     virtual ~Opener() = default;
@@ -16,17 +16,16 @@ public:
     /// Opens a file with its default application.
     virtual void open(const std::filesystem::path& file) = 0;
 
-    /// Shows a folder in the file manager, and makes it first where it is missing.
+    /// Opens a folder in the file manager, and creates it first if it is missing.
     virtual void openFolder(const std::filesystem::path& folder) = 0;
 
-    /// Shows the file manager with exactly this file selected.
+    /// Opens the file manager with exactly this file selected.
     virtual void reveal(const std::filesystem::path& file) = 0;
 
-    /// Opens a page of the web.
+    /// Opens a web page.
     virtual void openPage(const std::string& address) = 0;
 
-    /// Shows where the user decides about a permission: "Privacy_Microphone" or
-    /// "Privacy_ScreenCapture".
+    /// Opens the settings page of a permission: "Privacy_Microphone" or "Privacy_ScreenCapture".
     virtual void openPrivacySettings(const std::string& anchor) = 0;
 };
 

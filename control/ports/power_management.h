@@ -8,31 +8,31 @@
 
 namespace vantoro {
 
-/// While it lives the machine does not suspend for want of a user, and puts off any other sleep,
-/// and its shutdown, for as long as the system allows. Main thread.
+/// While it exists, the machine does not suspend when idle, and delays any other sleep, and
+/// shutdown, for as long as the system allows. Main thread.
 class SleepHold {
 public:
     virtual ~SleepHold() = default;
 };
 
-/// Ends with it: its functions are not called afterwards. Main thread.
+/// Unsubscribes on destruction; no callback runs afterwards. Main thread.
 class PowerObservation {
 public:
     virtual ~PowerObservation() = default;
 };
 
-/// The machine going to sleep and waking. Called on the main thread, which is never kept waiting.
+/// Reports sleep and wake, and holds off sleep. Main thread; never blocks.
 class PowerManagement {
 public:
     virtual ~PowerManagement() = default;
 
-    /// Both are called on the main thread; `willSleep` also before a shutdown, which no `didWake`
-    /// follows even where it is called off.
+    /// Calls both on the main thread. `willSleep` also runs before a shutdown; no `didWake` follows
+    /// that, even if the shutdown is cancelled.
     virtual std::unique_ptr<PowerObservation> observe(std::function<void()> willSleep,
                                                       std::function<void()> didWake) = 0;
 
-    /// `reason` is what the user reads where the system lists who holds off its sleep. Takes effect
-    /// soon after the call; without effect where the system knows no such thing.
+    /// `reason` is shown to the user where the system lists sleep inhibitors. Takes effect soon
+    /// after the call; has no effect if the system does not support it.
     virtual std::unique_ptr<SleepHold> holdOffSleep(const std::string& reason) = 0;
 };
 

@@ -8,25 +8,25 @@
 
 namespace vantoro {
 
-/// A timer that fires until it is destroyed, and not once after that. Main thread.
+/// A timer that fires until it is destroyed, and never afterwards. Main thread.
 class RepeatingTimer {
 public:
     virtual ~RepeatingTimer() = default;
 };
 
-/// Where and when work runs. What it is given must not throw.
+/// Where and when work runs. Work must not throw.
 class Scheduler {
 public:
     virtual ~Scheduler() = default;
 
-    /// Soon, never within the call, in the order of the calls. Any thread.
+    /// Runs soon, in the order of the calls, never within the call. Any thread.
     virtual void runOnMainThread(std::function<void()> work) = 0;
 
-    /// Beside all other work: work that may block for long, and does not wait for such work that
-    /// was given earlier. Any thread.
+    /// Runs concurrently with all other work, and may block for long; never waits for earlier work.
+    /// Any thread.
     virtual void runOnTaskThread(std::function<void()> work) = 0;
 
-    /// Fires on the main thread, for the first time after one interval. Main thread.
+    /// Fires on the main thread, first after one interval. Main thread.
     virtual std::unique_ptr<RepeatingTimer> startTimer(std::chrono::milliseconds interval,
                                                        std::function<void()> fire) = 0;
 };

@@ -15,7 +15,7 @@ namespace {
 class QtTimer final : public RepeatingTimer {
 public:
     QtTimer(std::chrono::milliseconds interval, std::function<void()> fire) {
-        timer_.setTimerType(Qt::PreciseTimer); // a coarse one may be late by a twentieth
+        timer_.setTimerType(Qt::PreciseTimer); // coarse timers may be 5 % late
         QObject::connect(&timer_, &QTimer::timeout, &timer_, std::move(fire));
         timer_.start(interval);
     }
@@ -33,7 +33,7 @@ QtScheduler::QtScheduler(TasksBegin tasksBegin) {
 }
 
 QtScheduler::~QtScheduler() {
-    tasks_.clear(); // nobody adds any more
+    tasks_.clear(); // no task is added from here on
 }
 
 void QtScheduler::runOnMainThread(std::function<void()> work) {
@@ -62,15 +62,14 @@ void QtScheduler::runOnTaskThread(std::function<void()> work) {
     forgetEndedTasks();
     auto& task = tasks_.emplace_back();
     task.work = std::move(work);
-    // A thread of its own for each: nothing waits for another's end, and each can be waited for
-    // until nothing is left of it.
+    // One thread per task: no task waits for another, and the destructor can join each.
     try {
         task.thread = std::jthread([&task] {
             task.work();
-            task.work = nullptr; // with what it holds
+            task.work = nullptr; // also frees what it captured
             task.hasEnded = true;
         });
-    } catch (const std::system_error&) { // there are no more threads to be had
+    } catch (const std::system_error&) { // out of threads
         const auto here = std::move(task.work);
         tasks_.pop_back();
         lock.unlock();

@@ -17,23 +17,21 @@
 
 namespace vantoro {
 
-/// The main thread is the one that this is made on; its event loop runs what is meant for it, and
-/// its timers.
+/// A scheduler on Qt's event loop. The thread that constructs it becomes the main thread.
 class QtScheduler final : public Scheduler {
 public:
-    /// What becomes of work for task threads before `letTasksBegin`.
+    /// Whether tasks start at once, or wait for `letTasksBegin`.
     enum class TasksBegin : std::uint8_t { atOnce, whenLet };
 
     explicit QtScheduler(TasksBegin tasksBegin = TasksBegin::atOnce);
     QtScheduler(const QtScheduler&) = delete;
     QtScheduler& operator=(const QtScheduler&) = delete;
-    /// Waits for the work on task threads; what has not begun, and what is still meant for the main
-    /// thread, is dropped.
+    /// Waits for running tasks; drops tasks that have not started and pending main-thread work.
     ~QtScheduler() override;
 
     void runOnMainThread(std::function<void()> work) override;
     void runOnTaskThread(std::function<void()> work) override;
-    /// From now on tasks begin at once, and those that wait begin now. Main thread.
+    /// Starts the tasks that wait; later ones start at once. Main thread.
     void letTasksBegin();
     std::unique_ptr<RepeatingTimer> startTimer(std::chrono::milliseconds interval,
                                                std::function<void()> fire) override;
@@ -52,9 +50,9 @@ private:
     std::mutex mutex_;
     std::list<Task> tasks_; // guarded by mutex_
     std::optional<std::vector<std::function<void()>>>
-        waiting_; // the same; while tasks do not begin
-    // Guarded by mutex_ and not left to the event loop, which only says that there is some: the
-    // thread sanitizer sees what Qt's queue hands over, but not that it is handed over safely.
+        waiting_; // guarded by mutex_; absent once tasks may begin
+    // Guarded by mutex_; the event loop is only told to look here. The thread sanitizer cannot see
+    // that Qt's own queue synchronises what passes through it.
     std::deque<std::function<void()>> forMainThread_;
 };
 

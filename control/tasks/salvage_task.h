@@ -16,13 +16,13 @@
 
 namespace vantoro {
 
-/// The salvage of interrupted recordings, one at a time. Main thread.
+/// Salvages interrupted recordings, one folder at a time. Main thread.
 ///
-/// The recorder takes a moment to heed that a salvage is cancelled. The salvage that follows waits
-/// for that: the file would be locked for it.
+/// Cancelling takes a moment, in which the recorder still holds its file locks. The next salvage
+/// waits until then.
 class SalvageTask final : public QObject {
 public:
-    /// `onEnded` is told of what each salvage made, be it nothing, unless it was cancelled.
+    /// `onEnded` receives the result of each salvage that was not cancelled, even an empty one.
     SalvageTask(Scheduler& scheduler, std::shared_ptr<Recorder> recorder,
                 std::function<void(const SalvageResult&)> onEnded);
     SalvageTask(const SalvageTask&) = delete;
@@ -30,17 +30,16 @@ public:
     /// Cancels.
     ~SalvageTask() override;
 
-    /// Salvages what is in the folder, in place of all that was asked for before.
+    /// Salvages the folder; replaces all earlier requests.
     void start(std::filesystem::path folder);
 
-    /// What this salvage still makes is not told to anybody.
+    /// Cancels the running salvage and discards its result.
     void cancel();
 
-    /// As `cancel`, until `resume`: something else needs the machine now.
+    /// Cancels, until `resume`, because a recording needs the machine.
     void suspend();
 
-    /// Salvages what is in the folder where `suspend` has cut a salvage short and none was started
-    /// since.
+    /// Salvages the folder if `suspend` interrupted a salvage and none was started since.
     void resume(std::filesystem::path folder);
 
 private:
@@ -52,8 +51,8 @@ private:
     std::function<void(const SalvageResult&)> onEnded_;
     bool running_ = false;
     bool isSuspended_ = false;
-    std::stop_source stop_;                     // of the salvage that runs, or ran last
-    std::optional<std::filesystem::path> next_; // the folder to turn to when that one has ended
+    std::stop_source stop_;                     // of the current or last salvage
+    std::optional<std::filesystem::path> next_; // the folder to salvage after the current one
 };
 
 } // namespace vantoro

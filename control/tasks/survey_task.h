@@ -16,7 +16,7 @@
 
 namespace vantoro {
 
-/// What there is to record with, and whether it may be, as found at one moment.
+/// The devices and permissions, at one moment.
 struct Survey {
     bool hasScreenPermission = false;
     AuthorizationStatus microphonePermission = AuthorizationStatus::notDetermined;
@@ -24,16 +24,16 @@ struct Survey {
     std::optional<std::string> defaultMicrophone;
 };
 
-/// Looks at devices and permissions, which may take seconds when the desktop is not well. Never
-/// asks the user. Main thread.
+/// Looks up devices and permissions; this may take seconds on a faulty desktop. Never prompts the
+/// user. Main thread.
 class SurveyTask final : public QObject {
 public:
-    /// The ports, which outlive the scheduler's work, are called on task threads.
+    /// The ports are called on task threads, and must outlive the scheduler's work.
     SurveyTask(Scheduler& scheduler, AudioDevices& devices, MicrophoneAccess& microphone,
                std::function<void(const Survey&)> onSurveyed);
 
-    /// `onSurveyed` is told what is there now or later. While one survey goes on, others that are
-    /// asked for wait for it and are then done as one.
+    /// Calls `onSurveyed` with the state at this moment or later. Requests made during a survey
+    /// share one survey after it.
     void start();
 
 private:
@@ -45,7 +45,7 @@ private:
     MicrophoneAccess& microphone_;
     std::function<void(const Survey&)> onSurveyed_;
     bool running_ = false;
-    bool again_ = false; // asked for when the one that runs may have looked already
+    bool again_ = false; // requested while one runs, which may already have looked
 };
 
 } // namespace vantoro

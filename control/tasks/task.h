@@ -14,7 +14,7 @@
 
 namespace vantoro {
 
-/// What work returned, or what it threw.
+/// A result, or the exception thrown instead.
 template <class Result>
 using Answer = std::expected<Result, std::exception_ptr>;
 
@@ -32,9 +32,9 @@ Answer<std::invoke_result_t<Work&>> answerOf(Work& work) {
     }
 }
 
-/// Has `work` done on a task thread and its answer given to `then`, with the owner, on the main
-/// thread; only to be dropped there when the owner, an object of that thread, is gone. Work must
-/// hold what it needs by itself.
+/// Runs `work` on a task thread and passes its answer to `then`, with the owner, on the main
+/// thread. Drops the answer if the owner, a main-thread object, is gone by then. `work` must own
+/// what it uses.
 template <class Owner, class Work, class Then>
 void runTask(Scheduler& scheduler, const QPointer<Owner>& owner, Work work, Then then) {
     scheduler.runOnTaskThread([&scheduler, owner, work = std::move(work), then]() mutable {
