@@ -9,19 +9,19 @@
 
 namespace vantoro {
 
-/// The languages that the program speaks.
+/// The languages of the program's texts.
 enum class AppLanguage : std::uint8_t { chinese, english };
 
-/// In the order in which the user is offered them.
+/// In menu order.
 inline constexpr std::array allLanguages{AppLanguage::chinese, AppLanguage::english};
 
-/// What is stored to mean the language: "zh-Hans" or "en".
+/// The stored form: "zh-Hans" or "en".
 std::string_view rawValue(AppLanguage language);
 
-/// The language that `rawValue` gives exactly this text for; none for any other text.
+/// The inverse of `rawValue`; none for any other text.
 std::optional<AppLanguage> languageOf(std::string_view rawValue);
 
-/// The language's name in itself, UTF-8: never translated, so that everybody finds their own.
+/// The language's own name for itself, UTF-8; never translated, so that its speakers recognise it.
 std::string_view displayName(AppLanguage language);
 
 } // namespace vantoro

@@ -10,7 +10,7 @@ namespace vantoro {
 
 namespace {
 
-/// Rounded up: a loss is never told to be nothing.
+/// Rounds up, so that a loss never reads as 0 seconds.
 std::int64_t wholeSeconds(SoundLoss::Duration length) {
     return std::chrono::ceil<std::chrono::seconds>(length).count();
 }

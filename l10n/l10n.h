@@ -18,8 +18,8 @@
 
 namespace vantoro {
 
-/// Every text that the user sees, UTF-8, in the language that is stored at the moment of asking.
-/// The system's language plays no part. Any thread.
+/// Every text that the user sees, UTF-8, in the language stored at the moment of the call; the
+/// system's language is ignored. Any thread.
 class L10n {
 public:
     enum class Key : std::uint8_t {
@@ -90,62 +90,61 @@ public:
     /// `preferences` must outlive it.
     explicit L10n(const Preferences& preferences) : preferences_(preferences) {}
 
-    /// English exactly when that is what is stored; Chinese otherwise, also before any choice.
+    /// English if that is stored, else Chinese.
     AppLanguage language() const;
 
-    /// Empty for the keys without a row: `recoveredOne`, `recoveredMany`, `checkpointKept` and
-    /// `recordingFailed` stand for what the functions below and `errorDescription` compose.
+    /// Empty for `recoveredOne`, `recoveredMany`, `checkpointKept` and `recordingFailed`: the
+    /// functions below and `errorDescription` compose those.
     std::string text(Key key) const;
     static std::string text(Key key, AppLanguage language);
 
-    /// That so many interrupted recordings were saved.
+    /// How many interrupted recordings were salvaged.
     std::string recovered(std::size_t count) const;
 
-    /// That so much is silent, since the program stood still.
+    /// How much is silent because the program stalled.
     std::string soundNotTakenInTime(SoundLoss::Duration length) const;
 
-    /// That so much could not be written, and why; null where the disk was only too slow.
+    /// How much could not be written, and why; a null reason means that the disk was too slow.
     std::string soundNotWritten(SoundLoss::Duration length, const std::exception_ptr& reason) const;
 
-    /// That all else is saved: a sentence to go with those two.
+    /// Says that the rest is saved; to append to the two texts above.
     std::string restSaved() const;
 
-    /// That a recording which was interrupted could not be saved, why, and that it stays.
+    /// Says that an interrupted recording could not be salvaged, why, and that its file stays.
     std::string notRecovered(const std::filesystem::path& recording,
                              const std::exception_ptr& reason) const;
 
-    /// That the disk has room for so many minutes of recording, less than one included.
+    /// How many minutes of recording fit on the disk; may be less than one.
     std::string roomLeft(std::int64_t minutes) const;
 
-    /// That parts of so many recordings could not be read, and where they were kept: a sentence to
-    /// go with that of `recovered`. Empty where there are none.
+    /// How many recordings were damaged, and where the originals are; to append to `recovered`.
+    /// Empty for an empty list.
     std::string originalsKept(const std::vector<std::filesystem::path>& originals) const;
 
-    /// The same of one recording, in a sentence of its own, with the file's whole path.
+    /// As above for one recording, as a separate sentence with the full path.
     std::string originalKept(const std::filesystem::path& original) const;
 
-    /// That there is a newer version than this one.
+    /// Says that a newer version is available.
     std::string newVersionAvailable(std::string_view version) const;
 
-    /// Which version this one is.
+    /// Says which version is running.
     std::string runningVersion(std::string_view version) const;
 
-    /// What there is to say of a source in this condition, in one word or two, and in a sentence
-    /// without a full stop; empty where it delivers.
+    /// A source's condition: in one or two words, and as a sentence without a full stop. Both empty
+    /// if the source delivers.
     std::string conditionInShort(SourceCondition condition) const;
     std::string condition(SourceCondition condition) const;
 
-    /// One text of several; the empty ones are left out. Nothing follows a full-width stop but the
-    /// next sentence, and a space any other end.
+    /// Joins sentences; skips empty ones. A space separates them, except after a full-width stop.
     static std::string sentences(std::initializer_list<std::string> texts);
 
-    /// The command that ends the program.
+    /// The label of the quit command.
     std::string quit() const;
 
-    /// A sentence to append to a failure's: it begins with a space.
+    /// Says that the recorded data was kept; to append to an error's text, and begins with a space.
     std::string checkpointKept() const;
 
-    /// Both hold the same keys.
+    /// Both tables have the same keys.
     static const Table& chinese();
     static const Table& english();
 
@@ -153,7 +152,7 @@ private:
     const Preferences& preferences_;
 };
 
-/// A key's text in the preferred table, else in the other, else the empty one.
+/// The key's text in the preferred table, else in the other, else empty.
 std::string_view lookUp(L10n::Key key, const L10n::Table& preferred, const L10n::Table& other);
 
 } // namespace vantoro

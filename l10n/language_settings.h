@@ -9,22 +9,22 @@
 
 namespace vantoro {
 
-/// The language that the user chose, for a menu to offer and views to follow. Main thread.
+/// The user's choice of language, with change notification. Main thread.
 class LanguageSettings final : public QObject {
     Q_OBJECT
 
 public:
-    /// Reads what is stored, and stores nothing. `preferences` must outlive it.
+    /// Reads the stored language; stores nothing. `preferences` must outlive it.
     explicit LanguageSettings(Preferences& preferences);
 
     AppLanguage language() const { return language_; }
 
-    /// Chooses and stores a language. Choosing the current one again counts as a change like any
-    /// other: nothing may have been stored yet, or something else since.
+    /// Stores the language. Also stores and notifies if it equals the current one, since the stored
+    /// value may be missing or different.
     void setLanguage(AppLanguage language);
 
 Q_SIGNALS:
-    /// After each choice was stored: texts that are fetched now are in the new language.
+    /// After each choice is stored; texts looked up from now on are in the new language.
     void languageChanged();
 
 private:

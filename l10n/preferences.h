@@ -8,21 +8,21 @@
 
 namespace vantoro {
 
-/// All that is kept from one run of the program to the next.
+/// The settings that are kept between runs.
 enum class Preference : std::uint8_t {
-    outputDirectory, ///< the recording folder's path
+    outputDirectory, ///< the path of the recording folder
     appLanguage,     ///< the `rawValue` of an `AppLanguage`
 };
 
-/// The user's preferences. Nothing here fails: what cannot be kept is forgotten with the program.
+/// The user's preferences. Never fails: a value that cannot be stored lasts for this run only.
 class Preferences {
 public:
     virtual ~Preferences() = default;
 
-    /// The stored text; none when nothing, or nothing readable, is stored. Any thread.
+    /// The stored text; none if it is missing or unreadable. Any thread.
     virtual std::optional<std::string> get(Preference preference) const = 0;
 
-    /// From here on `get` gives this text, in this run even if it cannot be stored. Main thread.
+    /// From now on `get` returns this text, even if it cannot be stored. Main thread.
     virtual void set(Preference preference, const std::string& value) = 0;
 };
 

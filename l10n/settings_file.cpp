@@ -22,8 +22,7 @@ QString keyOf(Preference preference) {
                                                  : QStringLiteral("outputDirectory");
 }
 
-/// Text where it is text. A path may be any bytes: those are stored as bytes, to come back as they
-/// were.
+/// Stores valid UTF-8 as text. Paths may be any bytes; others are stored as bytes, unchanged.
 QVariant variantOf(const std::string& value) {
     const auto bytes = QByteArray::fromStdString(value);
     const auto text = QString::fromUtf8(bytes);
@@ -37,7 +36,7 @@ std::optional<std::string> read(const QSettings& settings, Preference preference
         return value.toString().toStdString();
     case QMetaType::QByteArray:
         return value.toByteArray().toStdString();
-    default: // a list, say, in a file that was edited by hand
+    default: // a list, say, in a file edited by hand
         return std::nullopt;
     }
 }
@@ -46,7 +45,7 @@ std::optional<std::string> read(const QSettings& settings, Preference preference
 
 SettingsFile::SettingsFile(const std::filesystem::path& file)
     : file_(QFile::decodeName(file.c_str())) {
-    writer_.setMaxThreadCount(1); // what was set last is stored last
+    writer_.setMaxThreadCount(1); // keeps writes in order
     const QSettings settings(file_, QSettings::IniFormat);
     for (const auto preference : {Preference::outputDirectory, Preference::appLanguage}) {
         if (auto value = read(settings, preference)) {
@@ -89,10 +88,10 @@ void SettingsFile::store() {
     for (const auto& [preference, value] : values) {
         settings.setValue(keyOf(preference), variantOf(value));
     }
-    settings.sync(); // a program that is killed must not lose it
+    settings.sync(); // must survive a killed process
     if (settings.status() == QSettings::AccessError) {
         const std::lock_guard lock(mutex_);
-        unstored_.merge(values); // tried again with the next one
+        unstored_.merge(values); // retried with the next write
     }
 }
 

@@ -14,25 +14,25 @@
 
 namespace vantoro {
 
-/// Preferences in one small file, which is read once, and written soon after each `set`, on a
-/// thread of its own: a disk may be slow. What else the file holds stays in it. A file that is
-/// missing or damaged is one that holds less.
+/// Preferences in one small file. Reads it once, and writes soon after each `set` on its own
+/// thread, because disks may be slow. Keeps unknown entries; treats a missing or damaged file as
+/// empty.
 class SettingsFile final : public Preferences {
 public:
-    /// The file and its folder need not exist: they are created when something is stored.
+    /// Creates the file and its folder on the first write.
     explicit SettingsFile(const std::filesystem::path& file = usersFile());
     SettingsFile(const SettingsFile&) = delete;
     SettingsFile& operator=(const SettingsFile&) = delete;
-    /// As `waitUntilStored`.
+    /// Waits as `waitUntilStored` does.
     ~SettingsFile() override;
 
-    /// Where the user's preferences are, by the desktop's conventions.
+    /// The path of the user's preferences, by the desktop's conventions.
     static std::filesystem::path usersFile();
 
     std::optional<std::string> get(Preference preference) const override;
     void set(Preference preference, const std::string& value) override;
 
-    /// Returns when all that was set is on the disk, or could not be put there.
+    /// Returns when every change is on the disk, or failed to be written.
     void waitUntilStored();
 
 private:
@@ -43,7 +43,7 @@ private:
     QString file_;
     mutable std::mutex mutex_;
     Values values_;   // guarded by mutex_
-    Values unstored_; // those of them that are not in the file; guarded by mutex_
+    Values unstored_; // those not yet in the file; guarded by mutex_
     QThreadPool writer_;
 };
 

@@ -11,8 +11,7 @@
 
 namespace vantoro {
 
-/// What the command that looks for faults says: a line for each finding, and what to do about those
-/// that are problems (…Advice).
+/// The lines of the doctor's report: one per finding, and advice (…Advice) for each problem.
 enum class DoctorText : std::uint8_t {
     nothingIsWrong,
     whatToDo,
@@ -83,8 +82,7 @@ enum class DoctorText : std::uint8_t {
     interruptedUnknown,
 };
 
-/// The text, UTF-8, with the arguments in place of %1, %2, …; what an argument holds is inserted
-/// unchanged. Any thread.
+/// The text, UTF-8, with %1, %2, … replaced by the arguments verbatim. Any thread.
 std::string doctorText(DoctorText text, AppLanguage language,
                        const std::vector<std::string>& arguments = {});
 

@@ -9,17 +9,17 @@
 
 namespace vantoro {
 
-/// What the program ends in the middle of.
+/// The work that the program abandons when it ends.
 enum class EndingWork : std::uint8_t { start, saving, salvage };
 
-/// Why it does not wait for that.
+/// Why it does not wait for that work.
 enum class EndingCause : std::uint8_t {
-    standstill, ///< it has not got on for seconds
-    askedAgain, ///< the user is impatient
+    standstill, ///< no progress for seconds
+    askedAgain, ///< the user asked a second time
 };
 
-/// What the program says when it ends in the middle of its work: what it has waited for, and what
-/// is kept in `folder`, that of the recordings. UTF-8, one line. Any thread.
+/// The message when the program ends without finishing its work: what it was waiting for, and what
+/// stays in `folder`, the recording folder. UTF-8, one line. Any thread.
 std::string endingText(EndingWork work, EndingCause cause, const std::string& folder,
                        AppLanguage language);
 
