@@ -38,7 +38,7 @@ namespace vantoro {
 
 namespace {
 
-/// Prints a result on standard output; false when nobody can read it there.
+/// Prints a result on standard output. False on a write error.
 bool print(const std::string& text) {
     std::cout << text << std::flush;
     if (!std::cout) {
@@ -47,7 +47,7 @@ bool print(const std::string& text) {
     return std::cout.good();
 }
 
-/// Carries out one command; the result is the exit status.
+/// Runs one command and returns its exit status.
 class Program {
 public:
     explicit Program(StopSignals& signals) : signals_(signals) {}
@@ -132,7 +132,7 @@ private:
 
 int main(int argc, char** argv) {
     try {
-        // Before anything starts a thread.
+        // Before any thread starts.
         vantoro::posix::keepMemorySmall();
         vantoro::StopSignals signals;
         vantoro::pipewire::useBusesIf(vantoro::desktop::realtimeServicesAnswerHere);

@@ -11,7 +11,7 @@ namespace vantoro {
 
 namespace {
 
-/// In both of the program's languages, UTF-8. "%1" and "%2" stand for words of the command line.
+/// In both languages, UTF-8. "%1" and "%2" stand for words of the command line.
 struct Message {
     const char* english;
     const char* chinese;
@@ -30,11 +30,11 @@ constexpr Message notFolder{"--%1 needs the name of a folder.", "--%1 需要文�
 constexpr Message notLanguage{"--%1 needs zh-Hans or en, not \"%2\".",
                               "--%1 的值必须是 zh-Hans 或 en，不能是“%2”。"};
 
-/// Ends the reading of an invalid command line.
+/// Thrown to stop parsing an invalid command line.
 struct BadUsage {
     Message message;
     QString word;
-    std::optional<QString> value = {}; ///< where the message has a "%2"
+    std::optional<QString> value = {}; ///< replaces "%2", if the message has one
 
     std::string text(AppLanguage language) const {
         const bool isEnglish = language == AppLanguage::english;
@@ -45,11 +45,10 @@ struct BadUsage {
     }
 };
 
-/// The options that one command line gives. Of an option that it gives twice, the last value
-/// counts.
+/// The options on one command line. If one is given twice, the last value counts.
 class GivenOptions {
 public:
-    /// Throws `BadUsage` for anything but options of the command and their values.
+    /// Throws `BadUsage` if a word is not an option of the command or its value.
     GivenOptions(const QString& command, QStringList words) {
         while (!words.isEmpty()) {
             const QString word = words.takeFirst();
@@ -172,7 +171,7 @@ Command parseOrThrow(const QStringList& arguments, AppLanguage ownLanguage) {
     throw BadUsage{unknownCommand, first};
 }
 
-/// The language that the command line itself asks for.
+/// The language that `--language` selects, if any.
 std::optional<AppLanguage> languageIn(const QStringList& arguments) {
     const auto words = arguments.join('=').split('=');
     const auto option = words.lastIndexOf("--language");

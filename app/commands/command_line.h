@@ -19,9 +19,9 @@ struct RecordCommand {
     bool systemAudio = true;
     bool microphone = true;
     std::optional<std::string> microphoneID;
-    float systemVolume = 0.9F; ///< linear gains, 0 and above
+    float systemVolume = 0.9F; ///< linear gains, 0 or more
     float microphoneVolume = 1.0F;
-    std::optional<AppLanguage> language; ///< of this run's messages; absent: the user's
+    std::optional<AppLanguage> language; ///< of the messages; absent: the user's
 
     friend bool operator==(const RecordCommand&, const RecordCommand&) = default;
 };
@@ -42,14 +42,14 @@ struct DoctorCommand {
     friend bool operator==(const DoctorCommand&, const DoctorCommand&) = default;
 };
 
-/// Print this text on standard output, and that is all.
+/// Print this text on standard output and exit.
 struct PrintCommand {
     std::string text;
 
     friend bool operator==(const PrintCommand&, const PrintCommand&) = default;
 };
 
-/// The command line is invalid: one line that says why.
+/// The command line is invalid; `text` is one line that says why.
 struct UsageError {
     std::string text;
 
@@ -59,8 +59,8 @@ struct UsageError {
 using Command = std::variant<RecordCommand, DevicesCommand, RecoverCommand, DoctorCommand,
                              PrintCommand, UsageError>;
 
-/// `arguments` are those after the program's name. Help and usage errors are in the language that
-/// `--language` asks for, or else in `usersLanguage`.
+/// `arguments` exclude the program's name. Help and usage errors are in the language that
+/// `--language` selects, else in `usersLanguage`.
 Command parseCommandLine(const QStringList& arguments, AppLanguage usersLanguage);
 
 } // namespace vantoro

@@ -10,8 +10,8 @@
 
 namespace vantoro {
 
-/// The microphones, a line each: "* " before the default one and two blanks before the others, then
-/// identifier and name with a tab between.
+/// One line per microphone: "* " for the default one or two spaces for the others, then identifier,
+/// tab and name.
 std::string devicesText(const std::vector<AudioInputDevice>& microphones,
                         const std::optional<std::string>& defaultID);
 

@@ -22,11 +22,11 @@ namespace vantoro {
 namespace {
 
 constexpr std::chrono::seconds serviceLimit(2);
-/// For what limits itself to the former, and may have to wait for a processor besides.
+/// Longer than the checks' own limit, since a thread may have to wait for a processor.
 constexpr std::chrono::seconds threadLimit(3);
 
-/// An answer that comes from a thread of its own: a disk may take minutes. Waits for the thread at
-/// its end.
+/// Asks on a thread of its own, because a disk may take minutes to answer. The destructor joins the
+/// thread.
 template <class Value>
 class Awaited {
 public:
@@ -34,12 +34,12 @@ public:
     explicit Awaited(Question question)
         : task_(std::move(question)), answer_(task_.get_future()), thread_([this] { task_(); }) {}
 
-    /// Nothing where it has not come in time. Throws what the question did. Once.
+    /// The answer, or nothing if it is late. Rethrows what the question threw. Call once.
     std::optional<Value> get() {
         return hasCome(deadline_) ? std::optional(answer_.get()) : std::nullopt;
     }
 
-    /// Whether the thread is still at it.
+    /// Whether the thread is still running.
     bool isUnanswered() const { return answer_.valid() && !hasCome(Clock::now()); }
 
 private:
@@ -66,7 +66,7 @@ std::size_t askForInterrupted(const std::filesystem::path& folder) {
     return recordingsToRecover(mediaToolkit, fileSystem, folder);
 }
 
-/// Nothing is known of a bus that is silent, nor of what is on it.
+/// Leaves out a silent bus, and everything on it.
 desktop::DesktopSurvey askDesktop(const desktop::SilentBuses& silent) {
     auto found = desktop::surveyDesktop(desktop::standardBusAddresses(), serviceLimit);
     if (silent.session) {
@@ -78,7 +78,7 @@ desktop::DesktopSurvey askDesktop(const desktop::SilentBuses& silent) {
     return found;
 }
 
-/// Nothing is known of it on a bus that does not answer.
+/// Leaves the answer out if the session bus does not answer.
 std::optional<desktop::MicrophoneFacts> askForMicrophone(desktop::Presence sessionBus) {
     return sessionBus == desktop::Presence::unknown
                ? std::nullopt
@@ -106,7 +106,7 @@ int examine(const std::filesystem::path& recordingFolder, const desktop::SilentB
                                .interruptedRecordings = interrupted.get()});
     if (sound.isUnanswered() || microphone.isUnanswered() || folder.isUnanswered() ||
         interrupted.isUnanswered()) {
-        Ending::leaveProcess(status, {}); // nothing else ends a thread that hangs
+        Ending::leaveProcess(status, {}); // there is no other way to end a thread that hangs
     }
     return status;
 }

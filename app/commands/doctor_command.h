@@ -10,10 +10,10 @@
 
 namespace vantoro {
 
-/// Asks everything that recording into this folder depends on: a few seconds at most, since whoever
-/// does not answer in time is not waited for; the buses that are known to be silent, and left out,
-/// are not asked. Returns what `report`, called with all that was found, says; where somebody still
-/// hangs then, as a disk may, ends the process with that instead.
+/// Checks everything that recording into this folder depends on, within a few seconds; late answers
+/// are left out, and buses known to be silent are not asked. Passes the findings to `report` and
+/// returns its result. If a check still hangs then, as a disk may, ends the process with that
+/// status instead.
 int examine(const std::filesystem::path& recordingFolder, const desktop::SilentBuses& silent,
             const std::function<int(const DoctorFindings& findings)>& report);
 

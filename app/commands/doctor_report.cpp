@@ -19,10 +19,10 @@ using Arguments = std::vector<std::string>;
 
 constexpr std::uint64_t mebibyte = std::uint64_t{1} << 20U;
 constexpr std::uint64_t gibibyte = std::uint64_t{1} << 30U;
-/// With less, nothing is mixed any more before a recording has ended.
+/// Below this, no mix starts until the recording has ended.
 constexpr std::uint64_t enoughSpace = gibibyte;
 
-/// In a unit that leaves few digits, rounded down: "1.0 GiB" is one.
+/// In the largest fitting unit, rounded down: "1.0 GiB" is at least that much.
 std::string readableSize(std::uint64_t bytes) {
     if (bytes < gibibyte) {
         return std::to_string(bytes / mebibyte) + " MiB";
@@ -31,7 +31,7 @@ std::string readableSize(std::uint64_t bytes) {
     return std::to_string(tenths / 10) + "." + std::to_string(tenths % 10) + " GiB";
 }
 
-/// Puts the report together from its findings, in their order.
+/// Builds the report, finding by finding.
 class Writer {
 public:
     explicit Writer(AppLanguage language) : language_(language) {}
@@ -72,7 +72,7 @@ public:
 private:
     AppLanguage language_;
     std::string lines_;
-    Arguments advice_; ///< each once
+    Arguments advice_; ///< without duplicates
 };
 
 void addMicrophone(Writer& writer, const capture::SurveyedMicrophone& found) {
@@ -97,7 +97,7 @@ void addMicrophones(Writer& writer, const capture::SoundSurvey& sound) {
         std::ranges::any_of(sound.microphones, &capture::SurveyedMicrophone::isDefault);
     if (sound.microphones.empty()) {
         writer.problem(Text::microphoneMissing, Text::microphoneMissingAdvice);
-    } else if (!hasDefault && sound.hasSessionManager) { // without one nobody names it
+    } else if (!hasDefault && sound.hasSessionManager) { // which sets the default
         writer.problem(Text::defaultMicrophoneMissing, Text::defaultMicrophoneAdvice);
     }
 }
@@ -133,7 +133,7 @@ void addSound(Writer& writer, const DoctorFindings& findings) {
     addMicrophones(writer, sound);
 }
 
-/// In the order in which `microphoneAuthorization` decides, with who has decided it.
+/// Checks in the order of `microphoneAuthorization`, to name the cause that decides.
 void addMicrophonePermission(Writer& writer, const std::optional<desktop::MicrophoneFacts>& facts) {
     using desktop::StoredPermission;
     if (!facts) {
@@ -152,7 +152,7 @@ void addMicrophonePermission(Writer& writer, const std::optional<desktop::Microp
     }
 }
 
-/// What is said of a service by whether it is there.
+/// The texts of a service, by its presence.
 struct PresenceTexts {
     DoctorText present;
     DoctorText absent;
@@ -228,7 +228,7 @@ void addFolder(Writer& writer, const DoctorFindings& findings) {
 void addInterrupted(Writer& writer, const DoctorFindings& findings) {
     const auto& count = findings.interruptedRecordings;
     if (!findings.folder) {
-        return; // nothing in it can be looked for
+        return; // the folder does not answer
     }
     if (!count) {
         writer.problem(Text::interruptedUnknown, Text::interruptedAdvice);

@@ -15,24 +15,24 @@
 
 namespace vantoro {
 
-/// What the recorder finds on this machine. Where an optional one is absent, no answer came in
-/// time.
+/// The state of this machine, as far as recording depends on it. An absent value means that no
+/// answer came in time.
 struct DoctorFindings {
     std::string soundLibraryVersion;
-    std::optional<capture::SoundSurvey> sound; ///< absent also where there is no sound server
+    std::optional<capture::SoundSurvey> sound; ///< absent also without a sound server
     desktop::DesktopSurvey desktop;
-    std::optional<desktop::MicrophoneFacts> microphone; ///< what decides of its permission
+    std::optional<desktop::MicrophoneFacts> microphone; ///< what its permission depends on
     std::filesystem::path recordingFolder;
     std::optional<FolderCheck> folder;
-    std::optional<std::size_t> interruptedRecordings; ///< that wait to be finished
+    std::optional<std::size_t> interruptedRecordings; ///< that are not salvaged yet
 };
 
 struct DoctorReport {
-    std::string text; ///< whole lines
+    std::string text; ///< complete lines
     bool isAllWell = false;
 };
 
-/// A line for each finding, "ok  " or "!   " before it, then what to do about each problem.
+/// One line per finding, prefixed "ok  " or "!   ", then advice on each problem.
 DoctorReport doctorReport(const DoctorFindings& findings, AppLanguage language);
 
 } // namespace vantoro

@@ -13,7 +13,7 @@ namespace vantoro {
 
 namespace {
 
-/// The folder itself, or what it would be made in.
+/// The folder itself, or the closest existing parent.
 std::filesystem::path nearestExisting(const FileSystem& fileSystem, std::filesystem::path folder) {
     while (!fileSystem.exists(folder) && folder.has_relative_path()) {
         folder = folder.parent_path();
@@ -26,13 +26,13 @@ void write(OutputFile& file) {
     file.close();
 }
 
-/// Throws where no file can be made there.
+/// Throws if no file can be created there.
 void tryToWrite(FileSystem& fileSystem, const std::filesystem::path& folder) {
     if (const auto unnamed = fileSystem.createUnnamed(folder, FileAudience::userOnly)) {
         write(*unnamed);
         return;
     }
-    // Of a name that nobody takes for a recording.
+    // A name that no scan takes for a recording.
     const auto path = folder / (temporaryFileName() + ".trial");
     const auto named = fileSystem.create(path, FileAudience::userOnly);
     try {

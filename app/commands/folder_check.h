@@ -11,17 +11,17 @@
 
 namespace vantoro {
 
-/// What can be done in a folder that recordings go to.
+/// Whether recordings can be written to a folder.
 struct FolderCheck {
-    bool exists = false;                         ///< otherwise it is made when it is needed
-    std::error_code refusal;                     ///< why no file can be made
-    std::optional<std::uint64_t> availableBytes; ///< nothing where that cannot be told
+    bool exists = false;                         ///< if false, it is created when needed
+    std::error_code refusal;                     ///< why no file can be created
+    std::optional<std::uint64_t> availableBytes; ///< absent if unknown
 
     friend bool operator==(const FolderCheck&, const FolderCheck&) = default;
 };
 
-/// Tries to make a file in the folder, or where it would be made, and leaves nothing behind. Blocks
-/// for as long as the disk does; any thread. Never throws.
+/// Creates and deletes a trial file in the folder, or in the parent that would hold it. Blocks as
+/// long as the disk does. Any thread; never throws.
 FolderCheck checkFolder(FileSystem& fileSystem, const std::filesystem::path& folder);
 
 } // namespace vantoro

@@ -9,17 +9,17 @@
 
 namespace vantoro {
 
-/// An option of a command. All of this is produced from app/commands/options.toml.
+/// An option of a command. Generated from app/commands/options.toml, as all data of this header.
 struct CommandOption {
     const char* command;
     const char* name; ///< without hyphens
     bool takesValue;
 };
 
-/// The options of all commands, without --help and --version.
+/// The options of all commands, except --help and --version.
 std::span<const CommandOption> commandOptions();
 
-/// What `--help` prints: all commands and options, UTF-8.
+/// The output of `--help`: all commands and options, UTF-8.
 std::string_view helpText(AppLanguage language);
 
 } // namespace vantoro

@@ -9,11 +9,10 @@
 
 namespace vantoro {
 
-/// The user's preferences, of which one run of a command has some otherwise. What such a run sets
-/// is not kept. Main thread.
+/// Overrides some of the user's preferences for one run. Nothing set here is stored. Main thread.
 class PreferencesForOneRun final : public Preferences {
 public:
-    /// `users` outlives it.
+    /// `users` must outlive this.
     explicit PreferencesForOneRun(const Preferences& users) : users_(users) {}
 
     std::optional<std::string> get(Preference preference) const override {

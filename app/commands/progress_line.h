@@ -9,10 +9,10 @@
 
 namespace vantoro {
 
-/// What a terminal shows while recording: the time, and the levels of the sources that are on.
+/// The progress line while recording: the time, and the levels of the enabled sources.
 std::string recordingLine(const RecordingProperties::Values& values, const L10n& texts);
 
-/// What a terminal shows while the final file is made; `fraction` is 0...1.
+/// The progress line while the final file is written; `fraction` is 0 to 1.
 std::string savingLine(double fraction, const L10n& texts);
 
 } // namespace vantoro

@@ -21,7 +21,7 @@ using namespace std::chrono_literals;
 using Case = RecordingState::Case;
 
 constexpr auto lineInterval = 100ms;
-constexpr auto longestWait = 24h; // of one timer, which cannot count much further
+constexpr auto longestWait = 24h; // a single QTimer cannot wait much longer
 constexpr double foreverSeconds = 1e9;
 
 } // namespace
@@ -54,7 +54,7 @@ int RecordRun::run(RecordingViewModel& model) {
 }
 
 int RecordRun::runUntilItIsOver() {
-    // Behind the change, not within it: what the answer sets off finds the model at rest.
+    // Queued, so that the handler sees the model after the change is complete.
     connect(model_, &RecordingProperties::stateChanged, this, &RecordRun::stateChanged,
             Qt::QueuedConnection);
     connect(model_, &RecordingProperties::stateChanged, this, &RecordRun::followForTheEnd);
@@ -84,7 +84,7 @@ void RecordRun::followForTheEnd() {
 void RecordRun::stateChanged() {
     const auto now = model_->values().state.which();
     if (now == std::exchange(state_, now)) {
-        return; // it has changed twice since
+        return; // it has changed again since
     }
     switch (now) {
     case Case::recording:
@@ -106,7 +106,7 @@ void RecordRun::stateChanged() {
     }
 }
 
-/// What comes while it records; at the end, messages are shown with what they are about.
+/// Only while recording. At the end, messages are printed with the result.
 void RecordRun::showMessage(const RecordingProperties::Values& values) {
     if (values.errorMessage && isUnderWay(values.state.which())) {
         terminal_.message(*values.errorMessage);
@@ -140,7 +140,7 @@ void RecordRun::waitForTheEnd() {
 
 void RecordRun::stopWanted() {
     if (state_ == Case::failed) {
-        QCoreApplication::exit(1); // what is being salvaged stays for another time
+        QCoreApplication::exit(1); // what is still being salvaged stays for the next time
     } else {
         model_->stopRecording();
     }
@@ -152,7 +152,7 @@ void RecordRun::recordingFailed() {
         QCoreApplication::exit(1);
         return;
     }
-    // The salvage that follows may yet make a file of what was captured.
+    // A salvage of the failed recording may still produce a file.
     connect(model_, &RecordingViewModel::salvageEnded, this, [this] {
         if (model_->values().state.which() == Case::failed) {
             QCoreApplication::exit(1);
@@ -167,7 +167,7 @@ void RecordRun::showLine() {
 }
 
 void RecordRun::showSaving() {
-    if (state_ == Case::processing || state_ == Case::failed) { // else it is an earlier recording's
+    if (state_ == Case::processing || state_ == Case::failed) { // not an earlier one's
         terminal_.showLine(savingLine(model_->values().savingProgress, texts_));
     }
 }

@@ -16,15 +16,16 @@
 
 namespace vantoro {
 
-/// Makes one recording: until its time has passed, a signal came, the machine went to sleep,
-/// capture broke or the disk got full. Prints the final file's path on standard output and all else
-/// on standard error. Main thread, where the application's event loop is not yet running.
+/// Makes one recording, until its time is over, a signal arrives, the machine sleeps, capture fails
+/// or the disk is nearly full. Prints the final file's path on standard output and everything else
+/// on standard error. Main thread, before the event loop runs.
 class RecordRun final : public QObject {
 public:
-    /// All of it outlives the run.
+    /// All arguments must outlive this.
     RecordRun(const RecordCommand& command, Ending& ending, const Preferences& preferences);
 
-    /// Returns the exit status: 0 when a file was saved, else 1. The ending knows it by then.
+    /// Returns the exit status, after passing it to the `Ending`: 0 if the recording was saved
+    /// without loss and its path printed, else 1.
     int run(RecordingViewModel& model);
 
 private:
@@ -46,9 +47,9 @@ private:
     Ending& ending_;
     L10n texts_;
     Terminal terminal_;
-    RecordingViewModel* model_ = nullptr; // while it runs
+    RecordingViewModel* model_ = nullptr; // set during `run`
     RecordingState::Case state_ = RecordingState::Case::idle;
-    bool hasBegun_ = false; // capture ran: a failure leaves something to salvage
+    bool hasBegun_ = false; // capture ran, so a failed recording can be salvaged
     std::optional<Clock::time_point> end_;
     QTimer endTimer_;
     QTimer lineTimer_;

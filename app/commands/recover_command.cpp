@@ -14,7 +14,7 @@ namespace vantoro {
 
 namespace {
 
-/// The exit status when final files were made, but not of all that was recorded.
+/// The exit status if a recording was salvaged only in part.
 constexpr int partlyUnreadable = 3;
 
 bool isFolder(const std::filesystem::path& path) {
@@ -22,7 +22,7 @@ bool isFolder(const std::filesystem::path& path) {
     return std::filesystem::is_directory(path, error);
 }
 
-/// Whether the result could be printed.
+/// False on a write error.
 bool print(const std::vector<std::filesystem::path>& files) {
     for (const auto& file : files) {
         std::cout << file.string() << "\n";
@@ -31,7 +31,7 @@ bool print(const std::vector<std::filesystem::path>& files) {
     return std::cout.good();
 }
 
-/// The exit status.
+/// Prints the result and returns the exit status.
 int report(const SalvageResult& result, const std::filesystem::path& folder, Terminal& terminal,
            const L10n& texts) {
     for (const auto& failure : result.failures) {
@@ -72,7 +72,7 @@ int recover(const std::filesystem::path& folder, const SalvagePlatform& platform
 int runRecoverCommand(const RecoverCommand& command, const std::filesystem::path& defaultFolder,
                       const SalvagePlatform& platform, Ending& ending, const L10n& texts) {
     Terminal terminal;
-    // The default one need not have been made yet.
+    // The default folder may not exist yet.
     if (command.folder && !isFolder(*command.folder)) {
         terminal.message(
             commandText(CommandText::folderMissing, texts.language(), {command.folder->string()}));

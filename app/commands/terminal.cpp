@@ -32,7 +32,7 @@ void Terminal::clearLine() {
 
 void Terminal::message(const std::string& text) {
     clearLine();
-    std::cerr << text << std::endl; // NOLINT(performance-avoid-endl): it must be out at once
+    std::cerr << text << std::endl; // NOLINT(performance-avoid-endl): flush at once
 }
 
 } // namespace vantoro

@@ -6,8 +6,8 @@
 
 namespace vantoro {
 
-/// Standard error: one line that is written over and over while it is a terminal, and messages.
-/// One thread at a time.
+/// Standard error: messages and, on a terminal, a progress line that is rewritten in place. One
+/// thread at a time.
 class Terminal {
 public:
     Terminal();
@@ -16,13 +16,13 @@ public:
 
     ~Terminal() { clearLine(); }
 
-    /// Whether a progress line is seen by anybody.
+    /// Whether standard error is a terminal.
     bool isLive() const noexcept { return isLive_; }
 
-    /// Does nothing unless live, nor when the line stands there already.
+    /// Does nothing unless live, or if the line is unchanged.
     void showLine(const std::string& line);
     void clearLine();
-    /// A whole line of its own, above the live one.
+    /// Prints a separate line above the progress line.
     void message(const std::string& text);
 
 private:

@@ -81,7 +81,7 @@ void Ending::userStays() {
     account_.quittingCalledOff();
 }
 
-// What only puts the deadline off needs no wake: at the earlier one it is looked at anew.
+// Needs no wake: postponing the deadline takes effect when the earlier one passes.
 void Ending::moved() {
     const std::scoped_lock lock(mutex_);
     account_.moved(timeNow());
@@ -144,7 +144,7 @@ void Ending::leaveProcess(int status, const std::string& text) {
     const auto line = (::isatty(STDERR_FILENO) == 1 ? "\r\x1b[K" : "") + text + "\n";
     pollfd standardError{STDERR_FILENO, POLLOUT, 0};
     if (!text.empty() && ::poll(&standardError, 1, 0) == 1) {
-        // Whoever cannot be told loses nothing else by it.
+        // If nobody can read the message, there is nothing else to do.
         [[maybe_unused]] const auto written = ::write(STDERR_FILENO, line.data(), line.size());
     }
     ::_exit(status);

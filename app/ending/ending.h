@@ -16,30 +16,30 @@
 
 namespace vantoro {
 
-/// What the program has in work, for what it says when it ends in the middle of that.
+/// The work in progress, for the message if the program ends without finishing it.
 struct EndingScene {
     RecordingState::Case state = RecordingState::Case::idle;
-    std::filesystem::path folder; ///< of the recordings; empty where nothing is said
+    std::filesystem::path folder; ///< of the recordings; if empty, no message is printed
     AppLanguage language = AppLanguage::english;
 };
 
-/// Takes the signals that end the program, hands them on, and ends the process itself where what is
-/// under way does not move any more (`EndingAccount`). It has a thread of its own, since any other
-/// may be one that hangs.
+/// Receives the signals that end the program, passes them on, and ends the process itself once the
+/// work in progress stops making progress (`EndingAccount`). Runs on its own thread, since any
+/// other may hang.
 ///
-/// Lives as long as the program does anything. Any thread, but for the constructor and destructor.
+/// Must outlive all other work. Any thread, except the constructor and destructor.
 class Ending {
 public:
     using EndAtOnce = std::function<void(int status, const std::string& text)>;
 
-    /// `signals` outlives it. `endAtOnce` does not return, but in tests.
+    /// `signals` must outlive this. `endAtOnce` must not return, except in tests.
     explicit Ending(StopSignals& signals, EndAtOnce endAtOnce = leaveProcess);
     Ending(const Ending&) = delete;
     Ending& operator=(const Ending&) = delete;
     ~Ending();
 
-    /// While it lives, a signal does not end the process, but calls `asked`, once, on a thread of
-    /// the Ending's; not after it.
+    /// While it exists, a signal does not end the process but calls `asked`, once, on a thread of
+    /// the Ending. Not called after destruction.
     class Attendance {
     public:
         Attendance(Ending& ending, std::function<void()> asked);
@@ -54,17 +54,15 @@ public:
     void userQuits();
     void userStays();
 
-    /// What is under way has come a step further.
+    /// The work in progress made progress.
     void moved();
     void moved(EndingScene scene);
 
-    /// The program's work is done, with this status: only what still runs is waited for, and no
-    /// longer than for anything else.
+    /// The work is done, with this exit status. Threads still running get the usual time to end.
     void concluded(int status);
 
-    /// Says the text on standard error, if that takes it at once, and ends the process without
-    /// waiting for any thread. Nothing waits in the standard streams: whatever is printed is
-    /// flushed at once.
+    /// Writes the text to standard error, unless that would block, and ends the process without
+    /// joining any thread. Loses no output: everything printed is flushed at once.
     [[noreturn]] static void leaveProcess(int status, const std::string& text);
 
 private:
@@ -77,11 +75,11 @@ private:
     EndAtOnce endAtOnce_;
     std::mutex askedMutex_;
     std::function<void()> asked_; // guarded by askedMutex_
-    std::mutex mutex_;            // guards all below but the thread
+    std::mutex mutex_;            // guards all below except the thread
     EndingAccount account_;
     EndingScene scene_;
     bool hasEnded_ = false;
-    std::jthread watcher_; // last: it uses the above
+    std::jthread watcher_; // last, because it uses the members above
 };
 
 } // namespace vantoro

@@ -8,60 +8,59 @@
 
 namespace vantoro {
 
-/// How the program is asked to end.
+/// Who asks the program to end.
 enum class EndingRequest : std::uint8_t {
-    quitting, ///< the user quits the window; doing so again changes nothing
-    hangUp,   ///< the terminal is gone, which is told several times: never somebody's impatience
+    quitting, ///< the user quits the window; repeating it changes nothing
+    hangUp,   ///< the terminal closed; arrives several times, so a repetition means nothing
     signal,   ///< SIGINT or SIGTERM
 };
 
-/// What is done about the program's end.
+/// What the program does about a request to end.
 enum class EndingStep : std::uint8_t {
-    goOn,      ///< nobody has asked for it
-    wait,      ///< what is under way comes to its end in order
-    endAtOnce, ///< nothing is waited for any longer
+    goOn,      ///< nothing was requested
+    wait,      ///< finish the work in progress
+    endAtOnce, ///< do not wait any longer
 };
 
-/// Decides when the program ends though something in it has not come to its end: a start or a
-/// saving that hangs, as with a disk that is gone, cannot be interrupted. Every time is handed in.
-/// Any thread, but one at a time.
+/// Decides when to end a program whose work in progress hangs: a start or a save that waits for a
+/// lost disk cannot be interrupted. Callers pass in the time. Any thread, one at a time.
 class EndingAccount {
 public:
     using TimePoint = std::chrono::steady_clock::time_point;
 
-    /// For how long nothing may move once the end was asked for: less than the five seconds after
-    /// which people, and those who end sessions, take a program for dead.
+    /// The longest time without progress after a request to end. Users and session managers
+    /// consider a program dead after five seconds.
     static constexpr std::chrono::milliseconds longestStandstill{4000};
-    /// Signals that come so shortly after the first one are the same wish: what runs the program
-    /// may pass on what the terminal has sent it as well.
+    /// Signals this soon after the first count as one request: a parent process may forward the
+    /// signal that the terminal sends as well.
     static constexpr std::chrono::milliseconds sameWish{200};
 
-    /// Whether somebody sees to it that what is under way ends in order when that is asked for. At
-    /// first nobody does, and there is nothing to be ended in order.
+    /// Whether a handler finishes the work in progress on request. Initially there is neither
+    /// handler nor work.
     void setAttended(bool isAttended) { isAttended_ = isAttended; }
 
-    /// Returns whether whoever attends is to be told: of the first that is not the user's quitting,
-    /// which they know of.
+    /// Returns whether to notify the handler: for the first request other than quitting, which
+    /// comes from the handler itself.
     bool asked(EndingRequest request, TimePoint now);
 
-    /// The user stays, since a recording could not be saved. A signal is not called off.
+    /// The user stays because a recording could not be saved. Does not cancel a signal.
     void quittingCalledOff() { isQuitting_ = false; }
 
-    /// A recording has come a step further, or a part of a file was made.
+    /// A recording moved on to its next stage, or part of a file was written.
     void moved(TimePoint now) { lastMove_ = now; }
 
-    /// The work is done; what still runs is being ended.
+    /// The work is done; remaining threads are ending.
     void concluded(int status, TimePoint now);
 
     EndingStep step(TimePoint now) const;
 
-    /// When `step` says something else, though nothing happens until then.
+    /// When `step` changes by itself; none if only an event can change it.
     std::optional<TimePoint> deadline() const;
 
-    /// Whether the end was asked for again.
+    /// Whether the end was requested again.
     bool isImpatient() const { return isImpatient_; }
 
-    /// The program's, when it ends now.
+    /// The exit status if the program ends now.
     int status() const { return status_.value_or(1); }
 
 private:
@@ -70,11 +69,11 @@ private:
     bool isAttended_ = false;
     bool isQuitting_ = false;
     bool isSignalled_ = false; // or hung up
-    bool isUnheard_ = false;   // asked for when nobody attended
+    bool isUnheard_ = false;   // requested while there was no handler
     bool isImpatient_ = false;
     std::optional<TimePoint> firstSignal_; // SIGINT or SIGTERM
-    TimePoint lastMove_;                   // the request, or what moved since
-    std::optional<int> status_;            // once it is concluded
+    TimePoint lastMove_;                   // of the request, or the latest progress since
+    std::optional<int> status_;            // set by `concluded`
 };
 
 } // namespace vantoro

@@ -33,7 +33,7 @@ sigset_t stopSignalSet() {
     throw std::system_error(errno, std::generic_category(), what);
 }
 
-/// Milliseconds for poll, rounded up so that a wait never ends before its deadline.
+/// Milliseconds for poll, rounded up so that a wait never ends early.
 int pollTimeout(std::optional<StopSignals::Clock::time_point> deadline) {
     if (!deadline) {
         return -1;
@@ -87,7 +87,7 @@ StopSignals::Event StopSignals::wait(std::optional<Clock::time_point> deadline) 
     }
 }
 
-/// One that came.
+/// Takes one pending signal.
 std::optional<StopSignals::Event> StopSignals::take() noexcept {
     signalfd_siginfo signal{};
     if (::read(signals_, &signal, sizeof signal) != sizeof signal) {
@@ -98,7 +98,7 @@ std::optional<StopSignals::Event> StopSignals::take() noexcept {
 
 void StopSignals::wake() noexcept {
     const std::uint64_t one = 1;
-    // Fails only when as many wakes are already waiting as can be counted.
+    // Fails only if the counter of wakes is full; a wake is pending then.
     [[maybe_unused]] const auto written = ::write(wakes_, &one, sizeof one);
 }
 

@@ -8,11 +8,11 @@
 
 namespace vantoro {
 
-/// The signals that end a recording (SIGINT, SIGTERM, and SIGHUP unless it is ignored as by nohup),
-/// as something to wait for.
+/// Waits for the signals that end a recording: SIGINT, SIGTERM, and SIGHUP unless it is ignored, as
+/// under nohup.
 ///
-/// Constructed before any thread is started, since it blocks those signals in its own thread and in
-/// all that come from it. Throws std::system_error.
+/// Construct before any thread starts: it blocks these signals in its own thread and those started
+/// later. Throws std::system_error.
 class StopSignals {
 public:
     enum class Event : std::uint8_t {
@@ -28,14 +28,13 @@ public:
     StopSignals& operator=(const StopSignals&) = delete;
     ~StopSignals();
 
-    /// Returns at the first signal that was not yet waited for, else at a `wake`, else at the
-    /// deadline (never, when there is none).
+    /// Returns the first pending signal, else at a `wake`, else at the deadline, if any.
     Event wait(std::optional<Clock::time_point> deadline);
 
-    /// Ends the wait in progress, or the next one. Any thread.
+    /// Ends the current wait, or the next one. Any thread.
     void wake() noexcept;
 
-    /// Can be read from, and must not be, while a signal was not yet waited for.
+    /// Readable while a signal is pending; poll it, do not read it.
     int descriptor() const noexcept { return signals_; }
 
 private:

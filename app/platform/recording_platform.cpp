@@ -16,13 +16,12 @@ namespace {
 pipewire::CaptureSettings settingsFor(RecordingPlatform::Meters meters) {
     pipewire::CaptureSettings settings;
     if (meters == RecordingPlatform::Meters::none) {
-        settings.deliveryInterval =
-            std::chrono::milliseconds(500); // nobody waits for the next level
+        settings.deliveryInterval = std::chrono::milliseconds(500); // nobody is waiting for levels
     }
     return settings;
 }
 
-/// Takes what is captured, and no notice of it.
+/// Discards what is captured.
 class DiscardingReceiver final : public CaptureStreamReceiver {
 public:
     void didOutputSampleBuffer(const SampleBuffer& /*buffer*/,
@@ -35,7 +34,7 @@ public:
     void obstacleDidChange(AudioLevelSource /*source*/, SourceCondition /*obstacle*/) override {}
 };
 
-/// Records a microphone for a moment; whether that is possible.
+/// Whether a microphone can be recorded; tries it for a moment.
 bool canOpen(CaptureService& service, const std::optional<std::string>& microphone) {
     DiscardingReceiver receiver;
     SerialQueue queue("com.vantoro.microphone-request");
@@ -50,7 +49,7 @@ bool canOpen(CaptureService& service, const std::optional<std::string>& micropho
     return true;
 }
 
-/// A microphone was chosen from somewhere, yet none is shown to us.
+/// Whether a microphone is chosen but the sound server lists none.
 bool isHidden(AudioDevices& devices, const std::optional<std::string>& microphone) {
     return microphone && devices.find().microphones.empty();
 }

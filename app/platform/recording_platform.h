@@ -24,11 +24,11 @@
 
 namespace vantoro {
 
-/// Everything that recording needs of this desktop, put together. Outlives the recorder and the
-/// view model, and waits at its end for what they still have in work. Main thread.
+/// All platform services that recording needs. Must outlive the recorder and the view model; the
+/// destructor waits for their remaining work. Main thread.
 class RecordingPlatform {
 public:
-    /// Whether somebody looks at the sources' levels.
+    /// Whether levels are displayed.
     enum class Meters : std::uint8_t { shown, none };
 
     explicit RecordingPlatform(
@@ -37,16 +37,15 @@ public:
     RecordingPlatform& operator=(const RecordingPlatform&) = delete;
     ~RecordingPlatform() = default;
 
-    /// The microphone that will be recorded, where it is not the default one: a permission may
-    /// depend on it.
+    /// Sets the microphone to record, unless it is the default; its permission may depend on it.
     void setChosenMicrophone(std::optional<std::string> id);
 
-    /// Where tasks were to wait for it.
+    /// Starts deferred tasks.
     void letTasksBegin() { scheduler_.letTasksBegin(); }
 
     RecorderPlatform forRecorder();
 
-    /// `preferences` outlives the view model. For `recorderProgressed` see `ControlPlatform`.
+    /// `preferences` must outlive the view model. For `recorderProgressed` see `ControlPlatform`.
     ControlPlatform forControl(Preferences& preferences,
                                std::function<void()> recorderProgressed = {});
 
@@ -65,7 +64,7 @@ private:
     ffmpeg::LoadedToolkit mediaToolkit_{
         fileSystem_, [] { return desktop::isPowerSaved(desktop::standardBusAddresses()); }};
     posix::SystemClock clock_;
-    QtScheduler scheduler_; // last: its work ends before what it works with
+    QtScheduler scheduler_; // last: its work ends before the members it uses are destroyed
 };
 
 } // namespace vantoro

@@ -9,7 +9,7 @@
 
 namespace vantoro {
 
-/// What the user reads of buses that do not answer, in whole lines: what the program does without.
+/// Tells the user which buses do not answer and what is missing without them; complete lines.
 std::string silentBusMessages(const desktop::SilentBuses& silent, AppLanguage language);
 
 } // namespace vantoro

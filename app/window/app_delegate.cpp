@@ -13,7 +13,7 @@ namespace vantoro {
 
 namespace {
 
-// The desktop remembers the items' places by these.
+// The desktop remembers the items' positions by these names.
 const std::string systemAudioItem = "com.vantoro.app.system-audio-level";
 const std::string microphoneItem = "com.vantoro.app.microphone-level";
 
@@ -79,13 +79,13 @@ void AppDelegate::updateStatusItems(double systemLevel, double microphoneLevel) 
         description(AudioLevelSource::microphone, L10n::Key::microphone));
 }
 
-/// Of a source that delivers its name alone.
+/// The name alone if the source delivers; otherwise with its condition.
 std::string AppDelegate::description(AudioLevelSource source, L10n::Key name) const {
     const auto condition = texts_.condition(surroundings_.levels.condition(source));
     return texts_.text(name) + (condition.empty() ? condition : ": " + condition);
 }
 
-/// The desktop has turned dark or light.
+/// Redraws the meters when the desktop switches between light and dark.
 bool AppDelegate::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::ApplicationPaletteChange && watched == qApp) {
         pictures_.setColor(panelColor(QApplication::palette(), surroundings_.desktops));

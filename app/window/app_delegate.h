@@ -16,18 +16,18 @@
 
 namespace vantoro {
 
-/// Sees to what belongs to the program rather than to its window: its icon, and the two level
-/// meters in the desktop's status area, from the end of the launch until its own end. Main thread.
+/// Owns what belongs to the program rather than to its window: the application icon and the two
+/// level meters in the status area, which exist from the end of launch. Main thread.
 class AppDelegate final : public QObject {
 public:
-    /// What it works with; all of it outlives it.
+    /// The delegate's dependencies; all must outlive it.
     struct Surroundings {
         StatusArea& statusArea;
         AudioLevelStore& levels;
         const Preferences& preferences;
-        /// As XDG_CURRENT_DESKTOP has them.
+        /// In the form of XDG_CURRENT_DESKTOP.
         std::string desktops;
-        /// A click on a meter.
+        /// Called on a click on a meter.
         std::function<void(const std::string& activationToken)> showMainWindow;
     };
 
@@ -36,9 +36,9 @@ public:
     AppDelegate& operator=(const AppDelegate&) = delete;
     ~AppDelegate() override;
 
-    /// Before the window is made.
+    /// Call before the window is created.
     static void applicationWillFinishLaunching();
-    /// After it was shown first.
+    /// Call after the window was first shown.
     void applicationDidFinishLaunching();
 
 protected:
@@ -56,7 +56,7 @@ private:
     Surroundings surroundings_;
     L10n texts_;
     LevelPictures pictures_;
-    std::unique_ptr<StatusItem> systemAudioStatusItem_; // both from the registration on
+    std::unique_ptr<StatusItem> systemAudioStatusItem_; // both set once registered
     std::unique_ptr<StatusItem> microphoneStatusItem_;
     QMetaObject::Connection levelSubscription_;
     QMetaObject::Connection conditionSubscription_;

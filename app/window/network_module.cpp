@@ -4,7 +4,7 @@
 
 #include "update/record_request.h"
 
-// NOLINTNEXTLINE(misc-use-internal-linkage): found by its name
+// NOLINTNEXTLINE(misc-use-internal-linkage): looked up by name
 extern "C" const vantoro::NetworkModule vantoroNetworkModule{
     {.version = VANTORO_VERSION},
     [] { return vantoro::askOverNetwork(); },

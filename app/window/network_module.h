@@ -7,14 +7,14 @@
 
 namespace vantoro {
 
-/// What the module has under `networkModuleName`: the way to whom the network leads to.
+/// The module's entry under `networkModuleName`; creates the function that asks over the network.
 struct NetworkModule : ProgramModule {
     AskForRecord (*make)();
 };
 
 constexpr const char* networkModuleName = "vantoroNetworkModule";
 
-/// Loads the module when somebody is first asked.
+/// Loads the module on first use.
 AskForRecord askOverLoadedNetwork();
 
 } // namespace vantoro

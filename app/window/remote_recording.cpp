@@ -10,7 +10,7 @@ namespace vantoro {
 
 RemoteRecording::RemoteRecording(RecordingViewModel& model, ShowWindow showWindow)
     : model_(model), showWindow_(std::move(showWindow)) {
-    // Behind the change: with the state comes the message that is to be read.
+    // Queued: the message follows the state.
     connect(&model_, &RecordingProperties::stateChanged, this, &RemoteRecording::stateChanged,
             Qt::QueuedConnection);
 }
@@ -23,7 +23,7 @@ void RemoteRecording::start(const std::string& activationToken) {
         token_ = activationToken;
         model_.startRecording();
     } else {
-        showWindow_(activationToken); // where both sources are off, as can be seen there
+        showWindow_(activationToken); // both sources are off, as the window shows
     }
 }
 

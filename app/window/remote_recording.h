@@ -12,18 +12,18 @@
 
 namespace vantoro {
 
-/// Starts and stops recordings for somebody who does not look at the window, as the desktop's menu
-/// does, and shows the window when one could not be made: the reason stands there. Main thread.
+/// Starts and stops recordings on requests from outside the window, such as the desktop's menu.
+/// Shows the window if that fails, because the reason is displayed there. Main thread.
 class RemoteRecording final : public QObject {
 public:
     using ShowWindow = std::function<void(const std::string& activationToken)>;
 
-    /// `model` outlives it.
+    /// `model` must outlive this.
     RemoteRecording(RecordingViewModel& model, ShowWindow showWindow);
 
-    /// Nothing happens while a recording is being prepared, made or saved.
+    /// Does nothing while a recording is starting, running or being saved.
     void start(const std::string& activationToken);
-    /// Nothing happens where nothing is being recorded, or about to be.
+    /// Does nothing unless a recording is starting or running.
     void stop(const std::string& activationToken);
 
 private:
@@ -31,7 +31,7 @@ private:
 
     RecordingViewModel& model_;
     ShowWindow showWindow_;
-    std::optional<std::string> token_; ///< while a recording is under way that was asked for here
+    std::optional<std::string> token_; ///< set during a recording that was started here
 };
 
 } // namespace vantoro

@@ -9,7 +9,7 @@
 namespace vantoro {
 
 SavingFirst::SavingFirst(RecordingViewModel& model) : model_(model) {
-    // Behind the change, not within it: what is done about it finds the view model at rest.
+    // Queued, so that `done` sees the view model after the change is complete.
     connect(&model_, &RecordingProperties::stateChanged, this, &SavingFirst::goOn,
             Qt::QueuedConnection);
 }
@@ -23,7 +23,7 @@ void SavingFirst::request(Done done) {
     goOn();
 }
 
-/// Also a recording that was begun since then is stopped.
+/// Also stops a recording that was started in the meantime.
 void SavingFirst::goOn() {
     if (!isUnderWay()) {
         return;

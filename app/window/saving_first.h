@@ -11,21 +11,20 @@
 
 namespace vantoro {
 
-/// Saves what is being recorded before something that would end it. Main thread.
+/// Saves the current recording before something that would end it. Main thread.
 class SavingFirst final : public QObject {
 public:
-    /// `saved`: nothing is left to be saved. Otherwise it could not be, as the user is told by the
-    /// view model.
+    /// `saved`: nothing is left to save. False if saving failed, which the view model has reported.
     using Done = std::function<void(bool saved)>;
 
-    /// `model` outlives it.
+    /// `model` must outlive this.
     explicit SavingFirst(RecordingViewModel& model);
 
-    /// Stops a recording that runs, or is about to. `done` is called at once where there is none,
-    /// else by the event loop once it has come to its end; not after this object's.
+    /// Stops a recording that is starting or running. Calls `done` at once if there is none, else
+    /// from the event loop when it has ended; never after this object is destroyed.
     void request(Done done);
 
-    /// Whether somebody waits.
+    /// Whether a request is pending.
     bool isUnderWay() const { return !waiting_.empty(); }
 
 private:

@@ -16,7 +16,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// Of a window that nobody is shown, on a desktop that is locked, or minimised from the start.
+// The limit for a window that never paints, because the session is locked or it starts minimised.
 constexpr auto longestLaunch = 2s;
 
 } // namespace
@@ -60,7 +60,7 @@ void VantoroApp::followWindow() {
     connect(&window_, &MainWindow::quitRequested, this, [this] { quit(IfNotSaved::stay); });
     platform_.statusArea.setAvailabilityChanged([this] {
         if (!window_.isVisible()) {
-            putWindowAway(); // what it could be reached by may be gone
+            putWindowAway(); // the status area may be gone
         }
     });
 }
@@ -106,7 +106,7 @@ void VantoroApp::quit(IfNotSaved ifNotSaved) {
     }
     savingFirst_.request([this, ifNotSaved](bool saved) {
         if (saved || ifNotSaved == IfNotSaved::end) {
-            window_.hide(); // what is still in work may take a moment to end
+            window_.hide(); // remaining work may take a moment to end
             platform_.end();
         } else {
             platform_.stays();

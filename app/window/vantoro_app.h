@@ -22,57 +22,57 @@
 
 namespace vantoro {
 
-/// The desktop around the program's window. All of it outlives the program.
+/// The platform services around the window. All must outlive the `VantoroApp`.
 struct WindowPlatform {
     StatusArea& statusArea;
-    /// As XDG_CURRENT_DESKTOP has them.
+    /// In the form of XDG_CURRENT_DESKTOP.
     std::string desktops;
     std::string version;            ///< of this program
     AskForRecord askForRecord;      ///< of the latest version
-    std::function<void()> launched; ///< the window stands: what is dear may begin
-    /// A recording has come a step further, or will go to another folder.
+    std::function<void()> launched; ///< the window is visible; expensive work may start
+    /// The recording made progress, or its folder changed.
     std::function<void(RecordingState::Case state, const std::filesystem::path& folder)> moved;
-    std::function<void()> quits; ///< the user wants the program to end
-    std::function<void()> stays; ///< and thinks better of it, since something could not be saved
+    std::function<void()> quits; ///< the user quits
+    std::function<void()> stays; ///< the user stays after all, because saving failed
     std::function<void()> end;   ///< ends the event loop
 };
 
-/// The program with a window: the three objects that live as long as it does, the window that shows
-/// them, and the delegate. Main thread.
+/// The program with a window: its three long-lived objects, the window that shows them, and the
+/// delegate. Main thread.
 class VantoroApp final : public QObject {
 public:
-    /// Shows the window, and once that stands the meters in the status area.
+    /// Shows the window, then the meters in the status area.
     VantoroApp(std::unique_ptr<Recorder> recorder, const ControlPlatform& platform,
                WindowPlatform windowPlatform);
 
-    /// Brings the window to the front. With the token the desktop lets us; it may be empty.
+    /// Brings the window to the front. Some desktops require the token; it may be empty.
     void activate(const std::string& activationToken);
 
-    /// Start or stop a recording without a window in front; it comes there, with the token's leave,
-    /// when that fails. Do nothing where a recording runs already, or none does.
+    /// Start or stop a recording in the background; bring the window to the front on failure, using
+    /// the token. Do nothing if there is nothing to start or stop.
     void startRecording(const std::string& activationToken);
     void stopRecording(const std::string& activationToken);
 
-    /// What becomes of the program when a recording could not be saved.
+    /// What `quit` does if a recording could not be saved.
     enum class IfNotSaved : std::uint8_t {
-        stay, ///< the user reads why, and may ask again
-        end,  ///< what was captured waits in the recording folder for the next start
+        stay, ///< the user reads why, and may quit again
+        end,  ///< the captured sound is salvaged at the next start
     };
 
-    /// Ends the program, once what is being recorded is saved; meanwhile the window shows that.
+    /// Ends the program after saving the recording; the window shows the progress.
     void quit(IfNotSaved ifNotSaved);
 
-    /// Returns when what is being recorded is saved, or could not be, or has taken `patience`: what
-    /// was captured waits in the recording folder then. The event loop runs on meanwhile, within
-    /// the call: the session ends as soon as it returns, and cannot be told later.
+    /// Blocks until the recording is saved, saving fails, or `patience` is over; what was captured
+    /// is then salvaged at the next start. Runs the event loop meanwhile, because the session ends
+    /// as soon as this returns.
     void saveBeforeTheSessionEnds(std::chrono::milliseconds patience);
 
 private:
     void followWindow();
     void followRecording();
-    /// What the window did not have to wait for.
+    /// Starts what the window did not have to wait for.
     void endLaunch();
-    /// Out of sight, but not out of reach.
+    /// Hides the window if a meter can bring it back, else minimises it.
     void putWindowAway();
 
     WindowPlatform platform_;

@@ -32,10 +32,10 @@ namespace {
 using namespace std::chrono_literals;
 using desktop::ApplicationInstance;
 
-// A bus that hangs must not keep the window from the user, nor two windows each other.
+// A bus that hangs must not delay the window, nor another window of the program.
 constexpr auto busPatience = 1s;
 constexpr auto firstOnesPatience = 10s;
-// A saving that hangs must not hold this program in the session's end.
+// A save that hangs must not block the end of the session.
 constexpr auto sessionsPatience = 60s;
 
 bool isThereADesktop() {
@@ -44,7 +44,7 @@ bool isThereADesktop() {
            !qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM");
 }
 
-/// Everything that a program with a window is made of.
+/// All parts of a program with a window.
 class WindowRun {
 public:
     WindowRun(const std::string& sessionBus, ApplicationInstance& instance, Ending& ending)
@@ -89,8 +89,7 @@ private:
     }
 
     SettingsFile preferences_;
-    // What looks for devices and old recordings takes processors from the window that is being
-    // made.
+    // Searching for devices and old recordings would slow down the window's start.
     RecordingPlatform platform_{RecordingPlatform::Meters::shown, QtScheduler::TasksBegin::whenLet};
     desktop::StatusNotifierArea notifierArea_;
     TrayIconArea trayIconArea_;
@@ -99,7 +98,7 @@ private:
     Ending::Attendance attendance_;
 };
 
-/// Ends the program once that one has shown its window, or does not.
+/// Ends this process once the first one has shown its window, or failed to.
 void leaveItToTheFirst(ApplicationInstance& instance, const std::string& token) {
     instance.activateFirst(token, firstOnesPatience, [](bool isShown) {
         if (!isShown) {
@@ -116,7 +115,7 @@ int runWindowCommand(int& argc, char** argv, StopSignals& signals) {
         std::cerr << commandText(CommandText::desktopMissing, usersLanguage()) << "\n";
         return 2;
     }
-    // First: it changes the environment, which threads and the toolkit read.
+    // First of all: it changes the environment, which threads and the toolkit read.
     const auto silent =
         desktop::leaveOutSilentBuses(desktop::BusUsers::soundAndWindow, signals.descriptor());
     std::cerr << silentBusMessages(silent, usersLanguage());
@@ -140,7 +139,7 @@ int runWindowCommand(int& argc, char** argv, StopSignals& signals) {
         }
         try {
             run = std::make_unique<WindowRun>(sessionBus, *instance, ending);
-        } catch (...) { // nothing may be thrown through the event loop
+        } catch (...) { // the event loop does not support exceptions
             failure = std::current_exception();
             QApplication::exit(1);
         }
@@ -150,7 +149,7 @@ int runWindowCommand(int& argc, char** argv, StopSignals& signals) {
         std::rethrow_exception(failure);
     }
     ending.concluded(status);
-    instance.reset(); // who starts the program now need not wait for what this run still ends
+    instance.reset(); // so that a new start need not wait for the rest of this shutdown
     return status;
 }
 

@@ -7,21 +7,20 @@
 
 namespace vantoro {
 
-// Parts of the program that it loads when they are first used: the libraries beneath them take
-// longer to load, and more memory, than all that a window needs to be shown. Any thread.
+// Modules that the program loads on first use, because their libraries take more time and memory
+// than the whole window. Any thread.
 
-/// What a module has under its name begins with this: the version that it belongs to, for an update
-/// may replace the file under a program that runs.
+/// The start of every module's entry: the program version it belongs to, since an update may
+/// replace the file while the program runs.
 struct ProgramModule {
     const char* version;
 };
 
-/// Where the build, or the installation, of the running program has the file of this name.
+/// The path of the module with this file name, next to the program, in the build tree or installed.
 std::filesystem::path moduleBesideTheProgram(const std::string& fileName);
 
-/// What the module in the file has under this name. It stays in memory until the process ends: what
-/// it makes may live as long. Throws `Failure` where it cannot be loaded, or is not of this
-/// program's version.
+/// The entry with this name in the module. The module stays loaded until the process ends. Throws
+/// `Failure` if it cannot be loaded or is of another version.
 const ProgramModule& loadModule(const std::filesystem::path& file, const char* name);
 
 } // namespace vantoro
