@@ -15,17 +15,17 @@
 
 namespace vantoro {
 
-/// A version worth having, and where it can be downloaded.
+/// A newer version and its download location.
 struct NewerVersion {
-    std::string version; ///< as the server writes it
+    std::string version; ///< verbatim from the server
     QUrl location;
 
     bool operator==(const NewerVersion&) const = default;
 };
 
-/// What `metadata` offers to whoever has the current version: nothing when that is the latest, or
-/// newer still. Without a `url` the download is the `filename` below "/downloads/" of the base
-/// location, taken as it stands, which need not give a valid location. Any thread.
+/// The version that `metadata` offers, if it is newer than the current one. Without a `url`, the
+/// location is `filename` below "/downloads/" of the base location, not escaped, so it may be
+/// invalid. Any thread.
 std::expected<std::optional<NewerVersion>, UpdateError>
 newerVersion(const UpdateMetadata& metadata, std::string_view currentVersion,
              const QString& baseLocation);

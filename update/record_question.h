@@ -16,8 +16,7 @@ namespace vantoro {
 
 using RecordBody = std::expected<QByteArray, UpdateError>;
 
-/// A question for the record of the latest version, for as long as an answer is waited for.
-/// Destroying it ends the wait.
+/// A pending request for the latest version's record. Destruction cancels it.
 class RecordQuestion {
 public:
     RecordQuestion() = default;
@@ -26,9 +25,9 @@ public:
     virtual ~RecordQuestion() = default;
 };
 
-/// Asks for what is at a location, until `limit` has passed. `done` is called once, from the event
-/// loop, and may destroy the question. Main thread; blocks nowhere, and throws std::runtime_error
-/// where nobody can be asked.
+/// Requests the record at a location, until `limit` has passed. Calls `done` once, from the event
+/// loop; `done` may destroy the question. Main thread; never blocks. Throws std::runtime_error if
+/// requests are impossible.
 using AskForRecord = std::function<std::unique_ptr<RecordQuestion>(
     const QUrl& location, std::chrono::milliseconds limit, std::function<void(RecordBody)> done)>;
 

@@ -23,9 +23,9 @@ QNetworkRequest requestFor(const QUrl& location, const std::optional<QSslConfigu
     request.setAttribute(QNetworkRequest::RedirectPolicyAttribute,
                          QNetworkRequest::NoLessSafeRedirectPolicy);
     request.setMaximumRedirectsAllowed(mostRedirects);
-    // One small file gains nothing by it.
+    // One small file gains nothing from HTTP/2.
     request.setAttribute(QNetworkRequest::Http2AllowedAttribute, false);
-    // By the next check the computer may have slept, and the connection died unnoticed.
+    // The computer may sleep before the next check, and the connection die unnoticed.
     request.setAttribute(QNetworkRequest::ConnectionCacheExpiryTimeoutSecondsAttribute, 0);
     if (tls) {
         request.setSslConfiguration(*tls);
@@ -49,7 +49,7 @@ RecordRequest::RecordRequest(QNetworkAccessManager& network, const QUrl& locatio
     connect(reply_, &QNetworkReply::metaDataChanged, this, &RecordRequest::refuseAnnouncedExcess);
     connect(reply_, &QNetworkReply::readyRead, this, &RecordRequest::receive);
     connect(reply_, &QNetworkReply::finished, this, &RecordRequest::finish);
-    // Not the network's own limit, which every byte that arrives would prolong.
+    // Not the network's own limit, which restarts with every byte.
     connect(&limit_, &QTimer::timeout, this,
             [this] { conclude(std::unexpected(UpdateError::invalidResponse)); });
     limit_.setSingleShot(true);
@@ -84,10 +84,10 @@ void RecordRequest::finish() {
 
 void RecordRequest::conclude(RecordBody body) {
     stop();
-    std::exchange(done_, {})(std::move(body)); // this may be gone now
+    std::exchange(done_, {})(std::move(body)); // may destroy this
 }
 
-/// Whether it is not too much.
+/// False if the body is too long.
 bool RecordRequest::takeWhatIsThere() {
     body_ += reply_->readAll();
     return body_.size() <= mostBytes;
@@ -95,7 +95,7 @@ bool RecordRequest::takeWhatIsThere() {
 
 void RecordRequest::stop() {
     limit_.stop();
-    reply_->disconnect(this); // or the end of it would be heard as an answer
+    reply_->disconnect(this); // so that aborting it does not call `finish`
     reply_->abort();
 }
 

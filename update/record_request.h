@@ -16,22 +16,23 @@
 
 namespace vantoro {
 
-/// One GET over HTTPS that trusts the server with nothing: neither with our time nor with our
-/// memory, and with no more about the user than that somebody asks. Main thread; blocks nowhere.
+/// One HTTPS GET that does not trust the server: it limits time and memory, and discloses nothing
+/// about the user. Main thread; never blocks.
 class RecordRequest final : public QObject, public RecordQuestion {
 public:
-    /// A longer body is refused as soon as it is announced or seen, before and after unpacking.
+    /// The longest body, in bytes. A longer one is refused as soon as it is announced or received,
+    /// before and after decompression.
     static constexpr qsizetype mostBytes = 65536;
 
-    /// Asks past every cache. Redirects lead to HTTPS only. `limit` counts from now to the last
-    /// byte. `tls` takes the place of what the system trusts. `done` is called once, from the event
-    /// loop, and may destroy this; the body is that of an answer of success.
+    /// Bypasses all caches. Follows redirects to HTTPS only. `limit` runs from now to the last
+    /// byte. `tls` replaces the system's trust settings. Calls `done` once, from the event loop,
+    /// with the body of a successful answer; `done` may destroy this.
     RecordRequest(QNetworkAccessManager& network, const QUrl& location,
                   std::chrono::milliseconds limit, const std::optional<QSslConfiguration>& tls,
                   std::function<void(RecordBody)> done);
     RecordRequest(const RecordRequest&) = delete;
     RecordRequest& operator=(const RecordRequest&) = delete;
-    /// Ends the connection; `done` is not called any more.
+    /// Closes the connection; `done` is not called any more.
     ~RecordRequest() override;
 
 private:
@@ -44,11 +45,11 @@ private:
 
     std::function<void(RecordBody)> done_;
     QTimer limit_;
-    QNetworkReply* reply_; // the network's, and deleted through the event loop
+    QNetworkReply* reply_; // owned by the network manager; deleted through the event loop
     QByteArray body_;
 };
 
-/// Asks over the network, which is set up for the first question. `tls` as above.
+/// Asks over the network; sets the network up on the first request. `tls` as above.
 AskForRecord askOverNetwork(std::optional<QSslConfiguration> tls = {});
 
 } // namespace vantoro

@@ -14,7 +14,7 @@ namespace {
 
 std::int64_t numberSpelledBy(std::string_view piece) {
     if (piece.starts_with('+') && !piece.starts_with("+-")) {
-        piece.remove_prefix(1); // the one sign that from_chars does not know
+        piece.remove_prefix(1); // from_chars does not accept a plus sign
     }
     std::int64_t number = 0;
     const auto* const end = std::to_address(piece.end());

@@ -9,17 +9,16 @@
 
 namespace vantoro {
 
-/// A version, as numbers to compare by. Any thread.
+/// A version as comparable numbers. Any thread.
 class SemanticVersion {
 public:
-    /// Each piece between dots is a number, empty pieces aside: the one that it spells in decimal,
-    /// with or without a sign; 0 when it spells anything else, or what 64 bits do not hold.
+    /// Splits at dots and skips empty pieces. A piece is a decimal number with an optional sign;
+    /// any other, or one beyond 64 bits, counts as 0.
     explicit SemanticVersion(std::string_view text);
 
     const std::vector<std::int64_t>& components() const { return components_; }
 
-    /// By the first numbers that differ; where one version has none left it counts as 0, so that
-    /// "1.2" equals "1.2.0".
+    /// Compares number by number; missing ones count as 0, so "1.2" equals "1.2.0".
     friend std::weak_ordering operator<=>(const SemanticVersion& a, const SemanticVersion& b);
 
     friend bool operator==(const SemanticVersion& a, const SemanticVersion& b) {

@@ -14,7 +14,7 @@ namespace vantoro {
 
 namespace {
 
-/// What an answer means for whoever has the current version.
+/// The newer version, if the record describes one.
 std::expected<std::optional<NewerVersion>, UpdateError>
 newerVersionIn(const RecordBody& record, std::string_view currentVersion,
                const QString& baseLocation) {
@@ -51,7 +51,7 @@ void UpdateChecker::checkForUpdates() {
     set(Property::isChecking, &Values::isChecking, true);
     set(Property::message, &Values::message, std::nullopt);
     set(Property::downloadURL, &Values::downloadURL, std::nullopt);
-    // Setting up the network takes a moment, in which what was just set should be seen.
+    // Setting up the network takes a moment; show the new state first.
     QMetaObject::invokeMethod(this, &UpdateChecker::ask, Qt::QueuedConnection);
 }
 

@@ -20,19 +20,19 @@
 
 namespace vantoro {
 
-/// The download server that this build asks; HTTPS, without a slash at the end.
+/// The download server of this build; HTTPS, without a trailing slash.
 QString builtInBaseLocation();
 
-/// Whom to ask, for how long, and by which way.
+/// Where and how to ask, and for how long.
 struct UpdateSource {
     QString baseLocation = builtInBaseLocation();
     std::chrono::milliseconds limit = std::chrono::seconds(15); ///< for a whole check
-    AskForRecord ask = nullptr; ///< not called where the location is not HTTPS
+    AskForRecord ask = nullptr;                                 ///< called only for HTTPS locations
 };
 
-/// Asks the download server, when the user wants to know, whether there is a newer version than
-/// this one. It downloads and installs nothing. Main thread; nothing here blocks or throws. Must
-/// not be destroyed from within a notification.
+/// Asks the download server, when the user requests it, whether there is a newer version. Downloads
+/// and installs nothing. Main thread; never blocks or throws. Do not destroy it from within a
+/// notification.
 class UpdateChecker final : public QObject {
     Q_OBJECT
 
@@ -41,35 +41,35 @@ public:
 
     struct Values {
         bool isChecking = false;
-        /// What the last check found, in the language of that moment. It may quote the server: to
-        /// be shown as plain text, without markup.
+        /// The result of the last check, in the language of that moment. May quote the server: show
+        /// it as plain text, without markup.
         std::optional<std::string> message;
-        std::optional<QUrl> downloadURL; ///< only after a check found a newer version
+        std::optional<QUrl> downloadURL; ///< set only after a check found a newer version
     };
 
-    /// How the desktop opens a web page.
+    /// Opens a web page.
     using Open = std::function<void(const QUrl&)>;
 
-    /// Asks nobody: that waits for the first check. `preferences` must outlive it.
+    /// Asks nothing before the first check. `preferences` must outlive it.
     UpdateChecker(const Preferences& preferences, std::string currentVersion, Open open,
                   UpdateSource source);
     UpdateChecker(const UpdateChecker&) = delete;
     UpdateChecker& operator=(const UpdateChecker&) = delete;
-    /// Ends a check that is running: nobody hears of it any more.
+    /// Cancels a running check without notification.
     ~UpdateChecker() override;
 
     const Values& values() const { return values_; }
 
     const std::string& currentVersion() const { return currentVersion_; }
 
-    /// Where the record of the latest version is.
+    /// The location of the latest version's record.
     const QUrl& metadataURL() const { return metadataURL_; }
 
-    /// Begins a check, unless one is running.
+    /// Starts a check, unless one is running.
     void checkForUpdates();
-    /// The user has read it.
+    /// Call when the user has read the message.
     void dismissMessage();
-    /// Does nothing where there is no `downloadURL`, or none of the web.
+    /// Does nothing unless `downloadURL` is a web address.
     void openDownload() const;
 
 Q_SIGNALS:

@@ -6,9 +6,9 @@
 
 namespace vantoro {
 
-/// Why a check for a newer version came to nothing. The user is only told that it did.
+/// Why a check failed. The user learns only that it failed.
 enum class UpdateError : std::uint8_t {
-    invalidResponse, ///< no answer in time, or one that cannot be used
+    invalidResponse, ///< no answer in time, or an unusable one
 };
 
 } // namespace vantoro

@@ -16,7 +16,7 @@ constexpr auto invalidRecord = std::unexpected(UpdateError::invalidResponse);
 
 std::optional<std::string> textOf(const QJsonValue& value) {
     const auto text = value.toString();
-    // An escape sequence can stand for half of a character, which is no text.
+    // An escape sequence can produce an unpaired surrogate, which is not text.
     return value.isString() && text.isValidUtf16() ? std::optional(text.toStdString())
                                                    : std::nullopt;
 }
@@ -24,7 +24,7 @@ std::optional<std::string> textOf(const QJsonValue& value) {
 } // namespace
 
 std::expected<UpdateMetadata, UpdateError> UpdateMetadata::decode(const QByteArray& json) {
-    const auto record = QJsonDocument::fromJson(json).object(); // an empty one for anything else
+    const auto record = QJsonDocument::fromJson(json).object(); // empty for anything but an object
     const auto version = textOf(record["version"]);
     const auto filename = textOf(record["filename"]);
     if (!version || !filename) {
@@ -33,7 +33,7 @@ std::expected<UpdateMetadata, UpdateError> UpdateMetadata::decode(const QByteArr
     UpdateMetadata metadata{.version = *version, .filename = *filename, .url = std::nullopt};
     const auto location = record["url"];
     if (!location.isUndefined() && !location.isNull()) {
-        metadata.url = validURL(location.toString()); // empty, so invalid, where it is no text
+        metadata.url = validURL(location.toString()); // empty, so invalid, unless it is text
         if (!metadata.url) {
             return invalidRecord;
         }

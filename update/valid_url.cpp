@@ -6,7 +6,7 @@ namespace vantoro {
 
 std::optional<QUrl> validURL(const QString& text) {
     const QUrl location(text, QUrl::StrictMode);
-    // Half of a character would pass.
+    // QUrl accepts unpaired surrogates.
     return location.isValid() && text.isValidUtf16() ? std::optional(location) : std::nullopt;
 }
 

@@ -9,15 +9,15 @@
 
 namespace vantoro {
 
-/// The location that the text spells; none when it is no valid one. Any thread.
+/// Parses a location; none if it is invalid. Any thread.
 ///
-/// Nothing is repaired: blanks, controls, unfinished percent signs and other characters that a
-/// location must not hold make it invalid. Letters beyond ASCII may stand in it. A relative one is
-/// valid as well as an absolute one; the empty text is none.
+/// Repairs nothing: spaces, control characters, incomplete percent escapes and other forbidden
+/// characters make it invalid. Accepts non-ASCII letters, and relative locations; an empty text is
+/// invalid.
 std::optional<QUrl> validURL(const QString& text);
 
-/// Whether it may be handed to the desktop to be opened: a server said it, so only what a browser
-/// fetches from the net, and no local file or program. Any thread.
+/// Whether the desktop may open it: only http and https, since the server supplied it; never a
+/// local file or program. Any thread.
 bool isWebLocation(const QUrl& location);
 
 } // namespace vantoro
