@@ -40,10 +40,10 @@ void LevelBar::setTrouble(const QString& trouble) {
 
 void LevelBar::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
-    if (isInTrouble_) { // a whole bar of any colour would look like a level
+    if (isInTrouble_) { // a solid bar of any colour would look like a level
         QPen dashes(toneColour(Tone::attention, palette()), barHeight, Qt::CustomDashLine,
                     Qt::FlatCap);
-        dashes.setDashPattern({0.5, 0.5}); // of the bar's height
+        dashes.setDashPattern({0.5, 0.5}); // relative to the bar's height
         painter.setPen(dashes);
         painter.drawLine(QPointF(0, barHeight / 2.0), QPointF(barWidth, barHeight / 2.0));
         return;

@@ -8,7 +8,7 @@
 
 namespace vantoro {
 
-/// A level from nothing to full, as a bar that fills from its left.
+/// A level meter as a bar that fills from the left.
 class LevelBar final : public QProgressBar {
     Q_OBJECT
 
@@ -17,7 +17,7 @@ public:
 
     /// 0 to 1.
     void setLevel(double level);
-    /// Why nothing is to be expected of it; empty while something is.
+    /// Why the source delivers nothing; empty if it delivers.
     void setTrouble(const QString& trouble);
 
 protected:

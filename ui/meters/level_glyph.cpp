@@ -17,17 +17,17 @@ constexpr double faint = 0.28;
 constexpr double halfLit = 0.62;
 constexpr int waves = 3;
 
-/// Places on a square of 24 units, on the pixels of a picture.
+/// Maps a 24-unit square to the pixels of a picture.
 class Grid {
 public:
     explicit Grid(int size) : size_(size) {}
 
     double exact(double units) const { return units * size_ / 24.0; }
 
-    /// Between two pixels.
+    /// Rounded to a boundary between pixels.
     double edge(double units) const { return std::round(exact(units)); }
 
-    /// A length of whole pixels.
+    /// A length in whole pixels, at least 1.
     double whole(double units) const { return std::max(1.0, edge(units)); }
 
     double middle() const { return size_ / 2.0; }
@@ -46,7 +46,7 @@ QPainterPath stroked(const QPainterPath& line, double width) {
     return stroker.createStroke(line).simplified();
 }
 
-/// Part of a circle around the point, open to the left, as high above it as below.
+/// An arc around the point, open to the left and symmetric about the horizontal.
 QPainterPath wave(QPointF centre, double radius, double degrees) {
     const QRectF circle(centre.x() - radius, centre.y() - radius, 2 * radius, 2 * radius);
     QPainterPath path;
@@ -61,7 +61,7 @@ QPainterPath roundedBox(const QRectF& box, double radius) {
     return path;
 }
 
-/// The box and the cone, with corners that are slightly round.
+/// The box and the cone, with slightly rounded corners.
 QPainterPath loudspeakerBody(const Grid& grid) {
     const double middle = grid.middle();
     const double halfBox = middle - grid.edge(8);
@@ -96,11 +96,11 @@ LevelGlyph loudspeaker(const Grid& grid) {
     return glyph;
 }
 
-/// The capsule, and the bow that holds it on its stand.
+/// The capsule, and the arc that holds it on its stand.
 QPainterPath microphoneBody(const Grid& grid, double line) {
     const double top = grid.edge(1);
     const double bottom = grid.size() - top;
-    // As even or odd as the stand, so that both have the same middle and all edges are sharp.
+    // Odd or even like the stand's width, so that both are centred and all edges are sharp.
     const double capsule = line + 2 * std::round((grid.exact(6.4) - line) / 2);
     const double bow = capsule + 4 * line;
     const double left = grid.edge(0.8);
@@ -150,7 +150,7 @@ double strength(const LevelGlyph::Part& part, int stage) {
 } // namespace
 
 int stageOf(double level) {
-    // In this order what is no number counts as silence.
+    // In this order, NaN counts as silence.
     const double shown = std::min(std::max(lowestShownLevel, level), 1.0);
     return static_cast<int>(std::ceil(shown * levelStages));
 }

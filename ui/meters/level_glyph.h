@@ -14,25 +14,25 @@ namespace vantoro {
 
 enum class LevelSymbol : std::uint8_t {
     loudspeaker, ///< with three waves
-    microphone,  ///< with a column beside it that fills from below
+    microphone,  ///< with a column beside it that fills from the bottom
 };
 
-/// In how many steps a symbol comes to be lit.
+/// The number of stages that a symbol can show.
 inline constexpr int levelStages = 6;
 
-/// The edge lengths, in pixels, that desktops ask for.
+/// The edge lengths, in pixels, that desktops request.
 inline constexpr std::array levelGlyphSizes{16, 18, 22, 24, 32, 36, 44, 48};
 
-/// The stage of a level of 0 to 1: from 1 to `levelStages`, so that a symbol is never empty. What
-/// is outside is shown as what is nearest.
+/// The stage, 1 to `levelStages`, of a level of 0 to 1; clamps other levels. Never 0, so that a
+/// symbol is never empty.
 int stageOf(double level);
 
-/// A symbol's outline in pixels, its straight edges between them.
+/// A symbol's outline in pixels; straight edges lie between pixels.
 struct LevelGlyph {
-    /// A part that the level lights, once it reaches the stage.
+    /// A part that lights up when the level reaches its stage.
     struct Part {
         QPainterPath outline;
-        int halfLitAt; ///< the same as `litAt` for a part that knows no half
+        int halfLitAt; ///< equals `litAt` for a part that is never half lit
         int litAt;
     };
 
@@ -42,7 +42,7 @@ struct LevelGlyph {
 
 LevelGlyph outlineOf(LevelSymbol symbol, int size);
 
-/// The symbol in one colour on nothing; what is not lit is faint. Format_ARGB32.
+/// The symbol in one colour on a transparent background; unlit parts are faint. Format_ARGB32.
 QImage drawLevelGlyph(LevelSymbol symbol, int stage, int size, const QColor& color);
 
 } // namespace vantoro

@@ -10,7 +10,7 @@ namespace vantoro {
 
 namespace {
 
-constexpr int leastWidth = 152; // wider only for text that the user has made larger
+constexpr int leastWidth = 152; // wider only for enlarged text
 constexpr int spacing = 4;
 
 } // namespace

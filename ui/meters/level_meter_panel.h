@@ -8,14 +8,14 @@
 
 namespace vantoro {
 
-/// The levels of both sources, above each other.
+/// The level meters of both sources, one above the other.
 class LevelMeterPanel final : public QWidget {
     Q_OBJECT
 
 public:
     explicit LevelMeterPanel(QWidget* parent = nullptr);
 
-    /// `name` is for those who are read to.
+    /// `name` is the panel's accessible name.
     void setTexts(const QString& name, const QString& systemAudio, const QString& microphone);
     /// 0 to 1 each.
     void setLevels(double systemAudio, double microphone);

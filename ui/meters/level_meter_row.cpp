@@ -60,7 +60,7 @@ void LevelMeterRow::setLevel(double level) {
 
 void LevelMeterRow::setTrouble(const QString& trouble) {
     if (trouble == toolTip()) {
-        return; // as it is with nearly every level
+        return; // true for nearly every update
     }
     setToolTip(trouble);
     bar_->setTrouble(trouble);

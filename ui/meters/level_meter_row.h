@@ -10,7 +10,7 @@
 
 namespace vantoro {
 
-/// A source's name, its level as a bar, and in hundredths.
+/// A source's name, and its level as a bar and in percent.
 class LevelMeterRow final : public QWidget {
     Q_OBJECT
 
@@ -18,13 +18,12 @@ public:
     explicit LevelMeterRow(Tone tone, QWidget* parent = nullptr);
 
     void setTitle(const QString& title);
-    /// Of its column: wider than usual only for text that the user has made larger.
+    /// The width of the title column; wider than usual only for enlarged text.
     int titleWidth() const;
     void setTitleWidth(int width);
     /// 0 to 1.
     void setLevel(double level);
-    /// Why nothing is to be expected of the source, which the level gives way to; empty while
-    /// something is.
+    /// Why the source delivers nothing, shown instead of the level; empty if it delivers.
     void setTrouble(const QString& trouble);
 
 private:

@@ -14,15 +14,15 @@
 
 namespace vantoro {
 
-/// The pictures of levels, each drawn once: the same stage gives the same picture. Main thread.
+/// Pictures of levels; draws each stage once and caches it. Main thread.
 class LevelPictures {
 public:
     explicit LevelPictures(const QColor& color) : color_(color) {}
 
-    /// For the pictures from now on.
+    /// Applies to later pictures.
     void setColor(const QColor& color);
 
-    /// In all of `levelGlyphSizes`; `level` as `stageOf` takes it.
+    /// In all `levelGlyphSizes`; `level` as for `stageOf`.
     StatusImage picture(LevelSymbol symbol, double level);
 
 private:
@@ -30,9 +30,9 @@ private:
     std::map<std::pair<LevelSymbol, int>, StatusImage> drawn_;
 };
 
-/// What is seen on the desktop's panel, which does not tint pictures: light where the palette's
-/// text is lighter than what it is on, or where a desktop of these names (as in
-/// XDG_CURRENT_DESKTOP, with colons between) has a dark panel whatever its windows look like.
+/// A colour that is visible on the desktop's panel, which does not tint pictures. Light if the
+/// palette is dark, or if one of `desktops` (XDG_CURRENT_DESKTOP, colon-separated) has a dark panel
+/// with any palette.
 QColor panelColor(const QPalette& palette, const std::string& desktops);
 
 } // namespace vantoro

@@ -12,46 +12,44 @@
 
 namespace vantoro {
 
-/// One picture in several sizes, from which the desktop takes the one that fits.
+/// One picture in several sizes; the desktop picks one.
 using StatusImage = QList<QImage>;
 
-/// What an item is from its beginning to its end.
+/// The fixed properties of an item.
 struct StatusItemTraits {
-    /// By this name the desktop remembers the item's place from one start of the program to the
-    /// next.
+    /// Identifies the item between runs, so that the desktop can remember its position.
     std::string identifier;
     std::string toolTip;
-    /// The user's click. With the token the desktop lets us bring a window to the front; it is
-    /// empty where the desktop gives none.
+    /// Called on a click. Some desktops need the token to bring a window to the front; empty if the
+    /// desktop provides none.
     std::function<void(const std::string& activationToken)> clicked;
 };
 
-/// A small picture in the desktop's status area, for as long as it lives: its function is not
-/// called afterwards. Main thread.
+/// A small picture in the desktop's status area, shown while this exists; `clicked` is not called
+/// after destruction. Main thread.
 class StatusItem {
 public:
     virtual ~StatusItem() = default;
 
-    /// `description` is what is read aloud to those who do not see the picture. May be called as
-    /// often as one likes: the desktop is told only of what differs from what was set before, and
-    /// at most 15 times a second.
+    /// `description` is for screen readers. May be called at any rate: only changes reach the
+    /// desktop, at most 15 times a second.
     virtual void setImage(const StatusImage& image, const std::string& description) = 0;
 };
 
-/// The desktop's status area. Main thread, which is never kept waiting for the desktop.
+/// The desktop's status area. Main thread; never waits for the desktop.
 class StatusArea {
 public:
     virtual ~StatusArea() = default;
 
-    /// The item is shown when the desktop has a status area, or comes to have one. It must not live
-    /// longer than the area. A click is told of by the event loop, not from within a call.
+    /// Shows the item once the desktop has a status area. The item must not outlive the area. Calls
+    /// `clicked` from the event loop, never within a call.
     virtual std::unique_ptr<StatusItem> makeItem(StatusItemTraits traits) = 0;
 
-    /// Whether items are seen; nothing while the desktop has not said yet, which one that hangs
-    /// never does.
+    /// Whether items are visible; nothing until the desktop answers, which it may never do.
     virtual std::optional<bool> isAvailable() const = 0;
 
-    /// Called by the event loop when `isAvailable` has changed, until the area is destroyed.
+    /// `changed` is called by the event loop when `isAvailable` changes, until the area is
+    /// destroyed.
     virtual void setAvailabilityChanged(std::function<void()> changed) = 0;
 };
 

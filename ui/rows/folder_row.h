@@ -12,7 +12,7 @@
 
 namespace vantoro {
 
-/// Where recordings go.
+/// The recording folder.
 class FolderRow final : public QWidget {
     Q_OBJECT
 

@@ -8,7 +8,7 @@ namespace vantoro {
 
 namespace {
 
-constexpr int indent = 38; // below the title of the source that it belongs to
+constexpr int indent = 38; // aligns with the title of the source above
 
 } // namespace
 
@@ -42,7 +42,7 @@ void InputRow::setMicrophones(const std::vector<AudioInputDevice>& microphones,
         }
     }
     if (selected && picker_->currentData().toByteArray().toStdString() != *selected) {
-        picker_->setCurrentIndex(-1); // one that is not in the list
+        picker_->setCurrentIndex(-1); // if it is not in the list
     }
 }
 

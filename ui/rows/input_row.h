@@ -14,7 +14,7 @@
 
 namespace vantoro {
 
-/// Which microphone is recorded.
+/// The choice of microphone.
 class InputRow final : public QWidget {
     Q_OBJECT
 

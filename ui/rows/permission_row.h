@@ -12,7 +12,7 @@
 
 namespace vantoro {
 
-/// A permission: whether it is granted, and what can be done about it.
+/// A permission: whether it is granted, and how to grant it.
 class PermissionRow final : public QWidget {
     Q_OBJECT
 
@@ -23,14 +23,14 @@ public:
         QString title;
         QString allowed;
         QString required;
-        QString settings; ///< on the button
+        QString settings; ///< the button's label
         QString note;
     };
 
     explicit PermissionRow(QWidget* parent = nullptr);
 
     void setTexts(Texts texts);
-    /// The remedy counts only while the permission is not granted.
+    /// The remedy is shown only if the permission is not granted.
     void setGranted(bool granted, Remedy remedy);
 
 Q_SIGNALS:

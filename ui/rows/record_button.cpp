@@ -33,7 +33,7 @@ QFont labelFont(QFont base) {
 RecordButton::RecordButton(QWidget* parent) : QPushButton(parent) {
     setFont(labelFont(font()));
     setMinimumSize(leastWidth, leastHeight);
-    setAutoDefault(true); // so that Enter presses it, too
+    setAutoDefault(true); // Enter presses it too
     setCursor(Qt::PointingHandCursor);
 }
 

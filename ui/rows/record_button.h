@@ -6,12 +6,12 @@
 
 namespace vantoro {
 
-/// The one that everything is about: starts, or in red stops, a recording.
+/// The main button: starts a recording or, in red, stops it.
 class RecordButton final : public QPushButton {
     Q_OBJECT
 
 public:
-    /// Around what is drawn as the button, for the ring that shows the focus.
+    /// Around the drawn button, for the focus ring.
     static constexpr int ringMargin = 3;
 
     explicit RecordButton(QWidget* parent = nullptr);

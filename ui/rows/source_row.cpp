@@ -34,7 +34,7 @@ SourceRow::SourceRow(Symbol symbol, QWidget* parent)
     texts->addWidget(subtitle_);
     row->addLayout(texts, 1);
     row->addWidget(switch_);
-    // Not its clicks: a screen reader switches it without one.
+    // Not `clicked`: a screen reader toggles without clicking.
     connect(switch_, &QCheckBox::toggled, this, &SourceRow::switched);
 }
 

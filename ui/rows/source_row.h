@@ -10,7 +10,7 @@
 
 namespace vantoro {
 
-/// A source, what it is, and the switch that turns it on.
+/// A source, its description, and the switch that turns it on.
 class SourceRow final : public QWidget {
     Q_OBJECT
 

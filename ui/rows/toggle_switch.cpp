@@ -13,7 +13,7 @@ namespace {
 
 constexpr int trackWidth = 38;
 constexpr int trackHeight = 22;
-constexpr int focusMargin = 3; // where the ring is drawn that shows the focus
+constexpr int focusMargin = 3; // for the focus ring
 constexpr double knobMargin = 2.5;
 constexpr double disabledOpacity = 0.45;
 

@@ -6,7 +6,7 @@
 
 namespace vantoro {
 
-/// A check box that looks like the switch that it is.
+/// A check box drawn as a switch.
 class ToggleSwitch final : public QCheckBox {
     Q_OBJECT
 

@@ -10,23 +10,23 @@
 
 namespace vantoro {
 
-/// How loud a source is in the mix.
+/// The volume of a source in the mix.
 class VolumeRow final : public QWidget {
     Q_OBJECT
 
 public:
-    /// A slider counts in whole steps; so fine are not seen.
+    /// Sliders have integer values; steps this small are invisible.
     static constexpr int stepsPerUnit = 1000;
 
     explicit VolumeRow(Symbol symbol, QWidget* parent = nullptr);
 
     void setTitle(const QString& title);
-    /// Of its column: wider than usual only for text that the user has made larger.
+    /// The width of the title column; wider than usual only for enlarged text.
     int titleWidth() const;
     void setTitleWidth(int width);
-    /// 0 to 1.25; 1 leaves the source as it is.
+    /// 0 to 1.25; 1 leaves the source unchanged.
     void setVolume(double volume);
-    /// A row without use is dimmed.
+    /// Dims the row if false.
     void setUsable(bool usable);
 
 Q_SIGNALS:

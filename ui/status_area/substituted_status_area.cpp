@@ -42,7 +42,7 @@ private:
     StatusItemTraits traits_;
     StatusImage image_;
     std::string description_;
-    std::unique_ptr<StatusItem> first_; // there all the time, for the area to come back
+    std::unique_ptr<StatusItem> first_; // kept, in case the area comes back
     std::unique_ptr<StatusItem> substitute_;
 };
 

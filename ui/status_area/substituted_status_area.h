@@ -10,8 +10,8 @@
 
 namespace vantoro {
 
-/// A status area with a substitute, which shows the items while the first is known not to be
-/// available, if it can. Both areas must live longer than it. Main thread.
+/// A status area with a substitute, which shows the items while the first is known to be
+/// unavailable. Both must outlive this. Main thread.
 class SubstitutedStatusArea final : public StatusArea {
 public:
     SubstitutedStatusArea(StatusArea& first, StatusArea& substitute);
@@ -26,8 +26,8 @@ public:
 private:
     class Item;
 
-    /// Not in place of one that may yet turn out to be there. And a desktop that has not answered
-    /// the first had better not be asked by one that waits for answers.
+    /// False while the first may still appear; also, a desktop that does not answer the first would
+    /// block the substitute, which waits for answers.
     bool substitutes() const { return first_.isAvailable() == false; }
 
     void availabilityDidChange();

@@ -24,7 +24,7 @@ class TrayIcon final : public StatusItem {
 public:
     explicit TrayIcon(StatusItemTraits traits) : clicked_(std::move(traits.clicked)) {
         icon_.setToolTip(QString::fromStdString(traits.toolTip));
-        // Queued: a click may end the icon.
+        // Queued: a click may destroy the icon.
         QObject::connect(
             &icon_, &QSystemTrayIcon::activated, &icon_, [this] { tellOfClick(); },
             Qt::QueuedConnection);

@@ -6,18 +6,17 @@
 
 namespace vantoro {
 
-/// The status area as the toolkit knows it: the older one of X servers, say. It is available while
-/// somebody shows icons in it, of which nobody tells: whoever wants to know asks. Main thread, of a
-/// program with windows.
+/// The toolkit's status area, such as the older one of X servers. Available while a panel shows its
+/// icons; there is no change notification, so poll. Main thread of a program with windows.
 class TrayIconArea final : public StatusArea {
 public:
-    /// The toolkit knows no identifiers.
+    /// Ignores the identifier, which the toolkit does not support.
     std::unique_ptr<StatusItem> makeItem(StatusItemTraits traits) override;
 
-    /// Always known. Asking may take as long as the desktop's bus takes to answer.
+    /// Never empty. May block for as long as the session bus takes to answer.
     std::optional<bool> isAvailable() const override;
 
-    /// It is never called.
+    /// Never called.
     void setAvailabilityChanged(std::function<void()> /*changed*/) override {}
 };
 

@@ -6,9 +6,9 @@
 
 namespace vantoro {
 
-/// The desktop's style, but for one icon of the toolkit's that nobody sees, a menu bar that does
-/// not fit: it is kept as a picture, and all readers of picture files would be loaded for it before
-/// the window can be shown.
+/// The desktop's style without one icon that this program never shows: that of a menu bar which
+/// does not fit. It is an image file, and would load all image plugins before the window can be
+/// shown.
 class ApplicationStyle final : public QProxyStyle {
     Q_OBJECT
 

@@ -6,7 +6,7 @@
 
 namespace vantoro {
 
-/// One line of text that gives way in its middle when there is no room for all of it.
+/// A one-line label that elides its middle if space is short.
 class ElidedLabel final : public TonedLabel {
     Q_OBJECT
 

@@ -7,8 +7,8 @@
 
 namespace vantoro {
 
-/// Lets Return and Enter do what Space does, for a button that the toolkit lets only Space press.
-/// False when it was another key.
+/// Makes Return and Enter work like Space on a button that only accepts Space. False for any other
+/// key.
 inline bool clickByEnter(QAbstractButton& button, const QKeyEvent& event) {
     if (event.key() != Qt::Key_Return && event.key() != Qt::Key_Enter) {
         return false;

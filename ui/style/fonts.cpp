@@ -18,8 +18,8 @@ QFont scaled(QFont font, double factor) {
     return font;
 }
 
-/// Where digits differ, the one is the narrow one. Each that is measured is drawn for it, which a
-/// window that is being made has to wait for.
+/// In fonts with unequal digits, 1 is the narrow one. Measuring a digit renders it, which delays
+/// the window, so measure only two.
 bool hasDigitsOfEqualWidth(const QFont& font) {
     const QFontMetricsF metrics(font);
     return qFuzzyCompare(metrics.horizontalAdvance(QLatin1Char('1')),

@@ -6,12 +6,12 @@
 
 namespace vantoro {
 
-// Fonts by their purpose, from the one that the user reads everything in: they grow with it.
+// Fonts by purpose, derived from the user's font so that they scale with it.
 
 QFont titleFont(QFont base);
 QFont headlineFont(QFont base);
 QFont captionFont(const QFont& base);
-/// Digits that do not move while they count.
+/// Digits of equal width, so that a running counter does not jitter.
 QFont digitsFont(const QFont& base);
 
 } // namespace vantoro

@@ -6,7 +6,7 @@
 
 namespace vantoro {
 
-/// The program's picture.
+/// The program's icon.
 class HeaderIcon final : public QWidget {
     Q_OBJECT
 

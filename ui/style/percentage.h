@@ -6,7 +6,7 @@
 
 namespace vantoro {
 
-/// Whole hundredths, the rest cut off: 0.999 is 99.
+/// Truncated to whole percent: 0.999 is 99.
 inline int percentage(double value) {
     return static_cast<int>(value * 100);
 }

@@ -6,7 +6,7 @@
 
 namespace vantoro {
 
-/// A thin line across, between two things that lie above each other.
+/// A thin horizontal line between two widgets.
 class Separator final : public QWidget {
     Q_OBJECT
 

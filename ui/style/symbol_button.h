@@ -8,7 +8,7 @@
 
 namespace vantoro {
 
-/// A small button with a symbol, whose help text is also its name.
+/// A small button with a symbol; its tool tip is also its accessible name.
 class SymbolButton final : public QToolButton {
     Q_OBJECT
 

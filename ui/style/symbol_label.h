@@ -9,12 +9,12 @@
 
 namespace vantoro {
 
-/// A symbol beside a text that says the same; nothing to those who are read to.
+/// A symbol beside a text with the same meaning; hidden from screen readers.
 class SymbolLabel final : public QWidget {
     Q_OBJECT
 
 public:
-    /// `size` of the drawing, in the middle of a square or wider place of `width`.
+    /// `size` of the drawing, in pixels, centred in a label at least `width` wide.
     SymbolLabel(Symbol symbol, Tone tone, int size, int width, QWidget* parent = nullptr);
 
     void setSymbol(Symbol symbol, Tone tone);

@@ -8,8 +8,8 @@
 #include <QtGui/QPainter>
 #include <QtSvg/QSvgRenderer>
 
-/// Names the drawings for the resource system, which does not see those of a static library by
-/// itself. Outside all namespaces, as that wants it.
+/// Registers the resources, which is not automatic in a static library. Qt requires this outside
+/// all namespaces.
 static void registerDrawings() {
     Q_INIT_RESOURCE(symbols);
 }
@@ -34,7 +34,7 @@ QString fileOf(Symbol symbol) {
     return folder + QLatin1String(names[static_cast<std::size_t>(symbol)]) + QStringLiteral(".svg");
 }
 
-/// Fills what the drawing covers.
+/// Fills the drawing's shape with the colour.
 QImage tinted(Symbol symbol, const QColor& colour, const QSize& pixels) {
     QImage image(pixels, QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::transparent);

@@ -10,7 +10,7 @@
 
 namespace vantoro {
 
-/// The drawings that stand for things and actions: of one colour, sharp at any size.
+/// The symbols for things and actions: of one colour, sharp at any size.
 enum class Symbol : std::uint8_t {
     checkmark,
     checkmarkCircle,
@@ -28,13 +28,13 @@ enum class Symbol : std::uint8_t {
     waveform,
 };
 
-/// `size` in logical pixels, square; `scale` is the display's.
+/// `size` in logical pixels, square; `scale` is the display's pixel ratio.
 QPixmap symbolPixmap(Symbol symbol, const QColor& colour, int size, double scale);
 
-/// Drawn in the colour at whatever size it is asked for; paler where it is disabled.
+/// Drawn in the colour at any requested size; paler if disabled.
 QIcon symbolIcon(Symbol symbol, const QColor& colour);
 
-/// The program's own picture.
+/// The program's icon.
 QIcon applicationIcon();
 
 } // namespace vantoro

@@ -8,7 +8,7 @@
 
 namespace vantoro {
 
-/// Text of a tone, which it keeps when the desktop's palette changes.
+/// A label that keeps its tone when the desktop's palette changes.
 class TonedLabel : public QLabel {
     Q_OBJECT
 

@@ -25,7 +25,7 @@ double luminance(const QColor& colour) {
            0.0722 * linear(colour.blueF());
 }
 
-/// Nearer to the text's colour where it could not be told from the ground.
+/// Moves the colour towards the text colour until it stands out from the background.
 QColor asSymbol(QColor colour, const QPalette& palette) {
     constexpr double least = 3;
     constexpr int steps = 10;
@@ -39,7 +39,7 @@ QColor asSymbol(QColor colour, const QPalette& palette) {
     return colour;
 }
 
-/// As those palettes have that are made for people who see little.
+/// Whether this is a palette for users with impaired vision.
 bool hasHighContrast(const QPalette& palette) {
     constexpr double high = 20;
     return contrast(palette.color(QPalette::WindowText), palette.color(QPalette::Window)) >= high;

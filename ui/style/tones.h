@@ -9,7 +9,7 @@
 
 namespace vantoro {
 
-/// What a colour says, whatever palette the desktop has.
+/// What a colour means, independently of the desktop's palette.
 enum class Tone : std::uint8_t {
     accent,
     recording,
@@ -17,25 +17,24 @@ enum class Tone : std::uint8_t {
     attention,
     systemAudio,
     microphone,
-    secondary, ///< of text that matters less
-    primary,   ///< of all other text
+    secondary, ///< less important text
+    primary,   ///< all other text
 };
 
-/// Readable on the palette's window.
+/// Readable on the window background.
 QColor toneColour(Tone tone, const QPalette& palette);
 
-/// Of a box that lies on the window.
+/// The background of a box on the window.
 QColor cardColour(const QPalette& palette);
 
-/// Of a button that cannot be pressed now, and of what is written on it.
+/// The background and text of a disabled button.
 QColor idleGround(const QPalette& palette);
 QColor idleInk(const QPalette& palette);
 
-/// Of a line between two rows, or around a box.
+/// The line between two rows, or around a box.
 QColor lineColour(const QPalette& palette);
 
-/// From 1, of a colour with itself, to 21, of black and white. Text needs 4.5 to be read, or 3 when
-/// it is large.
+/// From 1 (same colour) to 21 (black and white). Readable text needs 4.5, or 3 if it is large.
 double contrast(const QColor& one, const QColor& other);
 
 bool isDark(const QPalette& palette);

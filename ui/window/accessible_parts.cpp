@@ -33,7 +33,7 @@ private:
     StatusBadge& badge_;
 };
 
-/// A value that a user reads in hundredths, whatever the widget counts in.
+/// A value read to users in percent, whatever the widget's unit.
 template <class Widget>
 class Hundredths : public QAccessibleWidget, QAccessibleValueInterface {
 public:
@@ -49,7 +49,7 @@ public:
         if (which == QAccessible::Description && !widget_.accessibleDescription().isEmpty()) {
             return widget_.accessibleDescription();
         }
-        // As a description too: not everything that reads aloud asks for a value's text.
+        // Also as the description: not all screen readers ask for a value's text.
         return which == QAccessible::Value || which == QAccessible::Description
                    ? percentageText(inUnits(widget_.value()))
                    : QAccessibleWidget::text(which);
@@ -112,13 +112,13 @@ QAccessibleInterface* describe(const QString& /*className*/, QObject* object) {
         qobject_cast<LevelMeterPanel*>(object) != nullptr) {
         return new QAccessibleWidget(static_cast<QWidget*>(object), QAccessible::Grouping);
     }
-    return nullptr; // as the toolkit does
+    return nullptr; // the toolkit's default
 }
 
 } // namespace
 
 void describeParts() {
-    QAccessible::installFactory(describe); // the same one only once
+    QAccessible::installFactory(describe); // installs it only once
 }
 
 } // namespace vantoro

@@ -4,9 +4,8 @@
 
 namespace vantoro {
 
-/// From now on our own widgets tell assistive technologies what they are: the toolkit takes them
-/// for widgets without a meaning, or counts their values in steps that mean nothing to a user.
-/// Further calls do nothing. Main thread.
+/// Makes this program's own widgets accessible. By default the toolkit gives them no role, or
+/// reports their values in internal units. Further calls do nothing. Main thread.
 void describeParts();
 
 } // namespace vantoro

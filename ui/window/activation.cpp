@@ -9,7 +9,7 @@ namespace vantoro {
 
 void bringToFront(QWidget& window, const std::string& activationToken) {
     if (!activationToken.empty()) {
-        // Where the toolkit looks when it asks a Wayland compositor; it uses each token once.
+        // Where the toolkit reads the token for a Wayland compositor; it uses each token once.
         qputenv("XDG_ACTIVATION_TOKEN", QByteArray::fromStdString(activationToken));
     }
     window.setWindowState(window.windowState() & ~Qt::WindowMinimized);

@@ -8,10 +8,9 @@ class QWidget;
 
 namespace vantoro {
 
-/// Shows a window in front of all others and gives it the keyboard, whether it was hidden,
-/// minimised or behind them. `activationToken` is the desktop's leave to do so, given to whoever
-/// the user asked for it; without one (empty) some desktops only mark the window as wanting
-/// attention. Main thread.
+/// Shows a window in front of all others and focuses it, even if it was hidden or minimised.
+/// `activationToken` is the desktop's permission to do so, issued for a user action; if it is
+/// empty, some desktops only mark the window as demanding attention. Main thread.
 void bringToFront(QWidget& window, const std::string& activationToken);
 
 } // namespace vantoro

@@ -8,7 +8,7 @@
 
 namespace vantoro {
 
-/// A titled box of rows with lines between them.
+/// A titled box of rows, separated by lines.
 class Card final : public QWidget {
     Q_OBJECT
 
@@ -17,7 +17,7 @@ public:
 
     void setTitle(const QString& title);
     void addRow(QWidget* row);
-    /// A row that belongs to the one before it: without a line between.
+    /// Adds a row without a separator above it.
     void addToLastRow(QWidget* row);
 
 private:

@@ -12,7 +12,7 @@
 
 namespace vantoro {
 
-/// The recording that was saved, and what can be done with it.
+/// The saved recording, and buttons to play and show it.
 class CompletedPanel final : public QWidget {
     Q_OBJECT
 

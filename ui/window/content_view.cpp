@@ -94,9 +94,9 @@ QWidget* ContentView::makeColumn() {
     column->addStretch();
     scroll_->setFrameShape(QFrame::NoFrame);
     scroll_->setWidgetResizable(true);
-    scroll_->setFocusPolicy(Qt::NoFocus); // it follows the focus of what is in it
+    scroll_->setFocusPolicy(Qt::NoFocus); // it scrolls to the focused widget inside it
     scroll_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    content->resize(scroll_->size()); // or all would be measured here, before it has its texts
+    content->resize(scroll_->size()); // avoids a layout without texts
     scroll_->setWidget(content);
     return scroll_;
 }
@@ -213,7 +213,7 @@ void ContentView::showProperty(Property property) {
         showPermissions();
         break;
     case Property::savingProgress:
-    case Property::errorMessage: // has a window of its own
+    case Property::errorMessage: // shown in an alert
         break;
     }
 }
@@ -229,7 +229,7 @@ void ContentView::showLastRecording() {
     const bool isNew = recording && completed_->isHidden();
     completed_->setVisible(recording.has_value());
     completed_->setRecording(recording.value_or(""));
-    if (isNew) { // into sight, once the column has made room for it
+    if (isNew) { // scrolls it into view after the layout
         QMetaObject::invokeMethod(
             this, [this] { scroll_->ensureWidgetVisible(completed_, 0, padding); },
             Qt::QueuedConnection);

@@ -20,8 +20,8 @@ class QScrollArea;
 
 namespace vantoro {
 
-/// The window's content: shows what the view model holds, and passes on what the user does. Main
-/// thread; the view model and the preferences outlive it.
+/// The window's content: shows the view model's properties and forwards the user's actions. Main
+/// thread; the view model and the preferences must outlive it.
 class ContentView final : public QWidget {
     Q_OBJECT
 
@@ -29,7 +29,7 @@ public:
     ContentView(RecordingViewModel& model, const Preferences& preferences,
                 QWidget* parent = nullptr);
 
-    /// In the language that is chosen now.
+    /// Shows everything, in the current language.
     void showAll();
 
 private:

@@ -71,12 +71,11 @@ void MainWindow::makeMenu() {
     quit_ = menu->addAction(QString());
     quit_->setShortcut(Qt::CTRL | Qt::Key_Q);
     connect(quit_, &QAction::triggered, this, &MainWindow::quitRequested);
-    addAction(quit_); // for the alerts, which offer what the window offers
+    addAction(quit_); // alerts offer the same actions
 }
 
 void MainWindow::makeShortcuts() {
-    // Keys by name: those that a desktop calls its standard ones may be the same for two of these,
-    // or none.
+    // Explicit keys: a desktop's standard keys may be equal for two of these, or undefined.
     const auto on = [this](const QKeySequence& keys, auto work) {
         connect(new QShortcut(keys, this), &QShortcut::activated, this, work);
     };
@@ -87,7 +86,7 @@ void MainWindow::makeShortcuts() {
 void MainWindow::changeEvent(QEvent* event) {
     QMainWindow::changeEvent(event);
     if (event->type() == QEvent::ActivationChange && isActiveWindow()) {
-        // Not when it is shown first: the view model has just looked by itself.
+        // Not on first activation: the view model has just refreshed.
         if (std::exchange(wasActive_, true)) {
             model_.refreshDevicesAndPermissions();
         }

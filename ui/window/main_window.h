@@ -15,8 +15,8 @@
 
 namespace vantoro {
 
-/// The only window. It does not close by itself: whoever made it decides what becomes of it. What
-/// it is given outlives it. Main thread.
+/// The program's only window. It does not close itself; its owner decides. All arguments must
+/// outlive it. Main thread.
 class MainWindow final : public QMainWindow {
     Q_OBJECT
 
@@ -25,13 +25,13 @@ public:
                const Preferences& preferences);
 
 Q_SIGNALS:
-    /// The user wants it out of sight.
+    /// The user closes the window.
     void closeRequested();
 
-    /// The user wants the program to end.
+    /// The user quits the program.
     void quitRequested();
 
-    /// Within its first painting: what waits for the window to stand may begin behind that.
+    /// Emitted during the first paint; work that was deferred for the window may start after it.
     void firstPainted();
 
 protected:

@@ -26,7 +26,7 @@ MessageAlert::~MessageAlert() {
 
 void MessageAlert::show(const std::optional<std::string>& message, const Texts& texts) {
     if (!message) {
-        delete box_.data(); // without a word: it was not the user who closed it
+        delete box_.data(); // without a callback, since the user did not close it
         return;
     }
     const auto text = QString::fromStdString(*message);
@@ -49,7 +49,7 @@ void MessageAlert::open(const QString& message, bool withAction) {
     box_->setAttribute(Qt::WA_DeleteOnClose);
     box_->setTextFormat(Qt::PlainText);
     box_->setText(message);
-    box_->addActions(window_.actions()); // by their keys, which the window does not get meanwhile
+    box_->addActions(window_.actions()); // for their shortcuts
     box_->setIconPixmap(applicationIcon().pixmap(iconSize, iconSize));
     auto* const ok = box_->addButton(QString(), QMessageBox::AcceptRole);
     box_->setDefaultButton(ok);
@@ -62,7 +62,7 @@ void MessageAlert::open(const QString& message, bool withAction) {
     QObject::connect(
         box_, &QDialog::finished, &window_,
         [this, closed = box_] {
-            if (box_ == closed) { // else another message has come since
+            if (box_ == closed) { // otherwise a newer message is open
                 dismissed_();
             }
         },

@@ -11,25 +11,25 @@
 
 namespace vantoro {
 
-/// A message over the window, shown for as long as there is one. Main thread.
+/// An alert over the window, open while there is a message. Main thread.
 class MessageAlert {
 public:
     struct Texts {
         QString title;
         QString ok;
-        QString action; ///< on a further button; empty for none
+        QString action; ///< the label of a second button; empty for none
     };
 
-    /// `dismissed` is told when the user has read it, in whatever way it was closed, and `acted`
-    /// before that when it was by the further button.
+    /// `dismissed` is called when the user closes the alert, in any way; `acted` before that if it
+    /// was by the second button.
     MessageAlert(QWidget& window, std::function<void()> dismissed,
                  std::function<void()> acted = nullptr);
     MessageAlert(const MessageAlert&) = delete;
     MessageAlert& operator=(const MessageAlert&) = delete;
     ~MessageAlert();
 
-    /// Takes an open one away where there is no message any more. One that is open already with
-    /// this message stays, in these texts.
+    /// Closes the alert if there is no message. If it already shows this message, only updates the
+    /// texts.
     void show(const std::optional<std::string>& message, const Texts& texts);
 
 private:
@@ -41,8 +41,8 @@ private:
     std::function<void()> dismissed_;
     std::function<void()> acted_;
     QPointer<QMessageBox> box_;
-    QPointer<QAbstractButton> ok_;     // of the box
-    QPointer<QAbstractButton> action_; // ... where it has that one
+    QPointer<QAbstractButton> ok_;     // in the box
+    QPointer<QAbstractButton> action_; // the second button, if any
 };
 
 } // namespace vantoro

@@ -10,7 +10,7 @@ namespace vantoro {
 namespace {
 
 constexpr int diameter = 42;
-constexpr int symbolSize = 22; // around a drawing of 17
+constexpr int symbolSize = 22; // of which the drawing fills 17
 constexpr float tint = 0.16F;
 constexpr int turnMilliseconds = 1000;
 

@@ -10,8 +10,7 @@
 
 namespace vantoro {
 
-/// A tinted circle with a symbol that says how things stand, or with a turning arc while something
-/// is being worked on.
+/// A tinted circle with a symbol of the status, or with a turning arc while busy.
 class StatusBadge final : public QWidget {
     Q_OBJECT
 

@@ -11,11 +11,11 @@
 
 namespace vantoro {
 
-/// How a state looks.
+/// The appearance of a state.
 struct StatusLook {
     Tone tone = Tone::accent;
     Symbol symbol = Symbol::recordCircle;
-    std::optional<L10n::Key> detail; ///< none for a failure, which describes itself
+    std::optional<L10n::Key> detail; ///< none for a failure, whose text is the detail
 };
 
 StatusLook lookOf(RecordingState::Case state);

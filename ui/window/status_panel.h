@@ -12,7 +12,7 @@
 
 namespace vantoro {
 
-/// How the recording stands: in a picture, in words, in time, and, while recording, in levels.
+/// The status: badge, text, elapsed time and, while recording, levels.
 class StatusPanel final : public QWidget {
     Q_OBJECT
 

@@ -11,17 +11,17 @@
 
 namespace vantoro {
 
-/// The desktop's own file dialog, or Qt's where the desktop has none for us. Main thread, of a
-/// program with windows.
+/// The desktop's file dialog, or Qt's if the desktop has none. Main thread of a program with
+/// windows.
 class WindowFolderDialog final : public FolderDialog {
 public:
     WindowFolderDialog() = default;
     WindowFolderDialog(const WindowFolderDialog&) = delete;
     WindowFolderDialog& operator=(const WindowFolderDialog&) = delete;
-    /// Takes an open dialog away.
+    /// Closes an open dialog.
     ~WindowFolderDialog() override;
 
-    /// Brings the dialog to the front when it is open already; that question is then the only one.
+    /// If the dialog is already open, brings it to the front and ignores this question.
     void choose(const FolderQuestion& question,
                 std::function<void(std::optional<std::filesystem::path>)> answer) override;
 
