@@ -29,7 +29,7 @@ void askForStatusArea(AskedBus& session, DesktopSurvey& found) {
     });
 }
 
-/// A portal has those interfaces that the desktop's back end can serve.
+/// A portal only offers the interfaces that its desktop backend supports.
 void askForPortal(AskedBus& session, DesktopSurvey& found) {
     auto question =
         propertyReading("org.freedesktop.portal.Desktop", "/org/freedesktop/portal/desktop");

@@ -10,10 +10,10 @@ namespace vantoro::desktop {
 
 std::jthread readFontConfigurationAhead() {
     try {
-        // A configuration that cannot be read is the toolkit's to meet: it asks for it again.
+        // Ignore errors: the toolkit loads the configuration again and handles them.
         return std::jthread([] { FcInit(); });
     } catch (const std::system_error&) {
-        return {}; // then it is read when it is needed
+        return {}; // without a thread, the toolkit loads it on demand
     }
 }
 

@@ -6,9 +6,9 @@
 
 namespace vantoro::desktop {
 
-/// Reads the fonts' configuration on a thread of its own, for the toolkit to find it read when it
-/// measures its first text: that takes a tenth of what a window needs until it can be shown. To be
-/// called before anything else of the window; ended when what is returned is destroyed.
+/// Loads the font configuration on a thread of its own, so that it is ready when the toolkit
+/// measures its first text; it takes a tenth of the window's start. Call before any other window
+/// code. Destroying the result joins the thread.
 std::jthread readFontConfigurationAhead();
 
 } // namespace vantoro::desktop

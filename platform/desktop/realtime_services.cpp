@@ -26,7 +26,7 @@ bool realtimeServicesAnswer(const BusAddresses& addresses, std::chrono::millisec
 }
 
 bool realtimeServicesAnswerHere() {
-    // Never destroyed: a thread that nobody waits for may ask while the program ends.
+    // Never destroyed: a detached thread may use it while the program ends.
     static auto* const kept = new Silence;
     return !kept->isSilent([] { return !realtimeServicesAnswer(standardBusAddresses()); });
 }

@@ -8,13 +8,14 @@
 
 namespace vantoro::desktop {
 
-/// Whether those who give an ordinary user's program a real-time thread, the portal and the
-/// system's service, answer, with their buses. One that is not there counts as answering, and is
-/// not started. Any thread that may wait for the limit.
+/// Whether the services that grant real-time priority, the portal and the system's, answer on their
+/// buses. A missing service counts as answering, and none is started. Blocks for at most the limit;
+/// any thread.
 bool realtimeServicesAnswer(const BusAddresses& addresses,
                             std::chrono::milliseconds limit = std::chrono::seconds(2));
 
-/// On the buses of this process's environment; who did not answer is not asked again for a minute.
+/// On the buses of this process's environment. After no answer, returns false for one minute
+/// without asking.
 bool realtimeServicesAnswerHere();
 
 } // namespace vantoro::desktop

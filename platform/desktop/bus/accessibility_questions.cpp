@@ -37,7 +37,7 @@ void AccessibilityQuestions::ask(const BusMethod& method, const std::vector<BusA
     isOver_ = !session_->ask(method, arguments, std::move(answered)) || isOver_;
 }
 
-/// A service serves calls in their order: the last answer comes behind the first.
+/// Services answer calls in order: the last answer implies the others.
 void AccessibilityQuestions::askWhetherWanted() {
     const std::string status = "org.a11y.Status";
     const auto isWanted = [](BusMessage& reply) {
@@ -72,7 +72,7 @@ void AccessibilityQuestions::askForAddress() {
         });
 }
 
-/// What the toolkit asks there as well.
+/// The toolkit asks the registry the same.
 void AccessibilityQuestions::connect(const std::string& address) {
     bus_.emplace(address, nullptr,
                  BusMethod{.service = "org.a11y.atspi.Registry",

@@ -9,15 +9,15 @@
 
 namespace vantoro::desktop {
 
-/// As the environment has it.
+/// From the environment.
 struct AccessibilitySettings {
-    std::string address;     ///< of the accessibility bus; empty where the session's bus knows it
-    bool isAlwaysOn = false; ///< whether or not anybody says that it is wanted
+    std::string address;     ///< of the accessibility bus; if empty, the session bus knows it
+    bool isAlwaysOn = false; ///< on without asking the session bus
 };
 
-/// Asks what the toolkit asks before it shows its first window to screen readers, where it waits
-/// for half a minute for each answer: whether that is wanted, where the accessibility bus is, and
-/// whether the registry on it answers. Threads as for `AskedBus`.
+/// Asks what the toolkit asks before its first window, where it waits half a minute for each
+/// answer: whether accessibility is wanted, where its bus is, and whether the registry there
+/// answers. Threads as for `AskedBus`.
 class AccessibilityQuestions {
 public:
     explicit AccessibilityQuestions(AccessibilitySettings settings);
@@ -25,16 +25,16 @@ public:
     AccessibilityQuestions& operator=(const AccessibilityQuestions&) = delete;
     ~AccessibilityQuestions() = default;
 
-    /// The session's bus, which outlives this, can be asked now.
+    /// Call when the session bus can be asked. It must outlive this.
     void begin(AskedBus& session);
 
-    /// The session's bus cannot be asked any more.
+    /// Call when the session bus cannot be asked any more.
     void endWithSession() { isOver_ = isOver_ || !bus_; }
 
-    /// Whether nothing of it can keep the toolkit waiting.
+    /// Whether nothing here can make the toolkit wait.
     bool isSettled() const { return isOver_ || (bus_ && bus_->isSettled()); }
 
-    /// Null while none is known.
+    /// Null until known.
     AskedBus* bus() { return bus_ ? &*bus_ : nullptr; }
 
 private:

@@ -14,7 +14,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-/// Nothing tells of a free place at a bus.
+/// A bus does not announce a free slot.
 constexpr std::chrono::milliseconds untilTriedAgain(20);
 
 } // namespace
@@ -81,7 +81,7 @@ bool awaitBuses(std::span<AskedBus* const> buses, Clock::time_point deadline, in
         }
     }
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(until - Clock::now());
-    // It fails for want of memory, or where a signal is handled: then all are looked at again.
+    // It fails if memory is short or a signal arrives; the loop then checks everything again.
     static_cast<void>(::poll(awaited.data(), awaited.size(),
                              static_cast<int>(std::max<std::int64_t>(left.count(), 0))));
     for (auto* const bus : buses) {

@@ -14,39 +14,38 @@
 
 namespace vantoro::desktop {
 
-/// A connection of its own to a message bus for those who wait for answers, though not longer than
-/// they like, should the bus hang or a service. Needs no event loop: whoever has it polls for what
-/// it awaits. It does not move. One thread at a time.
+/// A separate bus connection for callers that wait for answers, within a time limit in case the bus
+/// or a service hangs. Needs no event loop; the caller polls. Not movable. One thread at a time.
 class AskedBus {
 public:
-    /// Begins to connect. `first` is a question without arguments; `connecting` is called once more
-    /// can be asked, within the constructor or `process`.
+    /// Starts to connect. `first` is a call without arguments. `connecting` runs once calls can be
+    /// queued, in the constructor or in `process`.
     explicit AskedBus(std::string address, std::function<void(AskedBus&)> connecting = {},
                       BusMethod first = busMethod("GetId"));
     AskedBus(const AskedBus&) = delete;
     AskedBus& operator=(const AskedBus&) = delete;
     ~AskedBus() = default;
 
-    /// Whether the first question was answered, or there is no bus, or it broke the connection.
+    /// Whether the first call was answered, or there is no connection.
     bool isSettled() const { return isAnswered_ || isGone(); }
 
-    /// Whether all was answered that was asked so far, or cannot be.
+    /// Whether all calls so far were answered, or cannot be.
     bool areAllAnswered() const { return isGone() || (bus_ != nullptr && unanswered_ == 0); }
 
     /// Whether no answer will come.
     bool isGone() const { return bus_ == nullptr && !isFull_; }
 
-    /// Whether the bus has no place for us yet; there is nothing to poll for then.
+    /// Whether the bus refuses the connection for lack of slots; there is nothing to poll then.
     bool isFull() const { return isFull_; }
 
-    /// False when it cannot be sent. Also an error is an answer. More may be asked within one.
+    /// False if the call cannot be sent. `answered` also receives errors, and may call `ask`.
     bool ask(const BusMethod& method, const std::vector<BusArgument>& arguments,
              BusReceive answered);
 
-    /// Adds what the bus awaits now, if anything.
+    /// Adds the events to poll for, if any.
     void addTo(std::vector<pollfd>& awaited) const;
 
-    /// Takes what has come, and sends what waits.
+    /// Reads what has arrived, and writes what is queued.
     void process();
 
 private:
@@ -61,13 +60,13 @@ private:
     Bus bus_;
 };
 
-/// Returns once some of them, null for none, had something to take or to send, and did, or at the
-/// deadline. False when it was interrupted: `interruption` is a descriptor that can be read from
-/// then, or negative.
+/// Waits until some buses (null entries are skipped) were ready, and processes them, or until the
+/// deadline. False if interrupted: `interruption` is a descriptor that has become readable, or
+/// negative for none.
 bool awaitBuses(std::span<AskedBus* const> buses, std::chrono::steady_clock::time_point deadline,
                 int interruption = -1);
 
-/// Returns once all was answered on them, at the deadline, or when it was interrupted, as above.
+/// Waits until all calls were answered, until the deadline, or until interrupted as above.
 void awaitAnswers(std::span<AskedBus* const> buses, std::chrono::steady_clock::time_point deadline,
                   int interruption = -1);
 

@@ -11,16 +11,16 @@
 
 namespace vantoro::desktop {
 
-/// How long others are waited for: for `limit` at most, and not after `stop`.
+/// How long to wait for a service: at most `limit`, and not after `stop`.
 struct Patience {
-    /// A file manager may have to be started first, from a slow disk.
+    /// Long enough to start a file manager from a slow disk.
     std::chrono::milliseconds limit = std::chrono::seconds(10);
     std::stop_token stop;
 };
 
-/// Asks over a connection of its own to the bus at the address, and waits for the answer. Whether
-/// it came and is not an error; `read` is called with it then. Does not ask any more after the
-/// patience's `stop`. Any thread that may wait.
+/// Calls a method over a separate connection to the bus at the address. Returns whether an answer
+/// came that is not an error, and passes it to `read`. Sends nothing after `patience.stop`.
+/// Blocking; any thread.
 bool boundedCall(const std::string& busAddress, const BusMethod& question,
                  const std::vector<BusArgument>& arguments, const Patience& patience,
                  const BusReceive& read = {});

@@ -6,13 +6,13 @@
 
 namespace vantoro::desktop {
 
-/// Where the buses are to be found; empty for a bus that there is not.
+/// The addresses of the buses; empty for none.
 struct BusAddresses {
     std::string system;
     std::string session;
 };
 
-/// As programs are told in their environment, otherwise the places that are agreed upon.
+/// From the environment, with the standard locations as fallback.
 BusAddresses standardBusAddresses();
 
 } // namespace vantoro::desktop

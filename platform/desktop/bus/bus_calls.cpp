@@ -22,16 +22,16 @@ struct Release {
 using Message = std::unique_ptr<sd_bus_message, Release>;
 using Slot = std::unique_ptr<sd_bus_slot, Release>;
 
-/// A service may take its time: what is late is still of use.
+/// No time limit: late answers are useful too.
 constexpr auto noLimit = std::numeric_limits<std::uint64_t>::max();
 
 int hand(sd_bus_message* message, void* receive, sd_bus_error* /*answer*/) {
     BusMessage received(message);
     (*static_cast<BusReceive*>(receive))(received);
-    return 0; // others may hear it too
+    return 0; // lets other handlers see it too
 }
 
-/// Leaves the function to the bus, for as long as it may call it.
+/// Transfers ownership of the function to the bus slot.
 bool keep(sd_bus_slot* started, std::unique_ptr<BusReceive> receive) {
     const Slot slot(started);
     if (sd_bus_slot_set_destroy_callback(

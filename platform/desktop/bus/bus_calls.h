@@ -18,13 +18,13 @@ struct BusMethod {
     std::string path;
     std::string interface;
     std::string member;
-    bool startsService = true; ///< where it is not running, and can be started
+    bool startsService = true; ///< if it is not running and can be activated
 };
 
-/// What the bus itself answers.
+/// A method of the bus itself.
 BusMethod busMethod(std::string member);
 
-/// The reading of a property of a service that is running.
+/// Reads a property of a service, without starting it.
 BusMethod propertyReading(std::string service, std::string path);
 
 using BusReceive = std::function<void(BusMessage& message)>;
@@ -35,21 +35,21 @@ struct CloseBus {
 
 using Bus = std::unique_ptr<sd_bus, CloseBus>;
 
-/// A connection that is being made, if there is a bus at the address.
+/// A connection attempt.
 struct BusAttempt {
-    Bus bus;             ///< null where none is being made
-    bool isFull = false; ///< since more programs wait to be let in than the bus has places for
+    Bus bus;             ///< null if there is no bus, or it is full
+    bool isFull = false; ///< the bus has no slot for another connection
 };
 
-/// Begins to connect, and waits for nothing. The connection is then used by one thread at a time.
+/// Starts to connect; never blocks. Use the connection from one thread at a time.
 BusAttempt startConnecting(const std::string& address);
 
-/// Hands the reply over if and when it comes, an error too, as that of a connection that broke.
-/// False when it cannot be sent: then nothing is handed over.
+/// Passes the reply, which may be an error such as a broken connection, to `answered`. False if the
+/// call cannot be sent; `answered` is not called then.
 bool callAsync(sd_bus* bus, const BusMethod& method, const std::vector<BusArgument>& arguments,
                BusReceive answered);
 
-/// Hears the signals that the rule is for. False when the bus cannot be told.
+/// Subscribes to the signals that match the rule. False if the subscription cannot be sent.
 bool listenAsync(sd_bus* bus, const std::string& rule, BusReceive heard);
 
 } // namespace vantoro::desktop

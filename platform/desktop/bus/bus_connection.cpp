@@ -15,7 +15,7 @@ namespace vantoro::desktop {
 
 namespace {
 
-/// A moment of the bus's clock, which is the steady one, in microseconds.
+/// `moment`: microseconds of the monotonic clock, which the bus uses.
 std::chrono::milliseconds timeUntil(std::uint64_t moment) {
     using namespace std::chrono;
     const auto now = duration_cast<microseconds>(steady_clock::now().time_since_epoch());
@@ -86,7 +86,7 @@ bool BusConnection::isBehind() const {
 }
 
 void BusConnection::awaitEvents() {
-    const int events = sd_bus_get_events(bus_.get()); // negative once it is closed
+    const int events = sd_bus_get_events(bus_.get()); // negative if closed
     readable_->setEnabled(events > 0 && (events & POLLIN) != 0);
     writable_->setEnabled(events > 0 && (events & POLLOUT) != 0);
     std::uint64_t due = 0;

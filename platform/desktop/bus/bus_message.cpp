@@ -147,7 +147,7 @@ std::optional<BusTexts> BusMessage::readTextsOf(const std::string& name) {
 }
 
 std::optional<posix::FileDescriptor> BusMessage::readFile() {
-    const auto number = read<int>(message_, 'h'); // open until the message ends
+    const auto number = read<int>(message_, 'h'); // owned by the message
     posix::FileDescriptor copy(number ? ::fcntl(*number, F_DUPFD_CLOEXEC, 0) : -1);
     return copy.isOpen() ? std::optional(std::move(copy)) : std::nullopt;
 }

@@ -15,41 +15,41 @@ struct sd_bus_message;
 
 namespace vantoro::desktop {
 
-/// A table of named texts, the form in which optional arguments are passed.
+/// A dictionary of strings, as used for optional arguments.
 using BusOptions = std::vector<std::pair<std::string, std::string>>;
 using BusTexts = std::vector<std::string>;
 
-/// An open file, of which a copy is sent.
+/// An open file; sends a duplicate of the descriptor.
 struct BusFile {
     int descriptor = -1;
 };
 
 using BusArgument = std::variant<std::string, std::uint32_t, BusOptions, BusTexts, BusFile>;
 
-/// False when they cannot be sent.
+/// False if they cannot be sent.
 bool append(sd_bus_message* message, const std::vector<BusArgument>& arguments);
 
-/// A reply or a signal, for as long as the function runs that it is given to, on its thread.
+/// A reply or a signal. Valid only within the callback that receives it, on its thread.
 class BusMessage {
 public:
     explicit BusMessage(sd_bus_message* message) : message_(message) {}
 
     bool isError() const;
-    /// The sender's name: the bus sees to it that nobody bears another's.
+    /// The sender's unique name, which the bus guarantees.
     std::string sender() const;
 
-    /// Each reads the next argument: nothing where there is none of this kind.
+    /// Each reads the next argument; nothing if it has another type.
     std::optional<std::string> readText();
     std::optional<std::string> readPath();
     std::optional<bool> readFlag();
-    /// A flag in a variant, as the value of a property is.
+    /// Reads a boolean in a variant, the form of a property's value.
     std::optional<bool> readFlagInVariant();
     std::optional<std::string> readTextInVariant();
     std::optional<std::uint32_t> readNumber();
     std::optional<BusTexts> readTexts();
-    /// Of a table of lists of texts the list of this name, which is empty where the table has none.
+    /// From a dictionary of string lists, the list with this key; empty if the key is missing.
     std::optional<BusTexts> readTextsOf(const std::string& name);
-    /// A copy of an open file.
+    /// A duplicate of the descriptor.
     std::optional<posix::FileDescriptor> readFile();
 
 private:

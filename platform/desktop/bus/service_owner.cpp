@@ -17,7 +17,7 @@ ServiceOwner::ServiceOwner(BusConnection& bus, std::string service, std::functio
     observe(bus);
 }
 
-/// The question comes after the rule: no change gets lost between the two.
+/// Subscribes before asking, so that no change is missed.
 void ServiceOwner::observe(BusConnection& bus) {
     const auto rule = "type='signal',sender='" + busService +
                       "',interface='org.freedesktop.DBus',member='NameOwnerChanged',arg0='" +

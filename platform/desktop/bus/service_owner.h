@@ -10,15 +10,15 @@
 
 namespace vantoro::desktop {
 
-/// Follows which process has a name on the bus. Main thread. The bus must end together with this
-/// object: it does not forget what it was given.
+/// Follows which process owns a bus name. Main thread. Destroy it together with the bus, which
+/// cannot unsubscribe its callbacks.
 class ServiceOwner {
 public:
-    /// `changed` is called by the event loop: first when it is known whether there is an owner,
-    /// then with every other. Not at all without a bus.
+    /// The event loop calls `changed` when the owner, or its absence, becomes known, and on each
+    /// change. Never called without a bus.
     ServiceOwner(BusConnection& bus, std::string service, std::function<void()> changed);
 
-    /// The process's own name on the bus: empty for none, nothing while the bus has not answered.
+    /// The owner's unique name: empty if there is none, nothing until the bus answers.
     const std::optional<std::string>& name() const { return name_; }
 
 private:

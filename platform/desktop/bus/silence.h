@@ -9,12 +9,11 @@
 
 namespace vantoro::desktop {
 
-/// Remembers that somebody did not answer, so that not everyone who asks has to wait for it. Any
-/// thread.
+/// Remembers that a service did not answer, so that later callers need not wait for it. Any thread.
 class Silence {
 public:
-    /// `ask`, which waits, says whether there was no answer. Then that holds for a minute without
-    /// asking. Who comes while another asks has that one's answer.
+    /// `ask` blocks, and returns true if there was no answer; this then returns true for one minute
+    /// without asking. Concurrent callers wait for each other.
     bool isSilent(const std::function<bool()>& ask) {
         const std::lock_guard lock(mutex_);
         if (until_ && Clock::now() < *until_) {

@@ -16,10 +16,10 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-/// Of no known kind: whoever connects is told so at once, and looks for no other bus.
+/// Not a valid kind of address: connecting fails at once, without a search for another bus.
 constexpr const char* noBus = "disabled:";
 
-/// All that is asked.
+/// All questions, on their connections.
 class Inquiry {
 public:
     explicit Inquiry(const BusQuestions& questions)
@@ -47,14 +47,14 @@ public:
                 .menuRegistrar = hasWindow_ && !session_.isGone() && !hasMenuRegistrarAnswered_};
     }
 
-    /// False when it was interrupted.
+    /// False if interrupted.
     bool await(Clock::time_point deadline, int interruption) {
         const std::array<AskedBus*, 3> buses{&system_, &session_, accessibility_.bus()};
         return awaitBuses(buses, deadline, interruption);
     }
 
 private:
-    /// Any answer will do, and an error where it is not there.
+    /// Any answer counts, even an error because the service is missing.
     void askMenuRegistrar(AskedBus& session) {
         hasMenuRegistrarAnswered_ = !session.ask({.service = "com.canonical.AppMenu.Registrar",
                                                   .path = "/com/canonical/AppMenu/Registrar",
@@ -73,7 +73,7 @@ private:
     AskedBus session_;
 };
 
-/// Of a bus that hangs nothing else is asked.
+/// Reports a silent bus without the services on it.
 void leaveOutWhatIsOnIt(SilentBuses& silent, const BusQuestions& questions) {
     if (silent.session) {
         silent.menuRegistrar = false;

@@ -10,13 +10,12 @@
 
 namespace vantoro::desktop {
 
-/// Which of the buses that libraries wait for let everybody connect, and do not answer, and which
-/// services likewise.
+/// Buses and services that accept connections but do not answer, and that libraries would wait for.
 struct SilentBuses {
     bool system = false;
     bool session = false;
     bool accessibility = false;
-    /// What has the menus of all windows in one place, which the toolkit tells of each menu bar.
+    /// The global menu service, which the toolkit notifies of each menu bar.
     bool menuRegistrar = false;
 
     friend bool operator==(const SilentBuses&, const SilentBuses&) = default;
@@ -24,21 +23,21 @@ struct SilentBuses {
 
 struct BusQuestions {
     BusAddresses addresses; ///< an empty one is not asked
-    /// Of a program with a window: how it is shown to screen readers. Nothing for others.
+    /// For programs with a window.
     std::optional<AccessibilitySettings> accessibility;
-    std::chrono::milliseconds limit = std::chrono::seconds(2); ///< for all of them together
-    int interruption = -1; ///< a descriptor: once it can be read from, nothing is waited for
+    std::chrono::milliseconds limit = std::chrono::seconds(2); ///< for all questions together
+    int interruption = -1; ///< a descriptor; stops waiting when it becomes readable
 };
 
-/// Asks all of them at a time; who has not answered at the end is silent. Any thread.
+/// Asks all buses at once; those that do not answer within the limit are silent. Any thread.
 SilentBuses findSilentBuses(const BusQuestions& questions);
 
-/// Who will use the buses of this process.
+/// What uses the buses of this process.
 enum class BusUsers { soundAlone, soundAndWindow };
 
-/// Finds those of this process's environment, and takes buses out of it: toolkit, sound library and
-/// all others then go on as without a bus, where they would wait for half a minute or for ever. To
-/// be called before the first thread is started, and before a toolkit. `interruption` as above.
+/// Finds the silent buses of this process's environment and removes them from it, so that the
+/// toolkit and the sound library do not wait for them, half a minute or for ever. Call before the
+/// first thread starts and before the toolkit is used. `interruption` as above.
 SilentBuses leaveOutSilentBuses(BusUsers users, int interruption);
 
 } // namespace vantoro::desktop

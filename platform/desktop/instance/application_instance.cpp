@@ -15,7 +15,7 @@ namespace {
 
 const BusObject applicationObject{.path = "/com/vantoro/app", .interface = applicationInterface};
 
-// How the bus is asked for a name, and what it says to one that is given.
+// Flag and replies of the bus's RequestName method.
 constexpr std::uint32_t doNotQueue = 4;
 constexpr std::uint32_t nowOurs = 1;
 
@@ -31,7 +31,7 @@ void ApplicationInstance::Answer<Value>::await(std::chrono::milliseconds patienc
     QTimer::singleShot(patience, &events_, [this, otherwise] { come(otherwise); });
 }
 
-/// Not within the call: what is done about it may end this.
+/// Not within the call: the callback may destroy this.
 template <class Value>
 void ApplicationInstance::Answer<Value>::come(Value value) {
     value_ = value_.value_or(value);
@@ -46,7 +46,7 @@ void ApplicationInstance::Answer<Value>::come(Value value) {
 }
 
 ApplicationInstance::ApplicationInstance(const std::string& busAddress) : bus_(busAddress) {
-    // Not within the bus's call: what is done about it may take a while.
+    // Not within the bus's callback: handling it may take a while.
     object_.requested = [this](const ApplicationRequest& request) {
         waiting_.push_back(request);
         QMetaObject::invokeMethod(&events_, [this] { tellRequests(); }, Qt::QueuedConnection);
@@ -84,7 +84,7 @@ void ApplicationInstance::tellRequests() {
 void ApplicationInstance::activateFirst(const std::string& activationToken,
                                         std::chrono::milliseconds patience,
                                         std::function<void(bool isShown)> answered) {
-    // The older name is the one that X servers' window managers know.
+    // The older key is the one for X11.
     const BusOptions options = {{"activation-token", activationToken},
                                 {"desktop-startup-id", activationToken}};
     isShown_ = std::make_shared<Answer<bool>>();

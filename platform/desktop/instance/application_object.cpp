@@ -10,7 +10,7 @@ namespace vantoro::desktop {
 
 namespace {
 
-/// Reads the value of one entry of the table if it is a text, else steps over it.
+/// Reads a dictionary entry's value if it is a string; otherwise skips it.
 int readValue(sd_bus_message* call, const char** text) {
     const char* type = nullptr;
     const int read = sd_bus_message_peek_type(call, nullptr, &type);
@@ -21,7 +21,7 @@ int readValue(sd_bus_message* call, const char** text) {
                                          : sd_bus_message_skip(call, "v");
 }
 
-/// What the desktop tells beside: of a table of anything, the token under one of its two names.
+/// Reads the platform data, a dictionary, which holds the token under one of two keys.
 int readToken(sd_bus_message* call, std::string& token) {
     int read = sd_bus_message_enter_container(call, 'a', "{sv}");
     while (read >= 0 && (read = sd_bus_message_enter_container(call, 'e', "sv")) > 0) {
@@ -56,13 +56,13 @@ int activate(sd_bus_message* call, void* argument, sd_bus_error* /*error*/) {
     return take(call, argument, std::nullopt);
 }
 
-/// There are no documents of ours to open: whoever tries wants the window.
+/// The program opens no documents, so this only shows the window.
 int open(sd_bus_message* call, void* argument, sd_bus_error* error) {
     const int skipped = sd_bus_message_skip(call, "as");
     return skipped < 0 ? skipped : activate(call, argument, error);
 }
 
-/// By the names that the desktop entry has for them.
+/// The names are those in the desktop entry.
 std::optional<ApplicationAction> actionOf(std::string_view name) {
     if (name == "start-recording") {
         return ApplicationAction::startRecording;
@@ -83,12 +83,12 @@ int activateAction(sd_bus_message* call, void* argument, sd_bus_error* error) {
         return sd_bus_error_setf(error, SD_BUS_ERROR_INVALID_ARGS, "there is no action \"%s\"",
                                  name);
     }
-    // None of them takes parameters.
+    // No action has parameters.
     const int skipped = sd_bus_message_skip(call, "av");
     return skipped < 0 ? skipped : take(call, argument, action);
 }
 
-/// To ask the bus who calls would keep the main thread waiting; the session's bus is the user's.
+/// Checking the caller would block the main thread, and everybody on the session bus is the user.
 constexpr auto anybody = SD_BUS_VTABLE_UNPRIVILEGED;
 
 const sd_bus_vtable table[] = {

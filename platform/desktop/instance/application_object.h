@@ -11,20 +11,20 @@
 
 namespace vantoro::desktop {
 
-/// What the desktop entry offers beside opening the window.
+/// The actions in the desktop entry, besides opening the window.
 enum class ApplicationAction : std::uint8_t { startRecording, stopRecording };
 
 struct ApplicationRequest {
-    /// Absent: the window is wanted.
+    /// Absent to show the window.
     std::optional<ApplicationAction> action;
-    /// The desktop's leave to bring the window to the front; empty where it gives none.
+    /// Lets the program bring its window to the front; may be empty.
     std::string activationToken;
 
     friend bool operator==(const ApplicationRequest&, const ApplicationRequest&) = default;
 };
 
-/// What others on the bus may ask of the program, as the desktop does that starts it
-/// (org.freedesktop.Application). Main thread.
+/// The program's object on the bus (org.freedesktop.Application), for the desktop and other runs.
+/// Main thread.
 struct ApplicationObject {
     /// Called by the bus.
     std::function<void(const ApplicationRequest& request)> requested;
@@ -32,7 +32,7 @@ struct ApplicationObject {
 
 constexpr const char* applicationInterface = "org.freedesktop.Application";
 
-/// The interface's methods, over an `ApplicationObject`.
+/// The interface's methods, for an `ApplicationObject`.
 const sd_bus_vtable* applicationTable();
 
 } // namespace vantoro::desktop

@@ -22,7 +22,7 @@ struct ReleaseObject {
 template <class Object>
 using Owned = std::unique_ptr<Object, ReleaseObject>;
 
-/// A context for calls of this thread alone, as long as it lives.
+/// A main context that serves only this thread's calls.
 class OwnContext {
 public:
     OwnContext() : context_(g_main_context_new()) { g_main_context_push_thread_default(context_); }
@@ -41,7 +41,7 @@ private:
     GMainContext* context_;
 };
 
-/// The application's description where it is started as a process, and not asked over the bus.
+/// The application's desktop entry if it is started as a process, not over the bus.
 GDesktopAppInfo* startedAsProcess(GAppInfo* application) {
     if (!G_IS_DESKTOP_APP_INFO(application)) {
         return nullptr;
@@ -52,14 +52,14 @@ GDesktopAppInfo* startedAsProcess(GAppInfo* application) {
 }
 
 bool startProcess(GDesktopAppInfo* application, GList* uris) {
-    // In a session of its own, so that what ends our terminal's programs does not end it.
+    // In a session of its own, so that it survives the end of our terminal.
     return g_desktop_app_info_launch_uris_as_manager(
                application, uris, nullptr, G_SPAWN_SEARCH_PATH,
                [](gpointer) { static_cast<void>(::setsid()); }, nullptr, nullptr, nullptr,
                nullptr) != FALSE;
 }
 
-/// Waits for the application's word that it has opened them.
+/// Asks over the bus, and waits until the application has opened them.
 bool askToOpen(GAppInfo* application, GList* uris, GCancellable* cancellable) {
     OwnContext context;
     Owned<GAsyncResult> answer;
@@ -77,13 +77,13 @@ bool askToOpen(GAppInfo* application, GList* uris, GCancellable* cancellable) {
 }
 
 bool openInAContextOfItsOwn(std::string uri, GCancellable* cancellable) {
-    // Held while GIO uses it, which would otherwise have the program end with the session bus.
+    // Hold the connection while GIO uses it; GIO would end the program if the session bus closed.
     const Owned<GDBusConnection> bus(g_bus_get_sync(G_BUS_TYPE_SESSION, cancellable, nullptr));
     if (bus) {
         g_dbus_connection_set_exit_on_close(bus.get(), FALSE);
     }
     if (g_cancellable_is_cancelled(cancellable) != FALSE) {
-        return false; // what comes next may want the bus as well, and could not be called off
+        return false; // GIO's fallback may use the bus too, and cannot be cancelled
     }
     const Owned<GFile> file(g_file_new_for_uri(uri.c_str()));
     const Owned<GAppInfo> application(
@@ -106,9 +106,8 @@ bool openWithDefaultApplication(const std::string& uri, const Patience& patience
     const Owned<GCancellable> cancellable(g_cancellable_new());
     const std::stop_callback giveUp(patience.stop,
                                     [&] { g_cancellable_cancel(cancellable.get()); });
-    // On a new thread: GIO leaves things to be finished by the context of the thread that calls it.
-    // That of a thread of Qt's may never be served again; a thread without one leaves them to the
-    // main thread.
+    // On a new thread: GIO defers work to the calling thread's context. A Qt thread's context may
+    // never run again, and a thread without one defers to the main thread.
     auto opened = std::async(std::launch::async, openInAContextOfItsOwn, uri, cancellable.get());
     if (opened.wait_for(patience.limit) == std::future_status::timeout) {
         g_cancellable_cancel(cancellable.get());

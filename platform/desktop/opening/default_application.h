@@ -8,9 +8,8 @@
 
 namespace vantoro::desktop {
 
-/// Opens an address, a file's or another, with the application that the desktop has for it, in a
-/// session of its own: it outlives us. False where there is no such application, or it cannot be
-/// started. Any thread that may wait.
+/// Opens the URI with its default application, in a session of its own, so that the application
+/// outlives this program. False if there is none or it cannot be started. Blocking; any thread.
 bool openWithDefaultApplication(const std::string& uri, const Patience& patience);
 
 } // namespace vantoro::desktop

@@ -9,7 +9,7 @@ namespace vantoro::desktop {
 
 namespace {
 
-/// Without a last separator, which would make a folder differ from itself.
+/// Without a trailing separator, which would make equal folders compare as different.
 std::filesystem::path plain(const std::filesystem::path& folder) {
     const auto normal = folder.lexically_normal();
     return normal.has_filename() ? normal : normal.parent_path();

@@ -6,10 +6,10 @@
 
 namespace vantoro::desktop {
 
-/// Where recordings go until the user chooses a folder; it need not exist. Any thread.
+/// The default recording folder; it need not exist. Any thread.
 std::filesystem::path defaultRecordingFolder();
 
-/// `movies`: the user's folder of films, empty, or the home folder itself, where there is none.
+/// `movies`: the user's video folder; if there is none, empty or the home folder itself.
 std::filesystem::path recordingFolderIn(const std::filesystem::path& movies,
                                         const std::filesystem::path& home);
 

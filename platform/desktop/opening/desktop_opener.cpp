@@ -24,13 +24,13 @@ namespace {
 
 constexpr std::chrono::milliseconds limitWithoutABus = std::chrono::seconds(2);
 
-/// Here, and not by whoever asks: whether there is a sandbox is read from the disk.
+/// Here rather than in the caller, because detecting a sandbox reads the disk.
 Opening openingIn(const OpenerSurroundings& surroundings, std::stop_token stop) {
     const bool isSilent =
         findSilentBuses({.addresses = {.system = {}, .session = surroundings.sessionBus},
                          .accessibility = std::nullopt})
             .session;
-    // What is opened without the bus takes no time, unless it comes across that bus itself.
+    // Opening without the bus is quick, unless GIO tries that bus on its own.
     const auto limit =
         isSilent ? std::min(surroundings.limit, limitWithoutABus) : surroundings.limit;
     return {isSilent ? std::string() : surroundings.sessionBus,
@@ -38,7 +38,7 @@ Opening openingIn(const OpenerSurroundings& surroundings, std::stop_token stop) 
             Patience{.limit = limit, .stop = std::move(stop)}};
 }
 
-/// The address of the page that was installed with us, or nothing.
+/// The URL of the installed help page, or empty.
 std::string installedHelpPage() {
     const auto page =
         QStandardPaths::locate(QStandardPaths::GenericDataLocation, "vantoro/help/privacy.html");
@@ -54,7 +54,7 @@ bool showHelp(const OpenerSurroundings& surroundings, const std::stop_token& sto
 
 DesktopOpener::DesktopOpener(OpenerSurroundings surroundings)
     : surroundings_(std::move(surroundings)) {
-    threads_.setMaxThreadCount(std::numeric_limits<int>::max()); // nothing waits for a thread
+    threads_.setMaxThreadCount(std::numeric_limits<int>::max()); // no request waits for a thread
 }
 
 DesktopOpener::~DesktopOpener() {
@@ -78,7 +78,7 @@ void DesktopOpener::open(const std::filesystem::path& file) {
 
 void DesktopOpener::openFolder(const std::filesystem::path& folder) {
     start(folder, [folder, surroundings = surroundings_, stop = stop_.get_token()] {
-        // A folder that cannot be made cannot be shown either, which will be told.
+        // If this fails, showing the folder fails too and is reported.
         std::error_code ignored;
         std::filesystem::create_directories(folder, ignored);
         return openingIn(surroundings, stop).folder(folder);

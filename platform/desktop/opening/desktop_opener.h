@@ -15,33 +15,33 @@
 
 namespace vantoro::desktop {
 
-/// Where the opener finds the desktop.
+/// The parts of the environment that the opener uses.
 struct OpenerSurroundings {
     std::string sessionBus = standardBusAddresses().session;
     std::filesystem::path sandboxDescription = "/.flatpak-info";
-    /// The desktop's names, with colons between.
+    /// The desktop's names, colon-separated.
     std::string desktops = qgetenv("XDG_CURRENT_DESKTOP").toStdString();
-    /// The folders that programs are looked for in, with colons between.
+    /// The folders to search for programs, colon-separated.
     std::string searchPath = qgetenv("PATH").toStdString();
-    /// The address of a page about permissions, for desktops without settings of their own; where
-    /// it is empty, the page that was installed with us.
+    /// The URL of a page about permissions, for desktops without such settings; if empty, the
+    /// installed page.
     std::string helpPage;
-    /// What a single service is waited for before the next best thing is tried.
+    /// How long to wait for one service before trying the next option.
     std::chrono::milliseconds limit = std::chrono::seconds(10);
 };
 
-/// A Linux desktop. The work is done on threads of its own, and what is asked for does not wait for
-/// what was asked for before. What could not be opened is named on standard error.
+/// An opener for Linux desktops. Works on its own threads; requests do not wait for each other.
+/// Reports failures on standard error.
 ///
-/// In a sandbox everything goes through the portal; outside, through the applications that the user
-/// chose and the file manager.
+/// Inside a sandbox it uses only the portal; otherwise the user's default applications and the file
+/// manager.
 class DesktopOpener final : public Opener {
 public:
     explicit DesktopOpener(OpenerSurroundings surroundings = {});
     DesktopOpener(const DesktopOpener&) = delete;
     DesktopOpener& operator=(const DesktopOpener&) = delete;
-    /// Gives up what is under way: waits for the disk perhaps, for no service. What was started
-    /// goes on.
+    /// Cancels pending requests; may wait for the disk, but not for a service. Started programs
+    /// keep running.
     ~DesktopOpener() override;
 
     void open(const std::filesystem::path& file) override;
@@ -51,7 +51,7 @@ public:
     void openPrivacySettings(const std::string& anchor) override;
 
 private:
-    /// Has it done on a thread; `what` is named when it returns false.
+    /// Runs the work on a thread; reports `what` as failed if it returns false.
     void start(const std::string& what, std::function<bool()> work);
 
     OpenerSurroundings surroundings_;

@@ -11,7 +11,7 @@ namespace vantoro::desktop {
 
 bool startDetached(const CommandLine& command, const std::string& searchPath) {
     const auto folders = QString::fromStdString(searchPath).split(':', Qt::SkipEmptyParts);
-    // Without folders, Qt would take those of the environment.
+    // If given no folders, Qt would search those of the environment.
     const auto program =
         folders.isEmpty()
             ? QString()

@@ -8,9 +8,9 @@
 
 namespace vantoro::desktop {
 
-/// Starts a program that outlives us and is nobody's child of ours, with nothing to read. False
-/// where `searchPath` (folders with colons between) has no such program, or it cannot be started.
-/// Any thread that may wait for the disk.
+/// Starts a program that outlives this one, is not its child, and has empty standard input. False
+/// if `searchPath` (colon-separated folders) lacks it, or it cannot be started. May block on the
+/// disk; any thread.
 bool startDetached(const CommandLine& command, const std::string& searchPath);
 
 } // namespace vantoro::desktop

@@ -9,10 +9,10 @@
 
 namespace vantoro::desktop {
 
-/// The file manager that the desktop names on its session bus, whose address this is; it is started
-/// where it is not running. True when it took the request. Threads as for `boundedCall`.
+/// The desktop's file manager, on the session bus at the given address; it is started if necessary.
+/// True if it accepted the request. Threads as for `boundedCall`.
 
-/// Shows the file's folder with the file selected.
+/// Opens the file's folder with the file selected.
 bool showFileInManager(const std::string& bus, const std::filesystem::path& file,
                        const Patience& patience);
 

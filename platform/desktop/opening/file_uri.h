@@ -8,11 +8,11 @@
 
 namespace vantoro::desktop {
 
-/// The address of a file, whatever bytes its name is made of. A relative path is taken from the
-/// current folder. Any thread.
+/// The URI of a file, whose name may be any bytes. A relative path is resolved against the current
+/// folder. Any thread.
 std::string fileURI(const std::filesystem::path& file);
 
-/// The file that an address is of: absent where it is not one of this machine's files.
+/// The file of a URI; absent unless it is a local file's.
 std::optional<std::filesystem::path> fileOfURI(const std::string& uri);
 
 } // namespace vantoro::desktop

@@ -9,20 +9,20 @@
 
 namespace vantoro::desktop {
 
-/// The ways of having something opened, each with what is tried in its place. All return whether
-/// any of it was taken. Threads as for `boundedCall`.
+/// Opens things, with fallbacks. Each returns whether any attempt was accepted. Threads as for
+/// `boundedCall`.
 class Opening {
 public:
-    /// `sessionBus`: its address. `sandboxed`: by the portal, and by nothing else.
+    /// `sessionBus`: its address. `sandboxed`: use only the portal.
     Opening(std::string sessionBus, bool sandboxed, Patience patience);
 
-    /// With its application; where it has none, the file is revealed.
+    /// With its default application; reveals the file if it has none.
     bool file(const std::filesystem::path& file) const;
     /// In the file manager.
     bool folder(const std::filesystem::path& folder) const;
-    /// The file's folder with the file selected, or at least the folder.
+    /// Opens the file's folder with the file selected, or at least the folder.
     bool reveal(const std::filesystem::path& file) const;
-    /// A page: a file's address or another.
+    /// Opens a page: a file's URI or any other.
     bool address(const std::string& address) const;
 
 private:

@@ -23,8 +23,8 @@ bool ask(const std::string& bus, const char* method, const BusArgument& what,
 
 bool askAboutFile(const std::string& bus, const char* method, const std::filesystem::path& path,
                   const Patience& patience) {
-    // For reading: the portal refuses a descriptor that could write to what is only to be opened,
-    // as one without any mode can. Not blocking: the path may be anything by now.
+    // Read-only: the portal refuses descriptors that can write, and O_PATH ones. Non-blocking: the
+    // path may name a FIFO or a device by now.
     const posix::FileDescriptor file(
         ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
     return file.isOpen() && ask(bus, method, BusFile{file.get()}, patience);

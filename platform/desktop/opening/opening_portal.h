@@ -9,19 +9,18 @@
 
 namespace vantoro::desktop {
 
-/// How a program in a sandbox has things opened outside it. True when the portal took the request:
-/// which application opens it may then be the user's choice, for which nobody waits. Threads as for
-/// `boundedCall`.
+/// Opens things outside the sandbox. True if the portal accepted the request; it may then ask the
+/// user for an application, which nothing waits for. Threads as for `boundedCall`.
 
 /// Opens a file with an application, or a folder in the file manager.
 bool openByPortal(const std::string& bus, const std::filesystem::path& path,
                   const Patience& patience);
 
-/// Shows the file's folder with the file selected.
+/// Opens the file's folder with the file selected.
 bool revealByPortal(const std::string& bus, const std::filesystem::path& file,
                     const Patience& patience);
 
-/// Opens an address that is not a file's.
+/// Opens a URI that is not a file's.
 bool openAddressByPortal(const std::string& bus, const std::string& address,
                          const Patience& patience);
 

@@ -15,7 +15,7 @@ struct Pages {
     std::vector<CommandLine> commands;
 };
 
-/// Both permissions are decided where sound is: desktops have no switch for the screen's sound.
+/// Both permissions lead to the sound settings: no desktop has a setting for system audio.
 const std::vector<Pages>& knownDesktops() {
     static const std::vector<Pages> known{
         {.desktops = {"gnome", "unity", "pantheon", "budgie"},
@@ -44,7 +44,7 @@ std::vector<std::string> namesIn(const std::string& desktops) {
     return names;
 }
 
-/// The first name that says something decides: it is the desktop's own.
+/// The first known name decides, since the most specific name comes first.
 std::vector<CommandLine> ownPages(const std::string& desktops) {
     for (const auto& name : namesIn(desktops)) {
         for (const auto& [known, commands] : knownDesktops()) {
@@ -64,7 +64,7 @@ std::vector<CommandLine> privacySettingsPages(const std::string& desktops,
         return {};
     }
     auto pages = ownPages(desktops);
-    // Mixers that run anywhere, where a desktop has no page of its own or lacks it.
+    // Mixers for any desktop, in case its own page is missing.
     pages.push_back({"pavucontrol"});
     pages.push_back({"pwvucontrol"});
     return pages;

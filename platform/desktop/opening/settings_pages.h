@@ -7,12 +7,12 @@
 
 namespace vantoro::desktop {
 
-/// A program's name, and its arguments.
+/// A program's name, then its arguments.
 using CommandLine = std::vector<std::string>;
 
-/// What shows the settings about recording, the best first; not every one need be installed. None
-/// for a permission that we do not know. `desktops`: the names of the desktop and of those that it
-/// resembles, with colons between.
+/// Programs that show the recording settings, best first; some may not be installed. Empty for an
+/// unknown permission. `desktops`: the names of the desktop and those it derives from,
+/// colon-separated.
 std::vector<CommandLine> privacySettingsPages(const std::string& desktops,
                                               const std::string& anchor);
 

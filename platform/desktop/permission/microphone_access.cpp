@@ -43,7 +43,7 @@ AuthorizationStatus DesktopMicrophoneAccess::status() {
 bool DesktopMicrophoneAccess::request() {
     const bool opened = openMicrophone_();
     const auto afterwards = status();
-    // Nothing need have been written down: then what we could do is what we may do.
+    // The store may hold no entry afterwards; then the attempt's success decides.
     return afterwards == AuthorizationStatus::notDetermined
                ? opened
                : afterwards == AuthorizationStatus::authorized;

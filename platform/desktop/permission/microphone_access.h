@@ -13,24 +13,23 @@
 
 namespace vantoro::desktop {
 
-/// Where a sandbox describes itself to the programs in it.
+/// Where a sandbox describes itself to the programs inside.
 constexpr const char* standardSandboxDescription = "/.flatpak-info";
 
-/// All that decides whether a microphone may be recorded, as it is now, but for whether it is
-/// hidden. Any thread; takes two limits at most.
+/// The current facts, except `chosenSourceHidden`. Any thread; blocks for at most twice the limit.
 MicrophoneFacts
 microphoneFacts(const std::string& sessionBus,
                 const std::filesystem::path& sandboxDescription = standardSandboxDescription,
                 std::chrono::milliseconds limit = answerLimit);
 
-/// What the desktop says about recording a microphone, read anew at each call. Any thread; takes
-/// two limits at most, about a second, when the desktop's services do not answer, beside what the
-/// two functions given to it take.
+/// The desktop's decision about the microphone, read anew at each call. Any thread. If the
+/// desktop's services do not answer, blocks for at most twice the limit, about a second, plus the
+/// time of the two given functions.
 class DesktopMicrophoneAccess final : public MicrophoneAccess {
 public:
-    /// `openMicrophone` records for a moment, which is how a sandbox is made to ask its user: true
-    /// when it could. `chosenSourceIsHidden`: whether a microphone was chosen that the sound
-    /// server does not let us see. Either may be called on any thread.
+    /// `openMicrophone` records for a moment, which makes a sandbox prompt its user; true if that
+    /// worked. `chosenSourceIsHidden`: whether the sound server hides the chosen microphone. Either
+    /// may be called on any thread.
     DesktopMicrophoneAccess(std::function<bool()> openMicrophone,
                             std::function<bool()> chosenSourceIsHidden,
                             std::string sessionBus = standardBusAddresses().session,

@@ -21,7 +21,7 @@ AuthorizationStatus microphoneAuthorization(const MicrophoneFacts& facts) {
     if (facts.sandboxed && facts.stored == StoredPermission::refused) {
         return AuthorizationStatus::denied;
     }
-    // Before the user has decided a sandbox may well hide every microphone: asking comes first.
+    // A sandbox may hide all microphones until the user decides, so ask first.
     if (facts.sandboxed && facts.stored == StoredPermission::undecided) {
         return AuthorizationStatus::notDetermined;
     }

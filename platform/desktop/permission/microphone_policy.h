@@ -10,22 +10,23 @@
 
 namespace vantoro::desktop {
 
-/// What a sandbox's permission store knows of our use of the microphone.
+/// A sandbox's stored permission for the microphone.
 enum class StoredPermission : std::uint8_t { undecided, granted, refused };
 
-/// The store's words for one application: "yes", "no", or "ask" and none for undecided.
+/// From the permission store's entry for one application: "yes", "no", or "ask" or nothing for
+/// undecided.
 StoredPermission storedPermission(const std::vector<std::string>& words);
 
-/// All that decides whether a microphone may be recorded.
+/// Everything that decides whether the microphone may be recorded.
 struct MicrophoneFacts {
     bool disabledBySettings = false; ///< the desktop's privacy settings
     bool disabledByPortal = false;   ///< the desktop portal's lockdown
     bool sandboxed = false;
-    StoredPermission stored = StoredPermission::undecided; ///< counts in a sandbox only
-    bool chosenSourceHidden = false; ///< the sound server keeps the chosen microphone from us
+    StoredPermission stored = StoredPermission::undecided; ///< used only in a sandbox
+    bool chosenSourceHidden = false; ///< the sound server hides the chosen microphone
 };
 
-/// No desktop enforces its settings on programs outside a sandbox: we heed them of our own will.
+/// Outside a sandbox no desktop enforces its settings; this program obeys them anyway.
 AuthorizationStatus microphoneAuthorization(const MicrophoneFacts& facts);
 
 } // namespace vantoro::desktop

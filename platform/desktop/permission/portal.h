@@ -9,16 +9,16 @@
 
 namespace vantoro::desktop {
 
-/// What the desktop's portal services say about the microphone, on the session's bus, whose address
-/// this is. Each question takes `limit` at most, the connecting and all its calls together; no
-/// answer counts as none given. Any thread.
+/// The portal's information about the microphone, from the session bus at the given address. Each
+/// call takes at most `limit` in total; no answer counts as no restriction and no decision. Any
+/// thread.
 constexpr std::chrono::milliseconds answerLimit{500};
 
-/// Asks the portal's desktop backends that are running, and starts none.
+/// Asks the portal's running backends; starts none.
 bool microphoneDisabledByPortal(const std::string& sessionBus,
                                 std::chrono::milliseconds limit = answerLimit);
 
-/// For programs in a sandbox.
+/// For sandboxed programs.
 StoredPermission storedMicrophonePermission(const std::string& sessionBus,
                                             const std::string& applicationID,
                                             std::chrono::milliseconds limit = answerLimit);

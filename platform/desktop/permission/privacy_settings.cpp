@@ -22,7 +22,7 @@ struct ReleaseSettings {
 
 bool microphoneDisabledBySettings(const char* schema) {
     constexpr const char* key = "disable-microphone";
-    // Settings without a schema, or without the key, end the program: both are looked for first.
+    // GSettings aborts the program if the schema or key is missing, so check first.
     GSettingsSchemaSource* const installed = g_settings_schema_source_get_default();
     if (installed == nullptr) {
         return false;

@@ -4,8 +4,8 @@
 
 namespace vantoro::desktop {
 
-/// Whether the desktop's privacy settings, as they are now, keep programs from the microphone.
-/// False where the desktop has no such setting. Any thread.
+/// Whether the desktop's privacy settings currently disable microphones. False if there is no such
+/// setting. Any thread.
 bool microphoneDisabledBySettings(const char* schema = "org.gnome.desktop.privacy");
 
 } // namespace vantoro::desktop

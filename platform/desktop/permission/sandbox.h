@@ -8,8 +8,8 @@
 
 namespace vantoro::desktop {
 
-/// The name by which a sandbox knows this program: absent outside a sandbox, empty where the
-/// description that a sandbox provides (a key file) does not tell. Any thread.
+/// The application ID that the sandbox gives this program; absent outside a sandbox, empty if the
+/// sandbox's description (a key file) lacks it. Any thread.
 std::optional<std::string> sandboxedApplicationID(const std::filesystem::path& description);
 
 } // namespace vantoro::desktop

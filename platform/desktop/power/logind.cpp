@@ -35,7 +35,7 @@ std::shared_ptr<LogindInhibitor> Logind::inhibit(std::string what, std::string r
     return inhibitor;
 }
 
-/// Of another process than before: what the last one held off has ended with it.
+/// The new owner knows nothing of locks taken from the previous one.
 void Logind::takeAll() {
     for (const auto& wanted : inhibitors_) {
         if (const auto inhibitor = wanted.lock()) {
@@ -62,7 +62,7 @@ void Logind::take(const std::shared_ptr<LogindInhibitor>& inhibitor) {
     }
     bus_.call(inhibition(owner), {inhibitor->what, "Vantoro", inhibitor->reason, inhibitor->mode},
               [this, wanted = std::weak_ptr(inhibitor)](BusMessage& reply) {
-                  const auto taken = wanted.lock(); // otherwise the lock ends with the reply
+                  const auto taken = wanted.lock(); // otherwise the lock is released with the reply
                   if (taken && !reply.isError() && reply.sender() == owner_.name()) {
                       taken->lock = reply.readFile().value_or(posix::FileDescriptor());
                   }

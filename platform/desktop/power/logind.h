@@ -14,35 +14,33 @@
 
 namespace vantoro::desktop {
 
-/// Something that logind puts off or does not do. It ends when the last who shares it gives it up,
-/// at once, and even while logind has not answered yet.
+/// A logind inhibitor lock. Released as soon as its last owner drops it, even if logind has not
+/// answered yet.
 struct LogindInhibitor {
     std::string what;
     std::string reason;
     std::string mode;
-    posix::FileDescriptor lock = posix::FileDescriptor(); ///< in force for as long as it is open
+    posix::FileDescriptor lock = posix::FileDescriptor(); ///< in force while open
 };
 
 constexpr const char* loginManagerService = "org.freedesktop.login1";
 
-/// How whichever process is the login manager, by its own name on the bus, is asked to put
-/// something off: what, who wants it, the reason, and the mode. Its answer holds the lock, which
-/// ends with it unless it is kept.
+/// The method that takes an inhibitor lock, on the login manager with this unique bus name. Its
+/// arguments: what, who, the reason, and the mode. The reply holds the lock; keep a duplicate.
 BusMethod inhibition(const std::string& owner);
 
-/// The login manager of the system, whichever process is it at the moment; where there is none it
-/// may come yet. Main thread.
+/// The login manager, whichever process owns its name; it may appear or restart at any time. Main
+/// thread.
 class Logind {
 public:
-    /// Both are called by the bus. `prepareForSleep`: true before a sleep, false after it;
-    /// `prepareForShutdown`: true before the machine is switched off or started anew, false when
-    /// that was called off. The bus must end together with this object: it does not forget what it
-    /// was given.
+    /// Both are called by the bus. `prepareForSleep`: true before sleep, false after it.
+    /// `prepareForShutdown`: true before a shutdown or restart, false if that is cancelled. Destroy
+    /// this together with the bus, which cannot unsubscribe its callbacks.
     Logind(BusConnection& systemBus, std::function<void(bool)> prepareForSleep,
            std::function<void(bool)> prepareForShutdown);
 
-    /// Taken as soon as there is a login manager, and again whenever another takes its place.
-    /// `mode` is "delay" or "block".
+    /// Takes the lock as soon as there is a login manager, and again after each restart. `mode` is
+    /// "delay" or "block".
     std::shared_ptr<LogindInhibitor> inhibit(std::string what, std::string reason,
                                              std::string mode);
 

@@ -9,7 +9,7 @@ namespace vantoro::desktop {
 
 namespace {
 
-constexpr std::uint32_t suspend = 4; // the portal's flag; the others are about the session
+constexpr std::uint32_t suspend = 4; // the portal's flag; the other flags concern the session
 
 void close(BusConnection& bus, const std::string& portal, const std::string& handle) {
     bus.call({.service = portal,
@@ -21,12 +21,12 @@ void close(BusConnection& bus, const std::string& portal, const std::string& han
 
 } // namespace
 
-/// Outlives the inhibition that nobody has answered: then it is given back once that is.
+/// May outlive the inhibition, to release it if the answer comes late.
 struct PortalInhibition::Request {
     BusConnection& bus;
-    QTimer* patience; ///< null when the inhibition has ended
+    QTimer* patience; ///< null once the inhibition has ended
     std::string portal;
-    std::string handle; ///< empty until it is granted
+    std::string handle; ///< empty until granted
 
     void answered(BusMessage& reply) {
         if (const auto granted = reply.isError() ? std::nullopt : reply.readPath()) {

@@ -13,18 +13,17 @@
 
 namespace vantoro::desktop {
 
-/// Has the desktop portal keep the machine from suspending for want of a user; the screen may lock
-/// and go dark. Main thread.
+/// Keeps the machine from suspending when idle, through the desktop portal; the screen may still
+/// lock and turn off. Main thread.
 class PortalInhibition {
 public:
-    /// `refused` is called once, by the event loop, when there is no portal, when it refuses, or
-    /// when it has not answered after `patience`. What it grants later holds all the same. The bus
-    /// must live longer.
+    /// The event loop calls `refused` once, if there is no portal, it refuses, or it does not
+    /// answer within `patience`. A later grant still takes effect. The bus must outlive this.
     PortalInhibition(BusConnection& sessionBus, const std::string& reason,
                      std::chrono::milliseconds patience, std::function<void()> refused);
     PortalInhibition(const PortalInhibition&) = delete;
     PortalInhibition& operator=(const PortalInhibition&) = delete;
-    /// Gives back what was granted, and what is granted later. `refused` is not called any more.
+    /// Releases the inhibition, even one that is granted later. `refused` is not called any more.
     ~PortalInhibition();
 
 private:

@@ -15,7 +15,7 @@
 
 namespace vantoro::desktop {
 
-/// Calls on the event loop: each of its functions may end everything, itself included.
+/// Runs callbacks from the event loop, since each may destroy everything, this included.
 class DesktopPowerManagement::Observation final : public PowerObservation {
 public:
     Observation(std::shared_ptr<Services> services, std::function<void()> willSleep,
@@ -33,10 +33,10 @@ private:
     std::shared_ptr<Services> services_;
     std::function<void()> willSleep_;
     std::function<void()> didWake_;
-    QObject observed_; // with it ends what is under way
+    QObject observed_; // cancels pending callbacks on destruction
 };
 
-/// What they all share, and what the last of them ends.
+/// Shared by all observations and holds; the last one destroys it.
 class DesktopPowerManagement::Services {
 public:
     explicit Services(const BusAddresses& buses)
@@ -45,7 +45,7 @@ public:
           logind_(
               systemBus_, [this](bool sleeping) { tell(sleeping); },
               [this](bool shuttingDown) {
-                  if (shuttingDown) { // called off, it leaves nothing to do
+                  if (shuttingDown) { // cancelled, so there is nothing to do
                       tell(true);
                   }
               }) {}
@@ -102,9 +102,9 @@ public:
 private:
     std::shared_ptr<Services> services_;
     std::shared_ptr<LogindInhibitor> sleep_;
-    // Apart from the former: a user may be allowed one and not the other.
+    // A lock of its own: a user may be allowed one of the two only.
     std::shared_ptr<LogindInhibitor> shutdown_;
-    std::shared_ptr<LogindInhibitor> idle_; // where the portal does not do it
+    std::shared_ptr<LogindInhibitor> idle_; // the fallback if the portal refuses
     PortalInhibition portal_;
 };
 

@@ -11,15 +11,14 @@
 
 namespace vantoro::desktop {
 
-/// The login manager's sleep and wake, and what it and the desktop portal do to hold them off. A
-/// shutdown is held off, and told of, as a sleep that nothing wakes from. Where these are missing,
-/// nothing is observed and nothing held off.
+/// Sleep through the login manager and the desktop portal. A shutdown is held off, and reported, as
+/// a sleep without a wake. Without these services nothing is observed or held off.
 ///
-/// Never keeps the main thread waiting, and wakes it only when there is something to do. What it
-/// returns may live longer than it, and then goes on working.
+/// Never blocks the main thread, and wakes it only if there is work. The returned objects may
+/// outlive this and keep working.
 class DesktopPowerManagement final : public PowerManagement {
 public:
-    /// `portalPatience`: how long the portal may take to answer until the login manager is asked.
+    /// `portalPatience`: how long to wait for the portal before asking the login manager instead.
     explicit DesktopPowerManagement(
         const BusAddresses& buses = standardBusAddresses(),
         std::chrono::milliseconds portalPatience = std::chrono::seconds(3));

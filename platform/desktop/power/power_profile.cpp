@@ -28,7 +28,7 @@ bool isPowerSaved(const BusAddresses& buses) {
         askForProfile(bus, "org.freedesktop.UPower.PowerProfiles",
                       "/org/freedesktop/UPower/PowerProfiles");
     });
-    AskedBus session(buses.session, [&](AskedBus& bus) { // in a sandbox it alone can be asked
+    AskedBus session(buses.session, [&](AskedBus& bus) { // a sandbox can only ask the portal
         bus.ask(
             propertyReading("org.freedesktop.portal.Desktop", "/org/freedesktop/portal/desktop"),
             {"org.freedesktop.portal.PowerProfileMonitor", "power-saver-enabled"},

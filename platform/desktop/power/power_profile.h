@@ -6,9 +6,9 @@
 
 namespace vantoro::desktop {
 
-/// Whether the user chose the desktop's profile that saves power. No where there are no profiles:
-/// no service is started for the question. Yes where a bus does not answer, for then nothing more
-/// is asked of it. Any thread that may wait, a second at most.
+/// Whether the user chose the power saving profile. False if there are no profiles; starts no
+/// service to find out. True if a bus does not answer, so that nothing more is asked of it. Blocks
+/// for at most a second; any thread.
 bool isPowerSaved(const BusAddresses& buses);
 
 } // namespace vantoro::desktop

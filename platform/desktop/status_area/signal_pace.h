@@ -8,14 +8,14 @@
 
 namespace vantoro::desktop {
 
-/// Keeps what others are told of at 15 times in any second at most.
+/// Limits signals to 15 per second.
 class SignalPace {
 public:
     using Moment = std::chrono::steady_clock::time_point;
 
     static constexpr std::chrono::milliseconds leastDistance{67};
 
-    /// How long to wait until they may be told of something; zero for at once.
+    /// How long to wait before the next signal; zero if none.
     std::chrono::milliseconds waitAt(Moment now) const {
         using namespace std::chrono;
         if (!last_) {

@@ -72,7 +72,7 @@ void StatusNotifierArea::setAvailable(bool isAvailable) {
         return;
     }
     isAvailable_ = isAvailable;
-    // Not within the bus's call: what is done about it may end the area.
+    // Not within the bus's callback: the handler may destroy the area.
     QMetaObject::invokeMethod(
         &events_,
         [this] {

@@ -16,19 +16,19 @@
 
 namespace vantoro::desktop {
 
-/// How a watcher of status notifier items is asked for a panel that shows them.
+/// The question to a watcher of status notifier items whether a panel shows them.
 BusMethod panelReading(const std::string& watcher);
 std::vector<BusArgument> panelProperty();
 
-/// By its answer: one that does not say is taken for part of a panel.
+/// True if the reply says so, or does not say: then the watcher is taken for part of a panel.
 bool mayHavePanel(BusMessage& reply);
 
-/// The status area of a desktop that has a watcher of status notifier items: it is available while
-/// there is one that knows of a panel to show them. Main thread, which never waits for the bus.
+/// The status area of desktops with a watcher for status notifier items. Available while the
+/// watcher has a panel that shows them. Main thread; never waits for the bus.
 class StatusNotifierArea final : public StatusArea {
 public:
-    /// At the address there is the session's bus; empty for none. On a bus that hangs it is never
-    /// known whether the area is available.
+    /// `busAddress`: of the session bus; empty for none. On a bus that hangs, availability stays
+    /// unknown.
     explicit StatusNotifierArea(std::string busAddress);
     StatusNotifierArea(const StatusNotifierArea&) = delete;
     StatusNotifierArea& operator=(const StatusNotifierArea&) = delete;
@@ -49,7 +49,7 @@ private:
     std::function<void()> changed_;
     std::optional<bool> isAvailable_;
     int itemsMade_ = 0;
-    QObject events_; ///< with it ends what is under way
+    QObject events_; ///< cancels pending callbacks on destruction
     BusConnection bus_;
     ServiceOwner watcher_;
 };

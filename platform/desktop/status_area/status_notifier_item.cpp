@@ -15,7 +15,7 @@ namespace {
 const BusObject itemObject{.path = "/StatusNotifierItem",
                            .interface = "org.kde.StatusNotifierItem"};
 
-// How the bus is asked for a name, and what it says to one that is given.
+// Flag and replies of the bus's RequestName method.
 constexpr std::uint32_t doNotQueue = 4;
 constexpr std::uint32_t nowOurs = 1;
 
@@ -29,13 +29,13 @@ StatusNotifierItem::StatusNotifierItem(const std::string& busAddress, const std:
     object_.identifier = std::move(traits.identifier);
     object_.description = traits.toolTip;
     object_.toolTip = std::move(traits.toolTip);
-    // Not within the bus's call: a click may end the item.
+    // Not within the bus's callback: a click may destroy the item.
     object_.clicked = [this](const std::string& token) {
         QMetaObject::invokeMethod(
             &events_, [clicked = clicked_, token] { clicked(token); }, Qt::QueuedConnection);
     };
     untilTold_.setSingleShot(true);
-    untilTold_.setTimerType(Qt::PreciseTimer); // a coarse one may be early
+    untilTold_.setTimerType(Qt::PreciseTimer); // coarse timers may be early
     QObject::connect(&untilTold_, &QTimer::timeout, &events_, [this] { tell(); });
     if (bus_.offer(itemObject, statusNotifierTable(), &object_)) {
         takeBusName(busName);
@@ -56,7 +56,7 @@ void StatusNotifierItem::setImage(const StatusImage& image, const std::string& d
 
 void StatusNotifierItem::takeBusName(const std::string& busName) {
     bus_.call(busMethod("RequestName"), {busName, doNotQueue}, [this, busName](BusMessage& reply) {
-        // The watcher takes a path for that of an object of whoever calls.
+        // A path in place of a name registers an object of the calling connection.
         const bool ours = !reply.isError() && reply.readNumber() == nowOurs;
         knownAs_ = ours ? busName : itemObject.path;
         introduce();
@@ -87,18 +87,18 @@ void StatusNotifierItem::tellSoon() {
 }
 
 void StatusNotifierItem::tell() {
-    if (!isWatched()) { // whoever comes reads everything
+    if (!isWatched()) { // a watcher reads everything when it appears
         imageIsNews_ = false;
         descriptionIsNews_ = false;
         return;
     }
-    if (bus_.isBehind()) { // more would only wait in memory
+    if (bus_.isBehind()) { // a signal would only fill the queue
         untilTold_.start(std::chrono::seconds(1));
         return;
     }
     pace_.toldAt(SignalPace::Moment::clock::now());
     if (std::exchange(descriptionIsNews_, false)) {
-        imageIsNews_ = true; // panels read the picture's description together with the picture
+        imageIsNews_ = true; // panels read the description together with the picture
         bus_.tell(itemObject, "NewTitle");
     }
     if (std::exchange(imageIsNews_, false)) {

@@ -18,13 +18,12 @@ namespace vantoro::desktop {
 
 constexpr const char* statusNotifierWatcher = "org.kde.StatusNotifierWatcher";
 
-/// One item by the protocol of panels (org.kde.StatusNotifierItem), on a connection of its own to
-/// the session's bus: panels tell items apart by their names on the bus. Registered with whichever
-/// watcher there is, and again with every one that takes its place. Main thread.
+/// One status notifier item (org.kde.StatusNotifierItem), on its own session bus connection,
+/// because panels identify items by bus name. Registers with the current watcher and each later
+/// one. Main thread.
 class StatusNotifierItem final : public StatusItem {
 public:
-    /// `busName` is a name that nobody else should have; where it cannot be had, the item is known
-    /// by its connection.
+    /// `busName` should be unique; if it is taken, the connection's name identifies the item.
     StatusNotifierItem(const std::string& busAddress, const std::string& busName,
                        StatusItemTraits traits);
     StatusNotifierItem(const StatusNotifierItem&) = delete;
@@ -44,12 +43,12 @@ private:
 
     std::function<void(const std::string&)> clicked_;
     StatusNotifierObject object_;
-    std::string knownAs_;            ///< to the watcher; empty until it is known
-    bool imageIsNews_ = false;       ///< to those who show the item
-    bool descriptionIsNews_ = false; ///< likewise
+    std::string knownAs_;            ///< the name registered with the watcher; empty until then
+    bool imageIsNews_ = false;       ///< not yet signalled
+    bool descriptionIsNews_ = false; ///< not yet signalled
     SignalPace pace_;
     QTimer untilTold_;
-    QObject events_; ///< with it ends what is under way
+    QObject events_; ///< cancels pending callbacks on destruction
     BusConnection bus_;
     ServiceOwner watcher_;
 };

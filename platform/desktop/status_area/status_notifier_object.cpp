@@ -18,7 +18,7 @@ StatusNotifierObject& objectOf(void* argument) {
     return *static_cast<StatusNotifierObject*>(argument);
 }
 
-/// Whole pixels in the network's order of bytes, the first being how opaque it is.
+/// ARGB pixels in network byte order.
 std::vector<std::uint8_t> bytesOf(const QImage& image) {
     const auto pixels = image.convertToFormat(QImage::Format_ARGB32);
     std::vector<std::uint8_t> bytes(static_cast<std::size_t>(pixels.sizeInBytes()));
@@ -64,7 +64,7 @@ int pixels(sd_bus* /*bus*/, const char* /*path*/, const char* /*interface*/,
     return appendImage(reply, objectOf(argument).image);
 }
 
-/// Without a picture: the panel has the item's own.
+/// Has no picture, because the panel shows the item's.
 int toolTip(sd_bus* /*bus*/, const char* /*path*/, const char* /*interface*/,
             const char* /*property*/, sd_bus_message* reply, void* argument,
             sd_bus_error* /*error*/) {
@@ -97,7 +97,7 @@ int takeToken(sd_bus_message* call, void* argument, sd_bus_error* /*error*/) {
 
 using Object = StatusNotifierObject;
 
-// Nothing here is secret or does harm. To ask the bus who calls would keep the main thread waiting.
+// Nothing here is secret or harmful, and checking the caller would block the main thread.
 constexpr auto anybody = SD_BUS_VTABLE_UNPRIVILEGED;
 constexpr auto constant = SD_BUS_VTABLE_PROPERTY_CONST;
 

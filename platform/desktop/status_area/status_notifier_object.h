@@ -10,22 +10,22 @@
 
 namespace vantoro::desktop {
 
-/// What a panel reads of an item in its status area, and what it calls. Main thread.
+/// The properties of a status notifier item and its click handler. Main thread.
 struct StatusNotifierObject {
     std::string identifier;
     std::string toolTip;
     std::string description;
     StatusImage image;
-    /// Called by the bus with the token that was given for this click, or with an empty one.
+    /// Called by the bus with the click's activation token, or an empty one.
     std::function<void(const std::string& activationToken)> clicked;
 
-    std::string nextActivationToken; ///< of the click that is about to come
+    std::string nextActivationToken; ///< for the next click
     std::string category = "Hardware";
     std::string status = "Active";
-    std::string none; ///< we have no icons that go by names
+    std::string none; ///< icon names, which are not used
 };
 
-/// The interface's methods, properties and signals, over a `StatusNotifierObject`.
+/// The interface's methods, properties and signals, for a `StatusNotifierObject`.
 const sd_bus_vtable* statusNotifierTable();
 
 } // namespace vantoro::desktop
