@@ -108,8 +108,9 @@ public:
         RecordRun run(command, ending, preferences);
         RecordingPlatform platform(RecordingPlatform::Meters::none);
         platform.setChosenMicrophone(command.microphoneID);
-        RecordingViewModel model(std::make_unique<AudioRecorder>(platform.forRecorder()),
-                                 platform.forControl(preferences, [&ending] { ending.moved(); }));
+        RecordingViewModel model(
+            std::make_unique<AudioRecorder>(platform.forRecorder()),
+            platform.forControl(preferences, [&ending] { ending.progressed(); }));
         return run.run(model);
     }
 

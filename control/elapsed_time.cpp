@@ -19,7 +19,7 @@ std::string formattedElapsedTime(std::int64_t seconds) {
     return seconds < 3600 ? clock : twoDigits(seconds / 3600) + ":" + clock;
 }
 
-std::int64_t oneSecondLater(std::int64_t seconds) {
+std::int64_t nextSecond(std::int64_t seconds) {
     std::int64_t later = 0;
     if (__builtin_add_overflow(seconds, std::int64_t{1}, &later)) {
         std::abort();

@@ -11,6 +11,6 @@ namespace vantoro {
 std::string formattedElapsedTime(std::int64_t seconds);
 
 /// Aborts the program on overflow.
-std::int64_t oneSecondLater(std::int64_t seconds);
+std::int64_t nextSecond(std::int64_t seconds);
 
 } // namespace vantoro

@@ -171,7 +171,7 @@ std::string RecordingViewModel::interruptionText() const {
 
 void RecordingViewModel::startTimer() {
     timer_ = platform_.scheduler.startTimer(std::chrono::seconds(1), [this] {
-        setElapsedSeconds(oneSecondLater(values().elapsedSeconds));
+        setElapsedSeconds(nextSecond(values().elapsedSeconds));
     });
 }
 

@@ -69,13 +69,13 @@ void RecordRequest::refuseAnnouncedExcess() {
 }
 
 void RecordRequest::receive() {
-    if (!takeWhatIsThere()) {
+    if (!readAvailable()) {
         conclude(std::unexpected(UpdateError::invalidResponse));
     }
 }
 
 void RecordRequest::finish() {
-    if (takeWhatIsThere() && isSuccess(*reply_)) {
+    if (readAvailable() && isSuccess(*reply_)) {
         conclude(std::move(body_));
     } else {
         conclude(std::unexpected(UpdateError::invalidResponse));
@@ -88,7 +88,7 @@ void RecordRequest::conclude(RecordBody body) {
 }
 
 /// False if the body is too long.
-bool RecordRequest::takeWhatIsThere() {
+bool RecordRequest::readAvailable() {
     body_ += reply_->readAll();
     return body_.size() <= mostBytes;
 }

@@ -40,7 +40,7 @@ private:
     void receive();
     void finish();
     void conclude(RecordBody body);
-    bool takeWhatIsThere();
+    bool readAvailable();
     void stop();
 
     std::function<void(RecordBody)> done_;

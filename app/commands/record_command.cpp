@@ -30,7 +30,7 @@ RecordRun::RecordRun(const RecordCommand& command, Ending& ending, const Prefere
     : command_(command), ending_(ending), texts_(preferences) {
     endTimer_.setSingleShot(true);
     endTimer_.setTimerType(Qt::PreciseTimer);
-    connect(&endTimer_, &QTimer::timeout, this, &RecordRun::waitForTheEnd);
+    connect(&endTimer_, &QTimer::timeout, this, &RecordRun::scheduleStop);
     connect(&lineTimer_, &QTimer::timeout, this, &RecordRun::showLine);
 }
 
@@ -48,16 +48,16 @@ int RecordRun::run(RecordingViewModel& model) {
         model.setSelectedMicrophoneID(command_.microphoneID);
     }
     model_ = &model;
-    const int status = runUntilItIsOver();
+    const int status = runEventLoop();
     model_ = nullptr;
     return status;
 }
 
-int RecordRun::runUntilItIsOver() {
+int RecordRun::runEventLoop() {
     // Queued, so that the handler sees the model after the change is complete.
     connect(model_, &RecordingProperties::stateChanged, this, &RecordRun::stateChanged,
             Qt::QueuedConnection);
-    connect(model_, &RecordingProperties::stateChanged, this, &RecordRun::followForTheEnd);
+    connect(model_, &RecordingProperties::stateChanged, this, &RecordRun::reportProgress);
     connect(model_, &RecordingProperties::propertyChanged, this, [this](auto property) {
         if (property == RecordingProperties::Property::errorMessage) {
             showMessage(model_->values());
@@ -65,9 +65,9 @@ int RecordRun::runUntilItIsOver() {
             showSaving();
         }
     });
-    followForTheEnd();
-    const Ending::Attendance attendance(ending_, [this] {
-        QMetaObject::invokeMethod(this, &RecordRun::stopWanted, Qt::QueuedConnection);
+    reportProgress();
+    const Ending::Handler handler(ending_, [this] {
+        QMetaObject::invokeMethod(this, &RecordRun::stopRequested, Qt::QueuedConnection);
     });
     model_->startRecording();
     const int status = QCoreApplication::exec();
@@ -75,10 +75,10 @@ int RecordRun::runUntilItIsOver() {
     return status;
 }
 
-void RecordRun::followForTheEnd() {
-    ending_.moved({.state = model_->values().state.which(),
-                   .folder = model_->values().outputDirectory,
-                   .language = texts_.language()});
+void RecordRun::reportProgress() {
+    ending_.progressed({.state = model_->values().state.which(),
+                        .folder = model_->values().outputDirectory,
+                        .language = texts_.language()});
 }
 
 void RecordRun::stateChanged() {
@@ -118,7 +118,7 @@ void RecordRun::recordingBegan() {
     if (command_.seconds && *command_.seconds <= foreverSeconds) {
         end_ = Clock::now() + std::chrono::duration_cast<Clock::duration>(
                                   std::chrono::duration<double>(*command_.seconds));
-        waitForTheEnd();
+        scheduleStop();
     }
     if (terminal_.isLive()) {
         showLine();
@@ -126,19 +126,19 @@ void RecordRun::recordingBegan() {
     }
 }
 
-void RecordRun::waitForTheEnd() {
+void RecordRun::scheduleStop() {
     if (!end_) {
         return;
     }
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(*end_ - Clock::now());
     if (left.count() <= 0) {
-        stopWanted();
+        stopRequested();
     } else {
         endTimer_.start(std::min<std::chrono::milliseconds>(left, longestWait));
     }
 }
 
-void RecordRun::stopWanted() {
+void RecordRun::stopRequested() {
     if (state_ == Case::failed) {
         QCoreApplication::exit(1); // what is still being salvaged stays for the next time
     } else {

@@ -31,13 +31,13 @@ public:
 private:
     using Clock = std::chrono::steady_clock;
 
-    int runUntilItIsOver();
-    void followForTheEnd();
+    int runEventLoop();
+    void reportProgress();
     void stateChanged();
     void showMessage(const RecordingProperties::Values& values);
     void recordingBegan();
-    void waitForTheEnd();
-    void stopWanted();
+    void scheduleStop();
+    void stopRequested();
     void recordingFailed();
     void showLine();
     void showSaving();

@@ -54,11 +54,11 @@ int report(const SalvageResult& result, const std::filesystem::path& folder, Ter
 int recover(const std::filesystem::path& folder, const SalvagePlatform& platform, Ending& ending,
             Terminal& terminal, const L10n& texts) {
     std::stop_source stop;
-    ending.moved({.folder = folder, .language = texts.language()});
-    const Ending::Attendance attendance(ending, [&stop] { stop.request_stop(); });
+    ending.progressed({.folder = folder, .language = texts.language()});
+    const Ending::Handler handler(ending, [&stop] { stop.request_stop(); });
     const auto result =
         recoverIncompleteRecordings(platform, folder, stop.get_token(), [&](double fraction) {
-            ending.moved();
+            ending.progressed();
             terminal.showLine(savingLine(fraction, texts));
         });
     terminal.clearLine();

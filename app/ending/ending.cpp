@@ -51,22 +51,22 @@ Ending::~Ending() {
     signals_.wake();
 }
 
-Ending::Attendance::Attendance(Ending& ending, std::function<void()> asked) : ending_(ending) {
-    ending_.attend(std::move(asked));
+Ending::Handler::Handler(Ending& ending, std::function<void()> asked) : ending_(ending) {
+    ending_.setHandler(std::move(asked));
 }
 
-Ending::Attendance::~Attendance() {
-    ending_.attend(nullptr);
+Ending::Handler::~Handler() {
+    ending_.setHandler(nullptr);
 }
 
-void Ending::attend(std::function<void()> asked) {
-    const bool isAttended = static_cast<bool>(asked);
+void Ending::setHandler(std::function<void()> asked) {
+    const bool hasHandler = static_cast<bool>(asked);
     {
         const std::scoped_lock lock(askedMutex_);
         asked_ = std::move(asked);
     }
     const std::scoped_lock lock(mutex_);
-    account_.setAttended(isAttended);
+    account_.setHasHandler(hasHandler);
     signals_.wake();
 }
 
@@ -82,15 +82,15 @@ void Ending::userStays() {
 }
 
 // Needs no wake: postponing the deadline takes effect when the earlier one passes.
-void Ending::moved() {
+void Ending::progressed() {
     const std::scoped_lock lock(mutex_);
-    account_.moved(timeNow());
+    account_.progressed(timeNow());
 }
 
-void Ending::moved(EndingScene scene) {
+void Ending::progressed(EndingScene scene) {
     const std::scoped_lock lock(mutex_);
     scene_ = std::move(scene);
-    account_.moved(timeNow());
+    account_.progressed(timeNow());
 }
 
 void Ending::concluded(int status) {
@@ -108,22 +108,22 @@ void Ending::watch(const std::stop_token& stop) {
         }
         const auto event = signals_.wait(deadline);
         if (event == StopSignals::Event::signal) {
-            signalCame(EndingRequest::signal);
+            handleSignal(EndingRequest::signal);
         } else if (event == StopSignals::Event::hangUp) {
-            signalCame(EndingRequest::hangUp);
+            handleSignal(EndingRequest::hangUp);
         }
         endIfDue();
     }
 }
 
-void Ending::signalCame(EndingRequest request) {
-    bool isToBeTold = false;
+void Ending::handleSignal(EndingRequest request) {
+    bool shouldNotify = false;
     {
         const std::scoped_lock lock(mutex_);
-        isToBeTold = account_.asked(request, timeNow());
+        shouldNotify = account_.asked(request, timeNow());
     }
     const std::scoped_lock lock(askedMutex_);
-    if (isToBeTold && asked_) {
+    if (shouldNotify && asked_) {
         asked_();
     }
 }

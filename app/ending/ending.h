@@ -40,12 +40,12 @@ public:
 
     /// While it exists, a signal does not end the process but calls `asked`, once, on a thread of
     /// the Ending. Not called after destruction.
-    class Attendance {
+    class Handler {
     public:
-        Attendance(Ending& ending, std::function<void()> asked);
-        Attendance(const Attendance&) = delete;
-        Attendance& operator=(const Attendance&) = delete;
-        ~Attendance();
+        Handler(Ending& ending, std::function<void()> asked);
+        Handler(const Handler&) = delete;
+        Handler& operator=(const Handler&) = delete;
+        ~Handler();
 
     private:
         Ending& ending_;
@@ -55,8 +55,8 @@ public:
     void userStays();
 
     /// The work in progress made progress.
-    void moved();
-    void moved(EndingScene scene);
+    void progressed();
+    void progressed(EndingScene scene);
 
     /// The work is done, with this exit status. Threads still running get the usual time to end.
     void concluded(int status);
@@ -67,8 +67,8 @@ public:
 
 private:
     void watch(const std::stop_token& stop);
-    void attend(std::function<void()> asked);
-    void signalCame(EndingRequest request);
+    void setHandler(std::function<void()> asked);
+    void handleSignal(EndingRequest request);
     void endIfDue();
 
     StopSignals& signals_;

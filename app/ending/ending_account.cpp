@@ -8,15 +8,15 @@ namespace vantoro {
 
 bool EndingAccount::asked(EndingRequest request, TimePoint now) {
     if (!isAsked() && !status_) {
-        lastMove_ = now;
-        isUnheard_ = !isAttended_;
+        lastProgress_ = now;
+        isUnhandled_ = !hasHandler_;
     }
     if (request == EndingRequest::quitting) {
         isQuitting_ = true;
         return false;
     }
     if (request == EndingRequest::signal) {
-        isImpatient_ = isImpatient_ || (firstSignal_ && now - *firstSignal_ >= sameWish);
+        isImpatient_ = isImpatient_ || (firstSignal_ && now - *firstSignal_ >= sameRequest);
         firstSignal_ = firstSignal_.value_or(now);
     }
     return !std::exchange(isSignalled_, true);
@@ -24,21 +24,22 @@ bool EndingAccount::asked(EndingRequest request, TimePoint now) {
 
 void EndingAccount::concluded(int status, TimePoint now) {
     status_ = status;
-    lastMove_ = now;
+    lastProgress_ = now;
 }
 
 EndingStep EndingAccount::step(TimePoint now) const {
     if (!isAsked() && !status_) {
         return EndingStep::goOn;
     }
-    return isImpatient_ || isUnheard_ || now - lastMove_ >= longestStandstill
+    return isImpatient_ || isUnhandled_ || now - lastProgress_ >= longestStandstill
                ? EndingStep::endAtOnce
                : EndingStep::wait;
 }
 
 std::optional<EndingAccount::TimePoint> EndingAccount::deadline() const {
-    return step(lastMove_) == EndingStep::wait ? std::optional(lastMove_ + longestStandstill)
-                                               : std::nullopt;
+    return step(lastProgress_) == EndingStep::wait
+               ? std::optional(lastProgress_ + longestStandstill)
+               : std::nullopt;
 }
 
 } // namespace vantoro

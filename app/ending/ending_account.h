@@ -33,11 +33,11 @@ public:
     static constexpr std::chrono::milliseconds longestStandstill{4000};
     /// Signals this soon after the first count as one request: a parent process may forward the
     /// signal that the terminal sends as well.
-    static constexpr std::chrono::milliseconds sameWish{200};
+    static constexpr std::chrono::milliseconds sameRequest{200};
 
     /// Whether a handler finishes the work in progress on request. Initially there is neither
     /// handler nor work.
-    void setAttended(bool isAttended) { isAttended_ = isAttended; }
+    void setHasHandler(bool hasHandler) { hasHandler_ = hasHandler; }
 
     /// Returns whether to notify the handler: for the first request other than quitting, which
     /// comes from the handler itself.
@@ -47,7 +47,7 @@ public:
     void quittingCalledOff() { isQuitting_ = false; }
 
     /// A recording moved on to its next stage, or part of a file was written.
-    void moved(TimePoint now) { lastMove_ = now; }
+    void progressed(TimePoint now) { lastProgress_ = now; }
 
     /// The work is done; remaining threads are ending.
     void concluded(int status, TimePoint now);
@@ -66,13 +66,13 @@ public:
 private:
     bool isAsked() const { return isQuitting_ || isSignalled_; }
 
-    bool isAttended_ = false;
+    bool hasHandler_ = false;
     bool isQuitting_ = false;
     bool isSignalled_ = false; // or hung up
-    bool isUnheard_ = false;   // requested while there was no handler
+    bool isUnhandled_ = false; // requested while there was no handler
     bool isImpatient_ = false;
     std::optional<TimePoint> firstSignal_; // SIGINT or SIGTERM
-    TimePoint lastMove_;                   // of the request, or the latest progress since
+    TimePoint lastProgress_;               // of the request, or the latest progress since
     std::optional<int> status_;            // set by `concluded`
 };
 

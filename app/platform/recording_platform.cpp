@@ -56,11 +56,11 @@ bool isHidden(AudioDevices& devices, const std::optional<std::string>& microphon
 
 } // namespace
 
-RecordingPlatform::RecordingPlatform(Meters meters, QtScheduler::TasksBegin tasksBegin)
+RecordingPlatform::RecordingPlatform(Meters meters, QtScheduler::TaskStart taskStart)
     : captureService_(settingsFor(meters)),
       microphoneAccess_([this] { return canOpen(captureService_, chosenMicrophone()); },
                         [this] { return isHidden(soundServer_, chosenMicrophone()); }),
-      scheduler_(tasksBegin) {}
+      scheduler_(taskStart) {}
 
 void RecordingPlatform::setChosenMicrophone(std::optional<std::string> id) {
     const std::lock_guard lock(mutex_);

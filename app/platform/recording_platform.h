@@ -32,7 +32,7 @@ public:
     enum class Meters : std::uint8_t { shown, none };
 
     explicit RecordingPlatform(
-        Meters meters, QtScheduler::TasksBegin tasksBegin = QtScheduler::TasksBegin::atOnce);
+        Meters meters, QtScheduler::TaskStart taskStart = QtScheduler::TaskStart::immediate);
     RecordingPlatform(const RecordingPlatform&) = delete;
     RecordingPlatform& operator=(const RecordingPlatform&) = delete;
     ~RecordingPlatform() = default;
@@ -41,7 +41,7 @@ public:
     void setChosenMicrophone(std::optional<std::string> id);
 
     /// Starts deferred tasks.
-    void letTasksBegin() { scheduler_.letTasksBegin(); }
+    void startTasks() { scheduler_.startTasks(); }
 
     RecorderPlatform forRecorder();
 

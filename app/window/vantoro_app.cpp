@@ -56,11 +56,11 @@ void VantoroApp::endLaunch() {
 void VantoroApp::followWindow() {
     connect(&window_, &MainWindow::firstPainted, this, &VantoroApp::endLaunch,
             Qt::QueuedConnection);
-    connect(&window_, &MainWindow::closeRequested, this, &VantoroApp::putWindowAway);
+    connect(&window_, &MainWindow::closeRequested, this, &VantoroApp::hideOrMinimise);
     connect(&window_, &MainWindow::quitRequested, this, [this] { quit(IfNotSaved::stay); });
     platform_.statusArea.setAvailabilityChanged([this] {
         if (!window_.isVisible()) {
-            putWindowAway(); // the status area may be gone
+            hideOrMinimise(); // the status area may be gone
         }
     });
 }
@@ -68,7 +68,7 @@ void VantoroApp::followWindow() {
 void VantoroApp::followRecording() {
     const auto tell = [this] {
         const auto& values = viewModel_.values();
-        platform_.moved(values.state.which(), values.outputDirectory);
+        platform_.progressed(values.state.which(), values.outputDirectory);
     };
     connect(&viewModel_, &RecordingProperties::propertyChanged, this,
             [tell](RecordingProperties::Property property) {
@@ -92,7 +92,7 @@ void VantoroApp::stopRecording(const std::string& activationToken) {
     remoteRecording_.stop(activationToken);
 }
 
-void VantoroApp::putWindowAway() {
+void VantoroApp::hideOrMinimise() {
     if (platform_.statusArea.isAvailable() == true) {
         window_.hide();
     } else {
@@ -117,7 +117,7 @@ void VantoroApp::quit(IfNotSaved ifNotSaved) {
     }
 }
 
-void VantoroApp::saveBeforeTheSessionEnds(std::chrono::milliseconds patience) {
+void VantoroApp::saveBeforeSessionEnd(std::chrono::milliseconds patience) {
     QEventLoop loop;
     savingFirst_.request([waiting = QPointer(&loop)](bool /*saved*/) {
         if (waiting) {

@@ -31,7 +31,7 @@ struct WindowPlatform {
     AskForRecord askForRecord;      ///< of the latest version
     std::function<void()> launched; ///< the window is visible; expensive work may start
     /// The recording made progress, or its folder changed.
-    std::function<void(RecordingState::Case state, const std::filesystem::path& folder)> moved;
+    std::function<void(RecordingState::Case state, const std::filesystem::path& folder)> progressed;
     std::function<void()> quits; ///< the user quits
     std::function<void()> stays; ///< the user stays after all, because saving failed
     std::function<void()> end;   ///< ends the event loop
@@ -65,7 +65,7 @@ public:
     /// Blocks until the recording is saved, saving fails, or `patience` is over; what was captured
     /// is then salvaged at the next start. Runs the event loop meanwhile, because the session ends
     /// as soon as this returns.
-    void saveBeforeTheSessionEnds(std::chrono::milliseconds patience);
+    void saveBeforeSessionEnd(std::chrono::milliseconds patience);
 
 private:
     void followWindow();
@@ -73,7 +73,7 @@ private:
     /// Starts what the window did not have to wait for.
     void endLaunch();
     /// Hides the window if a meter can bring it back, else minimises it.
-    void putWindowAway();
+    void hideOrMinimise();
 
     WindowPlatform platform_;
     AppDelegate appDelegate_;

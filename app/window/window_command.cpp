@@ -34,11 +34,11 @@ using desktop::ApplicationInstance;
 
 // A bus that hangs must not delay the window, nor another window of the program.
 constexpr auto busPatience = 1s;
-constexpr auto firstOnesPatience = 10s;
+constexpr auto firstInstancePatience = 10s;
 // A save that hangs must not block the end of the session.
-constexpr auto sessionsPatience = 60s;
+constexpr auto sessionEndPatience = 60s;
 
-bool isThereADesktop() {
+bool hasDisplay() {
     return !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") ||
            !qEnvironmentVariableIsEmpty("DISPLAY") ||
            !qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM");
@@ -50,25 +50,25 @@ public:
     WindowRun(const std::string& sessionBus, ApplicationInstance& instance, Ending& ending)
         : notifierArea_(sessionBus),
           app_(std::make_unique<AudioRecorder>(platform_.forRecorder()),
-               platform_.forControl(preferences_, [&ending] { ending.moved(); }),
+               platform_.forControl(preferences_, [&ending] { ending.progressed(); }),
                {.statusArea = statusArea_,
                 .desktops = qgetenv("XDG_CURRENT_DESKTOP").toStdString(),
                 .version = VANTORO_VERSION,
                 .askForRecord = askOverLoadedNetwork(),
-                .launched = [this] { platform_.letTasksBegin(); },
-                .moved =
+                .launched = [this] { platform_.startTasks(); },
+                .progressed =
                     [this, &ending](RecordingState::Case state, const auto& folder) {
-                        ending.moved({.state = state,
-                                      .folder = folder,
-                                      .language = L10n(preferences_).language()});
+                        ending.progressed({.state = state,
+                                           .folder = folder,
+                                           .language = L10n(preferences_).language()});
                     },
                 .quits = [&ending] { ending.userQuits(); },
                 .stays = [&ending] { ending.userStays(); },
                 .end = [] { QApplication::exit(); }}),
-          attendance_(ending, [this] { quitOnMainThread(); }) {
+          endingHandler_(ending, [this] { quitOnMainThread(); }) {
         instance.setRequested([this](const auto& request) { carryOut(request); });
         QObject::connect(qApp, &QGuiApplication::commitDataRequest, &app_,
-                         [this] { app_.saveBeforeTheSessionEnds(sessionsPatience); });
+                         [this] { app_.saveBeforeSessionEnd(sessionEndPatience); });
     }
 
 private:
@@ -90,17 +90,17 @@ private:
 
     SettingsFile preferences_;
     // Searching for devices and old recordings would slow down the window's start.
-    RecordingPlatform platform_{RecordingPlatform::Meters::shown, QtScheduler::TasksBegin::whenLet};
+    RecordingPlatform platform_{RecordingPlatform::Meters::shown, QtScheduler::TaskStart::deferred};
     desktop::StatusNotifierArea notifierArea_;
     TrayIconArea trayIconArea_;
     SubstitutedStatusArea statusArea_{notifierArea_, trayIconArea_};
     VantoroApp app_;
-    Ending::Attendance attendance_;
+    Ending::Handler endingHandler_;
 };
 
 /// Ends this process once the first one has shown its window, or failed to.
-void leaveItToTheFirst(ApplicationInstance& instance, const std::string& token) {
-    instance.activateFirst(token, firstOnesPatience, [](bool isShown) {
+void activateFirstInstance(ApplicationInstance& instance, const std::string& token) {
+    instance.activateFirst(token, firstInstancePatience, [](bool isShown) {
         if (!isShown) {
             std::cerr << commandText(CommandText::firstProgramSilent, usersLanguage()) << "\n";
         }
@@ -111,7 +111,7 @@ void leaveItToTheFirst(ApplicationInstance& instance, const std::string& token) 
 } // namespace
 
 int runWindowCommand(int& argc, char** argv, StopSignals& signals) {
-    if (!isThereADesktop()) {
+    if (!hasDisplay()) {
         std::cerr << commandText(CommandText::desktopMissing, usersLanguage()) << "\n";
         return 2;
     }
@@ -134,7 +134,7 @@ int runWindowCommand(int& argc, char** argv, StopSignals& signals) {
     std::exception_ptr failure;
     instance->whenRoleIsKnown(busPatience, [&](ApplicationInstance::Role role) {
         if (role == ApplicationInstance::Role::another) {
-            leaveItToTheFirst(*instance, token);
+            activateFirstInstance(*instance, token);
             return;
         }
         try {

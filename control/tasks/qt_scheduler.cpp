@@ -26,8 +26,8 @@ private:
 
 } // namespace
 
-QtScheduler::QtScheduler(TasksBegin tasksBegin) {
-    if (tasksBegin == TasksBegin::whenLet) {
+QtScheduler::QtScheduler(TaskStart taskStart) {
+    if (taskStart == TaskStart::deferred) {
         waiting_.emplace();
     }
 }
@@ -77,7 +77,7 @@ void QtScheduler::runOnTaskThread(std::function<void()> work) {
     }
 }
 
-void QtScheduler::letTasksBegin() {
+void QtScheduler::startTasks() {
     std::unique_lock lock(mutex_);
     auto waited = std::exchange(waiting_, std::nullopt);
     lock.unlock();

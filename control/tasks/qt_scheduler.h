@@ -20,10 +20,10 @@ namespace vantoro {
 /// A scheduler on Qt's event loop. The thread that constructs it becomes the main thread.
 class QtScheduler final : public Scheduler {
 public:
-    /// Whether tasks start at once, or wait for `letTasksBegin`.
-    enum class TasksBegin : std::uint8_t { atOnce, whenLet };
+    /// Whether tasks start at once, or wait for `startTasks`.
+    enum class TaskStart : std::uint8_t { immediate, deferred };
 
-    explicit QtScheduler(TasksBegin tasksBegin = TasksBegin::atOnce);
+    explicit QtScheduler(TaskStart taskStart = TaskStart::immediate);
     QtScheduler(const QtScheduler&) = delete;
     QtScheduler& operator=(const QtScheduler&) = delete;
     /// Waits for running tasks; drops tasks that have not started and pending main-thread work.
@@ -32,7 +32,7 @@ public:
     void runOnMainThread(std::function<void()> work) override;
     void runOnTaskThread(std::function<void()> work) override;
     /// Starts the tasks that wait; later ones start at once. Main thread.
-    void letTasksBegin();
+    void startTasks();
     std::unique_ptr<RepeatingTimer> startTimer(std::chrono::milliseconds interval,
                                                std::function<void()> fire) override;
 

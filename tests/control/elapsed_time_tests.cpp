@@ -33,13 +33,13 @@ TEST(ElapsedTimeTest, isShownWithHoursOnlyFromOneHourOn) {
 }
 
 TEST(ElapsedTimeTest, goesOnBySeconds) {
-    EXPECT_EQ(oneSecondLater(0), 1);
-    EXPECT_EQ(oneSecondLater(std::numeric_limits<std::int64_t>::max() - 1),
+    EXPECT_EQ(nextSecond(0), 1);
+    EXPECT_EQ(nextSecond(std::numeric_limits<std::int64_t>::max() - 1),
               std::numeric_limits<std::int64_t>::max());
 }
 
 TEST(ElapsedTimeDeathTest, isNeverCountedPastTheLastNumber) {
-    EXPECT_DEATH(oneSecondLater(std::numeric_limits<std::int64_t>::max()), "");
+    EXPECT_DEATH(nextSecond(std::numeric_limits<std::int64_t>::max()), "");
 }
 
 } // namespace

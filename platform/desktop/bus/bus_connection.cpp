@@ -63,14 +63,14 @@ bool BusConnection::listen(const std::string& rule, Receive heard) {
     return succeeded;
 }
 
-bool BusConnection::offer(const BusObject& object, const sd_bus_vtable* table,
-                          void* functionsArgument) {
+bool BusConnection::exportObject(const BusObject& object, const sd_bus_vtable* table,
+                                 void* functionsArgument) {
     return bus_ != nullptr &&
            sd_bus_add_object_vtable(bus_.get(), nullptr, object.path.c_str(),
                                     object.interface.c_str(), table, functionsArgument) >= 0;
 }
 
-bool BusConnection::tell(const BusObject& object, const std::string& signal) {
+bool BusConnection::sendSignal(const BusObject& object, const std::string& signal) {
     if (bus_ == nullptr) {
         return false;
     }

@@ -50,10 +50,10 @@ public:
 
     /// Exports an object until destruction. `table`, and `functionsArgument`, which its functions
     /// receive, must live as long. False without a bus.
-    bool offer(const BusObject& object, const sd_bus_vtable* table, void* functionsArgument);
+    bool exportObject(const BusObject& object, const sd_bus_vtable* table, void* functionsArgument);
 
     /// Emits a signal without arguments. False if it cannot be sent.
-    bool tell(const BusObject& object, const std::string& signal);
+    bool sendSignal(const BusObject& object, const std::string& signal);
 
     /// Whether output is queued because the bus does not read it.
     bool isBehind() const;

@@ -74,7 +74,7 @@ private:
 };
 
 /// Reports a silent bus without the services on it.
-void leaveOutWhatIsOnIt(SilentBuses& silent, const BusQuestions& questions) {
+void leaveOutServicesOf(SilentBuses& silent, const BusQuestions& questions) {
     if (silent.session) {
         silent.menuRegistrar = false;
         silent.accessibility = silent.accessibility && !questions.accessibility->address.empty();
@@ -91,7 +91,7 @@ SilentBuses findSilentBuses(const BusQuestions& questions) {
            inquiry.await(deadline, questions.interruption)) {
         silent = inquiry.unsettled();
     }
-    leaveOutWhatIsOnIt(silent, questions);
+    leaveOutServicesOf(silent, questions);
     return silent;
 }
 

@@ -17,29 +17,29 @@ const BusObject applicationObject{.path = "/com/vantoro/app", .interface = appli
 
 // Flag and replies of the bus's RequestName method.
 constexpr std::uint32_t doNotQueue = 4;
-constexpr std::uint32_t nowOurs = 1;
+constexpr std::uint32_t nowOwner = 1;
 
 } // namespace
 
 template <class Value>
 void ApplicationInstance::Answer<Value>::await(std::chrono::milliseconds patience, Value otherwise,
-                                               std::function<void(Value)> told) {
-    told_ = std::move(told);
+                                               std::function<void(Value)> callback) {
+    callback_ = std::move(callback);
     if (value_) {
-        come(*value_);
+        set(*value_);
     }
-    QTimer::singleShot(patience, &events_, [this, otherwise] { come(otherwise); });
+    QTimer::singleShot(patience, &events_, [this, otherwise] { set(otherwise); });
 }
 
 /// Not within the call: the callback may destroy this.
 template <class Value>
-void ApplicationInstance::Answer<Value>::come(Value value) {
+void ApplicationInstance::Answer<Value>::set(Value value) {
     value_ = value_.value_or(value);
     QMetaObject::invokeMethod(
         &events_,
         [this] {
-            if (const auto told = std::exchange(told_, nullptr)) {
-                told(*value_);
+            if (const auto callback = std::exchange(callback_, nullptr)) {
+                callback(*value_);
             }
         },
         Qt::QueuedConnection);
@@ -48,17 +48,17 @@ void ApplicationInstance::Answer<Value>::come(Value value) {
 ApplicationInstance::ApplicationInstance(const std::string& busAddress) : bus_(busAddress) {
     // Not within the bus's callback: handling it may take a while.
     object_.requested = [this](const ApplicationRequest& request) {
-        waiting_.push_back(request);
-        QMetaObject::invokeMethod(&events_, [this] { tellRequests(); }, Qt::QueuedConnection);
+        pending_.push_back(request);
+        QMetaObject::invokeMethod(&events_, [this] { deliverRequests(); }, Qt::QueuedConnection);
     };
     const bool asked =
-        bus_.offer(applicationObject, applicationTable(), &object_) &&
+        bus_.exportObject(applicationObject, applicationTable(), &object_) &&
         bus_.call(busMethod("RequestName"), {applicationID, doNotQueue}, [this](BusMessage& reply) {
             const auto answer = reply.isError() ? std::nullopt : reply.readNumber();
-            role_.come(!answer ? Role::unknown : answer == nowOurs ? Role::first : Role::another);
+            role_.set(!answer ? Role::unknown : answer == nowOwner ? Role::first : Role::another);
         });
     if (!asked) {
-        role_.come(Role::first);
+        role_.set(Role::first);
     }
 }
 
@@ -70,12 +70,12 @@ void ApplicationInstance::whenRoleIsKnown(std::chrono::milliseconds patience,
 void ApplicationInstance::setRequested(
     std::function<void(const ApplicationRequest& request)> requested) {
     requested_ = std::move(requested);
-    QMetaObject::invokeMethod(&events_, [this] { tellRequests(); }, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(&events_, [this] { deliverRequests(); }, Qt::QueuedConnection);
 }
 
-void ApplicationInstance::tellRequests() {
+void ApplicationInstance::deliverRequests() {
     if (requested_) {
-        for (const auto& request : std::exchange(waiting_, {})) {
+        for (const auto& request : std::exchange(pending_, {})) {
             requested_(request);
         }
     }
@@ -94,9 +94,9 @@ void ApplicationInstance::activateFirst(const std::string& activationToken,
                    .interface = applicationInterface,
                    .member = "Activate"},
                   {activationToken.empty() ? BusOptions() : options},
-                  [isShown = isShown_](BusMessage& reply) { isShown->come(!reply.isError()); });
+                  [isShown = isShown_](BusMessage& reply) { isShown->set(!reply.isError()); });
     if (!asked) {
-        isShown_->come(false);
+        isShown_->set(false);
     }
     isShown_->await(patience, false, std::move(answered));
 }

@@ -54,22 +54,23 @@ private:
     template <class Value>
     class Answer {
     public:
-        /// The event loop calls `told` with the value, or with `otherwise` when `patience` is over.
+        /// The event loop calls `callback` with the value, or with `otherwise` when `patience` is
+        /// over.
         void await(std::chrono::milliseconds patience, Value otherwise,
-                   std::function<void(Value)> told);
+                   std::function<void(Value)> callback);
         /// Only the first call counts.
-        void come(Value value);
+        void set(Value value);
 
     private:
         std::optional<Value> value_;
-        std::function<void(Value)> told_;
+        std::function<void(Value)> callback_;
         QObject events_; ///< cancels pending callbacks on destruction
     };
 
-    void tellRequests();
+    void deliverRequests();
 
     std::function<void(const ApplicationRequest&)> requested_;
-    std::vector<ApplicationRequest> waiting_; ///< received before `setRequested`
+    std::vector<ApplicationRequest> pending_; ///< received before `setRequested`
     ApplicationObject object_;
     Answer<Role> role_;
     std::shared_ptr<Answer<bool>> isShown_; ///< whether the first run showed its window

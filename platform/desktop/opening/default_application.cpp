@@ -76,7 +76,7 @@ bool askToOpen(GAppInfo* application, GList* uris, GCancellable* cancellable) {
     return g_app_info_launch_uris_finish(application, answer.get(), nullptr) != FALSE;
 }
 
-bool openInAContextOfItsOwn(std::string uri, GCancellable* cancellable) {
+bool openInOwnContext(std::string uri, GCancellable* cancellable) {
     // Hold the connection while GIO uses it; GIO would end the program if the session bus closed.
     const Owned<GDBusConnection> bus(g_bus_get_sync(G_BUS_TYPE_SESSION, cancellable, nullptr));
     if (bus) {
@@ -108,7 +108,7 @@ bool openWithDefaultApplication(const std::string& uri, const Patience& patience
                                     [&] { g_cancellable_cancel(cancellable.get()); });
     // On a new thread: GIO defers work to the calling thread's context. A Qt thread's context may
     // never run again, and a thread without one defers to the main thread.
-    auto opened = std::async(std::launch::async, openInAContextOfItsOwn, uri, cancellable.get());
+    auto opened = std::async(std::launch::async, openInOwnContext, uri, cancellable.get());
     if (opened.wait_for(patience.limit) == std::future_status::timeout) {
         g_cancellable_cancel(cancellable.get());
     }

@@ -34,7 +34,7 @@ struct PortalInhibition::Request {
             handle = *granted;
         }
         if (patience == nullptr) {
-            giveBack();
+            release();
         } else if (!handle.empty()) {
             patience->stop();
         } else if (patience->isActive()) {
@@ -42,7 +42,7 @@ struct PortalInhibition::Request {
         }
     }
 
-    void giveBack() const {
+    void release() const {
         if (!handle.empty()) {
             close(bus, portal, handle);
         }
@@ -69,7 +69,7 @@ PortalInhibition::PortalInhibition(BusConnection& sessionBus, const std::string&
 
 PortalInhibition::~PortalInhibition() {
     request_->patience = nullptr;
-    request_->giveBack();
+    request_->release();
 }
 
 } // namespace vantoro::desktop

@@ -24,7 +24,7 @@ public:
     Observation& operator=(const Observation&) = delete;
     ~Observation() override;
 
-    void tell(bool sleeping) {
+    void notify(bool sleeping) {
         QMetaObject::invokeMethod(&observed_, sleeping ? willSleep_ : didWake_,
                                   Qt::QueuedConnection);
     }
@@ -43,10 +43,10 @@ public:
         : systemBus_(buses.system),
           sessionBus_(buses.session),
           logind_(
-              systemBus_, [this](bool sleeping) { tell(sleeping); },
+              systemBus_, [this](bool sleeping) { notify(sleeping); },
               [this](bool shuttingDown) {
                   if (shuttingDown) { // cancelled, so there is nothing to do
-                      tell(true);
+                      notify(true);
                   }
               }) {}
 
@@ -59,9 +59,9 @@ public:
     void remove(Observation* observation) { observations_.erase(observation); }
 
 private:
-    void tell(bool sleeping) {
+    void notify(bool sleeping) {
         for (auto* const observation : observations_) {
-            observation->tell(sleeping);
+            observation->notify(sleeping);
         }
     }
 

@@ -25,7 +25,7 @@ public:
                           leastDistance);
     }
 
-    void toldAt(Moment now) { last_ = now; }
+    void signalledAt(Moment now) { last_ = now; }
 
 private:
     std::optional<Moment> last_;

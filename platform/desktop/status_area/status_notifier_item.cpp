@@ -17,7 +17,7 @@ const BusObject itemObject{.path = "/StatusNotifierItem",
 
 // Flag and replies of the bus's RequestName method.
 constexpr std::uint32_t doNotQueue = 4;
-constexpr std::uint32_t nowOurs = 1;
+constexpr std::uint32_t nowOwner = 1;
 
 } // namespace
 
@@ -25,7 +25,7 @@ StatusNotifierItem::StatusNotifierItem(const std::string& busAddress, const std:
                                        StatusItemTraits traits)
     : clicked_(std::move(traits.clicked)),
       bus_(busAddress),
-      watcher_(bus_, statusNotifierWatcher, [this] { introduce(); }) {
+      watcher_(bus_, statusNotifierWatcher, [this] { registerWithWatcher(); }) {
     object_.identifier = std::move(traits.identifier);
     object_.description = traits.toolTip;
     object_.toolTip = std::move(traits.toolTip);
@@ -34,75 +34,75 @@ StatusNotifierItem::StatusNotifierItem(const std::string& busAddress, const std:
         QMetaObject::invokeMethod(
             &events_, [clicked = clicked_, token] { clicked(token); }, Qt::QueuedConnection);
     };
-    untilTold_.setSingleShot(true);
-    untilTold_.setTimerType(Qt::PreciseTimer); // coarse timers may be early
-    QObject::connect(&untilTold_, &QTimer::timeout, &events_, [this] { tell(); });
-    if (bus_.offer(itemObject, statusNotifierTable(), &object_)) {
-        takeBusName(busName);
+    signalTimer_.setSingleShot(true);
+    signalTimer_.setTimerType(Qt::PreciseTimer); // coarse timers may be early
+    QObject::connect(&signalTimer_, &QTimer::timeout, &events_, [this] { sendSignals(); });
+    if (bus_.exportObject(itemObject, statusNotifierTable(), &object_)) {
+        requestBusName(busName);
     }
 }
 
 void StatusNotifierItem::setImage(const StatusImage& image, const std::string& description) {
     if (image != object_.image) {
         object_.image = image;
-        imageIsNews_ = true;
+        imageChanged_ = true;
     }
     if (description != object_.description) {
         object_.description = description;
-        descriptionIsNews_ = true;
+        descriptionChanged_ = true;
     }
-    tellSoon();
+    scheduleSignals();
 }
 
-void StatusNotifierItem::takeBusName(const std::string& busName) {
+void StatusNotifierItem::requestBusName(const std::string& busName) {
     bus_.call(busMethod("RequestName"), {busName, doNotQueue}, [this, busName](BusMessage& reply) {
         // A path in place of a name registers an object of the calling connection.
-        const bool ours = !reply.isError() && reply.readNumber() == nowOurs;
-        knownAs_ = ours ? busName : itemObject.path;
-        introduce();
+        const bool ours = !reply.isError() && reply.readNumber() == nowOwner;
+        registeredName_ = ours ? busName : itemObject.path;
+        registerWithWatcher();
     });
 }
 
-void StatusNotifierItem::introduce() {
-    if (isWatched() && !knownAs_.empty()) {
+void StatusNotifierItem::registerWithWatcher() {
+    if (isWatched() && !registeredName_.empty()) {
         bus_.call({.service = statusNotifierWatcher,
                    .path = "/StatusNotifierWatcher",
                    .interface = statusNotifierWatcher,
                    .member = "RegisterStatusNotifierItem"},
-                  {knownAs_}, [](BusMessage& /*reply*/) {});
+                  {registeredName_}, [](BusMessage& /*reply*/) {});
     }
 }
 
-void StatusNotifierItem::tellSoon() {
-    const bool news = imageIsNews_ || descriptionIsNews_;
-    if (!news || untilTold_.isActive()) {
+void StatusNotifierItem::scheduleSignals() {
+    const bool changed = imageChanged_ || descriptionChanged_;
+    if (!changed || signalTimer_.isActive()) {
         return;
     }
     const auto wait = pace_.waitAt(SignalPace::Moment::clock::now());
     if (wait.count() == 0) {
-        tell();
+        sendSignals();
     } else {
-        untilTold_.start(wait);
+        signalTimer_.start(wait);
     }
 }
 
-void StatusNotifierItem::tell() {
+void StatusNotifierItem::sendSignals() {
     if (!isWatched()) { // a watcher reads everything when it appears
-        imageIsNews_ = false;
-        descriptionIsNews_ = false;
+        imageChanged_ = false;
+        descriptionChanged_ = false;
         return;
     }
     if (bus_.isBehind()) { // a signal would only fill the queue
-        untilTold_.start(std::chrono::seconds(1));
+        signalTimer_.start(std::chrono::seconds(1));
         return;
     }
-    pace_.toldAt(SignalPace::Moment::clock::now());
-    if (std::exchange(descriptionIsNews_, false)) {
-        imageIsNews_ = true; // panels read the description together with the picture
-        bus_.tell(itemObject, "NewTitle");
+    pace_.signalledAt(SignalPace::Moment::clock::now());
+    if (std::exchange(descriptionChanged_, false)) {
+        imageChanged_ = true; // panels read the description together with the picture
+        bus_.sendSignal(itemObject, "NewTitle");
     }
-    if (std::exchange(imageIsNews_, false)) {
-        bus_.tell(itemObject, "NewIcon");
+    if (std::exchange(imageChanged_, false)) {
+        bus_.sendSignal(itemObject, "NewIcon");
     }
 }
 

@@ -33,21 +33,21 @@ public:
     void setImage(const StatusImage& image, const std::string& description) override;
 
 private:
-    void takeBusName(const std::string& busName);
+    void requestBusName(const std::string& busName);
 
     bool isWatched() const { return !watcher_.name().value_or("").empty(); }
 
-    void introduce();
-    void tellSoon();
-    void tell();
+    void registerWithWatcher();
+    void scheduleSignals();
+    void sendSignals();
 
     std::function<void(const std::string&)> clicked_;
     StatusNotifierObject object_;
-    std::string knownAs_;            ///< the name registered with the watcher; empty until then
-    bool imageIsNews_ = false;       ///< not yet signalled
-    bool descriptionIsNews_ = false; ///< not yet signalled
+    std::string registeredName_;      ///< the name registered with the watcher; empty until then
+    bool imageChanged_ = false;       ///< not yet signalled
+    bool descriptionChanged_ = false; ///< not yet signalled
     SignalPace pace_;
-    QTimer untilTold_;
+    QTimer signalTimer_;
     QObject events_; ///< cancels pending callbacks on destruction
     BusConnection bus_;
     ServiceOwner watcher_;

@@ -64,7 +64,7 @@ private:
             RecorderPlatform{captureAccess, microphone, capture, toolkit, fileSystem, clock});
         RecordingViewModel model(std::move(engine),
                                  {scheduler, power, devices, microphoneSurvey, opener, folderDialog,
-                                  preferences, levels, folder, [this] { ending.moved(); }});
+                                  preferences, levels, folder, [this] { ending.progressed(); }});
         return recordRun.run(model);
     }
 };

@@ -23,7 +23,7 @@ struct Event {
         stays,
         hangUp,
         signal,
-        moved,
+        progressed,
         saved,
         failed,
     };
@@ -41,7 +41,7 @@ void happen(EndingAccount& account, const Event& event) {
     switch (event.what) {
     case attended:
     case left:
-        account.setAttended(event.what == attended);
+        account.setHasHandler(event.what == attended);
         break;
     case quitting:
         account.asked(EndingRequest::quitting, at(event.at));
@@ -55,8 +55,8 @@ void happen(EndingAccount& account, const Event& event) {
     case signal:
         account.asked(EndingRequest::signal, at(event.at));
         break;
-    case moved:
-        account.moved(at(event.at));
+    case progressed:
+        account.progressed(at(event.at));
         break;
     case saved:
     case failed:
@@ -99,7 +99,7 @@ TEST(EndingAccountTest, nothingEndsThatNobodyAskedToEnd) {
              Row{"at the beginning", {}, 0, goOn},
              Row{"long ago", {}, 100'000, goOn},
              Row{"attended", {{0, attended}}, 100'000, goOn},
-             Row{"moving", {{0, attended}, {10, moved}}, 100'000, goOn},
+             Row{"moving", {{0, attended}, {10, progressed}}, 100'000, goOn},
              Row{"left", {{0, attended}, {5, left}}, 100'000, goOn},
          }) {
         expectRow(row);
@@ -115,14 +115,21 @@ TEST(EndingAccountTest, firstRequestWaitsForWhatMoves) {
              Row{"nothing moved", {{0, attended}, {50, signal}}, 4050, endAtOnce},
              Row{"nothing moved after quitting", {{0, attended}, {50, quitting}}, 4050, endAtOnce},
              Row{"nothing moved after a hang-up", {{0, attended}, {50, hangUp}}, 4050, endAtOnce},
-             Row{"moved", {{0, attended}, {50, signal}, {4000, moved}}, 7999, wait},
+             Row{"moved", {{0, attended}, {50, signal}, {4000, progressed}}, 7999, wait},
              Row{"moved long enough",
-                 {{0, attended}, {50, signal}, {4000, moved}, {7900, moved}, {11'000, moved}},
+                 {{0, attended},
+                  {50, signal},
+                  {4000, progressed},
+                  {7900, progressed},
+                  {11'000, progressed}},
                  14'999,
                  wait},
-             Row{"moved no more", {{0, attended}, {50, signal}, {4000, moved}}, 8000, endAtOnce},
+             Row{"moved no more",
+                 {{0, attended}, {50, signal}, {4000, progressed}},
+                 8000,
+                 endAtOnce},
              Row{"what moved before does not count",
-                 {{0, attended}, {10, moved}, {60'000, signal}},
+                 {{0, attended}, {10, progressed}, {60'000, signal}},
                  63'999,
                  wait},
          }) {
@@ -134,7 +141,7 @@ TEST(EndingAccountTest, secondSignalEndsAtOnceUnlessItIsTheSameWish) {
     for (const auto& row : {
              Row{"again", {{0, attended}, {50, signal}, {250, signal}}, 250, endAtOnce},
              Row{"again, though it moves",
-                 {{0, attended}, {50, signal}, {250, signal}, {251, moved}},
+                 {{0, attended}, {50, signal}, {250, signal}, {251, progressed}},
                  252,
                  endAtOnce},
              Row{"passed on as well", {{0, attended}, {50, signal}, {249, signal}}, 250, wait},
@@ -227,7 +234,7 @@ TEST(EndingAccountTest, whatStillRunsBehindTheWorkIsWaitedForNoLongerThanAnythin
 
 TEST(EndingAccountTest, tellsOfTheFirstSignalAlone) {
     EndingAccount account;
-    account.setAttended(true);
+    account.setHasHandler(true);
     EXPECT_FALSE(account.asked(EndingRequest::quitting, at(0))); // they know
     EXPECT_TRUE(account.asked(EndingRequest::hangUp, at(1)));
     EXPECT_FALSE(account.asked(EndingRequest::signal, at(2)));

@@ -33,7 +33,7 @@ protected:
     void insist() {
         do {
             ::kill(::getpid(), SIGINT);
-        } while (end.wait_for(EndingAccount::sameWish) != std::future_status::ready);
+        } while (end.wait_for(EndingAccount::sameRequest) != std::future_status::ready);
     }
 
     template <class Future>
@@ -43,7 +43,7 @@ protected:
 };
 
 TEST_F(EndingTest, signalIsHandedOnToWhoeverAttends) {
-    const Ending::Attendance attendance(ending, [this] { asked.set_value(); });
+    const Ending::Handler handler(ending, [this] { asked.set_value(); });
     ::kill(::getpid(), SIGTERM);
     auto told = asked.get_future();
     EXPECT_TRUE(comes(told));
@@ -52,7 +52,7 @@ TEST_F(EndingTest, signalIsHandedOnToWhoeverAttends) {
 
 TEST_F(EndingTest, signalEndsWhereNobodyAttends) {
     {
-        const Ending::Attendance attendance(ending, [] {});
+        const Ending::Handler handler(ending, [] {});
     }
     ::kill(::getpid(), SIGTERM);
     ASSERT_TRUE(comes(end));
@@ -60,10 +60,10 @@ TEST_F(EndingTest, signalEndsWhereNobodyAttends) {
 }
 
 TEST_F(EndingTest, insistenceEndsAndSaysWhatIsKept) {
-    const Ending::Attendance attendance(ending, [] {});
-    ending.moved({.state = RecordingState::Case::processing,
-                  .folder = "/recordings",
-                  .language = AppLanguage::english});
+    const Ending::Handler handler(ending, [] {});
+    ending.progressed({.state = RecordingState::Case::processing,
+                       .folder = "/recordings",
+                       .language = AppLanguage::english});
     insist();
     EXPECT_EQ(end.get(),
               (End{1, "Vantoro ended before the recording was finished. What has reached the disk "
@@ -72,10 +72,10 @@ TEST_F(EndingTest, insistenceEndsAndSaysWhatIsKept) {
 }
 
 TEST_F(EndingTest, quittingThatNothingFollowsEndsAndSaysWhatWasWaitedFor) {
-    const Ending::Attendance attendance(ending, [] {});
-    ending.moved({.state = RecordingState::Case::preparing,
-                  .folder = "/recordings",
-                  .language = AppLanguage::english});
+    const Ending::Handler handler(ending, [] {});
+    ending.progressed({.state = RecordingState::Case::preparing,
+                       .folder = "/recordings",
+                       .language = AppLanguage::english});
     ending.userQuits();
     ASSERT_TRUE(comes(end));
     const auto [status, text] = end.get();

@@ -40,7 +40,7 @@ protected:
                                    .version = "1.2.3",
                                    .askForRecord = {},
                                    .launched = [this] { ++launches; },
-                                   .moved =
+                                   .progressed =
                                        [this](Case state, const auto& folder) {
                                            states.push_back(state);
                                            recordingFolder = folder;
@@ -234,21 +234,21 @@ TEST_F(VantoroAppTest, sessionWaitsForTheRecordingAndTheProgramGoesOn) {
     start();
     startRecording();
     QTimer::singleShot(0, &window(), [this] { scheduler.settle(); });
-    app->saveBeforeTheSessionEnds(patience);
+    app->saveBeforeSessionEnd(patience);
     EXPECT_EQ(recorder.calls.back(), "stop");
     EXPECT_EQ(ends, 0);
 }
 
 TEST_F(VantoroAppTest, sessionWithNothingToSaveWaitsForNothing) {
     start();
-    app->saveBeforeTheSessionEnds(patience);
+    app->saveBeforeSessionEnd(patience);
     EXPECT_EQ(ends, 0);
 }
 
 TEST_F(VantoroAppTest, sessionDoesNotWaitForeverForASavingThatHangs) {
     start();
     startRecording();
-    app->saveBeforeTheSessionEnds(1ms);
+    app->saveBeforeSessionEnd(1ms);
     EXPECT_EQ(recorder.calls.back(), "start"); // the fake saves when it is let
     settle();                                  // as a session does that leaves it the time
     EXPECT_EQ(recorder.calls.back(), "stop");

@@ -61,12 +61,12 @@ TEST_F(QtSchedulerTest, tasksThatAreToWaitBeginWhenTheyAreLet) {
     const auto tell = [&](char task) {
         scheduler.runOnMainThread([&begun, task] { begun += task; });
     };
-    QtScheduler waiting(QtScheduler::TasksBegin::whenLet);
+    QtScheduler waiting(QtScheduler::TaskStart::deferred);
     waiting.runOnTaskThread([&] { tell('a'); });
     scheduler.runOnTaskThread([&] { tell('b'); });
     ASSERT_TRUE(EventLoop::runUntil([&] { return !begun.empty(); }));
     EXPECT_EQ(begun, "b");
-    waiting.letTasksBegin();
+    waiting.startTasks();
     EXPECT_TRUE(EventLoop::runUntil([&] { return begun == "ba"; }));
     waiting.runOnTaskThread([&] { tell('c'); });
     EXPECT_TRUE(EventLoop::runUntil([&] { return begun == "bac"; }));
@@ -75,7 +75,7 @@ TEST_F(QtSchedulerTest, tasksThatAreToWaitBeginWhenTheyAreLet) {
 TEST_F(QtSchedulerTest, tasksThatWereNeverLetBeginDoNot) {
     auto held = std::make_shared<int>();
     {
-        QtScheduler waiting(QtScheduler::TasksBegin::whenLet);
+        QtScheduler waiting(QtScheduler::TaskStart::deferred);
         waiting.runOnTaskThread([held] { ADD_FAILURE(); });
         EXPECT_EQ(held.use_count(), 2);
     }

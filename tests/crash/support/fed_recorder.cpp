@@ -61,7 +61,7 @@ public:
           model_(std::make_unique<AudioRecorder>(RecorderPlatform{
                      captureAccess_, microphone_, capture_, toolkit_, fileSystem_, clock_}),
                  {scheduler_, power_, devices_, microphoneSurvey_, opener_, folderDialog_,
-                  preferences_, levels_, folder, [&ending] { ending.moved(); }}) {}
+                  preferences_, levels_, folder, [&ending] { ending.progressed(); }}) {}
 
     int run() {
         waitForSalvage(model_);

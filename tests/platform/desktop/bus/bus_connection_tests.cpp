@@ -32,7 +32,7 @@ TEST_F(BusConnectionTest, signalReachesWhoeverListens) {
     int heard = 0;
     connection.listen("type='signal',interface='org.example.object',member='Changed'",
                       [&](desktop::BusMessage&) { ++heard; });
-    EXPECT_TRUE(connection.tell(object, "Changed"));
+    EXPECT_TRUE(connection.sendSignal(object, "Changed"));
     ASSERT_TRUE(isAnswered());
     EXPECT_EQ(heard, 1);
 }
@@ -43,7 +43,7 @@ TEST_F(BusConnectionTest, isBehindWhenTheBusTakesNothingMore) {
     bus.freeze();
     constexpr int moreThanASocketHolds = 100'000;
     for (int i = 0; i < moreThanASocketHolds && !connection.isBehind(); ++i) {
-        ASSERT_TRUE(connection.tell(object, "Changed"));
+        ASSERT_TRUE(connection.sendSignal(object, "Changed"));
     }
     EXPECT_TRUE(connection.isBehind());
 }
@@ -51,8 +51,8 @@ TEST_F(BusConnectionTest, isBehindWhenTheBusTakesNothingMore) {
 TEST_F(BusConnectionTest, withoutABusNothingCanBeSentOrOffered) {
     desktop::BusConnection none("");
     EXPECT_FALSE(none.isOpen());
-    EXPECT_FALSE(none.tell(object, "Changed"));
-    EXPECT_FALSE(none.offer(object, nullptr, nullptr));
+    EXPECT_FALSE(none.sendSignal(object, "Changed"));
+    EXPECT_FALSE(none.exportObject(object, nullptr, nullptr));
     EXPECT_FALSE(none.isBehind());
 }
 

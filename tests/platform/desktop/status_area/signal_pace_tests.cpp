@@ -20,7 +20,7 @@ TEST(SignalPaceTest, firstIsToldAtOnce) {
 TEST(SignalPaceTest, nextWaitsForWhatIsLeftOfTheDistance) {
     const SignalPace::Moment begin{};
     SignalPace pace;
-    pace.toldAt(begin);
+    pace.signalledAt(begin);
     EXPECT_EQ(pace.waitAt(begin), 67ms);
     EXPECT_EQ(pace.waitAt(begin + 66'001us), 1ms);
     EXPECT_EQ(pace.waitAt(begin + 67ms), 0ms);
@@ -32,7 +32,7 @@ TEST(SignalPaceTest, noSecondHasMoreThanFifteen) {
     std::vector<SignalPace::Moment> told;
     for (SignalPace::Moment now{}; now < SignalPace::Moment{} + 10s; now += 1ms) {
         if (pace.waitAt(now) == 0ms) {
-            pace.toldAt(now);
+            pace.signalledAt(now);
             told.push_back(now);
         }
     }
