@@ -10,8 +10,8 @@
 
 namespace vantoro {
 
-/// One line per microphone: "* " for the default one or two spaces for the others, then identifier,
-/// tab and name.
+/// One line per microphone: "* " before the default one, two spaces before the others, then the
+/// identifier, a tab and the name.
 std::string devicesText(const std::vector<AudioInputDevice>& microphones,
                         const std::optional<std::string>& defaultID);
 

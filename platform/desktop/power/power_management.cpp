@@ -102,7 +102,7 @@ public:
 private:
     std::shared_ptr<Services> services_;
     std::shared_ptr<LogindInhibitor> sleep_;
-    // A lock of its own: a user may be allowed one of the two only.
+    // A lock of its own: a user may be allowed only one of the two.
     std::shared_ptr<LogindInhibitor> shutdown_;
     std::shared_ptr<LogindInhibitor> idle_; // the fallback if the portal refuses
     PortalInhibition portal_;
