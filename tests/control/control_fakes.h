@@ -21,7 +21,7 @@ namespace vantoro::testing {
 
 using Recordings = std::vector<std::filesystem::path>;
 
-/// What the fake recorder was asked and how it answers; outlives it.
+/// The calls that the fake recorder received, and its answers. Outlives the recorder.
 struct RecorderScript {
     std::vector<std::string> calls;
     std::vector<RecordingOptions> options;        ///< of each start
@@ -32,15 +32,15 @@ struct RecorderScript {
 
     std::exception_ptr startError;
     std::exception_ptr stopError;
-    bool keepsRecording = true; ///< when a stop fails
+    bool keepsRecording = true; ///< after a failed stop
     std::filesystem::path recording = "/music/recorded.m4a";
-    Recordings salvaged; ///< what each salvage makes, heedless of a requested stop
+    Recordings salvaged; ///< the result of each salvage, even if a stop was requested
     Recordings keptOriginals;
     std::function<void()> duringStart;
     std::function<void()> duringStop;
     std::function<void()> duringSalvage;
 
-    Recorder* recorder = nullptr; ///< the last one
+    Recorder* recorder = nullptr; ///< the latest one
     bool recorderLives = false;
 };
 
@@ -88,7 +88,7 @@ public:
     }
 
 private:
-    // NOLINTNEXTLINE(performance-unnecessary-value-param): it may be replaced by itself
+    // NOLINTNEXTLINE(performance-unnecessary-value-param): the call may replace it
     static void meanwhile(std::function<void()> what) {
         if (what) {
             what();
@@ -108,7 +108,7 @@ class FakePower final : public PowerManagement {
 public:
     std::vector<std::string> reasons; ///< of each hold, in order
 
-    /// As the system does before it sleeps.
+    /// What the system does before it sleeps.
     void sleep() {
         if (willSleep_) {
             willSleep_();
@@ -173,7 +173,7 @@ public:
     std::vector<AudioInputDevice> list{{"built-in", "Built-in"}, {"headset", "Headset"}};
     std::optional<std::string> systemDefault = "built-in";
     int readings = 0;
-    std::function<void()> meanwhile; ///< happens once, while the list is being read
+    std::function<void()> meanwhile; ///< runs once, while the list is being read
 
     bool mayCapture = true;
 
@@ -186,7 +186,7 @@ public:
     }
 };
 
-/// Looked at only: a request is a mistake that `requests` shows.
+/// Only `status` is expected; `requests` reveals a prompt.
 class FakeMicrophonePermission final : public MicrophoneAccess {
 public:
     AuthorizationStatus current = AuthorizationStatus::authorized;
@@ -200,7 +200,7 @@ public:
     }
 };
 
-/// Remembers what it was asked for.
+/// Records the requests.
 class FakeOpener final : public Opener {
 public:
     std::vector<std::string> calls;
@@ -224,11 +224,11 @@ public:
     }
 };
 
-/// The test is its user.
+/// The test plays the user.
 class FakeFolderDialog final : public FolderDialog {
 public:
     std::vector<FolderQuestion> questions;
-    std::function<void(std::optional<std::filesystem::path>)> answer; ///< to the last question
+    std::function<void(std::optional<std::filesystem::path>)> answer; ///< to the latest question
 
     void choose(const FolderQuestion& question,
                 std::function<void(std::optional<std::filesystem::path>)> answered) override {

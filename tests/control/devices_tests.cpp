@@ -22,7 +22,7 @@ TEST_F(ViewModelTest, listsMicrophonesInTheSystemsOrderWithoutLeavingAnyOut) {
     EXPECT_EQ(values().microphones, (Devices{{"z", "Same"}, {"a", "Same"}, {"m", ""}}));
 }
 
-TEST_F(ViewModelTest, noticesDevicesAndPermissionsAtTheNextRefreshOnly) {
+TEST_F(ViewModelTest, updatesDevicesAndPermissionsOnlyOnRefresh) {
     launch();
     devices.list = {{"new", "New"}};
     devices.systemDefault = "new";
@@ -67,7 +67,7 @@ TEST_F(ViewModelTest, takesTheFirstMicrophoneWhereTheSystemHasNoDefault) {
     EXPECT_EQ(values().selectedMicrophoneID, "built-in");
 }
 
-TEST_F(ViewModelTest, looksOnceMoreWhenItWasAskedToWhileLooking) {
+TEST_F(ViewModelTest, repeatsASurveyRequestedDuringASurvey) {
     launchAndSettle();
     model->refreshDevicesAndPermissions();
     EXPECT_EQ(scheduler.waitingTasks(), 1U);
@@ -84,11 +84,11 @@ TEST_F(ViewModelTest, staysResponsiveWhileTheDesktopDoesNotAnswer) {
     launchAndSettle();
     model->refreshDevicesAndPermissions();
     model->startRecording();
-    scheduler.runTask(1); // the start; the look at the devices still waits for an answer
+    scheduler.runTask(1); // the start; the survey still waits
     EXPECT_EQ(state(), Case::recording);
 }
 
-TEST_F(ViewModelTest, knowsOfNoPermissionAndNoMicrophoneWhereLookingFails) {
+TEST_F(ViewModelTest, hasNoPermissionAndNoMicrophoneIfTheSurveyFails) {
     launchAndSettle();
     EXPECT_TRUE(values().hasScreenPermission);
     devices.meanwhile = [] { throw std::runtime_error("the sound server is gone"); };

@@ -32,13 +32,13 @@ TEST(ElapsedTimeTest, isShownWithHoursOnlyFromOneHourOn) {
     }
 }
 
-TEST(ElapsedTimeTest, goesOnBySeconds) {
+TEST(ElapsedTimeTest, countsSeconds) {
     EXPECT_EQ(nextSecond(0), 1);
     EXPECT_EQ(nextSecond(std::numeric_limits<std::int64_t>::max() - 1),
               std::numeric_limits<std::int64_t>::max());
 }
 
-TEST(ElapsedTimeDeathTest, isNeverCountedPastTheLastNumber) {
+TEST(ElapsedTimeDeathTest, abortsOnOverflow) {
     EXPECT_DEATH(nextSecond(std::numeric_limits<std::int64_t>::max()), "");
 }
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-// The view model with the engine's own recorder, on threads as in the program.
+// The view model with the real recorder, on the program's threads.
 
 #include <gtest/gtest.h>
 
@@ -49,38 +49,38 @@ protected:
         model->startRecording();
     }
 
-    bool comesTo(Case state) {
+    bool reaches(Case state) {
         return EventLoop::runUntil([&] { return model->values().state.which() == state; });
     }
 };
 
 TEST_F(EngineTest, recordsAndShowsLevels) {
     startRecording();
-    ASSERT_TRUE(comesTo(Case::recording));
+    ASSERT_TRUE(reaches(Case::recording));
     capture.deliver(bufferAt(0, 2, 256, 1.0F), AudioLevelSource::systemAudio);
     EXPECT_TRUE(EventLoop::runUntil([&] { return model->values().systemAudioLevel > 0; }));
     EXPECT_EQ(levels.systemAudioLevel(), 1);
     model->toggleRecording();
-    ASSERT_TRUE(comesTo(Case::completed));
+    ASSERT_TRUE(reaches(Case::completed));
     EXPECT_EQ(model->values().lastRecordingURL, "/recordings/Vantoro-2025-03-01-093015.m4a");
     EXPECT_EQ(toolkit.exportedGains, (std::vector<float>{0.9F, 1.0F}));
 }
 
 TEST_F(EngineTest, showsNoMoreThanFifteenLevelsASecondOfEachSource) {
     startRecording();
-    ASSERT_TRUE(comesTo(Case::recording));
+    ASSERT_TRUE(reaches(Case::recording));
     std::map<RecordingProperties::Property, int> writings;
     QObject::connect(model.get(), &RecordingProperties::propertyChanged, model.get(),
                      [&](auto property) { ++writings[property]; });
-    constexpr int buffers = 188; // of 256 frames: a second, with time for the last one to be shown
+    constexpr int buffers = 188; // of 256 frames: one second, enough to show the last level
     for (std::int64_t i = 0; i < buffers; ++i) {
         clock.uptime += 256.0 / 48000;
         capture.deliver(bufferAt(i * 256, 2, 256, 0.1F), AudioLevelSource::systemAudio);
         capture.deliver(bufferAt(i * 256, 1, 256, 0.1F), AudioLevelSource::microphone);
     }
-    model->toggleRecording(); // behind all levels that were reported
-    ASSERT_TRUE(comesTo(Case::completed));
-    constexpr int resets = 1; // when the stop was asked for
+    model->toggleRecording(); // after all levels that were reported
+    ASSERT_TRUE(reaches(Case::completed));
+    constexpr int resets = 1; // when the stop was requested
     for (const auto level : {RecordingProperties::Property::systemAudioLevel,
                              RecordingProperties::Property::microphoneLevel}) {
         EXPECT_LE(writings[level], 15 + resets);
@@ -89,10 +89,10 @@ TEST_F(EngineTest, showsNoMoreThanFifteenLevelsASecondOfEachSource) {
 
 TEST_F(EngineTest, savesWhenCaptureStopsByItself) {
     startRecording();
-    ASSERT_TRUE(comesTo(Case::recording));
+    ASSERT_TRUE(reaches(Case::recording));
     capture.deliver(bufferAt(0), AudioLevelSource::systemAudio);
     capture.stopByItself(std::make_exception_ptr(std::runtime_error("connection lost")));
-    ASSERT_TRUE(comesTo(Case::completed));
+    ASSERT_TRUE(reaches(Case::completed));
     EXPECT_EQ(model->values().errorMessage,
               "Audio capture was interrupted. The captured audio was saved successfully. "
               "connection lost");
@@ -100,7 +100,7 @@ TEST_F(EngineTest, savesWhenCaptureStopsByItself) {
 
 TEST_F(EngineTest, tellsOfAMutedMicrophone) {
     startRecording();
-    ASSERT_TRUE(comesTo(Case::recording));
+    ASSERT_TRUE(reaches(Case::recording));
     capture.muteMicrophone(true);
     EXPECT_TRUE(EventLoop::runUntil(
         [&] { return model->values().microphoneCondition == SourceCondition::muted; }));
@@ -108,29 +108,29 @@ TEST_F(EngineTest, tellsOfAMutedMicrophone) {
 
 TEST_F(EngineTest, letsTheMachineSleepOnceTheRecordingIsSafe) {
     startRecording();
-    ASSERT_TRUE(comesTo(Case::recording));
+    ASSERT_TRUE(reaches(Case::recording));
     capture.deliver(bufferAt(0), AudioLevelSource::systemAudio);
     EXPECT_TRUE(power.isHeldOff());
     model->toggleRecording();
-    ASSERT_TRUE(comesTo(Case::completed));
+    ASSERT_TRUE(reaches(Case::completed));
     EXPECT_FALSE(power.isHeldOff());
 }
 
-TEST_F(EngineTest, saysWithWhichVolumesTheRecordingWillBeMixed) {
+TEST_F(EngineTest, announcesTheVolumesOfTheMix) {
     startRecording();
-    ASSERT_TRUE(comesTo(Case::recording));
+    ASSERT_TRUE(reaches(Case::recording));
     model->setSystemVolume(0.25);
     EXPECT_TRUE(EventLoop::runUntil([&] { return log.contains("expectMix 0.25 1.00"); }))
         << ::testing::PrintToString(log.startingWith("expectMix"));
 }
 
-TEST_F(EngineTest, showsHowFarTheSavingIs) {
+TEST_F(EngineTest, showsTheSavingProgress) {
     startRecording();
-    ASSERT_TRUE(comesTo(Case::recording));
+    ASSERT_TRUE(reaches(Case::recording));
     capture.deliver(bufferAt(0), AudioLevelSource::systemAudio);
     model->toggleRecording();
     EXPECT_EQ(model->values().savingProgress, 0);
-    ASSERT_TRUE(comesTo(Case::completed));
+    ASSERT_TRUE(reaches(Case::completed));
     EXPECT_EQ(model->values().savingProgress, 1);
 }
 
@@ -138,22 +138,22 @@ TEST_F(EngineTest, failsAsTheEngineDoes) {
     captureAccess.isAllowed = false;
     devices.mayCapture = false;
     startRecording();
-    ASSERT_TRUE(comesTo(Case::failed));
+    ASSERT_TRUE(reaches(Case::failed));
     EXPECT_FALSE(model->values().hasScreenPermission);
     EXPECT_TRUE(log.startingWith("makeWriter").empty());
 }
 
-TEST_F(EngineTest, tellsAtOnceThatAStopHasGotOn) {
+TEST_F(EngineTest, reportsProgressOfAStopAtOnce) {
     std::atomic<int> steps = 0;
     launch([&] { ++steps; });
     model->startRecording();
-    ASSERT_TRUE(comesTo(Case::recording));
+    ASSERT_TRUE(reaches(Case::recording));
     capture.deliver(bufferAt(0), AudioLevelSource::systemAudio);
     EXPECT_EQ(steps, 0);
     int stepsBeforeExport = 0;
     toolkit.exporting.duringExport = [&] { stepsBeforeExport = steps; };
     model->toggleRecording();
-    ASSERT_TRUE(comesTo(Case::completed));
+    ASSERT_TRUE(reaches(Case::completed));
     EXPECT_EQ(stepsBeforeExport, 1); // the recording is safe
     EXPECT_GT(steps, 1);
 }
@@ -162,7 +162,7 @@ TEST_F(EngineTest, salvages) {
     fileSystem.leave("/recordings/left.partial.mov");
     toolkit.exporting.trackCount = 2;
     launch();
-    ASSERT_TRUE(comesTo(Case::completed));
+    ASSERT_TRUE(reaches(Case::completed));
     EXPECT_EQ(model->values().lastRecordingURL, "/recordings/Vantoro-2025-03-01-093015.m4a");
     EXPECT_FALSE(fileSystem.entries.contains("/recordings/left.partial.mov"));
 }

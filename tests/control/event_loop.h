@@ -12,16 +12,17 @@
 
 namespace vantoro::testing {
 
-/// A main thread as the program has it.
+/// The program's main thread.
 class EventLoop {
 public:
-    /// Whether it came true before the deadline; looked at after each event.
+    /// Whether `isTrue` became true before the deadline; checks after each event.
     static bool runUntil(const std::function<bool()>& isTrue,
                          std::chrono::seconds limit = std::chrono::seconds(20)) {
         const QDeadlineTimer deadline(limit);
-        QTimer wakeAtDeadline; // so that waiting for an event ends
+        QTimer wakeAtDeadline; // ends the wait for an event
         wakeAtDeadline.setSingleShot(true);
-        wakeAtDeadline.setTimerType(Qt::PreciseTimer); // another may be early, and the last event
+        // Coarse timers may be early, and no other event may follow.
+        wakeAtDeadline.setTimerType(Qt::PreciseTimer);
         wakeAtDeadline.start(limit);
         while (!isTrue() && !deadline.hasExpired()) {
             QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);

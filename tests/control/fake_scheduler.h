@@ -14,7 +14,7 @@
 
 namespace vantoro::testing {
 
-/// Runs nothing by itself: the test says when, and time passes only as the test lets it.
+/// Runs work only when the test says so; time passes only when the test advances it.
 class FakeScheduler final : public Scheduler {
 public:
     void runOnMainThread(std::function<void()> work) override { main_.push_back(std::move(work)); }
@@ -26,20 +26,20 @@ public:
         return std::make_unique<Timer>(timers_, now_, interval, std::move(fire));
     }
 
-    /// What waits for the main thread, until nothing does.
+    /// Runs main-thread work until none is left.
     void runMain() {
         while (!main_.empty()) {
             takeFrom(main_, 0)();
         }
     }
 
-    /// One piece of the work that waits for a task thread, and then the main thread's.
+    /// Runs one pending task, then the main-thread work.
     void runTask(std::size_t index = 0) {
         takeFrom(tasks_, index)();
         runMain();
     }
 
-    /// Until nothing waits anywhere.
+    /// Runs everything until no work is left.
     void settle() {
         runMain();
         while (!tasks_.empty()) {
@@ -47,7 +47,7 @@ public:
         }
     }
 
-    /// Lets time pass, with what it brings about.
+    /// Advances the time and fires the timers on the way.
     void advance(std::chrono::milliseconds duration) {
         const auto end = now_ + duration;
         for (;;) {
@@ -58,7 +58,7 @@ public:
             }
             now_ = (*next)->due;
             (*next)->due += (*next)->interval;
-            const auto fire = (*next)->fire; // kept: it may end its timer
+            const auto fire = (*next)->fire; // a copy, because it may destroy its timer
             fire();
             runMain();
         }

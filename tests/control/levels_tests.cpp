@@ -110,7 +110,7 @@ TEST_F(LevelsTest, areZeroAtOnceWhenTheRecordingIsStoppedAndStaySo) {
     lead(Case::recording);
     reportLevel(systemAudio, 0.5F);
     reportLevel(AudioLevelSource::microphone, 0.5F);
-    recorder.recorder->onAudioLevel(AudioLevelSource::microphone, 0.75F); // on its way
+    recorder.recorder->onAudioLevel(AudioLevelSource::microphone, 0.75F); // in flight
     model->toggleRecording();
     expectLevels(0, 0);
     scheduler.runMain();
@@ -200,7 +200,7 @@ TEST_F(ConditionsTest, endWithAStartThatFails) {
     EXPECT_EQ(ofMicrophone(), SourceCondition::delivering);
 }
 
-TEST_F(ConditionsTest, areToldOnlyWhenTheyBecomeOthers) {
+TEST_F(ConditionsTest, areReportedOnlyOnChange) {
     lead(Case::recording);
     int told = 0;
     QObject::connect(&levels, &AudioLevelStore::conditionChanged, model.get(), [&] { ++told; });

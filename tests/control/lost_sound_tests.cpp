@@ -32,7 +32,7 @@ protected:
     }
 };
 
-TEST_F(LostSoundTest, isToldWithTheSavedRecordingInPlaceOfItsSuccess) {
+TEST_F(LostSoundTest, isReportedWithTheSavedRecording) {
     loseAtTheEnd(7.2);
     interruptCapture();
     scheduler.settle();
@@ -42,7 +42,7 @@ TEST_F(LostSoundTest, isToldWithTheSavedRecordingInPlaceOfItsSuccess) {
     EXPECT_TRUE(model->hasLostSound());
 }
 
-TEST_F(LostSoundTest, isToldWithAFailureAndStillWithWhatWasRecoveredThen) {
+TEST_F(LostSoundTest, isReportedWithAFailureAndAgainWithItsSalvage) {
     loseAtTheEnd(3);
     recorder.stopError = failure("broken");
     model->toggleRecording();
@@ -53,7 +53,7 @@ TEST_F(LostSoundTest, isToldWithAFailureAndStillWithWhatWasRecoveredThen) {
     EXPECT_TRUE(model->hasLostSound());
 }
 
-TEST_F(LostSoundTest, ofBothSourcesAtATimeCountsOnceAndIsToldAtOnceAndAtTheEnd) {
+TEST_F(LostSoundTest, ofBothSourcesCountsOnceAndIsReportedAtOnceAndAtTheEnd) {
     standStill(AudioLevelSource::systemAudio, 2.5);
     standStill(AudioLevelSource::microphone, 2.4);
     standStill(AudioLevelSource::systemAudio, 1);
@@ -64,7 +64,7 @@ TEST_F(LostSoundTest, ofBothSourcesAtATimeCountsOnceAndIsToldAtOnceAndAtTheEnd) 
     EXPECT_EQ(message(), told + " Everything else was saved.");
 }
 
-TEST_F(LostSoundTest, isForgottenWithTheNextRecording) {
+TEST_F(LostSoundTest, isClearedByTheNextRecording) {
     standStill(AudioLevelSource::systemAudio, 2);
     model->toggleRecording();
     scheduler.settle();
@@ -76,7 +76,7 @@ TEST_F(LostSoundTest, isForgottenWithTheNextRecording) {
     EXPECT_EQ(message(), "(none)");
 }
 
-TEST_F(LostSoundTest, isNotToldOfALaterSalvage) {
+TEST_F(LostSoundTest, isNotReportedWithALaterSalvage) {
     standStill(AudioLevelSource::systemAudio, 2);
     model->toggleRecording();
     scheduler.settle();

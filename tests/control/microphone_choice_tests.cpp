@@ -26,7 +26,7 @@ TEST(MicrophoneChoiceTest, keepsTheSelectedOneElseTakesTheDefaultElseTheFirst) {
              Row{"gone", two, "b", "b"},
              Row{"gone", two, std::nullopt, "a"},
              Row{"gone", {}, std::nullopt, std::nullopt},
-             Row{"A", two, "b", "b"}, // a name is no identifier
+             Row{"A", two, "b", "b"}, // a name is not an identifier
              Row{std::nullopt, two, "b", "b"},
              Row{std::nullopt, two, "unlisted", "unlisted"},
              Row{"gone", two, "unlisted", "unlisted"},

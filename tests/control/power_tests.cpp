@@ -136,7 +136,7 @@ TEST_F(ViewModelTest, followsThePowerStateForAsLongAsItLives) {
     power.wake();
 }
 
-TEST_F(ViewModelTest, isNotMissedByWhatTheRecorderReportsTooLate) {
+TEST_F(ViewModelTest, ignoresReportsAfterItsEnd) {
     lead(Case::recording);
     recorder.recorder->onCaptureInterrupted(failure("connection lost"));
     recorder.recorder->onAudioLevel(AudioLevelSource::microphone, 0.5F);

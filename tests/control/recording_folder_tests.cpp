@@ -9,7 +9,7 @@ namespace {
 
 const std::filesystem::path byDefault = "/home/somebody/Movies/Vantoro";
 
-TEST(RecordingFolderTest, isTheOneInThePreferencesWhereThatIsAFolderFromAnywhere) {
+TEST(RecordingFolderTest, isThePreferredOneIfItsPathIsAbsolute) {
     EXPECT_EQ(recordingFolder("/recordings", byDefault), "/recordings");
     EXPECT_EQ(recordingFolder(std::nullopt, byDefault), byDefault);
     EXPECT_EQ(recordingFolder("", byDefault), byDefault);
@@ -25,7 +25,7 @@ TEST_F(ViewModelTest, recordsIntoTheDefaultFolderAndStoresNothingBeforeTheUserCh
     EXPECT_TRUE(preferences.stored.empty());
 }
 
-TEST_F(ViewModelTest, asksForAFolderInTheUsersLanguageBeginningAtThePresentOne) {
+TEST_F(ViewModelTest, asksForAFolderInTheUsersLanguageStartingAtTheCurrentOne) {
     preferences.values[Preference::outputDirectory] = "/recordings";
     launchAndSettle();
     model->chooseOutputDirectory();
@@ -35,7 +35,7 @@ TEST_F(ViewModelTest, asksForAFolderInTheUsersLanguageBeginningAtThePresentOne) 
     EXPECT_EQ(folderDialog.questions[0].directory, "/recordings");
 }
 
-TEST_F(ViewModelTest, keepsTheChosenFolderAndSalvagesWhatLiesInIt) {
+TEST_F(ViewModelTest, storesTheChosenFolderAndSalvagesIt) {
     launchAndSettle();
     recorder.salvaged = {"/chosen/found.m4a"};
     model->chooseOutputDirectory();
@@ -67,7 +67,7 @@ TEST_F(ViewModelTest, changesNothingWhenTheUserChoosesNoFolder) {
     EXPECT_EQ(recorder.foldersSought.size(), 1U);
 }
 
-TEST_F(ViewModelTest, cancelsTheSalvageOfTheFolderThatIsLeft) {
+TEST_F(ViewModelTest, cancelsTheSalvageOfThePreviousFolder) {
     recorder.salvaged = {"/old/found.m4a"};
     launch();
     model->chooseOutputDirectory();
@@ -97,7 +97,7 @@ TEST_F(ViewModelTest, takesANewFolderInAnyStateAndTheRunningRecordingStaysWhereI
     }
 }
 
-TEST_F(ViewModelTest, isNotMissedByAFolderThatIsChosenTooLate) {
+TEST_F(ViewModelTest, ignoresAFolderThatIsChosenAfterItsEnd) {
     launchAndSettle();
     model->chooseOutputDirectory();
     model.reset();

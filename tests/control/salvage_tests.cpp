@@ -25,7 +25,7 @@ TEST_F(ViewModelTest, saysThatOneRecordingWasSalvaged) {
     EXPECT_EQ(message(), "A previously interrupted recording was recovered and saved.");
 }
 
-TEST_F(ViewModelTest, saysWhatOfARecordingCouldNotBeReadAndWhereThatIs) {
+TEST_F(ViewModelTest, reportsDamagedRecordingsAndWhereTheOriginalsAre) {
     recorder.salvaged = {"/music/only.m4a"};
     recorder.keptOriginals = {"/music/only.incomplete.mov"};
     launchAndSettle();
@@ -35,7 +35,7 @@ TEST_F(ViewModelTest, saysWhatOfARecordingCouldNotBeReadAndWhereThatIs) {
     EXPECT_EQ(lastRecording(), "/music/only.m4a");
 }
 
-TEST_F(ViewModelTest, tellsThatASalvageHasEndedWhateverItFound) {
+TEST_F(ViewModelTest, reportsTheEndOfEverySalvage) {
     launch();
     int ended = 0;
     QObject::connect(model.get(), &RecordingViewModel::salvageEnded, [&] { ++ended; });
@@ -54,14 +54,14 @@ TEST_F(ViewModelTest, forgetsAMessageThatTheUserHasRead) {
     EXPECT_EQ(message(), "(none)");
 }
 
-TEST_F(ViewModelTest, showsNothingOfASalvageThatFoundNothing) {
+TEST_F(ViewModelTest, showsNothingAfterAnEmptySalvage) {
     launchAndSettle();
     EXPECT_EQ(recorder.calls, std::vector<std::string>{"salvage"});
     EXPECT_EQ(state(), Case::idle);
     EXPECT_EQ(message(), "(none)");
 }
 
-TEST_F(ViewModelTest, cancelsASalvageAtAStartAndDropsWhatItStillMakes) {
+TEST_F(ViewModelTest, cancelsASalvageAtAStartAndDropsItsResult) {
     recorder.salvaged = three;
     launch();
     recorder.duringSalvage = [this] { model->startRecording(); };
@@ -80,7 +80,7 @@ TEST_F(ViewModelTest, doesNotLetAStartWaitForASalvage) {
     EXPECT_EQ(state(), Case::recording);
 }
 
-TEST_F(ViewModelTest, dropsACancelledSalvageAlsoWhenTheStartHasFailedMeanwhile) {
+TEST_F(ViewModelTest, dropsACancelledSalvageEvenIfTheStartFailed) {
     recorder.salvaged = three;
     recorder.startError = failure("broken");
     launch();
@@ -90,16 +90,16 @@ TEST_F(ViewModelTest, dropsACancelledSalvageAlsoWhenTheStartHasFailedMeanwhile) 
     scheduler.runTask();
     EXPECT_EQ(state(), Case::failed);
     EXPECT_EQ(message(), "broken");
-    scheduler.settle(); // with the failed start's own
+    scheduler.settle(); // including the failed start's own salvage
     EXPECT_EQ(state(), Case::completed);
     EXPECT_EQ(recorder.stopRequested, (std::vector<bool>{true, false}));
 }
 
-TEST_F(ViewModelTest, beginsASalvageOnlyWhenTheCancelledOneHasEnded) {
+TEST_F(ViewModelTest, startsASalvageOnlyAfterTheCancelledOneHasEnded) {
     launch();
     power.wake();
     power.wake();
-    EXPECT_EQ(scheduler.waitingTasks(), 2U); // with the look at the devices
+    EXPECT_EQ(scheduler.waitingTasks(), 2U); // the survey is the other one
     recorder.duringSalvage = [this] { EXPECT_EQ(scheduler.waitingTasks(), 1U); };
     scheduler.runTask();
     recorder.duringSalvage = nullptr;
@@ -108,7 +108,7 @@ TEST_F(ViewModelTest, beginsASalvageOnlyWhenTheCancelledOneHasEnded) {
     EXPECT_EQ(recorder.stopRequested, (std::vector<bool>{true, false}));
 }
 
-TEST_F(ViewModelTest, doesNotBeginASalvageWhileARecordingIsMade) {
+TEST_F(ViewModelTest, doesNotStartASalvageWhileRecording) {
     launch();
     power.wake();
     model->startRecording();
@@ -117,7 +117,7 @@ TEST_F(ViewModelTest, doesNotBeginASalvageWhileARecordingIsMade) {
     EXPECT_EQ(state(), Case::recording);
 }
 
-TEST_F(ViewModelTest, takesTheSalvageUpAgainThatARecordingHasCutShortOnceThatIsSaved) {
+TEST_F(ViewModelTest, resumesAnInterruptedSalvageOnceTheRecordingIsSaved) {
     launch();
     model->startRecording();
     scheduler.settle();
@@ -134,10 +134,10 @@ TEST_F(ViewModelTest, takesTheSalvageUpAgainThatARecordingHasCutShortOnceThatIsS
     EXPECT_EQ(lastRecording(), "/music/third.m4a");
 }
 
-TEST_F(ViewModelTest, takesUpASalvageAgainThatHadNotBegun) {
+TEST_F(ViewModelTest, resumesASalvageThatHadNotStarted) {
     launch();
     power.wake();
-    scheduler.runTask(1); // the look at the devices
+    scheduler.runTask(1); // the survey
     model->startRecording();
     scheduler.settle();
     model->stopRecording();
@@ -145,7 +145,7 @@ TEST_F(ViewModelTest, takesUpASalvageAgainThatHadNotBegun) {
     EXPECT_EQ(recorder.calls, (std::vector<std::string>{"salvage", "start", "stop", "salvage"}));
 }
 
-TEST_F(ViewModelTest, takesASalvageUpAgainOnceOnly) {
+TEST_F(ViewModelTest, resumesASalvageOnlyOnce) {
     launch();
     for (int time = 0; time < 2; ++time) {
         model->startRecording();
@@ -157,7 +157,7 @@ TEST_F(ViewModelTest, takesASalvageUpAgainOnceOnly) {
               (std::vector<std::string>{"salvage", "start", "stop", "salvage", "start", "stop"}));
 }
 
-TEST_F(ViewModelTest, salvagesOnceAfterAFailureThoughItHadCutASalvageShort) {
+TEST_F(ViewModelTest, salvagesOnlyOnceAfterAFailureThatInterruptedASalvage) {
     recorder.startError = failure("broken");
     launch();
     model->startRecording();
@@ -171,7 +171,7 @@ TEST_F(ViewModelTest, salvagesOnceAfterAFailureThoughItHadCutASalvageShort) {
               (std::vector<std::string>{"salvage", "start", "salvage", "start", "stop"}));
 }
 
-TEST_F(ViewModelTest, takesASalvageUpAgainInTheFolderThatWasChosenMeanwhile) {
+TEST_F(ViewModelTest, resumesASalvageInTheFolderChosenMeanwhile) {
     launch();
     model->startRecording();
     scheduler.settle();

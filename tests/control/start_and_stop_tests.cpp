@@ -46,7 +46,7 @@ TEST_F(StartTest, isNotAskedOfTheRecorderWithoutASource) {
     EXPECT_EQ(model->statusText(), text(Key::ready));
 }
 
-TEST_F(StartTest, forgetsTheLastOneBeforeTheRecorderIsAskedAndItsTimeOnlyWhenItSucceeds) {
+TEST_F(StartTest, clearsTheLastRecordingAtOnceAndItsTimeOnSuccess) {
     record();
     scheduler.advance(std::chrono::seconds(5));
     power.sleep();
@@ -80,7 +80,7 @@ TEST_F(StartTest, thatFailsIsDescribedInTheUsersLanguage) {
     EXPECT_EQ(message(), text(Key::screenPermissionDenied));
 
     preferences.values[Preference::appLanguage] = "zh-Hans";
-    EXPECT_NE(message(), text(Key::screenPermissionDenied)); // as it was composed
+    EXPECT_NE(message(), text(Key::screenPermissionDenied)); // as composed at that time
     model->startRecording();
     scheduler.settle();
     EXPECT_EQ(values().state, RecordingState::failed(text(Key::screenPermissionDenied)));
@@ -158,7 +158,7 @@ TEST_F(StopTest, isAskedOfTheRecorderOnceHoweverOftenTheButtonIsPressed) {
     EXPECT_EQ(recorder.volumes.size(), 1U);
 }
 
-TEST_F(StopTest, takesTheVolumesOfTheMomentThatItIsCarriedOutUnclamped) {
+TEST_F(StopTest, usesTheCurrentVolumesUnclamped) {
     model->setSystemVolume(0.1);
     model->toggleRecording();
     model->setSystemVolume(-3.5);
@@ -177,7 +177,7 @@ TEST_F(StopTest, volumesAreExpectedFromTheStartAndWheneverTheyChange) {
     EXPECT_EQ(recorder.expectedVolumes, (Volumes{{0.9F, 1.0F}, {0.5F, 1.0F}, {0.5F, 0.25F}}));
 }
 
-TEST_F(StopTest, takesTheDefaultVolumesWhenNobodyChoseOthers) {
+TEST_F(StopTest, usesTheDefaultVolumes) {
     model->toggleRecording();
     scheduler.settle();
     EXPECT_EQ(recorder.volumes, (std::vector<std::pair<float, float>>{{0.9F, 1.0F}}));
@@ -210,7 +210,7 @@ TEST_F(StopTest, thatFailsWithNothingKeptDoesNotSayThatACheckpointWas) {
     EXPECT_EQ(message(), text(Key::noAudioCaptured));
 }
 
-TEST_F(StopTest, forWantOfRoomSavesAndSaysWhy) {
+TEST_F(StopTest, onANearlyFullDiskSavesAndSaysWhy) {
     reportRoom(RoomAdvice::end);
     EXPECT_EQ(state(), Case::processing);
     scheduler.settle();
@@ -219,7 +219,7 @@ TEST_F(StopTest, forWantOfRoomSavesAndSaysWhy) {
     EXPECT_EQ(recorder.volumes.size(), 1U);
 }
 
-TEST_F(StopTest, takesAwayWhatWasSaidOfTheRoom) {
+TEST_F(StopTest, clearsTheDiskSpaceWarning) {
     reportRoom(RoomAdvice::tell, 7);
     EXPECT_NE(message(), "(none)");
     model->toggleRecording();
@@ -248,7 +248,7 @@ TEST_F(StopTest, canBeFollowedByTheNextRecording) {
     EXPECT_EQ(recorder.calls, (Seen{"salvage", "start", "stop", "start", "stop"}));
 }
 
-TEST_F(StopTest, isDroppedWhenNobodyIsThereToHearOfIt) {
+TEST_F(StopTest, isDroppedIfTheViewModelIsGone) {
     model->toggleRecording();
     scheduler.runMain();
     model.reset();

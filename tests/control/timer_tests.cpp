@@ -22,7 +22,7 @@ TEST_F(TimerTest, countsFullSeconds) {
     EXPECT_EQ(model->formattedElapsedTime(), "00:03");
 }
 
-TEST_F(TimerTest, goesOnForAsLongAsTheRecording) {
+TEST_F(TimerTest, runsWhileRecording) {
     scheduler.advance(30h);
     EXPECT_EQ(state(), Case::recording);
     EXPECT_EQ(model->formattedElapsedTime(), "30:00:00");
@@ -45,7 +45,7 @@ TEST_F(TimerTest, stopsWithTheViewModel) {
     scheduler.advance(5s);
 }
 
-TEST_F(TimerTest, beginsAnewWithTheNextRecording) {
+TEST_F(TimerTest, restartsWithTheNextRecording) {
     scheduler.advance(1700ms);
     model->toggleRecording();
     scheduler.settle();

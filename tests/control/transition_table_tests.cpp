@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-// Every state with everything that can happen in it.
+// Every state combined with every event.
 
 #include "tests/control/view_model_fixture.h"
 
@@ -39,7 +39,7 @@ constexpr Event level{"level", [](World& world) {
     world.reportLevel(AudioLevelSource::systemAudio, 0.25F);
     world.reportLevel(AudioLevelSource::microphone, 0.75F);
 }};
-// The recorder's answers; what a failure leads to is still to come afterwards.
+// The recorder answers; the salvage after a failure is still pending.
 constexpr Event answered{"the recorder's answer", [](World& world) { world.scheduler.runTask(); }};
 constexpr Event answeredWithError{"the recorder's error", [](World& world) {
     world.recorder.startError = failure("broken");
@@ -202,7 +202,7 @@ TEST(TransitionTableTest, theRecordersAnswers) {
     }
 }
 
-/// What a salvage that began before all this, or in the state itself, comes to.
+/// The result of a salvage that began earlier, or in the state itself.
 void expectSalvage(Case from, std::size_t count, Case to, const std::string& message,
                    const std::string& lastRecording) {
     World world;
@@ -210,7 +210,7 @@ void expectSalvage(Case from, std::size_t count, Case to, const std::string& mes
     SCOPED_TRACE(static_cast<int>(from));
     world.recorder.salvaged.resize(count, "/music/salvaged.m4a");
     if (from == recording || from == processing) {
-        // The salvage of the launch goes on for longer than the start.
+        // The launch salvage takes longer than the start.
         world.model->startRecording();
         world.scheduler.runTask(1);
         if (from == processing) {
@@ -225,7 +225,7 @@ void expectSalvage(Case from, std::size_t count, Case to, const std::string& mes
         world.leadFromIdle(from);
         world.recorder.salvaged.resize(count, "/music/salvaged.m4a");
         world.power.wake();
-        world.scheduler.runTask(); // the look at the devices
+        world.scheduler.runTask(); // the survey
     }
     ASSERT_EQ(world.state(), from);
     world.scheduler.runTask(0);

@@ -40,7 +40,7 @@ TEST(TransitionsTest, followFromTheStateAlone) {
     }
 }
 
-TEST(TransitionsTest, keepSleepAsThePendingReasonAndAllOthersWhereThereIsNoneOrTheUsersWish) {
+TEST(TransitionsTest, keepSleepAsThePendingReasonAndReplaceOnlyTheUsers) {
     struct Row {
         std::optional<StopReason> pending;
         StopReason arrived;

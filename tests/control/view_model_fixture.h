@@ -20,7 +20,7 @@ using Case = RecordingState::Case;
 using Property = RecordingProperties::Property;
 using Key = L10n::Key;
 
-/// A view model and all that it meets, of which nothing happens but what is told to.
+/// A view model with fakes; only the test causes events.
 struct ViewModelWorld {
     MemoryPreferences preferences = preferencesIn("en");
     FakeScheduler scheduler;
@@ -45,15 +45,15 @@ struct ViewModelWorld {
                 .defaultRecordingFolder = "/home/somebody/Movies/Vantoro"};
     }
 
-    /// As at a launch of the program, with the first look at the devices; the salvage that begins
-    /// then waits for a task thread.
+    /// Launches the program and finishes the first survey; the launch salvage waits for a task
+    /// thread.
     void launch() {
         model = std::make_unique<RecordingViewModel>(std::make_unique<FakeRecorder>(recorder),
                                                      platform());
         scheduler.runTask();
     }
 
-    /// ... and after it, when nothing was found.
+    /// Also finishes the launch salvage, which finds nothing.
     void launchAndSettle() {
         launch();
         scheduler.settle();
@@ -71,7 +71,7 @@ struct ViewModelWorld {
 
     std::string text(Key key) const { return L10n(preferences).text(key); }
 
-    /// Looks at devices and permissions anew, and lets the answer come.
+    /// Runs a new survey.
     void refresh() {
         model->refreshDevicesAndPermissions();
         scheduler.settle();
@@ -99,8 +99,8 @@ struct ViewModelWorld {
         scheduler.runMain();
     }
 
-    /// Launches, and leads to a state as a user would, without a task of the recorder's waiting but
-    /// the one that the state is about.
+    /// Launches and reaches the state as a user would; of the recorder's tasks, only the state's
+    /// own is pending.
     void lead(Case to) {
         launchAndSettle();
         leadFromIdle(to);

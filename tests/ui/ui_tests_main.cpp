@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-// Without a screen, unless one is asked for.
+// Without a screen, unless one is requested.
 int main(int argumentCount, char** arguments) {
     ::setenv("QT_QPA_PLATFORM", "offscreen", 0);
     const QApplication application(argumentCount, arguments);

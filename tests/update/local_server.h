@@ -14,20 +14,19 @@
 
 namespace vantoro::testing {
 
-/// A web server on this machine. It runs in the test's event loop.
+/// A web server on localhost, in the test's event loop.
 class LocalServer {
 public:
-    /// Writes to the connection whatever it likes to what the other side asked: the head of a
-    /// request.
+    /// Writes the response to a request, of which it gets the head.
     using Answer = std::function<void(QSslSocket& connection, const QByteArray& request)>;
 
     explicit LocalServer(Answer answer);
 
-    /// Without a slash at the end.
+    /// Without a trailing slash.
     QString location() const;
 
-    std::vector<QByteArray> requests; ///< their heads, in order
-    int connections = 0;              ///< that agreed on a key
+    std::vector<QByteArray> requests; ///< the heads, in order
+    int connections = 0;              ///< that completed the TLS handshake
     int closed = 0;                   ///< of those
 
 private:
@@ -37,7 +36,7 @@ private:
     QSslServer server_;
 };
 
-/// A server without encryption, which counts who connects and says this to each.
+/// A server without TLS, which counts the connections and greets each.
 class PlainServer {
 public:
     explicit PlainServer(QByteArray greeting = {});
@@ -51,19 +50,21 @@ private:
     QTcpServer server_;
 };
 
-/// Trusts the local server, and nobody else.
+/// Trusts only the local server.
 QSslConfiguration trustInLocalServers();
 
-/// An answer of this status with fields, each ended as in a head, and a body of announced length.
+/// A response with this status and these header lines, each ending in CRLF, and a body with its
+/// length.
 QByteArray response(int status, const QByteArray& body, const QByteArray& fields = {});
 
-/// The same to every request.
+/// Answers every request alike.
 LocalServer::Answer always(const QByteArray& bytes);
-/// The same, and the connection ends behind it.
+/// As above, then closes the connection.
 LocalServer::Answer alwaysThenClose(const QByteArray& bytes);
-/// Begins so, and goes on with `more` every few milliseconds for as long as somebody listens.
+/// Starts with `beginning`, then sends `more` every few milliseconds while the client stays
+/// connected.
 LocalServer::Answer trickle(const QByteArray& beginning, const QByteArray& more);
-/// Begins so, and goes on with `more` as fast as it is taken.
+/// Starts with `beginning`, then sends `more` as fast as possible.
 LocalServer::Answer flood(const QByteArray& beginning, const QByteArray& more);
 
 } // namespace vantoro::testing

@@ -14,7 +14,7 @@ UpdateMetadata recordOf(const std::string& version, const std::string& filename 
     return {.version = version, .filename = filename, .url = std::nullopt};
 }
 
-TEST(NewerVersionTest, isNoneForTheLatestAndForWhatIsNewerStill) {
+TEST(NewerVersionTest, isNoneForTheLatestAndForNewer) {
     struct Case {
         const char* current;
         const char* latest;
@@ -33,7 +33,7 @@ TEST(NewerVersionTest, isNoneForTheLatestAndForWhatIsNewerStill) {
     }
 }
 
-TEST(NewerVersionTest, isWhatTheServerCallsIt) {
+TEST(NewerVersionTest, isVerbatimFromTheServer) {
     for (const auto* latest : {"1.10", "1.9.1", "2", "2..0.beta", "+2.01"}) {
         const auto newer = newerVersion(recordOf(latest), "1.9", base);
         ASSERT_TRUE(newer.has_value() && newer->has_value()) << latest;

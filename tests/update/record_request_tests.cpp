@@ -23,8 +23,8 @@ using Body = RecordBody;
 const Body refused = std::unexpected(UpdateError::invalidResponse);
 const QByteArray record("the record");
 
-/// A server that answers everything as `answer` says, and requests to it that nothing but the
-/// server's doing ends before a test has waited long enough.
+/// A server that gives the same answer to everything, and requests that never time out before the
+/// test does.
 class RecordRequestTest : public ::testing::Test {
 protected:
     static constexpr auto longer = 60s;
@@ -82,7 +82,7 @@ TEST_F(RecordRequestTest, succeedsWithAStatusOfSuccessOnly) {
     }
 }
 
-TEST_F(RecordRequestTest, asksForTheRecordAndTellsNothingElse) {
+TEST_F(RecordRequestTest, sendsOnlyTheNecessaryHeaders) {
     ASSERT_EQ(fetch(), record);
     ASSERT_EQ(server.requests.size(), 1U);
     auto lines = server.requests.front().trimmed().split('\n');
@@ -91,13 +91,13 @@ TEST_F(RecordRequestTest, asksForTheRecordAndTellsNothingElse) {
     for (const auto& line : lines) {
         fields.insert(line.left(line.indexOf(':')).toLower());
     }
-    // What the network's library says by itself.
+    // The network library's own headers.
     EXPECT_EQ(fields,
               (std::set<QByteArray>{"host", "connection", "accept-encoding", "accept-language",
                                     "user-agent", "cache-control", "pragma"}));
 }
 
-TEST_F(RecordRequestTest, bringsNoCookieBack) {
+TEST_F(RecordRequestTest, sendsNoCookies) {
     answer = always(response(200, record, "Set-Cookie: who=you; Path=/; Max-Age=9999\r\n"));
     ASSERT_EQ(fetch(), record);
     ASSERT_EQ(fetch(), record);
@@ -105,14 +105,14 @@ TEST_F(RecordRequestTest, bringsNoCookieBack) {
     EXPECT_FALSE(server.requests.back().toLower().contains("cookie"));
 }
 
-TEST_F(RecordRequestTest, asksAgainWhateverMayBeKept) {
+TEST_F(RecordRequestTest, bypassesCaches) {
     answer = always(response(200, record, "Cache-Control: max-age=9999, immutable\r\n"));
     ASSERT_EQ(fetch(), record);
     EXPECT_EQ(fetch(always(response(200, "newer"))), "newer");
     EXPECT_TRUE(server.requests.back().toLower().contains("cache-control: no-cache\r\n"));
 }
 
-TEST_F(RecordRequestTest, leavesNoConnectionForTheNext) {
+TEST_F(RecordRequestTest, doesNotReuseConnections) {
     ASSERT_EQ(fetch(), record);
     EXPECT_TRUE(EventLoop::runUntil([this] { return server.closed == 1; }));
     ASSERT_EQ(fetch(), record);
@@ -139,7 +139,7 @@ TEST_F(RecordRequestTest, endsAtTheLimitHoweverTheServerDelays) {
     EXPECT_EQ(server.requests.size(), 7U);
 }
 
-TEST_F(RecordRequestTest, endsAtTheLimitWhenNoKeyIsAgreedOn) {
+TEST_F(RecordRequestTest, endsAtTheLimitDuringTheHandshake) {
     const PlainServer silent;
     const auto location = QString("https://127.0.0.1:%1/").arg(silent.port());
     EXPECT_EQ(fetch(location, 100ms), refused);
@@ -158,7 +158,7 @@ TEST_F(RecordRequestTest, endsAtTheLimitWhenRedirectsFollowEachOther) {
     EXPECT_EQ(fetch(server.location(), 1000ms), refused);
 }
 
-TEST_F(RecordRequestTest, bringsAsMuchAsIsAllowedAndNoMore) {
+TEST_F(RecordRequestTest, acceptsTheLongestBodyAndNoMore) {
     const QByteArray most(RecordRequest::mostBytes, ' ');
     const QByteArray tooMuch = most + " ";
     const QByteArray unannounced("HTTP/1.1 200 OK\r\n\r\n");
@@ -186,9 +186,9 @@ TEST_F(RecordRequestTest, doesNotWaitForMoreThanIsAllowed) {
     }
 }
 
-TEST_F(RecordRequestTest, countsWhatIsPackedAsItIsUnpacked) {
+TEST_F(RecordRequestTest, countsTheDecompressedBody) {
     const auto packed = [](qsizetype size) {
-        // The length that stands before the packed bytes is no part of them.
+        // qCompress prepends the length; strip it.
         return always(response(200, qCompress(QByteArray(size, ' ')).mid(4),
                                "Content-Encoding: deflate\r\n"));
     };
@@ -247,7 +247,7 @@ TEST_F(RecordRequestTest, isNotRedirectedAwayFromHttps) {
 }
 
 TEST_F(RecordRequestTest, isRedirectedAFewTimesOnly) {
-    std::set<QByteArray> paths; // each of which the library may ask for more than once
+    std::set<QByteArray> paths; // the library may repeat each
     answer = [&](QSslSocket& connection, const QByteArray& asked) {
         const auto path = asked.split(' ')[1];
         paths.insert(path);
@@ -257,13 +257,13 @@ TEST_F(RecordRequestTest, isRedirectedAFewTimesOnly) {
     EXPECT_EQ(paths, (std::set<QByteArray>{"/a", "/aa", "/aaa", "/aaaa", "/aaaaa", "/aaaaaa"}));
 }
 
-TEST_F(RecordRequestTest, tellsNothingToAServerThatNobodyVouchesFor) {
-    tls.reset(); // whom the system trusts, and it does not know our certificate
+TEST_F(RecordRequestTest, sendsNothingToAnUntrustedServer) {
+    tls.reset(); // the system does not trust the test certificate
     EXPECT_EQ(fetch(), refused);
     EXPECT_EQ(server.requests.size(), 0U);
 }
 
-TEST_F(RecordRequestTest, tellsNothingToAServerOfAnotherName) {
+TEST_F(RecordRequestTest, sendsNothingToAServerWithAnotherName) {
     EXPECT_EQ(fetch(server.location().replace("127.0.0.1", "localhost")), refused);
     EXPECT_EQ(server.requests.size(), 0U);
 }

@@ -34,7 +34,7 @@ TEST(SemanticVersionTest, consistsOfTheNumbersBetweenDots) {
     }
 }
 
-TEST(SemanticVersionTest, leavesEmptyPiecesOut) {
+TEST(SemanticVersionTest, skipsEmptyPieces) {
     for (const auto* text : {"1..2.", ".1.2", "...1...2...", "1.2"}) {
         EXPECT_EQ(SemanticVersion(text).components(), (Numbers{1, 2})) << text;
     }

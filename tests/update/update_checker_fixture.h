@@ -23,7 +23,7 @@ inline const QByteArray newerRecord = R"({"version":"2.0","filename":"Vantoro-2.
 inline const std::string failed = "Could not check for updates. Try again later.";
 inline const std::string latest = "You are up to date.";
 
-/// A checker of version 1.0 and a server that offers 2.0, as long as a test does not say otherwise.
+/// A checker of version 1.0 and a server that offers 2.0, unless a test changes that.
 class UpdateCheckerTest : public ::testing::Test {
 protected:
     using Property = UpdateChecker::Property;
@@ -64,7 +64,7 @@ protected:
         check();
     }
 
-    /// Until the server has been asked, which then says nothing.
+    /// Starts a check that the server receives but does not answer.
     void beginCheckThatWaits() {
         const auto heard = server.requests.size();
         answer = [](QSslSocket&, const QByteArray&) {};

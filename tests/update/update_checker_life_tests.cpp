@@ -7,7 +7,7 @@ namespace {
 
 using enum UpdateChecker::Property;
 
-/// What is seen of a checker, and when.
+/// What others observe of a checker, and when.
 using UpdateCheckerLifeTest = UpdateCheckerTest;
 
 TEST_F(UpdateCheckerLifeTest, publishesEachChangeInOrder) {
@@ -48,7 +48,7 @@ TEST_F(UpdateCheckerLifeTest, ignoresARequestWhileACheckRuns) {
     EXPECT_EQ(server.requests.size(), 2U);
 }
 
-TEST_F(UpdateCheckerLifeTest, canBeAskedAgainByWhoeverHearsThatACheckEnded) {
+TEST_F(UpdateCheckerLifeTest, canStartAgainFromTheEndNotification) {
     int checks = 1;
     QObject::connect(checker.get(), &UpdateChecker::propertyChanged, [&](Property property) {
         if (property == isChecking && !values().isChecking && checks < 3) {
@@ -62,7 +62,7 @@ TEST_F(UpdateCheckerLifeTest, canBeAskedAgainByWhoeverHearsThatACheckEnded) {
     EXPECT_EQ(values().message, "Version 2.0 is available.");
 }
 
-TEST_F(UpdateCheckerLifeTest, speaksTheLanguageOfTheMomentOfTheAnswer) {
+TEST_F(UpdateCheckerLifeTest, usesTheLanguageAtTheAnswer) {
     QSslSocket* asking = nullptr;
     answer = [&](QSslSocket& connection, const QByteArray&) { asking = &connection; };
     const auto textIn = [&](const QByteArray& record, const std::string& language) {
@@ -78,7 +78,7 @@ TEST_F(UpdateCheckerLifeTest, speaksTheLanguageOfTheMomentOfTheAnswer) {
     EXPECT_EQ(textIn(newerRecord, "en"), "Version 2.0 is available.");
     EXPECT_EQ(textIn("no record", "zh-Hans"), "检查更新失败，请稍后重试。");
     preferences.values[Preference::appLanguage] = "en";
-    EXPECT_EQ(values().message, "检查更新失败，请稍后重试。"); // that was its moment
+    EXPECT_EQ(values().message, "检查更新失败，请稍后重试。"); // the language at the answer
 }
 
 TEST_F(UpdateCheckerLifeTest, opensWhatItFound) {
@@ -93,7 +93,7 @@ TEST_F(UpdateCheckerLifeTest, opensWhatItFound) {
     EXPECT_EQ(opened, std::vector<QUrl>{download});
 }
 
-TEST_F(UpdateCheckerLifeTest, opensNothingButLocationsOfTheWeb) {
+TEST_F(UpdateCheckerLifeTest, opensOnlyWebLocations) {
     for (const QByteArray location : {"file:///etc/hostname", "downloads/a", "//example.org/a",
                                       "ftp://example.org/a", "javascript:a", "https:///a"}) {
         check(R"({"version":"2.0","filename":"a","url":")" + location + "\"}");
@@ -106,7 +106,7 @@ TEST_F(UpdateCheckerLifeTest, opensNothingButLocationsOfTheWeb) {
     EXPECT_EQ(opened, std::vector<QUrl>{QUrl("http://example.org/a")});
 }
 
-TEST_F(UpdateCheckerLifeTest, isNotHeardOfAnyMoreWhenItIsDestroyedWhileTheServerIsAsked) {
+TEST_F(UpdateCheckerLifeTest, staysSilentIfDestroyedDuringARequest) {
     beginCheckThatWaits();
     seen.clear();
     checker.reset();
@@ -114,7 +114,7 @@ TEST_F(UpdateCheckerLifeTest, isNotHeardOfAnyMoreWhenItIsDestroyedWhileTheServer
     EXPECT_EQ(seen, Seen());
 }
 
-TEST_F(UpdateCheckerLifeTest, doesNotAskWhenItIsDestroyedBefore) {
+TEST_F(UpdateCheckerLifeTest, doesNotAskIfDestroyedBefore) {
     checker->checkForUpdates();
     seen.clear();
     checker.reset();

@@ -40,7 +40,7 @@ TEST_F(UpdateCheckerTest, asksABuiltInServerOverHttpsAndWaitsQuarterOfAMinute) {
     EXPECT_EQ(checker->metadataURL().scheme(), "https");
 }
 
-TEST_F(UpdateCheckerTest, failsWhereNobodyCanBeAsked) {
+TEST_F(UpdateCheckerTest, failsIfRequestsAreImpossible) {
     make("1.0", {.baseLocation = server.location(), .ask = [](const QUrl&, auto, const auto&) {
                      throw std::runtime_error("a part of the program cannot be loaded");
                      return std::unique_ptr<RecordQuestion>();
@@ -131,7 +131,7 @@ TEST_F(UpdateCheckerTest, failsWhenNoAnswerComesInTime) {
     expectFailure();
 }
 
-TEST_F(UpdateCheckerTest, failsWhereNobodyVouchesForTheServer) {
+TEST_F(UpdateCheckerTest, failsIfTheServerIsNotTrusted) {
     make("1.0", {.baseLocation = server.location(), .ask = askOverNetwork()});
     check();
     expectFailure();

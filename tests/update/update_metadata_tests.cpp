@@ -72,7 +72,7 @@ TEST(UpdateMetadataTest, areInvalidWithAnInvalidURL) {
     }
 }
 
-TEST(UpdateMetadataTest, areInvalidWithHalfACharacter) {
+TEST(UpdateMetadataTest, areInvalidWithAnUnpairedSurrogate) {
     EXPECT_FALSE(UpdateMetadata::decode(R"({"version":"1\ud83d","filename":"a"})").has_value());
     EXPECT_FALSE(UpdateMetadata::decode(R"({"version":"1","filename":"\ude00"})").has_value());
 }

@@ -28,11 +28,11 @@ TEST(ValidURLTest, isNotRepaired) {
     }
 }
 
-TEST(ValidURLTest, doesNotHoldHalfACharacter) {
+TEST(ValidURLTest, hasNoUnpairedSurrogate) {
     EXPECT_EQ(validURL(QString("https://example.org/") + QChar(0xd83d)), std::nullopt);
 }
 
-TEST(WebLocationTest, isOnAServerOfTheWeb) {
+TEST(WebLocationTest, isAWebLocationOnlyWithHttpAndAHost) {
     for (const QString text : {"https://example.org/a", "http://example.org/a",
                                "HTTPS://EXAMPLE.ORG", "https://user@example.org:1/a"}) {
         EXPECT_TRUE(isWebLocation(QUrl(text))) << text.toStdString();

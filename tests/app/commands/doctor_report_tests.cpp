@@ -103,10 +103,10 @@ TEST(DoctorReport, endsWithWhatToDoAboutEachProblemOnce) {
                                     "- 请注销后重新登录：桌面的某项服务没有响应。\n"));
 }
 
-/// One difference from a machine on which all is well.
+/// One deviation from a machine without problems.
 struct Case {
     std::function<void(DoctorFindings&)> change;
-    const char* english; ///< the line that it makes
+    const char* english; ///< the resulting line
     const char* chinese;
     bool isProblem;
 };
@@ -164,7 +164,7 @@ TEST(DoctorReport, advisesWhatFitsTheCause) {
     EXPECT_NE(text.find("- The sandbox hides what is played"), std::string::npos);
 }
 
-TEST(DoctorReport, doesNotMissADefaultMicrophoneThatNobodyIsThereToName) {
+TEST(DoctorReport, acceptsNoDefaultMicrophoneWithoutASessionManager) {
     auto findings = allWell();
     findings.sound->microphones[0].isDefault = false;
     findings.sound->hasSessionManager = false;
@@ -207,8 +207,8 @@ TEST(DoctorReport, saysWhoDecidedOnTheMicrophonesPermission) {
     }
 }
 
-/// What lets a microphone be recorded, or asks for leave, is no problem, and all else is one.
-TEST(DoctorReport, agreesWithTheRecorderOnWhatThePermissionIs) {
+/// Only what lets a microphone be recorded, or prompts for permission, is no problem.
+TEST(DoctorReport, agreesWithTheRecorderOnThePermission) {
     for (int number = 0; number < 24; ++number) {
         auto findings = allWell();
         findings.microphone = {.disabledBySettings = (number & 1) != 0,
@@ -288,7 +288,7 @@ TEST(DoctorReport, saysWhatCanBeDoneInTheFolder) {
     }
 }
 
-TEST(DoctorReport, saysNothingOfRecordingsOnADiskThatDoesNotAnswer) {
+TEST(DoctorReport, omitsRecordingsOnADiskThatDoesNotAnswer) {
     auto findings = allWell();
     findings.folder.reset();
     findings.interruptedRecordings.reset();

@@ -18,12 +18,12 @@
 namespace vantoro {
 namespace {
 
-/// The machine's own files, but for what a test changes.
+/// The real file system, except for what a test changes.
 class OtherFileSystem final : public FileSystem {
 public:
     bool hasUnnamedFiles = true;
-    std::error_code refusal;          ///< to make files
-    std::vector<std::string> created; ///< by a name
+    std::error_code refusal;          ///< on creating files
+    std::vector<std::string> created; ///< with a name
 
     void createFolders(const std::filesystem::path& folder) override {
         files_.createFolders(folder);
@@ -90,7 +90,7 @@ protected:
     std::filesystem::path folder = temporary.path().toStdString();
     OtherFileSystem files;
 
-    /// Checks that nothing changes in the folder meanwhile.
+    /// Checks that the call leaves the folder unchanged.
     FolderCheck check(const std::filesystem::path& checked) {
         const auto before = files.list(folder).size();
         auto result = checkFolder(files, checked);
@@ -107,14 +107,14 @@ TEST_F(FolderCheckTest, folderThatIsThereTakesFiles) {
     EXPECT_TRUE(files.created.empty());
 }
 
-TEST_F(FolderCheckTest, folderThatCanBeMadeIsNotMade) {
+TEST_F(FolderCheckTest, folderThatCanBeCreatedIsNotCreated) {
     const auto found = check(folder / "a/b");
     EXPECT_FALSE(found.exists);
     EXPECT_FALSE(found.refusal);
     EXPECT_GT(found.availableBytes.value_or(0), 0U);
 }
 
-TEST_F(FolderCheckTest, whereNoFileIsWithoutANameOneIsMadeAndRemoved) {
+TEST_F(FolderCheckTest, withoutUnnamedFilesANamedOneIsCreatedAndRemoved) {
     files.hasUnnamedFiles = false;
     EXPECT_FALSE(check(folder).refusal);
     ASSERT_EQ(files.created.size(), 1U);
@@ -122,7 +122,7 @@ TEST_F(FolderCheckTest, whereNoFileIsWithoutANameOneIsMadeAndRemoved) {
     EXPECT_FALSE(files.created[0].ends_with(".partial.mov")) << files.created[0];
 }
 
-TEST_F(FolderCheckTest, refusalIsToldWithTheSystemsReason) {
+TEST_F(FolderCheckTest, refusalHasTheSystemsReason) {
     files.refusal = std::make_error_code(std::errc::permission_denied);
     EXPECT_EQ(check(folder).refusal, std::errc::permission_denied);
     EXPECT_EQ(check(folder / "a").refusal, std::errc::permission_denied);

@@ -41,7 +41,7 @@ TEST_F(ProgressLineTest, speaksTheUsersLanguage) {
     EXPECT_EQ(savingLine(0.5, L10n(chinese)), "保存中 50 %");
 }
 
-TEST_F(ProgressLineTest, saysOfWhichSourceNothingWillBeHeard) {
+TEST_F(ProgressLineTest, namesASourceThatDeliversNothing) {
     values.systemAudioLevel = 0;
     values.microphoneLevel = 0;
     values.systemAudioCondition = SourceCondition::silent;

@@ -19,7 +19,7 @@
 namespace vantoro::testing {
 namespace {
 
-/// A base, so that the signals are blocked before anything starts a thread.
+/// A base class, so that the signals are blocked before any thread starts.
 struct BlockedSignals {
     StopSignals signals;
 };
@@ -40,7 +40,7 @@ protected:
     std::atomic<bool> hasEndedAtOnce = false;
     Ending ending{signals, [this](int, const std::string&) { hasEndedAtOnce = true; }};
 
-    /// Runs the command; `meanwhile` happens once capture has been started.
+    /// Runs the command; calls `meanwhile` once capture has started.
     int run(const std::function<void()>& meanwhile) {
         capture.duringStart = meanwhile;
         ::testing::internal::CaptureStdout();
@@ -144,13 +144,13 @@ TEST_F(RecordCommandTest, failedSavingSaysThatACheckpointWasKept) {
                       "recording folder.\n");
 }
 
-TEST_F(RecordCommandTest, whatTheSalvageMakesOfAFailureIsTheResult) {
+TEST_F(RecordCommandTest, salvageAfterAFailureIsTheResult) {
     command.seconds = 0.01;
     toolkit.exporting.duringExport = [this, isFirst = true]() mutable {
         if (std::exchange(isFirst, false)) {
             toolkit.exporting.trackCount = 2;
             fileSystem.leave(folder /
-                             "left.partial.mov"); // the salvage of the start may still look
+                             "left.partial.mov"); // the launch salvage may still be searching
             throw std::runtime_error("disk busy");
         }
     };
@@ -161,7 +161,7 @@ TEST_F(RecordCommandTest, whatTheSalvageMakesOfAFailureIsTheResult) {
         << errors;
 }
 
-TEST_F(RecordCommandTest, diskThatGetsFullIsToldThenEndsTheRecordingSaved) {
+TEST_F(RecordCommandTest, nearlyFullDiskIsReportedThenEndsTheRecordingSaved) {
     EXPECT_EQ(run([&] {
                   captureSomething();
                   fileSystem.available = 20'000'000;
@@ -176,7 +176,7 @@ TEST_F(RecordCommandTest, diskThatGetsFullIsToldThenEndsTheRecordingSaved) {
                       "saved.\n");
 }
 
-TEST_F(RecordCommandTest, shortRoomIsToldOnceThoughTheUserEndsTheRecording) {
+TEST_F(RecordCommandTest, lowSpaceIsReportedOnceEvenIfTheUserStops) {
     fileSystem.available = 20'000'000;
     command.seconds = 0.01;
     EXPECT_EQ(run([&] { captureSomething(); }), 0);
@@ -213,7 +213,7 @@ TEST_F(RecordCommandTest, messagesAreInTheLanguageOfThisRunWhichIsNotKept) {
     EXPECT_TRUE(preferences.stored.empty());
 }
 
-TEST_F(RecordCommandTest, speaksChineseToThoseWhoChoseNoLanguage) {
+TEST_F(RecordCommandTest, usesChineseByDefault) {
     preferences.values.clear();
     captureAccess.isAllowed = false;
     EXPECT_EQ(run({}), 1);

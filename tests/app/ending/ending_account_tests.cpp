@@ -14,10 +14,10 @@ namespace {
 using namespace std::chrono_literals;
 using enum EndingStep;
 
-/// What happens, and when, in milliseconds from the beginning.
+/// What happens, and when, in milliseconds from the start.
 struct Event {
     enum class What : std::uint8_t {
-        attended,
+        handled,
         left,
         quitting,
         stays,
@@ -39,9 +39,9 @@ constexpr EndingAccount::TimePoint at(int milliseconds) {
 
 void happen(EndingAccount& account, const Event& event) {
     switch (event.what) {
-    case attended:
+    case handled:
     case left:
-        account.setHasHandler(event.what == attended);
+        account.setHasHandler(event.what == handled);
         break;
     case quitting:
         account.asked(EndingRequest::quitting, at(event.at));
@@ -81,7 +81,7 @@ void expectRow(const Row& row) {
     }
     EXPECT_EQ(account.step(at(row.at)), row.step);
     EXPECT_EQ(account.status(), row.status);
-    // Whoever looks again at the deadline, and not before, misses nothing.
+    // Looking again at the deadline, not before, is enough.
     const auto deadline = account.deadline();
     if (row.step == wait) {
         ASSERT_TRUE(deadline);
@@ -94,42 +94,42 @@ void expectRow(const Row& row) {
     }
 }
 
-TEST(EndingAccountTest, nothingEndsThatNobodyAskedToEnd) {
+TEST(EndingAccountTest, nothingEndsWithoutARequest) {
     for (const auto& row : {
              Row{"at the beginning", {}, 0, goOn},
              Row{"long ago", {}, 100'000, goOn},
-             Row{"attended", {{0, attended}}, 100'000, goOn},
-             Row{"moving", {{0, attended}, {10, progressed}}, 100'000, goOn},
-             Row{"left", {{0, attended}, {5, left}}, 100'000, goOn},
+             Row{"handler", {{0, handled}}, 100'000, goOn},
+             Row{"progress", {{0, handled}, {10, progressed}}, 100'000, goOn},
+             Row{"left", {{0, handled}, {5, left}}, 100'000, goOn},
          }) {
         expectRow(row);
     }
 }
 
-TEST(EndingAccountTest, firstRequestWaitsForWhatMoves) {
+TEST(EndingAccountTest, firstRequestWaitsWhileThereIsProgress) {
     for (const auto& row : {
-             Row{"signal", {{0, attended}, {50, signal}}, 50, wait},
-             Row{"hang-up", {{0, attended}, {50, hangUp}}, 50, wait},
-             Row{"quitting", {{0, attended}, {50, quitting}}, 50, wait},
-             Row{"just in time", {{0, attended}, {50, signal}}, 4049, wait},
-             Row{"nothing moved", {{0, attended}, {50, signal}}, 4050, endAtOnce},
-             Row{"nothing moved after quitting", {{0, attended}, {50, quitting}}, 4050, endAtOnce},
-             Row{"nothing moved after a hang-up", {{0, attended}, {50, hangUp}}, 4050, endAtOnce},
-             Row{"moved", {{0, attended}, {50, signal}, {4000, progressed}}, 7999, wait},
-             Row{"moved long enough",
-                 {{0, attended},
+             Row{"signal", {{0, handled}, {50, signal}}, 50, wait},
+             Row{"hang-up", {{0, handled}, {50, hangUp}}, 50, wait},
+             Row{"quitting", {{0, handled}, {50, quitting}}, 50, wait},
+             Row{"just in time", {{0, handled}, {50, signal}}, 4049, wait},
+             Row{"no progress", {{0, handled}, {50, signal}}, 4050, endAtOnce},
+             Row{"no progress after quitting", {{0, handled}, {50, quitting}}, 4050, endAtOnce},
+             Row{"no progress after a hang-up", {{0, handled}, {50, hangUp}}, 4050, endAtOnce},
+             Row{"progress", {{0, handled}, {50, signal}, {4000, progressed}}, 7999, wait},
+             Row{"lasting progress",
+                 {{0, handled},
                   {50, signal},
                   {4000, progressed},
                   {7900, progressed},
                   {11'000, progressed}},
                  14'999,
                  wait},
-             Row{"moved no more",
-                 {{0, attended}, {50, signal}, {4000, progressed}},
+             Row{"no further progress",
+                 {{0, handled}, {50, signal}, {4000, progressed}},
                  8000,
                  endAtOnce},
-             Row{"what moved before does not count",
-                 {{0, attended}, {10, progressed}, {60'000, signal}},
+             Row{"earlier progress does not count",
+                 {{0, handled}, {10, progressed}, {60'000, signal}},
                  63'999,
                  wait},
          }) {
@@ -137,37 +137,34 @@ TEST(EndingAccountTest, firstRequestWaitsForWhatMoves) {
     }
 }
 
-TEST(EndingAccountTest, secondSignalEndsAtOnceUnlessItIsTheSameWish) {
+TEST(EndingAccountTest, secondSignalEndsAtOnceUnlessItIsTheSameRequest) {
     for (const auto& row : {
-             Row{"again", {{0, attended}, {50, signal}, {250, signal}}, 250, endAtOnce},
-             Row{"again, though it moves",
-                 {{0, attended}, {50, signal}, {250, signal}, {251, progressed}},
+             Row{"again", {{0, handled}, {50, signal}, {250, signal}}, 250, endAtOnce},
+             Row{"again, despite progress",
+                 {{0, handled}, {50, signal}, {250, signal}, {251, progressed}},
                  252,
                  endAtOnce},
-             Row{"passed on as well", {{0, attended}, {50, signal}, {249, signal}}, 250, wait},
-             Row{"passed on, then again",
-                 {{0, attended}, {50, signal}, {90, signal}, {300, signal}},
+             Row{"forwarded too", {{0, handled}, {50, signal}, {249, signal}}, 250, wait},
+             Row{"forwarded, then again",
+                 {{0, handled}, {50, signal}, {90, signal}, {300, signal}},
                  300,
                  endAtOnce},
-             Row{"a terminal that is closed tells it again and again",
-                 {{0, attended}, {50, hangUp}, {60, hangUp}, {900, hangUp}},
+             Row{"a closing terminal signals repeatedly",
+                 {{0, handled}, {50, hangUp}, {60, hangUp}, {900, hangUp}},
                  1000,
                  wait},
-             Row{"a session that ends behind its terminal",
-                 {{0, attended}, {50, hangUp}, {900, signal}},
+             Row{"a session that ends after its terminal",
+                 {{0, handled}, {50, hangUp}, {900, signal}},
                  1000,
                  wait},
-             Row{"hung up behind a signal",
-                 {{0, attended}, {50, signal}, {900, hangUp}},
+             Row{"hung up after a signal", {{0, handled}, {50, signal}, {900, hangUp}}, 1000, wait},
+             Row{"quitting again", {{0, handled}, {50, quitting}, {900, quitting}}, 1000, wait},
+             Row{"a signal after quitting",
+                 {{0, handled}, {50, quitting}, {900, signal}},
                  1000,
                  wait},
-             Row{"quitting again", {{0, attended}, {50, quitting}, {900, quitting}}, 1000, wait},
-             Row{"a signal behind quitting",
-                 {{0, attended}, {50, quitting}, {900, signal}},
-                 1000,
-                 wait},
-             Row{"two signals behind quitting",
-                 {{0, attended}, {50, quitting}, {900, signal}, {1500, signal}},
+             Row{"two signals after quitting",
+                 {{0, handled}, {50, quitting}, {900, signal}, {1500, signal}},
                  1500,
                  endAtOnce},
          }) {
@@ -175,21 +172,21 @@ TEST(EndingAccountTest, secondSignalEndsAtOnceUnlessItIsTheSameWish) {
     }
 }
 
-TEST(EndingAccountTest, repeatedRequestsDoNotPutTheEndOff) {
-    expectRow({"quitting", {{0, attended}, {0, quitting}, {3000, quitting}}, 4000, endAtOnce});
-    expectRow({"signal", {{0, attended}, {0, quitting}, {3000, signal}}, 4000, endAtOnce});
-    expectRow({"hang-up", {{0, attended}, {0, hangUp}, {3000, hangUp}}, 4000, endAtOnce});
+TEST(EndingAccountTest, repeatedRequestsDoNotPostponeTheEnd) {
+    expectRow({"quitting", {{0, handled}, {0, quitting}, {3000, quitting}}, 4000, endAtOnce});
+    expectRow({"signal", {{0, handled}, {0, quitting}, {3000, signal}}, 4000, endAtOnce});
+    expectRow({"hang-up", {{0, handled}, {0, hangUp}, {3000, hangUp}}, 4000, endAtOnce});
 }
 
-TEST(EndingAccountTest, quittingCanBeCalledOffAndASignalCannot) {
+TEST(EndingAccountTest, quittingCanBeCancelledAndASignalCannot) {
     for (const auto& row : {
-             Row{"called off", {{0, attended}, {0, quitting}, {10, stays}}, 100'000, goOn},
-             Row{"and wanted again",
-                 {{0, attended}, {0, quitting}, {10, stays}, {20'000, quitting}},
+             Row{"cancelled", {{0, handled}, {0, quitting}, {10, stays}}, 100'000, goOn},
+             Row{"requested again",
+                 {{0, handled}, {0, quitting}, {10, stays}, {20'000, quitting}},
                  20'001,
                  wait},
              Row{"signalled meanwhile",
-                 {{0, attended}, {0, quitting}, {5, signal}, {10, stays}},
+                 {{0, handled}, {0, quitting}, {5, signal}, {10, stays}},
                  3999,
                  wait},
          }) {
@@ -197,13 +194,13 @@ TEST(EndingAccountTest, quittingCanBeCalledOffAndASignalCannot) {
     }
 }
 
-TEST(EndingAccountTest, whereNobodyAttendsASignalEndsAtOnce) {
+TEST(EndingAccountTest, withoutAHandlerASignalEndsAtOnce) {
     for (const auto& row : {
              Row{"signal", {{0, signal}}, 0, endAtOnce},
              Row{"hang-up", {{0, hangUp}}, 0, endAtOnce},
-             Row{"no longer attended", {{0, attended}, {1, left}, {5, signal}}, 5, endAtOnce},
-             Row{"asked while it was attended",
-                 {{0, attended}, {1, signal}, {5, left}},
+             Row{"handler gone", {{0, handled}, {1, left}, {5, signal}}, 5, endAtOnce},
+             Row{"requested while there was a handler",
+                 {{0, handled}, {1, signal}, {5, left}},
                  4000,
                  wait},
          }) {
@@ -211,31 +208,35 @@ TEST(EndingAccountTest, whereNobodyAttendsASignalEndsAtOnce) {
     }
 }
 
-TEST(EndingAccountTest, whatStillRunsBehindTheWorkIsWaitedForNoLongerThanAnythingElse) {
+TEST(EndingAccountTest, threadsAfterTheWorkGetTheSameTimeLimit) {
     for (const auto& row : {
-             Row{"unasked", {{0, attended}, {9, saved}, {9, left}}, 4008, wait, 0},
-             Row{"unasked, for too long", {{0, attended}, {9, saved}}, 4009, endAtOnce, 0},
-             Row{"asked", {{0, attended}, {1, signal}, {3000, saved}, {3000, left}}, 6999, wait, 0},
-             Row{"asked behind it",
-                 {{0, attended}, {9, saved}, {9, left}, {3000, signal}},
+             Row{"unrequested", {{0, handled}, {9, saved}, {9, left}}, 4008, wait, 0},
+             Row{"unrequested, for too long", {{0, handled}, {9, saved}}, 4009, endAtOnce, 0},
+             Row{"requested",
+                 {{0, handled}, {1, signal}, {3000, saved}, {3000, left}},
+                 6999,
+                 wait,
+                 0},
+             Row{"requested afterwards",
+                 {{0, handled}, {9, saved}, {9, left}, {3000, signal}},
                  4008,
                  wait,
                  0},
-             Row{"asked twice",
-                 {{0, attended}, {1, signal}, {9, saved}, {900, signal}},
+             Row{"requested twice",
+                 {{0, handled}, {1, signal}, {9, saved}, {900, signal}},
                  900,
                  endAtOnce,
                  0},
-             Row{"failed", {{0, attended}, {9, failed}}, 4009, endAtOnce, 1},
+             Row{"failed", {{0, handled}, {9, failed}}, 4009, endAtOnce, 1},
          }) {
         expectRow(row);
     }
 }
 
-TEST(EndingAccountTest, tellsOfTheFirstSignalAlone) {
+TEST(EndingAccountTest, reportsOnlyTheFirstSignal) {
     EndingAccount account;
     account.setHasHandler(true);
-    EXPECT_FALSE(account.asked(EndingRequest::quitting, at(0))); // they know
+    EXPECT_FALSE(account.asked(EndingRequest::quitting, at(0))); // the handler knows
     EXPECT_TRUE(account.asked(EndingRequest::hangUp, at(1)));
     EXPECT_FALSE(account.asked(EndingRequest::signal, at(2)));
     EXPECT_FALSE(account.asked(EndingRequest::hangUp, at(3)));

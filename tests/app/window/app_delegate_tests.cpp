@@ -47,8 +47,8 @@ protected:
         return LevelPictures(panelColor(QApplication::palette(), "KDE")).picture(symbol, level);
     }
 
-    /// Whether the microphone's meter comes to show a level.
-    bool comesToShow(double level) {
+    /// Whether the microphone's meter eventually shows a level.
+    bool eventuallyShows(double level) {
         return EventLoop::runUntil(
             [&] { return microphone().image == picture(LevelSymbol::microphone, level); });
     }
@@ -93,7 +93,7 @@ TEST_F(AppDelegateTest, levelsAreShownByTheEventLoop) {
     launch();
     levels.setLevel(AudioLevelSource::microphone, 0.8);
     EXPECT_EQ(microphone().image, picture(LevelSymbol::microphone, 0));
-    EXPECT_TRUE(comesToShow(0.8));
+    EXPECT_TRUE(eventuallyShows(0.8));
     EXPECT_EQ(systemAudio().image, picture(LevelSymbol::loudspeaker, 0));
     levels.setLevel(AudioLevelSource::systemAudio, 1);
     EXPECT_TRUE(EventLoop::runUntil(
@@ -107,7 +107,7 @@ TEST_F(AppDelegateTest, clickAsksForTheWindow) {
     EXPECT_EQ(clicks, std::vector<std::string>({"a token", ""}));
 }
 
-TEST_F(AppDelegateTest, readAloudAMeterSaysThatItsSourceGivesNothing) {
+TEST_F(AppDelegateTest, descriptionSaysThatASourceDeliversNothing) {
     launch();
     levels.setCondition(AudioLevelSource::microphone, SourceCondition::muted);
     EXPECT_TRUE(EventLoop::runUntil([&] {
@@ -118,12 +118,12 @@ TEST_F(AppDelegateTest, readAloudAMeterSaysThatItsSourceGivesNothing) {
     EXPECT_TRUE(EventLoop::runUntil([&] { return microphone().description == "Microphone"; }));
 }
 
-TEST_F(AppDelegateTest, anotherLanguageIsReadAloudFromTheNextLevelOnAndNotInToolTips) {
+TEST_F(AppDelegateTest, anotherLanguageAppearsInDescriptionsAtTheNextLevelButNotInToolTips) {
     launch();
     preferences = preferencesIn("zh-Hans");
     EXPECT_EQ(microphone().description, "Microphone");
     levels.setLevel(AudioLevelSource::microphone, 0.8);
-    EXPECT_TRUE(comesToShow(0.8));
+    EXPECT_TRUE(eventuallyShows(0.8));
     EXPECT_EQ(microphone().description, "麦克风");
     EXPECT_EQ(microphone().traits.toolTip, "Microphone");
 }
@@ -132,7 +132,7 @@ TEST_F(AppDelegateTest, metersTurnLightWithTheDesktopDark) {
     launch();
     const auto before = microphone().image;
     QApplication::setPalette(QPalette(QColor(30, 30, 30)));
-    EXPECT_TRUE(comesToShow(0));
+    EXPECT_TRUE(eventuallyShows(0));
     EXPECT_NE(microphone().image, before);
 }
 

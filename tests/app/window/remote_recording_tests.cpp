@@ -16,7 +16,7 @@ namespace {
 class RemoteRecordingTest : public ViewModelTest {
 protected:
     std::optional<RemoteRecording> remote;
-    std::vector<std::string> shown; ///< the token of each time that the window was shown
+    std::vector<std::string> shown; ///< the token of each call
 
     void begin(Case state = Case::idle) {
         lead(state);
@@ -45,7 +45,7 @@ TEST_F(RemoteRecordingTest, startsAndStopsWithoutTheWindow) {
     EXPECT_TRUE(shown.empty());
 }
 
-TEST_F(RemoteRecordingTest, startsNothingBesideWhatIsUnderWay) {
+TEST_F(RemoteRecordingTest, startsNothingWhileARecordingIsUnderWay) {
     for (const auto busy : {Case::preparing, Case::recording, Case::processing}) {
         begin(busy);
         const auto starts = recorder.options.size();
@@ -82,7 +82,7 @@ TEST_F(RemoteRecordingTest, stopThatComesBeforeTheRecordingHasBegunIsNotForgotte
     EXPECT_EQ(message(), "(none)");
 }
 
-TEST_F(RemoteRecordingTest, startThatFailsShowsTheWindowWithTheLeaveThatItCameWith) {
+TEST_F(RemoteRecordingTest, failedStartShowsTheWindowWithItsToken) {
     begin();
     recorder.startError = failure("no sound server");
     remote->start("leave");
@@ -112,7 +112,7 @@ TEST_F(RemoteRecordingTest, stopThatFailsShowsTheWindow) {
     EXPECT_EQ(shown, std::vector<std::string>({"newer"}));
 }
 
-TEST_F(RemoteRecordingTest, whatOthersStartedDoesNotShowTheWindowWhenItFails) {
+TEST_F(RemoteRecordingTest, failureOfALocalStartDoesNotShowTheWindow) {
     begin();
     remote->start("leave");
     settle();

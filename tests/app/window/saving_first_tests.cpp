@@ -20,7 +20,7 @@ protected:
         saving->request([this](bool isSaved) { saved = isSaved; });
     }
 
-    /// Whether it comes to be told, one way or the other.
+    /// Whether `done` is eventually called.
     bool isTold() {
         return EventLoop::runUntil([this] {
             scheduler.settle();
@@ -31,7 +31,7 @@ protected:
     void TearDown() override { saving.reset(); }
 };
 
-TEST_F(SavingFirstTest, whereNothingIsBeingRecordedNothingIsWaitedFor) {
+TEST_F(SavingFirstTest, doesNotWaitWithoutARecording) {
     for (const auto state : {Case::idle, Case::completed, Case::failed}) {
         lead(state);
         request();
@@ -72,7 +72,7 @@ TEST_F(SavingFirstTest, recordingThatIsBeingSavedIsWaitedFor) {
     EXPECT_EQ(recorder.volumes.size(), 1U);
 }
 
-TEST_F(SavingFirstTest, recordingThatIsBegunMeanwhileIsSavedAsWell) {
+TEST_F(SavingFirstTest, recordingStartedMeanwhileIsSavedToo) {
     lead(Case::processing);
     request();
     scheduler.settle();
@@ -91,7 +91,7 @@ TEST_F(SavingFirstTest, saysWhenItCouldNotBeSaved) {
     EXPECT_EQ(saved, false);
 }
 
-TEST_F(SavingFirstTest, startThatFailsIsNothingSaved) {
+TEST_F(SavingFirstTest, failedStartLeavesNothingToSave) {
     lead(Case::preparing);
     recorder.startError = failure("no such device");
     request();
@@ -99,7 +99,7 @@ TEST_F(SavingFirstTest, startThatFailsIsNothingSaved) {
     EXPECT_EQ(saved, false);
 }
 
-TEST_F(SavingFirstTest, allWhoWaitAreTold) {
+TEST_F(SavingFirstTest, allRequestsAreAnswered) {
     lead(Case::recording);
     int told = 0;
     saving.emplace(*model);

@@ -18,16 +18,16 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto patience = 20s; // far more than it takes
+constexpr auto patience = 20s; // far longer than needed
 
-/// The whole program, on a desktop on which nothing happens but what is told to.
+/// The whole program, on a desktop where only the test causes events.
 class VantoroAppTest : public ViewModelTest {
 protected:
     FakeStatusArea area;
     int launches = 0;
     int ends = 0;
-    int quits = 0;            ///< that were not called off
-    std::vector<Case> states; ///< of recording, as they were told
+    int quits = 0;            ///< not called off
+    std::vector<Case> states; ///< of recording, as reported
     std::filesystem::path recordingFolder;
     std::optional<VantoroApp> app;
 
@@ -68,7 +68,7 @@ protected:
         ASSERT_EQ(recorder.calls.back(), "start");
     }
 
-    bool comesToEnd() {
+    bool eventuallyEnds() {
         return EventLoop::runUntil([this] {
             scheduler.settle();
             return ends > 0;
@@ -79,7 +79,7 @@ protected:
         return EventLoop::runUntil([this] { return launches > 0; });
     }
 
-    /// Lets everything happen that is going to.
+    /// Runs all pending work.
     void settle() {
         for (int round = 0; round < 3; ++round) {
             scheduler.settle();
@@ -88,7 +88,7 @@ protected:
     }
 };
 
-TEST_F(VantoroAppTest, windowIsThereFromTheStartOnAndTheMetersOnceItStands) {
+TEST_F(VantoroAppTest, windowIsShownAtOnceAndTheMetersAfterIt) {
     start();
     EXPECT_TRUE(window().isVisible());
     EXPECT_EQ(area.items.size(), 0U);
@@ -107,7 +107,7 @@ TEST_F(VantoroAppTest, launchEndsAlsoWhereTheWindowIsNotShown) {
     EXPECT_EQ(area.items.size(), 2U);
 }
 
-TEST_F(VantoroAppTest, closedWindowGoesOutOfSightWhereAMeterBringsItBack) {
+TEST_F(VantoroAppTest, closedWindowIsHiddenIfAMeterCanBringItBack) {
     start();
     ASSERT_TRUE(stands());
     window().close();
@@ -118,7 +118,7 @@ TEST_F(VantoroAppTest, closedWindowGoesOutOfSightWhereAMeterBringsItBack) {
     EXPECT_FALSE(window().isMinimized());
 }
 
-TEST_F(VantoroAppTest, closedWindowIsMinimisedWhereNothingElseWouldBringItBack) {
+TEST_F(VantoroAppTest, closedWindowIsMinimisedWithoutAStatusArea) {
     for (const std::optional<bool> available : {std::optional(false), std::optional<bool>()}) {
         area.available = available;
         start();
@@ -131,7 +131,7 @@ TEST_F(VantoroAppTest, closedWindowIsMinimisedWhereNothingElseWouldBringItBack) 
     }
 }
 
-TEST_F(VantoroAppTest, hiddenWindowComesWithinReachWhenTheStatusAreaGoes) {
+TEST_F(VantoroAppTest, hiddenWindowIsMinimisedWhenTheStatusAreaDisappears) {
     start();
     window().close();
     area.setAvailable(false);
@@ -139,7 +139,7 @@ TEST_F(VantoroAppTest, hiddenWindowComesWithinReachWhenTheStatusAreaGoes) {
     EXPECT_TRUE(window().isMinimized());
 }
 
-TEST_F(VantoroAppTest, windowInSightStaysWhenTheStatusAreaGoes) {
+TEST_F(VantoroAppTest, visibleWindowStaysWhenTheStatusAreaDisappears) {
     start();
     area.setAvailable(false);
     EXPECT_FALSE(window().isMinimized());
@@ -189,12 +189,12 @@ TEST_F(VantoroAppTest, quittingWhileRecordingSavesFirstAndShowsIt) {
     Q_EMIT window().quitRequested();
     EXPECT_EQ(ends, 0);
     EXPECT_TRUE(window().isVisible());
-    EXPECT_TRUE(comesToEnd());
+    EXPECT_TRUE(eventuallyEnds());
     EXPECT_EQ(recorder.calls.back(), "stop");
     EXPECT_EQ(ends, 1);
 }
 
-TEST_F(VantoroAppTest, quittingStaysWithWhatCouldNotBeSaved) {
+TEST_F(VantoroAppTest, quittingIsCancelledIfSavingFails) {
     start();
     startRecording();
     recorder.stopError = failure("disk full");
@@ -209,7 +209,7 @@ TEST_F(VantoroAppTest, quittingStaysWithWhatCouldNotBeSaved) {
     EXPECT_EQ(quits, 1);
 }
 
-TEST_F(VantoroAppTest, whatMovesIsToldToWhoeverEndsTheProgram) {
+TEST_F(VantoroAppTest, progressIsReported) {
     start();
     EXPECT_EQ(states, std::vector<Case>{Case::idle});
     EXPECT_EQ(recordingFolder, "/home/somebody/Movies/Vantoro");
@@ -227,7 +227,7 @@ TEST_F(VantoroAppTest, aSignalEndsTheProgramEvenIfThatCouldNotBeSaved) {
     startRecording();
     recorder.stopError = failure("disk full");
     app->quit(VantoroApp::IfNotSaved::end);
-    EXPECT_TRUE(comesToEnd());
+    EXPECT_TRUE(eventuallyEnds());
 }
 
 TEST_F(VantoroAppTest, sessionWaitsForTheRecordingAndTheProgramGoesOn) {
@@ -245,12 +245,12 @@ TEST_F(VantoroAppTest, sessionWithNothingToSaveWaitsForNothing) {
     EXPECT_EQ(ends, 0);
 }
 
-TEST_F(VantoroAppTest, sessionDoesNotWaitForeverForASavingThatHangs) {
+TEST_F(VantoroAppTest, sessionDoesNotWaitForeverForASaveThatHangs) {
     start();
     startRecording();
     app->saveBeforeSessionEnd(1ms);
-    EXPECT_EQ(recorder.calls.back(), "start"); // the fake saves when it is let
-    settle();                                  // as a session does that leaves it the time
+    EXPECT_EQ(recorder.calls.back(), "start"); // the fake saves when the test lets it
+    settle();                                  // a session that allows the time
     EXPECT_EQ(recorder.calls.back(), "stop");
     EXPECT_EQ(ends, 0);
 }

@@ -46,7 +46,7 @@ TEST_F(QtSchedulerTest, bringsWorkFromATaskThreadToTheMainThread) {
 TEST_F(QtSchedulerTest, letsNoWorkWaitForOtherWork) {
     constexpr std::ptrdiff_t many = 40;
     std::counting_semaphore<many> release(0);
-    QtScheduler other; // ends, and waits for its work, before what that work uses
+    QtScheduler other; // destroyed first, and waits for its work
     for (std::ptrdiff_t i = 0; i < many; ++i) {
         other.runOnTaskThread([&] { release.acquire(); });
     }
@@ -56,8 +56,8 @@ TEST_F(QtSchedulerTest, letsNoWorkWaitForOtherWork) {
     release.release(many);
 }
 
-TEST_F(QtSchedulerTest, tasksThatAreToWaitBeginWhenTheyAreLet) {
-    std::string begun; // by the main thread, told of each
+TEST_F(QtSchedulerTest, deferredTasksStartOnRequest) {
+    std::string begun; // written on the main thread
     const auto tell = [&](char task) {
         scheduler.runOnMainThread([&begun, task] { begun += task; });
     };
@@ -72,7 +72,7 @@ TEST_F(QtSchedulerTest, tasksThatAreToWaitBeginWhenTheyAreLet) {
     EXPECT_TRUE(EventLoop::runUntil([&] { return begun == "bac"; }));
 }
 
-TEST_F(QtSchedulerTest, tasksThatWereNeverLetBeginDoNot) {
+TEST_F(QtSchedulerTest, deferredTasksNeverRequestedAreDropped) {
     auto held = std::make_shared<int>();
     {
         QtScheduler waiting(QtScheduler::TaskStart::deferred);
@@ -82,7 +82,7 @@ TEST_F(QtSchedulerTest, tasksThatWereNeverLetBeginDoNot) {
     EXPECT_EQ(held.use_count(), 1);
 }
 
-TEST_F(QtSchedulerTest, letsGoOfWhatATaskHeldWhenItHasEnded) {
+TEST_F(QtSchedulerTest, freesATaskWhenItEnds) {
     std::binary_semaphore gone(0);
     auto held = std::shared_ptr<int>(new int, [&](int* value) {
         delete value;
@@ -120,7 +120,7 @@ TEST_F(QtSchedulerTest, firesItsTimersOnTheMainThreadUntilTheyEnd) {
     });
     EXPECT_EQ(fired, 0);
     EXPECT_TRUE(EventLoop::runUntil([&] { return fired == 3; }));
-    // Another timer that goes on for longer shows that the ended one is silent.
+    // A second timer keeps firing, to prove that the destroyed one is silent.
     int others = 0;
     const auto other = scheduler.startTimer(std::chrono::milliseconds(1), [&] { ++others; });
     EXPECT_TRUE(EventLoop::runUntil([&] { return others == 5; }));

@@ -51,7 +51,7 @@ protected:
     }
 };
 
-TEST_F(DesktopSurveyTest, findsNothingOnBusesThatNobodyIsOn) {
+TEST_F(DesktopSurveyTest, findsNothingOnEmptyBuses) {
     EXPECT_EQ(survey(), (DesktopSurvey{.sessionBus = Presence::present,
                                        .statusArea = Presence::absent,
                                        .portal = Presence::absent,
@@ -72,10 +72,10 @@ TEST_F(DesktopSurveyTest, findsThePortal) {
     EXPECT_EQ(survey().portal, Presence::present);
 }
 
-TEST_F(DesktopSurveyTest, isGrantedADelayOfSleepAndKeepsNone) {
+TEST_F(DesktopSurveyTest, releasesTheGrantedSleepDelay) {
     const MockLogind logind(systemBus);
     EXPECT_EQ(survey().sleepDelay, SleepDelay::granted);
-    EXPECT_TRUE(logind.comesToHave({}));
+    EXPECT_TRUE(logind.eventuallyHas({}));
 }
 
 TEST_F(DesktopSurveyTest, isToldThatADelayOfSleepIsRefused) {

@@ -6,8 +6,7 @@
 
 #include <gtest/gtest.h>
 
-// The settings are read from memory and from our own schemas, which takes effect only before the
-// first of them is asked for.
+// Uses settings in memory and the tests' own schemas, which must be set before any setting is read.
 int main(int argumentCount, char** arguments) {
     ::setenv("GSETTINGS_BACKEND", "memory", 1);
     ::setenv("GSETTINGS_SCHEMA_DIR", TEST_SCHEMAS, 1);

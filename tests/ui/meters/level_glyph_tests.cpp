@@ -15,7 +15,7 @@ QImage draw(LevelSymbol symbol, int stage, int size) {
     return drawLevelGlyph(symbol, stage, size, white);
 }
 
-/// How much of the picture is lit, in wholly lit pixels.
+/// The lit area, in fully lit pixels.
 double litArea(const QImage& image) {
     double area = 0;
     for (int y = 0; y < image.height(); ++y) {
@@ -55,7 +55,7 @@ TEST_P(LevelGlyphTest, hasTheSizeThatWasAskedFor) {
 TEST_P(LevelGlyphTest, higherStageLightsMore) {
     for (const int size : levelGlyphSizes) {
         for (int stage = 2; stage <= levelStages; ++stage) {
-            // A pixel more, so that it is seen.
+            // at least one pixel, to be visible
             EXPECT_GE(litArea(draw(GetParam(), stage, size)),
                       litArea(draw(GetParam(), stage - 1, size)) + 1)
                 << size << ' ' << stage;
@@ -129,7 +129,7 @@ TEST_P(LevelGlyphTest, unlitPartsAreFaintAndThere) {
     for (const int size : levelGlyphSizes) {
         const auto part = outlineOf(GetParam(), size).parts.back().outline;
         const auto image = draw(GetParam(), 1, size);
-        // Its strongest pixel, as the part may be no wider than one.
+        // The strongest pixel, since the part may be only one pixel wide.
         int strongest = 0;
         const QRect place = part.boundingRect().toAlignedRect();
         for (int y = place.top(); y <= place.bottom(); ++y) {

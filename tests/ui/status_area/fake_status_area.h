@@ -13,7 +13,7 @@
 
 namespace vantoro::testing {
 
-/// Remembers what is in it.
+/// Records its items.
 class FakeStatusArea final : public StatusArea {
 public:
     struct Item final : StatusItem {

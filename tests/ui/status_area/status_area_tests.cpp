@@ -38,7 +38,7 @@ protected:
     }
 };
 
-TEST_F(SubstitutedStatusAreaTest, showsInTheFirstAloneWhileThatMayBeThere) {
+TEST_F(SubstitutedStatusAreaTest, usesOnlyTheFirstWhileItMayAppear) {
     const auto item = makeItem();
     EXPECT_EQ(area.isAvailable(), std::nullopt);
     EXPECT_EQ(first.items.size(), 1U);
@@ -48,7 +48,7 @@ TEST_F(SubstitutedStatusAreaTest, showsInTheFirstAloneWhileThatMayBeThere) {
     EXPECT_TRUE(substitute.items.empty());
 }
 
-TEST_F(SubstitutedStatusAreaTest, showsInTheSubstituteWhileTheFirstIsNotThere) {
+TEST_F(SubstitutedStatusAreaTest, usesTheSubstituteWhileTheFirstIsUnavailable) {
     const auto item = makeItem();
     item->setImage(image, "description");
     first.setAvailable(false);
@@ -62,7 +62,7 @@ TEST_F(SubstitutedStatusAreaTest, showsInTheSubstituteWhileTheFirstIsNotThere) {
     EXPECT_EQ(first.items.size(), 1U);
 }
 
-TEST_F(SubstitutedStatusAreaTest, itemThatIsMadeLaterIsShownThereToo) {
+TEST_F(SubstitutedStatusAreaTest, laterItemUsesTheSubstituteToo) {
     first.setAvailable(false);
     const auto item = makeItem();
     EXPECT_EQ(substitute.items.size(), 1U);
@@ -110,7 +110,7 @@ TEST_F(SubstitutedStatusAreaTest, endedItemIsInNeither) {
     first.setAvailable(true);
 }
 
-TEST(TrayIconAreaTest, isWhatTheToolkitSaysItIs) {
+TEST(TrayIconAreaTest, isAvailableIfTheToolkitSaysSo) {
     TrayIconArea area;
     EXPECT_EQ(area.isAvailable(), QSystemTrayIcon::isSystemTrayAvailable());
     const auto item = area.makeItem({.identifier = "i", .toolTip = "t", .clicked = {}});

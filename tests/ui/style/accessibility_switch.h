@@ -4,8 +4,8 @@
 
 namespace vantoro::testing {
 
-/// As the desktop does when an assistive technology begins or ends to listen. Where there is no
-/// desktop, only the toolkit's inner parts can say so.
+/// Does what the desktop does when an assistive technology starts or stops. Without a desktop, only
+/// the toolkit's private API can.
 void switchAccessibility(bool on);
 
 } // namespace vantoro::testing

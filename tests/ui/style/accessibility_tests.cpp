@@ -12,7 +12,7 @@
 namespace vantoro::testing {
 namespace {
 
-/// The window as it is told to those who do not see it.
+/// The window as reported to assistive technologies.
 class AccessibilityTest : public MainWindowTest {
 protected:
     void SetUp() override {
@@ -46,7 +46,7 @@ protected:
         return of(object).text(QAccessible::Name).toStdString();
     }
 
-    /// Found by walking through what is told, from the window on; null when there is none.
+    /// Searches the accessible tree from the window down; null if there is none.
     QAccessibleInterface* find(QAccessible::Role role, const QString& name) const {
         return find(of(window.get()), role, name);
     }
@@ -197,13 +197,13 @@ TEST_F(AccessibilityTest, tellsMessagesAsAlerts) {
     EXPECT_TRUE(told().contains({QAccessible::Alert, alert()}));
 }
 
-TEST_F(AccessibilityTest, tellsThatNamesAreOfAnotherLanguage) {
+TEST_F(AccessibilityTest, marksLanguageNamesWithTheirLanguage) {
     showIn(Case::recording);
     std::vector<QObject*> named;
     for (auto* const widget : visible<QWidget>(*window)) {
         const auto name = nameOf(widget);
         const bool isText = name.find_first_of("ABCDEFGHIJKLMNOPQRSTUVWXYZ") != std::string::npos;
-        // Names of things, which are the same in all languages.
+        // Proper names, equal in all languages.
         if (isText && name != "Vantoro" && name.front() != '/') {
             named.push_back(widget);
         }

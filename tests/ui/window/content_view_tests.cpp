@@ -16,7 +16,7 @@
 namespace vantoro::testing {
 namespace {
 
-/// The content in a window that is shown, looked at as a user does: by names and by what is seen.
+/// The content view in a window, examined as a user sees it: by names and visible texts.
 class ContentViewTest : public ViewModelTest {
 protected:
     std::unique_ptr<ContentView> view;

@@ -11,19 +11,19 @@
 #include "ui/style/header_icon.h"
 #include "ui/style/symbol_label.h"
 
-// These run twice: with one, and with two pixels of the display for each that the program counts.
+// These tests run twice: at one and at two device pixels per logical pixel.
 
 namespace vantoro::testing {
 namespace {
 
-/// What a widget looks like in the display's pixels, measured in those that the program counts.
+/// A widget's picture in device pixels, addressed in logical pixels.
 class Picture {
 public:
     explicit Picture(QWidget& widget)
         : image_(widget.grab().toImage().convertToFormat(QImage::Format_RGB32)),
           scale_(image_.devicePixelRatio()) {}
 
-    /// How wide and high the part is that is of another colour than the ground.
+    /// The size of the part that differs from the background.
     QSizeF covered(const QColor& ground) const {
         QRect box;
         for (int y = 0; y < image_.height(); ++y) {
@@ -36,7 +36,7 @@ public:
         return QSizeF(box.size()) / scale_;
     }
 
-    /// How much of a row is of this colour.
+    /// The length of this colour in a row.
     double lengthOf(const QColor& colour, double y) const {
         int pixels = 0;
         for (int x = 0; x < image_.width(); ++x) {
@@ -67,7 +67,7 @@ protected:
 
     QColor ground() const { return window->palette().color(QPalette::Window); }
 
-    /// Where a widget lies in another that it is in.
+    /// A widget's geometry within an outer one.
     static QRect placeIn(const QWidget& outer, const QWidget& widget) {
         return {widget.mapTo(&outer, QPoint(0, 0)), widget.size()};
     }
@@ -100,7 +100,7 @@ TEST_F(GeometryTest, headsTheWindowWithItsIconAndName) {
     }
     ASSERT_NE(title, nullptr);
     EXPECT_EQ(title->font().weight(), QFont::DemiBold);
-    // 18 where the text that all else is written in is 13.
+    // 18/13 of the base font size
     EXPECT_NEAR(title->font().pointSizeF() / window->font().pointSizeF(), 18.0 / 13, 0.01);
 }
 
@@ -112,7 +112,7 @@ TEST_F(GeometryTest, drawsTheBadgeAsACircle) {
     for (const auto corner : {QPointF(2, 2), QPointF(39, 2), QPointF(2, 39), QPointF(39, 39)}) {
         EXPECT_EQ(picture.at(corner.x(), corner.y()), ground());
     }
-    EXPECT_NE(picture.at(7, 7), ground()); // inside of the circle, and outside of anything smaller
+    EXPECT_NE(picture.at(7, 7), ground()); // inside the circle, and outside any smaller one
     EXPECT_EQ(picture.at(21, 21), toneColour(Tone::accent, badge->palette()).toRgb());
 }
 
@@ -225,7 +225,7 @@ TEST_F(GeometryTest, keepsTheRecordButtonLargeAndInTheCorner) {
         show();
         auto* const button = only<RecordButton>();
         EXPECT_GE(button->width(), 138);
-        EXPECT_GE(Picture(*button).covered(ground()).width(), 132); // with room for its focus ring
+        EXPECT_GE(Picture(*button).covered(ground()).width(), 132); // including its focus ring
         EXPECT_EQ(button->font().weight(), QFont::DemiBold);
         EXPECT_NEAR(button->font().pointSizeF() / window->font().pointSizeF(), 14.0 / 13, 0.01);
         const auto& content = *window->centralWidget();

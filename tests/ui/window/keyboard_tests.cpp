@@ -14,7 +14,7 @@ using Names = std::vector<std::string>;
 
 class KeyboardTest : public MainWindowTest {
 protected:
-    /// The first control, from where Tab leads on.
+    /// Focuses the control that comes first in tab order.
     void begin() {
         show();
         auto* const first = named<SymbolButton>(*window, "Refresh audio devices and permissions");
@@ -28,7 +28,7 @@ protected:
         return (name.isEmpty() && button != nullptr ? button->text() : name).toStdString();
     }
 
-    /// All that Tab leads to, one by one, until it is where it began.
+    /// All controls in tab order, one full cycle.
     std::vector<QWidget*> controls(Qt::Key key = Qt::Key_Tab) const {
         std::vector<QWidget*> found{window->focusWidget()};
         for (;;) {
@@ -48,7 +48,7 @@ protected:
         return names;
     }
 
-    /// Leads the focus there as Tab does.
+    /// Moves the focus there by Tab.
     QWidget* reach(const std::string& name) const {
         for (auto* const control : controls()) {
             if (nameOf(*control) == name) {

@@ -11,12 +11,12 @@
 
 #include "tests/ui/window/main_window_fixture.h"
 
-// The pictures in `screenshots` are for people to look at.
+// The pictures in `screenshots` are for visual inspection.
 
 namespace vantoro::testing {
 namespace {
 
-/// Something that the window can show, and how it comes to that.
+/// A view of the window, and how to get there.
 struct Scene {
     std::string name;
     Case state = Case::idle;
@@ -96,8 +96,7 @@ bool hasRoom(const QWidget& widget) {
            widget.height() >= widget.minimumSizeHint().height();
 }
 
-/// Every part that is shown has room for what it says, lies within what it is part of, and over
-/// nothing else.
+/// Every visible part fits its text, lies within its parent, and overlaps nothing.
 void expectNothingClipped(const QWidget& window, const std::string& picture) {
     EXPECT_EQ(visible<QScrollArea>(window).at(0)->horizontalScrollBar()->maximum(), 0) << picture;
     for (const auto* const part : visible<QWidget>(window)) {
@@ -151,7 +150,7 @@ protected:
         recorder.recording = "/music/Vantoro 2026-11-21 14.30.05.m4a";
         lead(scene.state);
         if (scene.state == Case::failed) {
-            model->dismissMessage(); // it would lie over the window
+            model->dismissMessage(); // it would cover the window
         }
         show();
         if (scene.state == Case::recording) {
@@ -200,7 +199,7 @@ private:
     QFont usual_;
 };
 
-/// In each light.
+/// In light and dark palettes.
 class ScenesTest : public LooksTest, public ::testing::WithParamInterface<std::size_t> {};
 
 TEST_P(ScenesTest, haveRoomForEverything) {
@@ -255,7 +254,7 @@ TEST_F(LooksTest, showsItsAlerts) {
     }
 }
 
-TEST_F(LooksTest, givesWayInTheMiddleOfALongPath) {
+TEST_F(LooksTest, elidesTheMiddleOfALongPath) {
     preferences.values[Preference::outputDirectory] =
         "/home/somebody/Documents/Work/2026/Meetings and interviews/Recordings/With sound";
     launchAndSettle();

@@ -18,8 +18,7 @@
 
 namespace vantoro::testing {
 
-/// The window of version 1.0, with a server that offers 2.0 as long as a test does not say
-/// otherwise.
+/// The window of version 1.0, with a server that offers 2.0 unless a test changes that.
 class MainWindowTest : public ViewModelTest {
 protected:
     static constexpr int patience = 20000; // milliseconds
@@ -29,7 +28,7 @@ protected:
     LocalServer server{
         [this](QSslSocket& connection, const QByteArray& request) { answer(connection, request); }};
     std::vector<QUrl> opened;
-    std::vector<bool> hadMessage; ///< whether there still was one at each of these
+    std::vector<bool> hadMessage; ///< whether there was a message at each change
     std::unique_ptr<LanguageSettings> language;
     std::unique_ptr<UpdateChecker> updates;
     std::unique_ptr<MainWindow> window;
@@ -72,21 +71,21 @@ protected:
         ASSERT_TRUE(QTest::qWaitFor([this] { return !updates->values().isChecking; }, patience));
     }
 
-    /// As when a recording cannot be started.
+    /// Fails a start.
     void fail(const std::string& text) {
         recorder.startError = failure(text);
         model->startRecording();
         scheduler.settle();
     }
 
-    /// The one that is open; null when there is none.
+    /// The open alert; null if there is none.
     QMessageBox* alert() const {
         const auto open = visible<QMessageBox>(*window);
         EXPECT_LE(open.size(), 1U);
         return open.empty() ? nullptr : open.front();
     }
 
-    /// What happens in the event loop's next turns.
+    /// Runs the event loop's next iterations.
     static void settleEvents() {
         for (int turn = 0; turn < 3; ++turn) {
             QCoreApplication::sendPostedEvents();

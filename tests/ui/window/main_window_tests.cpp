@@ -14,7 +14,7 @@ namespace {
 
 using Entries = std::vector<std::string>;
 
-/// What is read in a menu, with the marks of each entry.
+/// A menu's texts, with the marks of each entry.
 Entries entriesOf(const QMenu& menu) {
     Entries entries;
     for (const auto* const action : menu.actions()) {
@@ -52,7 +52,7 @@ TEST_F(MenuTest, choosesOneLanguageAndShowsItAtOnce) {
     EXPECT_EQ(entriesOf(languageMenu()), (Entries{"中文 (chosen)", "English"}));
     EXPECT_EQ(entriesOf(menu()),
               (Entries{"语言 >", "-", "检查更新", "当前版本 1.0 (off)", "-", "退出"}));
-    // Choosing the chosen one does not leave the user without any.
+    // Choosing the current language keeps it checked.
     languageMenu().actions().at(0)->trigger();
     EXPECT_EQ(entriesOf(languageMenu()), (Entries{"中文 (chosen)", "English"}));
 }
@@ -110,7 +110,7 @@ TEST_F(MainWindowTest, obeysItsShortcuts) {
     EXPECT_EQ(quit.count(), 1);
 }
 
-TEST_F(MainWindowTest, leavesItToOthersWhatBecomesOfItWhenItIsClosed) {
+TEST_F(MainWindowTest, doesNotCloseItself) {
     show();
     const QSignalSpy close(window.get(), &MainWindow::closeRequested);
     EXPECT_FALSE(window->close());
@@ -121,7 +121,7 @@ TEST_F(MainWindowTest, leavesItToOthersWhatBecomesOfItWhenItIsClosed) {
 TEST_F(MainWindowTest, looksAtDevicesWhenTheUserComesBackToIt) {
     show();
     settleEvents();
-    EXPECT_EQ(scheduler.waitingTasks(), 0U); // not when it is shown first
+    EXPECT_EQ(scheduler.waitingTasks(), 0U); // not on first activation
     QWidget another;
     another.show();
     another.activateWindow();
@@ -134,7 +134,7 @@ TEST_F(MainWindowTest, looksAtDevicesWhenTheUserComesBackToIt) {
     EXPECT_EQ(devices.readings, looked + 1);
 }
 
-/// Everything that can be read in the window and its menus, by eye or by being read to.
+/// All texts of the window and its menus, visible or accessible.
 std::vector<QString> textsOf(const QWidget& root) {
     std::vector<QString> texts;
     for (const auto* const widget : root.findChildren<QWidget*>()) {
@@ -153,7 +153,7 @@ std::vector<QString> textsOf(const QWidget& root) {
     return texts;
 }
 
-TEST_F(MainWindowTest, speaksAnotherLanguageAtOnceWithoutAWordOfTheOneBefore) {
+TEST_F(MainWindowTest, switchesEveryTextToAnotherLanguageAtOnce) {
     devices.mayCapture = false;
     microphone.current = AuthorizationStatus::notDetermined;
     for (const auto state :

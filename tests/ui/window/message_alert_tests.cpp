@@ -47,13 +47,13 @@ TEST_F(ErrorAlertTest, isShownWhileThereIsAMessage) {
     EXPECT_EQ(alert(), nullptr);
 }
 
-TEST_F(ErrorAlertTest, isShownForAMessageThatIsOlderThanTheWindow) {
+TEST_F(ErrorAlertTest, isShownForAMessageOlderThanTheWindow) {
     showIn(Case::failed);
     ASSERT_NE(alert(), nullptr);
     EXPECT_EQ(alert()->text(), "no such luck");
 }
 
-TEST_F(ErrorAlertTest, clearsTheMessageInWhateverWayItIsDismissed) {
+TEST_F(ErrorAlertTest, clearsTheMessageHoweverItIsDismissed) {
     const std::vector<std::function<void()>> ways{
         [this] { press("OK"); },
         [this] { QTest::keyClick(alert(), Qt::Key_Escape); },
@@ -81,7 +81,7 @@ TEST_F(ErrorAlertTest, givesWayToANewMessage) {
     EXPECT_EQ(message(), "another");
 }
 
-TEST(MessageAlertTextTest, isOfTheMessageThatCameLast) {
+TEST(MessageAlertTextTest, showsTheLatestMessage) {
     QWidget window;
     window.show();
     MessageAlert alert(window, [] {});
@@ -93,7 +93,7 @@ TEST(MessageAlertTextTest, isOfTheMessageThatCameLast) {
     EXPECT_EQ(open.front()->text(), "another");
 }
 
-TEST_F(ErrorAlertTest, doesNotTakeAMessageAlongThatComesAsItIsDismissed) {
+TEST_F(ErrorAlertTest, keepsAMessageThatArrivesDuringDismissal) {
     show();
     fail("one");
     press("OK");
@@ -126,7 +126,7 @@ TEST_F(ErrorAlertTest, showsMarkupAsItIs) {
     EXPECT_TRUE(isSeen(*alert(), "<b>bold</b><img src='file:///etc/hostname'>"));
 }
 
-TEST_F(ErrorAlertTest, goesWithTheWindow) {
+TEST_F(ErrorAlertTest, closesWithTheWindow) {
     show();
     fail("no such luck");
     const QPointer<QMessageBox> open = alert();
@@ -179,7 +179,7 @@ TEST_F(UpdateAlertTest, isOpenedOnce) {
         }
     });
     checkForUpdates();
-    ASSERT_EQ(seen.size(), 2U); // the message has come, and the check has ended
+    ASSERT_EQ(seen.size(), 2U); // the message has arrived, and the check has ended
     EXPECT_EQ(seen.at(0), seen.at(1));
 }
 

@@ -26,7 +26,7 @@ protected:
     void choose() {
         panel->choose({.title = "Choose Recording Folder", .prompt = "Choose", .directory = begin},
                       [this](const Answer& answer) { answers.push_back(answer); });
-        // Wait for Qt's own dialog: the test needs none of a desktop.
+        // Waits for Qt's dialog; the test needs no desktop's.
         ASSERT_TRUE(QTest::qWaitFor([] { return dialog() != nullptr && dialog()->isVisible(); }));
     }
 
@@ -44,7 +44,7 @@ protected:
     }
 };
 
-TEST_F(WindowFolderDialogTest, asksAsItWasToldAndBeginsWhereItWasTold) {
+TEST_F(WindowFolderDialogTest, showsItsTextsAndStartsInItsFolder) {
     choose();
     EXPECT_EQ(dialog()->windowTitle(), "Choose Recording Folder");
     EXPECT_EQ(dialog()->labelText(QFileDialog::Accept), "Choose");
@@ -64,7 +64,7 @@ TEST_F(WindowFolderDialogTest, answersWithTheFolderThatIsChosen) {
     EXPECT_EQ(answers[0], chosen);
 }
 
-TEST_F(WindowFolderDialogTest, answersWithNothingWhenItIsGivenUp) {
+TEST_F(WindowFolderDialogTest, answersWithNothingOnCancel) {
     choose();
     QTest::keyClick(dialog(), Qt::Key_Escape);
     ASSERT_TRUE(waitForAnswer(answers, 1));
@@ -82,7 +82,7 @@ TEST_F(WindowFolderDialogTest, asksOneQuestionAtATime) {
     EXPECT_TRUE(dialog()->isVisible());
 }
 
-TEST_F(WindowFolderDialogTest, takesItsDialogWithIt) {
+TEST_F(WindowFolderDialogTest, closesItsDialogOnDestruction) {
     choose();
     panel.reset();
     EXPECT_EQ(dialog(), nullptr);

@@ -9,7 +9,7 @@
 
 namespace vantoro::testing {
 
-// A window looked at as a user does: by names and by what is seen.
+// Finds parts of a window as a user does: by name and visible text.
 
 template <class Widget>
 std::vector<Widget*> visible(const QWidget& root) {
@@ -22,7 +22,7 @@ std::vector<Widget*> visible(const QWidget& root) {
     return found;
 }
 
-/// The visible one of this name; null when there is none.
+/// The visible widget with this name; null if there is none.
 template <class Widget>
 Widget* named(const QWidget& root, const QString& name) {
     for (auto* const widget : visible<Widget>(root)) {

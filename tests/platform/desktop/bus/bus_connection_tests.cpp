@@ -16,7 +16,7 @@ protected:
     PrivateBus bus;
     desktop::BusConnection connection{bus.address().toStdString()};
 
-    /// Both ways, which comes after all that was sent before.
+    /// A round trip, which completes after everything sent before.
     bool isAnswered() {
         bool answered = false;
         connection.call({.service = "org.freedesktop.DBus",
@@ -37,7 +37,7 @@ TEST_F(BusConnectionTest, signalReachesWhoeverListens) {
     EXPECT_EQ(heard, 1);
 }
 
-TEST_F(BusConnectionTest, isBehindWhenTheBusTakesNothingMore) {
+TEST_F(BusConnectionTest, isBehindWhenTheBusStopsReading) {
     ASSERT_TRUE(isAnswered());
     EXPECT_FALSE(connection.isBehind());
     bus.freeze();

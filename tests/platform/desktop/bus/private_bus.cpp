@@ -52,7 +52,7 @@ QString readLine(FILE* file) {
 PrivateBus::PrivateBus() {
     const QString file = folder_.filePath("bus.conf");
     write(file, QString(configuration).arg(folder_.path()));
-    // Not to be left behind by a test that crashes.
+    // Ends even if the test crashes.
     const auto command = "exec setpriv --pdeathsig KILL dbus-daemon --nofork --print-address=1 "
                          "--print-pid=1 --config-file='" +
                          file + "' 2>'" + folder_.filePath("complaints") + "'";
@@ -72,7 +72,7 @@ PrivateBus::PrivateBus() {
 PrivateBus::~PrivateBus() {
     ::kill(process_, SIGTERM);
     ::kill(process_, SIGCONT); // it may be frozen
-    ::pclose(output_);         // waits for its end
+    ::pclose(output_);         // waits for its exit
 }
 
 QDBusConnection PrivateBus::connect(const QString& name) const {
@@ -132,7 +132,7 @@ BusService::~BusService() {
 }
 
 bool BusService::Object::handleMessage(const QDBusMessage& message, const QDBusConnection& bus) {
-    message.setDelayedReply(true); // nothing is sent but what we send
+    message.setDelayedReply(true); // only our own replies are sent
     const auto reply = answer_(message);
     return reply.type() == QDBusMessage::InvalidMessage || bus.send(reply);
 }

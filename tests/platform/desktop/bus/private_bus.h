@@ -21,14 +21,14 @@
 
 namespace vantoro::testing {
 
-/// For answers that are sure to come, on however busy a machine.
+/// For answers that will come, however busy the machine.
 constexpr std::chrono::seconds patience{60};
 
-/// What takes less is not waiting for an answer that does not come: a call takes 25 s for that,
-/// unless it is told otherwise. Far more than a busy machine takes for anything else.
+/// Proves that nothing waited for a missing answer, which takes 25 s by default; enough for
+/// anything else on a busy machine.
 constexpr std::chrono::seconds withoutWaiting{15};
 
-/// A session bus of its own, which nothing but the test is on.
+/// A private session bus, used only by the test.
 class PrivateBus {
 public:
     PrivateBus();
@@ -36,20 +36,20 @@ public:
     PrivateBus& operator=(const PrivateBus&) = delete;
     ~PrivateBus();
 
-    /// A new connection; closed by whoever takes it, or with the bus. Throws without one.
+    /// A new connection, closed by the caller or with the bus. Throws if it fails.
     QDBusConnection connect(const QString& name) const;
 
-    /// For programs that connect by themselves.
+    /// For programs that connect themselves.
     const QString& address() const { return address_; }
 
-    /// Lets the bus start a service, which would leave a mark. Before anybody asks for it.
+    /// Adds a service that the bus would start, leaving a trace. Call before it is requested.
     void addStartableService(const QString& name);
     bool startedAService() const;
-    /// From then on it does nothing, and nobody's connection breaks.
+    /// Stops the daemon; existing connections stay open but get no answers.
     void freeze() const;
 
 private:
-    /// What the daemon complained of, which may be rights and limits that nothing depends on.
+    /// The daemon's error output, which may be about irrelevant rights and limits.
     std::string complaints() const;
 
     QTemporaryDir folder_;
@@ -58,8 +58,8 @@ private:
     QString address_;
 };
 
-/// A service on a bus that answers every call with what `answer` makes of it, on a thread of its
-/// own; a default-constructed message for no answer at all.
+/// A service that answers every call with the result of `answer`, on its own thread. A
+/// default-constructed message means no answer.
 class BusService {
 public:
     using Answer = std::function<QDBusMessage(const QDBusMessage& question)>;
@@ -87,9 +87,9 @@ private:
     QThread thread_;
 };
 
-/// What a desktop backend of the portal answers to a reading of its property.
+/// The answer of a portal backend to reading its lockdown property.
 BusService::Answer lockdown(bool microphoneDisabled);
-/// What a permission store answers that knows these words for an application.
+/// The answer of a permission store with this entry for an application.
 BusService::Answer permissionStore(const QString& application, const QStringList& words);
 QDBusMessage noAnswer(const QDBusMessage& question);
 

@@ -14,7 +14,7 @@
 
 namespace vantoro::testing {
 
-/// Lets everybody connect, and never says a word: a bus that hangs.
+/// A bus that hangs: accepts connections and never answers.
 class SilentBus {
 public:
     SilentBus() {
@@ -35,7 +35,7 @@ public:
 
     std::string address() const { return "unix:path=" + path_; }
 
-    /// Whether somebody connects; each is told of once.
+    /// Whether there is a new connection; reports each once.
     bool isConnectedTo() const {
         const int client = ::accept4(socket_, nullptr, nullptr, SOCK_CLOEXEC);
         return client >= 0 && ::close(client) == 0;

@@ -31,7 +31,7 @@ protected:
     PrivateBus bus;
     SilentBus silent;
 
-    /// With a limit that no answer meets on a busy machine, unless none is expected.
+    /// With a limit that every answer meets even on a busy machine, unless none is expected.
     BusQuestions questions(const std::string& system, const std::string& session,
                            std::chrono::milliseconds limit) const {
         return {.addresses = {.system = system, .session = session},
@@ -48,7 +48,7 @@ protected:
         return desktop::findSilentBuses(asked);
     }
 
-    /// The service that knows where the accessibility bus is.
+    /// The service that knows the address of the accessibility bus.
     BusService::Answer accessibility(bool isWanted, const std::string& address) const {
         return [isWanted, address](const QDBusMessage& question) {
             return question.member() == "GetAddress"
@@ -58,7 +58,7 @@ protected:
     }
 };
 
-TEST_F(SilentBusesTest, busesThatAnswerOrAreNotThereAreNotSilent) {
+TEST_F(SilentBusesTest, busesThatAnswerOrAreMissingAreNotSilent) {
     for (const std::string other : {"", "unix:path=/nowhere", "nonsense", "unix:path=/dev/null"}) {
         EXPECT_EQ(desktop::findSilentBuses(questions(address(), other, patience)), SilentBuses())
             << other;
@@ -145,7 +145,7 @@ TEST_F(SilentBusesTest, realtimeServiceThatHangsDoesNotAnswer) {
         desktop::realtimeServicesAnswer({.system = silent.address(), .session = ""}, shortLimit));
 }
 
-TEST(SilenceTest, whoDidNotAnswerIsNotAskedAgain) {
+TEST(SilenceTest, serviceThatDidNotAnswerIsNotAskedAgain) {
     desktop::Silence silence;
     int asked = 0;
     const auto answers = [&] {

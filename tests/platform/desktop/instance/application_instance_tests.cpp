@@ -27,7 +27,7 @@ using desktop::ApplicationInstance;
 using Role = ApplicationInstance::Role;
 using enum desktop::ApplicationAction;
 
-constexpr auto patience = 20s; // for what comes at once unless the machine is busy
+constexpr auto patience = 20s; // for what is immediate unless the machine is busy
 
 Role roleOf(ApplicationInstance& instance, std::chrono::milliseconds limit = patience) {
     std::optional<Role> role;
@@ -36,7 +36,7 @@ Role roleOf(ApplicationInstance& instance, std::chrono::milliseconds limit = pat
     return role.value_or(Role::unknown);
 }
 
-/// Whether the first one answers the instance that it has shown its window.
+/// Whether the first run reports to the instance that it has shown its window.
 bool showsWindow(ApplicationInstance& instance, const std::string& token,
                  std::chrono::milliseconds limit = patience) {
     std::optional<bool> isShown;
@@ -50,8 +50,8 @@ protected:
     PrivateBus bus;
     std::string address = bus.address().toStdString();
     std::optional<ApplicationInstance> first{std::in_place, address};
-    std::vector<std::string> tokens;                   ///< of each time that the first was wanted
-    std::vector<desktop::ApplicationRequest> requests; ///< all that it was asked for
+    std::vector<std::string> tokens;                   ///< of each request to the first run
+    std::vector<desktop::ApplicationRequest> requests; ///< all requests it received
 
     void listen() {
         ASSERT_EQ(roleOf(*first), Role::first);
@@ -63,16 +63,15 @@ protected:
         });
     }
 
-    bool comesToBeWanted(std::size_t times = 1) {
+    bool isEventuallyWanted(std::size_t times = 1) {
         return EventLoop::runUntil([&] { return tokens.size() >= times; });
     }
 
-    bool comesToBeAskedFor(std::size_t things) {
+    bool isEventuallyAskedFor(std::size_t things) {
         return EventLoop::runUntil([&] { return requests.size() >= things; });
     }
 
-    /// Calls the first one's action as the desktop does, and returns the name of the error, which
-    /// is empty for none.
+    /// Invokes the first run's action like the desktop; returns the error's name, empty if none.
     std::string errorOfAction(const QString& name, const QVariantMap& platformData = {}) {
         auto caller = bus.connect("caller");
         auto message = QDBusMessage::createMethodCall(
@@ -85,14 +84,14 @@ protected:
         return error;
     }
 
-    /// Calls the first one as the desktop does.
+    /// Calls the first run like the desktop.
     void call(const QString& method, const QVariantList& arguments) {
         auto caller = bus.connect("caller");
         auto message = QDBusMessage::createMethodCall("com.vantoro.app", "/com/vantoro/app",
                                                       "org.freedesktop.Application", method);
         message.setArguments(arguments);
         EXPECT_TRUE(caller.send(message));
-        EXPECT_TRUE(comesToBeWanted());
+        EXPECT_TRUE(isEventuallyWanted());
         QDBusConnection::disconnectFromBus("caller");
     }
 };
@@ -110,34 +109,34 @@ TEST_F(ApplicationInstanceTest, afterTheFirstTheNextIsTheFirst) {
     EXPECT_EQ(roleOf(next), Role::first);
 }
 
-TEST_F(ApplicationInstanceTest, anotherHasTheFirstShowItsWindow) {
+TEST_F(ApplicationInstanceTest, secondRunMakesTheFirstShowItsWindow) {
     listen();
     ApplicationInstance second(address);
     ASSERT_EQ(roleOf(second), Role::another);
     EXPECT_TRUE(showsWindow(second, "the user's leave"));
-    EXPECT_TRUE(comesToBeWanted());
+    EXPECT_TRUE(isEventuallyWanted());
     EXPECT_TRUE(showsWindow(second, ""));
-    EXPECT_TRUE(comesToBeWanted(2));
+    EXPECT_TRUE(isEventuallyWanted(2));
     EXPECT_EQ(tokens, std::vector<std::string>({"the user's leave", ""}));
 }
 
-TEST_F(ApplicationInstanceTest, whoIsWantedBeforeItListensHearsOfItThen) {
+TEST_F(ApplicationInstanceTest, earlyRequestIsDeliveredLater) {
     ASSERT_EQ(roleOf(*first), Role::first);
     ApplicationInstance second(address);
     EXPECT_TRUE(showsWindow(second, "early"));
     listen();
-    EXPECT_TRUE(comesToBeWanted());
+    EXPECT_TRUE(isEventuallyWanted());
     EXPECT_EQ(tokens, std::vector<std::string>({"early"}));
 }
 
-TEST_F(ApplicationInstanceTest, desktopAsksWithWhateverItHasToTell) {
+TEST_F(ApplicationInstanceTest, platformDataOfAnyKindIsAccepted) {
     listen();
     call("Activate",
          {QVariantMap{{"number", 1}, {"activation-token", "leave"}, {"other", "text"}}});
     EXPECT_EQ(tokens, std::vector<std::string>({"leave"}));
 }
 
-TEST_F(ApplicationInstanceTest, tokenOfOlderDesktopsIsOfUseToo) {
+TEST_F(ApplicationInstanceTest, tokenOfOlderDesktopsIsAccepted) {
     listen();
     call("Activate", {QVariantMap{{"desktop-startup-id", "older"}}});
     EXPECT_EQ(tokens, std::vector<std::string>({"older"}));
@@ -149,13 +148,13 @@ TEST_F(ApplicationInstanceTest, newerTokenCountsWhicheverComesFirst) {
     EXPECT_EQ(tokens, std::vector<std::string>({"newer"}));
 }
 
-TEST_F(ApplicationInstanceTest, tokenThatIsNoTextIsNone) {
+TEST_F(ApplicationInstanceTest, tokenThatIsNotTextIsIgnored) {
     listen();
     call("Activate", {QVariantMap{{"activation-token", 7}}});
     EXPECT_EQ(tokens, std::vector<std::string>({""}));
 }
 
-TEST_F(ApplicationInstanceTest, whoHasSomethingOpenedGetsTheWindow) {
+TEST_F(ApplicationInstanceTest, openShowsTheWindow) {
     listen();
     call("Open", {QStringList{"file:///a.m4a"}, QVariantMap()});
     EXPECT_EQ(tokens, std::vector<std::string>({""}));
@@ -165,7 +164,7 @@ TEST_F(ApplicationInstanceTest, desktopStartsAndStopsRecordingsByTheirActions) {
     listen();
     EXPECT_EQ(errorOfAction("start-recording", {{"activation-token", "leave"}}), "");
     EXPECT_EQ(errorOfAction("stop-recording"), "");
-    EXPECT_TRUE(comesToBeAskedFor(2));
+    EXPECT_TRUE(isEventuallyAskedFor(2));
     EXPECT_EQ(requests, (std::vector<desktop::ApplicationRequest>{{startRecording, "leave"},
                                                                   {stopRecording, ""}}));
 }
@@ -175,18 +174,18 @@ TEST_F(ApplicationInstanceTest, actionThatIsUnknownIsRefused) {
     EXPECT_EQ(errorOfAction("start-dancing"), "org.freedesktop.DBus.Error.InvalidArgs");
     EXPECT_EQ(errorOfAction(""), "org.freedesktop.DBus.Error.InvalidArgs");
     EXPECT_EQ(errorOfAction("stop-recording"), "");
-    EXPECT_TRUE(comesToBeAskedFor(1));
+    EXPECT_TRUE(isEventuallyAskedFor(1));
     EXPECT_EQ(requests.size(), 1U);
 }
 
-TEST_F(ApplicationInstanceTest, allThatIsAskedBeforeItListensIsHeardThenInOrder) {
+TEST_F(ApplicationInstanceTest, earlyRequestsAreDeliveredInOrder) {
     ASSERT_EQ(roleOf(*first), Role::first);
     EXPECT_EQ(errorOfAction("start-recording"), "");
     ApplicationInstance second(address);
     EXPECT_TRUE(showsWindow(second, "early"));
     EXPECT_EQ(errorOfAction("stop-recording"), "");
     listen();
-    EXPECT_TRUE(comesToBeAskedFor(3));
+    EXPECT_TRUE(isEventuallyAskedFor(3));
     EXPECT_EQ(requests, (std::vector<desktop::ApplicationRequest>{
                             {startRecording, ""}, {std::nullopt, "early"}, {stopRecording, ""}}));
 }
@@ -210,7 +209,7 @@ TEST_F(ApplicationInstanceTest, firstThatIsGoneHasShownNothing) {
 TEST_F(ApplicationInstanceTest, nobodyIsToldAfterItsEnd) {
     listen();
     ApplicationInstance second(address);
-    EXPECT_TRUE(showsWindow(second, "")); // the first has it, and tells soon
+    EXPECT_TRUE(showsWindow(second, "")); // the first owns the name, and answers soon
     tokens.clear();
     first.reset();
     QCoreApplication::processEvents();

@@ -14,7 +14,7 @@
 namespace vantoro::testing {
 namespace {
 
-TEST(RecordingFolderTest, isInTheFolderOfFilmsWhereThereIsOne) {
+TEST(RecordingFolderTest, isInTheVideoFolderIfThereIsOne) {
     struct Case {
         const char* movies;
         const char* home;
@@ -36,7 +36,7 @@ TEST(RecordingFolderTest, isInTheFolderOfFilmsWhereThereIsOne) {
     }
 }
 
-/// A home folder of its own for a while.
+/// With a temporary home folder.
 class DefaultRecordingFolderTest : public ::testing::Test {
 protected:
     QTemporaryDir folder;
@@ -71,12 +71,12 @@ TEST_F(DefaultRecordingFolderTest, followsTheUsersFolders) {
     EXPECT_EQ(desktop::defaultRecordingFolder(), "/data/films/Vantoro");
 }
 
-TEST_F(DefaultRecordingFolderTest, isBelowMoviesWhenTheUserHasNoFolderOfFilms) {
-    userChose("$HOME/"); // how such a folder is switched off
+TEST_F(DefaultRecordingFolderTest, isBelowMoviesWithoutAVideoFolder) {
+    userChose("$HOME/"); // how users disable such a folder
     EXPECT_EQ(desktop::defaultRecordingFolder(), home + "/Movies/Vantoro");
 }
 
-TEST_F(DefaultRecordingFolderTest, isTheUsualOneWhenNothingWasEverChosen) {
+TEST_F(DefaultRecordingFolderTest, isTheDefaultIfNothingWasEverChosen) {
     EXPECT_EQ(desktop::defaultRecordingFolder(), home + "/Videos/Vantoro");
 }
 

@@ -30,7 +30,7 @@ void OpenerTest::SetUp() {
 
 void OpenerTest::TearDown() {
     current.reset();
-    std::filesystem::remove_all(folder); // Qt cannot, where names are not UTF-8
+    std::filesystem::remove_all(folder); // Qt cannot remove names that are not UTF-8
     qInstallMessageHandler(nullptr);
     EXPECT_TRUE(said->empty()) << said->next().value_or("");
 }

@@ -22,7 +22,7 @@
 
 namespace vantoro::testing {
 
-/// What other threads put in, to be waited for.
+/// A queue filled by other threads.
 template <class Thing>
 class Arrivals {
 public:
@@ -32,7 +32,7 @@ public:
         arrived_.notify_one();
     }
 
-    /// None when it takes too long.
+    /// Waits for the next one; none on timeout.
     std::optional<Thing> next() {
         std::unique_lock lock(mutex_);
         if (!arrived_.wait_for(lock, std::chrono::seconds(30), [&] { return !things_.empty(); })) {
@@ -54,7 +54,7 @@ private:
     std::deque<Thing> things_;
 };
 
-/// An opener on a bus of its own, outside any sandbox at first, without any service.
+/// An opener on a private bus; initially without a sandbox or services.
 class OpenerTest : public ::testing::Test {
 protected:
     PrivateBus privateBus;
@@ -68,25 +68,25 @@ protected:
                                              .helpPage = {},
                                              .limit = std::chrono::seconds(20)};
     std::unique_ptr<desktop::DesktopOpener> current;
-    Arrivals<QDBusMessage> questions; // of the services below
+    Arrivals<QDBusMessage> questions; // received by the services below
 
     void SetUp() override;
     void TearDown() override;
 
-    /// Made when it is first asked for: the surroundings may be changed until then.
+    /// Created on first use, so that a test can change the surroundings before.
     desktop::DesktopOpener& opener();
 
     std::filesystem::path makeFile(const std::string& name) const;
     void enterSandbox() const;
 
-    /// Notes what it is asked, and agrees.
+    /// Records the question and agrees.
     BusService::Answer agreeing();
-    /// The same, and never answers.
+    /// Records the question and never answers.
     BusService::Answer silent();
-    /// The same, and refuses what is not called `exception`.
+    /// Records the question and refuses, unless the method is `exception`.
     BusService::Answer refusing(const QString& exception = {});
 
-    /// What was said on standard error.
+    /// What was printed on standard error.
     static Arrivals<std::string>& warnings();
 };
 

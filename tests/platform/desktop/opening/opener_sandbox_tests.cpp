@@ -23,7 +23,7 @@ protected:
         enterSandbox();
     }
 
-    /// What the question hands over to the portal, which it must ask in the right way.
+    /// The file passed to the portal; also checks that the call is correct.
     std::filesystem::path fileOf(const std::optional<QDBusMessage>& question,
                                  const QString& method) {
         EXPECT_TRUE(question);

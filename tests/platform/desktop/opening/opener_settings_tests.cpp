@@ -19,7 +19,7 @@ protected:
         applications.addProgram(folder / "programs" / program);
     }
 
-    /// The program that was started for it and its arguments, or nothing.
+    /// The started program and its arguments, or empty.
     std::vector<std::string> shown(const std::string& anchor) {
         opener().openPrivacySettings(anchor);
         const auto started = applications.nextStarted();
@@ -44,7 +44,7 @@ TEST_F(OpenerSettingsTest, areTheDesktops) {
 
 TEST_F(OpenerSettingsTest, areTheFirstOnesThatAreInstalled) {
     surroundings.desktops = "KDE";
-    std::filesystem::create_directories(folder / "programs" / "systemsettings"); // no program
+    std::filesystem::create_directories(folder / "programs" / "systemsettings"); // not a program
     std::ofstream(folder / "programs" / "systemsettings6") << "not executable";
     install("kcmshell5");
     install("systemsettings5");
@@ -75,11 +75,11 @@ TEST_F(OpenerSettingsTest, programIsNeitherOurChildNorInOurSession) {
 }
 
 TEST_F(OpenerSettingsTest, unknownPermissionShowsNothing) {
-    // Neither a program nor a complaint that there is none.
+    // Starts no program, and no warning says that there is none.
     opener().openPrivacySettings("Privacy_Camera");
     install("pavucontrol");
     EXPECT_EQ(shown("Privacy_Microphone"), Line{"pavucontrol"});
-    current.reset(); // which has all of it done
+    current.reset(); // finishes all work
     EXPECT_TRUE(warnings().empty());
     EXPECT_FALSE(applications.hasStarted());
 }
@@ -103,7 +103,7 @@ TEST_F(OpenerSettingsTest, helpIsTheInstalledPageUnlessThereIsAnother) {
     std::filesystem::remove(page);
 }
 
-TEST_F(OpenerSettingsTest, whereThereIsNoHelpEitherThatIsSaid) {
+TEST_F(OpenerSettingsTest, missingHelpIsReported) {
     opener().openPrivacySettings("Privacy_Microphone");
     EXPECT_EQ(warnings().next(), "Cannot open the settings Privacy_Microphone");
 }

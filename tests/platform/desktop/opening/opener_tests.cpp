@@ -17,7 +17,7 @@ namespace {
 const QString managerName = "org.freedesktop.FileManager1";
 const QString foldersName = "org.example.Folders";
 
-/// The one address that the question names.
+/// The one URI in the question.
 std::string addressIn(const std::optional<QDBusMessage>& question) {
     const auto addresses = question ? question->arguments().value(0).toStringList() : QStringList();
     return addresses.size() == 1 ? addresses.front().toStdString() : std::string();
@@ -53,7 +53,7 @@ TEST_F(OpenerTest, revealTakesAnyName) {
 
 TEST_F(OpenerTest, revealStartsTheFileManager) {
     privateBus.addStartableService(managerName);
-    surroundings.limit = std::chrono::seconds(1); // what is started here never comes up
+    surroundings.limit = std::chrono::seconds(1); // the service started here never appears
     opener().reveal(makeFile("a.m4a"));
     EXPECT_TRUE(warnings().next());
     EXPECT_TRUE(privateBus.startedAService());
@@ -115,7 +115,7 @@ TEST_F(OpenerTest, endDoesNotWaitForAHangingFileManager) {
     timer.start();
     current.reset();
     EXPECT_LT(timer.elapsed(), 20'000);
-    EXPECT_TRUE(questions.empty()); // nor is anything else tried
+    EXPECT_TRUE(questions.empty()); // nothing else is tried
 }
 
 TEST_F(OpenerTest, endDoesNotWaitForAHangingApplication) {

@@ -55,7 +55,7 @@ PrivateApplications::PrivateApplications() {
     if (::mkfifo(fifo.c_str(), 0600) != 0) {
         throw std::runtime_error("no place for reports of programs");
     }
-    // Open for writing too: then no writer waits, and there is no end of the file.
+    // Open for writing too, so that writers never block and readers never see end of file.
     fifo_ = ::open(fifo.c_str(), O_RDWR | O_NONBLOCK | O_CLOEXEC);
     const auto applications = dataFolder() / "applications";
     const auto programs = folder_ / "programs";
@@ -85,7 +85,7 @@ PrivateApplications::~PrivateApplications() {
 }
 
 void PrivateApplications::addProgram(const std::filesystem::path& program) const {
-    // The fields of a process: its number, name and state, then parent, group and session.
+    // The fields of /proc/PID/stat: process ID, name and state, then parent, group and session.
     write(program, "#!/bin/sh\nread -r _ _ _ parent _ session _ </proc/$$/stat\n"
                    "printf '%s\\n' \"$0\" \"$session $parent\" \"$@\" . >'" +
                        (folder_ / "started").string() + "'\n");

@@ -23,11 +23,11 @@ struct StartedProgram {
     pid_t parent = 0;
 };
 
-/// The applications of a desktop of its own, and programs that tell of their start. To be made
-/// before anything asks for the desktop's applications, and once in a program.
+/// A private set of desktop applications, which report when they start. Construct one per process,
+/// before anything looks up applications.
 ///
-/// `opener` opens *.m4a, `browser` *.html and addresses of the web; folders are opened by
-/// `org.example.Folders`, which would be a service on the bus; nothing opens *.orphan.
+/// `opener` opens *.m4a, `browser` *.html and web addresses; folders are opened by
+/// `org.example.Folders`, a bus-activated application; nothing opens *.orphan.
 class PrivateApplications {
 public:
     PrivateApplications();
@@ -37,16 +37,16 @@ public:
 
     static PrivateApplications& instance() { return *current; }
 
-    /// Where data of the desktop's is looked for.
+    /// Where the desktop's data files are looked up.
     std::filesystem::path dataFolder() const { return folder_ / "data"; }
 
-    /// On which applications are asked to open something: the environment's session bus.
+    /// The environment's session bus, on which applications are asked to open something.
     const PrivateBus& bus() const { return bus_; }
 
     void addProgram(const std::filesystem::path& program) const;
-    /// Waits for a program to be started; none when that takes too long.
+    /// Waits for a program to start; none on timeout.
     std::optional<StartedProgram> nextStarted() const;
-    /// Whether another one has told of its start by now.
+    /// Whether another program has reported its start.
     bool hasStarted() const;
     void forgetStarted() const;
 

@@ -42,7 +42,7 @@ TEST(SettingsPagesTest, areTheDesktopsOwnFirst) {
              Case{"LXQt", mixersAfter({{"pavucontrol-qt"}})}, Case{"XFCE", mixersAfter({})},
              Case{"sway", mixersAfter({})}, Case{"", mixersAfter({})}, Case{":::", mixersAfter({})},
              Case{"GNOMES:KDES", mixersAfter({})},
-             Case{"KDE:GNOME", kde}, // the first is the desktop itself
+             Case{"KDE:GNOME", kde}, // the first name is the desktop itself
          }) {
         EXPECT_EQ(privacySettingsPages(desktops, "Privacy_Microphone"), expected) << desktops;
         EXPECT_EQ(privacySettingsPages(desktops, "Privacy_ScreenCapture"), expected) << desktops;

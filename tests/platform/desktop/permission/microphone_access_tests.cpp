@@ -41,14 +41,14 @@ protected:
     void enterSandbox() { std::ofstream(sandbox) << "[Application]\nname=app\n"; }
 
     void userDecided(const QString& word) {
-        store.reset(); // gives its name back
+        store.reset(); // releases its name
         store =
             std::make_unique<BusService>(privateBus, "org.freedesktop.impl.portal.PermissionStore",
                                          permissionStore("app", {word}));
     }
 };
 
-TEST_F(MicrophoneAccessTest, isAuthorizedWhereNothingSpeaksAgainstIt) {
+TEST_F(MicrophoneAccessTest, isAuthorizedByDefault) {
     EXPECT_EQ(access.status(), authorized);
     EXPECT_EQ(openings, 0);
 }
@@ -97,12 +97,12 @@ TEST_F(MicrophoneAccessTest, requestOpensTheMicrophoneAndTakesTheUsersDecision) 
     enterSandbox();
     userDecided("yes");
     EXPECT_TRUE(access.request());
-    userDecided("no"); // opened all the same: the user's word is what we go by
+    userDecided("no"); // opened anyway, but the user's decision counts
     EXPECT_FALSE(access.request());
     EXPECT_EQ(openings, 2);
 }
 
-TEST_F(MicrophoneAccessTest, requestThatLeavesNoDecisionGoesByWhatCouldBeDone) {
+TEST_F(MicrophoneAccessTest, requestWithoutAStoredDecisionUsesTheAttempt) {
     enterSandbox();
     EXPECT_TRUE(access.request());
     opens = false;

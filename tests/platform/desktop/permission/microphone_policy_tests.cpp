@@ -51,7 +51,7 @@ INSTANTIATE_TEST_SUITE_P(
                    notDetermined}),
     [](const auto& test) { return test.param.name; });
 
-TEST(StoredPermissionTest, isTheFirstWord) {
+TEST(StoredPermissionTest, usesTheFirstWord) {
     EXPECT_EQ(desktop::storedPermission({}), StoredPermission::undecided);
     EXPECT_EQ(desktop::storedPermission({"yes"}), StoredPermission::granted);
     EXPECT_EQ(desktop::storedPermission({"no"}), StoredPermission::refused);

@@ -33,7 +33,7 @@ protected:
         return desktop::storedMicrophonePermission(bus, application, patience);
     }
 
-    /// Whether it takes the limit that it has by itself, or not very much more.
+    /// Whether it keeps to its default limit, with a margin.
     static bool isBounded(const std::function<void()>& question) {
         QElapsedTimer timer;
         timer.start();
@@ -72,7 +72,7 @@ TEST_F(PortalTest, anyBackendMayDisableTheMicrophone) {
     EXPECT_TRUE(microphoneDisabled());
 }
 
-TEST_F(PortalTest, backendWithoutALockdownDisablesNothing) {
+TEST_F(PortalTest, backendWithoutLockdownDisablesNothing) {
     const BusService backend(privateBus, backendName + "gtk", [](const QDBusMessage& question) {
         return question.createErrorReply(QDBusError::UnknownInterface, "no lockdown here");
     });
@@ -96,7 +96,7 @@ TEST_F(PortalTest, silentBackendIsNotWaitedForLong) {
     EXPECT_TRUE(isBounded([&] { EXPECT_FALSE(desktop::microphoneDisabledByPortal(bus)); }));
 }
 
-TEST_F(PortalTest, storesWordForOurApplicationCounts) {
+TEST_F(PortalTest, storeEntryOfThisApplicationCounts) {
     struct Case {
         QStringList words;
         StoredPermission expected;
@@ -118,7 +118,7 @@ TEST_F(PortalTest, storeWithoutTheEntryIsUndecided) {
     EXPECT_EQ(permissionOf("app"), StoredPermission::undecided);
 }
 
-TEST_F(PortalTest, storesAnswerOfAnotherShapeIsUndecided) {
+TEST_F(PortalTest, storeAnswerOfAnotherTypeIsUndecided) {
     for (const QVariantList& answer : {QVariantList{}, QVariantList{"yes"}}) {
         const BusService store(privateBus, storeName, [=](const QDBusMessage& question) {
             return question.createReply(answer);

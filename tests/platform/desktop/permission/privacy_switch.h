@@ -4,7 +4,7 @@
 
 namespace vantoro::testing {
 
-/// The user's hand on the privacy settings; on again at the end.
+/// Changes the privacy settings; the destructor switches them back on.
 class PrivacySwitch {
 public:
     PrivacySwitch() = default;

@@ -20,9 +20,9 @@ const QString service = "org.freedesktop.login1";
 const QString manager = "org.freedesktop.login1.Manager";
 const QString connectionName = "asking the login manager";
 
-/// It says its number first.
+/// It first prints its process ID.
 std::FILE* startProcess(const QString& busAddress) {
-    // Not to be left behind by a test that crashes. The distribution's Python has the package.
+    // Ends even if the test crashes. Uses the distribution's Python, which has the package.
     const auto command = "echo $$; DBUS_SYSTEM_BUS_ADDRESS='" + busAddress +
                          "' exec setpriv --pdeathsig KILL /usr/bin/python3 -m dbusmock "
                          "--template logind >/dev/null";
@@ -47,7 +47,7 @@ MockLogind::MockLogind(const PrivateBus& systemBus) : bus_(systemBus.connect(con
 
 MockLogind::~MockLogind() {
     ::kill(process_, SIGKILL);
-    ::pclose(output_); // waits for its end
+    ::pclose(output_); // waits for its exit
     QDBusConnection::disconnectFromBus(connectionName);
 }
 
@@ -71,7 +71,7 @@ QStringList MockLogind::inhibitors() const {
     return found;
 }
 
-bool MockLogind::comesToHave(const QStringList& expected) const {
+bool MockLogind::eventuallyHas(const QStringList& expected) const {
     const QDeadlineTimer deadline(patience);
     bool has = inhibitors() == expected;
     while (!has && !deadline.hasExpired()) {
@@ -95,8 +95,8 @@ QDBusMessage MockLogind::call(const QString& interface, const QString& method,
     auto question =
         QDBusMessage::createMethodCall(service, "/org/freedesktop/login1", interface, method);
     question.setArguments(arguments);
-    // The event loop runs meanwhile. A blocking call that lets it run misses a reply that comes
-    // before it listens, and would wait for ever.
+    // Runs the event loop. A blocking call that does so misses a reply that arrives before it
+    // listens, and hangs.
     const QDBusPendingCallWatcher watcher(bus_.asyncCall(question));
     if (!EventLoop::runUntil([&] { return watcher.isFinished(); }, patience)) {
         throw std::runtime_error("the login manager does not answer");

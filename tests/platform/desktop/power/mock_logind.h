@@ -14,20 +14,20 @@
 
 namespace vantoro::testing {
 
-/// A login manager in a process of its own, not written by us. Main thread; what waits for it runs
-/// the event loop.
+/// An independent mock of logind, in its own process. Main thread; waiting functions run the event
+/// loop.
 class MockLogind {
 public:
     explicit MockLogind(const PrivateBus& systemBus);
     MockLogind(const MockLogind&) = delete;
     MockLogind& operator=(const MockLogind&) = delete;
-    /// As if it had crashed.
+    /// Kills it, like a crash.
     ~MockLogind();
 
-    /// What is in force, in order: "what, who, why, mode" each.
+    /// The locks in force, in order, each as "what, who, why, mode".
     QStringList inhibitors() const;
-    /// Whether these come to be in force, and no others.
-    bool comesToHave(const QStringList& expected) const;
+    /// Whether exactly these are eventually in force.
+    bool eventuallyHas(const QStringList& expected) const;
     void prepareForSleep(bool sleeping) const;
     void prepareForShutdown(bool shuttingDown) const;
 
@@ -36,7 +36,7 @@ private:
                       const QVariantList& arguments) const;
 
     QDBusConnection bus_;
-    std::FILE* output_ = nullptr; ///< ends with the process
+    std::FILE* output_ = nullptr; ///< closing it waits for the process
     pid_t process_ = 0;
 };
 

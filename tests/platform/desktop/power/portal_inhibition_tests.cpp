@@ -22,7 +22,7 @@ namespace {
 const QString portalName = "org.freedesktop.portal.Desktop";
 const QString handle = "/org/freedesktop/portal/desktop/request/1_1/t";
 
-/// Each call as "path interface.member arguments...".
+/// A call as "path interface.member arguments...".
 QString told(const QDBusMessage& call) {
     QStringList words{call.path(), call.interface() + '.' + call.member(), call.signature()};
     for (const auto& argument : call.arguments()) {
@@ -52,7 +52,7 @@ QDBusMessage grantedWithoutAHandle(const QDBusMessage& call) {
     return call.createReply("yes");
 }
 
-/// The desktop's portal, or what stands in its place.
+/// The desktop portal, or a stand-in.
 class Portal {
 public:
     Portal(const PrivateBus& bus, BusService::Answer answer)
@@ -62,7 +62,7 @@ public:
               return reply(call);
           }) {}
 
-    bool comesToBeTold(const QStringList& expected) const {
+    bool isEventuallyTold(const QStringList& expected) const {
         const bool told = EventLoop::runUntil([&] { return calls.size() >= expected.size(); });
         EXPECT_EQ(calls, expected);
         return told && calls == expected;
@@ -71,7 +71,7 @@ public:
     QStringList calls;
 
 private:
-    QObject mainThread_; // what has not arrived when it ends does not arrive
+    QObject mainThread_; // drops pending calls on destruction
     BusService service_;
 };
 
@@ -88,11 +88,11 @@ TEST_F(PortalInhibitionTest, portalIsAskedAloneAndTheRequestClosedAfterwards) {
     const Portal portal(sessionBus, granted);
     start();
     auto held = hold();
-    EXPECT_TRUE(portal.comesToBeTold({inhibit}));
-    EXPECT_TRUE(logind.comesToHave(sleepOnly));
+    EXPECT_TRUE(portal.isEventuallyTold({inhibit}));
+    EXPECT_TRUE(logind.eventuallyHas(sleepOnly));
     held.reset();
-    EXPECT_TRUE(portal.comesToBeTold({inhibit, close}));
-    EXPECT_TRUE(logind.comesToHave({}));
+    EXPECT_TRUE(portal.isEventuallyTold({inhibit, close}));
+    EXPECT_TRUE(logind.eventuallyHas({}));
 }
 
 TEST_F(PortalInhibitionTest, loginManagerIsAskedWhereThePortalRefuses) {
@@ -100,10 +100,10 @@ TEST_F(PortalInhibitionTest, loginManagerIsAskedWhereThePortalRefuses) {
         const Portal portal(sessionBus, answer);
         start();
         auto held = hold();
-        EXPECT_TRUE(logind.comesToHave(sleepAndIdle));
+        EXPECT_TRUE(logind.eventuallyHas(sleepAndIdle));
         held.reset();
-        EXPECT_TRUE(logind.comesToHave({}));
-        EXPECT_EQ(portal.calls, QStringList{inhibit}); // there is nothing to close
+        EXPECT_TRUE(logind.eventuallyHas({}));
+        EXPECT_EQ(portal.calls, QStringList{inhibit}); // nothing to close
     }
 }
 
@@ -112,9 +112,9 @@ TEST_F(PortalInhibitionTest, loginManagerIsAskedWhereThePortalIsSilent) {
     portalPatience = std::chrono::milliseconds(50);
     start();
     auto held = hold();
-    EXPECT_TRUE(logind.comesToHave(sleepAndIdle));
+    EXPECT_TRUE(logind.eventuallyHas(sleepAndIdle));
     held.reset();
-    EXPECT_TRUE(logind.comesToHave({}));
+    EXPECT_TRUE(logind.eventuallyHas({}));
 }
 
 TEST_F(PortalInhibitionTest, loginManagerIsAskedWhereTheSessionBusIsSilent) {
@@ -122,16 +122,16 @@ TEST_F(PortalInhibitionTest, loginManagerIsAskedWhereTheSessionBusIsSilent) {
     portalPatience = std::chrono::milliseconds(50);
     start({.system = systemBus.address().toStdString(), .session = silent.address()});
     const auto held = hold();
-    EXPECT_TRUE(logind.comesToHave(sleepAndIdle));
+    EXPECT_TRUE(logind.eventuallyHas(sleepAndIdle));
 }
 
 TEST_F(PortalInhibitionTest, portalThatEndsUnansweredCountsAsNone) {
     auto portal = std::make_unique<Portal>(sessionBus, noAnswer);
     start();
     const auto held = hold();
-    EXPECT_TRUE(portal->comesToBeTold({inhibit}));
+    EXPECT_TRUE(portal->isEventuallyTold({inhibit}));
     portal.reset();
-    EXPECT_TRUE(logind.comesToHave(sleepAndIdle));
+    EXPECT_TRUE(logind.eventuallyHas(sleepAndIdle));
 }
 
 TEST_F(PortalInhibitionTest, sessionBusThatEndsUnansweredCountsAsNone) {
@@ -140,12 +140,12 @@ TEST_F(PortalInhibitionTest, sessionBusThatEndsUnansweredCountsAsNone) {
     start(
         {.system = systemBus.address().toStdString(), .session = session->address().toStdString()});
     const auto held = hold();
-    EXPECT_TRUE(portal->comesToBeTold({inhibit}));
+    EXPECT_TRUE(portal->isEventuallyTold({inhibit}));
     session.reset();
-    EXPECT_TRUE(logind.comesToHave(sleepAndIdle));
+    EXPECT_TRUE(logind.eventuallyHas(sleepAndIdle));
 }
 
-/// A portal that answers when it is told to.
+/// With a portal that answers on demand.
 class SlowPortalTest : public PortalInhibitionTest {
 protected:
     std::binary_semaphore mayAnswer{0};
@@ -157,36 +157,36 @@ protected:
                         }};
 };
 
-TEST_F(SlowPortalTest, whatIsGrantedAfterTheEndIsGivenBackAtOnce) {
+TEST_F(SlowPortalTest, grantAfterTheEndIsReleasedAtOnce) {
     start();
     auto held = hold();
-    EXPECT_TRUE(portal.comesToBeTold({inhibit}));
+    EXPECT_TRUE(portal.isEventuallyTold({inhibit}));
     held.reset();
     mayAnswer.release();
-    EXPECT_TRUE(portal.comesToBeTold({inhibit, close}));
+    EXPECT_TRUE(portal.isEventuallyTold({inhibit, close}));
 }
 
-TEST_F(SlowPortalTest, whatIsGrantedAfterOurPatienceIsGivenBackInTheEnd) {
+TEST_F(SlowPortalTest, lateGrantIsReleasedAtTheEnd) {
     portalPatience = std::chrono::milliseconds(50);
     start();
     auto held = hold();
-    EXPECT_TRUE(logind.comesToHave(sleepAndIdle));
+    EXPECT_TRUE(logind.eventuallyHas(sleepAndIdle));
     mayAnswer.release();
     held.reset();
-    EXPECT_TRUE(portal.comesToBeTold({inhibit, close}));
-    EXPECT_TRUE(logind.comesToHave({}));
+    EXPECT_TRUE(portal.isEventuallyTold({inhibit, close}));
+    EXPECT_TRUE(logind.eventuallyHas({}));
 }
 
-TEST_F(SlowPortalTest, nobodyIsAskedInsteadAfterTheEnd) {
+TEST_F(SlowPortalTest, noFallbackAfterTheEnd) {
     portalPatience = std::chrono::milliseconds(50);
     start();
     auto held = hold();
-    EXPECT_TRUE(portal.comesToBeTold({inhibit}));
+    EXPECT_TRUE(portal.isEventuallyTold({inhibit}));
     held.reset();
     bool over = false;
     QTimer::singleShot(100, [&] { over = true; });
     EXPECT_TRUE(EventLoop::runUntil([&] { return over; }));
-    EXPECT_TRUE(logind.comesToHave({}));
+    EXPECT_TRUE(logind.eventuallyHas({}));
     mayAnswer.release();
 }
 

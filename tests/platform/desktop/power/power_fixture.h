@@ -17,7 +17,7 @@
 
 namespace vantoro::testing {
 
-/// Power management on buses that nothing else is on.
+/// Power management on private buses.
 class PowerManagementTest : public ::testing::Test {
 protected:
     const QStringList sleepOnly{"shutdown, Vantoro, recording, delay",
@@ -25,7 +25,7 @@ protected:
     const QStringList sleepAndIdle = QStringList("idle, Vantoro, recording, block") + sleepOnly;
     PrivateBus systemBus;
     PrivateBus sessionBus;
-    std::chrono::milliseconds portalPatience = std::chrono::minutes(10); // unless it is the subject
+    std::chrono::milliseconds portalPatience = std::chrono::minutes(10); // unless under test
     std::unique_ptr<desktop::DesktopPowerManagement> power;
 
     void start() {

@@ -11,7 +11,7 @@
 namespace vantoro::testing {
 namespace {
 
-/// A variable of the environment, until the test ends; null for none.
+/// Sets an environment variable for one test; null unsets it.
 class Variable {
 public:
     Variable(const char* name, const char* value) : name_(name), before_(qgetenv(name)) {
@@ -45,19 +45,19 @@ desktop::BusAddresses busesIn(const Environment& environment) {
     return desktop::standardBusAddresses();
 }
 
-TEST(StandardBusAddressesTest, areWhatTheEnvironmentSays) {
+TEST(StandardBusAddressesTest, areTakenFromTheEnvironment) {
     const auto buses = busesIn({"unix:path=/a", "unix:path=/b", "/run/user/1"});
     EXPECT_EQ(buses.system, "unix:path=/a");
     EXPECT_EQ(buses.session, "unix:path=/b");
 }
 
-TEST(StandardBusAddressesTest, areThePlacesAgreedUponOtherwise) {
+TEST(StandardBusAddressesTest, areTheStandardLocationsByDefault) {
     const auto buses = busesIn({nullptr, nullptr, "/run/user/1,a;b"});
     EXPECT_EQ(buses.system, "unix:path=/run/dbus/system_bus_socket");
     EXPECT_EQ(buses.session, "unix:path=/run/user/1%2Ca%3Bb/bus");
 }
 
-TEST(StandardBusAddressesTest, nameNoSessionBusWithoutAPlaceForOne) {
+TEST(StandardBusAddressesTest, areEmptyWithoutARuntimeFolder) {
     EXPECT_EQ(busesIn({nullptr, nullptr, nullptr}).session, "");
 }
 

@@ -20,7 +20,7 @@ const QString profilesService = "net.hadess.PowerProfiles";
 const QString laterProfilesService = "org.freedesktop.UPower.PowerProfiles";
 const QString profilesPortal = "org.freedesktop.portal.Desktop";
 
-/// What a service answers whose one property this is.
+/// The answers of a service with this one property.
 BusService::Answer property(const QString& interface, const QString& name, const QVariant& value) {
     return [=](const QDBusMessage& question) {
         const bool isAsked =

@@ -26,7 +26,7 @@ protected:
         return both;
     }
 
-    /// How often the event loop wakes within three tenths of a second.
+    /// How often the event loop wakes in 0.3 s.
     static int wakings() {
         bool over = false;
         int count = 0;
@@ -47,12 +47,12 @@ TEST_F(SleepHoldTest, isInForceFromTheCallToItsEnd) {
     start();
     EXPECT_EQ(logind.inhibitors(), QStringList());
     auto held = hold();
-    EXPECT_TRUE(logind.comesToHave(sleepAndIdle));
+    EXPECT_TRUE(logind.eventuallyHas(sleepAndIdle));
     logind.prepareForSleep(true);
     logind.prepareForSleep(false);
     EXPECT_EQ(logind.inhibitors(), sleepAndIdle);
     held.reset();
-    EXPECT_TRUE(logind.comesToHave({}));
+    EXPECT_TRUE(logind.eventuallyHas({}));
 }
 
 TEST_F(SleepHoldTest, eachHoldIsOneOfItsOwn) {
@@ -64,44 +64,44 @@ TEST_F(SleepHoldTest, eachHoldIsOneOfItsOwn) {
                                "sleep, Vantoro, saving, delay"};
     auto all = sleepAndIdle + ofSecond;
     all.sort();
-    EXPECT_TRUE(logind.comesToHave(all));
+    EXPECT_TRUE(logind.eventuallyHas(all));
     first.reset();
-    EXPECT_TRUE(logind.comesToHave(ofSecond));
+    EXPECT_TRUE(logind.eventuallyHas(ofSecond));
 }
 
 TEST_F(SleepHoldTest, sleepWaitsUntilItsObserverIsReady) {
     const MockLogind logind(systemBus);
     start();
     auto held = hold();
-    ASSERT_TRUE(logind.comesToHave(sleepAndIdle));
+    ASSERT_TRUE(logind.eventuallyHas(sleepAndIdle));
     bool sleeping = false;
     const auto observation = power->observe([&] { sleeping = true; }, [] {});
     logind.prepareForSleep(true);
     EXPECT_TRUE(EventLoop::runUntil([&] { return sleeping; }));
-    EXPECT_EQ(logind.inhibitors(), sleepAndIdle); // the recording is being finished
+    EXPECT_EQ(logind.inhibitors(), sleepAndIdle); // the recording is being saved
     held.reset();
-    EXPECT_TRUE(logind.comesToHave({}));
+    EXPECT_TRUE(logind.eventuallyHas({}));
 }
 
 TEST_F(SleepHoldTest, shutdownWaitsUntilItsObserverIsReady) {
     const MockLogind logind(systemBus);
     start();
     auto held = hold();
-    ASSERT_TRUE(logind.comesToHave(sleepAndIdle));
+    ASSERT_TRUE(logind.eventuallyHas(sleepAndIdle));
     bool ending = false;
     const auto observation = power->observe([&] { ending = true; }, [] {});
     logind.prepareForShutdown(true);
     EXPECT_TRUE(EventLoop::runUntil([&] { return ending; }));
-    EXPECT_EQ(logind.inhibitors(), sleepAndIdle); // the recording is being finished
+    EXPECT_EQ(logind.inhibitors(), sleepAndIdle); // the recording is being saved
     held.reset();
-    EXPECT_TRUE(logind.comesToHave({}));
+    EXPECT_TRUE(logind.eventuallyHas({}));
 }
 
 TEST_F(SleepHoldTest, waitsForALoginManagerToAppear) {
     start();
     const auto held = hold();
     const MockLogind logind(systemBus);
-    EXPECT_TRUE(logind.comesToHave(sleepAndIdle));
+    EXPECT_TRUE(logind.eventuallyHas(sleepAndIdle));
 }
 
 TEST_F(SleepHoldTest, isTakenAgainFromTheNextLoginManager) {
@@ -109,13 +109,13 @@ TEST_F(SleepHoldTest, isTakenAgainFromTheNextLoginManager) {
     start();
     auto held = hold();
     auto ended = hold();
-    ASSERT_TRUE(logind->comesToHave(twice(sleepAndIdle)));
+    ASSERT_TRUE(logind->eventuallyHas(twice(sleepAndIdle)));
     ended.reset();
-    logind.reset(); // first: they do not share the name
+    logind.reset(); // first, because both use the same name
     logind = std::make_unique<MockLogind>(systemBus);
-    EXPECT_TRUE(logind->comesToHave(sleepAndIdle));
+    EXPECT_TRUE(logind->eventuallyHas(sleepAndIdle));
     held.reset();
-    EXPECT_TRUE(logind->comesToHave({}));
+    EXPECT_TRUE(logind->eventuallyHas({}));
 }
 
 TEST_F(SleepHoldTest, goesOnWithoutPowerManagement) {
@@ -123,9 +123,9 @@ TEST_F(SleepHoldTest, goesOnWithoutPowerManagement) {
     start();
     auto held = hold();
     power.reset();
-    EXPECT_TRUE(logind.comesToHave(sleepAndIdle));
+    EXPECT_TRUE(logind.eventuallyHas(sleepAndIdle));
     held.reset();
-    EXPECT_TRUE(logind.comesToHave({}));
+    EXPECT_TRUE(logind.eventuallyHas({}));
 }
 
 TEST_F(SleepHoldTest, withoutAnyBusNothingHappensAtOnce) {
@@ -160,11 +160,11 @@ TEST_F(SleepHoldTest, busThatFreezesKeepsNobodyWaiting) {
     const auto logind = std::make_unique<MockLogind>(system);
     start({.system = system.address().toStdString(), .session = session.address().toStdString()});
     auto held = hold();
-    ASSERT_TRUE(logind->comesToHave(sleepAndIdle));
+    ASSERT_TRUE(logind->eventuallyHas(sleepAndIdle));
     system.freeze();
     session.freeze();
     EXPECT_TRUE(isDoneAtOnce([&] {
-        for (int i = 0; i < 2'000; ++i) { // more than a socket takes
+        for (int i = 0; i < 2'000; ++i) { // more than a socket buffers
             held = hold();
         }
         QCoreApplication::processEvents();
@@ -179,13 +179,13 @@ TEST_F(SleepHoldTest, sessionBusThatEndsLeavesTheLoginManager) {
     start(
         {.system = systemBus.address().toStdString(), .session = session->address().toStdString()});
     auto held = hold();
-    ASSERT_TRUE(logind.comesToHave(sleepAndIdle));
+    ASSERT_TRUE(logind.eventuallyHas(sleepAndIdle));
     session.reset();
     auto another = hold();
-    EXPECT_TRUE(logind.comesToHave(twice(sleepAndIdle)));
+    EXPECT_TRUE(logind.eventuallyHas(twice(sleepAndIdle)));
     held.reset();
     another.reset();
-    EXPECT_TRUE(logind.comesToHave({}));
+    EXPECT_TRUE(logind.eventuallyHas({}));
 }
 
 TEST_F(SleepHoldTest, systemBusThatEndsEndsNothingElse) {
@@ -194,7 +194,7 @@ TEST_F(SleepHoldTest, systemBusThatEndsEndsNothingElse) {
     start(
         {.system = system->address().toStdString(), .session = sessionBus.address().toStdString()});
     auto held = hold();
-    ASSERT_TRUE(logind->comesToHave(sleepAndIdle));
+    ASSERT_TRUE(logind->eventuallyHas(sleepAndIdle));
     logind.reset();
     system.reset();
     EXPECT_TRUE(isDoneAtOnce([&] {
@@ -208,9 +208,9 @@ TEST_F(SleepHoldTest, wakesNobodyWhileNothingHappens) {
     const MockLogind logind(systemBus);
     start();
     const auto held = hold();
-    ASSERT_TRUE(logind.comesToHave(sleepAndIdle));
-    // The timer's, and what the event loop itself needs. At first a busy machine may still have
-    // answers to bring; whoever wakes us regularly does so each time.
+    ASSERT_TRUE(logind.eventuallyHas(sleepAndIdle));
+    // The test's timer, and the event loop's own wakes. A busy machine may deliver late answers at
+    // first; a periodic wake-up would recur each time.
     constexpr int few = 3;
     int least = wakings();
     for (int i = 0; i < 20 && least > few; ++i) {

@@ -29,15 +29,15 @@ protected:
                               [&into] { into.emplace_back("wake"); });
     }
 
-    /// Signals are heard from then on: the bus has let us in and answered.
+    /// Afterwards signals arrive: the bus has accepted the connection and answered.
     void awaitConnection() {
         const auto held = hold();
-        ASSERT_TRUE(logind.comesToHave(sleepAndIdle));
+        ASSERT_TRUE(logind.eventuallyHas(sleepAndIdle));
     }
 
-    /// Sends it to each on the bus, whether it listens or not.
-    void tellEverybody(const QString& path, const QString& interface, const QString& signal,
-                       const QVariantList& arguments) {
+    /// Sends it to every connection, subscribed or not.
+    void broadcast(const QString& path, const QString& interface, const QString& signal,
+                   const QVariantList& arguments) {
         auto bus = systemBus.connect("an impostor");
         const auto names = bus.call(QDBusMessage::createMethodCall(
             "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "ListNames"));
@@ -94,7 +94,7 @@ TEST_F(SleepObservationTest, whatIsUnderWayAtTheEndIsNotHeard) {
     std::vector<std::unique_ptr<PowerObservation>> observations;
     const auto endAll = [&] {
         heard.emplace_back("sleep");
-        observations.clear(); // the one that is speaking too
+        observations.clear(); // including the one whose callback runs
     };
     for (int i = 0; i < 5; ++i) {
         observations.push_back(power->observe(endAll, [] {}));
@@ -125,22 +125,22 @@ TEST_F(SleepObservationTest, observerMayEndPowerManagement) {
 TEST_F(SleepObservationTest, onlyTheLoginManagerIsBelieved) {
     const auto observation = observe(heard);
     awaitConnection();
-    tellEverybody("/org/freedesktop/login1", "org.freedesktop.login1.Manager", "PrepareForSleep",
-                  {true});
+    broadcast("/org/freedesktop/login1", "org.freedesktop.login1.Manager", "PrepareForSleep",
+              {true});
     QDBusConnection::disconnectFromBus("an impostor");
     logind.prepareForSleep(false);
     EXPECT_TRUE(EventLoop::runUntil([&] { return !heard.empty(); }));
     EXPECT_EQ(heard, Heard{"wake"});
 }
 
-TEST_F(SleepObservationTest, onlyTheBusSaysWhoTheLoginManagerIs) {
+TEST_F(SleepObservationTest, onlyTheBusNamesTheLoginManager) {
     const auto observation = observe(heard);
     awaitConnection();
     const auto impostor = systemBus.connect("an impostor").baseService();
-    tellEverybody("/org/freedesktop/DBus", "org.freedesktop.DBus", "NameOwnerChanged",
-                  {"org.freedesktop.login1", "", impostor});
-    tellEverybody("/org/freedesktop/login1", "org.freedesktop.login1.Manager", "PrepareForSleep",
-                  {true});
+    broadcast("/org/freedesktop/DBus", "org.freedesktop.DBus", "NameOwnerChanged",
+              {"org.freedesktop.login1", "", impostor});
+    broadcast("/org/freedesktop/login1", "org.freedesktop.login1.Manager", "PrepareForSleep",
+              {true});
     QDBusConnection::disconnectFromBus("an impostor");
     logind.prepareForSleep(false);
     EXPECT_TRUE(EventLoop::runUntil([&] { return !heard.empty(); }));
@@ -154,10 +154,10 @@ TEST_F(PowerManagementTest, nextLoginManagerIsHeardToo) {
     const auto observation =
         power->observe([&] { heard.emplace_back("sleep"); }, [&] { heard.emplace_back("wake"); });
     const auto held = hold();
-    ASSERT_TRUE(logind->comesToHave(sleepAndIdle));
+    ASSERT_TRUE(logind->eventuallyHas(sleepAndIdle));
     logind->prepareForSleep(true);
     EXPECT_TRUE(EventLoop::runUntil([&] { return heard == Heard{"sleep"}; }));
-    logind.reset(); // first: they do not share the name
+    logind.reset(); // first, because both use the same name
     logind = std::make_unique<MockLogind>(systemBus);
     logind->prepareForSleep(false);
     EXPECT_TRUE(EventLoop::runUntil([&] { return heard == Heard{"sleep", "wake"}; }));

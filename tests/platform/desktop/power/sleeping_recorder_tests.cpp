@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-// The view model on threads as in the program, with a login manager that we did not write.
+// The view model on the program's threads, with an independent mock of logind.
 
 #include <semaphore>
 
@@ -46,10 +46,10 @@ protected:
 
     void TearDown() override {
         model.reset();
-        scheduler.reset(); // what it still does works with the rest
+        scheduler.reset(); // its remaining work uses the members below
     }
 
-    /// Which works with the fake recorder too, on a thread of its own.
+    /// It uses the fake recorder too, on another thread.
     void waitForTheFirstSalvage() {
         bool ended = false;
         const auto whenEnded = QObject::connect(model.get(), &RecordingViewModel::salvageEnded,
@@ -58,54 +58,53 @@ protected:
         QObject::disconnect(whenEnded);
     }
 
-    bool comesTo(Case state) {
+    bool reaches(Case state) {
         return EventLoop::runUntil([&] { return model->values().state.which() == state; });
     }
 
     void record() {
         model->startRecording();
-        ASSERT_TRUE(comesTo(Case::recording));
-        ASSERT_TRUE(logind.comesToHave(held));
+        ASSERT_TRUE(reaches(Case::recording));
+        ASSERT_TRUE(logind.eventuallyHas(held));
     }
 
-    /// Whether the view model still is in this state when a question to the login manager behind
-    /// the signal has been answered.
+    /// Whether the state is unchanged once a question sent after the signal is answered.
     bool staysIn(Case state) {
         const auto inForce = logind.inhibitors();
         return model->values().state.which() == state && inForce == logind.inhibitors();
     }
 };
 
-TEST_F(SleepingRecorderTest, anIdleOneHoldsNothingOffAndLooksAnewAfterTheSleep) {
+TEST_F(SleepingRecorderTest, idleHoldsNothingOffAndRefreshesAfterSleep) {
     ASSERT_TRUE(EventLoop::runUntil([&] { return !model->values().microphones.empty(); }));
     {
-        // What is held is held behind the request to hear of sleep.
+        // The lock request follows the subscription to the sleep signal.
         const auto hold = power->holdOffSleep("Recording");
-        ASSERT_TRUE(logind.comesToHave(held));
+        ASSERT_TRUE(logind.eventuallyHas(held));
     }
     devices.list = {{"new", "New"}};
     logind.prepareForSleep(true);
-    EXPECT_TRUE(logind.comesToHave({}));
+    EXPECT_TRUE(logind.eventuallyHas({}));
     logind.prepareForSleep(false);
     EXPECT_TRUE(EventLoop::runUntil([&] { return model->values().microphones == devices.list; }));
     EXPECT_TRUE(staysIn(Case::idle));
 }
 
-TEST_F(SleepingRecorderTest, oneThatPreparesIsWaitedForUntilWhatItBeganIsSaved) {
+TEST_F(SleepingRecorderTest, startingDelaysSleepUntilTheRecordingIsSaved) {
     recorder.duringStart = [this] { mayGoOn.acquire(); };
     model->startRecording();
-    ASSERT_TRUE(logind.comesToHave(held));
+    ASSERT_TRUE(logind.eventuallyHas(held));
     logind.prepareForSleep(true);
     EXPECT_TRUE(staysIn(Case::preparing));
     EXPECT_EQ(logind.inhibitors(), held);
     mayGoOn.release();
-    ASSERT_TRUE(comesTo(Case::completed));
+    ASSERT_TRUE(reaches(Case::completed));
     EXPECT_EQ(model->values().errorMessage,
               "Recording was interrupted by sleep. The captured audio was saved successfully.");
-    EXPECT_TRUE(logind.comesToHave({}));
+    EXPECT_TRUE(logind.eventuallyHas({}));
 }
 
-TEST_F(SleepingRecorderTest, oneThatRecordsIsWaitedForUntilTheSoundIsSafeAndMixesLater) {
+TEST_F(SleepingRecorderTest, recordingDelaysSleepUntilTheSoundIsSafeAndMixesLater) {
     record();
     recorder.duringStop = [this] {
         mayGoOn.acquire();
@@ -113,29 +112,29 @@ TEST_F(SleepingRecorderTest, oneThatRecordsIsWaitedForUntilTheSoundIsSafeAndMixe
         mayGoOn.acquire(); // the machine sleeps
     };
     logind.prepareForSleep(true);
-    ASSERT_TRUE(comesTo(Case::processing));
+    ASSERT_TRUE(reaches(Case::processing));
     EXPECT_EQ(logind.inhibitors(), held);
     mayGoOn.release();
-    EXPECT_TRUE(logind.comesToHave({}));
+    EXPECT_TRUE(logind.eventuallyHas({}));
     EXPECT_TRUE(staysIn(Case::processing));
     logind.prepareForSleep(false);
     mayGoOn.release();
-    ASSERT_TRUE(comesTo(Case::completed));
+    ASSERT_TRUE(reaches(Case::completed));
     EXPECT_EQ(model->values().errorMessage,
               "Recording was interrupted by sleep. The captured audio was saved successfully.");
 }
 
-TEST_F(SleepingRecorderTest, oneThatSavesIsWaitedForAndSavesForItsOwnReason) {
+TEST_F(SleepingRecorderTest, savingDelaysSleepAndKeepsItsReason) {
     record();
     recorder.duringStop = [this] { mayGoOn.acquire(); };
     model->toggleRecording();
-    ASSERT_TRUE(comesTo(Case::processing));
+    ASSERT_TRUE(reaches(Case::processing));
     logind.prepareForSleep(true);
     EXPECT_EQ(logind.inhibitors(), held);
     mayGoOn.release();
-    ASSERT_TRUE(comesTo(Case::completed));
+    ASSERT_TRUE(reaches(Case::completed));
     EXPECT_EQ(model->values().errorMessage, std::nullopt);
-    EXPECT_TRUE(logind.comesToHave({}));
+    EXPECT_TRUE(logind.eventuallyHas({}));
 }
 
 } // namespace

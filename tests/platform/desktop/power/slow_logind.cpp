@@ -39,7 +39,7 @@ SlowLogind::~SlowLogind() {
     ::close(pipe_[0]);
 }
 
-bool SlowLogind::comesToBeAsked(int times) const {
+bool SlowLogind::isEventuallyAsked(int times) const {
     return EventLoop::runUntil([&] { return asked_ >= times; });
 }
 
@@ -52,10 +52,10 @@ void SlowLogind::prepareForSleep() {
 
 bool SlowLogind::isHeld() const {
     char byte = 0;
-    return ::read(pipe_[0], &byte, 1) < 0; // otherwise the end is reached
+    return ::read(pipe_[0], &byte, 1) < 0; // otherwise end of file
 }
 
-bool SlowLogind::comesToBeGivenUp() const {
+bool SlowLogind::isEventuallyReleased() const {
     bool closed = false;
     QSocketNotifier notifier(pipe_[0], QSocketNotifier::Read);
     QObject::connect(&notifier, &QSocketNotifier::activated, [&] {
@@ -75,7 +75,7 @@ QDBusMessage SlowLogind::inhibit(const QDBusMessage& question) {
     }
     mayAnswer_.acquire();
     handedOut_ = true;
-    const QDBusUnixFileDescriptor lock(pipe_[1]); // a copy
+    const QDBusUnixFileDescriptor lock(pipe_[1]); // duplicates the descriptor
     ::close(pipe_[1]);
     return question.createReply(QVariant::fromValue(lock));
 }

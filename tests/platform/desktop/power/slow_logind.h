@@ -11,8 +11,8 @@
 
 namespace vantoro::testing {
 
-/// A login manager that answers the first who holds off sleep not until it is told to, and refuses
-/// all others. Main thread; what waits for it runs the event loop.
+/// A login manager that answers the first inhibit request on demand, and refuses all others. Main
+/// thread; waiting functions run the event loop.
 class SlowLogind {
 public:
     explicit SlowLogind(const PrivateBus& systemBus);
@@ -20,25 +20,25 @@ public:
     SlowLogind& operator=(const SlowLogind&) = delete;
     ~SlowLogind();
 
-    /// Whether it comes to be asked so many times to hold off sleep.
-    bool comesToBeAsked(int times) const;
+    /// Whether it eventually receives this many inhibit requests.
+    bool isEventuallyAsked(int times) const;
 
     void answer() { mayAnswer_.release(); }
 
     static void prepareForSleep();
 
-    /// Whether the first who asked, answered or not, may still keep what it asked for.
+    /// Whether the first caller, answered or not, may still hold its lock.
     bool isHeld() const;
-    bool comesToBeGivenUp() const;
+    bool isEventuallyReleased() const;
 
 private:
     QDBusMessage inhibit(const QDBusMessage& question);
 
-    std::array<int, 2> pipe_{}; ///< held for as long as its writing end is open anywhere
+    std::array<int, 2> pipe_{}; ///< held while its write end is open anywhere
     std::counting_semaphore<2> mayAnswer_{0};
     bool handedOut_ = false; ///< on the service's thread
     int asked_ = 0;
-    QObject mainThread_; ///< what has not arrived when it ends does not arrive
+    QObject mainThread_; ///< drops pending calls on destruction
     BusService service_;
 };
 

@@ -17,40 +17,40 @@ protected:
     void SetUp() override {
         start();
         held = hold();
-        ASSERT_TRUE(logind.comesToBeAsked(1));
+        ASSERT_TRUE(logind.isEventuallyAsked(1));
     }
 
-    /// What it had sent before has reached us then.
+    /// Afterwards everything that it had sent before has arrived.
     void awaitAnswer() {
         bool sleeping = false;
         const auto observation = power->observe([&] { sleeping = true; }, [] {});
         const auto another = hold();
-        ASSERT_TRUE(logind.comesToBeAsked(2)); // so the first is answered
+        ASSERT_TRUE(logind.isEventuallyAsked(2)); // so the first is answered
         SlowLogind::prepareForSleep();
         ASSERT_TRUE(EventLoop::runUntil([&] { return sleeping; }));
     }
 };
 
-TEST_F(SlowLogindTest, lateAnswerIsOfUse) {
+TEST_F(SlowLogindTest, lateLockTakesEffect) {
     logind.answer();
     awaitAnswer();
     EXPECT_TRUE(logind.isHeld());
     held.reset();
-    EXPECT_TRUE(logind.comesToBeGivenUp());
+    EXPECT_TRUE(logind.isEventuallyReleased());
 }
 
-TEST_F(SlowLogindTest, answerAfterTheEndIsGivenUpAtOnce) {
+TEST_F(SlowLogindTest, lockGrantedAfterTheEndIsReleasedAtOnce) {
     held.reset();
-    EXPECT_TRUE(logind.isHeld()); // for all it knows
+    EXPECT_TRUE(logind.isHeld()); // as far as it knows
     logind.answer();
-    EXPECT_TRUE(logind.comesToBeGivenUp());
+    EXPECT_TRUE(logind.isEventuallyReleased());
 }
 
-TEST_F(SlowLogindTest, answerToNobodyIsGivenUpToo) {
+TEST_F(SlowLogindTest, lockGrantedAfterPowerManagementEndsIsReleased) {
     held.reset();
     power.reset();
     logind.answer();
-    EXPECT_TRUE(logind.comesToBeGivenUp());
+    EXPECT_TRUE(logind.isEventuallyReleased());
 }
 
 TEST_F(SlowLogindTest, silenceKeepsNobodyWaiting) {

@@ -17,7 +17,7 @@ TEST(SignalPaceTest, firstIsToldAtOnce) {
     EXPECT_EQ(pace.waitAt(SignalPace::Moment{}), 0ms);
 }
 
-TEST(SignalPaceTest, nextWaitsForWhatIsLeftOfTheDistance) {
+TEST(SignalPaceTest, nextWaitsForTheRestOfTheInterval) {
     const SignalPace::Moment begin{};
     SignalPace pace;
     pace.signalledAt(begin);

@@ -28,7 +28,7 @@ protected:
         watched->setAvailabilityChanged([this] { ++changes; });
     }
 
-    bool comesToChange(int times) {
+    bool eventuallyChanges(int times) {
         return EventLoop::runUntil([&] { return changes >= times; });
     }
 };
@@ -38,37 +38,37 @@ TEST_F(StatusNotifierAreaTest, isNotKnownBeforeTheBusHasAnswered) {
 }
 
 TEST_F(StatusNotifierAreaTest, isNotAvailableWithoutAWatcher) {
-    ASSERT_TRUE(comesToChange(1));
+    ASSERT_TRUE(eventuallyChanges(1));
     EXPECT_EQ(watched->isAvailable(), false);
 }
 
 TEST_F(StatusNotifierAreaTest, isAvailableWithAWatcherAndAPanel) {
     watcher.emplace(bus);
     watch();
-    ASSERT_TRUE(comesToChange(1));
+    ASSERT_TRUE(eventuallyChanges(1));
     EXPECT_EQ(watched->isAvailable(), true);
 }
 
 TEST_F(StatusNotifierAreaTest, comesAndGoesWithTheWatcher) {
-    ASSERT_TRUE(comesToChange(1));
+    ASSERT_TRUE(eventuallyChanges(1));
     watcher.emplace(bus);
-    ASSERT_TRUE(comesToChange(2));
+    ASSERT_TRUE(eventuallyChanges(2));
     EXPECT_EQ(watched->isAvailable(), true);
     watcher.reset();
-    ASSERT_TRUE(comesToChange(3));
+    ASSERT_TRUE(eventuallyChanges(3));
     EXPECT_EQ(watched->isAvailable(), false);
 }
 
 TEST_F(StatusNotifierAreaTest, comesAndGoesWithThePanel) {
     watcher.emplace(bus, false);
     watch();
-    ASSERT_TRUE(comesToChange(1));
+    ASSERT_TRUE(eventuallyChanges(1));
     EXPECT_EQ(watched->isAvailable(), false);
     watcher->setHasPanel(true);
-    ASSERT_TRUE(comesToChange(2));
+    ASSERT_TRUE(eventuallyChanges(2));
     EXPECT_EQ(watched->isAvailable(), true);
     watcher->setHasPanel(false);
-    ASSERT_TRUE(comesToChange(3));
+    ASSERT_TRUE(eventuallyChanges(3));
     EXPECT_EQ(watched->isAvailable(), false);
 }
 
@@ -78,7 +78,7 @@ TEST_F(StatusNotifierAreaTest, watcherThatDoesNotSayIsTakenForAPanel) {
                                  return question.createErrorReply(QDBusError::UnknownProperty, "");
                              });
     watch();
-    ASSERT_TRUE(comesToChange(1));
+    ASSERT_TRUE(eventuallyChanges(1));
     EXPECT_EQ(watched->isAvailable(), true);
 }
 
@@ -98,7 +98,7 @@ TEST_F(StatusNotifierAreaTest, isNotKnownOnABusThatHangsAndKeepsNobodyWaiting) {
     timer.start();
     {
         const desktop::StatusNotifierArea hanging(silent.address());
-        ASSERT_TRUE(comesToChange(1)); // of the other, whose bus answers
+        ASSERT_TRUE(eventuallyChanges(1)); // on the other bus, which answers
         EXPECT_EQ(hanging.isAvailable(), std::nullopt);
         EXPECT_TRUE(silent.isConnectedTo()); // it was asked
     }

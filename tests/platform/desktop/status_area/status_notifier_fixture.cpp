@@ -50,7 +50,7 @@ StatusNotifierTest::StatusNotifierTest() {
                          signal + "'",
                      [this, signal](desktop::BusMessage&) { ++heard_[signal]; });
     }
-    bool listening = false; // what it is asked afterwards is answered afterwards
+    bool listening = false; // calls are answered in order
     ears_.call({.service = "org.freedesktop.DBus",
                 .path = "/org/freedesktop/DBus",
                 .interface = "org.freedesktop.DBus",
@@ -75,7 +75,7 @@ QDBusMessage StatusNotifierTest::call(const QString& item, const QString& interf
                                       const QString& method, const QVariantList& arguments) {
     auto question = QDBusMessage::createMethodCall(item, "/StatusNotifierItem", interface, method);
     question.setArguments(arguments);
-    // The item answers on this thread, which must not wait for it.
+    // The item answers on this thread, so do not block it.
     const QDBusPendingCallWatcher watcher(panel_.asyncCall(question));
     EXPECT_TRUE(EventLoop::runUntil([&] { return watcher.isFinished(); }));
     return watcher.reply();
@@ -105,7 +105,7 @@ int StatusNotifierTest::heard(const std::string& signal) const {
     return found == heard_.end() ? 0 : found->second;
 }
 
-void StatusNotifierTest::letThePacePass() {
+void StatusNotifierTest::waitForPace() {
     bool passed = false;
     QTimer timer;
     timer.setTimerType(Qt::PreciseTimer);

@@ -18,12 +18,12 @@
 
 namespace vantoro::testing {
 
-/// A watcher of status notifier items, which writes down who registers.
+/// A watcher that records the registrations.
 class TestWatcher {
 public:
     explicit TestWatcher(const PrivateBus& bus, bool hasPanel = true);
 
-    /// As they were registered: by a name on the bus or a path.
+    /// As registered: bus names or paths.
     const QStringList& items() const { return *items_; }
 
     void setHasPanel(bool hasPanel);
@@ -34,7 +34,7 @@ private:
     BusService service_;
 };
 
-/// A status area, and a panel that looks at what is in it.
+/// A status area, and a panel that reads its items.
 class StatusNotifierTest : public ::testing::Test {
 public:
     StatusNotifierTest(const StatusNotifierTest&) = delete;
@@ -51,23 +51,23 @@ protected:
     std::unique_ptr<StatusItem> makeItem(const std::string& identifier = "an-item",
                                          const std::string& toolTip = "tool tip");
 
-    /// What the item answers.
+    /// The item's answer.
     QDBusMessage call(const QString& item, const QString& interface, const QString& method,
                       const QVariantList& arguments = {});
     QDBusMessage callItem(const QString& item, const QString& method,
                           const QVariantList& arguments = {});
-    /// Without waiting for an answer.
+    /// Does not wait for an answer.
     void postToItem(const QString& item, const QString& method, const QVariantList& arguments);
     QVariantMap propertiesOf(const QString& item);
 
-    /// How often the panel heard this signal, from whichever item.
+    /// How often the panel received this signal, from any item.
     int heard(const std::string& signal) const;
-    /// For the panel to be told of anything that there is to tell.
-    static void letThePacePass();
+    /// Waits until another signal may be sent.
+    static void waitForPace();
 
-    /// A picture of its own for each number.
+    /// A different picture for each number.
     static StatusImage picture(int number);
-    /// What a panel gets of the item's picture: as above, when it is the same.
+    /// The item's picture as a panel receives it; comparable with the above.
     StatusImage pictureOf(const QString& item);
 
 private:

@@ -17,7 +17,7 @@
 namespace vantoro::testing {
 namespace {
 
-/// With one watcher from the beginning.
+/// With one watcher from the start.
 class StatusNotifierItemTest : public StatusNotifierTest {
 protected:
     std::optional<TestWatcher> watcher{std::in_place, bus};
@@ -80,7 +80,7 @@ TEST_F(StatusNotifierItemTest, panelReadsTheToolTip) {
     EXPECT_EQ(icon + text, "");
 }
 
-TEST_F(StatusNotifierItemTest, clickComesWithTheTokenThatWasGivenForIt) {
+TEST_F(StatusNotifierItemTest, clickHasItsActivationToken) {
     const auto item = makeItem();
     const auto name = registeredItem();
     callItem(name, "ProvideXdgActivationToken", {"token"});
@@ -100,7 +100,7 @@ TEST_F(StatusNotifierItemTest, everyButtonIsAClickAndTheWheelIsNot) {
     EXPECT_EQ(clicks.size(), 2);
 }
 
-TEST_F(StatusNotifierItemTest, clickMayEndTheItemAndIsThenTheLast) {
+TEST_F(StatusNotifierItemTest, clickMayDestroyTheItem) {
     int count = 0;
     std::unique_ptr<StatusItem> item;
     item = area.makeItem({.identifier = "an-item", .toolTip = "", .clicked = [&](const auto&) {
@@ -145,30 +145,30 @@ TEST_F(StatusNotifierItemTest, itemWhoseNameIsTakenIsRegisteredByItsConnection) 
     EXPECT_EQ(registeredItem(1), "/StatusNotifierItem");
 }
 
-TEST_F(StatusNotifierItemTest, panelIsToldOfANewPicture) {
+TEST_F(StatusNotifierItemTest, newPictureIsSignalled) {
     const auto item = makeItem();
     const auto name = registeredItem();
     item->setImage(picture(1), "tool tip");
     ASSERT_TRUE(EventLoop::runUntil([&] { return heard("NewIcon") == 1; }));
     EXPECT_EQ(pictureOf(name), picture(1));
-    letThePacePass();
+    waitForPace();
     EXPECT_EQ(heard("NewIcon"), 1);
     EXPECT_EQ(heard("NewTitle"), 0);
 }
 
-TEST_F(StatusNotifierItemTest, panelIsNotToldOfAPictureThatIsTheSame) {
+TEST_F(StatusNotifierItemTest, equalPictureIsNotSignalled) {
     const auto item = makeItem();
     const auto name = registeredItem();
     item->setImage(picture(1), "tool tip");
-    letThePacePass();
+    waitForPace();
     item->setImage(picture(1), "tool tip");
-    letThePacePass();
+    waitForPace();
     item->setImage(picture(1), "tool tip");
-    letThePacePass();
+    waitForPace();
     EXPECT_EQ(heard("NewIcon"), 1);
 }
 
-TEST_F(StatusNotifierItemTest, panelIsToldOfANewDescription) {
+TEST_F(StatusNotifierItemTest, newDescriptionIsSignalled) {
     const auto item = makeItem();
     const auto name = registeredItem();
     item->setImage({}, "read aloud");
@@ -178,7 +178,7 @@ TEST_F(StatusNotifierItemTest, panelIsToldOfANewDescription) {
     EXPECT_EQ(propertiesOf(name)["Title"], "read aloud");
 }
 
-TEST_F(StatusNotifierItemTest, burstIsToldOfAtItsBeginningAndItsEnd) {
+TEST_F(StatusNotifierItemTest, burstIsSignalledAtItsStartAndEnd) {
     const auto item = makeItem();
     const auto name = registeredItem();
     QElapsedTimer timer;
@@ -186,16 +186,16 @@ TEST_F(StatusNotifierItemTest, burstIsToldOfAtItsBeginningAndItsEnd) {
     for (int number = 1; number <= 200; ++number) {
         item->setImage(picture(number), "tool tip");
     }
-    // A burst that a busy machine draws out has more to tell of in between.
+    // On a busy machine a burst takes longer and has more signals.
     const auto most = 2 + (timer.elapsed() / desktop::SignalPace::leastDistance.count());
     ASSERT_TRUE(EventLoop::runUntil([&] { return heard("NewIcon") >= 2; }));
     EXPECT_EQ(pictureOf(name), picture(200));
-    letThePacePass();
+    waitForPace();
     EXPECT_GE(heard("NewIcon"), 2);
     EXPECT_LE(heard("NewIcon"), most);
 }
 
-TEST_F(StatusNotifierItemTest, longBurstIsToldOfFifteenTimesASecond) {
+TEST_F(StatusNotifierItemTest, longBurstIsSignalledFifteenTimesASecond) {
     const auto item = makeItem();
     registeredItem();
     QElapsedTimer timer;
@@ -208,14 +208,14 @@ TEST_F(StatusNotifierItemTest, longBurstIsToldOfFifteenTimesASecond) {
     EXPECT_GE(timer.elapsed(), 9'000 / 15);
 }
 
-TEST_F(StatusNotifierItemTest, nobodyIsToldOfAnythingWithoutAWatcher) {
+TEST_F(StatusNotifierItemTest, nothingIsSignalledWithoutAWatcher) {
     const auto item = makeItem();
     registeredItem();
     watcher.reset();
     ASSERT_TRUE(EventLoop::runUntil([&] { return area.isAvailable() == false; }));
-    letThePacePass();
+    waitForPace();
     item->setImage(picture(1), "another");
-    letThePacePass();
+    waitForPace();
     EXPECT_EQ(heard("NewIcon"), 0);
 }
 
