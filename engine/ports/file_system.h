@@ -13,7 +13,7 @@
 namespace vantoro {
 
 /// A file being written. One thread at a time. Every failure is a `FileFailure`. Locked until
-/// destroyed, so that no other process takes it for an abandoned file.
+/// destroyed, so that nothing else takes it for an abandoned file.
 class OutputFile {
 public:
     /// Closes and ignores errors; call `close` to see them.
@@ -45,7 +45,7 @@ public:
     virtual std::size_t readAt(std::uint64_t offset, std::span<std::byte> into) const = 0;
 };
 
-/// Locks a file for its lifetime, or until the process ends.
+/// A lock on a file, held until destroyed or until the process ends.
 class FileLock {
 public:
     virtual ~FileLock() = default;

@@ -76,7 +76,7 @@ TEST(AudioLevel, allChannelsCount) {
 }
 
 TEST(AudioLevel, sumsInSinglePrecisionInTheOrderOfTheSamples) {
-    // Behind 2^19 full samples the squares of an eighth are below what the sum can still tell.
+    // After 2^19 full-scale samples, squares of 1/8 vanish in the rounding of the sum.
     std::vector<float> samples(1U << 20U, 0.125F);
     std::fill_n(samples.begin(), 1U << 19U, 1.0F);
     EXPECT_NEAR(audioLevel(bufferOf(samples, 1)), 0.933104F, 1e-5F);

@@ -41,7 +41,7 @@ TEST(SerialQueue, syncOnTheQueueItselfRunsAtOnce) {
     EXPECT_FALSE(queue.isCurrent());
 }
 
-TEST(SerialQueue, workGivenByWorkRunsToo) {
+TEST(SerialQueue, workQueuedByWorkRunsToo) {
     SerialQueue queue("test");
     std::promise<void> ran;
     queue.async([&] { queue.async([&] { ran.set_value(); }); });
@@ -54,7 +54,7 @@ TEST(SerialQueue, destructionWaitsForTheRunningWorkAndDropsTheRest) {
         std::promise<void> begun;
         std::function<void()> endless;
         SerialQueue queue("test");
-        // Gives itself again each time: a queue that ran all that waits would never end.
+        // Queues itself again each time: draining the queue would never end.
         endless = [&] {
             working = true;
             queue.async(endless);
@@ -109,7 +109,7 @@ TEST(SerialQueue, noSignalIsLost) {
     EXPECT_EQ(seen.load(), 20000);
 }
 
-TEST(SerialQueue, removedSourceRunsNoMore) {
+TEST(SerialQueue, removedSourceNoLongerRuns) {
     SerialQueue queue("test");
     int runs = 0;
     {

@@ -24,8 +24,8 @@ TEST(DiskRoomTest, followsFromWhatIsFreeAndWhatTheFinalFileNeeds) {
         std::int64_t minutesLeft;
     };
 
-    // Both tracks take 38.25 kB/s, the final file 34 kB/s of all that was recorded, and the last
-    // half minute and a MiB are not offered.
+    // Both tracks take 38.25 kB/s, the final file 34 kB/s of everything recorded; the last 30
+    // seconds and a MiB are reserved.
     for (const auto& row : {
              Row{46'000'000, 0, bothTracks, tell, 9},
              Row{47'000'000, 0, bothTracks, enough, 10},
@@ -33,16 +33,16 @@ TEST(DiskRoomTest, followsFromWhatIsFreeAndWhatTheFinalFileNeeds) {
              Row{4'000'000, 0, bothTracks, tell, 0},
              Row{3'000'000, 0, bothTracks, end, 0},
              Row{0, 0, bothTracks, end, 0},
-             // An hour's final file takes 122 MB.
+             // The final file of an hour takes 122 MB.
              Row{125'000'000, 3600, bothTracks, end, 0},
              Row{126'000'000, 3600, bothTracks, tell, 0},
              Row{168'000'000, 3600, bothTracks, tell, 9},
              Row{169'000'000, 3600, bothTracks, enough, 10},
-             // One track leaves room for more.
+             // A single track leaves more room.
              Row{31'000'000, 0, microphoneAlone, enough, 10},
              Row{29'000'000, 0, microphoneAlone, tell, 9},
              Row{2'000'000, 0, microphoneAlone, end, 0},
-             // As much as can be said.
+             // The largest representable value.
              Row{unlimited, 0, bothTracks, enough, 2'127'652'142'295},
              Row{unlimited, 1'000'000'000, bothTracks, enough, 2'127'644'299'158},
          }) {
@@ -52,7 +52,7 @@ TEST(DiskRoomTest, followsFromWhatIsFreeAndWhatTheFinalFileNeeds) {
     }
 }
 
-TEST(DiskRoomTest, recordingBeginsWhereHalfAMinuteOfItFits) {
+TEST(DiskRoomTest, recordingMayStartIfHalfAMinuteFits) {
     EXPECT_TRUE(hasRoomToStart(unlimited, bothTracks));
     EXPECT_TRUE(hasRoomToStart(5'500'000, bothTracks));
     EXPECT_FALSE(hasRoomToStart(5'300'000, bothTracks));
@@ -60,25 +60,25 @@ TEST(DiskRoomTest, recordingBeginsWhereHalfAMinuteOfItFits) {
     EXPECT_FALSE(hasRoomToStart(0, microphoneAlone));
 }
 
-TEST(DiskRoomTest, whatEndsInTimeHasRoomForItsFinalFile) {
-    // A disk of one size, filled by nothing but the recording: told and ended in this order.
+TEST(DiskRoomTest, recordingThatEndsInTimeHasRoomForItsFinalFile) {
+    // Only the recording fills the disk: first the warning, then the end.
     constexpr std::uint64_t disk = 60'000'000;
     constexpr std::uint64_t mostBytesPerSecond = 36'000 * 17 / 16;
-    std::int64_t told = -1;
+    std::int64_t reported = -1;
     std::int64_t seconds = 1;
     for (;; seconds += 10) {
         const auto used = static_cast<std::uint64_t>(seconds) * mostBytesPerSecond;
         const auto advice = diskRoom(disk - used, std::chrono::seconds(seconds), bothTracks).advice;
-        if (advice == tell && told < 0) {
-            told = seconds;
+        if (advice == tell && reported < 0) {
+            reported = seconds;
         }
         if (advice == end) {
             break;
         }
     }
-    EXPECT_GT(told, 0);
-    EXPECT_NEAR(static_cast<double>(seconds - told), 600, 15);
-    // The fragment that is being made by then, and the final file of all of it.
+    EXPECT_GT(reported, 0);
+    EXPECT_NEAR(static_cast<double>(seconds - reported), 600, 15);
+    // Enough for the fragment in progress and the whole final file.
     const auto whole = static_cast<std::uint64_t>(seconds + 10);
     EXPECT_LT(whole * mostBytesPerSecond + whole * 32'000 * 17 / 16, disk);
 }

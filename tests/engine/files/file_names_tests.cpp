@@ -37,7 +37,7 @@ TEST_F(OutputNameTest, hoursCountFromMidnightToMidnight) {
     EXPECT_EQ(chosen(), "Vantoro-2025-03-01-003015.m4a");
 }
 
-/// Every look at it takes a minute.
+/// A clock that advances a minute at each query.
 class HurryingClock final : public Clock {
 public:
     double systemUptime() const override { return 0; }
@@ -92,11 +92,11 @@ TEST(TemporaryName, isHiddenAndCarriesARandomUpperCaseUUID) {
 }
 
 TEST(TemporaryName, hasAnyDigitInEachRandomPlaceAndNoneTwice) {
-    std::vector<std::string> digits; // of each name, those of the UUID that are random
+    std::vector<std::string> digits; // the random digits of each name's UUID
     for (int i = 0; i < 500; ++i) {
         auto uuid = temporaryFileName().substr(std::string(".Vantoro-").size(), 36);
         std::erase(uuid, '-');
-        uuid.erase(16, 1); // of four values only
+        uuid.erase(16, 1); // the variant: only four values
         uuid.erase(12, 1); // the version
         digits.push_back(uuid);
     }

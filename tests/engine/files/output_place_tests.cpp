@@ -42,11 +42,11 @@ TEST_F(OutputPlaceTest, isTheNextOneWhereSomebodyExportsOrSomethingOddLies) {
 TEST_F(OutputPlaceTest, isFreeWhereAnExportDied) {
     fileSystem.entries = {"/r/a.exporting.m4a"};
     EXPECT_EQ(place().location(), "/r/a.m4a");
-    EXPECT_TRUE(fileSystem.entries.empty()) << "what the dead left is gone with the place";
+    EXPECT_TRUE(fileSystem.entries.empty()) << "the abandoned file is gone with the place";
 }
 
 TEST_F(OutputPlaceTest, isTheNextOneWhereTheNameWasTakenBeforeTheStagingFileWas) {
-    // Another process publishes between the look at the name and the claim.
+    // Another process publishes between the check of the name and the claim.
     fileSystem.afterClaim = [this] {
         fileSystem.entries.insert("/r/a.m4a");
         fileSystem.afterClaim = {};

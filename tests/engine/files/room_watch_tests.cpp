@@ -20,8 +20,8 @@ class RoomWatchTest : public ::testing::Test {
 protected:
     CallLog log;
     FakeFileSystem fileSystem{log};
-    std::vector<DiskRoom> told;
-    DiskRoomCallback callback = [this](DiskRoom room) { told.push_back(room); };
+    std::vector<DiskRoom> reported;
+    DiskRoomCallback callback = [this](DiskRoom room) { reported.push_back(room); };
     RoomWatch watch{fileSystem, "/recordings", 288000, callback};
 
     void lookWith(std::uint64_t available, std::uint64_t waiting = 0) {
@@ -30,65 +30,65 @@ protected:
     }
 };
 
-TEST_F(RoomWatchTest, saysNothingWhileThereIsEnough) {
+TEST_F(RoomWatchTest, reportsNothingWhileThereIsEnough) {
     watch.checkBeforeStart();
     lookWith(100 * million);
-    EXPECT_TRUE(told.empty());
+    EXPECT_TRUE(reported.empty());
     EXPECT_EQ(log.startingWith("availableSpace").back(), "availableSpace /recordings");
 }
 
-TEST_F(RoomWatchTest, tellsOnceAndOnceThatItMustEnd) {
+TEST_F(RoomWatchTest, reportsShortRoomAndTheEndOnceEach) {
     lookWith(20 * million);
     lookWith(15 * million);
     lookWith(100 * million);
     lookWith(20 * million);
     lookWith(2 * million);
     lookWith(1 * million);
-    EXPECT_EQ(told, (std::vector<DiskRoom>{{tell, 3}, {end, 0}}));
+    EXPECT_EQ(reported, (std::vector<DiskRoom>{{tell, 3}, {end, 0}}));
 }
 
-TEST_F(RoomWatchTest, asksNoMoreWhenItHasSaidThatItMustEnd) {
+TEST_F(RoomWatchTest, stopsCheckingAfterReportingTheEnd) {
     lookWith(2 * million);
     const auto asked = log.calls().size();
     lookWith(2 * million);
     EXPECT_EQ(log.calls().size(), asked);
-    EXPECT_EQ(told, (std::vector<DiskRoom>{{end, 0}}));
+    EXPECT_EQ(reported, (std::vector<DiskRoom>{{end, 0}}));
 }
 
-TEST_F(RoomWatchTest, whatWasToldAtTheStartIsNotToldAgain) {
+TEST_F(RoomWatchTest, reportAtTheStartIsNotRepeated) {
     fileSystem.available = 20 * million;
     watch.checkBeforeStart();
-    EXPECT_EQ(told, (std::vector<DiskRoom>{{tell, 3}}));
+    EXPECT_EQ(reported, (std::vector<DiskRoom>{{tell, 3}}));
     lookWith(15 * million);
-    EXPECT_EQ(told.size(), 1U);
+    EXPECT_EQ(reported.size(), 1U);
 }
 
-TEST_F(RoomWatchTest, whatWaitsForTheDiskIsNoRoom) {
+TEST_F(RoomWatchTest, bytesWaitingForTheDiskAreNotAvailable) {
     lookWith(100 * million, 98 * million);
-    EXPECT_EQ(told, (std::vector<DiskRoom>{{end, 0}}));
+    EXPECT_EQ(reported, (std::vector<DiskRoom>{{end, 0}}));
 }
 
-TEST_F(RoomWatchTest, moreThatWaitsThanThereIsRoomForIsTheEnd) {
+TEST_F(RoomWatchTest, moreBytesWaitingThanAvailableIsTheEnd) {
     lookWith(3 * million, 5 * million);
-    EXPECT_EQ(told, (std::vector<DiskRoom>{{end, 0}}));
+    EXPECT_EQ(reported, (std::vector<DiskRoom>{{end, 0}}));
 }
 
-TEST_F(RoomWatchTest, refusesAStartThatWouldBeOfNoUse) {
+TEST_F(RoomWatchTest, refusesToStartWithTooLittleRoom) {
     fileSystem.available = 5 * million;
     try {
         watch.checkBeforeStart();
-        FAIL() << "it was let start";
+        FAIL() << "the start was allowed";
     } catch (const RecordingError& error) {
         EXPECT_EQ(error.which(), RecordingError::Case::diskTooFull);
     }
-    EXPECT_TRUE(told.empty());
+    EXPECT_TRUE(reported.empty());
 }
 
-TEST_F(RoomWatchTest, diskThatCannotTellItsRoomIsNoReasonToEnd) {
+TEST_F(RoomWatchTest, unknownRoomIsNoReasonToEnd) {
     fileSystem.availableSpaceError = std::make_exception_ptr(std::runtime_error("not counted"));
     EXPECT_NO_THROW(watch.checkBeforeStart());
     lookWith(0);
-    EXPECT_TRUE(told.empty());
+    EXPECT_TRUE(reported.empty());
 }
 
 TEST_F(RoomWatchTest, nobodyNeedsToListen) {

@@ -25,7 +25,7 @@ protected:
     }
 };
 
-TEST_F(SetAsideTest, originalLiesBesideItsFinalFileWhereSalvagePassesOverIt) {
+TEST_F(SetAsideTest, originalLiesBesideItsFinalFileAndSalvageSkipsIt) {
     const auto place = setAsideFor("/r/Vantoro-2026-11-22-193015.m4a");
     EXPECT_EQ(place, "/r/Vantoro-2026-11-22-193015.incomplete.mov");
     EXPECT_EQ(fileSystem.entries, std::set{place});
@@ -54,7 +54,7 @@ TEST_F(SetAsideTest, originalThatCannotBeMovedStays) {
     EXPECT_EQ(fileSystem.entries, std::set{temporary});
 }
 
-TEST_F(SetAsideTest, originalThatHasMovedIsSetAsideWhateverBecomesOfTheFolder) {
+TEST_F(SetAsideTest, movedOriginalIsSetAsideEvenIfTheFolderCannotBeSynced) {
     fileSystem.syncFolderError = std::make_exception_ptr(std::runtime_error("no"));
     EXPECT_EQ(setAsideFor("/r/a.m4a"), "/r/a.incomplete.mov");
 }

@@ -36,12 +36,12 @@ TEST_F(AudioRecorderStart, takesItsStepsInOrder) {
                          "add 1 ch 96000 b/s", "makeStream com.vantoro.capture", "startCapture"}));
 }
 
-TEST_F(AudioRecorderStart, tellsTheWriterWithWhichVolumesItsTracksWillBeMixed) {
+TEST_F(AudioRecorderStart, passesTheExpectedVolumesToTheWriter) {
     recorder.expectVolumes(0.9F, 0.5F);
     recorder.start(bothSources());
     EXPECT_EQ(log.startingWith("expectMix"), std::vector<std::string>{"expectMix 0.90 0.50"});
     recorder.expectVolumes(0.25F, 0.5F);
-    capture.deliver(bufferAt(0), AudioLevelSource::systemAudio); // behind it
+    capture.deliver(bufferAt(0), AudioLevelSource::systemAudio); // queued after it
     EXPECT_EQ(log.startingWith("expectMix").back(), "expectMix 0.25 0.50");
 }
 
@@ -63,7 +63,7 @@ TEST_F(AudioRecorderStart, bothSourcesOffFailsBeforeAnythingIsAsked) {
     EXPECT_TRUE(log.calls().empty());
 }
 
-TEST_F(AudioRecorderStart, whoMayCaptureOnlyWhenAskedAgainRecords) {
+TEST_F(AudioRecorderStart, permissionGrantedOnTheSecondRequestIsEnough) {
     captureAccess.isAllowed = false;
     captureAccess.isAllowedNextTime = true;
     EXPECT_EQ(startError(bothSources()), std::nullopt);
@@ -123,7 +123,7 @@ TEST_F(AudioRecorderStart, microphoneIdentifierIsIgnoredWhileTheMicrophoneIsOff)
     EXPECT_EQ(capture.request.microphoneID, std::nullopt);
 }
 
-TEST_F(AudioRecorderStart, emptyMicrophoneIdentifierIsPassedOnAsItStands) {
+TEST_F(AudioRecorderStart, emptyMicrophoneIdentifierIsPassedOnUnchanged) {
     recorder.start({false, true, "", folder});
     EXPECT_EQ(capture.request.microphoneID, "");
 }
@@ -139,40 +139,40 @@ TEST_F(AudioRecorderStart, diskWithoutRoomFailsBeforeCaptureIsAskedForAndLeavesN
     EXPECT_EQ(startError(bothSources()), Case::diskTooFull);
     EXPECT_FALSE(log.contains("makeStream com.vantoro.capture"));
     EXPECT_TRUE(fileSystem.entries.empty());
-    EXPECT_EQ(startError(microphoneOnly()), std::nullopt) << "which needs less";
+    EXPECT_EQ(startError(microphoneOnly()), std::nullopt) << "one track needs less";
 }
 
-TEST_F(AudioRecorderStart, saysAtOnceThatTheRoomIsShort) {
-    std::vector<DiskRoom> told;
+TEST_F(AudioRecorderStart, reportsShortRoomAtTheStart) {
+    std::vector<DiskRoom> reported;
     recorder.onDiskRoom = [&](DiskRoom room) {
         EXPECT_FALSE(log.contains("startCapture"));
-        told.push_back(room);
+        reported.push_back(room);
     };
     fileSystem.available = 20'000'000;
     recorder.start(bothSources());
-    EXPECT_EQ(told, (std::vector<DiskRoom>{{RoomAdvice::tell, 3}}));
+    EXPECT_EQ(reported, (std::vector<DiskRoom>{{RoomAdvice::tell, 3}}));
 }
 
-TEST_F(AudioRecorderStart, looksAtTheRoomWheneverAFragmentIsOnTheDisk) {
-    std::vector<DiskRoom> told;
-    recorder.onDiskRoom = [&](DiskRoom room) { told.push_back(room); };
+TEST_F(AudioRecorderStart, checksTheRoomAfterEachFragment) {
+    std::vector<DiskRoom> reported;
+    recorder.onDiskRoom = [&](DiskRoom room) { reported.push_back(room); };
     recorder.start(bothSources());
     toolkit.fragmentWritten({48000, 48000}, 0);
-    EXPECT_TRUE(told.empty());
+    EXPECT_TRUE(reported.empty());
     fileSystem.available = 126'000'000;
     toolkit.fragmentWritten({INT64_C(3600) * 48000, 48000}, 0);
     toolkit.fragmentWritten({INT64_C(3610) * 48000, 48000}, 1'000'000);
-    EXPECT_EQ(told, (std::vector<DiskRoom>{{RoomAdvice::tell, 0}, {RoomAdvice::end, 0}}));
+    EXPECT_EQ(reported, (std::vector<DiskRoom>{{RoomAdvice::tell, 0}, {RoomAdvice::end, 0}}));
 }
 
-TEST_F(AudioRecorderStart, everyRecordingIsToldOfItsRoomAnew) {
-    int told = 0;
-    recorder.onDiskRoom = [&](DiskRoom) { ++told; };
+TEST_F(AudioRecorderStart, eachRecordingReportsItsOwnRoom) {
+    int reported = 0;
+    recorder.onDiskRoom = [&](DiskRoom) { ++reported; };
     fileSystem.available = 20'000'000;
     recorder.start(bothSources());
     EXPECT_EQ(errorOf([&] { recorder.stop(1, 1); }), Case::noAudioCaptured);
     recorder.start(bothSources());
-    EXPECT_EQ(told, 2);
+    EXPECT_EQ(reported, 2);
 }
 
 TEST_F(AudioRecorderStart, writerThatCannotBeCreatedFailsWithThatErrorAndLeavesNothing) {

@@ -272,7 +272,7 @@ TEST_F(AudioRecorderStop, temporaryFileThatCannotBeOpenedIsKept) {
     toolkit.exporting.openError = platformError();
     EXPECT_EQ(textOf([&] { recorder.stop(1, 1); }), "the platform's own");
     EXPECT_EQ(fileSystem.temporaryFiles().size(), 1U);
-    EXPECT_FALSE(recorder.hasKeptRecording()) << "as far as anybody can tell";
+    EXPECT_FALSE(recorder.hasKeptRecording()) << "it cannot be read";
 }
 
 TEST_F(AudioRecorderStop, fileThatHoldsNoSoundIsNotCalledARecording) {
@@ -318,53 +318,53 @@ TEST_F(AudioRecorderStop, levelsAreFreshInEveryRecording) {
 }
 
 TEST_F(AudioRecorderStop, mutedMicrophoneIsToldOfOnTheCaptureQueue) {
-    std::vector<std::pair<AudioLevelSource, SourceCondition>> told;
+    std::vector<std::pair<AudioLevelSource, SourceCondition>> reported;
     recorder.onSourceCondition = [&](AudioLevelSource source, SourceCondition condition) {
         EXPECT_TRUE(capture.queue->isCurrent());
-        told.emplace_back(source, condition);
+        reported.emplace_back(source, condition);
     };
     startAndCapture(bothSources());
     capture.muteMicrophone(true);
     capture.muteMicrophone(false);
     recorder.stop(1, 1);
-    EXPECT_EQ(told, (std::vector<std::pair<AudioLevelSource, SourceCondition>>{
-                        {AudioLevelSource::microphone, SourceCondition::muted},
-                        {AudioLevelSource::microphone, SourceCondition::delivering}}));
+    EXPECT_EQ(reported, (std::vector<std::pair<AudioLevelSource, SourceCondition>>{
+                            {AudioLevelSource::microphone, SourceCondition::muted},
+                            {AudioLevelSource::microphone, SourceCondition::delivering}}));
 }
 
-TEST_F(AudioRecorderStop, soundThatCouldNotBeWrittenIsToldAndTheTemporaryFileIsSetAside) {
-    std::vector<SoundLoss> told;
-    recorder.onSoundLoss = [&](const SoundLoss& loss) { told.push_back(loss); };
+TEST_F(AudioRecorderStop, unwrittenSoundIsReportedAndTheTemporaryFileIsSetAside) {
+    std::vector<SoundLoss> reported;
+    recorder.onSoundLoss = [&](const SoundLoss& loss) { reported.push_back(loss); };
     toolkit.writing.secondsNotWritten = 7.5;
     toolkit.writing.error = "No space left on device";
     startAndCapture(bothSources());
     EXPECT_EQ(recorder.stop(1, 1), finalFile);
-    ASSERT_EQ(told.size(), 1U);
-    EXPECT_EQ(told.front().cause, SoundLoss::Cause::notWritten);
-    EXPECT_EQ(told.front().length.count(), 7.5);
-    EXPECT_EQ(told.front().source, std::nullopt);
-    EXPECT_EQ(whatOf(told.front().reason), "No space left on device");
+    ASSERT_EQ(reported.size(), 1U);
+    EXPECT_EQ(reported.front().cause, SoundLoss::Cause::notWritten);
+    EXPECT_EQ(reported.front().length.count(), 7.5);
+    EXPECT_EQ(reported.front().source, std::nullopt);
+    EXPECT_EQ(whatOf(reported.front().reason), "No space left on device");
     auto aside = finalFile;
     aside.replace_extension("incomplete.mov");
     EXPECT_EQ(fileSystem.entries, (std::set<std::filesystem::path>{finalFile, aside}));
     expectIdle();
 }
 
-TEST_F(AudioRecorderStop, soundThatTheFileHadNoRoomForIsTold) {
-    std::vector<SoundLoss> told;
-    recorder.onSoundLoss = [&](const SoundLoss& loss) { told.push_back(loss); };
+TEST_F(AudioRecorderStop, soundThatTheFileHadNoRoomForIsReported) {
+    std::vector<SoundLoss> reported;
+    recorder.onSoundLoss = [&](const SoundLoss& loss) { reported.push_back(loss); };
     startAndCapture(bothSources());
     toolkit.writing.ready = false;
     capture.deliver(bufferAt(256, 2, 480), AudioLevelSource::systemAudio);
     capture.deliver(bufferAt(736, 2, 480), AudioLevelSource::systemAudio);
     capture.deliver(bufferAt(256, 1, 480), AudioLevelSource::microphone);
     recorder.stop(1, 1);
-    ASSERT_EQ(told.size(), 1U);
-    EXPECT_EQ(told.front().cause, SoundLoss::Cause::notWritten);
-    EXPECT_DOUBLE_EQ(told.front().length.count(), 0.02) << "the longer of both";
+    ASSERT_EQ(reported.size(), 1U);
+    EXPECT_EQ(reported.front().cause, SoundLoss::Cause::notWritten);
+    EXPECT_DOUBLE_EQ(reported.front().length.count(), 0.02) << "the longer of both";
 }
 
-TEST_F(AudioRecorderStop, nothingIsToldLostOfARecordingThatIsWhole) {
+TEST_F(AudioRecorderStop, completeRecordingReportsNoLoss) {
     bool isTold = false;
     recorder.onSoundLoss = [&](const SoundLoss&) { isTold = true; };
     startAndCapture(bothSources());
@@ -372,7 +372,7 @@ TEST_F(AudioRecorderStop, nothingIsToldLostOfARecordingThatIsWhole) {
     EXPECT_FALSE(isTold);
 }
 
-TEST_F(AudioRecorderStop, temporaryFileThatIsNotWholeIsSetAside) {
+TEST_F(AudioRecorderStop, incompleteTemporaryFileIsSetAside) {
     toolkit.exporting.isWhole = false;
     startAndCapture(bothSources());
     recorder.stop(1, 1);
@@ -380,21 +380,21 @@ TEST_F(AudioRecorderStop, temporaryFileThatIsNotWholeIsSetAside) {
     EXPECT_EQ(fileSystem.entries.size(), 2U);
 }
 
-TEST_F(AudioRecorderStop, soundThatWasNotTakenInTimeIsTold) {
-    std::vector<SoundLoss> told;
-    recorder.onSoundLoss = [&](const SoundLoss& loss) { told.push_back(loss); };
+TEST_F(AudioRecorderStop, soundNotTakenInTimeIsReported) {
+    std::vector<SoundLoss> reported;
+    recorder.onSoundLoss = [&](const SoundLoss& loss) { reported.push_back(loss); };
     startAndCapture(bothSources());
     capture.loseSound(AudioLevelSource::systemAudio, 2.5);
     capture.loseSound(AudioLevelSource::microphone, 0.25);
     recorder.stop(1, 1);
     constexpr auto cause = SoundLoss::Cause::notTakenInTime;
-    EXPECT_EQ(told,
+    EXPECT_EQ(reported,
               (std::vector<SoundLoss>{
                   {cause, SoundLoss::Duration(2.5), AudioLevelSource::systemAudio, nullptr},
                   {cause, SoundLoss::Duration(0.25), AudioLevelSource::microphone, nullptr}}));
 }
 
-TEST_F(AudioRecorderStop, aLossThatNobodyListensForIsNoFailure) {
+TEST_F(AudioRecorderStop, lossWithoutACallbackIsNoFailure) {
     startAndCapture(bothSources());
     capture.loseSound(AudioLevelSource::systemAudio, 2.5);
     EXPECT_NO_THROW(recorder.stop(1, 1));

@@ -14,7 +14,7 @@
 
 namespace vantoro::testing {
 
-/// A recorder on a platform of fakes.
+/// A recorder with fake ports.
 class RecorderTest : public ::testing::Test {
 protected:
     const std::filesystem::path folder = "/recordings";
@@ -35,7 +35,7 @@ protected:
 
     RecordingOptions systemAudioOnly() const { return {true, false, std::nullopt, folder}; }
 
-    /// The case of the `RecordingError` that `action` throws; none when it throws nothing.
+    /// The case of the `RecordingError` that `action` throws, if any.
     template <class Action>
     static std::optional<RecordingError::Case> errorOf(Action action) {
         try {
@@ -46,7 +46,7 @@ protected:
         return std::nullopt;
     }
 
-    /// The text of whatever `action` throws; none when it throws nothing.
+    /// The text of the exception that `action` throws, if any.
     template <class Action>
     static std::optional<std::string> textOf(Action action) {
         try {
@@ -57,7 +57,7 @@ protected:
         return std::nullopt;
     }
 
-    /// The recorder behaves as a new one does: nothing to stop, and ready to record again.
+    /// Expects the state of a new recorder: nothing to stop, ready to record.
     void expectIdle() {
         EXPECT_EQ(capture.liveStreams, 0);
         EXPECT_EQ(errorOf([this] { recorder.stop(1, 1); }), RecordingError::Case::noAudioCaptured);

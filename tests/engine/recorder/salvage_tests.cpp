@@ -48,7 +48,7 @@ protected:
 
     std::size_t waiting() { return recordingsToRecover(toolkit, fileSystem, "/r"); }
 
-    /// Nothing was made, and all that was there still is.
+    /// Expects no new file and no missing one.
     void expectUntouched() {
         const auto before = fileSystem.entries;
         EXPECT_EQ(recover(), Files());
@@ -56,7 +56,7 @@ protected:
     }
 };
 
-TEST(IncompleteRecording, isToldByItsTwoExtensions) {
+TEST(IncompleteRecording, isRecognizedByItsTwoExtensions) {
     for (const char* name :
          {"a.partial.mov", "b.partial.MOV", "b.partial.Mov", ".partial.partial.mov",
           ".Vantoro-0F6B1C2E-7D4A-4B8E-9C1D-2A3B4C5D6E7F.partial.mov"}) {
@@ -88,7 +88,7 @@ TEST(IncompleteRecording, sameDatesKeepTheirOrder) {
                      "b.partial.mov"}));
 }
 
-TEST_F(SalvageTest, finishesTheOldestFirstAndDeletesWhatItWasMadeFrom) {
+TEST_F(SalvageTest, finishesTheOldestFirstAndDeletesTheOriginals) {
     put("b.partial.MOV", daysAgo(0));
     put("a.partial.mov", daysAgo(1));
     EXPECT_EQ(recover(), finalFiles);
@@ -149,7 +149,7 @@ TEST_F(SalvageTest, fileWithoutATrackStaysAndNoFinalFileRemains) {
     expectUntouched();
 }
 
-TEST_F(SalvageTest, failedExportLeavesTheFileAndNothingElseAndTheOthersHaveTheirTurn) {
+TEST_F(SalvageTest, failedExportKeepsOnlyTheOriginalAndTheOthersGoOn) {
     put("a.partial.mov", daysAgo(2));
     put("b.partial.mov", daysAgo(1));
     toolkit.exporting.duringExport = [this] {
@@ -170,7 +170,7 @@ TEST_F(SalvageTest, fileThatCannotBeDeletedIsNotFinishedEither) {
     EXPECT_TRUE(log.contains("write Vantoro-2025-03-01-093015.exporting.m4a"));
 }
 
-TEST_F(SalvageTest, tellsWhatCouldNotBeSavedAndWhy) {
+TEST_F(SalvageTest, reportsWhatCouldNotBeSavedAndWhy) {
     put("a.partial.mov", daysAgo(2));
     put("b.partial.mov", daysAgo(1));
     fileSystem.removeErrors["/r/a.partial.mov"] = std::make_exception_ptr(std::runtime_error("no"));
@@ -180,7 +180,7 @@ TEST_F(SalvageTest, tellsWhatCouldNotBeSavedAndWhy) {
     EXPECT_EQ(result.recordings.size(), 1U);
 }
 
-TEST_F(SalvageTest, tellsThatTheDiskDoesNotGiveAFileOrTheFolder) {
+TEST_F(SalvageTest, reportsDiskErrorsOfAFileOrTheFolder) {
     const auto failing = [](std::errc reason) {
         return std::make_exception_ptr(std::system_error(std::make_error_code(reason)));
     };
@@ -193,7 +193,7 @@ TEST_F(SalvageTest, tellsThatTheDiskDoesNotGiveAFileOrTheFolder) {
     EXPECT_EQ(failures.front().location, "/r");
 }
 
-TEST_F(SalvageTest, nothingFailedWhereThereIsNothingOrSomebodyElseSavedIt) {
+TEST_F(SalvageTest, missingOrAlreadySavedFileIsNoFailure) {
     const auto gone = std::make_exception_ptr(
         std::system_error(std::make_error_code(std::errc::no_such_file_or_directory)));
     put("a.partial.mov", daysAgo(1));
@@ -211,7 +211,7 @@ TEST_F(SalvageTest, stopIsNoFailure) {
     EXPECT_TRUE(salvage().failures.empty());
 }
 
-TEST_F(SalvageTest, fileThatSomebodyHasLockedStays) {
+TEST_F(SalvageTest, lockedFileStays) {
     put("a.partial.mov", daysAgo(1));
     fileSystem.locked.insert("/r/a.partial.mov");
     expectUntouched();
@@ -283,7 +283,7 @@ TEST_F(SalvageTest, stopDuringAnExportRemovesItsFileAndKeepsTheRecording) {
     EXPECT_EQ(log.startingWith("write").size(), 1U);
 }
 
-TEST_F(SalvageTest, recordingsThatWaitAreCountedAndLeftAlone) {
+TEST_F(SalvageTest, unfinishedRecordingsAreCountedAndLeftAlone) {
     EXPECT_EQ(waiting(), 0U);
     put("a.partial.mov", daysAgo(2));
     put("b.partial.MOV", daysAgo(1));
@@ -293,14 +293,14 @@ TEST_F(SalvageTest, recordingsThatWaitAreCountedAndLeftAlone) {
     EXPECT_EQ(fileSystem.entries, before);
 }
 
-TEST_F(SalvageTest, recordingInUseDoesNotWait) {
+TEST_F(SalvageTest, recordingInUseIsNotCounted) {
     put("a.partial.mov", daysAgo(1));
     fileSystem.locked.insert("/r/a.partial.mov");
     EXPECT_EQ(waiting(), 0U);
     EXPECT_TRUE(log.startingWith("openRecording").empty());
 }
 
-TEST_F(SalvageTest, whatCannotBecomeARecordingDoesNotWait) {
+TEST_F(SalvageTest, unrecoverableFileIsNotCounted) {
     put("a.partial.mov", daysAgo(1));
     toolkit.exporting.duration = zeroTime;
     EXPECT_EQ(waiting(), 0U);

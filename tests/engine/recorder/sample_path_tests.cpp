@@ -14,7 +14,7 @@ namespace {
 
 using enum AudioLevelSource;
 
-/// The path alone, on the test's own thread.
+/// The path by itself, on the test's thread.
 class SamplePathTest : public ::testing::Test {
 protected:
     CallLog log;
@@ -158,7 +158,7 @@ TEST_F(SamplePathTest, nothingIsMeteredAfterAnInterruption) {
     EXPECT_EQ(interruptions, std::vector<std::string>{"gone"});
 }
 
-TEST_F(SamplePathTest, quietlyRecordedErrorStopsTheWritingButTellsNobody) {
+TEST_F(SamplePathTest, silentlyRecordedErrorStopsWritingWithoutAReport) {
     path.recordErrorIfNone(std::make_exception_ptr(std::runtime_error("late")));
     path.append(bufferAt(0), systemAudio);
     EXPECT_TRUE(interruptions.empty());
@@ -170,7 +170,7 @@ TEST_F(SamplePathTest, aSingleFrameIsWritten) {
     EXPECT_EQ(written(), std::vector<std::string>{"append system 0"});
 }
 
-TEST_F(SamplePathTest, nothingIsTakenOnceTheRecordingIsOver) {
+TEST_F(SamplePathTest, nothingIsAppendedAfterTheRecording) {
     path.append(bufferAt(0), systemAudio);
     path.disarm();
     path.append(bufferAt(256), systemAudio);
@@ -196,7 +196,7 @@ TEST_F(SamplePathTest, finishMarksTheSystemsTrackThenTheMicrophonesThenFinishes)
     EXPECT_EQ(end, (std::vector<std::string>{"end system", "end microphone", "finish"}));
 }
 
-TEST_F(SamplePathTest, silentOrMutedSourceIsToldOfAndForgottenWithTheRecording) {
+TEST_F(SamplePathTest, silentOrMutedSourceIsReportedAndForgottenWithTheRecording) {
     for (std::int64_t frame = 0; frame <= 480000; frame += 4096) {
         path.append(bufferAt(frame, 1, 4096, 0), microphone);
     }

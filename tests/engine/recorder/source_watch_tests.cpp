@@ -19,12 +19,12 @@ using enum SourceCondition;
 
 class SourceWatchTest : public ::testing::Test {
 protected:
-    using Told = std::vector<std::pair<AudioLevelSource, SourceCondition>>;
+    using Reports = std::vector<std::pair<AudioLevelSource, SourceCondition>>;
 
     SourceWatch watch;
-    Told told;
+    Reports reported;
     SourceConditionCallback collect = [this](AudioLevelSource source, SourceCondition condition) {
-        told.emplace_back(source, condition);
+        reported.emplace_back(source, condition);
     };
 
     void hear(AudioLevelSource source, double seconds, float value) {
@@ -36,23 +36,23 @@ protected:
     }
 };
 
-TEST_F(SourceWatchTest, tenSecondsOfZerosAreNoticedOnceAndNotBefore) {
+TEST_F(SourceWatchTest, tenSecondsOfZerosAreReportedOnceAndNotBefore) {
     hear(microphone, 9.99, 0);
-    EXPECT_TRUE(told.empty());
+    EXPECT_TRUE(reported.empty());
     hear(microphone, 0.01, 0);
-    EXPECT_EQ(told, (Told{{microphone, silent}}));
+    EXPECT_EQ(reported, (Reports{{microphone, silent}}));
     hear(microphone, 60, 0);
-    EXPECT_EQ(told.size(), 1U);
+    EXPECT_EQ(reported.size(), 1U);
 }
 
-TEST_F(SourceWatchTest, theSmallestSoundEndsSilenceAndBeginsItsCountAnew) {
+TEST_F(SourceWatchTest, theSmallestSoundEndsSilenceAndRestartsTheCount) {
     hear(systemAudio, 10, 0);
     hear(systemAudio, 0.01, 1e-30F);
-    EXPECT_EQ(told, (Told{{systemAudio, silent}, {systemAudio, delivering}}));
+    EXPECT_EQ(reported, (Reports{{systemAudio, silent}, {systemAudio, delivering}}));
     hear(systemAudio, 9.99, 0);
-    EXPECT_EQ(told.size(), 2U);
+    EXPECT_EQ(reported.size(), 2U);
     hear(systemAudio, 0.01, 0);
-    EXPECT_EQ(told.size(), 3U);
+    EXPECT_EQ(reported.size(), 3U);
 }
 
 TEST_F(SourceWatchTest, aSingleSampleThatIsNotZeroIsSound) {
@@ -63,37 +63,37 @@ TEST_F(SourceWatchTest, aSingleSampleThatIsNotZeroIsSound) {
     hear(microphone, 9.99, 0);
     watch.observe(buffer, microphone, collect);
     hear(microphone, 9.99, 0);
-    EXPECT_TRUE(told.empty());
+    EXPECT_TRUE(reported.empty());
 }
 
-TEST_F(SourceWatchTest, sourcesAreWatchedEachByItself) {
+TEST_F(SourceWatchTest, sourcesAreWatchedIndependently) {
     hear(systemAudio, 6, 0);
     hear(microphone, 6, 0);
-    EXPECT_TRUE(told.empty());
+    EXPECT_TRUE(reported.empty());
     hear(systemAudio, 4, 0);
     hear(microphone, 4, 0.5F);
-    EXPECT_EQ(told, (Told{{systemAudio, silent}}));
+    EXPECT_EQ(reported, (Reports{{systemAudio, silent}}));
 }
 
-TEST_F(SourceWatchTest, obstaclesAreToldEachOfItsSource) {
+TEST_F(SourceWatchTest, obstaclesAreReportedPerSource) {
 
     watch.setObstacle(AudioLevelSource::systemAudio, SourceCondition::coded, collect);
     watch.setObstacle(microphone, muted, collect);
     watch.setObstacle(AudioLevelSource::systemAudio, SourceCondition::delivering, collect);
-    EXPECT_EQ(told, (Told{{AudioLevelSource::systemAudio, SourceCondition::coded},
-                          {microphone, muted},
-                          {AudioLevelSource::systemAudio, SourceCondition::delivering}}));
+    EXPECT_EQ(reported, (Reports{{AudioLevelSource::systemAudio, SourceCondition::coded},
+                                 {microphone, muted},
+                                 {AudioLevelSource::systemAudio, SourceCondition::delivering}}));
 }
 
-TEST_F(SourceWatchTest, mutedIsToldAtOnceAndBeforeSilence) {
+TEST_F(SourceWatchTest, mutedIsReportedAtOnceAndBeforeSilence) {
     watch.setObstacle(microphone, SourceCondition::muted, collect);
     watch.setObstacle(microphone, SourceCondition::muted, collect);
     hear(microphone, 20, 0);
-    EXPECT_EQ(told, (Told{{microphone, muted}}));
+    EXPECT_EQ(reported, (Reports{{microphone, muted}}));
     watch.setObstacle(microphone, SourceCondition::delivering, collect);
-    EXPECT_EQ(told, (Told{{microphone, muted}, {microphone, silent}}));
+    EXPECT_EQ(reported, (Reports{{microphone, muted}, {microphone, silent}}));
     hear(microphone, 0.01, 0.5F);
-    EXPECT_EQ(told.back().second, delivering);
+    EXPECT_EQ(reported.back().second, delivering);
 }
 
 TEST_F(SourceWatchTest, bufferWithoutAFormatIsNoSilence) {
@@ -102,55 +102,55 @@ TEST_F(SourceWatchTest, bufferWithoutAFormatIsNoSilence) {
     for (int i = 0; i < 1000; ++i) {
         watch.observe(buffer, microphone, collect);
     }
-    EXPECT_TRUE(told.empty());
+    EXPECT_TRUE(reported.empty());
 }
 
 TEST_F(SourceWatchTest, bufferWithoutASampleRateIsNoSilence) {
     auto buffer = bufferAt(0, 1, 4096, 0);
     buffer.format->sampleRate = 0;
     watch.observe(buffer, microphone, collect);
-    EXPECT_TRUE(told.empty());
+    EXPECT_TRUE(reported.empty());
 }
 
 TEST_F(SourceWatchTest, countsFrameByFrame) {
     for (const bool afterSound : {false, true}) {
         SourceWatch other;
-        told.clear();
+        reported.clear();
         if (afterSound) {
             other.observe(bufferAt(0, 1, 480, 0.5F), microphone, collect);
         }
         auto buffer = bufferAt(0, 1, 9, 0);
         buffer.format->sampleRate = 1;
         other.observe(buffer, microphone, collect);
-        EXPECT_TRUE(told.empty());
+        EXPECT_TRUE(reported.empty());
         buffer = bufferAt(0, 1, 1, 0);
         buffer.format->sampleRate = 1;
         other.observe(buffer, microphone, collect);
-        EXPECT_EQ(told, (Told{{microphone, silent}}));
+        EXPECT_EQ(reported, (Reports{{microphone, silent}}));
     }
 }
 
-TEST_F(SourceWatchTest, microphoneThatIsSwitchedOnIsNoNews) {
+TEST_F(SourceWatchTest, unmutedMicrophoneIsNotReported) {
     watch.setObstacle(microphone, SourceCondition::delivering, collect);
-    EXPECT_TRUE(told.empty());
+    EXPECT_TRUE(reported.empty());
 }
 
-TEST_F(SourceWatchTest, resetForgetsWhatWasToldAndHeard) {
+TEST_F(SourceWatchTest, resetForgetsReportsAndSilence) {
     hear(microphone, 10, 0);
     watch.setObstacle(microphone, SourceCondition::muted, collect);
     watch.reset();
-    told.clear();
+    reported.clear();
     hear(microphone, 9.99, 0);
-    EXPECT_TRUE(told.empty());
+    EXPECT_TRUE(reported.empty());
     hear(microphone, 0.01, 0);
-    EXPECT_EQ(told, (Told{{microphone, silent}}));
+    EXPECT_EQ(reported, (Reports{{microphone, silent}}));
 }
 
 TEST_F(SourceWatchTest, nobodyNeedsToListen) {
     collect = nullptr;
     hear(microphone, 10, 0);
     watch.setObstacle(microphone, SourceCondition::muted, collect);
-    EXPECT_TRUE(told.empty());
+    EXPECT_TRUE(reported.empty());
 }
 
 } // namespace

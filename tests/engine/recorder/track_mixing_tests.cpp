@@ -115,7 +115,7 @@ TEST_F(TrackMixingTest, fileThatAppearedAtTheDestinationStaysAndTheNextNameIsTak
     EXPECT_EQ(fileSystem.entries, (std::set{destination, location}));
 }
 
-TEST_F(TrackMixingTest, failureRemovesNothingThatSomebodyElseMade) {
+TEST_F(TrackMixingTest, failureRemovesNoFilesOfOthers) {
     toolkit.exporting.duringExport = [this] { fileSystem.entries.insert(destination); };
     toolkit.exporting.exportError = platformError();
     EXPECT_EQ(failureOf(), "the platform's own");
