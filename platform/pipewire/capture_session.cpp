@@ -246,7 +246,7 @@ void CaptureSession::tick() {
         checkStarted();
     } else if (phase_ == Phase::running) {
         if (linker_.forgetFailed() || orphans_.awaitsManager() ||
-            (followed_ && !isMicrophoneThere())) {
+            (followed_ && !isMicrophonePresent())) {
             updateEvent_.request();
         }
         for (const auto& [output, tap] : taps_) {
@@ -261,7 +261,7 @@ void CaptureSession::tick() {
     }
 }
 
-bool CaptureSession::isMicrophoneThere() const {
+bool CaptureSession::isMicrophonePresent() const {
     return deviceOf(mirror_.graph(), followed_->source()) != nullptr;
 }
 
@@ -269,14 +269,14 @@ bool CaptureSession::microphoneRuns() const {
     return !followed_ || (microphone_ && hasSettled(*microphone_));
 }
 
-bool CaptureSession::allRun() const {
+bool CaptureSession::allStreamsRun() const {
     const bool tapsRun =
         std::ranges::all_of(taps_, [](const auto& entry) { return hasSettled(*entry.second); });
     const bool ignoreTaps = std::chrono::steady_clock::now() - startedAt_ > tapStartLimit;
     return (tapsRun || ignoreTaps) && microphoneRuns();
 }
 
-std::int64_t CaptureSession::beginning() const {
+std::int64_t CaptureSession::startPosition() const {
     std::vector<std::uint64_t> stamps{microphone_ ? microphone_->feed()->heardSince.load() : 0};
     for (const auto& [output, tap] : taps_) {
         stamps.push_back(tap->feed()->heardSince.load());
@@ -286,17 +286,17 @@ std::int64_t CaptureSession::beginning() const {
 
 void CaptureSession::checkStarted() {
     if (!failure_ && (taps_.size() == outputs(mirror_.graph()).size() || !request_.systemAudio) &&
-        allRun()) {
+        allStreamsRun()) {
         phase_ = Phase::running;
         timer_.setInterval(runningInterval);
-        delivery_->begin(beginning());
+        delivery_->begin(startPosition());
         settled_.set();
     }
 }
 
 void CaptureSession::checkStalls() {
     capture::CaptureWatch::Observation observation{
-        .isMicrophoneAway = followed_ && !isMicrophoneThere(),
+        .isMicrophoneAway = followed_ && !isMicrophonePresent(),
         .monotonic = capture::nanosecondsOn(CLOCK_MONOTONIC),
         .boottime = capture::nanosecondsOn(CLOCK_BOOTTIME)};
     for (const auto& [output, tap] : taps_) {

@@ -63,14 +63,14 @@ private:
     void updateMicrophone();
     void recordMicrophone(const capture::Microphone& source);
     void close(std::unique_ptr<InputStream>& stream);
-    bool isMicrophoneThere() const;
+    bool isMicrophonePresent() const;
     void reportObstacle(AudioLevelSource source, SourceCondition obstacle);
     void tick();
     void checkStarted();
     void checkStalls();
     bool microphoneRuns() const;
-    bool allRun() const;
-    std::int64_t beginning() const;
+    bool allStreamsRun() const;
+    std::int64_t startPosition() const;
     capture::OwnNodes ownNodes() const;
     void fail(Failure failure);
     void stopUnexpectedly();

@@ -19,7 +19,7 @@ struct FoldCase {
 
 class FoldToStereo : public ::testing::TestWithParam<FoldCase> {};
 
-TEST_P(FoldToStereo, givesEachChannelItsPlace) {
+TEST_P(FoldToStereo, mapsEachChannelToItsPosition) {
     constexpr std::array<float, 2> silence{};
     constexpr std::array<float, 2> sound{0, 1};
     TapPlanes planes;
@@ -35,7 +35,7 @@ TEST_P(FoldToStereo, givesEachChannelItsPlace) {
     EXPECT_FLOAT_EQ(right[1], GetParam().right);
 }
 
-TEST(FoldToStereo, endsWithTheRoomThatItIsGiven) {
+TEST(FoldToStereo, stopsAtTheEndOfTheOutput) {
     constexpr std::array<float, 3> sound{1, 1, 1};
     TapPlanes planes;
     planes.fill(sound);
@@ -62,7 +62,7 @@ struct TargetCase {
 
 class TapChannelsFor : public ::testing::TestWithParam<TargetCase> {};
 
-TEST_P(TapChannelsFor, leadsEachPortToItsSide) {
+TEST_P(TapChannelsFor, mapsEachPortToItsSide) {
     EXPECT_EQ(tapChannelsFor(GetParam().ports), GetParam().targets);
 }
 
@@ -80,7 +80,7 @@ INSTANTIATE_TEST_SUITE_P(
                       TargetCase{{"FLC", "FRC", "RC", "LFE2", "TFL", "TFR"},
                                  {{"FL"}, {"FR"}, {"SL", "SR"}, {}, {"SL"}, {"SR"}}}));
 
-TEST(ChannelFold, knowsWhichChannelsTheSoundServerHasMadeFromOthers) {
+TEST(ChannelFold, recognizesChannelsSynthesizedByTheSoundServer) {
     struct Case {
         std::vector<std::string> given;
         std::vector<std::string> output;
@@ -97,10 +97,10 @@ TEST(ChannelFold, knowsWhichChannelsTheSoundServerHasMadeFromOthers) {
              {{"FL", "FR"}, {"FC", "LFE"}, {"FC", "LFE"}},
              {{"FL", "FR", "FC"}, eight, {"FL", "FR", "FC"}},
              {{"FL", "FR", "FC", "LFE"}, eight, {"FL", "FR", "FC", "LFE"}},
-             // What is given from all around may come under other names.
+             // Surround channels may have other names.
              {{"FL", "FR", "RL", "RR"}, eight, eight},
              {{"FL", "FR", "RL", "RR"}, {"FL", "FR", "SL", "SR"}, {"FL", "FR", "SL", "SR"}},
-             // What has no place may be anything.
+             // A channel without a position may be anything.
              {{"FL", "FR"}, {"AUX0", "AUX1", "AUX2"}, {"AUX0", "AUX1", "AUX2"}},
              {{"AUX0", "AUX1"}, eight, eight},
              {{}, eight, eight},

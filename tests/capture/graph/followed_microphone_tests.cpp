@@ -42,7 +42,7 @@ TEST_F(FollowedMicrophoneTest, isHereWhileItsNodeIs) {
     EXPECT_EQ(followed.source(), desk);
 }
 
-TEST_F(FollowedMicrophoneTest, isGoneWhenItHasBeenAwayForFourSeconds) {
+TEST_F(FollowedMicrophoneTest, isGoneAfterFourSecondsAway) {
     graph.nodes.erase(13);
     EXPECT_EQ(after(10), Presence::away);
     EXPECT_EQ(after(13.999), Presence::away);
@@ -50,25 +50,25 @@ TEST_F(FollowedMicrophoneTest, isGoneWhenItHasBeenAwayForFourSeconds) {
     EXPECT_EQ(followed.source(), desk);
 }
 
-TEST_F(FollowedMicrophoneTest, isHereAgainAsANewNodeOfItsName) {
+TEST_F(FollowedMicrophoneTest, returnsAsANewNodeWithTheSameName) {
     graph.nodes.erase(13);
     EXPECT_EQ(after(0), Presence::away);
     graph.nodes[20] = device("desk", "Audio/Source", 1020);
     EXPECT_EQ(after(3), Presence::here);
     EXPECT_EQ(followed.source(), (Microphone{{.id = 20, .serial = 1020}, ""}));
     graph.nodes.erase(20);
-    EXPECT_EQ(after(5), Presence::away) << "the time counts anew";
+    EXPECT_EQ(after(5), Presence::away) << "the count restarts";
     EXPECT_EQ(after(8.9), Presence::away);
     EXPECT_EQ(after(9), Presence::gone);
 }
 
-TEST_F(FollowedMicrophoneTest, isHereAgainWithTheNumberThatItHad) {
+TEST_F(FollowedMicrophoneTest, returnsWithTheSameId) {
     graph.nodes[13].serial = 1020;
     EXPECT_EQ(after(0), Presence::here);
     EXPECT_EQ(followed.source(), (Microphone{{.id = 13, .serial = 1020}, ""}));
 }
 
-TEST_F(FollowedMicrophoneTest, isNoOtherMicrophoneAndNoOutput) {
+TEST_F(FollowedMicrophoneTest, ignoresOtherMicrophonesAndOutputs) {
     graph.nodes[13] = device("other", "Audio/Source", 1020);
     EXPECT_EQ(after(0), Presence::away);
     graph.nodes[13] = device("desk", "Audio/Sink", 1021);
@@ -76,7 +76,7 @@ TEST_F(FollowedMicrophoneTest, isNoOtherMicrophoneAndNoOutput) {
     EXPECT_EQ(after(4), Presence::gone);
 }
 
-TEST_F(FollowedMicrophoneTest, staysTheOneOfTwoOfOneName) {
+TEST_F(FollowedMicrophoneTest, staysTheSameOfTwoWithOneName) {
     graph.nodes[5] = device("desk", "Audio/Source", 1005);
     EXPECT_EQ(after(0), Presence::here);
     EXPECT_EQ(followed.source(), desk);

@@ -24,7 +24,7 @@ constexpr ObjectId microphoneStream = 22;
 constexpr ObjectId application = 30;
 constexpr ObjectId applicationClient = 60;
 
-/// Two outputs with taps, two microphones, and one application that plays in stereo.
+/// Two outputs with taps, two microphones, and one stereo application.
 class GraphRules : public ::testing::Test {
 protected:
     void SetUp() override {
@@ -72,7 +72,7 @@ protected:
 
     using LinkedIds = std::set<std::pair<ObjectId, ObjectId>>;
 
-    /// The ids of the ports that are to be linked.
+    /// The port ids of the wanted links.
     LinkedIds links(bool excludesOwnSound = true) {
         LinkedIds ids;
         for (const auto& link : wantedLinks(graph, self, own, excludesOwnSound)) {
@@ -148,11 +148,11 @@ TEST_F(GraphRules, anotherRecorderOfAnApplicationChangesNothing) {
 
 TEST_F(GraphRules, whereOthersPlaySaysNothingAboutAnApplication) {
     connect(31, headphones);
-    connect(application, 999); // not known yet
+    connect(application, 999); // unknown so far
     EXPECT_EQ(links(), toSpeakersTap);
 }
 
-TEST_F(GraphRules, aStreamOfNobodyIsNotOurs) {
+TEST_F(GraphRules, aStreamWithoutAClientIsNotOurs) {
     graph.nodes[application].client.reset();
     EXPECT_EQ(links(), toSpeakersTap);
 }
@@ -187,7 +187,7 @@ TEST(NodeProperties, areReadByTheirNames) {
     EXPECT_EQ(node.targetObject, "newer");
     EXPECT_FALSE(node.autoconnect);
     EXPECT_TRUE(node.markedAsOwn);
-    EXPECT_EQ(node.client, 60U) << "what cannot be read leaves what there was";
+    EXPECT_EQ(node.client, 60U) << "an unreadable value changes nothing";
 }
 
 TEST(NodeProperties, thatAreMissingSayNo) {
@@ -198,7 +198,7 @@ TEST(NodeProperties, thatAreMissingSayNo) {
     EXPECT_FALSE(node.client);
 }
 
-TEST(Graph, permitsNothingUntilTheServerHasTold) {
+TEST(Graph, permitsNothingUntilTheServerReplies) {
     const Graph graph;
     EXPECT_FALSE(graph.mayExecute);
     EXPECT_FALSE(graph.canMakeLinks);
@@ -210,7 +210,7 @@ TEST_F(GraphRules, anApplicationWithoutPortsOrTapWaits) {
     EXPECT_THAT(links(), IsEmpty());
 }
 
-TEST_F(GraphRules, portsThatWereMadeAnewAreLinkedAnew) {
+TEST_F(GraphRules, recreatedPortsAreLinkedAgain) {
     connect(application, speakers);
     graph.ports.erase(200);
     graph.ports.erase(201);
@@ -257,7 +257,7 @@ TEST_F(GraphRules, allChannelsOfTheMicrophoneReachItsStream) {
     EXPECT_THAT(links(), IsEmpty());
 }
 
-TEST_F(GraphRules, whatTookTheMicrophonesIdIsNotLinkedInItsPlace) {
+TEST_F(GraphRules, objectThatReusesTheMicrophonesIdIsNotLinked) {
     graph.nodes.erase(application);
     own.microphone = Microphone{.device = identity(microphone), .channel = {}};
     own.microphoneStream = microphoneStream;
@@ -286,7 +286,7 @@ TEST_F(GraphRules, whatTookTheMicrophonesIdIsNotLinkedInItsPlace) {
     EXPECT_THAT(links(), IsEmpty());
 }
 
-TEST_F(GraphRules, whatTookAnIdIsLinkedAnew) {
+TEST_F(GraphRules, objectThatReusesAnIdIsLinkedAgain) {
     connect(application, speakers);
     graph.ports[200].serial = 5;
     const auto before = wantedLinks(graph, self, own, true);
@@ -297,7 +297,7 @@ TEST_F(GraphRules, whatTookAnIdIsLinkedAnew) {
     EXPECT_TRUE(after.contains({{200, 6}, {100, 0}}));
 }
 
-TEST_F(GraphRules, anOutputThatTookTheIdOfAnotherHasNotItsTap) {
+TEST_F(GraphRules, anOutputThatReusesAnIdDoesNotGetTheOldTap) {
     connect(application, speakers);
     graph.nodes[speakers].serial = 5000;
     EXPECT_THAT(outputs(graph), ElementsAre(Identity{speakers, 5000}, identity(headphones)));
@@ -306,7 +306,7 @@ TEST_F(GraphRules, anOutputThatTookTheIdOfAnotherHasNotItsTap) {
     EXPECT_EQ(links(), toSpeakersTap);
 }
 
-TEST_F(GraphRules, aClientThatTookTheIdOfAStreamsMakerDidNotMakeIt) {
+TEST_F(GraphRules, aClientThatReusesAnIdDoesNotOwnTheOldStream) {
     graph.nodes[application].client = self.client;
     graph.nodes[application].serial = 70;
     graph.clients[*self.client] = {.processId = "4711", .serial = 69};
@@ -319,7 +319,7 @@ TEST_F(GraphRules, outputsAreSinksOnly) {
     EXPECT_THAT(outputs(graph), ElementsAre(identity(speakers), identity(headphones)));
 }
 
-TEST(ReadProperties, takesWhatIsNamedAndKeepsTheRest) {
+TEST(ReadProperties, updatesNamedFieldsAndKeepsTheRest) {
     Node node;
     readProperties(node, {{"media.class", "Audio/Sink"},
                           {"node.name", "a"},

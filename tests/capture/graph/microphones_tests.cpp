@@ -35,7 +35,7 @@ protected:
         return node;
     }
 
-    /// With as many inputs as there are channels.
+    /// With one input per channel.
     void addInterface(const std::vector<std::string>& channels) {
         graph.nodes[interface] = node("Audio/Source", "interface");
         ObjectId port = 400;
@@ -97,7 +97,7 @@ TEST_F(Microphones, withAColonInTheirNamesAreFoundAsTheyAre) {
     EXPECT_THAT(portsOf("usb:interface:AUX1"), ElementsAre(401));
 }
 
-TEST_F(Microphones, whoseInputsHaveNoNamesOfTheirOwnAreChosenAsAWhole) {
+TEST_F(Microphones, withUnnamedInputsAreSelectedAsAWhole) {
     addInterface({"", "", "", "MONO", "MONO"});
     EXPECT_EQ(microphones(graph).size(), 4U);
     EXPECT_THAT(portsOf("interface:MONO"), ElementsAre(403, 404));
@@ -128,7 +128,7 @@ TEST_F(Microphones, areHeardAtTheirCapturePortsAndNotAtTheirMonitors) {
         {"Audio/Source", true, false, {301}},
         {"Audio/Source", true, true, {}},
         {"Audio/Duplex", false, true, {300}},
-        // These give out what programs speak into them, and nothing else.
+        // Virtual microphones output only what programs play into them.
         {"Audio/Duplex", true, true, {300, 301}},
         {"Audio/Source/Virtual", true, true, {300, 301}},
         {"Audio/Source/Virtual", false, true, {300}},

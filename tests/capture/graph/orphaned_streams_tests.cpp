@@ -54,7 +54,7 @@ protected:
         orphans.update(graph, static_cast<std::uint64_t>((100 + second) * 1e9));
     }
 
-    /// Whether the player's sound is still taken.
+    /// Whether the player is still recorded.
     bool isTaken() {
         const PortLink fromPlayer{{300, 1300}, {200, 1200}};
         const PortLink another{{310, 1310}, {200, 1200}};
@@ -64,7 +64,7 @@ protected:
         return wanted.contains(fromPlayer);
     }
 
-    /// What it connected goes with it.
+    /// Its links go with it.
     void endManager() {
         graph.defaultsOfSessionManager.reset();
         disconnect(player, speakers);
@@ -77,7 +77,7 @@ protected:
 
 TEST_F(OrphanedStreamsTest, takesNothingAwayWhileASessionManagerIsThere) {
     EXPECT_TRUE(isTaken());
-    disconnect(player, speakers); // on its way to another output
+    disconnect(player, speakers); // moving to another output
     update();
     EXPECT_TRUE(isTaken());
 }
@@ -96,7 +96,7 @@ TEST_F(OrphanedStreamsTest, leavesAStreamAloneUntilItIsConnectedAgain) {
     EXPECT_TRUE(isTaken());
     disconnect(player, speakers);
     update();
-    EXPECT_TRUE(isTaken()) << "is none any more";
+    EXPECT_TRUE(isTaken()) << "no longer an orphan";
 }
 
 TEST_F(OrphanedStreamsTest, leavesAloneWhatComesWhileThereIsNoSessionManager) {
@@ -112,7 +112,7 @@ TEST_F(OrphanedStreamsTest, leavesAloneWhatComesWhileThereIsNoSessionManager) {
 TEST_F(OrphanedStreamsTest, forgetsAStreamThatHasGone) {
     endManager();
     graph.defaultsOfSessionManager = manager + 1;
-    graph.nodes[player].serial = 7; // another in its place
+    graph.nodes[player].serial = 7; // another node in its place
     update();
     EXPECT_TRUE(isTaken());
 }

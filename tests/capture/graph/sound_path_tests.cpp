@@ -16,7 +16,7 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::UnorderedElementsAre;
 
-/// A desktop's graph, told by names. Ports come into being as they are linked.
+/// A desktop's graph, described by names. Ports are created when linked.
 class Desktop {
 public:
     void output(const std::string& name, bool isOfDevice = false) {
@@ -52,7 +52,7 @@ public:
                                  .inputPort = input};
     }
 
-    /// A player that both sides of an output hear.
+    /// A player linked to both sides of an output.
     void play(const std::string& name, const std::string& output) {
         add(name, "Stream/Output/Audio");
         link(name + ":FL", output + ":FL");
@@ -65,7 +65,7 @@ public:
 
     ObjectId id(const std::string& name) const { return names_.at(name); }
 
-    /// What is recorded, as "node:channel > output:tap channel".
+    /// The recorded links, as "node:channel > output:tap channel".
     std::set<std::string> recorded() const {
         std::set<std::string> result;
         for (const PortLink& link :
@@ -128,7 +128,7 @@ TEST_F(SoundPathTest, aClientWithoutAClassIsHeardOnThePortsThatItIsLinkedTo) {
                 ElementsAre("metronome: > headphones:FL", "metronome: > headphones:FR"));
 }
 
-TEST_F(SoundPathTest, whatIsLinkedToOutputsWithoutPlacesKeepsItsOwnOrTheOrder) {
+TEST_F(SoundPathTest, portsOnOutputsWithoutPositionsKeepTheirOwnOrTheOrder) {
     desktop.add("synthesizer", "");
     desktop.link("synthesizer:FL", "speakers:AUX0");
     desktop.link("synthesizer:FR", "speakers:AUX1");
@@ -141,13 +141,13 @@ TEST_F(SoundPathTest, whatIsLinkedToOutputsWithoutPlacesKeepsItsOwnOrTheOrder) {
                 ElementsAre("synthesizer:AUX7 > speakers:FR", "synthesizer:AUX8 > speakers:FL"));
 }
 
-TEST_F(SoundPathTest, ofClientsInAChainTheLastIsHeard) {
+TEST_F(SoundPathTest, lastClientInAChainIsHeard) {
     desktop.add("synthesizer", "");
     desktop.add("reverb", "");
     desktop.link("synthesizer", "reverb:in");
     desktop.link("reverb:L", "speakers:FL");
     EXPECT_THAT(desktop.recorded(), ElementsAre("reverb:L > speakers:FL"));
-    desktop.link("synthesizer", "speakers:FR"); // and itself beside it, as it is
+    desktop.link("synthesizer", "speakers:FR"); // and directly as well
     EXPECT_THAT(desktop.recorded(),
                 ElementsAre("reverb:L > speakers:FL", "synthesizer: > speakers:FR"));
 }
@@ -196,7 +196,7 @@ TEST_F(SoundPathTest, outputsThatAreLinkedToOneAnotherPassOnWhatIsPlayed) {
                 ElementsAre("player:FL > headphones:FL", "player:FR > headphones:FR"));
 }
 
-/// A pair of streams of one group, of which one listens and the other plays.
+/// A capture and a playback stream of one link group.
 class SoundPathOfPair : public SoundPathTest {
 protected:
     SoundPathOfPair() {
@@ -228,7 +228,7 @@ TEST_F(SoundPathOfPair, whatListensToAMicrophoneIsHeard) {
     EXPECT_THAT(ofPair(), ElementsAre("talker:FL > headphones:FL"));
 }
 
-TEST_F(SoundPathOfPair, nothingIsExpectedOfItBeforeItListens) {
+TEST_F(SoundPathOfPair, isIgnoredBeforeItListens) {
     desktop.link("talker:FL", "headphones:FL");
     desktop.graph().links.erase(std::prev(desktop.graph().links.end())); // the port stays
     EXPECT_THAT(ofPair(), IsEmpty());
@@ -240,7 +240,7 @@ TEST_F(SoundPathOfPair, theOutputOfItsGroupIsItsOtherSide) {
     desktop.output("combined");
     desktop.node("combined").linkGroup = "pair";
     desktop.link("talker:FL", "headphones:FL");
-    desktop.link("mic:MONO", "listener:FL"); // an echo canceller's, for what it gives elsewhere
+    desktop.link("mic:MONO", "listener:FL"); // an echo canceller's, for its other output
     EXPECT_THAT(ofPair(), IsEmpty());
 }
 
@@ -268,7 +268,7 @@ TEST_F(SoundPathOfPair, whatListensToAPairIsBehindItToo) {
     EXPECT_FALSE(desktop.recorded().contains("filter:out > headphones:FL"));
 }
 
-/// A mixing desk that hears what is played to an output together with the microphone.
+/// A mixer that takes an output's sound and the microphone.
 class SoundPathOfMix : public SoundPathTest {
 protected:
     SoundPathOfMix() {
@@ -289,23 +289,23 @@ protected:
     }
 };
 
-TEST_F(SoundPathOfMix, isRecordedInPlaceOfWhatIsHeardInItAlone) {
+TEST_F(SoundPathOfMix, replacesOutputsHeardOnlyInIt) {
     EXPECT_EQ(desktop.recorded(), desk);
 }
 
-TEST_F(SoundPathOfMix, ofADevicesOutputStaysBesideWhatIsHeardThere) {
+TEST_F(SoundPathOfMix, doesNotReplaceADevicesOutput) {
     desktop.node("virtual").isOfDevice = true;
     EXPECT_EQ(desktop.recorded(), both(desk, player));
 }
 
-TEST_F(SoundPathOfMix, leavesAnOutputThatSomethingElsePassesOnAsItIs) {
+TEST_F(SoundPathOfMix, doesNotReplaceAnOutputThatIsPassedOnElsewhere) {
     desktop.add("filter", "");
     desktop.link("virtual:FL", "filter:in");
     desktop.link("filter:out", "headphones:FL");
     EXPECT_EQ(desktop.recorded(), both(desk, player));
 }
 
-TEST_F(SoundPathOfMix, leavesAnOutputThatIsLinkedToAnotherByHandAsItIs) {
+TEST_F(SoundPathOfMix, doesNotReplaceAnOutputLinkedToAnotherByHand) {
     desktop.link("virtual:FL", "headphones:FL");
     EXPECT_EQ(desktop.recorded(), both(desk, player));
 }
@@ -315,7 +315,7 @@ TEST_F(SoundPathOfMix, ofOurOwnChangesNothing) {
     EXPECT_EQ(desktop.recorded(), player);
 }
 
-TEST_F(SoundPathOfMix, losesNothingWhereTwoMixEachOther) {
+TEST_F(SoundPathOfMix, losesNothingWhenTwoMixEachOther) {
     desktop.output("second");
     desktop.add("second desk", "");
     desktop.link("second:FL", "second desk:1");
@@ -359,7 +359,7 @@ TEST_F(SoundPathTest, codedSoundOnItsWayToAnOutputIsNoticed) {
                         .inputNode = desktop.id("mic"),
                         .outputPort = 900,
                         .inputPort = 901};
-    EXPECT_FALSE(playsCodedSound(graph)) << "nobody hears that";
+    EXPECT_FALSE(playsCodedSound(graph)) << "not heard on any output";
     graph.links[902].inputNode = desktop.id("speakers");
     EXPECT_TRUE(playsCodedSound(graph));
     EXPECT_THAT(desktop.recorded(), IsEmpty());

@@ -47,7 +47,7 @@ TEST(SoundSurvey, isEmptyWhereNothingIsShown) {
     EXPECT_EQ(surveyOf(Graph()), SoundSurvey());
 }
 
-TEST(SoundSurvey, captureTakesTheServersLeaveForBothOfItsNeeds) {
+TEST(SoundSurvey, captureNeedsBothServerPermissions) {
     for (const bool mayExecute : {false, true}) {
         for (const bool canMakeLinks : {false, true}) {
             Graph graph;

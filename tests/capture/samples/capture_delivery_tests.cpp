@@ -36,8 +36,8 @@ protected:
 
     void TearDown() override { delivery->close(); }
 
-    /// What a real-time callback does: a cycle of samples that count on, in both feeds. Where there
-    /// is no room it is lost.
+    /// One real-time callback: writes a cycle of counting samples to both feeds, and drops it if
+    /// there is no room.
     void writeCycle() {
         const Stamp stamp{.nanoseconds = static_cast<std::uint64_t>(position) * 62500 / 3,
                           .frames = 1024,
@@ -62,8 +62,8 @@ protected:
 
     static float valueOf(std::size_t frame) { return static_cast<float>(frame % 65536 + 1); }
 
-    /// How many frames of a channel, from the first one written on, are neither what was written
-    /// nor silence for what was lost.
+    /// How many frames of a channel, from the first one written, are neither as written nor silence
+    /// for a loss.
     std::size_t wrongFrames(const testing::DeliveredTrack& track) const {
         std::size_t wrong = 0;
         for (const auto& channel : track.channels) {
@@ -85,21 +85,21 @@ protected:
         queue, sound, DeliveredSources{.systemAudio = true, .microphone = true});
     std::int64_t position = 0;
     std::size_t written = 0;
-    std::set<std::size_t> lost; // first frames of cycles
+    std::set<std::size_t> lost; // first frames of lost cycles
 };
 
-/// Not told to begin.
+/// Not started.
 class LateDelivery : public Delivery {
 protected:
     void SetUp() override { addFeeds(); }
 };
 
-/// Rings of two seconds.
+/// With rings of two seconds.
 class BriefDelivery : public Delivery {
 protected:
     BriefDelivery() : Delivery(std::chrono::seconds(2)) {}
 
-    /// The queue stands still for this long.
+    /// Blocks the queue for this long.
     void standStill(int cycles) {
         std::promise<void> standing;
         std::promise<void> release;
@@ -115,7 +115,7 @@ protected:
         queue.sync([] {});
     }
 
-    /// That both sources have all that was written, but for what was told to be lost, in step.
+    /// Expects both sources, in step, to have everything written except the reported losses.
     void expectAllButTheLosses(const std::vector<double>& losses) {
         EXPECT_EQ(wrongFrames(sound.audio()), 0U);
         EXPECT_EQ(wrongFrames(sound.microphone()), 0U);
@@ -128,7 +128,7 @@ protected:
     }
 };
 
-TEST_F(Delivery, losesNotAFrameOfTwentyNineSecondsInWhichTheQueueStoodStill) {
+TEST_F(Delivery, losesNoFrameInAStallOfTwentyNineSeconds) {
     std::promise<void> release;
     queue.async([blocked = release.get_future().share()] { blocked.wait(); });
     while (written < 29UL * 48000) {
@@ -144,7 +144,7 @@ TEST_F(Delivery, losesNotAFrameOfTwentyNineSecondsInWhichTheQueueStoodStill) {
     EXPECT_EQ(sound.largestLead(), 1024);
 }
 
-TEST_F(BriefDelivery, tellsOfALongStandstillAndPutsSilenceWhereSoundWasLost) {
+TEST_F(BriefDelivery, reportsALongStallAndReplacesLostSoundBySilence) {
     writeCycle();
     queue.sync([] {});
     standStill(230);
@@ -162,7 +162,7 @@ TEST_F(BriefDelivery, tellsOfALongStandstillAndPutsSilenceWhereSoundWasLost) {
     expectAllButTheLosses({(230 - held) * 1024 / 48000.0, (100 - held) * 1024 / 48000.0});
 }
 
-TEST_F(BriefDelivery, tellsOfALossThatNothingFollows) {
+TEST_F(BriefDelivery, reportsALossAtTheEnd) {
     standStill(94);
     delivery->finish();
     queue.sync([] {});
@@ -170,7 +170,7 @@ TEST_F(BriefDelivery, tellsOfALossThatNothingFollows) {
     expectAllButTheLosses({1024 / 48000.0});
 }
 
-TEST_F(BriefDelivery, tellsNothingOfAStandstillThatTheRingsHold) {
+TEST_F(BriefDelivery, reportsNothingForAStallThatTheRingsHold) {
     standStill(93);
     writeCycle();
     delivery->finish();
@@ -192,7 +192,7 @@ TEST_F(Delivery, deliversAllThatWasCapturedUpToTheFinishAndNothingAfter) {
     EXPECT_EQ(sound.audio().frames(), delivered);
 }
 
-TEST_F(LateDelivery, beginsWithWhatWasCapturedBeforeItWasTold) {
+TEST_F(LateDelivery, startsWithSoundCapturedBeforeTheCall) {
     for (int i = 0; i < 8; ++i) {
         writeCycle();
         queue.sync([] {});
@@ -211,7 +211,7 @@ TEST_F(LateDelivery, beginsWithWhatWasCapturedBeforeItWasTold) {
     }
 }
 
-TEST_F(Delivery, keepsTheSoundOfATapThatGoes) {
+TEST_F(Delivery, keepsTheSoundOfARemovedTap) {
     writeCycle();
     delivery->removeFeed(tap);
     delivery->finish();

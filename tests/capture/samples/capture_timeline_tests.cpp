@@ -52,11 +52,11 @@ protected:
 
     CaptureTimeline timeline;
     std::vector<Block> blocks;
-    std::vector<float> system; // from start on
+    std::vector<float> system; // since the start
     std::vector<float> microphone;
 };
 
-TEST_F(Timeline, addsUpTapsWhereTheirStampsLie) {
+TEST_F(Timeline, mixesTapsAtTheirStamps) {
     timeline.addFeed(tapA, AudioLevelSource::systemAudio, start);
     timeline.addFeed(tapB, AudioLevelSource::systemAudio, start);
     place(tapA, start, 300, 1);
@@ -69,7 +69,7 @@ TEST_F(Timeline, addsUpTapsWhereTheirStampsLie) {
     EXPECT_EQ(system[200], 1);
 }
 
-TEST_F(Timeline, countsFramesWhileStampsTremble) {
+TEST_F(Timeline, countsFramesWhileStampsJitter) {
     timeline.addFeed(tapA, AudioLevelSource::systemAudio, start);
     place(tapA, start, 100, 1);
     EXPECT_EQ(place(tapA, start + 190, 100, 1), 90);
@@ -78,12 +78,12 @@ TEST_F(Timeline, countsFramesWhileStampsTremble) {
     EXPECT_EQ(system, std::vector<float>(300, 1));
 }
 
-TEST_F(Timeline, takesStampsAsTheyAreBeforeTheBeginning) {
+TEST_F(Timeline, usesStampsBeforeTheStart) {
     timeline.addFeed(tapA, AudioLevelSource::systemAudio, start);
-    place(tapA, start - 1900, 1900, 1); // more than there was time for
+    place(tapA, start - 1900, 1900, 1); // more than time passed
     EXPECT_EQ(place(tapA, start - 1000, 1000, 1), 0);
     EXPECT_EQ(place(tapA, start, 1000, 1), 0);
-    EXPECT_EQ(place(tapA, start + 900, 1000, 1), -100) << "as ever from then on";
+    EXPECT_EQ(place(tapA, start + 900, 1000, 1), -100) << "counted from then on";
 }
 
 TEST_F(Timeline, fillsALongGapWithSilence) {
@@ -97,14 +97,14 @@ TEST_F(Timeline, fillsALongGapWithSilence) {
     EXPECT_EQ(system[101 + CaptureTimeline::tolerance], 1);
 }
 
-TEST_F(Timeline, putsAsMuchSilenceAsWasLostWhereItWasLost) {
+TEST_F(Timeline, replacesLostFramesBySilence) {
     timeline.addFeed(tapA, AudioLevelSource::systemAudio, start);
     place(tapA, start, 500, 1);
     std::int64_t position = start + 500;
     std::vector<float> expected(500, 1);
     for (const std::int64_t lost : {1, 100, 1024, 480000}) {
         EXPECT_EQ(timeline.lose(tapA, lost), lost);
-        // However its stamp trembles, what follows lies where its count says.
+        // Later pieces follow the count despite jitter.
         EXPECT_EQ(place(tapA, position + lost + 40, 500, 2), 40);
         position += lost + 500;
         expected.insert(expected.end(), static_cast<std::size_t>(lost), 0);
@@ -115,7 +115,7 @@ TEST_F(Timeline, putsAsMuchSilenceAsWasLostWhereItWasLost) {
     EXPECT_EQ(system, expected);
 }
 
-TEST_F(Timeline, countsOnceWhatWasLostOfTwoOutputsAtOneTime) {
+TEST_F(Timeline, countsSimultaneousLossesOnce) {
     for (const auto tap : {tapA, tapB}) {
         timeline.addFeed(tap, AudioLevelSource::systemAudio, start);
         place(tap, start, 100, 1);
@@ -129,7 +129,7 @@ TEST_F(Timeline, countsOnceWhatWasLostOfTwoOutputsAtOneTime) {
     EXPECT_EQ(timeline.lose(tapA, 200), 100);
 }
 
-TEST_F(Timeline, doesNotMissWhatWasLostBeforeTheBeginning) {
+TEST_F(Timeline, ignoresLossesBeforeTheStart) {
     timeline.addFeed(tapA, AudioLevelSource::systemAudio, start - 500);
     place(tapA, start - 500, 100, 1);
     EXPECT_EQ(timeline.lose(tapA, 300), 0);
@@ -172,7 +172,7 @@ TEST_F(Timeline, shortensSilenceThatIsAheadOfItsStamps) {
     EXPECT_EQ(system[5000], 1);
 }
 
-TEST_F(Timeline, bringsSilenceThatIsBehindToItsStamps) {
+TEST_F(Timeline, lengthensSilenceThatIsBehindItsStamps) {
     timeline.addFeed(tapA, AudioLevelSource::systemAudio, start);
     place(tapA, start, 100, 1);
     EXPECT_EQ(place(tapA, start + 100 + CaptureTimeline::toleranceInSilence + 1, 100, 0), 0);
@@ -245,7 +245,7 @@ TEST_F(Timeline, losesAFirstSoundThatIsLaterThanItsTolerance) {
     EXPECT_EQ(system[2147], 1);
 }
 
-TEST_F(Timeline, putsTheFirstSoundOfALateTapBehindRatherThanLosingIt) {
+TEST_F(Timeline, delaysTheFirstSoundOfALateTapInsteadOfLosingIt) {
     timeline.addFeed(tapA, AudioLevelSource::systemAudio, start);
     place(tapA, start, 2048, 0.5F);
     emitAll(start + 2048);
@@ -259,7 +259,7 @@ TEST_F(Timeline, putsTheFirstSoundOfALateTapBehindRatherThanLosingIt) {
     EXPECT_EQ(system[2148], 0.5F);
 }
 
-TEST_F(Timeline, putsSoundBehindAStandstillWhereItsStampsLie) {
+TEST_F(Timeline, placesSoundAfterAStallAtItsStamps) {
     timeline.addFeed(tapA, AudioLevelSource::systemAudio, start);
     place(tapA, start, 1000, 1);
     emitAll(start + 98000);
@@ -270,7 +270,7 @@ TEST_F(Timeline, putsSoundBehindAStandstillWhereItsStampsLie) {
     EXPECT_EQ(system[98999], 1);
 }
 
-TEST_F(Timeline, emitsBothSourcesInTurnAndOfOneLength) {
+TEST_F(Timeline, emitsBothSourcesInTurnWithEqualLengths) {
     timeline.addFeed(mic, AudioLevelSource::microphone, start);
     place(mic, start, 2500, 1);
     emitAll(timeline.end(start + 2500));
@@ -286,7 +286,7 @@ TEST_F(Timeline, emitsBothSourcesInTurnAndOfOneLength) {
     EXPECT_EQ(microphone, std::vector<float>(2500, 1));
 }
 
-TEST_F(Timeline, keepsWhatATapDeliveredBeforeItWent) {
+TEST_F(Timeline, keepsTheSoundOfARemovedTap) {
     timeline.addFeed(tapA, AudioLevelSource::systemAudio, start);
     place(tapA, start, 100, 1);
     timeline.removeFeed(tapA);
@@ -294,7 +294,7 @@ TEST_F(Timeline, keepsWhatATapDeliveredBeforeItWent) {
     EXPECT_EQ(system, std::vector<float>(100, 1));
 }
 
-TEST_F(Timeline, countsSamplesThatAreNoNumbersAsSilence) {
+TEST_F(Timeline, countsNonFiniteSamplesAsSilence) {
     timeline.addFeed(tapA, AudioLevelSource::systemAudio, start);
     timeline.addFeed(tapB, AudioLevelSource::systemAudio, start);
     place(tapA, start, 10, std::numeric_limits<float>::quiet_NaN());

@@ -13,7 +13,7 @@ using Observation = CaptureWatch::Observation;
 
 class CaptureWatchTest : public ::testing::Test {
 protected:
-    /// After half a second more, `count` times; what was found at last.
+    /// Updates `count` times, half a second apart; returns the last finding.
     Finding see(Observation sight, int count = 1) {
         Finding found = Finding::nothing;
         for (int i = 0; i < count && found == Finding::nothing; ++i) {
@@ -54,7 +54,7 @@ TEST_F(CaptureWatchTest, aMicrophoneThatIsPausedForThreeSecondsIsLost) {
     EXPECT_EQ(updates(), 6);
 }
 
-TEST_F(CaptureWatchTest, aPauseThatEndsOrIsWaitedForCountsAnew) {
+TEST_F(CaptureWatchTest, aPauseThatEndsOrIsExpectedRestartsTheCount) {
     const Observation paused{.microphoneCallbacks = 7, .isMicrophonePaused = true};
     EXPECT_EQ(see(paused, 5), Finding::nothing);
     EXPECT_EQ(see({.microphoneCallbacks = 8}), Finding::nothing);

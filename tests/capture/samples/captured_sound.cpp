@@ -14,7 +14,7 @@ namespace vantoro::testing {
 
 namespace {
 
-/// Of the tenths of a second.
+/// In each tenth of a second.
 std::vector<double> amplitudesFromLargest(double frequency, std::span<const float> samples) {
     constexpr std::size_t piece = 48000 / 10;
     std::vector<double> amplitudes;
@@ -125,7 +125,7 @@ bool CapturedSound::waitUntil(const std::function<bool()>& condition, std::chron
     std::unique_lock lock(mutex_);
     const auto deadline = std::chrono::steady_clock::now() + limit;
     return changed_.wait_until(lock, deadline, [&] {
-        lock.unlock(); // the condition asks us
+        lock.unlock(); // the condition calls us
         const bool holds = condition();
         lock.lock();
         return holds;

@@ -18,16 +18,16 @@
 
 namespace vantoro::testing {
 
-/// One source as it was delivered.
+/// One source as delivered.
 struct DeliveredTrack {
     std::int64_t start = 0;                   ///< grid position of the first frame
-    std::vector<std::vector<float>> channels; ///< all of one length
-    std::size_t discontinuities = 0; ///< buffers that do not begin where the last one ended
+    std::vector<std::vector<float>> channels; ///< equal lengths
+    std::size_t discontinuities = 0; ///< buffers that do not start at the previous one's end
 
     std::size_t frames() const { return channels.empty() ? 0 : channels.front().size(); }
 };
 
-/// Keeps all that a capture stream delivers. Any thread.
+/// Stores everything a capture stream delivers. Any thread.
 class CapturedSound final : public CaptureStreamReceiver {
 public:
     void didOutputSampleBuffer(const SampleBuffer& buffer, AudioLevelSource source) override;
@@ -37,23 +37,24 @@ public:
 
     DeliveredTrack audio() const;
     DeliveredTrack microphone() const;
-    /// By how many frames one source was ever delivered ahead of the other.
+    /// The largest lead of one source over the other, in frames.
     std::int64_t largestLead() const;
-    /// How many frames the oldest sample was behind the moment when it was delivered.
+    /// The largest delay of a delivered sample, in frames.
     std::int64_t largestDelay() const;
-    /// Texts of all the errors that the stream stopped with.
+    /// Texts of all errors the stream stopped with.
     std::vector<std::string> stops() const;
-    /// How many seconds the stream told to be lost, once for each time.
+    /// Seconds of each reported loss.
     std::vector<double> losses(AudioLevelSource source) const;
-    /// As the stream told.
+    /// The reported obstacles.
     std::vector<bool> mutes() const;
     std::vector<SourceCondition> systemObstacles() const;
 
-    /// Waits until the condition, looked at after each buffer, holds. False when it never does.
+    /// Waits until the condition, checked after each buffer, holds. False on timeout.
     bool waitUntil(const std::function<bool()>& condition, std::chrono::seconds limit);
     /// Waits for this much more sound.
     bool waitForMore(double seconds);
-    /// Waits until the last 100 ms of left channel, or microphone, hold a tone, or do not.
+    /// Waits until the last 100 ms of the left channel, or the microphone, contain a tone, or do
+    /// not.
     bool waitForTone(AudioLevelSource source, double frequency, bool present = true);
 
 private:
@@ -69,15 +70,15 @@ private:
     std::vector<SourceCondition> systemObstacles_;
 };
 
-/// The amplitude of one frequency in samples of 48 kHz.
+/// Amplitude of one frequency in samples at 48 kHz.
 double amplitudeOf(double frequency, std::span<const float> samples);
 
-/// What a quarter of the tenths of a second reach: a player that a busy machine kept waiting for a
-/// moment was silent for as long. `frequency` goes into a tenth without a rest.
+/// The amplitude that a quarter of the tenths of a second reach: a busy machine may silence a
+/// player for a moment. A tenth must hold whole periods of `frequency`.
 double usualAmplitudeOf(double frequency, std::span<const float> samples);
 
-/// What all tenths of a second reach: of what is not there, nothing, though a player that had to
-/// wait is heard in all frequencies for an instant.
+/// The amplitude that all tenths of a second reach: 0 for an absent tone, although a delayed player
+/// briefly sounds in all frequencies.
 double steadyAmplitudeOf(double frequency, std::span<const float> samples);
 
 /// The largest absolute sample.

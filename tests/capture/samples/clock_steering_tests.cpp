@@ -16,14 +16,13 @@ namespace vantoro::capture {
 
 namespace {
 
-/// A sound card with a clock of its own behind a resampler, as the capture sees it: cycles of 1024
-/// of the card's frames, stamped with some tremble, delivered as whole frames at the asked speed.
+/// A sound card with its own clock behind a resampler: cycles of 1024 card frames, stamped with
+/// some jitter, delivered as whole frames at the requested speed.
 class SimulatedStream {
 public:
     explicit SimulatedStream(double drift) : drift_(drift) {}
 
-    /// One cycle. Returns by how many seconds its place on the grid is off its true time: later
-    /// where positive.
+    /// One cycle. Returns by how many seconds its grid position is later than its true time.
     double cycle() {
         const double trueTime = time_;
         drift_ += wandering_ * (1024. / 48000);
@@ -31,18 +30,18 @@ public:
         carry_ += 1024 * appliedSpeed();
         const auto frames = static_cast<std::uint32_t>(carry_);
         carry_ -= frames;
-        const double tremble = trembling_(random_) * tremble_;
-        const Stamp stamp{.nanoseconds = static_cast<std::uint64_t>((trueTime + tremble) * 1e9),
+        const double jitter = noise_(random_) * jitter_;
+        const Stamp stamp{.nanoseconds = static_cast<std::uint64_t>((trueTime + jitter) * 1e9),
                           .frames = frames,
                           .clockId = clockId_};
-        // One sample stands for the piece's sound: nobody listens to these hours.
+        // One sample represents the piece's sound: only its position matters.
         constexpr std::array sound{0.5F};
         const auto behind = timeline_.place(1, stamp, std::array{std::span<const float>(sound)});
         steering_.observe(stamp, behind);
         const double placed = static_cast<double>(gridPosition(stamp.nanoseconds) - behind) / 48000;
         jumps_ += expected_ != 0 && std::abs(placed - expected_) > 1e-9 ? 1 : 0;
         expected_ = placed + (static_cast<double>(frames) / 48000);
-        timeline_.begin(gridPosition(stamp.nanoseconds)); // what came before need not be kept
+        timeline_.begin(gridPosition(stamp.nanoseconds)); // discard earlier sound
         return placed - trueTime;
     }
 
@@ -50,12 +49,12 @@ public:
 
     void standStill(double seconds) { time_ += seconds; }
 
-    void trembleBy(double seconds) { tremble_ = seconds; }
+    void jitterBy(double seconds) { jitter_ = seconds; }
 
     void switchDriver(double drift) {
         drift_ = drift;
         ++clockId_;
-        time_ += 0.001; // the other driver's cycles begin at other moments
+        time_ += 0.001; // the other driver's cycles have another phase
     }
 
     void begin() {
@@ -70,8 +69,8 @@ public:
     double speed() const { return steering_.speed(); }
 
 private:
-    /// PipeWire's older resamplers know whole numbers of input frames a second only; and a change
-    /// of speed reaches them up to half a second later.
+    /// PipeWire's older resamplers take only whole numbers of input frames per second, and a new
+    /// speed takes effect up to half a second later.
     double appliedSpeed() {
         if (time_ >= nextChange_) {
             applied_ = 48000 / std::floor(48000 / steering_.speed());
@@ -81,8 +80,8 @@ private:
     }
 
     double drift_;
-    double wandering_ = 0; // a second
-    double tremble_ = 1e-3;
+    double wandering_ = 0; // per second
+    double jitter_ = 1e-3;
     double time_ = 5000;
     double carry_ = 0;
     double applied_ = 1;
@@ -91,7 +90,7 @@ private:
     int jumps_ = 0;
     std::uint32_t clockId_ = 40;
     std::minstd_rand random_{12345};
-    std::uniform_real_distribution<> trembling_{-1, 1};
+    std::uniform_real_distribution<> noise_{-1, 1};
     CaptureTimeline timeline_;
     ClockSteering steering_;
 };
@@ -134,7 +133,7 @@ TEST(ClockSteering, staysInStepWhenTheDriverChangesAgainAndAgain) {
     EXPECT_EQ(stream.jumps(), 0);
 }
 
-TEST(ClockSteering, leavesAClockThatDoesNotDriftAlone) {
+TEST(ClockSteering, doesNotSteerAClockWithoutDrift) {
     SimulatedStream stream(0);
     stream.begin();
     while (stream.time() < 5000 + 600) {
@@ -143,7 +142,7 @@ TEST(ClockSteering, leavesAClockThatDoesNotDriftAlone) {
     }
 }
 
-/// The slope of the line of least squares through what a stream is off, over so many seconds.
+/// Least-squares slope of a stream's offset over so many seconds.
 double slopeOver(SimulatedStream& stream, double seconds) {
     const double begin = stream.time();
     double count = 0;
@@ -174,7 +173,7 @@ class ClockInStep : public ::testing::TestWithParam<Clock> {};
 TEST_P(ClockInStep, isNeverFarOffAndSettlesWithinHalfAMinute) {
     SimulatedStream stream(GetParam().drift * 1e-6);
     stream.wander(GetParam().wanderingAMinute * 1e-6);
-    stream.trembleBy(1e-4);
+    stream.jitterBy(1e-4);
     stream.begin();
     double largest = 0;
     while (stream.time() < 5000 + 30) {
@@ -193,9 +192,9 @@ INSTANTIATE_TEST_SUITE_P(
                       Clock{"slowAndFaster", -500, 50}, Clock{"fastAndSlower", 500, -50}),
     [](const auto& test) { return test.param.name; });
 
-TEST(ClockSteering, knowsTheClockStillThatStoodStillForTwoSeconds) {
+TEST(ClockSteering, keepsItsEstimateWhenTheClockStopsForTwoSeconds) {
     SimulatedStream stream(500e-6);
-    stream.trembleBy(1e-4);
+    stream.jitterBy(1e-4);
     stream.begin();
     while (stream.time() < 5000 + 40) {
         stream.cycle();
@@ -206,11 +205,11 @@ TEST(ClockSteering, knowsTheClockStillThatStoodStillForTwoSeconds) {
         largest = std::max(largest, std::abs(stream.cycle()));
     }
     EXPECT_LT(largest, 0.001);
-    EXPECT_EQ(stream.jumps(), 1) << "over the standstill";
+    EXPECT_EQ(stream.jumps(), 1) << "across the stop of the clock";
 }
 
-/// One piece a second, from a stream that is so many frames behind, whose device makes so many a
-/// second more than a true one, and whose resampler does what it is asked to.
+/// One piece per second from a stream that is this many frames behind, whose device makes this many
+/// extra frames per second, and whose resampler obeys.
 class SteeredStream {
 public:
     explicit SteeredStream(std::int64_t behind, std::int64_t surplus = 0) : surplus_(surplus) {
@@ -227,7 +226,7 @@ public:
         lost_ = 0;
     }
 
-    /// Returns how many frames fewer the resampler is asked to take in for a second of sound.
+    /// Returns how many fewer input frames per second the resampler is to take.
     double second(std::int64_t behind) {
         now_ += 1'000'000'000;
         observe(behind);
@@ -259,7 +258,7 @@ private:
     std::uint32_t clock_ = 0;
 };
 
-TEST(ClockSteering, setsInAfterTwoSecondsInARowOfMoreThanOneAndAHalfMilliseconds) {
+TEST(ClockSteering, startsAfterTwoSecondsInARowOfMoreThanOneAndAHalfMilliseconds) {
     SteeredStream drifting(73);
     EXPECT_EQ(drifting.second(73), 0);
     EXPECT_GT(drifting.second(73), 0);
@@ -274,10 +273,10 @@ TEST(ClockSteering, setsInAfterTwoSecondsInARowOfMoreThanOneAndAHalfMilliseconds
     }
 }
 
-TEST(ClockSteering, setsInOnceASlopeIsNoTrembleAnyMore) {
+TEST(ClockSteering, startsOnceASlopeExceedsTheJitter) {
     struct Case {
         std::int64_t framesMoreASecond;
-        int seconds; // 0: not at all
+        int seconds; // 0: never
     };
 
     for (const auto& [frames, seconds] :
@@ -297,9 +296,9 @@ TEST(ClockSteering, setsInOnceASlopeIsNoTrembleAnyMore) {
     }
 }
 
-TEST(ClockSteering, asksForExactlyWhatADriftNeeds) {
+TEST(ClockSteering, requestsExactlyWhatADriftNeeds) {
     for (const int steps : {24, -24, 36, 38}) {
-        SteeredStream stream(0, -steps); // so many too few, which it is to make of others
+        SteeredStream stream(0, -steps); // this many too few, which the resampler must add
         EXPECT_EQ(std::round(stream.seconds(3, 0)), steps);
         EXPECT_NEAR(stream.seconds(60, 0), steps, 1);
     }
@@ -316,14 +315,14 @@ TEST(ClockSteering, measuresOverAtLeastASecond) {
     EXPECT_NE(stream.steps(), 0);
 }
 
-TEST(ClockSteering, takesWhatItIsOffBackWithinFiveSeconds) {
+TEST(ClockSteering, correctsAnOffsetWithinFiveSeconds) {
     for (const int sign : {1, -1}) {
         SteeredStream stream(sign * 120); // 2.5 ms
         const double perSecond = 500e-6 * 48000;
         EXPECT_NEAR(sign * stream.seconds(2, sign * 120), perSecond, 0.6);
-        // What the whole steps leave over comes with the next.
+        // The rounding error carries over.
         double sum = 0;
-        SteeredStream uneven(sign * 102); // 20.4 frames a second
+        SteeredStream uneven(sign * 102); // 20.4 frames per second
         uneven.seconds(60, sign * 102);
         for (int i = 0; i < 10; ++i) {
             const double steps = uneven.second(sign * 102);
@@ -343,10 +342,10 @@ TEST(ClockSteering, doesNotCopyAgainWhenNothingIsLeftToCorrect) {
         EXPECT_NE(std::round(steps), 0);
         sum += i < 20 ? 0 : steps;
     }
-    EXPECT_NEAR(sum, 0, 2.1) << "as often one way as the other";
+    EXPECT_NEAR(sum, 0, 2.1) << "both ways equally often";
 }
 
-TEST(ClockSteering, neverAsksForASpeedThatCouldBeHeard) {
+TEST(ClockSteering, neverRequestsAnAudibleSpeed) {
     for (const int sign : {1, -1}) {
         SteeredStream stream(sign * 4800, -sign * 70);
         for (int i = 0; i < 100; ++i) {
@@ -356,10 +355,10 @@ TEST(ClockSteering, neverAsksForASpeedThatCouldBeHeard) {
     }
 }
 
-TEST(ClockSteering, aKnownDriftOutlivesAJumpAndAPause) {
+TEST(ClockSteering, aKnownDriftSurvivesAJumpAndAPause) {
     SteeredStream stream(0, -24);
     stream.seconds(30, 0);
-    for (const std::uint32_t frames : {480U, 96U}) { // more than there was time for
+    for (const std::uint32_t frames : {480U, 96U}) { // more than time passed
         stream.lose(frames);
         EXPECT_NEAR(stream.second(0), 24, 1.1);
         EXPECT_NEAR(stream.second(0), 24, 1.1);
@@ -368,7 +367,7 @@ TEST(ClockSteering, aKnownDriftOutlivesAJumpAndAPause) {
     EXPECT_NEAR(stream.seconds(2, 0), 24, 1.1);
 }
 
-TEST(ClockSteering, whatKeepsJumpingIsForgotten) {
+TEST(ClockSteering, repeatedJumpsDiscardTheEstimate) {
     SteeredStream stream(0, -24);
     stream.seconds(30, 0);
     for (const int left : {24, 24, 0}) {
@@ -377,14 +376,14 @@ TEST(ClockSteering, whatKeepsJumpingIsForgotten) {
     }
 }
 
-TEST(ClockSteering, isNotLedAstrayByAnIrregularBeginning) {
+TEST(ClockSteering, isNotMisledByAnIrregularStart) {
     SteeredStream stream(0, -24);
-    stream.lose(40); // 0.8 ms, which looks like a drift the other way
+    stream.lose(40); // 0.8 ms, which looks like the opposite drift
     stream.seconds(9, 0);
     EXPECT_GT(stream.steps(), 0);
 }
 
-TEST(ClockSteering, knowsNothingOfAnotherDriversClock) {
+TEST(ClockSteering, startsOverWithAnotherDriversClock) {
     SteeredStream stream(0, -24);
     stream.seconds(20, 0);
     stream.switchDriver();
@@ -392,7 +391,7 @@ TEST(ClockSteering, knowsNothingOfAnotherDriversClock) {
     EXPECT_LT(std::abs(stream.second(0)), 2);
 }
 
-TEST(ClockSteering, measuresAnewWhenADriversClockIsSetBack) {
+TEST(ClockSteering, startsOverWhenADriversClockIsSetBack) {
     SteeredStream stream(0, -24);
     stream.seconds(20, 0);
     stream.pass(-4'000'000'000);

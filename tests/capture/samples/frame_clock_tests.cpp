@@ -32,9 +32,9 @@ TEST(NanosecondsOn, isTheClocksTime) {
             std::chrono::nanoseconds(std::chrono::steady_clock::now().time_since_epoch()).count());
     };
     const auto before = now();
-    const auto told = nanosecondsOn(CLOCK_MONOTONIC);
-    EXPECT_LE(before, told);
-    EXPECT_LE(told, now());
+    const auto between = nanosecondsOn(CLOCK_MONOTONIC);
+    EXPECT_LE(before, between);
+    EXPECT_LE(between, now());
 }
 
 } // namespace

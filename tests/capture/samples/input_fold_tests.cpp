@@ -16,7 +16,7 @@ using ::testing::Each;
 using ::testing::ElementsAre;
 using ::testing::FloatNear;
 
-/// Each input at one level for a piece of some frames; what becomes of it.
+/// The output for inputs at constant levels.
 std::vector<float> folded(InputFold& fold, const std::vector<float>& levels,
                           std::size_t frames = 4) {
     std::vector<std::vector<float>> samples;
@@ -42,14 +42,14 @@ TEST(InputFold, countsOnlyInputsThatWereHeardFromTheirFirstSampleOn) {
     };
 
     for (const Case& now : std::vector<Case>{
-             {{0.5F, 0, 0, 0, 0, 0, 0, 0}, 0.5F}, // one microphone in one of eight
-             {{0, 0, 0, 0, 0, 0.5F, 0, 0}, 0.5F}, // whichever
+             {{0.5F, 0, 0, 0, 0, 0, 0, 0}, 0.5F}, // one microphone on one of eight inputs
+             {{0, 0, 0, 0, 0, 0.5F, 0, 0}, 0.5F}, // on any input
              {{0.5F, 0.5F}, 0.5F},                // the sides of a stereo microphone
-             {{0.5F, 0.1F}, 0.3F},                // two that are heard
-             {{0.5F, 0.004F}, 0.504F},            // what comes over from a neighbour
-             {{0.05F, 0.0009F}, 0.0509F},         // an open input's noise
-             {{0.05F, 0.001F}, 0.0255F},          // loud enough to be somebody
-             {{0.5F, -0.5F, 0, 0}, 0},            // against each other, as they are
+             {{0.5F, 0.1F}, 0.3F},                // two heard inputs
+             {{0.5F, 0.004F}, 0.504F},            // crosstalk
+             {{0.05F, 0.0009F}, 0.0509F},         // noise of an open input
+             {{0.05F, 0.001F}, 0.0255F},          // loud enough to count
+             {{0.5F, -0.5F, 0, 0}, 0},            // opposite phases cancel
              {{0, 0}, 0},
          }) {
         InputFold fold;
@@ -57,14 +57,14 @@ TEST(InputFold, countsOnlyInputsThatWereHeardFromTheirFirstSampleOn) {
     }
 }
 
-TEST(InputFold, whoHasBeenHeardCountsForGood) {
+TEST(InputFold, heardInputCountsFromThenOn) {
     InputFold fold;
     folded(fold, {0.5F, 0.5F, 0});
     EXPECT_THAT(folded(fold, {0.5F, 0, 0}), Each(0.25F));
     EXPECT_THAT(folded(fold, {0, 0, 0.0009F}), Each(FloatNear(0.00045F, 1e-8F)));
 }
 
-TEST(InputFold, whoIsHeardLaterChangesTheLevelInTheCourseOfOnePiece) {
+TEST(InputFold, newlyHeardInputChangesTheLevelDuringOnePiece) {
     InputFold fold;
     EXPECT_THAT(folded(fold, {0.5F, 0}), Each(0.5F));
     EXPECT_THAT(folded(fold, {0.5F, 0.5F}), ElementsAre(1, 0.875F, 0.75F, 0.625F));
@@ -77,7 +77,7 @@ TEST(InputFold, silenceAtTheBeginningDecidesNothing) {
     EXPECT_THAT(folded(fold, {0.5F, 0.5F}), Each(0.5F));
 }
 
-TEST(InputFold, whatIsNoNumberIsNotHeard) {
+TEST(InputFold, nonFiniteSamplesAreNotHeard) {
     InputFold fold;
     EXPECT_THAT(folded(fold, {std::numeric_limits<float>::quiet_NaN(), 0.5F}), Each(0.5F));
     EXPECT_THAT(folded(fold, {std::numeric_limits<float>::infinity(), 0.5F}), Each(0.5F));

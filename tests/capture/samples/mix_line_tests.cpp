@@ -68,7 +68,7 @@ TEST(MixLine, givesChannelAfterChannelWhateverWasTakenBefore) {
         }
         add(line, 0, samples);
         float next = 1;
-        // What it holds is moved forward in between, and in the end more is asked for than it has.
+        // The content moves forward in between; the last request exceeds it.
         for (const std::size_t frames : {9U, 2U, 1U, 8U}) {
             std::vector<float> expected;
             for (std::size_t channel = 0; channel < channels; ++channel) {

@@ -12,8 +12,8 @@ constexpr std::uint64_t second = 1'000'000'000;
 
 class Stall : public ::testing::Test {
 protected:
-    /// Updates twice a second without any callback; after how many seconds it is called a stall, or
-    /// `most`.
+    /// Updates twice a second without callbacks; returns the seconds until a stall is reported, at
+    /// most `most`.
     std::uint64_t secondsUntilStall(std::uint64_t most) {
         for (std::uint64_t half = 1; half <= 2 * most; ++half) {
             now += second / 2;
@@ -30,19 +30,19 @@ protected:
     std::uint64_t asleep = 77 * second;
 };
 
-TEST_F(Stall, isToldAfterTenSecondsWithoutACallback) {
+TEST_F(Stall, isReportedAfterTenSecondsWithoutACallback) {
     watch.update(callbacks, now, now + asleep);
     EXPECT_EQ(secondsUntilStall(20), 10U);
 }
 
-TEST_F(Stall, isNotToldWhileCallbacksCome) {
+TEST_F(Stall, isNotReportedWhileCallbacksCome) {
     for (int half = 0; half < 100; ++half) {
         now += second / 2;
         EXPECT_FALSE(watch.update(++callbacks, now, now + asleep));
     }
 }
 
-TEST_F(Stall, beginsAnewAfterTheMachineWasSuspended) {
+TEST_F(Stall, startsOverAfterTheMachineWasSuspended) {
     watch.update(callbacks, now, now + asleep);
     EXPECT_EQ(secondsUntilStall(9), 9U);
     asleep += 3600 * second;
@@ -56,16 +56,16 @@ TEST_F(Stall, doesNotCountTimeInWhichWeDidNotRun) {
     EXPECT_EQ(secondsUntilStall(20), 9U);
 }
 
-TEST_F(Stall, countsFromTheFirstLookAtAStreamThatNeverBegan) {
+TEST_F(Stall, countsFromTheFirstUpdateOfAStreamThatNeverStarted) {
     callbacks = 0;
     asleep = 0;
     watch.update(callbacks, now, now);
     EXPECT_EQ(secondsUntilStall(20), 10U);
 }
 
-TEST_F(Stall, isToldAtTheVeryMomentThatTheLimitIsReached) {
+TEST_F(Stall, isReportedExactlyAtTheLimit) {
     watch.update(callbacks, now, now + asleep);
-    now += 60 * second; // counts as one
+    now += 60 * second; // counts as one second
     watch.update(callbacks, now, now + asleep);
     for (int i = 0; i < 8; ++i) {
         now += second;
@@ -77,7 +77,7 @@ TEST_F(Stall, isToldAtTheVeryMomentThatTheLimitIsReached) {
     EXPECT_TRUE(watch.update(callbacks, now, now + asleep));
 }
 
-TEST_F(Stall, takesTheClocksTremblingForNoSuspension) {
+TEST_F(Stall, doesNotMistakeClockJitterForASuspend) {
     for (const bool wasSuspended : {false, true}) {
         StallWatch other;
         other.update(callbacks, now, now + asleep);

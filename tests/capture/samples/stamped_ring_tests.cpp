@@ -14,7 +14,7 @@ namespace vantoro::capture {
 
 namespace {
 
-/// A piece whose samples count on from `firstFrame`, a different count for each channel.
+/// Writes a piece whose samples count up from `firstFrame`, differently in each channel.
 bool writeCounting(StampedRing& ring, std::uint64_t firstFrame, std::uint32_t frames) {
     const Stamp stamp{.nanoseconds = firstFrame, .frames = frames, .clockId = 7};
     return ring.write(stamp, [&](WritablePlanes planes) {
@@ -26,7 +26,7 @@ bool writeCounting(StampedRing& ring, std::uint64_t firstFrame, std::uint32_t fr
     });
 }
 
-using Samples = std::vector<std::vector<float>>; // channel by channel
+using Samples = std::vector<std::vector<float>>; // planar
 
 bool read(StampedRing& ring, Stamp& stamp, Samples& samples) {
     return ring.read([&](const Stamp& its, Planes planes) {
@@ -38,7 +38,7 @@ bool read(StampedRing& ring, Stamp& stamp, Samples& samples) {
     });
 }
 
-/// How many samples of the piece are not what `writeCounting` wrote.
+/// How many samples of the piece differ from what `writeCounting` wrote.
 std::size_t wrongSamples(const Stamp& stamp, const Samples& samples, std::size_t channels) {
     std::size_t wrong = samples.size() == channels ? 0U : 1U;
     for (std::size_t channel = 0; channel < samples.size(); ++channel) {
@@ -52,7 +52,7 @@ std::size_t wrongSamples(const Stamp& stamp, const Samples& samples, std::size_t
     return wrong;
 }
 
-TEST(StampedRing, givesPiecesBackWithTheirStamps) {
+TEST(StampedRing, returnsPiecesWithTheirStamps) {
     StampedRing ring(2, 100, 8);
     ASSERT_TRUE(writeCounting(ring, 5, 30));
     ASSERT_TRUE(writeCounting(ring, 35, 10));
@@ -87,7 +87,7 @@ TEST(StampedRing, refusesMorePiecesThanItHasStampsFor) {
     EXPECT_FALSE(writeCounting(ring, 2, 1));
 }
 
-TEST(StampedRing, tellsHowMuchIsMissingBeforeAPiece) {
+TEST(StampedRing, reportsTheLossBeforeAPiece) {
     StampedRing ring(1, 50, 8);
     ASSERT_TRUE(writeCounting(ring, 0, 40));
     ASSERT_FALSE(writeCounting(ring, 40, 20));
@@ -108,7 +108,7 @@ TEST(StampedRing, tellsHowMuchIsMissingBeforeAPiece) {
     EXPECT_FALSE(read(ring, stamp, samples));
 }
 
-TEST(StampedRing, tellsWhatIsMissingBehindTheLastPieceByOneOfNoFrames) {
+TEST(StampedRing, reportsALossAfterTheLastPieceAsAnEmptyPiece) {
     StampedRing ring(1, 50, 8);
     ASSERT_TRUE(writeCounting(ring, 0, 50));
     ring.lose(20);
@@ -119,14 +119,14 @@ TEST(StampedRing, tellsWhatIsMissingBehindTheLastPieceByOneOfNoFrames) {
     ASSERT_TRUE(read(ring, stamp, samples));
     EXPECT_EQ(stamp.lostFrames, 20U);
     EXPECT_EQ(stamp.frames, 0U);
-    EXPECT_EQ(samples, Samples(1)) << "one channel of nothing";
+    EXPECT_EQ(samples, Samples(1)) << "one empty channel";
     EXPECT_FALSE(read(ring, stamp, samples));
     ASSERT_TRUE(writeCounting(ring, 70, 10));
     ASSERT_TRUE(read(ring, stamp, samples));
-    EXPECT_EQ(stamp.lostFrames, 0U) << "told once";
+    EXPECT_EQ(stamp.lostFrames, 0U) << "reported once";
 }
 
-TEST(StampedRing, tellsEveryLossAtItsPlaceBetweenTwoThreads) {
+TEST(StampedRing, reportsEveryLossAtItsPlaceBetweenTwoThreads) {
     constexpr std::uint64_t total = 2000000;
     StampedRing ring(1, 1000, 16);
     std::jthread writer([&] {
@@ -172,7 +172,7 @@ TEST(StampedRing, hasRoomForAsManyPiecesAsBeforeWhenSomeWereRead) {
     }
 }
 
-/// Writes a piece and tells where each of its channels went, or nothing where it was refused.
+/// Writes a piece and returns the address of each channel, or nothing if refused.
 std::vector<const float*> placesOf(StampedRing& ring, std::uint32_t frames) {
     std::vector<const float*> places;
     ring.write({.frames = frames}, [&](WritablePlanes planes) {
@@ -188,7 +188,7 @@ void skipPiece(StampedRing& ring) {
     ASSERT_TRUE(ring.read([](const Stamp&, Planes) {}));
 }
 
-TEST(StampedRing, keepsEachPieceInOneStretchWhereTheRingEnds) {
+TEST(StampedRing, keepsPiecesContiguousAtTheRingsEnd) {
     StampedRing ring(2, 10, 4);
     const auto front = placesOf(ring, 4);
     EXPECT_EQ(placesOf(ring, 3), (std::vector{front[0] + 4, front[1] + 4}));
@@ -197,13 +197,13 @@ TEST(StampedRing, keepsEachPieceInOneStretchWhereTheRingEnds) {
     EXPECT_EQ(placesOf(ring, 4), front);
     EXPECT_TRUE(placesOf(ring, 1).empty());
     skipPiece(ring);
-    EXPECT_TRUE(placesOf(ring, 4).empty()) << "the end is free with what was to lie there";
+    EXPECT_TRUE(placesOf(ring, 4).empty()) << "the skipped end is not free yet";
     EXPECT_EQ(placesOf(ring, 3), (std::vector{front[0] + 4, front[1] + 4}));
     skipPiece(ring);
     EXPECT_EQ(placesOf(ring, 3), (std::vector{front[0] + 7, front[1] + 7}));
 }
 
-TEST(StampedRing, beginsAtItsFrontAgainOnceItHasBeenEmptied) {
+TEST(StampedRing, startsAtItsFrontAgainOnceEmpty) {
     StampedRing ring(2, 100, 8);
     const auto front = placesOf(ring, 30);
     EXPECT_EQ(placesOf(ring, 30), (std::vector{front[0] + 30, front[1] + 30}));
@@ -212,11 +212,11 @@ TEST(StampedRing, beginsAtItsFrontAgainOnceItHasBeenEmptied) {
     EXPECT_EQ(ring.pendingFrames(), 40U);
     skipPiece(ring);
     skipPiece(ring);
-    EXPECT_EQ(placesOf(ring, 100), front) << "and has room for as much as in the beginning";
+    EXPECT_EQ(placesOf(ring, 100), front) << "with all of its room";
     EXPECT_EQ(ring.pendingFrames(), 100U);
 }
 
-/// Of a ring's pages, those that take memory, in kilobytes of this process.
+/// This process's resident memory in kilobytes.
 std::size_t residentKilobytes() {
     std::ifstream status("/proc/self/statm");
     std::size_t total = 0;
@@ -225,10 +225,10 @@ std::size_t residentKilobytes() {
     return resident * static_cast<std::size_t>(::sysconf(_SC_PAGESIZE)) / 1024;
 }
 
-TEST(StampedRing, takesAsMuchMemoryAsItsLargestBacklogHowLongItMayBe) {
+TEST(StampedRing, takesOnlyAsMuchMemoryAsItsLargestBacklog) {
     constexpr std::size_t frames = 48000UL * 60;
     const std::size_t before = residentKilobytes();
-    StampedRing ring(2, frames, 65536, 48000); // 25 MB of addresses
+    StampedRing ring(2, frames, 65536, 48000); // 25 MB of address space
     for (int second = 0; second < 70; ++second) {
         for (std::uint64_t piece = 0; piece < 47; ++piece) {
             ASSERT_TRUE(writeCounting(ring, piece * 1024, 1024));

@@ -12,13 +12,13 @@ namespace vantoro::testing {
 
 namespace {
 
-// Short enough that a step in pitch within it, which is not noise, hardly shows.
+// So short that a step in pitch, which is not noise, hardly shows.
 constexpr std::size_t windowFrames = 512;
 constexpr std::size_t terms = 8;
 
 using Row = std::array<double, terms + 1>;
 
-/// Solves the normal equations, whose right sides are the last column.
+/// Solves the normal equations; the last column holds the right-hand sides.
 std::array<double, terms> solved(std::array<Row, terms> rows) {
     for (std::size_t i = 0; i < terms; ++i) {
         const auto pivot =
@@ -39,7 +39,8 @@ std::array<double, terms> solved(std::array<Row, terms> rows) {
     return result;
 }
 
-/// A tone whose amplitude and phase change smoothly is made of these, at a place from -1 to 1.
+/// Basis functions of a tone with smoothly changing amplitude and phase, at a position from -1 to
+/// 1.
 std::array<double, terms> partsOf(double phase, double place) {
     std::array<double, terms> parts{};
     double power = 1;
@@ -51,7 +52,7 @@ std::array<double, terms> partsOf(double phase, double place) {
     return parts;
 }
 
-/// What is in a window besides a tone of this frequency, in decibels of a full-scale sine.
+/// The rest of a window without a tone of this frequency, in dBFS.
 double noiseBeside(double frequency, std::span<const float> samples) {
     const double step = 2 * std::numbers::pi * frequency / 48000;
     const auto half = static_cast<double>(samples.size()) / 2;
@@ -80,8 +81,8 @@ double noiseBeside(double frequency, std::span<const float> samples) {
     return 10 * std::log10(std::max(2 * meanSquare, 1e-20));
 }
 
-/// From when the card's clock is known; without the few windows in which a busy machine may have
-/// kept the card waiting. A change of speed comes each second, and would show in more.
+/// The noise once the card's clock is known, ignoring the few windows in which a busy machine may
+/// delay the card. A change of speed every second would show in more of them.
 double noiseOfACard(CapturedSound& sound, double frequency) {
     const auto spoken = sound.microphone();
     const std::span<const float> samples(spoken.channels.at(0));
@@ -107,7 +108,7 @@ protected:
     }
 };
 
-TEST_F(CardWithAClock, isHeardWithoutNoiseThoughItIsSteered) {
+TEST_F(CardWithAClock, isHeardWithoutNoiseWhileSteered) {
     hear("500", "1000");
     EXPECT_LT(noiseOfACard(sound, 1000.5), -90);
 }

@@ -107,7 +107,7 @@ TEST_F(Capture, canBeStoppedWhileTheSoundServerHangs) {
     SoundSession::signalServer(SIGSTOP);
     const auto before = std::chrono::steady_clock::now();
     stop();
-    // Before a server that hangs is given up, which would end the waiting too.
+    // Before the hanging server is given up, which would end the wait too.
     EXPECT_LT(std::chrono::steady_clock::now() - before, std::chrono::seconds(8));
     SoundSession::signalServer(SIGCONT);
     EXPECT_THAT(sound.stops(), IsEmpty());
@@ -121,7 +121,7 @@ TEST_F(Capture, stopsByItselfWhenItsNodeIsDestroyed) {
     EXPECT_THAT(sound.stops(), ElementsAre(::testing::StartsWith("The sound server ended the")));
 }
 
-TEST_F(Capture, makesUpForLinksThatSomebodyTookAway) {
+TEST_F(Capture, restoresLinksThatAnotherProgramRemoved) {
     const auto voice = session.speak("voice", 300);
     start();
     ASSERT_TRUE(sound.waitForTone(AudioLevelSource::microphone, 300));

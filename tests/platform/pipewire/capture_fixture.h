@@ -17,7 +17,7 @@
 
 namespace vantoro::testing {
 
-/// Captures in the private session, as the recorder does.
+/// Captures in the private session like the recorder.
 class Capture : public ::testing::Test {
 protected:
     static constexpr CaptureRequest bothSources{.systemAudio = true, .microphone = true};
@@ -33,7 +33,7 @@ protected:
         start({.systemAudio = true, .microphone = true, .microphoneID = name});
     }
 
-    /// What `startCapture` fails with, or an empty text.
+    /// The error of `startCapture`, or an empty string.
     std::string startError(const CaptureRequest& request) {
         try {
             start(request);
@@ -48,7 +48,7 @@ protected:
         queue.sync([] {});
     }
 
-    /// Until the stream has stopped by itself and everything was delivered.
+    /// Waits until the stream has stopped on its own and delivered everything.
     bool waitForStop() {
         const bool stopped =
             sound.waitUntil([this] { return !sound.stops().empty(); }, std::chrono::seconds(30));
@@ -60,10 +60,10 @@ protected:
     pipewire::CaptureService service;
     SerialQueue queue{"com.vantoro.capture"};
     CapturedSound sound;
-    std::shared_ptr<CaptureStream> stream; // goes first
+    std::shared_ptr<CaptureStream> stream; // destroyed first
 };
 
-/// The last second, but for the very end: one source is a cycle shorter, and ends in silence.
+/// The last second without its very end: one source is a cycle shorter and ends in silence.
 inline std::span<const float> lastSecond(const std::vector<float>& samples) {
     return std::span(samples).last(52800).first(48000);
 }

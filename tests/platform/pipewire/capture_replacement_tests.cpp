@@ -13,7 +13,7 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-/// The server gives an object's id to the next one at once.
+/// The server reuses an object's id at once.
 class Replacement : public Capture {};
 
 TEST_F(Replacement, anOutputThatTakesTheMicrophonesIdIsNotRecordedAsTheMicrophone) {

@@ -17,7 +17,7 @@ namespace {
 constexpr auto audio = AudioLevelSource::systemAudio;
 constexpr auto microphone = AudioLevelSource::microphone;
 
-/// Where single loud samples are, in frames of the grid.
+/// Positions of single loud samples, in grid frames.
 std::vector<std::int64_t> clicks(const DeliveredTrack& track) {
     std::vector<std::int64_t> result;
     const auto& samples = track.channels.at(0);
@@ -30,8 +30,8 @@ std::vector<std::int64_t> clicks(const DeliveredTrack& track) {
     return result;
 }
 
-/// In how many tenths of a second, of the nine seconds from a frame on, a tone is not whole. On a
-/// busy machine an application itself may miss a cycle.
+/// In how many tenths of a second, of the nine seconds from a frame on, a tone is interrupted. On a
+/// busy machine the application may miss a cycle.
 std::size_t gaps(double frequency, const DeliveredTrack& track, std::size_t from) {
     std::size_t count = 0;
     for (std::size_t tenth = 0; tenth < 90; ++tenth) {
@@ -77,7 +77,7 @@ TEST_F(Capture, waitsForAsMuchSoundAsIsToBeDeliveredAtATime) {
     EXPECT_EQ(sound.microphone().discontinuities, 0U);
 }
 
-TEST_F(Capture, tellsWhenTheMicrophoneIsSwitchedOffInTheMixerAndOnAgain) {
+TEST_F(Capture, reportsWhenTheMicrophoneIsMutedAndUnmuted) {
     using namespace std::chrono_literals;
     const auto mute = [](const char* on) {
         ASSERT_EQ(run({"pactl", "set-source-mute", "vantoro-microphone", on}), 0);
@@ -95,7 +95,7 @@ TEST_F(Capture, tellsWhenTheMicrophoneIsSwitchedOffInTheMixerAndOnAgain) {
     EXPECT_EQ(sound.mutes(), (std::vector{true, false, true, false}));
 }
 
-TEST_F(Capture, tellsOfCodedSoundForAsLongAsItIsPlayed) {
+TEST_F(Capture, reportsCodedSoundWhileItPlays) {
     using namespace std::chrono_literals;
     using enum SourceCondition;
     start();
@@ -103,7 +103,7 @@ TEST_F(Capture, tellsOfCodedSoundForAsLongAsItIsPlayed) {
     EXPECT_TRUE(
         sound.waitUntil([&] { return sound.systemObstacles() == std::vector{coded}; }, 10s));
     const auto other = session.play("app", "vantoro-output-1", 440);
-    EXPECT_TRUE(sound.waitForTone(audio, 440)) << "what else is played is recorded";
+    EXPECT_TRUE(sound.waitForTone(audio, 440)) << "other sound is still recorded";
     player.reset();
     EXPECT_TRUE(sound.waitUntil(
         [&] { return sound.systemObstacles() == std::vector{coded, delivering}; }, 10s));
@@ -123,7 +123,7 @@ TEST_F(Capture, hearsWhatIsLinkedToAnOutputByHand) {
     const auto heard = sound.audio();
     EXPECT_NEAR(usualAmplitudeOf(300, lastSecond(heard.channels[0])), 0.25, 0.003);
     EXPECT_LT(steadyAmplitudeOf(300, lastSecond(heard.channels[1])), 0.0001)
-        << "on the right nobody heard it";
+        << "not played on the right";
 }
 
 TEST_F(Capture, hearsOnceWhatALoopbackPlaysAgainOnAnotherOutput) {
@@ -151,7 +151,7 @@ TEST_F(Capture, leavesOutWhatOurOwnProcessPlays) {
     EXPECT_LT(steadyAmplitudeOf(2500, lastSecond(sound.audio().channels[0])), 0.0001);
 }
 
-TEST_F(Capture, hearsOurOwnProcessWhereItIsToldTo) {
+TEST_F(Capture, hearsOurOwnProcessOnRequest) {
     const OwnTone own(2500);
     service = pipewire::CaptureService({.excludesOwnSound = false});
     start(systemAudioOnly);
@@ -184,7 +184,7 @@ TEST_F(Capture, losesNothingOfTheFirstSound) {
     const auto app = session.play("app", "vantoro-output-1", 440);
     ASSERT_TRUE(sound.waitForTone(audio, 440));
     stop();
-    // The tone begins with a rising sine: what was cut off would begin elsewhere.
+    // The tone starts with a rising sine; a truncated one would start elsewhere.
     const auto samples = sound.audio().channels[0];
     const auto begin = std::ranges::find_if(samples, [](float s) { return std::abs(s) > 0.001F; });
     ASSERT_LT(begin, samples.end() - 30);
@@ -271,7 +271,7 @@ TEST_F(Capture, hearsWhatPassesThroughAVirtualOutputOnce) {
     EXPECT_NEAR(usualAmplitudeOf(440, lastSecond(sound.audio().channels[0])), 0.25, 0.003);
 }
 
-TEST_F(Capture, whatNobodyHearsIsNotCaptured) {
+TEST_F(Capture, soundWithoutAnOutputIsNotCaptured) {
     const auto voice = session.speak("voice", 300);
     start();
     ASSERT_TRUE(sound.waitForTone(microphone, 300));
@@ -304,7 +304,7 @@ TEST_F(Capture, lastsAsLongAsItRan) {
     const auto afterStop = now();
     const double captured = static_cast<double>(sound.audio().frames()) / 48000;
     EXPECT_GE(captured, Seconds(beforeStop - afterStart).count() - 0.06);
-    // The first piece is of the cycle that ran when the streams were linked.
+    // The first piece comes from the cycle in which the streams were linked.
     constexpr double longCycle = 4096.0 / 48000;
     EXPECT_LE(captured, Seconds(afterStop - beforeStart).count() + longCycle + 0.06);
 }
@@ -326,14 +326,14 @@ TEST_F(Capture, hasWhatWasHeardWhileItsStreamsSettled) {
     }
 }
 
-TEST_F(Capture, aClickIsAtOneTimeInOutputAndMicrophone) {
+TEST_F(Capture, clicksCoincideInOutputAndMicrophone) {
     const auto app = session.click("app");
     ASSERT_TRUE(SoundSession::link("app:output_FL", "vantoro-microphone:input_MONO"));
     start();
     ASSERT_TRUE(sound.waitForMore(4));
     stop();
-    // Of eight, the first and the last may fall outside one of the two, and a busy machine may keep
-    // one from one of them; were the two out of step, none would be in both at one time.
+    // Of eight clicks, the first and last may be missing from one source, and a busy machine may
+    // delay one; out of step, none would coincide.
     const auto spoken = clicks(sound.microphone());
     const auto isSpoken = [&](std::int64_t position) {
         return std::ranges::any_of(spoken,
@@ -342,20 +342,20 @@ TEST_F(Capture, aClickIsAtOneTimeInOutputAndMicrophone) {
     EXPECT_GE(std::ranges::count_if(clicks(sound.audio()), isSpoken), 5);
 }
 
-TEST_F(Capture, losesNotAFrameWhileTheQueueIsBlocked) {
+TEST_F(Capture, losesNoFrameWhileTheQueueIsBlocked) {
     const auto app = session.play("app", "vantoro-output-1", 440);
     const auto voice = session.speak("voice", 300);
     start();
     ASSERT_TRUE(sound.waitForTone(audio, 440));
     ASSERT_TRUE(sound.waitForTone(microphone, 300));
     const std::size_t before = sound.audio().frames();
-    // The blockage itself: no event stands for a queue that does nothing for eight seconds.
+    // The stall itself: no event represents eight seconds of an idle queue.
     queue.async([] { std::this_thread::sleep_for(std::chrono::seconds(8)); });
     ASSERT_TRUE(sound.waitForMore(9));
     stop();
     const auto heard = sound.audio();
     const auto spoken = sound.microphone();
-    // Were the blocked time lost, or what a smaller ring does not hold, it would be most of them.
+    // If the stall lost sound, or a smaller ring overflowed, most tenths would be affected.
     constexpr std::size_t aTenth = 9;
     EXPECT_LE(gaps(440, heard, before), aTenth);
     EXPECT_LE(gaps(300, spoken, before), aTenth);
@@ -363,7 +363,7 @@ TEST_F(Capture, losesNotAFrameWhileTheQueueIsBlocked) {
     EXPECT_LE(sound.largestLead(), 1024);
 }
 
-TEST_F(Capture, tellsWhatAStandstillOfTheQueueLostAndStaysInStep) {
+TEST_F(Capture, reportsTheLossOfAStallAndStaysInStep) {
     service = pipewire::CaptureService({.longestStall = std::chrono::seconds(1)});
     const auto app = session.click("app");
     ASSERT_TRUE(SoundSession::link("app:output_FL", "vantoro-microphone:input_MONO"));
@@ -371,7 +371,7 @@ TEST_F(Capture, tellsWhatAStandstillOfTheQueueLostAndStaysInStep) {
     ASSERT_TRUE(sound.waitForMore(2));
     const auto before = sound.audio().frames();
     {
-        // Another recording, whose queue runs, tells how much sound the one that stands still gets.
+        // A second recording, whose queue runs, shows how much sound reaches the stalled one.
         CapturedSound clockSound;
         SerialQueue clockQueue("com.vantoro.clock");
         const auto clock = service.makeStream(systemAudioOnly, clockQueue, clockSound);
@@ -382,7 +382,7 @@ TEST_F(Capture, tellsWhatAStandstillOfTheQueueLostAndStaysInStep) {
         release.set_value();
         clock->stopCapture();
     }
-    ASSERT_TRUE(sound.waitForMore(6)); // four of which stand for the standstill
+    ASSERT_TRUE(sound.waitForMore(6)); // including the stall's four seconds
     stop();
     const auto heard = sound.audio();
     const auto spoken = sound.microphone();

@@ -6,8 +6,8 @@
 
 namespace vantoro::testing {
 
-/// A receiver for coded sound, an output like any other to the desktop, and a player that sends it
-/// some, while this lives.
+/// A receiver for encoded sound, which looks like any output, and a player that sends it some,
+/// while this object lives.
 class CodedSound {
 public:
     CodedSound();

@@ -14,7 +14,7 @@ using namespace vantoro::pipewire;
 
 namespace {
 
-// The call is a macro that casts as C does.
+// The call is a macro with a C-style cast.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wold-style-cast"
 
@@ -37,7 +37,7 @@ public:
         pw_registry* const registry =
             pw_core_get_registry(connection_.core(), PW_VERSION_REGISTRY, 0);
         registry_.reset(reinterpret_cast<pw_proxy*>(registry));
-        // What is asked for before the loop runs goes to the server in one piece.
+        // Requests made before the loop runs reach the server together.
         destroy(registry, replaced);
         device_.reset(static_cast<pw_proxy*>(
             pw_core_create_object(connection_.core(), "adapter", PW_TYPE_INTERFACE_Node,

@@ -7,9 +7,9 @@
 
 namespace vantoro::testing {
 
-/// A device that takes the place of a node while this lives: the node is destroyed and the device
-/// made by two requests that the server gets at once, so that it gives the node's id to the device
-/// and tells everybody of both in one go.
+/// A device that replaces a node while this object lives. The server receives the requests to
+/// destroy the node and to create the device together, so that it reuses the node's id and
+/// announces both at once.
 class DeviceInPlace {
 public:
     /// Returns once the device is there.

@@ -24,7 +24,7 @@ using capture::MixerSetting;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-/// Parameters as a node sends them.
+/// Parameters in a node's format.
 class NodeParameters {
 public:
     NodeParameters() {
@@ -82,7 +82,7 @@ constexpr MixerSetting audible{};
 constexpr MixerSetting muted{.isMuted = true};
 constexpr MixerSetting turnedDown{.isVolumeZero = true};
 
-TEST(MixerSetting, isReadFromWhatTheNodeTells) {
+TEST(MixerSetting, isReadFromTheNodesParameters) {
     struct Case {
         const char* what;
         std::function<void(NodeParameters&)> build;
@@ -136,7 +136,7 @@ TEST(MixerSetting, isReadFromWhatTheNodeTells) {
     }
 }
 
-TEST(MixerSetting, keepsWhatIsNotToldAnew) {
+TEST(MixerSetting, keepsFieldsThatAreNotRepeated) {
     EXPECT_EQ(NodeParameters().gains(SPA_PROP_channelVolumes, {1.0F}).read(muted), muted);
     EXPECT_EQ(NodeParameters().flag(SPA_PROP_mute, false).read(turnedDown), turnedDown);
     EXPECT_EQ(NodeParameters().flag(SPA_PROP_mute, false).read(muted), audible);

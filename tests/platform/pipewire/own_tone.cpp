@@ -43,7 +43,7 @@ public:
     }
 
 private:
-    /// The real-time thread looks at the pointer until the stream has ended.
+    /// The real-time thread uses the pointer until the stream has ended.
     void end() {
         hook_.reset();
         pw_stream_destroy(stream_.get());

@@ -7,11 +7,11 @@
 
 namespace vantoro::testing {
 
-/// A tone that this very process plays to the default output while this lives.
+/// A tone that this process plays to the default output while this object lives.
 class OwnTone {
 public:
     explicit OwnTone(double frequency);
-    /// Ends the tone and begins another in one go, as a player does from one title to the next.
+    /// Replaces the tone by another at once, as a player does between titles.
     void replace(double frequency);
     /// The id of the stream's node, once it plays.
     std::uint32_t node() const;

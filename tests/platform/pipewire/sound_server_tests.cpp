@@ -19,14 +19,14 @@ using capture::MixerSetting;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-/// What is asked for is what the session has, not how fast a busy machine answers.
+/// A generous time limit: the tests are about the session's content, not a busy machine's speed.
 constexpr std::chrono::seconds limit(30);
 
 std::optional<capture::SoundSurvey> survey() {
     return pipewire::SoundServer(limit).survey();
 }
 
-/// The mixer of the session's microphone, as it is now.
+/// The current mixer setting of the session's microphone.
 MixerSetting mixer() {
     const auto found = survey();
     return found && found->microphones.size() == 1 ? found->microphones[0].mixer
@@ -46,7 +46,7 @@ TEST(SoundServerSurvey, findsWhatTheSessionHas) {
     EXPECT_EQ(found->microphones[0].mixer, MixerSetting());
 }
 
-TEST(SoundServerSurvey, knowsHowAMicrophoneStandsInTheMixer) {
+TEST(SoundServerSurvey, findsAMicrophonesMixerSetting) {
     ASSERT_EQ(run({"pactl", "set-source-mute", "vantoro-microphone", "1"}), 0);
     EXPECT_EQ(mixer(), (MixerSetting{.isMuted = true}));
     ASSERT_EQ(run({"pactl", "set-source-volume", "vantoro-microphone", "0%"}), 0);
@@ -81,7 +81,7 @@ TEST(SoundServerDevices, listsTheMicrophonesAndTheDefaultOne) {
     EXPECT_EQ(server.find().microphones.size(), 2U);
 }
 
-TEST(SoundServerDevices, knowsWhatCameAndWhatWent) {
+TEST(SoundServerDevices, followsAddedAndRemovedDevices) {
     pipewire::SoundServer server;
     SoundSession::makeDevice("second-microphone", "Audio/Source/Virtual", "MONO");
     EXPECT_EQ(server.find().microphones.size(), 2U);

@@ -28,8 +28,8 @@ namespace {
 
 constexpr int secondsOfSound = 60;
 
-/// How a player has to be started for a busy machine not to break its sound: before all others,
-/// where the user may ask for that.
+/// Starts a player with real-time priority, if permitted, so that a busy machine does not interrupt
+/// it.
 class PlayerPriority {
 public:
     PlayerPriority() {
@@ -91,7 +91,7 @@ std::string outputOf(const std::string& command) {
     return output;
 }
 
-/// Programs that change the session give no sign when the change is done: it is looked for.
+/// Programs that change the session do not signal completion; poll.
 template <class Condition>
 bool eventually(Condition condition) {
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(30);
@@ -210,7 +210,7 @@ bool SoundSession::waitForPort(const std::string& outputPort) {
 }
 
 bool SoundSession::waitForLink(const std::string& outputPort, const std::string& inputPort) {
-    // Each port has a line, followed by an indented one for each port that it is linked to.
+    // Each port is a line, followed by an indented line per link.
     return eventually([&] {
         std::istringstream lines(outputOf("pw-link -l"));
         std::string port;
