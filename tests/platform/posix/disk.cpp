@@ -21,7 +21,7 @@ namespace vantoro::testing {
 
 namespace {
 
-/// In a view of the file systems that nobody else shares, so that no mount outlives the test.
+/// Mounts in a private mount namespace, so that no mount outlives the test.
 bool mountMemoryDisk(const std::filesystem::path& folder, const std::string& options,
                      unsigned long flags) {
     return ::unshare(CLONE_NEWNS) == 0 &&
@@ -68,7 +68,7 @@ int SmallDisk::errorWhenFull() const {
 
 void SmallDisk::fill() {
     if (mounted_) {
-        std::ofstream(path() / "filler") << std::string(size_, 'f'); // as much of it as fits
+        std::ofstream(path() / "filler") << std::string(size_, 'f'); // as much as fits
     } else {
         limitFiles(1);
     }
@@ -95,7 +95,7 @@ ReadOnlyFolder::ReadOnlyFolder()
     if (!mounted_) {
         ::chmod(path_.c_str(), 0555);
         if (::access(path_.c_str(), W_OK) == 0) {
-            path_ = "/proc"; // an administrator who may not mount heeds no permissions
+            path_ = "/proc"; // root ignores permissions even without mounting
         }
     }
 }

@@ -16,7 +16,7 @@
 
 namespace vantoro::testing {
 
-/// A folder of its own on the real disk, gone at the end with all that is in it.
+/// A temporary folder on the real disk, removed with its content.
 class TemporaryFolder {
 public:
     TemporaryFolder();
@@ -30,8 +30,8 @@ private:
     std::filesystem::path path_;
 };
 
-/// A disk that holds `size` bytes. Where mounting one is not permitted, a limit on the size of
-/// files stands in for it: the system refuses the same writes, for another reason.
+/// A disk of `size` bytes. If mounting is not permitted, a file size limit stands in: the same
+/// writes fail, for another reason.
 class SmallDisk {
 public:
     explicit SmallDisk(std::size_t size);
@@ -42,7 +42,7 @@ public:
     const std::filesystem::path& path() const { return folder_.path(); }
 
     int errorWhenFull() const;
-    /// Takes away the room that is left, but for a few bytes at most; `empty` gives it back.
+    /// Fills the disk up to a few bytes; `empty` undoes it.
     void fill();
     void empty();
 
@@ -55,7 +55,7 @@ private:
     void limitFiles(std::size_t size) const;
 };
 
-/// A folder in which nothing can be created, for the administrator neither where possible.
+/// A folder in which nothing can be created, if possible not even by root.
 class ReadOnlyFolder {
 public:
     ReadOnlyFolder();
@@ -71,7 +71,7 @@ private:
     std::filesystem::path path_;
 };
 
-/// Sets the user's mask for a while.
+/// Sets the umask temporarily.
 class Mask {
 public:
     explicit Mask(mode_t mask);
@@ -84,14 +84,14 @@ private:
 };
 
 std::vector<std::byte> bytesOf(const std::string& text);
-/// By the C++ library's own reader.
+/// Reads with the C++ library.
 std::string contentOf(const std::filesystem::path& path);
 void writeFile(const std::filesystem::path& path, const std::string& content);
 mode_t permissionsOf(const std::filesystem::path& path);
 
 /// Expects the work to throw a std::system_error with this text.
 void expectFailure(const std::function<void()>& work, const std::string& text);
-/// As the system words it.
+/// The system's error text.
 std::string reason(int errorNumber);
 
 } // namespace vantoro::testing

@@ -81,7 +81,7 @@ TEST(FileInTheWayTest, noFolderIsCreatedBelowAFile) {
 TEST(EndlessPathTest, examiningItFailsInsteadOfGuessing) {
     const TemporaryFolder folder;
     const posix::PosixFileSystem fileSystem;
-    const std::string name(300, 'n'); // longer than any file system takes
+    const std::string name(300, 'n'); // longer than any file system allows
     expectFailure([&] { static_cast<void>(fileSystem.exists(folder.path() / name)); },
                   "Cannot find " + name + ": " + reason(ENAMETOOLONG));
 }

@@ -30,7 +30,7 @@ protected:
 
     bool isLocked() { return fileSystem.lock(file) == nullptr; }
 
-    /// The same, asked by another process.
+    /// The same from another process.
     bool isLockedForOthers() {
         const pid_t child = fork();
         if (child == 0) {

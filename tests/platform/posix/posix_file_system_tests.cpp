@@ -30,7 +30,7 @@ TEST_F(PosixFileSystemTest, foldersAreCreatedWithTheirParentsAndMayExist) {
     fileSystem.createFolders(in("a/b/c"));
     EXPECT_TRUE(std::filesystem::is_directory(in("a/b/c")));
     fileSystem.createFolders(in("a/b/c"));
-    fileSystem.createFolders(in("a/d/")); // as a path that a user typed may end
+    fileSystem.createFolders(in("a/d/")); // a typed path may end so
     EXPECT_TRUE(std::filesystem::is_directory(in("a/d")));
 }
 
@@ -59,7 +59,7 @@ TEST_F(PosixFileSystemTest, removesAFileOrALinkOrAnEmptyFolder) {
     std::filesystem::create_directory(in("folder"));
     std::filesystem::create_symlink("file", in("link"));
     fileSystem.remove(in("link"));
-    EXPECT_EQ(contentOf(in("file")), "x"); // what it led to stays
+    EXPECT_EQ(contentOf(in("file")), "x"); // its target stays
     fileSystem.remove(in("file"));
     fileSystem.remove(in("folder"));
     EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
@@ -102,7 +102,7 @@ TEST_F(PosixFileSystemTest, movingOntoAnythingFailsAndKeepsBoth) {
 TEST_F(PosixFileSystemTest, folderIsSyncedWhereItsFileSystemCan) {
     fileSystem.syncFolder(folder.path());
     fileSystem.syncFolder(""); // the folder part of a bare file name
-    // Folders of this file system refuse to be synced: there is nothing to be done about it.
+    // This file system refuses to sync folders, which is ignored.
     const int refusing = ::open("/proc/self", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     ASSERT_NE(refusing, -1);
     EXPECT_EQ(::fsync(refusing), -1);

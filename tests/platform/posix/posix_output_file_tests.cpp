@@ -222,7 +222,7 @@ TEST_F(PosixOutputFileTest, fileInAMovedFolderIsCopiedToWhereItBelongs) {
     const auto file = fileHolding("content");
     std::filesystem::rename(takes, folder.path() / "trash");
     file->writeAt(7, bytesOf(", more"));
-    file->sync(); // a folder that went away since does not make the content any less safe
+    file->sync(); // a folder removed since does not matter
     file->ensureReachable();
     file->writeAt(13, bytesOf(", end"));
     EXPECT_EQ(contentOf(path), "content, more, end");

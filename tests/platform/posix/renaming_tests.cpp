@@ -14,7 +14,7 @@ namespace {
 
 using Way = bool (*)(const std::filesystem::path&, const std::filesystem::path&);
 
-/// Each of the ways, on a file system that knows them all.
+/// Each method, on a file system that supports all of them.
 class RenamingTest : public ::testing::TestWithParam<Way> {
 protected:
     TemporaryFolder folder;

@@ -13,7 +13,7 @@
 namespace vantoro::testing {
 namespace {
 
-/// Puts the program into a time zone for a while.
+/// Sets the program's time zone temporarily.
 class TimeZone {
 public:
     explicit TimeZone(const char* name) {
@@ -42,7 +42,7 @@ private:
 TEST(SystemClockTest, uptimeIsTheTimeSinceTheMachineWasStarted) {
     const posix::SystemClock clock;
     const double first = clock.systemUptime();
-    double sinceBoot = 0; // the kernel's own report, in hundredths; time asleep is in it
+    double sinceBoot = 0; // from the kernel, in hundredths; includes suspended time
     std::ifstream("/proc/uptime") >> sinceBoot;
     const double second = clock.systemUptime();
     EXPECT_LE(first, second);
