@@ -100,8 +100,8 @@ private:
     std::mutex mutex_; // guards work_; held for a push or swap only
     std::deque<std::function<void()>> work_;
     std::vector<std::shared_ptr<Source>> sources_; // queue thread only
-    std::atomic<int> wakes_{0}; // counts calls of wake(), so that none is missed
-    std::jthread thread_;       // last: it uses the above
+    std::atomic<int> wakes_{0};                    // counts calls of wake(), so that none is missed
+    std::jthread thread_;                          // last: it uses the above
 };
 
 } // namespace vantoro

@@ -22,7 +22,6 @@ constexpr auto tapStartLimit = 1s; // a broken output must not block the others
 constexpr auto startingInterval = 5ms;
 constexpr auto runningInterval = 500ms;
 
-
 /// The first cycles after linking are often short or late, so a stream counts as running only after
 /// a few. Sound heard meanwhile is kept.
 bool hasSettled(const InputStream& stream) {
