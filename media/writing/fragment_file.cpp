@@ -20,7 +20,6 @@ FragmentFile::~FragmentFile() {
         stopping_ = true;
     }
     changed_.notify_one();
-    thread_.join();
 }
 
 void FragmentFile::append(std::vector<std::byte> fragment, std::int64_t end) {
@@ -70,10 +69,10 @@ void FragmentFile::run() {
     }
 }
 
-/// Writes the first waiting fragment, which stays in its place until it is on disk.
+/// Writes the first waiting fragment and removes it from the queue once it is on disk.
 bool FragmentFile::writeNext() {
     std::unique_lock lock(mutex_);
-    const Fragment& fragment = fragments_.front(); // others only add behind it
+    const Fragment& fragment = fragments_.front(); // other threads only append
     lock.unlock();
     try {
         file_->writeAt(end_, fragment.bytes);
@@ -91,8 +90,8 @@ bool FragmentFile::writeNext() {
     return true;
 }
 
-/// Removes what a failed write left behind the last whole fragment. A reader would stop there
-/// anyway, so this may fail in its turn.
+/// Removes what a failed write left after the last whole fragment. Readers ignore it anyway, so
+/// failure is harmless.
 void FragmentFile::cutBack() noexcept {
     try {
         file_->truncate(end_);

@@ -17,40 +17,40 @@
 
 namespace vantoro::media {
 
-/// Brings finished fragments to disk on a thread of its own, one write and one sync each, so that
-/// a slow disk delays nobody. At any moment the file is a row of whole fragments, but for the one
-/// that is being written.
+/// Writes finished fragments on its own thread, with one write and one sync each, so that a slow
+/// disk delays no caller. The file always consists of whole fragments, except for the one being
+/// written.
 ///
-/// After a failed write the file is cut back to its last whole fragment and what is left waits in
-/// memory for `finish`, which tries once more. Called by one thread; `backlog` by any.
+/// After a failed write it truncates the file to its last whole fragment and keeps the remaining
+/// ones in memory for `finish`, which tries once more. Called by one thread; `backlog` by any.
 class FragmentFile {
 public:
-    /// Told, on the file thread, why a write failed.
+    /// Receives a failed write's error. File thread.
     using Failure = std::function<void(std::exception_ptr error)>;
-    /// Told, on the file thread, that another fragment is on the disk, and how many bytes wait.
+    /// Called when another fragment is on the disk; `backlog`: bytes waiting. File thread.
     using Growth = std::function<void(std::size_t backlog)>;
-    /// Told, on the file thread, that the file is closed: why it holds nothing of use, or null.
+    /// Called when the file is closed; `failure`: why it holds no sound, or null. File thread.
     using Completion = std::function<void(const std::exception_ptr& failure)>;
 
     FragmentFile(std::unique_ptr<OutputFile> file, Failure onFailure, Growth onGrowth);
     FragmentFile(const FragmentFile&) = delete;
     FragmentFile& operator=(const FragmentFile&) = delete;
-    /// Waits until all fragments are written, or one fails; the file stays. Not on the file thread.
+    /// Waits until all fragments are written or one fails; keeps the file. Not on the file thread.
     ~FragmentFile();
 
-    /// `end`: how many frames the movie has up to the fragment's end.
+    /// `end`: the fragment's end, in frames from the movie's beginning.
     void append(std::vector<std::byte> fragment, std::int64_t end);
-    /// Bytes that wait to be written.
+    /// Bytes waiting to be written.
     std::size_t backlog() const;
 
-    /// How many frames the movie has on the disk, and why the latest write failed. File thread.
+    /// The frames on the disk, and the latest write's failure or null. File thread.
     std::int64_t framesOnDisk() const noexcept { return framesOnDisk_; }
 
     const std::exception_ptr& latestFailure() const noexcept { return failure_; }
 
-    /// Writes what is left, syncs, makes the file reachable and closes it. Fragments that cannot be
-    /// written are given up when a whole one is on disk. The completion is called once, last of
-    /// all. Nothing may follow.
+    /// Writes the remaining fragments, syncs, makes the file reachable and closes it. If at least
+    /// one fragment is on disk, drops those that cannot be written. Calls the completion once, at
+    /// the end. No call may follow.
     void finish(Completion completion);
 
 private:
@@ -65,11 +65,11 @@ private:
     std::exception_ptr writeRest();
     void cutBack() noexcept;
 
-    // Touched on the file thread only.
+    // Used on the file thread only.
     std::unique_ptr<OutputFile> file_;
     Failure onFailure_;
     Growth onGrowth_;
-    std::uint64_t end_ = 0; // of the last whole fragment
+    std::uint64_t end_ = 0; // after the last whole fragment
     std::int64_t framesOnDisk_ = 0;
     std::exception_ptr failure_; // why the latest write failed
 
@@ -80,7 +80,7 @@ private:
     bool failed_ = false;
     bool stopping_ = false;
     Completion completion_;
-    std::thread thread_;
+    std::jthread thread_; // last, because it uses the above and joins on destruction
 };
 
 } // namespace vantoro::media
