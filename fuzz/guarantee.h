@@ -7,10 +7,10 @@
 
 namespace vantoro::fuzz {
 
-/// Ends the process, which makes a finding of the input, when the parser has broken a promise.
-inline void require(bool holds, const char* promise) {
+/// Aborts if the parser breaks a guarantee, so that the fuzzer reports the input.
+inline void require(bool holds, const char* guarantee) {
     if (!holds) {
-        std::cerr << "Broken promise: " << promise << '\n';
+        std::cerr << "Broken guarantee: " << guarantee << '\n';
         std::abort();
     }
 }

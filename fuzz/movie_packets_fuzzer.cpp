@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-// Opens any bytes at all as the recorder opens an unfinished movie, and reads how each track is
-// coded and its packets, in order and from the middle on.
+// Opens arbitrary bytes as an unfinished movie, and reads each track's codec and packets, in order
+// and from the middle on.
 
 #include <algorithm>
 #include <cstddef>
@@ -11,7 +11,7 @@
 #include <utility>
 #include <vector>
 
-#include "fuzz/promise.h"
+#include "fuzz/guarantee.h"
 #include "fuzz/sparse_file.h"
 #include "media/coding/aac.h"
 #include "media/movie/movie.h"
@@ -29,7 +29,7 @@ using Bytes = std::vector<std::byte>;
 
 constexpr std::uint64_t unlimited = ~std::uint64_t{0};
 
-/// Null when it is refused, which has to be by an exception of the usual kind.
+/// Null if refused, which must be with the documented exception.
 std::shared_ptr<const Movie> open(std::unique_ptr<SparseFile> file) {
     auto movie = std::make_shared<Movie>();
     const std::uint64_t size = file->size();
@@ -37,7 +37,7 @@ std::shared_ptr<const Movie> open(std::unique_ptr<SparseFile> file) {
     movie->file = std::move(file);
     try {
         movie->scan = media::scanMovie(*movie->file);
-        media::scanBehindDamage(*movie->file, movie->scan);
+        media::scanAfterDamage(*movie->file, movie->scan);
         movie->codecs = media::readCodecs(movie->scan);
     } catch (const std::runtime_error&) {
         return nullptr;
@@ -62,8 +62,8 @@ std::vector<Bytes> readTrack(const std::shared_ptr<const Movie>& movie, std::siz
 }
 
 void checkTrack(const std::shared_ptr<const Movie>& movie, SparseFile& file, std::size_t track) {
-    // Each byte is read once, but for a packet that reached beyond what was read ahead;
-    // descriptions and their two boxes' headers are read once too.
+    // Each byte is read once, except for packets that exceeded the read-ahead; descriptions and
+    // their two boxes' headers are read once too.
     const std::uint64_t size = file.size();
     file.allow((2 * size) + 1, 3 * size);
     const std::vector<Bytes> packets = readTrack(movie, track);
@@ -93,12 +93,12 @@ void checkTrack(const std::shared_ptr<const Movie>& movie, SparseFile& file, std
 
 } // namespace vantoro::fuzz
 
-// NOLINTNEXTLINE(readability-identifier-naming): the fuzzer calls it so
+// NOLINTNEXTLINE(readability-identifier-naming): the fuzzer's entry point
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace vantoro;
     std::vector<std::uint8_t> input(data, data + size);
     if (!input.empty()) {
-        input.front() = 0; // no zeros behind, all of which would be read as packets
+        input.front() = 0; // no zeros, which would all be read as packets
     }
     auto owned = std::make_unique<fuzz::SparseFile>(input);
     fuzz::SparseFile& file = *owned;

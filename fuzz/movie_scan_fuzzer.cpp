@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-// Gives the parser of unfinished movies any bytes at all, and holds it to what its headers promise.
+// Gives the parser of unfinished movies arbitrary bytes, and checks its documented guarantees.
 
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
 
-#include "fuzz/promise.h"
+#include "fuzz/guarantee.h"
 #include "fuzz/sparse_file.h"
 #include "media/boxes/box_reader.h"
 #include "media/coding/aac.h"
@@ -20,28 +20,28 @@ namespace {
 
 using media::packetFrames;
 
-constexpr std::uint64_t mostTracks = 16;
-constexpr std::uint64_t mostPackets = 65536; // of a track in a fragment
-constexpr std::uint64_t largestPacket = 65536;
-constexpr std::uint64_t largestHeader = 1U << 20U;
+constexpr std::uint64_t maxTracks = 16;
+constexpr std::uint64_t maxPackets = 65536; // of a track in a fragment
+constexpr std::uint64_t maxPacketSize = 65536;
+constexpr std::uint64_t maxHeaderSize = 1U << 20U;
 
-/// How far a fragment is looked for: all that is held, and not all of the zeros.
+/// How far to search for a fragment: past the bytes in memory, but not through all zeros.
 constexpr std::uint64_t reach = 4096;
 
-/// What one look at each fragment may cost. The smallest whole fragment has 73 bytes, of which the
-/// last may be a zero of the tail, and takes six reads: the header and the large size of two boxes,
-/// a description, and the checksum if there is one; so does at most one that is found not to be
-/// whole. Before them up to 16 boxes are looked at, and one header is read. Descriptions do not
-/// overlap, and none lies among the zeros.
+/// Limits the cost of one scan. The smallest whole fragment has 73 bytes, of which the last may be
+/// a zero of the tail, and takes six reads: the header and the large size of two boxes, the
+/// description, and the checksum. So does at most one fragment that is not whole. Before them the
+/// scan reads up to 16 boxes and one header. Descriptions do not overlap, and none lies among the
+/// zeros.
 void allowScan(SparseFile& file) {
-    constexpr std::uint64_t largestRead = 28; // of a fixed size: a checksum with its box
+    constexpr std::uint64_t maxReadSize = 28; // of fixed size: a checksum with its box
     const std::uint64_t reads = 40 + (6 * (file.heldSize() / 72));
-    file.allow(reads, (largestRead * reads) + largestHeader + file.heldSize());
+    file.allow(reads, (maxReadSize * reads) + maxHeaderSize + file.heldSize());
 }
 
-/// What a scan behind damage may cost: the search reads each byte once, but for names on a border.
-/// Each four bytes may seem to be a fragment, which takes seven reads to find that they are not,
-/// and one more for the checksum; the bytes of those are bounded together, but for one too many.
+/// Limits the cost of a scan after damage: the search reads each byte once, except for names across
+/// read boundaries. Every four bytes may look like a fragment, which takes seven reads to refuse,
+/// and one more for the checksum; the bytes of these are limited together, except for one too many.
 void allowDamageScan(SparseFile& file) {
     const std::uint64_t held = file.heldSize();
     const std::uint64_t reads = 40 + (9 * (held / 4));
@@ -49,7 +49,7 @@ void allowDamageScan(SparseFile& file) {
 }
 
 void checkTracks(const std::vector<media::TrackHeader>& tracks) {
-    require(tracks.size() <= mostTracks, "a movie has at most 16 tracks");
+    require(tracks.size() <= maxTracks, "a movie has at most 16 tracks");
     for (auto track = tracks.begin(); track != tracks.end(); ++track) {
         require(std::ranges::count(tracks, track->id, &media::TrackHeader::id) == 1,
                 "tracks can be told apart");
@@ -63,7 +63,7 @@ struct ByteRange {
     std::uint64_t end = 0;
 };
 
-/// Follows the packets through all fragments, as their readers do.
+/// Walks the packets of all fragments, as readers do.
 class Walk {
 public:
     Walk(SparseFile& file, const media::MovieScan& scan)
@@ -77,7 +77,7 @@ public:
         begin_ = scan_.headerEnd;
         endOfPackets_ = scan_.headerEnd;
         for (std::size_t index = 0; index < scan_.fragments.size(); ++index) {
-            goOnAt(scan_.startsOf(index), scan_.fragments[index]);
+            skipGap(scan_.startsOf(index), scan_.fragments[index]);
             walkFragment(scan_.fragments[index]);
         }
         require(scan_.skipped <= file_.size(), "what was skipped lies in the file");
@@ -85,10 +85,10 @@ public:
     }
 
 private:
-    /// A track may have a gap where bytes were skipped, of no more packets than they could hold.
-    void goOnAt(std::span<const std::int64_t> starts, std::uint64_t offset) {
-        constexpr std::uint64_t smallestPacket = 4;
-        require(offset >= begin_, "fragments lie one behind the other");
+    /// A track may have a gap where bytes were skipped, of at most the packets they could hold.
+    void skipGap(std::span<const std::int64_t> starts, std::uint64_t offset) {
+        constexpr std::uint64_t minPacketSize = 4;
+        require(offset >= begin_, "fragments are in order");
         std::uint64_t missing = 0;
         for (std::size_t track = 0; track < frames_.size(); ++track) {
             require(starts[track] >= frames_[track], "a track never goes back");
@@ -98,55 +98,55 @@ private:
             missing += static_cast<std::uint64_t>(gap / packetFrames);
             frames_[track] = starts[track];
         }
-        require(missing * smallestPacket <= offset - begin_,
+        require(missing * minPacketSize <= offset - begin_,
                 "a gap is no longer than what the skipped bytes could have held");
     }
 
     void walkFragment(std::uint64_t offset) {
         require(offset >= endOfPackets_ && offset < file_.size(), "fragments do not overlap");
         allowScan(file_);
-        // Whole when it was scanned, so whole now: this may not throw.
+        // The scan found it whole, so this must not throw.
         const media::Fragment fragment = media::readFragment(file_, offset, scan_.tracks);
         require(fragment.contentEnd > offset && fragment.end >= fragment.contentEnd &&
                     fragment.end <= file_.size(),
                 "a fragment lies inside the file");
         require(fragment.checksum.has_value() == (fragment.end > fragment.contentEnd),
-                "a fragment ends behind its checksum");
+                "a fragment ends after its checksum");
         begin_ = offset;
         endOfPackets_ = offset;
 
         std::vector<bool> seen(scan_.tracks.size());
         bool isEmpty = true;
-        for (const media::PacketRow& row : fragment.rows) {
-            require(row.track < seen.size() && scan_.tracks[row.track].isAudio,
+        for (const media::TrackFragment& part : fragment.parts) {
+            require(part.track < seen.size() && scan_.tracks[part.track].isAudio,
                     "only sound has packets");
-            require(!seen[row.track], "a fragment holds a track once");
-            seen[row.track] = true;
-            isEmpty = isEmpty && row.packets.empty();
-            walkRow(row, {.begin = offset, .end = fragment.contentEnd});
+            require(!seen[part.track], "a fragment holds a track once");
+            seen[part.track] = true;
+            isEmpty = isEmpty && part.packets.empty();
+            walkPart(part, {.begin = offset, .end = fragment.contentEnd});
         }
         require(!isEmpty, "a fragment holds packets");
     }
 
-    void walkRow(const media::PacketRow& row, ByteRange fragment) {
-        require(row.start == static_cast<std::uint64_t>(frames_[row.track]), "starts are exact");
-        require(row.packets.size() <= mostPackets, "packets are not more than a recording has");
+    void walkPart(const media::TrackFragment& part, ByteRange fragment) {
+        require(part.start == static_cast<std::uint64_t>(frames_[part.track]), "starts are exact");
+        require(part.packets.size() <= maxPackets, "packets are not more than a recording has");
         std::uint64_t next = fragment.begin;
-        for (const media::PacketPlace& packet : row.packets) {
-            require(packet.size > 0 && packet.size <= largestPacket, "packets have a likely size");
-            require(packet.offset >= next, "packets lie one behind the other");
+        for (const media::PacketPlace& packet : part.packets) {
+            require(packet.size > 0 && packet.size <= maxPacketSize, "packets have a likely size");
+            require(packet.offset >= next, "packets are in order");
             next = packet.offset + packet.size;
             endOfPackets_ = std::max(endOfPackets_, next);
             require(next <= fragment.end, "packets lie inside their fragment");
-            require(packet.duration <= packetFrames && !ended_[row.track],
+            require(packet.duration <= packetFrames && !ended_[part.track],
                     "only a track's last packet is short");
-            ended_[row.track] = packet.duration < packetFrames;
-            frames_[row.track] += packet.duration;
+            ended_[part.track] = packet.duration < packetFrames;
+            frames_[part.track] += packet.duration;
             readPacket(packet);
         }
     }
 
-    /// Not those that lie among the zeros, which would take as long as the file claims to be large.
+    /// Skips packets among the zeros, which would take too long.
     void readPacket(const media::PacketPlace& packet) {
         if (packet.offset < file_.heldSize()) {
             bytes_.resize(packet.size);
@@ -157,8 +157,8 @@ private:
 
     SparseFile& file_;
     const media::MovieScan& scan_;
-    std::uint64_t begin_ = 0;        // of the fragment before
-    std::uint64_t endOfPackets_ = 0; // of that one
+    std::uint64_t begin_ = 0;        // of the previous fragment
+    std::uint64_t endOfPackets_ = 0; // in the previous fragment
     std::vector<std::int64_t> frames_;
     std::vector<bool> ended_;
     std::vector<std::byte> bytes_;
@@ -168,7 +168,7 @@ private:
 
 } // namespace vantoro::fuzz
 
-// NOLINTNEXTLINE(readability-identifier-naming): the fuzzer calls it so
+// NOLINTNEXTLINE(readability-identifier-naming): the fuzzer's entry point
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace vantoro;
     fuzz::SparseFile file(std::span(data, size));
@@ -178,11 +178,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         scan = media::scanMovie(file);
     } catch (const media::DamagedMovie&) {
         return 0;
-    } // whatever else comes ends the process
+    } // any other exception ends the process
     fuzz::checkTracks(scan.tracks);
     fuzz::Walk(file, scan).run();
     fuzz::allowDamageScan(file);
-    media::scanBehindDamage(file, scan, fuzz::reach);
+    media::scanAfterDamage(file, scan, fuzz::reach);
     fuzz::Walk(file, scan).run();
     return 0;
 }

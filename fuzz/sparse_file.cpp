@@ -4,13 +4,13 @@
 
 #include <algorithm>
 
-#include "fuzz/promise.h"
+#include "fuzz/guarantee.h"
 
 namespace vantoro::fuzz {
 
 namespace {
 
-constexpr unsigned tailKinds = 38; // up to 2^37 zeros, which is more than the largest size
+constexpr unsigned tailKinds = 38; // up to 2^37 zeros, more than the maximum size
 
 } // namespace
 
@@ -20,7 +20,7 @@ SparseFile::SparseFile(std::span<const std::uint8_t> input) {
     }
     const unsigned tail = input.front() % tailKinds;
     held_ = std::as_bytes(input.subspan(1));
-    size_ = std::min(held_.size() + (tail == 0 ? 0 : std::uint64_t{1} << tail), largestSize);
+    size_ = std::min(held_.size() + (tail == 0 ? 0 : std::uint64_t{1} << tail), maxSize);
 }
 
 std::size_t SparseFile::readAt(std::uint64_t offset, std::span<std::byte> into) const {

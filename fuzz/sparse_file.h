@@ -10,26 +10,25 @@
 
 namespace vantoro::fuzz {
 
-/// A file of which only the beginning is held. Behind that lie zeros, up to a size that may be more
-/// than any memory. What is read is counted, so that a reader's work can be bounded.
+/// A file that holds only its beginning in memory, followed by zeros up to a size that may exceed
+/// any memory. Counts reads, so that a reader's work can be limited.
 class SparseFile final : public InputFile {
 public:
-    /// 100 GB: some two years of both tracks.
-    static constexpr std::uint64_t largestSize = 100'000'000'000;
+    /// 100 GB: about two years of both tracks.
+    static constexpr std::uint64_t maxSize = 100'000'000'000;
 
-    /// The first byte of `input` says how many zeros follow the others: none for 0, else a power of
-    /// two. Borrows `input`.
+    /// The first byte of `input` gives the number of zeros after the other bytes: none for 0,
+    /// otherwise a power of two. Borrows `input`.
     explicit SparseFile(std::span<const std::uint8_t> input);
 
-    /// How many bytes are not part of the row of zeros.
+    /// How many bytes precede the zeros.
     std::uint64_t heldSize() const noexcept { return held_.size(); }
 
     std::uint64_t size() const override { return size_; }
 
     std::size_t readAt(std::uint64_t offset, std::span<std::byte> into) const override;
 
-    /// From now on so many reads, of so many bytes in all, are allowed: the next one breaks a
-    /// promise.
+    /// Allows this many further reads, of this many bytes in total; one more breaks a guarantee.
     void allow(std::uint64_t reads, std::uint64_t bytes);
 
 private:

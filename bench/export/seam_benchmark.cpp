@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-// Measures what coding in chunks costs where they meet: the noise about each seam beside that of
-// one coder that made it all, and whether any packet's window may not follow the one before.
+// Measures the cost of coding in segments at their seams: the noise around each seam compared with
+// that of a single coder, and whether each packet's window may follow the previous one.
 // Usage: seam_benchmark MINUTES
 
 #include <algorithm>
@@ -36,9 +36,9 @@ constexpr std::array volumes{0.9F, 1.0F};
 constexpr std::int64_t packetsAboutSeam = 2;
 constexpr std::int64_t packetsToWarmUp = 4;
 
-Packets codedInChunks(const Mix& mix) {
+Packets codedInSegments(const Mix& mix) {
     Packets packets;
-    ChunkSplicer splicer([&](std::span<const std::byte> packet) {
+    SegmentSplicer splicer([&](std::span<const std::byte> packet) {
         packets.emplace_back(packet.begin(), packet.end());
     });
     codeInParallel(ffmpeg::coding(), mix, 0, 2, splicer, {}, {});
@@ -71,10 +71,10 @@ double energyOfDifference(std::span<const float> one, std::span<const float> oth
     return sum;
 }
 
-/// What decoding gives of the packets about a seam, less the mix, as energy.
+/// The energy of the coding noise around a seam.
 double noiseAbout(std::int64_t seam, const Packets& packets, const Mix& mix) {
     const std::int64_t first = seam - packetsAboutSeam;
-    const std::int64_t last = seam + packetsBehindChunk + packetsAboutSeam;
+    const std::int64_t last = seam + packetsAfterSegment + packetsAboutSeam;
     const auto decoder = ffmpeg::coding().makeDecoder(makeMixCoder(ffmpeg::coding()).track());
     Mixer mixer(ffmpeg::coding(), mix, first - 1); // the first packet is the priming
     std::array<float, packetFrames> left{};
@@ -94,9 +94,9 @@ double noiseAbout(std::int64_t seam, const Packets& packets, const Mix& mix) {
     return noise;
 }
 
-/// The window of a stereo packet's left side: 0 long, 1 going to short, 2 short, 3 going to long.
+/// A stereo packet's left window: 0 long, 1 long to short, 2 short, 3 short to long.
 unsigned windowOf(std::span<const std::byte> packet) {
-    // 8 bits of the element, 8 of gain, 1 reserved.
+    // 8 bits of element header, 8 of gain, 1 reserved.
     return std::to_integer<unsigned>(packet[2]) >> 5U & 3U;
 }
 
@@ -117,25 +117,25 @@ void measure(int minutes) {
         mix.push_back(
             {.movie = movie, .track = track, .frames = frames, .volume = volumes.at(track)});
     }
-    const Packets chunked = codedInChunks(mix);
+    const Packets segmented = codedInSegments(mix);
     const Packets serial = codedByOne(mix);
     double worst = -100;
     int seams = 0;
-    const auto end = packetsOf(framesOf(mix)) - packetsBehindChunk - packetsAboutSeam;
-    for (std::int64_t seam = chunkPackets; seam < end; seam += chunkPackets, ++seams) {
-        const double ratio = noiseAbout(seam, chunked, mix) / noiseAbout(seam, serial, mix);
+    const auto end = packetsOf(framesOf(mix)) - packetsAfterSegment - packetsAboutSeam;
+    for (std::int64_t seam = segmentPackets; seam < end; seam += segmentPackets, ++seams) {
+        const double ratio = noiseAbout(seam, segmented, mix) / noiseAbout(seam, serial, mix);
         worst = std::max(worst, 10 * std::log10(ratio));
     }
     int wrong = 0;
     int changes = 0;
-    for (std::size_t packet = 1; packet < chunked.size(); ++packet) {
-        const unsigned before = windowOf(chunked[packet - 1]);
-        const unsigned window = windowOf(chunked[packet]);
+    for (std::size_t packet = 1; packet < segmented.size(); ++packet) {
+        const unsigned before = windowOf(segmented[packet - 1]);
+        const unsigned window = windowOf(segmented[packet]);
         wrong += mayFollow(before, window) ? 0 : 1;
         changes += before == window ? 0 : 1;
     }
-    const std::string packets = std::to_string(chunked.size()) + " packets";
-    printRow(digits(worst, 2) + " dB", "0.3 dB", "noise about the worst seam of chunks",
+    const std::string packets = std::to_string(segmented.size()) + " packets";
+    printRow(digits(worst, 2) + " dB", "0.3 dB", "noise about the worst seam of segments",
              std::to_string(seams) + " seams", "one coder for all");
     printRow(std::to_string(wrong), "0", "windows that may not follow the one before", packets,
              std::to_string(changes) + " changes of windows");

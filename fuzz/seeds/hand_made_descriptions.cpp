@@ -28,7 +28,7 @@ void writeElementaryStream(BoxWriter& out, unsigned lengthBytes) {
     out.fullBox("esds", 0, [&] {
         writeDescriptor(out, 3, lengthBytes, [&](BoxWriter& stream) {
             stream.u16(1);
-            stream.u8(0xe0); // all that a stream can have
+            stream.u8(0xe0); // all optional fields
             stream.zeros(5);
             writeDescriptor(stream, 4, lengthBytes, [&](BoxWriter& decoder) {
                 decoder.u8(0x40);

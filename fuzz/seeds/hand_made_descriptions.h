@@ -8,11 +8,11 @@
 
 namespace vantoro::fuzz {
 
-/// Writes boxes into another one.
+/// Writes child boxes.
 using Boxes = std::function<void(media::BoxWriter&)>;
 
-/// How a track is coded: AAC at 48000 Hz in two channels. In the form of a QuickTime version, with
-/// descriptors whose lengths take so many bytes, inside so many boxes that hold only the next.
+/// Describes AAC at 48000 Hz in two channels. `version`: of QuickTime's description; `lengthBytes`:
+/// of each descriptor's length; `depth`: nested boxes around the descriptors.
 Boxes describeSound(unsigned version, unsigned lengthBytes, unsigned depth);
 
 } // namespace vantoro::fuzz

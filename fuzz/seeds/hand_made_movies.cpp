@@ -25,17 +25,17 @@ struct HandMadeTrack {
     std::string kind = "soun";
     std::uint32_t timescale = framesPerSecond;
     std::uint32_t defaultSize = 0;
-    Boxes description = nullptr; ///< of its coding, where it has one
+    Boxes description = nullptr; ///< of the codec, if any
 };
 
-/// One track's packets in a fragment, one of them of 1024 frames where nothing else is said.
-struct HandMadeRow {
+/// One track's packets in a fragment; by default one of 1024 frames.
+struct HandMadePart {
     std::uint32_t track = 1;
     std::uint32_t start = 0;
     std::uint32_t count = 1;
-    std::uint32_t size = 4;   ///< of each packet; 0: the header says
-    std::uint32_t begin = 8;  ///< of the packets, counted from the content box
-    unsigned repetitions = 1; ///< of the packets, at the same place
+    std::uint32_t size = 4;   ///< of each packet; 0: the header's default
+    std::uint32_t begin = 8;  ///< of the packets, from the content box
+    unsigned repetitions = 1; ///< of the packets, at the same offset
 };
 
 void writeCoding(BoxWriter& movie, const Boxes& description) {
@@ -85,29 +85,29 @@ void writeHeader(BoxWriter& movie, const std::vector<HandMadeTrack>& tracks) {
     });
 }
 
-void writeRow(BoxWriter& movie, const HandMadeRow& row, std::uint32_t contentOffset) {
+void writePart(BoxWriter& movie, const HandMadePart& part, std::uint32_t contentOffset) {
     movie.box("traf", [&] {
-        movie.fullBox("tfhd", row.size != 0 ? 0x20010 : 0x20000, [&] {
-            movie.u32(row.track);
-            if (row.size != 0) {
-                movie.u32(row.size);
+        movie.fullBox("tfhd", part.size != 0 ? 0x20010 : 0x20000, [&] {
+            movie.u32(part.track);
+            if (part.size != 0) {
+                movie.u32(part.size);
             }
         });
-        movie.fullBox("tfdt", 0, [&] { movie.u32(row.start); });
-        for (unsigned i = 0; i < row.repetitions; ++i) {
+        movie.fullBox("tfdt", 0, [&] { movie.u32(part.start); });
+        for (unsigned i = 0; i < part.repetitions; ++i) {
             movie.fullBox("trun", 1, [&] {
-                movie.u32(row.count);
-                movie.u32(contentOffset + row.begin);
+                movie.u32(part.count);
+                movie.u32(contentOffset + part.begin);
             });
         }
     });
 }
 
-void writeDescription(BoxWriter& movie, const std::vector<HandMadeRow>& rows) {
+void writeDescription(BoxWriter& movie, const std::vector<HandMadePart>& parts) {
     const auto description = [&](BoxWriter& to, std::uint32_t contentOffset) {
         to.box("moof", [&] {
-            for (const HandMadeRow& row : rows) {
-                writeRow(to, row, contentOffset);
+            for (const HandMadePart& part : parts) {
+                writePart(to, part, contentOffset);
             }
         });
     };
@@ -116,9 +116,9 @@ void writeDescription(BoxWriter& movie, const std::vector<HandMadeRow>& rows) {
     description(movie, static_cast<std::uint32_t>(measured.take().size()));
 }
 
-void writeFragment(BoxWriter& movie, const std::vector<HandMadeRow>& rows,
+void writeFragment(BoxWriter& movie, const std::vector<HandMadePart>& parts,
                    std::size_t contentSize = 16) {
-    writeDescription(movie, rows);
+    writeDescription(movie, parts);
     movie.box("mdat", [&] { movie.zeros(contentSize); });
 }
 
@@ -128,7 +128,7 @@ std::vector<std::byte> make(const Boxes& write) {
     return movie.take();
 }
 
-/// A header of one track, then whatever is wanted.
+/// A header with one track, then other boxes.
 std::vector<std::byte> afterHeader(const Boxes& write, std::uint32_t defaultSize = 0) {
     return make([&](BoxWriter& movie) {
         writeHeader(movie, {{.defaultSize = defaultSize}});
@@ -136,16 +136,16 @@ std::vector<std::byte> afterHeader(const Boxes& write, std::uint32_t defaultSize
     });
 }
 
-std::vector<std::byte> oneFragment(const std::vector<HandMadeRow>& rows) {
-    return afterHeader([&](BoxWriter& movie) { writeFragment(movie, rows); });
+std::vector<std::byte> oneFragment(const std::vector<HandMadePart>& parts) {
+    return afterHeader([&](BoxWriter& movie) { writeFragment(movie, parts); });
 }
 
-/// A fragment whose content has its size in 64 bits.
-std::vector<std::byte> largeContent(std::uint64_t size, const HandMadeRow& row,
+/// A fragment whose content has a 64-bit size.
+std::vector<std::byte> largeContent(std::uint64_t size, const HandMadePart& part,
                                     std::uint32_t defaultSize = 0) {
     return afterHeader(
         [&](BoxWriter& movie) {
-            writeDescription(movie, {row});
+            writeDescription(movie, {part});
             movie.u32(largeSizeFollows);
             movie.text("mdat");
             movie.u64(size);
@@ -157,13 +157,13 @@ std::vector<std::byte> largeContent(std::uint64_t size, const HandMadeRow& row,
 std::vector<std::byte> manyTracks(std::uint32_t count) {
     return make([&](BoxWriter& movie) {
         std::vector<HandMadeTrack> tracks;
-        std::vector<HandMadeRow> rows;
+        std::vector<HandMadePart> parts;
         for (std::uint32_t id = 1; id <= count; ++id) {
             tracks.push_back({.id = id});
-            rows.push_back({.track = id});
+            parts.push_back({.track = id});
         }
         writeHeader(movie, tracks);
-        writeFragment(movie, rows);
+        writeFragment(movie, parts);
     });
 }
 
@@ -200,7 +200,7 @@ std::vector<Seed> wholeMovies() {
     return seeds;
 }
 
-/// With a track whose coding is described in each form that there is, and in one that there is not.
+/// Tracks with each version of a codec description, and with an unknown one.
 std::vector<Seed> describedMovies() {
     std::vector<Seed> seeds;
     for (const unsigned version : {0U, 1U, 2U}) {
@@ -267,7 +267,7 @@ std::vector<Seed> impossibleMovies() {
                          movie.box("mdat", [] {});
                      })});
     seeds.push_back({"overlapping-boxes", afterHeader([](BoxWriter& movie) {
-                         movie.box("moof", [&] { writeRow(movie, {}, 64); }, 8);
+                         movie.box("moof", [&] { writePart(movie, {}, 64); }, 8);
                          movie.box("mdat", [&] { movie.zeros(16); });
                      })});
     return seeds;

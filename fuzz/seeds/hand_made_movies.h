@@ -8,14 +8,14 @@
 
 namespace vantoro::fuzz {
 
-/// What a fuzzer begins with.
+/// An initial input of a fuzzer.
 struct Seed {
     std::string name;
     std::vector<std::byte> movie;
-    unsigned tail = 0; ///< of zeros behind the movie, as `SparseFile` understands it
+    unsigned tail = 0; ///< zeros after the movie, as in `SparseFile`
 };
 
-/// Movies of a few hundred bytes, box by box, whole ones and such as no writer makes.
+/// Movies of a few hundred bytes, built box by box: valid ones, and ones that no writer makes.
 std::vector<Seed> makeMoviesByHand();
 
 } // namespace vantoro::fuzz

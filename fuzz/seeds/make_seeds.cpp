@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-// Writes what the fuzzers begin with into a folder: small recordings, whole, cut and damaged, and
-// movies made by hand.
+// Writes the fuzzers' initial inputs into a folder: small recordings, whole, truncated and damaged,
+// and movies made by hand.
 
 #include <algorithm>
 #include <chrono>
@@ -31,7 +31,7 @@ using Bytes = std::vector<std::byte>;
 
 constexpr std::int64_t fragmentFrames = 4800;
 
-/// A finished movie whose fragments hold a tenth of a second each.
+/// A finished movie with fragments of a tenth of a second.
 Bytes record(const std::vector<TrackFormat>& tracks, int fragments, const Sound& sound) {
     MemoryFileSystem files;
     media::MovieWriter writer(ffmpeg::coding(), files, "movie.mov",
@@ -66,7 +66,7 @@ Bytes cut(const Bytes& movie, std::size_t size) {
             movie.begin() + static_cast<std::ptrdiff_t>(std::min(size, movie.size()))};
 }
 
-/// As it is on the disk after its last whole fragment, when nobody finishes it.
+/// The unfinished movie after its last whole fragment.
 Bytes withoutEnd(const Bytes& movie) {
     std::size_t end = 0;
     for (const TopBox& box : topBoxes(movie)) {

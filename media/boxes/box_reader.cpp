@@ -44,7 +44,7 @@ std::uint32_t ByteReader::number(std::size_t size) {
 }
 
 std::optional<Box> BoxReader::next() {
-    // QuickTime ends some rows of boxes with a zero of 32 bits.
+    // QuickTime ends some box lists with a 32-bit zero.
     if (bytes_.rest().size() < 8) {
         return std::nullopt;
     }

@@ -12,7 +12,7 @@
 
 namespace vantoro::media {
 
-/// The bytes of a movie are not what they have to be. The text is for the user.
+/// The movie's bytes are invalid. The text is for the user.
 class DamagedMovie : public Failure {
 public:
     explicit DamagedMovie(const char* reason);
@@ -29,7 +29,7 @@ constexpr std::uint32_t boxType(const char (&name)[5]) noexcept {
     return type;
 }
 
-/// Reads big-endian numbers one after another. Throws DamagedMovie rather than read beyond.
+/// Reads consecutive big-endian numbers. Throws DamagedMovie at the end of the bytes.
 class ByteReader {
 public:
     explicit ByteReader(ByteSpan bytes) noexcept : rest_(bytes) {}
@@ -55,34 +55,34 @@ struct Box {
     ByteSpan content;
 };
 
-/// The boxes that lie one after another in the content of another one.
+/// Iterates over the child boxes of a box.
 class BoxReader {
 public:
     explicit BoxReader(ByteSpan bytes) noexcept : bytes_(bytes) {}
 
-    /// Nothing at the end. Throws DamagedMovie for a box that does not lie inside.
+    /// Nothing at the end. Throws DamagedMovie if a box exceeds its parent.
     std::optional<Box> next();
 
 private:
     ByteReader bytes_;
 };
 
-/// The content of the first box of a type in another one's content; what lies behind it may be
-/// damaged. Throws DamagedMovie as BoxReader does.
+/// The content of the first child box of a type; the bytes after it may be damaged. Throws as
+/// BoxReader does.
 std::optional<ByteSpan> findBox(ByteSpan content, std::uint32_t type);
 
-/// Where a box lies in a file.
+/// The position of a box in a file.
 struct FileBox {
     std::uint32_t type = 0;
-    std::uint64_t content = 0; ///< offset behind the box's own header
-    std::uint64_t end = 0;     ///< offset behind the box; inside the file
+    std::uint64_t content = 0; ///< offset after the box's header
+    std::uint64_t end = 0;     ///< offset after the box, at most the file's size
 };
 
-/// The box at `offset`. Throws DamagedMovie where none lies whole inside the file; what the file
-/// throws when it cannot be read.
+/// The box at `offset`. Throws DamagedMovie if the file holds no complete box there, and what the
+/// file throws.
 FileBox readFileBox(const InputFile& file, std::uint64_t offset);
 
-/// Reads exactly the span's bytes. Throws DamagedMovie where the file ends before.
+/// Fills the span. Throws DamagedMovie if the file ends too early.
 void readExactly(const InputFile& file, std::uint64_t offset, std::span<std::byte> into);
 
 } // namespace vantoro::media

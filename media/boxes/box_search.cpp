@@ -10,7 +10,7 @@ namespace vantoro::media {
 namespace {
 
 constexpr std::uint64_t windowSize = 256U << 10U;
-constexpr std::uint64_t sizeField = 4; // lies before the name
+constexpr std::uint64_t sizeField = 4; // precedes the name
 constexpr std::uint64_t headerSize = 8;
 
 } // namespace
@@ -34,11 +34,11 @@ std::optional<std::uint64_t> BoxSearch::next(std::uint64_t offset, std::uint64_t
             }
         }
         const void* const bytes = window_.data();
-        const std::string_view letters(static_cast<const char*>(bytes), window_.size());
-        const auto found = letters.find(name_, offset - windowOffset_ + sizeField);
+        const std::string_view text(static_cast<const char*>(bytes), window_.size());
+        const auto found = text.find(name_, offset - windowOffset_ + sizeField);
         if (found != std::string_view::npos) {
-            const std::uint64_t place = windowOffset_ + found - sizeField;
-            return place + headerSize <= end ? std::optional(place) : std::nullopt;
+            const std::uint64_t position = windowOffset_ + found - sizeField;
+            return position + headerSize <= end ? std::optional(position) : std::nullopt;
         }
         offset = windowEnd - headerSize + 1;
     }

@@ -12,21 +12,21 @@
 
 namespace vantoro::media {
 
-/// Looks for boxes of a type by the letters of its name, where no size says where the next one
-/// begins. Asked for later and later places, it reads each byte of the file hardly more than once.
+/// Searches damaged bytes for boxes of a type by the characters of its name. With ascending offsets
+/// it reads each byte of the file about once.
 class BoxSearch {
 public:
     /// Borrows the file.
     BoxSearch(const InputFile& file, std::uint32_t type);
 
-    /// The first place from `offset` on where such a box may begin, with its header before `end`.
+    /// The first offset from `offset` on where such a box may begin, with its header before `end`.
     /// Throws what the file throws.
     std::optional<std::uint64_t> next(std::uint64_t offset, std::uint64_t end);
 
 private:
     const InputFile& file_;
     std::string name_;
-    std::vector<std::byte> window_; // a piece of the file
+    std::vector<std::byte> window_; // a part of the file
     std::uint64_t windowOffset_ = 0;
 };
 

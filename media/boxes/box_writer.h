@@ -11,10 +11,10 @@
 
 namespace vantoro::media {
 
-/// 1 as boxes have it, with 16 bits before the point and behind it.
+/// 1 as a 16.16 fixed-point number.
 inline constexpr std::uint32_t fixedPointOne = 0x10000;
 
-/// Puts boxes one into another.
+/// Writes nested boxes.
 class BoxWriter {
 public:
     void u8(std::uint64_t value) { bigEndian(value, 1); }
@@ -33,7 +33,7 @@ public:
 
     void zeros(std::size_t count) { bytes_.resize(bytes_.size() + count); }
 
-    /// That nothing is turned or moved, which is said of pictures.
+    /// The identity matrix for pictures.
     void unityMatrix() {
         for (const std::uint32_t value :
              {fixedPointOne, 0U, 0U, 0U, fixedPointOne, 0U, 0U, 0U, 0x40000000U}) {
@@ -41,7 +41,7 @@ public:
         }
     }
 
-    /// `following`: bytes that belong to the box but are written later.
+    /// `following`: how many bytes of the box are written later.
     template <class Content>
     void box(std::string_view type, const Content& content, std::uint64_t following = 0) {
         const std::size_t begin = bytes_.size();

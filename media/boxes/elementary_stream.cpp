@@ -12,18 +12,18 @@ constexpr std::uint8_t decoder = 4;
 constexpr std::uint8_t configuration = 5;
 } // namespace tag
 
-// Which fields a stream's descriptor has before those in it.
+// Optional fields of a stream's descriptor.
 namespace stream_flag {
 constexpr unsigned dependence = 0x80;
 constexpr unsigned location = 0x40;
 constexpr unsigned clock = 0x20;
 } // namespace stream_flag
 
-/// Seven bits a byte, whose highest bit says that another one follows.
+/// Seven bits per byte; the highest bit means that another byte follows.
 std::size_t takeLength(ByteReader& bytes) {
-    constexpr int mostBytes = 4;
+    constexpr int maxBytes = 4;
     std::size_t length = 0;
-    for (int i = 0; i < mostBytes; ++i) {
+    for (int i = 0; i < maxBytes; ++i) {
         const unsigned byte = bytes.u8();
         length = length << 7U | (byte & 0x7fU);
         if (byte < 0x80U) {
@@ -33,7 +33,7 @@ std::size_t takeLength(ByteReader& bytes) {
     throw DamagedMovie("a descriptor's length has no end");
 }
 
-/// The content of the next descriptor with this tag; those before it are passed over.
+/// The content of the next descriptor with this tag; skips those before it.
 ByteSpan takeDescriptor(ByteReader& bytes, std::uint8_t tag) {
     for (;;) {
         const std::uint8_t found = bytes.u8();
@@ -58,7 +58,7 @@ void skipStreamFields(ByteReader& bytes) {
     }
 }
 
-/// A descriptor's tag and the length of what follows, always in four bytes.
+/// A descriptor's tag and its length, always in four bytes.
 void writeDescriptor(BoxWriter& out, std::uint8_t tag, std::uint64_t length) {
     out.u8(tag);
     for (const unsigned shift : {21U, 14U, 7U}) {
@@ -77,14 +77,14 @@ ElementaryStream readElementaryStream(ByteSpan content) {
     ByteReader decoder(takeDescriptor(stream, tag::decoder));
     ElementaryStream result;
     result.coding = decoder.u8();
-    decoder.skip(8); // kind of stream, most bytes a packet, most bits a second
+    decoder.skip(8); // stream type, buffer size, maximum bit rate
     result.bitRate = decoder.u32();
     result.configuration = takeDescriptor(decoder, tag::configuration);
     return result;
 }
 
 void writeElementaryStream(BoxWriter& out, const AacTrack& track, std::uint64_t streamNumber,
-                           std::uint64_t mostBytesAPacket) {
+                           std::uint64_t maxPacketBytes) {
     constexpr std::uint64_t header = 5;
     const std::uint64_t configuration = track.coderConfiguration.size();
     const std::uint64_t coding = 13 + header + configuration;
@@ -95,11 +95,11 @@ void writeElementaryStream(BoxWriter& out, const AacTrack& track, std::uint64_t 
         out.u8(0);
         writeDescriptor(out, 4, coding);
         out.u8(0x40); // MPEG-4 audio
-        out.u8(0x15); // a stream of sound
-        out.u8(mostBytesAPacket >> 16U);
-        out.u16(mostBytesAPacket);
-        out.u32(bitRate); // at most
-        out.u32(bitRate); // on average
+        out.u8(0x15); // audio stream
+        out.u8(maxPacketBytes >> 16U);
+        out.u16(maxPacketBytes);
+        out.u32(bitRate); // maximum
+        out.u32(bitRate); // average
         writeDescriptor(out, 5, configuration);
         out.bytes(track.coderConfiguration);
         writeDescriptor(out, 6, 1);

@@ -10,20 +10,19 @@
 
 namespace vantoro::media {
 
-/// What a track says about its packets, for whoever is to decode them.
+/// A track's decoder parameters.
 struct ElementaryStream {
-    std::uint8_t coding = 0;   ///< number of the kind of coding
-    std::uint32_t bitRate = 0; ///< bits a second, on average
-    ByteSpan configuration;    ///< the decoder's, in a form of its own; lies in what was read
+    std::uint8_t coding = 0;   ///< object type
+    std::uint32_t bitRate = 0; ///< bits per second, average
+    ByteSpan configuration;    ///< decoder-specific; borrowed from the content read
 };
 
-/// Reads the content of an `esds` box: descriptors in one another, to a fixed depth, of which none
-/// is looked at twice. Throws DamagedMovie where one does not lie inside the one around it, or is
-/// missing.
+/// Reads the content of an `esds` box: descriptors nested to a fixed depth, each visited once.
+/// Throws DamagedMovie if one is missing or exceeds its parent.
 ElementaryStream readElementaryStream(ByteSpan content);
 
-/// Writes the box that tells a decoder how the packets are coded.
+/// Writes an `esds` box.
 void writeElementaryStream(BoxWriter& out, const AacTrack& track, std::uint64_t streamNumber,
-                           std::uint64_t mostBytesAPacket);
+                           std::uint64_t maxPacketBytes);
 
 } // namespace vantoro::media

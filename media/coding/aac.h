@@ -6,8 +6,8 @@
 
 namespace vantoro::media {
 
-/// The one form of sound in all files of the recorder: AAC at 48 kHz, whose packets cover 1024
-/// frames each. A coder's first packet is its priming: it sounds before the track's first frame.
+/// The audio format of all the recorder's files: AAC at 48 kHz, 1024 frames per packet. A coder's
+/// first packet is its priming, which precedes the track's first frame.
 inline constexpr int framesPerSecond = 48000;
 inline constexpr int packetFrames = 1024;
 inline constexpr int primingFrames = packetFrames;

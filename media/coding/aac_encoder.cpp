@@ -11,19 +11,18 @@ namespace vantoro::media {
 
 namespace {
 
-// Even the loudest tone that fits below full scale is coded well at this volume; the packets carry
-// the same number of steps the other way.
+// At this gain even a full-scale tone is coded well; the packets' gain fields undo it.
 constexpr unsigned gainSteps = 6;
 constexpr float codingVolume = 0.35355339F; // 2 to the power of -6/4
 
-/// As one channel's coder describes it, but for the number of channels.
+/// One channel's configuration, with the number of channels replaced.
 AacTrack describeTrack(const ChannelCoder& coder, int channels, int bitRate) {
     AacTrack track{
         .channels = channels, .bitRate = bitRate, .coderConfiguration = coder.configuration()};
     if (track.coderConfiguration.size() < 2) {
         throw std::runtime_error("The AAC coder does not describe its packets.");
     }
-    // 5 bits of kind, 4 of rate, 4 of channels.
+    // 5 bits of object type, 4 of sample rate, 4 of channels.
     constexpr std::byte channelBits{0x78};
     std::byte& field = track.coderConfiguration[1];
     field = (field & ~channelBits) | static_cast<std::byte>(channels << 3);
@@ -73,8 +72,8 @@ void AacEncoder::finish(const PacketSink& sink) {
     receive(sink);
 }
 
-/// Decides how many coders the next packet takes, and prepares the second one when it is needed
-/// again.
+/// Decides how many coders the next packet takes, and brings the second one up to date when it is
+/// needed again.
 void AacEncoder::shareOrCatchUp(int frames) {
     if (channels_.size() < 2) {
         return;
@@ -91,7 +90,7 @@ void AacEncoder::shareOrCatchUp(int frames) {
 
 void AacEncoder::rememberForSecondCoder(int frames) {
     if (frames < packetFrames) {
-        return; // the last of all
+        return; // the last packet
     }
     std::vector<float> samples;
     if (missed_.size() == packetsToSettle) {
@@ -107,7 +106,7 @@ void AacEncoder::catchUp() {
     ChannelCoder& second = *channels_[1].coder;
     for (const std::vector<float>& samples : missed_) {
         second.code(samples);
-        while (second.nextPacket()) { // the first coder gave one in its place
+        while (second.nextPacket()) { // the first coder's packet replaced it
         }
     }
     missed_.clear();

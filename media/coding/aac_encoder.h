@@ -17,53 +17,51 @@
 
 namespace vantoro::media {
 
-/// After so many packets a coder goes on as one that has heard everything: it remembers the packet
-/// before for the overlap, and chooses windows by how loud it was of late.
+/// After this many packets a coder's output no longer depends on where it began: it keeps the
+/// previous packet for the overlap, and chooses windows by the recent level.
 inline constexpr int packetsToSettle = 32;
 
-/// Takes a coded packet.
+/// Receives a coded packet.
 using PacketSink = std::function<void(AacPacket packet)>;
 
-/// Of a packet, channel by channel.
+/// A packet's window ends, per channel.
 using WindowEnds = std::array<WindowEnd, 2>;
 
-/// Codes sound at 48 kHz into packets as a `ChannelCoder` does, but of one channel or two.
-/// Used by one thread at a time; every operation throws std::runtime_error where it fails.
+/// Codes one or two channels of sound at 48 kHz into packets.
+/// Used by one thread at a time; every operation throws std::runtime_error on failure.
 ///
-/// The coder's fast method limits how finely a strong tone can be described: it overdrives one
-/// beyond -7 dB of full scale. So each channel is coded on its own, quieter, and the packets say
-/// that it is to be played as much louder again.
+/// The coder's fast method distorts tones above -7 dB of full scale. So each channel is coded on
+/// its own at a lower level, and its gain field in the packets restores the level.
 ///
-/// Most calls, and every microphone, sound the same on both sides: then one coder's packets serve
-/// both channels. The second coder hears the last of what it missed when the sides part, so that
-/// its packets go on from those that it takes over.
+/// Most calls, and every microphone, have identical channels: then one coder's packets serve both.
+/// When the channels diverge, the second coder first codes the most recent packets it missed, so
+/// that its output continues seamlessly.
 class AacEncoder {
 public:
-    /// The sound of so many packets may be written before it is coded.
+    /// `packetsAhead`: how many packets of sound may be written before they are coded.
     AacEncoder(const Coding& coding, int channels, int bitRate, int packetsAhead = 1);
 
     int channels() const noexcept { return static_cast<int>(channels_.size()); }
 
-    /// What a file has to say about the packets.
+    /// The file's description of the packets.
     const AacTrack& track() const noexcept { return track_; }
 
-    /// The sound of the next `encode`, or of one of those after it: 1024 frames of one channel, to
-    /// be written before.
+    /// Where to write one channel's 1024 frames for the next `encode`, or a later one.
     std::span<float> plane(int channel, int packetsLater = 0) noexcept;
 
     /// Codes the first `frames` of the next planes: 1024, or fewer in the last call.
     void encode(int frames, const PacketSink& sink);
 
-    /// Hands over what the coder still holds. Nothing may follow.
+    /// Outputs what the coder still holds. No call may follow.
     void finish(const PacketSink& sink);
 
-    /// Of the packet that is handed over just now.
+    /// Those of the packet that the sink is receiving.
     const WindowEnds& windowEnds() const noexcept { return windowEnds_; }
 
 private:
     struct Channel {
         std::unique_ptr<ChannelCoder> coder;
-        std::vector<float> planes; // of as many packets as may be ahead
+        std::vector<float> planes; // `packetsAhead` packets
     };
 
     void shareOrCatchUp(int frames);
@@ -74,9 +72,9 @@ private:
     std::vector<Channel> channels_;
     ChannelSharing sharing_;
     const std::size_t packetsAhead_;
-    std::size_t next_ = 0;                  // of the planes: the one to be coded next
-    std::size_t coders_;                    // at work: the channels', or one for both
-    std::deque<std::vector<float>> missed_; // by the second coder, whole packets
+    std::size_t next_ = 0;                  // plane to code next
+    std::size_t coders_;                    // in use: one per channel, or one for both
+    std::deque<std::vector<float>> missed_; // by the second coder, in packets
     AacTrack track_;
     WindowEnds windowEnds_;
 };

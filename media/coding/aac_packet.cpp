@@ -10,15 +10,15 @@ namespace vantoro::media {
 
 namespace {
 
-// A packet is a row of elements: 3 bits of kind, then (but for the end) 4 bits of its number.
+// A packet is a sequence of elements: 3 bits of type, then, except for the end, 4 bits of number.
 constexpr unsigned singleChannel = 0;
 constexpr unsigned channelPair = 1;
 constexpr unsigned end = 7;
 constexpr std::size_t elementHeaderBits = 7;
-constexpr unsigned gainBits = 8; // a channel's first field, in quarters of a factor of two
-// Behind it: a bit that is reserved, 2 bits of the window's sequence, 1 bit of its shape.
+constexpr unsigned gainBits = 8; // a channel's first field, in steps of 1.5 dB
+// Then 1 reserved bit, 2 bits of window sequence, 1 bit of window shape.
 constexpr std::size_t sequencePosition = elementHeaderBits + gainBits + 1;
-constexpr unsigned startOfShort = 1; // long windows end short in this sequence only
+constexpr unsigned startOfShort = 1; // the only long sequence with a short end
 constexpr unsigned eightShort = 2;
 
 class BitWriter {
@@ -40,7 +40,7 @@ public:
     }
 
 private:
-    std::uint32_t pending_ = 0; // its lowest `pendingCount_` bits are not in `bytes_` yet
+    std::uint32_t pending_ = 0; // the lowest `pendingCount_` bits are not in `bytes_` yet
     unsigned pendingCount_ = 0;
     std::vector<std::uint8_t> bytes_;
 };
@@ -65,7 +65,7 @@ private:
     std::size_t position_;
 };
 
-/// Where a packet's only channel ends: before the end element, whose ones are the packet's last.
+/// Where a packet's only channel ends: before the end element, which holds the last one bits.
 std::size_t findChannelEnd(std::span<const std::uint8_t> packet) {
     std::size_t size = packet.size();
     while (size > 0 && packet[size - 1] == 0) {
@@ -81,10 +81,10 @@ std::size_t findChannelEnd(std::span<const std::uint8_t> packet) {
 }
 
 void copyChannel(std::span<const std::uint8_t> packet, unsigned gainSteps, BitWriter& out) {
-    constexpr unsigned largestGain = 255;
+    constexpr unsigned maxGain = 255;
     std::size_t rest = findChannelEnd(packet) - elementHeaderBits - gainBits;
     BitReader in(packet, elementHeaderBits);
-    out.put(std::min(in.get(gainBits) + gainSteps, largestGain), gainBits);
+    out.put(std::min(in.get(gainBits) + gainSteps, maxGain), gainBits);
     for (; rest >= 8; rest -= 8) {
         out.put(in.get(8), 8);
     }
@@ -110,7 +110,7 @@ std::vector<std::uint8_t> joinChannels(std::span<const std::span<const std::uint
     out.put(channels.size() == 1 ? singleChannel : channelPair, 3);
     out.put(0, 4);
     if (channels.size() > 1) {
-        out.put(0, 1); // each channel brings its own window
+        out.put(0, 1); // each channel has its own window
     }
     for (const auto channel : channels) {
         copyChannel(channel, gainSteps, out);

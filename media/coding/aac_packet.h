@@ -9,8 +9,8 @@
 
 namespace vantoro::media {
 
-/// How a channel's sound fades into the next packet's: two packets that begin and end alike there
-/// can take each other's place.
+/// How a channel's window overlaps the next packet's. Packets with equal window ends are
+/// interchangeable as predecessors.
 struct WindowEnd {
     bool isShort = false;
     unsigned shape = 0;
@@ -18,12 +18,12 @@ struct WindowEnd {
     bool operator==(const WindowEnd&) const = default;
 };
 
-/// Of a packet of a single channel. Throws as `joinChannels`.
+/// The window end of a single-channel packet. Throws as `joinChannels`.
 WindowEnd windowEndOf(std::span<const std::uint8_t> packet);
 
-/// Makes one AAC packet of one or two channels from packets of a single channel each, without
-/// decoding them, and has each sound louder by `gainSteps` of a quarter of 6.02 dB.
-/// Throws std::runtime_error when a packet does not consist of just one channel.
+/// Joins one or two single-channel packets into one AAC packet without decoding them, and raises
+/// each channel's gain by `gainSteps` of 1.5 dB.
+/// Throws std::runtime_error if a packet does not hold exactly one channel.
 std::vector<std::uint8_t> joinChannels(std::span<const std::span<const std::uint8_t>> channels,
                                        unsigned gainSteps);
 

@@ -7,11 +7,11 @@
 
 namespace vantoro::media {
 
-/// How a track of AAC is coded: what its file says of it, and what its decoder needs.
+/// An AAC track's parameters, for its file and its decoder.
 struct AacTrack {
     int channels = 2;
-    int bitRate = 0;                           ///< bits a second
-    std::vector<std::byte> coderConfiguration; ///< how the packets are to be decoded
+    int bitRate = 0;                           ///< bits per second
+    std::vector<std::byte> coderConfiguration; ///< decoder-specific
 
     bool operator==(const AacTrack&) const = default;
 };

@@ -4,14 +4,14 @@
 
 namespace vantoro::media {
 
-/// Decides from packet to packet whether one coder's packets can serve two channels: those whose
-/// sound was the same for so long that a coder of either would be in the same state.
+/// Decides for each packet whether one coder's packets can serve both channels: when the channels
+/// have been equal for so long that their coders would be in the same state.
 class ChannelSharing {
 public:
-    /// About a second: what a coder takes from further back, no decoder can hear.
+    /// About a second: earlier differences are inaudible.
     static constexpr int packetsUntilShared = 48;
 
-    /// Whether the next packet, with the same sound in both channels or not, is shared.
+    /// Whether to share the next packet. `alike`: whether its channels are equal.
     bool next(bool alike) noexcept {
         const bool shared = alike && alikePackets_ >= packetsUntilShared;
         alikePackets_ = alike ? (shared ? alikePackets_ : alikePackets_ + 1) : 0;
@@ -19,7 +19,7 @@ public:
     }
 
 private:
-    int alikePackets_ = packetsUntilShared; // before the first sound there was no difference
+    int alikePackets_ = packetsUntilShared; // before the first packet both are silent
 };
 
 } // namespace vantoro::media

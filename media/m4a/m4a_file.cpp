@@ -14,7 +14,7 @@ namespace vantoro::media {
 
 namespace {
 
-// Big enough that the disk is busy with the content and not with the number of writes.
+// Large enough that the number of writes does not matter.
 constexpr std::size_t bufferSize = 1U << 20U;
 constexpr std::size_t contentHeaderSize = 16;
 
@@ -31,25 +31,25 @@ std::array<std::byte, sizeof(Number)> bigEndian(Number value) {
 M4aFile::M4aFile(OutputFile& file, AacTrack track, std::int64_t expectedFrames)
     : file_(file), track_(std::move(track)) {
     buffer_.reserve(bufferSize);
-    // Growing by doubling would cost more memory than the table itself.
+    // Growing by doubling would take more memory than the table itself.
     const auto packets = (static_cast<std::size_t>(expectedFrames) / packetFrames) + 3;
     packetSizes_.reserve(packets);
-    rowOffsets_.reserve((packets / packetsPerRow) + 1);
+    chunkOffsets_.reserve((packets / packetsPerChunk) + 1);
     put(m4aFileType());
     contentStart_ = buffer_.size();
     constexpr std::uint32_t sizeIsLarge = 1;
     put(bigEndian(sizeIsLarge));
     put(std::as_bytes(std::span("mdat", 4)));
-    put(bigEndian(std::uint64_t{contentHeaderSize})); // known at the end
+    put(bigEndian(std::uint64_t{contentHeaderSize})); // set by `finish`
 }
 
 void M4aFile::add(std::span<const std::byte> packet) {
-    using Size = decltype(packetSizes_)::value_type; // a packet has 1536 bytes at most
+    using Size = decltype(packetSizes_)::value_type; // a packet has at most 1536 bytes
     if (packet.size() > std::numeric_limits<Size>::max()) {
         throw std::runtime_error("A packet is larger than any that AAC has.");
     }
-    if (packetSizes_.size() % packetsPerRow == 0) {
-        rowOffsets_.push_back(written_ + buffer_.size());
+    if (packetSizes_.size() % packetsPerChunk == 0) {
+        chunkOffsets_.push_back(written_ + buffer_.size());
     }
     packetSizes_.push_back(static_cast<Size>(packet.size()));
     put(packet);
@@ -62,7 +62,7 @@ void M4aFile::sync() {
 
 void M4aFile::finish(std::int64_t frames) {
     const std::uint64_t contentEnd = written_ + buffer_.size();
-    put(m4aIndex(track_, frames, packetSizes_.size(), rowOffsets_));
+    put(m4aIndex(track_, frames, packetSizes_.size(), chunkOffsets_));
     for (const auto size : packetSizes_) {
         put(bigEndian(std::uint32_t{size}));
     }

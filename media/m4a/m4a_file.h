@@ -12,20 +12,19 @@
 
 namespace vantoro::media {
 
-/// Writes an M4A file of one AAC track packet by packet, keeping two bytes of each in memory.
+/// Writes an M4A file with one AAC track, keeping two bytes per packet in memory.
 /// Used by one thread; throws what the file throws.
 class M4aFile {
 public:
-    /// Into an empty file that outlives this. `expectedFrames`: how long it will be, so far as that
-    /// is known.
+    /// `file` is empty and outlives this. `expectedFrames`: its length, if known.
     M4aFile(OutputFile& file, AacTrack track, std::int64_t expectedFrames = 0);
 
-    /// Throws std::runtime_error where it is larger than any that AAC has.
+    /// Throws std::runtime_error if the packet is larger than AAC allows.
     void add(std::span<const std::byte> packet);
-    /// Brings the packets so far to the disk, so that less is left for the end.
+    /// Syncs the packets so far, so that `finish` has less to wait for.
     void sync();
-    /// Writes the index behind the packets, of which there is at least one, syncs and closes the
-    /// file. So many frames are to be heard of them: neither priming nor padding.
+    /// Writes the index after the packets, of which there must be at least one, syncs and closes
+    /// the file. `frames`: audible frames, without priming and padding.
     void finish(std::int64_t frames);
 
 private:
@@ -34,11 +33,11 @@ private:
 
     OutputFile& file_;
     AacTrack track_;
-    std::vector<std::byte> buffer_; // not yet written
+    std::vector<std::byte> buffer_; // to be written
     std::uint64_t written_ = 0;
-    std::uint64_t contentStart_ = 0; // offset of the box of packets
+    std::uint64_t contentStart_ = 0; // offset of the packets' box
     std::vector<std::uint16_t> packetSizes_;
-    std::vector<std::uint64_t> rowOffsets_;
+    std::vector<std::uint64_t> chunkOffsets_;
 };
 
 } // namespace vantoro::media

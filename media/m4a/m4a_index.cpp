@@ -17,10 +17,10 @@ namespace {
 class IndexWriter {
 public:
     IndexWriter(const AacTrack& track, std::int64_t frames, std::size_t packetCount,
-                std::span<const std::uint64_t> rowOffsets)
+                std::span<const std::uint64_t> chunkOffsets)
         : track_(track),
           packetCount_(packetCount),
-          rowOffsets_(rowOffsets),
+          chunkOffsets_(chunkOffsets),
           sizesLength_(4 * packetCount),
           frames_(static_cast<std::uint64_t>(frames)),
           codedFrames_(std::min<std::uint64_t>(packetCount * std::uint64_t{packetFrames},
@@ -46,15 +46,15 @@ public:
     }
 
 private:
-    /// A count of frames, as wide as all of them are in this file.
+    /// A frame count, in this file's width.
     void frames(std::uint64_t count) { long_ ? out_.u64(count) : out_.u32(count); }
 
-    /// The version of boxes that hold counts of frames.
+    /// The version of boxes with frame counts.
     std::uint32_t version() const noexcept { return long_ ? 1U << 24U : 0; }
 
     void movieHeader() {
         out_.fullBox("mvhd", version(), [this] {
-            frames(0); // made when? The file system knows.
+            frames(0); // creation time: the file system knows
             frames(0);
             out_.u32(framesPerSecond);
             frames(frames_);
@@ -63,7 +63,7 @@ private:
             out_.zeros(10);
             out_.unityMatrix();
             out_.zeros(24);
-            out_.u32(2); // the next track's number
+            out_.u32(2); // next track number
         });
     }
 
@@ -72,7 +72,7 @@ private:
         out_.fullBox("tkhd", version() | enabledAndUsed, [this] {
             frames(0);
             frames(0);
-            out_.u32(1); // the track's number
+            out_.u32(1); // track number
             out_.u32(0);
             frames(frames_);
             out_.zeros(12);
@@ -83,7 +83,7 @@ private:
         });
     }
 
-    /// Tells players to begin behind the priming and to end before the padding of the last packet.
+    /// Makes players skip the priming and the last packet's padding.
     void editList() {
         out_.box("edts", [this] {
             out_.fullBox("elst", version(), [this] {
@@ -104,7 +104,7 @@ private:
                     frames(0);
                     out_.u32(framesPerSecond);
                     frames(codedFrames_);
-                    out_.u16(0x55c4); // no particular language
+                    out_.u16(0x55c4); // undetermined language
                     out_.u16(0);
                 });
                 out_.fullBox("hdlr", 0, [this] {
@@ -126,7 +126,7 @@ private:
                 out_.box("dinf", [this] {
                     out_.fullBox("dref", 0, [this] {
                         out_.u32(1);
-                        out_.fullBox("url ", 1, [] {}); // the content is in this very file
+                        out_.fullBox("url ", 1, [] {}); // the content is in this file
                     });
                 });
                 out_.box(
@@ -149,7 +149,7 @@ private:
             out_.u16(1);
             out_.zeros(8);
             out_.u16(static_cast<std::uint64_t>(track_.channels));
-            out_.u16(16); // bits a sample, by convention
+            out_.u16(16); // bits per sample, by convention
             out_.u32(0);
             out_.u32(std::uint64_t{framesPerSecond} << 16U);
             const auto channels = static_cast<std::uint64_t>(track_.channels);
@@ -161,7 +161,7 @@ private:
         durations();
         preRoll();
         chunks();
-        // Last in each of the boxes around it, so that the sizes can follow piece by piece.
+        // Last in its parents, so that the caller can append the sizes.
         out_.fullBox(
             "stsz", 0,
             [this] {
@@ -185,7 +185,7 @@ private:
         });
     }
 
-    /// Tells players that seek to decode one packet more than they want to hear.
+    /// Makes players decode one extra packet after a seek.
     void preRoll() {
         out_.fullBox("sgpd", 1U << 24U, [this] {
             out_.text("roll");
@@ -202,23 +202,23 @@ private:
     }
 
     void chunks() {
-        const std::size_t inLast = packetCount_ - ((rowOffsets_.size() - 1) * packetsPerRow);
-        const bool lastDiffers = rowOffsets_.size() > 1 && inLast != packetsPerRow;
+        const std::size_t inLast = packetCount_ - ((chunkOffsets_.size() - 1) * packetsPerChunk);
+        const bool lastDiffers = chunkOffsets_.size() > 1 && inLast != packetsPerChunk;
         out_.fullBox("stsc", 0, [&] {
             out_.u32(lastDiffers ? 2 : 1);
             out_.u32(1);
-            out_.u32(std::min(packetsPerRow, packetCount_));
+            out_.u32(std::min(packetsPerChunk, packetCount_));
             out_.u32(1);
             if (lastDiffers) {
-                out_.u32(rowOffsets_.size());
+                out_.u32(chunkOffsets_.size());
                 out_.u32(inLast);
                 out_.u32(1);
             }
         });
-        const bool far = rowOffsets_.back() > std::numeric_limits<std::uint32_t>::max();
+        const bool far = chunkOffsets_.back() > std::numeric_limits<std::uint32_t>::max();
         out_.fullBox(far ? "co64" : "stco", 0, [&] {
-            out_.u32(rowOffsets_.size());
-            for (const std::uint64_t offset : rowOffsets_) {
+            out_.u32(chunkOffsets_.size());
+            for (const std::uint64_t offset : chunkOffsets_) {
                 far ? out_.u64(offset) : out_.u32(offset);
             }
         });
@@ -226,10 +226,10 @@ private:
 
     const AacTrack& track_;
     const std::size_t packetCount_;
-    const std::span<const std::uint64_t> rowOffsets_;
+    const std::span<const std::uint64_t> chunkOffsets_;
     const std::uint64_t sizesLength_;
     const std::uint64_t frames_;
-    const std::uint64_t codedFrames_; // with the priming
+    const std::uint64_t codedFrames_; // including the priming
     const bool long_;
     BoxWriter out_;
 };
@@ -249,8 +249,8 @@ std::vector<std::byte> m4aFileType() {
 }
 
 std::vector<std::byte> m4aIndex(const AacTrack& track, std::int64_t frames, std::size_t packetCount,
-                                std::span<const std::uint64_t> rowOffsets) {
-    return IndexWriter(track, frames, packetCount, rowOffsets).write();
+                                std::span<const std::uint64_t> chunkOffsets) {
+    return IndexWriter(track, frames, packetCount, chunkOffsets).write();
 }
 
 } // namespace vantoro::media

@@ -11,17 +11,16 @@
 
 namespace vantoro::media {
 
-/// How many packets lie in one row in the file, before another offset is noted.
-inline constexpr std::size_t packetsPerRow = 64;
+/// Packets per chunk: each chunk has its offset in the index.
+inline constexpr std::size_t packetsPerChunk = 64;
 
-/// The file's first bytes.
+/// The file's first box.
 std::vector<std::byte> m4aFileType();
 
-/// The file's index, of so many `frames` that are to be heard (neither priming nor padding), up to
-/// the table of the packets' sizes, which its caller writes behind it: 32 bits big-endian for each
-/// packet, as many as `packetCount`, at least one. `rowOffsets`: where each row of packets begins
-/// in the file.
+/// The file's index up to the table of packet sizes, which the caller appends: `packetCount`
+/// big-endian 32-bit numbers. `frames`: audible frames, without priming and padding. `packetCount`:
+/// at least one. `chunkOffsets`: each chunk's offset in the file.
 std::vector<std::byte> m4aIndex(const AacTrack& track, std::int64_t frames, std::size_t packetCount,
-                                std::span<const std::uint64_t> rowOffsets);
+                                std::span<const std::uint64_t> chunkOffsets);
 
 } // namespace vantoro::media

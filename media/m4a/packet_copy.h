@@ -13,11 +13,10 @@
 
 namespace vantoro::media {
 
-/// Copies the packets of the first frames of a track of an intact movie, and the priming before
-/// them, as they are: what they sound like does not change, and an hour takes a fraction of a
-/// second.
-/// Throws DamagedMovie when the file has changed meanwhile, what either file throws, and when a
-/// stop is requested std::errc::operation_canceled.
+/// Copies the priming and the first `frames` of an intact movie's track without recoding: lossless,
+/// and a fraction of a second for an hour.
+/// Throws DamagedMovie if the file has changed, what either file throws, and
+/// std::errc::operation_canceled on a stop request.
 void copyPackets(const std::shared_ptr<const Movie>& movie, std::size_t track, std::int64_t frames,
                  M4aFile& file, const ExportProgress& progress, const std::stop_token& stop);
 

@@ -16,20 +16,20 @@
 
 namespace vantoro::media {
 
-// A mix is coded in chunks that do not know of each other, so that several can be at once. A
-// chunk's coder begins before the chunk, to be in its stride when it counts, and goes on behind its
-// end, so that there are places to choose from where the one coder's packets can follow the
-// other's. The borders depend on nothing: the same mix gives the same file, however it came about.
+// A mix is coded in independent segments, so that several can be coded in parallel. A segment's
+// coder begins earlier, to have settled when the segment begins, and continues past its end, so
+// that the splicer can choose where to switch to the next coder's packets. The borders are fixed:
+// the same mix always gives the same file.
 
-inline constexpr std::int64_t chunkPackets = 1408; ///< some 30 s
-inline constexpr std::int64_t packetsBehindChunk = 8;
+inline constexpr std::int64_t segmentPackets = 1408; ///< about 30 s
+inline constexpr std::int64_t packetsAfterSegment = 8;
 
-/// The packets of one chunk, and those behind it that the next one has too.
-struct CodedChunk {
-    std::int64_t firstPacket = 0; ///< its number in the whole mix
-    std::vector<std::byte> bytes; ///< packet by packet
+/// The packets of one segment, and those after it that overlap the next one.
+struct CodedSegment {
+    std::int64_t firstPacket = 0; ///< its number in the mix
+    std::vector<std::byte> bytes; ///< of all packets
     std::vector<std::uint32_t> sizes;
-    /// Of the packet before the first one (made up for the very first chunk), and then of each.
+    /// Of the packet before the first one (a default for the first segment), then of each packet.
     std::vector<WindowEnds> windowEnds;
 
     std::int64_t endPacket() const noexcept {
@@ -37,92 +37,92 @@ struct CodedChunk {
     }
 };
 
-/// How many packets a mix of so many frames becomes: the priming, and each 1024 frames or less.
+/// How many packets a mix of `frames` has, including the priming.
 std::int64_t packetsOf(std::int64_t frames) noexcept;
-/// How many chunks those are.
-std::int64_t chunksOf(std::int64_t frames) noexcept;
+/// How many segments a mix of `frames` has.
+std::int64_t segmentsOf(std::int64_t frames) noexcept;
 
-/// How a mix is coded.
+/// Makes a coder with the mix's parameters.
 AacEncoder makeMixCoder(const Coding& coding);
 
-/// The packets that a chunk keeps, of all that its coder makes.
-class ChunkPackets {
+/// Collects those of a coder's packets that its segment keeps.
+class SegmentPackets {
 public:
     /// `coderStart`: the number of the coder's first packet.
-    ChunkPackets(std::int64_t chunk, std::int64_t packetsOfMix, std::int64_t coderStart);
+    SegmentPackets(std::int64_t segment, std::int64_t packetsOfMix, std::int64_t coderStart);
 
     bool areComplete() const noexcept { return next_ >= end_; }
 
     void add(const AacPacket& packet, const WindowEnds& ends);
 
-    /// There are only so many in the mix.
+    /// Sets the number of packets in the mix.
     void endAt(std::int64_t packetsOfMix) noexcept { end_ = std::min(end_, packetsOfMix); }
 
-    CodedChunk take() noexcept { return std::move(chunk_); }
+    CodedSegment take() noexcept { return std::move(segment_); }
 
 private:
-    CodedChunk chunk_;
-    std::int64_t next_; // number of the coder's next packet
-    std::int64_t end_;  // behind the last one that is kept
+    CodedSegment segment_;
+    std::int64_t next_; // the coder's next packet
+    std::int64_t end_;  // after the last packet to keep
 };
 
-/// Codes one chunk, as far as there is a mix. Used by one thread; throws when a file cannot be
-/// read, or the coder fails.
-class ChunkCoder {
+/// Codes one segment, as far as the mix is available. Used by one thread; throws if a file cannot
+/// be read or the coder fails.
+class SegmentCoder {
 public:
-    /// Of a mix whose end may be unknown yet; the first block that is coded must be there.
-    ChunkCoder(const Coding& coding, const Mix& mix, std::int64_t chunk);
+    /// The mix's end may still be unknown; its first block to code must be available.
+    SegmentCoder(const Coding& coding, const Mix& mix, std::int64_t segment);
 
-    /// The mix, whose end was unknown, is this one.
-    void endAs(const Mix& mix) noexcept;
+    /// Sets the end of a mix whose end was unknown.
+    void setEnd(const Mix& mix) noexcept;
 
-    /// Codes what lies before so many frames of the mix, in whole blocks, or to the chunk's end.
-    /// `packetDone` is told of each packet of the chunk itself. A stop is heeded at once.
+    /// Codes the whole blocks within the mix's first `frames`, or up to the segment's end. Calls
+    /// `packetDone` for each packet of the segment itself. Returns promptly on a stop request.
     void code(std::int64_t frames, const std::stop_token& stop,
               const std::function<void()>& packetDone);
 
     bool isComplete() const noexcept { return packets_.areComplete(); }
 
-    CodedChunk take() noexcept { return packets_.take(); }
+    CodedSegment take() noexcept { return packets_.take(); }
 
 private:
-    bool isThere(std::int64_t block, std::int64_t frames) const noexcept;
+    bool isAvailable(std::int64_t block, std::int64_t frames) const noexcept;
 
-    std::int64_t frames_; // of the mix
-    std::int64_t first_;  // block of the chunk itself
-    std::int64_t block_;  // next to be coded
+    std::int64_t frames_; // in the mix
+    std::int64_t first_;  // the segment's first block
+    std::int64_t block_;  // the next one to code
     Mixer mixer_;
     AacEncoder coder_;
-    ChunkPackets packets_;
+    SegmentPackets packets_;
 };
 
-/// Codes one chunk of a mix in one go; what is returned after a stop is of no use.
-CodedChunk codeChunk(const Coding& coding, const Mix& mix, std::int64_t chunk,
-                     const std::stop_token& stop, const std::function<void()>& packetDone);
+/// Codes one whole segment; after a stop request the result is incomplete.
+CodedSegment codeSegment(const Coding& coding, const Mix& mix, std::int64_t segment,
+                         const std::stop_token& stop, const std::function<void()>& packetDone);
 
-/// The first packet to take from `after`, whose chunk follows on that of `before`: where the sound
-/// of both coders' packets overlaps as if one coder had made them.
-std::int64_t splicePoint(const CodedChunk& before, const CodedChunk& after) noexcept;
+/// The first packet to take from `after`, the segment that follows `before`: where both coders'
+/// windows match as if one coder had made the packets.
+std::int64_t splicePoint(const CodedSegment& before, const CodedSegment& after) noexcept;
 
-/// Puts chunks together, in their order.
-class ChunkSplicer {
+/// Joins segments, which are added in order.
+class SegmentSplicer {
 public:
     using Sink = std::function<void(std::span<const std::byte> packet)>;
 
-    explicit ChunkSplicer(Sink sink) : sink_(std::move(sink)) {}
+    explicit SegmentSplicer(Sink sink) : sink_(std::move(sink)) {}
 
-    /// Hands over what is certain by now.
-    void add(CodedChunk chunk);
-    /// Hands over the rest.
+    /// Passes on the packets up to the splice point.
+    void add(CodedSegment segment);
+    /// Passes on the remaining packets.
     void finish();
 
 private:
-    void handOverUntil(std::int64_t packet);
+    void deliverUntil(std::int64_t packet);
 
     Sink sink_;
-    CodedChunk latest_;
+    CodedSegment latest_;
     std::int64_t nextPacket_ = 0;
-    std::size_t nextByte_ = 0; // where that one begins in the latest chunk
+    std::size_t nextByte_ = 0; // its offset in the latest segment
 };
 
 } // namespace vantoro::media

@@ -14,14 +14,14 @@ namespace vantoro::media {
 
 namespace {
 
-/// Of the calling thread, and of what it does from now on.
-void runBehindAllOthers() {
-    constexpr int leastPriority = 19;
-    // A failure is no harm: then it shares the processors like others.
-    static_cast<void>(::setpriority(PRIO_PROCESS, static_cast<id_t>(::gettid()), leastPriority));
+/// Gives the calling thread the lowest priority.
+void lowerPriority() {
+    constexpr int lowestPriority = 19;
+    // A failure is harmless.
+    static_cast<void>(::setpriority(PRIO_PROCESS, static_cast<id_t>(::gettid()), lowestPriority));
 }
 
-/// A track that keeps its volume is copied, which takes no time worth saving.
+/// A single track at volume 1 is copied at the end, which takes no time worth saving.
 bool isMixed(const std::vector<float>& volumes) {
     return !volumes.empty() && volumes != std::vector<float>{1.0F};
 }
@@ -54,10 +54,10 @@ void FollowingMix::expect(std::vector<float> volumes) {
     changed_.notify_one();
 }
 
-void FollowingMix::movieHasGrown() {
+void FollowingMix::fragmentWritten() {
     {
         const std::scoped_lock lock(mutex_);
-        hasGrown_ = true;
+        hasNewFragment_ = true;
         hasFragments_ = true;
     }
     changed_.notify_one();
@@ -91,26 +91,26 @@ std::unique_ptr<OutputFile> FollowingMix::complete(const Mix& mix, unsigned thre
 }
 
 void FollowingMix::follow(const std::stop_token& stop) {
-    runBehindAllOthers();
+    lowerPriority();
     try {
         while (waitForWork(stop)) {
-            goOn();
+            advance();
         }
     } catch (const std::exception&) {
         mix_.reset();
     }
 }
 
-/// Until there is something new to mix, and known how. False when it is to stop.
+/// Waits for new fragments and settled volumes. False on a stop request.
 bool FollowingMix::waitForWork(const std::stop_token& stop) {
     std::unique_lock lock(mutex_);
     const auto hasWork = [this] {
-        return hasFragments_ && isMixed(volumes_) && (hasGrown_ || isOutdated_);
+        return hasFragments_ && isMixed(volumes_) && (hasNewFragment_ || isOutdated_);
     };
     while (changed_.wait(lock, stop, hasWork) && !stop.stop_requested()) {
         const auto change = changedAt_;
-        const bool changedAgain =
-            changed_.wait_until(lock, stop, change + rest, [&] { return changedAt_ != change; });
+        const bool changedAgain = changed_.wait_until(lock, stop, change + settleTime,
+                                                      [&] { return changedAt_ != change; });
         if (!changedAgain && !stop.stop_requested()) {
             return true;
         }
@@ -118,11 +118,11 @@ bool FollowingMix::waitForWork(const std::stop_token& stop) {
     return false;
 }
 
-void FollowingMix::goOn() {
+void FollowingMix::advance() {
     std::unique_lock lock(mutex_);
     const auto volumes = volumes_;
     const bool isOutdated = std::exchange(isOutdated_, false);
-    hasGrown_ = false;
+    hasNewFragment_ = false;
     attempt_ = std::stop_source();
     const auto stop = attempt_.get_token();
     lock.unlock();
@@ -130,16 +130,16 @@ void FollowingMix::goOn() {
         throw std::runtime_error("The disk is nearly full, or power is to be saved.");
     }
     if (isOutdated) {
-        mix_.reset(); // and with it what it takes of the disk
+        mix_.reset(); // and free its disk space
     }
     if (!mix_) {
         mix_ = std::make_unique<GrowingMix>(coding_, fileSystem_, movie_, volumes);
     }
-    mix_->goOn(stop);
+    mix_->advance(stop);
 }
 
 bool FollowingMix::isAffordable() const {
-    return fileSystem_.availableSpace(movie_.parent_path()) >= leastSpace &&
+    return fileSystem_.availableSpace(movie_.parent_path()) >= minFreeSpace &&
            !(isPowerSaved_ && isPowerSaved_());
 }
 
@@ -154,7 +154,7 @@ void FollowingMix::stopFollowing() {
     }
 }
 
-std::shared_ptr<FollowingMix> beginFollowing(const Coding& coding, FileSystem& fileSystem,
+std::shared_ptr<FollowingMix> startFollowing(const Coding& coding, FileSystem& fileSystem,
                                              const std::filesystem::path& movie,
                                              IsPowerSaved isPowerSaved) {
     try {

@@ -18,34 +18,33 @@
 
 namespace vantoro::media {
 
-/// Makes the mix of a movie while that is being written, on a thread that takes only the time that
-/// others leave, so that little is left to do at the end. When anything fails, the disk gets full
-/// or power is to be saved, it gives up without a word: then the mix is made at the end.
+/// Mixes a movie while it is being written, on a thread of the lowest priority, so that little is
+/// left to do at the end. On any failure, on a nearly full disk or in power-save mode it gives up
+/// silently; the mix is then made at the end.
 class FollowingMix {
 public:
-    /// Leaves the recording this much room on the disk.
-    static constexpr std::uint64_t leastSpace = std::uint64_t{1} << 30U;
-    /// Volumes that change count once they have not for so long.
-    static constexpr std::chrono::seconds rest{1};
+    /// Gives up below this much free disk space, in bytes.
+    static constexpr std::uint64_t minFreeSpace = std::uint64_t{1} << 30U;
+    /// New volumes take effect once they have not changed for this long.
+    static constexpr std::chrono::seconds settleTime{1};
 
-    /// Throws std::system_error when no thread can be had.
+    /// Throws std::system_error if the thread cannot be started.
     FollowingMix(const Coding& coding, FileSystem& fileSystem, std::filesystem::path movie,
                  IsPowerSaved isPowerSaved);
     FollowingMix(const FollowingMix&) = delete;
     FollowingMix& operator=(const FollowingMix&) = delete;
     ~FollowingMix();
 
-    /// Of each track, in their order. What was mixed with others is dropped. Any thread.
+    /// Sets each track's volume; drops a mix with other volumes. Any thread.
     void expect(std::vector<float> volumes);
-    /// Another fragment is on the disk. Any thread.
-    void movieHasGrown();
+    /// Call when another fragment is on the disk. Any thread.
+    void fragmentWritten();
 
-    /// The movie, which is finished, where the mix knows it already: of a long one, most may have
-    /// to come from the disk again. Null where it does not. Nothing is followed any more.
+    /// The finished movie, without scanning it again, or null if there is no mix. Stops following.
     std::shared_ptr<const Movie> finishedMovie();
 
-    /// Completes the mix of the movie, which is finished, in a file that has no name yet; null
-    /// where it was not followed, with these volumes, or a stop is requested. Nothing may follow.
+    /// Completes the finished movie's mix in an unnamed file. Null if there is no mix or it has
+    /// other volumes, and on a stop request. No call may follow.
     std::unique_ptr<OutputFile> complete(const Mix& mix, unsigned threads,
                                          const ExportProgress& progress,
                                          const std::stop_token& stop);
@@ -53,7 +52,7 @@ public:
 private:
     void follow(const std::stop_token& stop);
     bool waitForWork(const std::stop_token& stop);
-    void goOn();
+    void advance();
     bool isAffordable() const;
     void stopFollowing();
 
@@ -62,21 +61,21 @@ private:
     const std::filesystem::path movie_;
     const IsPowerSaved isPowerSaved_;
 
-    std::mutex mutex_; // guards the next ones
+    std::mutex mutex_; // guards the members up to `attempt_`
     std::condition_variable_any changed_;
     std::vector<float> volumes_;
     std::chrono::steady_clock::time_point changedAt_;
-    bool isOutdated_ = false; // other volumes are wanted than those of the mix
-    bool hasGrown_ = false;
+    bool isOutdated_ = false; // the mix has other volumes
+    bool hasNewFragment_ = false;
     bool hasFragments_ = false;
-    std::stop_source attempt_; // ends when it is outdated
+    std::stop_source attempt_; // stopped when outdated
 
-    std::unique_ptr<GrowingMix> mix_; // the thread's, while that runs
-    std::jthread thread_;             // last: it uses the above
+    std::unique_ptr<GrowingMix> mix_; // used by the thread while it runs
+    std::jthread thread_;             // last, because it uses the above
 };
 
-/// Null when no thread can be had.
-std::shared_ptr<FollowingMix> beginFollowing(const Coding& coding, FileSystem& fileSystem,
+/// Null if the thread cannot be started.
+std::shared_ptr<FollowingMix> startFollowing(const Coding& coding, FileSystem& fileSystem,
                                              const std::filesystem::path& movie,
                                              IsPowerSaved isPowerSaved);
 

@@ -45,11 +45,11 @@ GrowingMix::GrowingMix(const Coding& coding, FileSystem& fileSystem,
     }
 }
 
-void GrowingMix::goOn(const std::stop_token& stop) {
+void GrowingMix::advance(const std::stop_token& stop) {
     const std::int64_t frames = readFragments();
     while (frames >= packetFrames && !stop.stop_requested()) {
         if (!coder_) {
-            coder_.emplace(coding_, mix_, chunk_);
+            coder_.emplace(coding_, mix_, segment_);
         }
         coder_->code(frames, stop, [] {});
         if (!coder_->isComplete()) {
@@ -57,19 +57,19 @@ void GrowingMix::goOn(const std::stop_token& stop) {
         }
         splicer_.add(coder_->take());
         coder_.reset();
-        ++chunk_;
-        malloc_trim(0); // in an hour, what each coder leaves scattered would add up
-        file_.sync();   // so that the end has little left to wait for
+        ++segment_;
+        malloc_trim(0); // or fragmented memory grows with each coder
+        file_.sync();   // so that the end has little to wait for
     }
 }
 
 std::shared_ptr<const Movie> GrowingMix::finishedMovie() {
     readFragments();
-    scanBehindDamage(*movie_->file, movie_->scan);
+    scanAfterDamage(*movie_->file, movie_->scan);
     return movie_;
 }
 
-/// Takes in what the file has grown by. Returns how many frames all tracks have.
+/// Scans new fragments. Returns how many frames all tracks have.
 std::int64_t GrowingMix::readFragments() {
     movie_->file = fileSystem_.open(location_);
     if (movie_->file->size() < movie_->scan.fragmentsEnd) {
@@ -88,9 +88,9 @@ std::unique_ptr<OutputFile> GrowingMix::complete(const Mix& mix, unsigned thread
         progress(0);
     }
     if (coder_) {
-        completeChunk(*coder_, mix, stop);
+        completeSegment(*coder_, mix, stop);
     }
-    codeInParallel(coding_, mix, chunk_, threads, splicer_, progress, stop);
+    codeInParallel(coding_, mix, segment_, threads, splicer_, progress, stop);
     file_.finish(framesOf(mix));
     return std::move(unnamed_);
 }
@@ -105,14 +105,14 @@ void GrowingMix::check(const Mix& mix) const {
     }
 }
 
-/// The chunk that was being coded when the movie ended.
-void GrowingMix::completeChunk(ChunkCoder& coder, const Mix& mix, const std::stop_token& stop) {
-    coder.endAs(mix);
+/// Completes the segment that was being coded when the movie ended.
+void GrowingMix::completeSegment(SegmentCoder& coder, const Mix& mix, const std::stop_token& stop) {
+    coder.setEnd(mix);
     coder.code(framesOf(mix), stop, [] {});
     throwIfStopped(stop);
     splicer_.add(coder.take());
     coder_.reset();
-    ++chunk_;
+    ++segment_;
 }
 
 } // namespace vantoro::media

@@ -12,31 +12,31 @@
 #include "engine/ports/file_system.h"
 #include "engine/ports/recording.h"
 #include "media/m4a/m4a_file.h"
-#include "media/mix/coded_chunk.h"
+#include "media/mix/coded_segment.h"
 #include "media/mix/mixer.h"
 #include "media/movie/movie.h"
 
 namespace vantoro::media {
 
-/// The mix of a movie that is still being written, as far as its fragments go, in a file without a
-/// name. It becomes the very file that an export of the whole movie makes. Used by one thread at a
-/// time; everything throws what the files and the coder throw, and then it is of no use any more.
+/// Mixes a movie that is still being written, fragment by fragment, into an unnamed file. The
+/// result is identical to an export of the finished movie. Used by one thread at a time; every
+/// operation throws what the files and the coder throw, after which only destruction is allowed.
 class GrowingMix {
 public:
-    /// Of a movie with at least one fragment. `volumes`: of its tracks, in their order. Throws
-    /// std::runtime_error where the folder takes no file without a name.
+    /// The movie has at least one fragment. `volumes`: one per track. Throws std::runtime_error if
+    /// the folder does not support unnamed files.
     GrowingMix(const Coding& coding, FileSystem& fileSystem, const std::filesystem::path& movie,
                const std::vector<float>& volumes);
 
-    /// Mixes what there is by now. A stop is heeded at once.
-    void goOn(const std::stop_token& stop);
+    /// Mixes the fragments so far. Returns promptly on a stop request.
+    void advance(const std::stop_token& stop);
 
-    /// The movie, which is finished. Only what it has grown by since is looked through.
+    /// The finished movie. Scans only its new fragments.
     std::shared_ptr<const Movie> finishedMovie();
 
-    /// Mixes the rest of the movie, which is finished, and returns the file: complete, on the disk,
-    /// closed, and without a name. `mix`: the whole of it. Throws std::runtime_error when it is not
-    /// the mix that was begun. Nothing may follow.
+    /// Mixes the rest of the finished movie and returns the file: complete, synced, closed and
+    /// unnamed. `mix`: the whole mix. Throws std::runtime_error if that differs from the mix begun.
+    /// No call may follow.
     std::unique_ptr<OutputFile> complete(const Mix& mix, unsigned threads,
                                          const ExportProgress& progress,
                                          const std::stop_token& stop);
@@ -44,18 +44,18 @@ public:
 private:
     std::int64_t readFragments();
     void check(const Mix& mix) const;
-    void completeChunk(ChunkCoder& coder, const Mix& mix, const std::stop_token& stop);
+    void completeSegment(SegmentCoder& coder, const Mix& mix, const std::stop_token& stop);
 
     const Coding& coding_;
     FileSystem& fileSystem_;
     std::filesystem::path location_;
     std::shared_ptr<Movie> movie_;
-    Mix mix_; // of no known end
+    Mix mix_; // its end is unknown
     std::unique_ptr<OutputFile> unnamed_;
-    M4aFile file_; // in that one
-    ChunkSplicer splicer_;
-    std::int64_t chunk_ = 0;          // being coded
-    std::optional<ChunkCoder> coder_; // of that one, once it is begun
+    M4aFile file_; // writes into `unnamed_`
+    SegmentSplicer splicer_;
+    std::int64_t segment_ = 0;          // current
+    std::optional<SegmentCoder> coder_; // codes that segment, once begun
 };
 
 } // namespace vantoro::media

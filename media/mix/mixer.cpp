@@ -35,16 +35,17 @@ void Mixer::read(const StereoBlock& block) {
     }
     position_ += packetFrames;
     for (const auto plane : {block.left, block.right}) {
-        // Beyond full scale decoders differ: some wrap around, which crackles.
+        // Some decoders wrap around beyond full scale, which crackles.
         for (float& sample : plane) {
             sample = std::clamp(sample, -1.0F, 1.0F);
         }
     }
 }
 
-void Mixer::endAs(const Mix& mix) noexcept {
+void Mixer::setEnd(const Mix& mix) noexcept {
     for (std::size_t track = 0; track < tracks_.size(); ++track) {
-        tracks_[track].samples.endAfter(std::max<std::int64_t>(0, mix[track].frames - position_));
+        tracks_[track].samples.setRemaining(
+            std::max<std::int64_t>(0, mix[track].frames - position_));
     }
 }
 

@@ -12,35 +12,35 @@
 
 namespace vantoro::media {
 
-/// Of a track whose end is not known yet.
+/// The length of a track whose end is not known yet.
 inline constexpr std::int64_t unknownFrames = std::numeric_limits<std::int64_t>::max() / 2;
 
-/// A movie's track, and how loud it is in a mix.
+/// A movie's track and its volume in a mix.
 struct MixedTrack {
     std::shared_ptr<const Movie> movie;
-    std::size_t track = 0; ///< in the scan
+    std::size_t track = 0; ///< index in the scan
     std::int64_t frames = 0;
     float volume = 1;
 };
 
-/// Tracks side by side, from the mix's beginning on.
+/// Tracks that play together from time zero.
 using Mix = std::vector<MixedTrack>;
 
-/// Of the longest track.
+/// The length of the longest track.
 std::int64_t framesOf(const Mix& mix) noexcept;
 
-/// The tracks of a mix, summed at their volumes and limited to full scale. Used by one thread at a
-/// time; several may read one mix.
+/// Sums a mix's tracks at their volumes and clips the sum to full scale. Used by one thread at a
+/// time; several mixers may share a mix.
 class Mixer {
 public:
-    /// Its first `read` begins `block` × 1024 frames behind the mix's beginning. Throws as `read`.
+    /// Starts at frame `block` × 1024 of the mix. Throws as `read`.
     Mixer(const Coding& coding, const Mix& mix, std::int64_t block);
 
-    /// The next 1024 frames; silence where a track has ended. Throws when a file cannot be read.
+    /// The next 1024 frames; an ended track is silent. Throws if a file cannot be read.
     void read(const StereoBlock& block);
 
-    /// The tracks, of which no end was known, end as those of `mix` do: behind what was read.
-    void endAs(const Mix& mix) noexcept;
+    /// Sets the ends of tracks whose ends were unknown; they lie after what was read.
+    void setEnd(const Mix& mix) noexcept;
 
 private:
     struct Track {

@@ -20,45 +20,45 @@ namespace vantoro::media {
 
 namespace {
 
-/// Chunks that threads code ahead of the one who takes them in their order.
-class Workshop {
+/// Threads that code segments ahead of the thread that takes them in order.
+class SegmentWorkers {
 public:
-    Workshop(const Coding& coding, const Mix& mix, std::int64_t firstChunk, unsigned threads,
-             std::stop_token stop)
+    SegmentWorkers(const Coding& coding, const Mix& mix, std::int64_t firstSegment,
+                   unsigned threads, std::stop_token stop)
         : coding_(coding),
           mix_(mix),
           stop_(std::move(stop)),
-          chunks_(chunksOf(framesOf(mix))),
-          largestLead_(2 * std::int64_t{threads}),
-          claimed_(firstChunk),
-          taken_(firstChunk) {
-        for (unsigned thread = 0; thread < threads && thread < chunks_ - firstChunk; ++thread) {
+          segments_(segmentsOf(framesOf(mix))),
+          maxLead_(2 * std::int64_t{threads}),
+          claimed_(firstSegment),
+          taken_(firstSegment) {
+        for (unsigned thread = 0; thread < threads && thread < segments_ - firstSegment; ++thread) {
             try {
                 workers_.emplace_back([this](const std::stop_token& ended) { work(ended); });
             } catch (const std::system_error&) {
-                break; // there are no more threads to be had
+                break; // no more threads are available
             }
         }
     }
 
-    Workshop(const Workshop&) = delete;
-    Workshop& operator=(const Workshop&) = delete;
+    SegmentWorkers(const SegmentWorkers&) = delete;
+    SegmentWorkers& operator=(const SegmentWorkers&) = delete;
 
-    ~Workshop() {
-        for (std::jthread& worker : workers_) { // all of them, before the first is waited for
+    ~SegmentWorkers() {
+        for (std::jthread& worker : workers_) { // stop all before joining the first
             worker.request_stop();
         }
     }
 
-    std::int64_t chunks() const noexcept { return chunks_; }
+    std::int64_t segments() const noexcept { return segments_; }
 
-    /// The next chunk. Meanwhile `packetsDone` is told of how many packets are coded.
-    CodedChunk take(const std::function<void(std::int64_t)>& packetsDone) {
+    /// The next segment. While it waits it calls `packetsDone` with the number of packets coded.
+    CodedSegment take(const std::function<void(std::int64_t)>& packetsDone) {
         if (workers_.empty()) {
-            auto chunk = codeChunk(coding_, mix_, taken_++, stop_, [this] { ++packetsDone_; });
+            auto segment = codeSegment(coding_, mix_, taken_++, stop_, [this] { ++packetsDone_; });
             throwIfStopped(stop_);
             packetsDone(packetsDone_);
-            return chunk;
+            return segment;
         }
         std::unique_lock lock(mutex_);
         for (;;) {
@@ -75,7 +75,7 @@ public:
             }
             if (auto node = done_.extract(taken_)) {
                 ++taken_;
-                room_.notify_all();
+                leadShrank_.notify_all();
                 return std::move(node.mapped());
             }
         }
@@ -86,10 +86,10 @@ private:
 
     void work(const std::stop_token& stop) {
         try {
-            while (const auto chunk = claim(stop)) {
-                auto coded = codeChunk(coding_, mix_, *chunk, stop, [this] { countPacket(); });
+            while (const auto segment = claim(stop)) {
+                auto coded = codeSegment(coding_, mix_, *segment, stop, [this] { countPacket(); });
                 const std::scoped_lock lock(mutex_);
-                done_.emplace(*chunk, std::move(coded));
+                done_.emplace(*segment, std::move(coded));
                 changed_.notify_one();
             }
         } catch (...) {
@@ -101,10 +101,10 @@ private:
 
     std::optional<std::int64_t> claim(const std::stop_token& stop) {
         std::unique_lock lock(mutex_);
-        const bool mayGoOn = room_.wait(lock, stop, [this] {
-            return failure_ || claimed_ == chunks_ || claimed_ < taken_ + largestLead_;
+        const bool canContinue = leadShrank_.wait(lock, stop, [this] {
+            return failure_ || claimed_ == segments_ || claimed_ < taken_ + maxLead_;
         });
-        if (!mayGoOn || stop.stop_requested() || failure_ || claimed_ == chunks_) {
+        if (!canContinue || stop.stop_requested() || failure_ || claimed_ == segments_) {
             return std::nullopt;
         }
         return claimed_++;
@@ -119,27 +119,26 @@ private:
 
     const Coding& coding_;
     const Mix& mix_;
-    const std::stop_token stop_; // of the one who takes the chunks
-    const std::int64_t chunks_;
-    const std::int64_t
-        largestLead_; // of what is claimed before what is taken: it is kept in memory
+    const std::stop_token stop_; // of the thread that takes the segments
+    const std::int64_t segments_;
+    const std::int64_t maxLead_; // of what is claimed before what is taken: it is kept in memory
 
-    std::mutex mutex_; // guards all below but the threads
-    std::condition_variable_any room_;
+    std::mutex mutex_; // guards all below except the threads
+    std::condition_variable_any leadShrank_;
     std::condition_variable_any changed_;
     std::int64_t claimed_;
     std::int64_t taken_;
     std::int64_t packetsDone_ = 0;
-    std::map<std::int64_t, CodedChunk> done_;
+    std::map<std::int64_t, CodedSegment> done_;
     std::exception_ptr failure_;
 
-    std::vector<std::jthread> workers_; // last: they use the above
+    std::vector<std::jthread> workers_; // last, because they use the above
 };
 
 } // namespace
 
-void codeInParallel(const Coding& coding, const Mix& mix, std::int64_t firstChunk, unsigned threads,
-                    ChunkSplicer& splicer, const ExportProgress& progress,
+void codeInParallel(const Coding& coding, const Mix& mix, std::int64_t firstSegment,
+                    unsigned threads, SegmentSplicer& splicer, const ExportProgress& progress,
                     const std::stop_token& stop) {
     const auto packets = static_cast<double>(packetsOf(framesOf(mix)));
     std::int64_t reported = -1;
@@ -149,12 +148,12 @@ void codeInParallel(const Coding& coding, const Mix& mix, std::int64_t firstChun
             reported = done;
         }
     };
-    const std::int64_t packetsBefore = firstChunk * chunkPackets;
-    report(packetsBefore); // before any of it can be done
-    Workshop workshop(coding, mix, firstChunk, std::max(threads, 1U), stop);
-    for (std::int64_t chunk = firstChunk; chunk < workshop.chunks(); ++chunk) {
-        splicer.add(workshop.take([&](std::int64_t done) { report(packetsBefore + done); }));
-        report((chunk + 1) * chunkPackets);
+    const std::int64_t packetsBefore = firstSegment * segmentPackets;
+    report(packetsBefore); // before the first packet
+    SegmentWorkers workers(coding, mix, firstSegment, std::max(threads, 1U), stop);
+    for (std::int64_t segment = firstSegment; segment < workers.segments(); ++segment) {
+        splicer.add(workers.take([&](std::int64_t done) { report(packetsBefore + done); }));
+        report((segment + 1) * segmentPackets);
     }
     splicer.finish();
 }

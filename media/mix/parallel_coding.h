@@ -6,18 +6,18 @@
 #include <stop_token>
 
 #include "engine/ports/recording.h"
-#include "media/mix/coded_chunk.h"
+#include "media/mix/coded_segment.h"
 #include "media/mix/mixer.h"
 
 namespace vantoro::media {
 
-/// Codes a mix from a chunk on, on so many threads, at least one, and returns when all of it went
-/// through the splicer, which has what lies before, on the calling thread, as `progress` is called
-/// there too. What comes out does not depend on the number of threads. Needs the same memory for
-/// any length. Throws what the mixing, the coder or the splicer throws, and at once, when a stop is
-/// requested, std::errc::operation_canceled.
-void codeInParallel(const Coding& coding, const Mix& mix, std::int64_t firstChunk, unsigned threads,
-                    ChunkSplicer& splicer, const ExportProgress& progress,
+/// Codes a mix from `firstSegment` on, on `threads` threads (at least one), and passes it to the
+/// splicer, which has received the segments before. Calls the splicer and `progress` on the calling
+/// thread. The result does not depend on `threads`; memory does not depend on the mix's length.
+/// Throws what the mixer, the coder and the splicer throw, and promptly
+/// std::errc::operation_canceled on a stop request.
+void codeInParallel(const Coding& coding, const Mix& mix, std::int64_t firstSegment,
+                    unsigned threads, SegmentSplicer& splicer, const ExportProgress& progress,
                     const std::stop_token& stop);
 
 } // namespace vantoro::media

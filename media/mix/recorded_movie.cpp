@@ -12,14 +12,14 @@
 #include "media/coding/aac.h"
 #include "media/m4a/m4a_file.h"
 #include "media/m4a/packet_copy.h"
-#include "media/mix/coded_chunk.h"
+#include "media/mix/coded_segment.h"
 #include "media/mix/parallel_coding.h"
 
 namespace vantoro::media {
 
 namespace {
 
-/// The only track there is, when coding it again would change nothing but its quality.
+/// The only track with sound, if recoding it would only lose quality.
 const MixedTrack* unchangedTrack(const Mix& mix, const std::stop_token& stop) {
     const auto hasSound = [](const MixedTrack& track) { return track.frames > 0; };
     const auto only = std::ranges::find_if(mix, hasSound);
@@ -102,7 +102,7 @@ Mix RecordedMovie::mixAt(const std::vector<float>& volumes) const {
     return mix;
 }
 
-/// Null where the mix is in `staging`.
+/// Null if the mix is in `staging`.
 std::unique_ptr<OutputFile> RecordedMovie::mixInto(OutputFile& staging, const Mix& mix,
                                                    const ExportProgress& progress,
                                                    const std::stop_token& stop) {
@@ -110,7 +110,7 @@ std::unique_ptr<OutputFile> RecordedMovie::mixInto(OutputFile& staging, const Mi
     if (frames == 0) {
         throw std::runtime_error("There is no sound to export.");
     }
-    // It may begin twice, where what was made ahead is of no use.
+    // Progress may start twice if the mix made ahead fails.
     double reported = -1;
     const ExportProgress rising = [&](double done) {
         if (progress && done > reported) {
@@ -124,7 +124,7 @@ std::unique_ptr<OutputFile> RecordedMovie::mixInto(OutputFile& staging, const Mi
         }
     }
     M4aFile file(staging, makeMixCoder(coding_).track(), frames);
-    ChunkSplicer splicer([&file](std::span<const std::byte> packet) { file.add(packet); });
+    SegmentSplicer splicer([&file](std::span<const std::byte> packet) { file.add(packet); });
     codeInParallel(coding_, mix, 0, threads_, splicer, rising, stop);
     file.finish(frames);
     return nullptr;

@@ -19,31 +19,31 @@
 
 namespace vantoro::media {
 
-/// What is whole in a movie of fragments, be it finished or not.
+/// The whole fragments of a movie, finished or not.
 ///
-/// Mixes into a stereo M4A file of 256 kb/s, as long as the longest track to the sample; a single
-/// track whose volume stays 1 is copied instead. The sum is limited to full scale only where it is
-/// coded. Needs the same memory for any length, but for two bytes a packet.
+/// Mixes into a stereo M4A file of 256 kb/s, exactly as long as the longest track; copies a single
+/// track at volume 1 instead. Clips the sum to full scale. Memory does not depend on the length,
+/// except for two bytes per packet.
 class RecordedMovie final : public Recording {
 public:
-    /// Opens a movie that nobody writes any more; throws as `openMovie`. So many threads mix, of
-    /// which the file tells nothing.
+    /// Opens a movie that is no longer being written; throws as `openMovie`. The mix does not
+    /// depend on `threads`.
     RecordedMovie(const Coding& coding, FileSystem& fileSystem,
                   const std::filesystem::path& location,
                   unsigned threads = std::thread::hardware_concurrency());
-    /// The same of one that was just written here, and that a mix may have followed, or null: then
-    /// that knows the movie, and is only completed.
+    /// Opens a movie that this process has just written. `following`: its mix, which is then only
+    /// completed, or null.
     RecordedMovie(const Coding& coding, FileSystem& fileSystem,
                   const std::filesystem::path& location, std::shared_ptr<FollowingMix> following);
 
     std::size_t trackCount() const override { return tracks_.size(); }
 
     MediaTime duration() const override;
-    /// Reads all of the movie, unless the mix that followed it has looked at each fragment.
+    /// Reads the whole movie, unless the following mix has scanned each fragment.
     bool isWhole() const noexcept override;
 
-    /// Throws std::invalid_argument unless there is a finite volume for each track, DamagedMovie
-    /// for a movie that was changed meanwhile, and what the files throw.
+    /// Throws std::invalid_argument unless each track has a finite volume, DamagedMovie if the
+    /// movie has changed, and what the files throw.
     std::unique_ptr<OutputFile> mix(const std::vector<float>& volumes, OutputFile& staging,
                                     const ExportProgress& progress,
                                     const std::stop_token& stop) override;
@@ -55,9 +55,9 @@ private:
                                         const std::stop_token& stop);
 
     const Coding& coding_;
-    std::shared_ptr<FollowingMix> following_; // where there is one
+    std::shared_ptr<FollowingMix> following_; // may be null
     std::shared_ptr<const Movie> movie_;
-    bool isJustWritten_ = false; // by us, who have looked at each fragment since
+    bool isJustWritten_ = false; // and each fragment scanned since
     std::vector<std::size_t> tracks_;
     unsigned threads_;
 };

@@ -23,8 +23,8 @@ TrackSamples::TrackSamples(const Coding& coding, const std::shared_ptr<const Mov
     : packets_(movie, track),
       decoder_(coding.makeDecoder(*movie->codecs[track])),
       remaining_(frames) {
-    // The priming is packet 0, so the packet before the wanted one always exists; decoding it first
-    // makes the wanted one sound right.
+    // A packet decodes correctly only after the previous one, which always exists: the priming is
+    // packet 0.
     packets_.seek(start / packetFrames);
     loadPacket();
     loadPacket();
@@ -53,11 +53,11 @@ void TrackSamples::addTo(const StereoBlock& block, float gain) {
 
 void TrackSamples::loadPacket() {
     const auto packet = packets_.next();
-    const bool isThere = packet && !packet->empty();
+    const bool isAvailable = packet && !packet->empty();
     if (packet && packet->empty()) {
-        decoder_->forget(); // or what lies before the gap would echo behind it
+        decoder_->reset(); // or sound from before the gap would leak into it
     }
-    sound_ = isThere ? decoder_->decode(*packet) : std::nullopt;
+    sound_ = isAvailable ? decoder_->decode(*packet) : std::nullopt;
     position_ = 0;
 }
 

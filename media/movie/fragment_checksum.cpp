@@ -13,12 +13,12 @@ namespace vantoro::media {
 
 namespace {
 
-// What tells our box from others of type "uuid".
+// Distinguishes our box from others of type "uuid".
 constexpr std::array<std::uint8_t, 16> identifier{0x5B, 0x3E, 0xA1, 0x0C, 0x77, 0x42, 0x4D, 0xE9,
                                                   0x9A, 0x16, 0xC8, 0x21, 0x0F, 0xD4, 0x63, 0xB8};
 constexpr std::uint64_t boxSize = 8 + identifier.size() + 4;
 
-// The remainders of a byte with so many zero bytes behind it.
+// The remainders of each byte followed by 0 to 7 zero bytes.
 constexpr std::size_t bytesAtOnce = 8;
 using Remainders = std::array<std::array<std::uint32_t, 256>, bytesAtOnce>;
 
@@ -32,10 +32,10 @@ constexpr Remainders remainders = [] {
         }
         result[0][byte] = rest;
     }
-    for (std::size_t behind = 1; behind < bytesAtOnce; ++behind) {
+    for (std::size_t zeros = 1; zeros < bytesAtOnce; ++zeros) {
         for (std::size_t byte = 0; byte < 256; ++byte) {
-            const std::uint32_t before = result[behind - 1][byte];
-            result[behind][byte] = (before >> 8U) ^ result[0][before & 0xFFU];
+            const std::uint32_t before = result[zeros - 1][byte];
+            result[zeros][byte] = (before >> 8U) ^ result[0][before & 0xFFU];
         }
     }
     return result;

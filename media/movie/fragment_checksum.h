@@ -11,26 +11,26 @@
 
 namespace vantoro::media {
 
-// Behind each fragment lies a box of our own, which other readers skip: the checksum of all bytes
-// of the fragment. It tells packets that can be copied unseen from damaged ones.
+// After each fragment comes a private box, which other readers skip: the checksum of the fragment's
+// bytes. It detects damaged packets without decoding.
 
-/// Where a checksum was found.
+/// A checksum read from a file.
 struct StoredChecksum {
     std::uint32_t value = 0;
-    std::uint64_t end = 0; ///< offset behind its box
+    std::uint64_t end = 0; ///< offset after its box
 };
 
-/// The box that belongs behind the fragment.
+/// The box to write after the fragment.
 std::vector<std::byte> checksumBox(ByteSpan fragment);
 
-/// The checksum that lies at `offset`; nothing where none lies whole. Throws what the file throws.
+/// The checksum at `offset`; nothing if there is no complete one. Throws what the file throws.
 std::optional<StoredChecksum> readChecksum(const InputFile& file, std::uint64_t offset);
 
-/// The sum of a file's bytes from `begin` to `end`. Throws DamagedMovie where the file ends before,
-/// and what the file throws.
+/// The checksum of a file's bytes from `begin` to `end`. Throws DamagedMovie if the file is
+/// shorter, and what the file throws.
 std::uint32_t checksumOf(const InputFile& file, std::uint64_t begin, std::uint64_t end);
 
-/// The same sum, over bytes that come piece by piece.
+/// Computes the checksum incrementally.
 class Checksum {
 public:
     void add(ByteSpan bytes) noexcept;

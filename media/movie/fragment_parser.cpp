@@ -12,10 +12,10 @@ namespace vantoro::media {
 
 namespace {
 
-constexpr std::uint32_t mostPackets = 1U << 16U;
-constexpr std::uint32_t largestPacket = 1U << 16U;
+constexpr std::uint32_t maxPackets = 1U << 16U;
+constexpr std::uint32_t maxPacketSize = 1U << 16U;
 
-// Which fields are there, by the bits of the boxes' flags.
+// The flag bits of optional fields.
 namespace track_flag {
 constexpr std::uint32_t baseOffset = 0x1;
 constexpr std::uint32_t descriptionIndex = 0x2;
@@ -23,30 +23,30 @@ constexpr std::uint32_t duration = 0x8;
 constexpr std::uint32_t size = 0x10;
 } // namespace track_flag
 
-namespace row_flag {
+namespace run_flag {
 constexpr std::uint32_t offset = 0x1;
 constexpr std::uint32_t firstFlags = 0x4;
 constexpr std::uint32_t duration = 0x100;
 constexpr std::uint32_t size = 0x200;
 constexpr std::uint32_t flags = 0x400;
 constexpr std::uint32_t composition = 0x800;
-} // namespace row_flag
+} // namespace run_flag
 
 struct ByteRange {
     std::uint64_t begin = 0;
     std::uint64_t end = 0;
 };
 
-/// One track's part of a fragment's description.
+/// Parses one track's part of a fragment.
 class TrackFragmentParser {
 public:
-    /// `described`: which tracks have had their part, this one's added.
+    /// `described`: which tracks have had their part; the parser adds this one.
     TrackFragmentParser(std::uint64_t fragmentOffset, ByteRange data,
                         std::span<const TrackHeader> tracks, std::vector<bool>& described)
         : fragmentOffset_(fragmentOffset), data_(data), tracks_(tracks), described_(described) {}
 
-    /// Nothing for a track that is not sound.
-    std::optional<PacketRow> parse(ByteSpan content) {
+    /// Nothing for a track that is not audio.
+    std::optional<TrackFragment> parse(ByteSpan content) {
         BoxReader boxes(content);
         while (const auto box = boxes.next()) {
             ByteReader fields(box->content);
@@ -61,7 +61,7 @@ public:
         if (track_ == nullptr || !hasStart_) {
             throw DamagedMovie("a fragment's track is incomplete");
         }
-        return track_->isAudio ? std::optional(std::move(row_)) : std::nullopt;
+        return track_->isAudio ? std::optional(std::move(part_)) : std::nullopt;
     }
 
 private:
@@ -72,17 +72,17 @@ private:
         for (std::size_t index = 0; index < tracks_.size(); ++index) {
             if (tracks_[index].id == id) {
                 track_ = &tracks_[index];
-                row_.track = index;
+                part_.track = index;
             }
         }
         if (track_ == nullptr || (flags & track_flag::baseOffset) != 0) {
             throw DamagedMovie("a fragment belongs to no track");
         }
-        // A few bytes could else name far more packets than memory holds.
-        if (isKnown || described_[row_.track]) {
+        // Otherwise a few bytes could name far more packets than memory holds.
+        if (isKnown || described_[part_.track]) {
             throw DamagedMovie("a fragment holds a track twice");
         }
-        described_[row_.track] = true;
+        described_[part_.track] = true;
         duration_ = track_->defaultDuration;
         size_ = track_->defaultSize;
         if ((flags & track_flag::descriptionIndex) != 0) {
@@ -98,24 +98,24 @@ private:
 
     void parseStart(ByteReader& fields) {
         const std::uint32_t versionAndFlags = fields.u32();
-        row_.start = versionAndFlags >> 24U == 0 ? fields.u32() : fields.u64();
+        part_.start = versionAndFlags >> 24U == 0 ? fields.u32() : fields.u64();
         hasStart_ = true;
     }
 
     void parsePackets(ByteReader& fields) {
         const std::uint32_t flags = fields.u32();
         const std::uint32_t count = fields.u32();
-        if (track_ == nullptr || count > mostPackets - row_.packets.size()) {
+        if (track_ == nullptr || count > maxPackets - part_.packets.size()) {
             throw DamagedMovie("a fragment has too many packets");
         }
-        if ((flags & row_flag::offset) != 0) {
+        if ((flags & run_flag::offset) != 0) {
             const std::uint64_t begin = fragmentOffset_ + fields.u32();
             if (begin < next_) {
                 throw DamagedMovie("packets overlap");
             }
             next_ = begin;
         }
-        if ((flags & row_flag::firstFlags) != 0) {
+        if ((flags & run_flag::firstFlags) != 0) {
             fields.skip(4);
         }
         for (std::uint32_t i = 0; i < count; ++i) {
@@ -125,20 +125,20 @@ private:
 
     void parsePacket(ByteReader& fields, std::uint32_t flags) {
         PacketPlace packet{.offset = next_, .size = size_, .duration = duration_};
-        if ((flags & row_flag::duration) != 0) {
+        if ((flags & run_flag::duration) != 0) {
             packet.duration = fields.u32();
         }
-        if ((flags & row_flag::size) != 0) {
+        if ((flags & run_flag::size) != 0) {
             packet.size = fields.u32();
         }
-        fields.skip(((flags & row_flag::flags) != 0 ? 4U : 0U) +
-                    ((flags & row_flag::composition) != 0 ? 4U : 0U));
-        if (packet.size == 0 || packet.size > largestPacket || next_ < data_.begin ||
+        fields.skip(((flags & run_flag::flags) != 0 ? 4U : 0U) +
+                    ((flags & run_flag::composition) != 0 ? 4U : 0U));
+        if (packet.size == 0 || packet.size > maxPacketSize || next_ < data_.begin ||
             next_ > data_.end || packet.size > data_.end - next_) {
             throw DamagedMovie("a packet does not lie inside its fragment");
         }
         next_ += packet.size;
-        row_.packets.push_back(packet);
+        part_.packets.push_back(packet);
     }
 
     const std::uint64_t fragmentOffset_;
@@ -149,8 +149,8 @@ private:
     bool hasStart_ = false;
     std::uint32_t duration_ = 0;
     std::uint32_t size_ = 0;
-    std::uint64_t next_ = 0; // where the next packet lies
-    PacketRow row_;
+    std::uint64_t next_ = 0; // the next packet's offset
+    TrackFragment part_;
 };
 
 } // namespace
@@ -159,7 +159,7 @@ Fragment readFragment(const InputFile& file, std::uint64_t offset,
                       std::span<const TrackHeader> tracks) {
     const FileBox description = readFileBox(file, offset);
     if (description.type != boxType("moof") ||
-        description.end - description.content > largestDescription) {
+        description.end - description.content > maxDescriptionSize) {
         throw DamagedMovie("no fragment lies where one should");
     }
     const FileBox data = readFileBox(file, description.end);
@@ -173,7 +173,7 @@ Fragment readFragment(const InputFile& file, std::uint64_t offset,
     Fragment fragment{.contentEnd = data.end,
                       .end = checksum ? checksum->end : data.end,
                       .checksum = checksum ? std::optional(checksum->value) : std::nullopt,
-                      .rows = {}};
+                      .parts = {}};
     std::vector<bool> described(tracks.size());
     BoxReader boxes(bytes);
     while (const auto box = boxes.next()) {
@@ -182,8 +182,8 @@ Fragment readFragment(const InputFile& file, std::uint64_t offset,
         }
         TrackFragmentParser parser(offset, {.begin = data.content, .end = data.end}, tracks,
                                    described);
-        if (auto row = parser.parse(box->content)) {
-            fragment.rows.push_back(std::move(*row));
+        if (auto part = parser.parse(box->content)) {
+            fragment.parts.push_back(std::move(*part));
         }
     }
     return fragment;

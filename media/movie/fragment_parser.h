@@ -13,10 +13,10 @@
 
 namespace vantoro::media {
 
-/// Of a fragment, in bytes. Ten seconds of two tracks take some 940 packets and 10 KB.
-inline constexpr std::uint64_t largestDescription = 1U << 20U;
+/// In bytes. Ten seconds of two tracks take about 940 packets and 10 KB.
+inline constexpr std::uint64_t maxDescriptionSize = 1U << 20U;
 
-/// Where a packet lies in a file.
+/// A packet's position in the file.
 struct PacketPlace {
     std::uint64_t offset = 0;
     std::uint32_t size = 0;
@@ -24,23 +24,23 @@ struct PacketPlace {
 };
 
 /// The packets of one track in a fragment.
-struct PacketRow {
+struct TrackFragment {
     std::size_t track = 0;
-    std::uint64_t start = 0; ///< frames before it, the priming counted
+    std::uint64_t start = 0; ///< in frames, including the priming
     std::vector<PacketPlace> packets;
 };
 
 struct Fragment {
-    std::uint64_t contentEnd = 0;          ///< offset behind its packets
-    std::uint64_t end = 0;                 ///< offset behind it and its checksum
-    std::optional<std::uint32_t> checksum; ///< of the bytes up to `contentEnd`, where it is stored
-    std::vector<PacketRow> rows;
+    std::uint64_t contentEnd = 0;          ///< offset after its packets
+    std::uint64_t end = 0;                 ///< offset after its checksum
+    std::optional<std::uint32_t> checksum; ///< of the bytes up to `contentEnd`, if stored
+    std::vector<TrackFragment> parts;
 };
 
-/// Reads the description of the fragment at `offset`. Throws DamagedMovie when that and all of the
-/// packets that it names do not lie inside the fragment, or are more than any recording has. Each
-/// track has one row at most, whose packets lie one behind the other: what it costs to read them
-/// all is bounded by the fragment's size.
+/// Reads the description of the fragment at `offset`. Throws DamagedMovie if it is incomplete, if a
+/// packet lies outside the fragment, or if there are more packets than any recording has. Each
+/// track has at most one part, whose packets are in file order, so the fragment's size bounds the
+/// cost of reading them.
 Fragment readFragment(const InputFile& file, std::uint64_t offset,
                       std::span<const TrackHeader> tracks);
 

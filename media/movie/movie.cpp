@@ -16,7 +16,7 @@ namespace vantoro::media {
 
 std::shared_ptr<Movie> openMovie(FileSystem& fileSystem, const std::filesystem::path& location) {
     auto movie = openGrowingMovie(fileSystem, location);
-    scanBehindDamage(*movie->file, movie->scan);
+    scanAfterDamage(*movie->file, movie->scan);
     return movie;
 }
 
@@ -46,7 +46,7 @@ bool isIntact(const Movie& movie, const std::stop_token& stop) {
 
 bool isUnbroken(const Movie& movie) noexcept {
     try {
-        return movie.scan.skipped == 0 && endsWithItsFragments(*movie.file, movie.scan);
+        return movie.scan.skipped == 0 && endsWithLastFragment(*movie.file, movie.scan);
     } catch (const std::exception&) {
         return false;
     }

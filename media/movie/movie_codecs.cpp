@@ -14,14 +14,14 @@ namespace vantoro::media {
 
 namespace {
 
-/// What the first two bytes of a decoder's configuration say.
+/// The first two bytes of a decoder's configuration.
 struct AacConfiguration {
     bool isAac = false; // in packets of 1024 frames
     bool hasOurRate = false;
-    int channels = 0; // 0 where they are told in another way, or wrongly
+    int channels = 0; // 0 if invalid or specified elsewhere
 };
 
-/// How a track's packets are coded: the first description, as the recorder's tracks have one only.
+/// A track's first sample description; the recorder's tracks have only one.
 std::optional<Box> findDescription(ByteSpan information) {
     const auto tables = findBox(information, boxType("stbl"));
     const auto descriptions = tables ? findBox(*tables, boxType("stsd")) : std::nullopt;
@@ -33,13 +33,13 @@ std::optional<Box> findDescription(ByteSpan information) {
     return BoxReader(fields.rest()).next();
 }
 
-/// The boxes behind the fields of a sound's description.
+/// The boxes after the fields of a sound description.
 ByteSpan skipDescriptionFields(ByteSpan description) {
     ByteReader fields(description);
-    fields.skip(8); // where the packets lie
+    fields.skip(8); // reserved, data reference index
     const unsigned version = fields.u16();
     fields.skip(18);
-    // QuickTime has more to say from version to version.
+    // Later QuickTime versions have more fields.
     constexpr std::array<std::size_t, 3> moreFields{0, 16, 36};
     if (version >= moreFields.size()) {
         throw DamagedMovie("a track is described in an unknown way");
@@ -63,7 +63,7 @@ ByteSpan findElementaryStream(ByteSpan boxesOfDescription) {
     throw DamagedMovie("a track does not say how it is coded");
 }
 
-/// Whether packets of this kind of coding can be AAC, that of MPEG-4 or one of MPEG-2's three.
+/// Whether this object type can be AAC: MPEG-4's or one of MPEG-2's three.
 bool canBeAac(std::uint8_t coding) noexcept {
     return coding == 0x40 || (coding >= 0x66 && coding <= 0x68);
 }
@@ -80,7 +80,7 @@ AacConfiguration readConfiguration(ByteSpan bytes) {
             .channels = channelCounts.at(channels)};
 }
 
-/// Nothing where the track is not AAC.
+/// Nothing if the track is not AAC.
 std::optional<AacTrack> readCodec(ByteSpan information) {
     const auto description = findDescription(information);
     if (!description || description->type != boxType("mp4a")) {

@@ -10,9 +10,9 @@
 
 namespace vantoro::media {
 
-/// How each track of a movie is coded, in the scan's order; nothing for a track that is not AAC.
-/// Looks at no byte of the header more than a few times, whatever the bytes claim. Throws
-/// DamagedMovie when an AAC track is not described as it has to be.
+/// Each track's AAC parameters, in the scan's order; nothing for a track that is not AAC. Visits
+/// each byte of the header at most a few times. Throws DamagedMovie if an AAC track's description
+/// is invalid.
 std::vector<std::optional<AacTrack>> readCodecs(const MovieScan& scan);
 
 } // namespace vantoro::media

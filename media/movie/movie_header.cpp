@@ -11,13 +11,13 @@ namespace vantoro::media {
 
 namespace {
 
-constexpr std::size_t mostTracks = 16;
+constexpr std::size_t maxTracks = 16;
 
 constexpr std::uint32_t fieldsVersion(std::uint32_t versionAndFlags) noexcept {
     return versionAndFlags >> 24U;
 }
 
-/// Leaves out the two times at the beginning of several kinds of boxes.
+/// Skips the version, flags and two times at the beginning of a box.
 void skipTimes(ByteReader& fields) {
     fields.skip(fieldsVersion(fields.u32()) == 0 ? 8 : 16);
 }
@@ -87,7 +87,7 @@ std::vector<TrackHeader> parseHeader(ByteSpan content) {
             TrackHeader track = parseTrack(box->content);
             const bool isKnown =
                 std::ranges::find(tracks, track.id, &TrackHeader::id) != tracks.end();
-            if (isKnown || tracks.size() == mostTracks) {
+            if (isKnown || tracks.size() == maxTracks) {
                 throw DamagedMovie("its tracks cannot be told apart");
             }
             tracks.push_back(std::move(track));

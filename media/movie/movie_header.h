@@ -9,8 +9,8 @@
 
 namespace vantoro::media {
 
-/// The tracks that a movie's header describes, from the content of its box. Throws DamagedMovie
-/// when they cannot be told apart, are more than 16, or hold sound that is not of 48 kHz.
+/// The tracks that a movie's header describes. `content`: that of its box. Throws DamagedMovie if
+/// track IDs repeat, there are more than 16 tracks, or an audio track is not at 48 kHz.
 std::vector<TrackHeader> parseHeader(ByteSpan content);
 
 } // namespace vantoro::media

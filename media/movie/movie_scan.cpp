@@ -18,14 +18,14 @@ namespace vantoro::media {
 
 namespace {
 
-constexpr std::uint64_t largestHeader = 1U << 20U;
-constexpr int mostBoxesBeforeFragments = 16;
-constexpr std::size_t mostFragments = 1U << 20U; // 120 days
+constexpr std::uint64_t maxHeaderSize = 1U << 20U;
+constexpr int maxBoxesBeforeFragments = 16;
+constexpr std::size_t maxFragments = 1U << 20U; // 120 days
 
-/// Finds the header among the first boxes.
+/// Finds the header among the file's first boxes.
 FileBox findHeader(const InputFile& file) {
     std::uint64_t offset = 0;
-    for (int i = 0; i < mostBoxesBeforeFragments && offset < file.size(); ++i) {
+    for (int i = 0; i < maxBoxesBeforeFragments && offset < file.size(); ++i) {
         const FileBox box = readFileBox(file, offset);
         if (box.type == boxType("moov")) {
             return box;
@@ -35,7 +35,7 @@ FileBox findHeader(const InputFile& file) {
     throw DamagedMovie("it has no header");
 }
 
-/// How far the tracks have come with one more fragment.
+/// The tracks' ends with one more fragment.
 class Progress {
 public:
     explicit Progress(const MovieScan& scan) : Progress(scan.ends, scan.ended) {}
@@ -43,14 +43,14 @@ public:
     Progress(std::vector<std::int64_t> ends, std::vector<bool> ended)
         : starts_(ends), ends_(std::move(ends)), ended_(std::move(ended)) {}
 
-    /// Throws when a track does not go on where it had ended, or so many packets later in all
-    /// tracks together.
+    /// Throws unless each track continues where it ended, with gaps of at most `missingPackets` in
+    /// all tracks together.
     void add(const Fragment& fragment, std::uint64_t missingPackets) {
         std::size_t packets = 0;
-        for (const PacketRow& row : fragment.rows) {
-            missingPackets -= gapBefore(row, missingPackets);
-            add(row);
-            packets += row.packets.size();
+        for (const TrackFragment& part : fragment.parts) {
+            missingPackets -= gapBefore(part, missingPackets);
+            add(part);
+            packets += part.packets.size();
         }
         if (packets == 0) {
             throw DamagedMovie("a fragment is empty");
@@ -64,27 +64,27 @@ public:
     }
 
 private:
-    /// In packets.
-    std::uint64_t gapBefore(const PacketRow& row, std::uint64_t mostPackets) const {
-        const auto end = static_cast<std::uint64_t>(ends_[row.track]);
-        const std::uint64_t gap = row.start - end;
-        if (row.start < end || gap % packetFrames != 0 || gap / packetFrames > mostPackets ||
-            (gap > 0 && row.packets.empty())) {
+    /// The gap in packets.
+    std::uint64_t gapBefore(const TrackFragment& part, std::uint64_t maxPackets) const {
+        const auto end = static_cast<std::uint64_t>(ends_[part.track]);
+        const std::uint64_t gap = part.start - end;
+        if (part.start < end || gap % packetFrames != 0 || gap / packetFrames > maxPackets ||
+            (gap > 0 && part.packets.empty())) {
             throw DamagedMovie("a fragment does not follow the one before");
         }
         return gap / packetFrames;
     }
 
-    void add(const PacketRow& row) {
-        std::int64_t& end = ends_[row.track];
-        end = static_cast<std::int64_t>(row.start);
-        starts_[row.track] = end;
-        for (const PacketPlace& packet : row.packets) {
-            // Only a track's last packet is short, so packets can be found by their number.
-            if (ended_[row.track] || packet.duration > packetFrames) {
+    void add(const TrackFragment& part) {
+        std::int64_t& end = ends_[part.track];
+        end = static_cast<std::int64_t>(part.start);
+        starts_[part.track] = end;
+        for (const PacketPlace& packet : part.packets) {
+            // Only a track's last packet may be short, so that packets can be found by number.
+            if (ended_[part.track] || packet.duration > packetFrames) {
                 throw DamagedMovie("a packet has an impossible duration");
             }
-            ended_[row.track] = packet.duration < packetFrames;
+            ended_[part.track] = packet.duration < packetFrames;
             end += packet.duration;
         }
     }
@@ -102,32 +102,32 @@ void addFragment(std::uint64_t offset, const Fragment& fragment, Progress progre
     scan.fragmentsEnd = fragment.end;
 }
 
-std::uint64_t endOfPackets(const Fragment& fragment) {
+std::uint64_t packetsEnd(const Fragment& fragment) {
     std::uint64_t end = 0;
-    for (const PacketRow& row : fragment.rows) {
-        if (!row.packets.empty()) {
-            end = std::max(end, row.packets.back().offset + row.packets.back().size);
+    for (const TrackFragment& part : fragment.parts) {
+        if (!part.packets.empty()) {
+            end = std::max(end, part.packets.back().offset + part.packets.back().size);
         }
     }
     return end;
 }
 
-/// Finds whole fragments behind damage. What it reads is bounded however many there seem to be: an
-/// honest fragment is looked at once, and two that overlap are not both honest.
+/// Finds whole fragments after damage. A limit on the bytes read bounds the time, however many
+/// fragments there seem to be: genuine fragments do not overlap and are read only once.
 class DamageScan {
 public:
     DamageScan(const InputFile& file, MovieScan& scan)
         : file_(file), scan_(scan), search_(file, boxType("moof")), bytesLeft_(4 * file.size()) {}
 
-    /// False when there is none within reach. Throws when enough was read.
+    /// False if there is none within `reach`. Throws at the limit on the bytes read.
     bool addNextFragment(std::uint64_t reach) {
-        // It may claim to be larger than it is.
-        doubtful_ = lastUnlessRight();
+        // Its damaged header may give too large a size.
+        doubtful_ = lastIfChecksumFails();
         const std::uint64_t begin = doubtful_ ? scan_.fragments.back() + 1 : scan_.fragmentsEnd;
         const std::uint64_t end = begin + std::min(reach, file_.size() - begin);
         for (auto place = search_.next(begin, end); place && bytesLeft_ > 0;
              place = search_.next(*place + 1, end)) {
-            if (addWhereWhole(*place)) {
+            if (addIfWhole(*place)) {
                 return true;
             }
         }
@@ -135,25 +135,25 @@ public:
     }
 
 private:
-    // The shortest that the coder makes: silence in one channel.
-    static constexpr std::uint64_t smallestPacket = 4;
+    // The coder's shortest packet: silence in one channel.
+    static constexpr std::uint64_t minPacketSize = 4;
 
-    std::optional<Fragment> lastUnlessRight() {
+    std::optional<Fragment> lastIfChecksumFails() {
         if (scan_.fragments.empty()) {
             return std::nullopt;
         }
         const std::uint64_t offset = scan_.fragments.back();
         Fragment last = readFragment(file_, offset, scan_.tracks);
-        return isRight(offset, last) ? std::nullopt : std::optional(std::move(last));
+        return checksumMatches(offset, last) ? std::nullopt : std::optional(std::move(last));
     }
 
-    bool addWhereWhole(std::uint64_t offset) {
+    bool addIfWhole(std::uint64_t offset) {
         try {
             const FileBox description = readFileBox(file_, offset);
-            spend(std::min(description.end - offset, largestDescription));
+            countRead(std::min(description.end - offset, maxDescriptionSize));
             const Fragment fragment = readFragment(file_, offset, scan_.tracks);
-            if (!isRight(offset, fragment)) {
-                return false; // it may say any time
+            if (!checksumMatches(offset, fragment)) {
+                return false; // its time stamps may be wrong
             }
             try {
                 add(offset, fragment);
@@ -166,25 +166,25 @@ private:
         }
     }
 
-    bool isRight(std::uint64_t offset, const Fragment& fragment) {
+    bool checksumMatches(std::uint64_t offset, const Fragment& fragment) {
         if (!fragment.checksum) {
             return false;
         }
-        spend(fragment.contentEnd - offset);
+        countRead(fragment.contentEnd - offset);
         return fragment.checksum == checksumOf(file_, offset, fragment.contentEnd);
     }
 
     void add(std::uint64_t offset, const Fragment& fragment) {
-        if (doubtful_ && offset < endOfPackets(*doubtful_)) {
+        if (doubtful_ && offset < packetsEnd(*doubtful_)) {
             throw DamagedMovie("its fragments overlap");
         }
         const std::uint64_t skipped = offset - std::min(offset, scan_.fragmentsEnd);
         Progress progress(scan_);
-        progress.add(fragment, skipped / smallestPacket);
+        progress.add(fragment, skipped / minPacketSize);
         addFragment(offset, fragment, std::move(progress), scan_);
     }
 
-    /// Puts the fragment in the place of one that says that it holds more, or less, than it does.
+    /// Replaces the last fragment, whose damaged description has a wrong length, with this one.
     void replaceDoubtful(std::uint64_t offset, const Fragment& fragment) {
         if (!doubtful_) {
             throw DamagedMovie("a fragment does not follow the one before");
@@ -196,14 +196,14 @@ private:
             ended[track] = ended[track] && scan_.ends[track] == starts[track];
         }
         Progress progress({starts.begin(), starts.end()}, std::move(ended));
-        progress.add(fragment, (offset - last) / smallestPacket);
+        progress.add(fragment, (offset - last) / minPacketSize);
         scan_.fragments.pop_back();
         scan_.starts.resize(scan_.starts.size() - scan_.tracks.size());
         scan_.fragmentsEnd = last;
         addFragment(offset, fragment, std::move(progress), scan_);
     }
 
-    void spend(std::uint64_t bytes) {
+    void countRead(std::uint64_t bytes) {
         if (bytes > bytesLeft_) {
             bytesLeft_ = 0;
             throw DamagedMovie("its fragments overlap");
@@ -214,15 +214,15 @@ private:
     const InputFile& file_;
     MovieScan& scan_;
     BoxSearch search_;
-    std::uint64_t bytesLeft_;          // that may be read of what may be fragments
-    std::optional<Fragment> doubtful_; // the last one, where its checksum is not right
+    std::uint64_t bytesLeft_;          // limit on reads of possible fragments
+    std::optional<Fragment> doubtful_; // the last one, if its checksum does not match
 };
 
 } // namespace
 
 MovieScan scanMovie(const InputFile& file) {
     const FileBox header = findHeader(file);
-    if (header.end - header.content > largestHeader) {
+    if (header.end - header.content > maxHeaderSize) {
         throw DamagedMovie("its header is too large");
     }
     std::vector<std::byte> bytes(header.end - header.content);
@@ -240,37 +240,37 @@ MovieScan scanMovie(const InputFile& file) {
 
 void continueScan(const InputFile& file, MovieScan& scan) {
     try {
-        while (scan.fragmentsEnd < file.size() && scan.fragments.size() < mostFragments) {
+        while (scan.fragmentsEnd < file.size() && scan.fragments.size() < maxFragments) {
             const Fragment fragment = readFragment(file, scan.fragmentsEnd, scan.tracks);
             Progress progress(scan);
             progress.add(fragment, 0);
             addFragment(scan.fragmentsEnd, fragment, std::move(progress), scan);
         }
     } catch (const DamagedMovie&) { // NOLINT(bugprone-empty-catch)
-        // The writer died here, or finished, or what it wrote was damaged: all before is whole.
+        // The writer died here, or finished, or the file is damaged: keep what precedes.
     }
 }
 
-void scanBehindDamage(const InputFile& file, MovieScan& scan, std::uint64_t reach) {
+void scanAfterDamage(const InputFile& file, MovieScan& scan, std::uint64_t reach) {
     DamageScan damage(file, scan);
     try {
-        while (scan.fragments.size() < mostFragments && !endsWithItsFragments(file, scan) &&
+        while (scan.fragments.size() < maxFragments && !endsWithLastFragment(file, scan) &&
                damage.addNextFragment(reach)) {
             continueScan(file, scan);
         }
     } catch (const DamagedMovie&) { // NOLINT(bugprone-empty-catch)
-        // All before counts.
+        // Keep what was found.
     }
 }
 
-bool endsWithItsFragments(const InputFile& file, const MovieScan& scan) {
+bool endsWithLastFragment(const InputFile& file, const MovieScan& scan) {
     std::array<std::byte, 8> header{};
     if (file.readAt(scan.fragmentsEnd, header) < header.size()) {
         return scan.fragmentsEnd >= file.size();
     }
     ByteReader fields(header);
     const std::uint64_t size = fields.u32();
-    // The index's own end may be missing.
+    // The index may be cut off.
     return fields.u32() == boxType("mfra") && size >= file.size() - scan.fragmentsEnd;
 }
 

@@ -11,54 +11,54 @@
 
 namespace vantoro::media {
 
-/// What a movie's header says about one track.
+/// One track, as the movie's header describes it.
 struct TrackHeader {
     std::uint32_t id = 0;
     bool isAudio = false;
-    std::uint32_t timescale = 0;       ///< units a second of all the track's times
-    std::uint32_t defaultDuration = 0; ///< of a packet, where its fragment does not say
+    std::uint32_t timescale = 0;       ///< units per second of the track's times
+    std::uint32_t defaultDuration = 0; ///< of a packet, unless its fragment has another
     std::uint32_t defaultSize = 0;
-    std::vector<std::byte> information; ///< content of the box that says how it is coded, unread
+    std::vector<std::byte> information; ///< content of the box with the codec, unparsed
 };
 
-/// What a movie of fragments holds: where its whole fragments lie, and what begins where. Some 40
-/// bytes a fragment, whatever is in the fragments, and no more of the header than its 1 MiB.
+/// A fragmented movie's tracks and whole fragments. Takes about 40 bytes per fragment and up to
+/// 1 MiB of header.
 ///
-/// A fragment is whole when it lies inside the file and each track goes on in it just where it had
-/// ended before. Behind damage, one counts as well whose checksum vouches for it, and in which each
-/// track goes on at a time that it could have reached in the bytes between: there it has a gap.
+/// A fragment is whole if it lies inside the file and each track continues in it exactly where it
+/// ended. After damage, a fragment with a matching checksum counts too if the skipped bytes could
+/// have held the packets that each track is missing; the track then has a gap.
 struct MovieScan {
     std::vector<TrackHeader> tracks;      ///< in file order, at most 16
-    std::uint64_t headerEnd = 0;          ///< the header lies before this offset
+    std::uint64_t headerEnd = 0;          ///< offset after the header
     std::vector<std::uint64_t> fragments; ///< offset of each whole fragment
-    std::vector<std::int64_t> starts; ///< fragments × tracks: frames before it, the priming counted
-    std::vector<std::int64_t> ends;   ///< of each track behind the last whole fragment
-    std::vector<bool> ended;          ///< whether a track's last packet was short: none can follow
-    std::uint64_t fragmentsEnd = 0;   ///< offset behind the last whole fragment, or the header
-    std::uint64_t skipped = 0;        ///< damaged bytes before that
+    std::vector<std::int64_t> starts;     ///< fragments × tracks, in frames, including the priming
+    std::vector<std::int64_t> ends;       ///< of each track, after the last whole fragment
+    std::vector<bool> ended;              ///< whether a track had its last, short packet
+    std::uint64_t fragmentsEnd = 0;       ///< offset after the last whole fragment, or the header
+    std::uint64_t skipped = 0;            ///< damaged bytes before that
 
     std::span<const std::int64_t> startsOf(std::size_t fragment) const noexcept {
         return std::span(starts).subspan(fragment * tracks.size(), tracks.size());
     }
 };
 
-/// Looks through a file whose bytes nobody vouches for, in a time bounded by the file's size and in
-/// little memory, as far as each fragment follows the one before. Throws DamagedMovie when there is
-/// no movie in it at all, and what the file throws when it cannot be read.
+/// Scans an untrusted file up to the first fragment that does not follow the one before, in a time
+/// bounded by the file's size and with little memory. Throws DamagedMovie if the file is not a
+/// movie, and what the file throws.
 MovieScan scanMovie(const InputFile& file);
 
-/// Adds the fragments that the file, still being written, has become longer by since.
+/// Adds the fragments by which the file has grown.
 void continueScan(const InputFile& file, MovieScan& scan);
 
-/// How many damaged bytes are looked through for the next whole fragment: hours of sound.
-inline constexpr std::uint64_t longestSearch = 1U << 30U;
+/// How many damaged bytes to search for the next whole fragment: hours of sound.
+inline constexpr std::uint64_t defaultReach = 1U << 30U;
 
-/// Adds the fragments behind damage, once those before it were scanned. Of a file that nobody
-/// writes any more: what is half written looks damaged. Bounded as the scan is.
-void scanBehindDamage(const InputFile& file, MovieScan& scan, std::uint64_t reach = longestSearch);
+/// Adds the fragments after damage, once those before it are scanned. Not for a file that is still
+/// being written: an incomplete fragment looks damaged. Bounded as `scanMovie`.
+void scanAfterDamage(const InputFile& file, MovieScan& scan, std::uint64_t reach = defaultReach);
 
-/// Whether nothing that might be sound lies behind the last whole fragment: the movie's index does
-/// in a finished file, and nothing in one whose writer died between two fragments.
-bool endsWithItsFragments(const InputFile& file, const MovieScan& scan);
+/// Whether nothing but the movie's index follows the last whole fragment. An unfinished file
+/// without an incomplete fragment counts too.
+bool endsWithLastFragment(const InputFile& file, const MovieScan& scan);
 
 } // namespace vantoro::media

@@ -12,7 +12,7 @@ namespace vantoro::media {
 
 namespace {
 
-// Holds a ten-second fragment of a track, and so is read once for it.
+// Holds a track's ten-second fragment, so that one read suffices.
 constexpr std::uint64_t windowSize = 512U << 10U;
 
 } // namespace
@@ -63,9 +63,10 @@ void PacketReader::load(std::size_t fragment) {
     const MovieScan& scan = movie_->scan;
     places_.clear();
     firstPacket_ = scan.startsOf(fragment)[track_] / packetFrames;
-    for (PacketRow& row : readFragment(*movie_->file, scan.fragments[fragment], scan.tracks).rows) {
-        if (row.track == track_) {
-            places_.insert(places_.end(), row.packets.begin(), row.packets.end());
+    for (TrackFragment& part :
+         readFragment(*movie_->file, scan.fragments[fragment], scan.tracks).parts) {
+        if (part.track == track_) {
+            places_.insert(places_.end(), part.packets.begin(), part.packets.end());
         }
     }
     nextFragment_ = fragment + 1;

@@ -14,19 +14,18 @@
 
 namespace vantoro::media {
 
-/// Reads the packets of one track one after another, from any one on, with the same little memory
-/// however long the track is. Used by one thread at a time; several may read one movie.
+/// Reads consecutive packets of one track, from any packet on. Memory does not depend on the
+/// track's length. Used by one thread at a time; several readers may share a movie.
 class PacketReader {
 public:
     PacketReader(std::shared_ptr<const Movie> movie, std::size_t track);
 
-    /// The next packet to be read is the one of this number, the priming being number 0.
-    /// Throws as `next`.
+    /// Makes `next` return this packet; the priming is packet 0. Throws as `next`.
     void seek(std::int64_t packet);
 
-    /// Valid until the next call; empty for a packet that damage has taken, nothing behind the last
-    /// one. Throws DamagedMovie when the file has changed since it was scanned, and what the file
-    /// throws when it cannot be read.
+    /// The next packet, valid until the next call; empty for a packet lost to damage, nothing at
+    /// the end. Throws DamagedMovie if the file has changed since the scan, and what the file
+    /// throws.
     std::optional<std::span<const std::byte>> next();
 
 private:
@@ -35,10 +34,10 @@ private:
     std::shared_ptr<const Movie> movie_;
     std::size_t track_;
     std::size_t nextFragment_ = 0;
-    std::vector<PacketPlace> places_; // of the fragment before that
-    std::int64_t firstPacket_ = 0;    // number of the first of these
+    std::vector<PacketPlace> places_; // of the fragment before `nextFragment_`
+    std::int64_t firstPacket_ = 0;    // number of the first of `places_`
     std::int64_t nextPacket_ = 0;
-    std::vector<std::byte> window_; // a piece of the file, read ahead
+    std::vector<std::byte> window_; // a part of the file, read ahead
     std::uint64_t windowOffset_ = 0;
 };
 

@@ -7,7 +7,7 @@
 
 namespace vantoro::media {
 
-/// Throws std::errc::operation_canceled when a stop is requested.
+/// Throws std::errc::operation_canceled on a stop request.
 inline void throwIfStopped(const std::stop_token& stop) {
     if (stop.stop_requested()) {
         throw std::system_error(std::make_error_code(std::errc::operation_canceled));

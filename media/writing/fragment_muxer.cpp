@@ -19,7 +19,7 @@ void append(std::vector<std::byte>& target, std::span<const std::byte> bytes) {
     target.insert(target.end(), bytes.begin(), bytes.end());
 }
 
-/// From the priming on.
+/// The packet's start, counted from the priming.
 std::int64_t timeOf(const AacPacket& packet) {
     return packet.start + primingFrames;
 }

@@ -11,31 +11,31 @@
 
 namespace vantoro::media {
 
-/// Puts coded tracks into the fragments of a QuickTime movie, as bytes in memory.
-/// Used by one thread at a time; throws std::runtime_error where it fails.
+/// Muxes coded tracks into the fragments of a QuickTime movie, in memory.
+/// Used by one thread at a time; throws std::runtime_error on failure.
 class FragmentMuxer {
 public:
-    /// Before the first fragment, in the order in which the tracks lie in the file.
+    /// Call before the first fragment, in file order.
     void addTrack(AacTrack description);
 
-    /// Packets of a track come in order and without gaps.
+    /// A track's packets must be added in order and without gaps.
     void add(std::size_t track, AacPacket packet);
 
-    /// How many of the track's frames lie in packets so far, from the session's start.
+    /// The end of the track's packets, in frames from the session's start.
     std::int64_t end(std::size_t track) const noexcept { return tracks_[track].end; }
 
     bool hasPackets() const noexcept;
 
-    /// The bytes of the next fragment, the first with the movie's header before it: of all packets
-    /// that begin before `end`.
+    /// The next fragment, with all packets that begin before `end`. The movie's header precedes the
+    /// first fragment.
     std::vector<std::byte> closeFragment(std::int64_t end);
-    /// The movie's last bytes, behind the last fragment.
+    /// The movie's last bytes, after the last fragment.
     std::vector<std::byte> finish() const;
 
 private:
     struct Track {
         AacTrack description;
-        std::vector<AacPacket> packets; // not yet in a fragment
+        std::vector<AacPacket> packets; // for the next fragments
         std::int64_t end = 0;
         std::vector<FragmentEntry> fragments;
     };
@@ -44,7 +44,7 @@ private:
 
     std::vector<Track> tracks_;
     std::uint32_t fragments_ = 0;
-    std::uint64_t size_ = 0; // of all that was handed out
+    std::uint64_t size_ = 0; // of all bytes returned
 };
 
 } // namespace vantoro::media

@@ -7,26 +7,25 @@
 
 namespace vantoro::media {
 
-/// When a movie's fragments end, in frames from the session's start. Packets belong to the
-/// fragment in which they begin, so a fragment reaches up to one packet beyond its nominal end.
+/// When a movie's fragments end, in frames from the session's start. A packet belongs to the
+/// fragment in which it begins, so a fragment exceeds its nominal end by up to one packet.
 class FragmentSchedule {
 public:
-    /// A source that stops delivering holds a fragment back for this long.
+    /// How long a source that stops delivering may delay a fragment.
     static constexpr std::int64_t patience = 96000; ///< frames: 2 s
 
     FragmentSchedule(std::int64_t initialInterval, std::int64_t interval) noexcept;
 
-    /// Nominal end of the fragment that is being filled.
+    /// The current fragment's nominal end.
     std::int64_t end() const noexcept { return end_; }
 
     void advance() noexcept { end_ += interval_; }
 
-    /// How many frames a track's coder must have been given before it hands over the fragment's
-    /// last packet.
+    /// How many frames a track's coder needs before it outputs the fragment's last packet.
     std::int64_t framesToClose() const noexcept;
 
-    /// Whether the tracks that are short of the fragment's end have to be filled now, since
-    /// another one is too far beyond it. `positions`: how many frames each track has.
+    /// Whether to fill short tracks with silence now, because another track is too far past the
+    /// fragment's end. `positions`: each track's length.
     bool isHeldBack(std::span<const std::int64_t> positions) const noexcept;
 
 private:

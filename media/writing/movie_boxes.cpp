@@ -13,7 +13,7 @@ namespace vantoro::media {
 
 namespace {
 
-/// Everything before the first fragment. How long the movie is, its fragments say.
+/// Writes everything before the first fragment. The fragments give the durations.
 class HeaderWriter {
 public:
     std::vector<std::byte> write(std::span<const AacTrack> tracks) {
@@ -32,8 +32,8 @@ public:
                 for (std::uint32_t number = 1; number <= tracks.size(); ++number) {
                     out_.fullBox("trex", 0, [&] {
                         out_.u32(number);
-                        out_.u32(1);     // how its packets are coded: the first description
-                        out_.zeros(12U); // the fragments say it of each packet
+                        out_.u32(1);     // sample description index
+                        out_.zeros(12U); // the fragments have the values
                     });
                 }
             });
@@ -44,7 +44,7 @@ public:
 private:
     void movie() {
         out_.fullBox("mvhd", 0, [this] {
-            out_.zeros(8); // made when? The file system knows.
+            out_.zeros(8); // creation time: the file system knows
             out_.u32(framesPerSecond);
             out_.u32(0);             // duration
             out_.u32(fixedPointOne); // speed
@@ -52,25 +52,25 @@ private:
             out_.zeros(10);
             out_.unityMatrix();
             out_.zeros(24);
-            out_.u32(2); // the next track's number, where another is added in the usual way
+            out_.u32(2); // next track number
         });
     }
 
     void track(std::uint32_t number, const AacTrack& track) {
-        // Used in the movie; and played by who plays only one of several that sound.
+        // Used in the movie; only the first is enabled, for players that play one track.
         out_.fullBox("tkhd", number == 1 ? 3 : 2, [&] {
             out_.zeros(8);
             out_.u32(number);
             out_.zeros(4 + 4 + 8); // and duration
             out_.u16(0);
-            out_.u16(1);     // all sound is of one group
+            out_.u16(1);     // one alternate group for all tracks
             out_.u16(0x100); // volume
             out_.u16(0);
             out_.unityMatrix();
             out_.zeros(8);
         });
         out_.box("edts", [this] {
-            out_.fullBox("elst", 0, [this] { // what is heard begins behind the priming
+            out_.fullBox("elst", 0, [this] { // playback starts after the priming
                 out_.u32(1);
                 out_.u32(0);
                 out_.u32(primingFrames);
@@ -95,7 +95,7 @@ private:
             out_.zeros(8);
             out_.u32(framesPerSecond);
             out_.u32(0);
-            out_.u16(0x7fff); // no particular language
+            out_.u16(0x7fff); // undetermined language
             out_.u16(0);
         });
         handler("mhlr", "soun", "SoundHandler");
@@ -105,7 +105,7 @@ private:
             out_.box("dinf", [this] {
                 out_.fullBox("dref", 0, [this] {
                     out_.u32(1);
-                    out_.fullBox("url ", 1, [] {}); // the content is in this very file
+                    out_.fullBox("url ", 1, [] {}); // the content is in this file
                 });
             });
             out_.box("stbl", [&] { sampleTables(number, track); });
@@ -117,7 +117,7 @@ private:
             out_.u32(1);
             out_.box("mp4a", [&] { soundDescription(number, track); });
         });
-        // All packets lie in fragments.
+        // All packets are in fragments.
         out_.fullBox("stts", 0, [this] { out_.zeros(4); });
         out_.fullBox("stsc", 0, [this] { out_.zeros(4); });
         out_.fullBox("stsz", 0, [this] { out_.zeros(8); });
@@ -128,16 +128,16 @@ private:
         const auto channels = static_cast<std::uint64_t>(track.channels);
         out_.zeros(6);
         out_.u16(1);
-        out_.u16(1); // version: of a coding whose packets differ in size
+        out_.u16(1); // version, for packets of variable size
         out_.zeros(6);
         out_.u16(channels);
-        out_.u16(16);     // bits a sample, by convention
-        out_.u16(0xfffe); // the same
+        out_.u16(16);     // bits per sample, by convention
+        out_.u16(0xfffe); // variable bit rate
         out_.u16(0);
         out_.u32(std::uint64_t{framesPerSecond} << 16U);
         out_.u32(packetFrames);
         out_.zeros(8);
-        out_.u32(2); // bytes a sample, by convention
+        out_.u32(2); // bytes per sample, by convention
         out_.box("wave", [&] {
             out_.box("frma", [this] { out_.text("mp4a"); });
             out_.box("mp4a", [this] { out_.zeros(4); });
@@ -155,7 +155,7 @@ private:
     BoxWriter out_;
 };
 
-/// `contentOffset`: of the track's first packet, from the fragment's beginning.
+/// `contentOffset`: the track's first packet, from the fragment's beginning.
 void writeTrack(BoxWriter& out, const FragmentTrack& track, std::uint64_t contentOffset) {
     const auto& [bytes, frames] = track.packets.front();
     const auto differs = [&](auto member, auto usual) {
@@ -164,12 +164,13 @@ void writeTrack(BoxWriter& out, const FragmentTrack& track, std::uint64_t conten
     };
     const bool lengthsDiffer = differs(&FragmentTrack::Packet::frames, frames);
     const bool sizesDiffer = differs(&FragmentTrack::Packet::bytes, bytes);
-    constexpr std::uint32_t usualFieldsFollow = 0x020038; // and offsets count from the fragment
+    constexpr std::uint32_t usualFieldsFollow =
+        0x020038; // and offsets are relative to the fragment
     out.fullBox("tfhd", usualFieldsFollow, [&] {
         out.u32(track.number);
         out.u32(frames);
         out.u32(bytes);
-        out.u32(0x2000000); // needs no other packet
+        out.u32(0x2000000); // independent of other packets
     });
     out.fullBox("tfdt", 1U << 24U, [&] { out.u64(static_cast<std::uint64_t>(track.time)); });
     constexpr std::uint32_t offsetFollows = 1;
@@ -211,7 +212,7 @@ std::vector<std::byte> fragmentHeader(std::uint32_t number, std::span<const Frag
         });
         return out.take();
     };
-    // It has to say where the content lies, which is behind it.
+    // The description holds the content's offset, which depends on the description's size.
     auto bytes = description(description(0).size());
     std::uint64_t content = 0;
     for (const FragmentTrack& track : tracks) {
@@ -235,7 +236,7 @@ std::vector<std::byte> fragmentIndex(std::span<const std::vector<FragmentEntry>>
                 if (!entries.empty()) {
                     out.fullBox("tfra", 1U << 24U, [&] {
                         out.u32(number);
-                        out.u32(0); // of one byte each: track's part, row and packet in it
+                        out.u32(0); // one byte each for the track fragment, run and packet numbers
                         out.u32(entries.size());
                         for (const FragmentEntry& entry : entries) {
                             out.u64(static_cast<std::uint64_t>(entry.time));

@@ -11,12 +11,12 @@
 
 namespace vantoro::media {
 
-// The boxes of a QuickTime movie of fragments. Its tracks are counted from 1.
+// The boxes of a fragmented QuickTime movie. Track numbers start at 1.
 
-/// What a fragment has of one track.
+/// One track's part of a fragment.
 struct FragmentTrack {
     std::uint32_t number = 1;
-    std::int64_t time = 0; ///< of the first packet, in frames from the priming on
+    std::int64_t time = 0; ///< of the first packet, in frames, including the priming
 
     struct Packet {
         std::uint32_t bytes = 0;
@@ -26,20 +26,20 @@ struct FragmentTrack {
     std::vector<Packet> packets; ///< at least one
 };
 
-/// Where a track's part of a fragment is found.
+/// An entry of the index: where a track's part of a fragment is.
 struct FragmentEntry {
-    std::int64_t time = 0;    ///< of what is heard first, in frames from the session's start
-    std::uint64_t offset = 0; ///< of the fragment, in the file
+    std::int64_t time = 0;    ///< first audible frame, from the session's start
+    std::uint64_t offset = 0; ///< of the fragment in the file
 };
 
-/// The movie's first bytes: what kind of file it is, and its tracks.
+/// The movie's first bytes: file type and tracks.
 std::vector<std::byte> movieHeader(std::span<const AacTrack> tracks);
 
-/// A fragment, but for the content: the packets of each track, as `tracks` has them, one behind
-/// another. Fragments are counted from 1.
+/// A fragment without its content, which is all packets in the order of `tracks`. Fragment numbers
+/// start at 1.
 std::vector<std::byte> fragmentHeader(std::uint32_t number, std::span<const FragmentTrack> tracks);
 
-/// The movie's last bytes: of each track, where its fragments are.
+/// The movie's last bytes: the index of each track's fragments.
 std::vector<std::byte> fragmentIndex(std::span<const std::vector<FragmentEntry>> tracks);
 
 } // namespace vantoro::media

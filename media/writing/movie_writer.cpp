@@ -36,7 +36,7 @@ public:
 
 private:
     MovieWriter& writer_;
-    const std::size_t index_; // the track's place in the file
+    const std::size_t index_; // in the file
     TrackEncoder encoder_;
     bool ended_ = false;
 };
@@ -44,11 +44,11 @@ private:
 MovieWriter::MovieWriter(const Coding& coding, FileSystem& fileSystem,
                          std::filesystem::path location, FragmentIntervals intervals,
                          FragmentWrittenCallback onFragmentWritten, IsPowerSaved isPowerSaved,
-                         std::size_t largestBacklog)
+                         std::size_t maxBacklog)
     : coding_(coding),
       fileSystem_(fileSystem),
       location_(std::move(location)),
-      largestBacklog_(largestBacklog),
+      maxBacklog_(maxBacklog),
       isPowerSaved_(std::move(isPowerSaved)),
       onFragmentWritten_(std::move(onFragmentWritten)),
       schedule_(intervals.first.inUnitsOf(framesPerSecond),
@@ -73,7 +73,7 @@ bool MovieWriter::start(MediaTime time) {
         if (tracks_.empty()) {
             throw std::runtime_error("The movie has no tracks.");
         }
-        mix_ = beginFollowing(coding_, fileSystem_, location_, isPowerSaved_);
+        mix_ = startFollowing(coding_, fileSystem_, location_, isPowerSaved_);
         expectMix(std::move(expectedVolumes_));
         file_ = std::make_unique<FragmentFile>(
             std::move(created_), [this](std::exception_ptr error) { fail(std::move(error)); },
@@ -85,8 +85,8 @@ bool MovieWriter::start(MediaTime time) {
 }
 
 bool MovieWriter::isReady() const {
-    // A failed writer takes the buffer, in order to say that it failed.
-    return !file_ || file_->backlog() <= largestBacklog_ || status() != WriterStatus::writing;
+    // A failed writer is ready, so that `append` can report the failure.
+    return !file_ || file_->backlog() <= maxBacklog_ || status() != WriterStatus::writing;
 }
 
 bool MovieWriter::append(Track& track, const SampleBuffer& buffer) {
@@ -108,7 +108,7 @@ void MovieWriter::end(Track& track) {
     attempt([&] {
         const PacketSink sink = sinkOf(track);
         if (track.encoder().position() == 0) {
-            // A track that no sound ever came for is silent, not missing.
+            // A track without any sound is silent, not missing.
             track.encoder().fillTo(longestTrack(), sink);
         }
         track.setEnded();
@@ -200,7 +200,7 @@ void MovieWriter::fail(std::exception_ptr error) {
 /// On the file thread.
 void MovieWriter::fragmentWritten(std::size_t backlog) {
     if (mix_) {
-        mix_->movieHasGrown();
+        mix_->fragmentWritten();
     }
     if (onFragmentWritten_) {
         onFragmentWritten_({closedFrames_, framesPerSecond}, backlog);
@@ -218,7 +218,7 @@ void MovieWriter::closeFragments() {
 void MovieWriter::prepareFragment() {
     fillShortTracks();
     for (const auto& track : tracks_) {
-        // What waits to be coded together would hold the fragment back.
+        // A waiting batch would delay the fragment.
         if (!track->hasEnded() && !reachesFragmentEnd(*track) &&
             track->encoder().position() >= schedule_.framesToClose()) {
             track->encoder().codeWholePackets(sinkOf(*track));
@@ -243,7 +243,7 @@ void MovieWriter::fillShortTracks() {
     }
 }
 
-/// Whether no track has anything left to add to the fragment, and one goes beyond it.
+/// Whether all active tracks reach the fragment's end, and any track does.
 bool MovieWriter::coversFragment() const {
     const auto covers = [this](const auto& track) { return reachesFragmentEnd(*track); };
     return std::ranges::any_of(tracks_, covers) &&
@@ -251,7 +251,7 @@ bool MovieWriter::coversFragment() const {
                tracks_, [&](const auto& track) { return track->hasEnded() || covers(track); });
 }
 
-/// Whether the packets that a track has handed over do.
+/// Whether the track's packets reach the fragment's end.
 bool MovieWriter::reachesFragmentEnd(const Track& track) const {
     return muxer_.end(track.index()) >= schedule_.end();
 }

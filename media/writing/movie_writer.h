@@ -23,24 +23,24 @@
 
 namespace vantoro::media {
 
-/// Writes a QuickTime movie of fragments. Sound is coded and put into fragments on the capture
-/// queue, in memory; a finished fragment goes to the file thread (`FragmentFile`).
-/// `finish`'s completion comes on the file thread and must not destroy the writer there.
+/// Writes a fragmented QuickTime movie. Codes and muxes the sound in memory on the capture queue,
+/// and passes finished fragments to the file thread (`FragmentFile`). `finish` calls its completion
+/// on the file thread, where it must not destroy the writer.
 class MovieWriter final : public RecordingWriter {
 public:
-    /// Some 15 minutes of both tracks.
-    static constexpr std::size_t usualLargestBacklog = 32U << 20U;
+    /// In bytes: about 15 minutes of both tracks.
+    static constexpr std::size_t defaultMaxBacklog = 32U << 20U;
 
-    /// Creates the file; throws where that fails. The tracks are not ready while more than
-    /// `largestBacklog` bytes wait for the disk. A mix that is expected is made ahead.
+    /// Creates the file; throws on failure. The tracks are not ready while more than `maxBacklog`
+    /// bytes wait for the disk. An expected mix is made while recording.
     MovieWriter(const Coding& coding, FileSystem& fileSystem, std::filesystem::path location,
                 FragmentIntervals intervals = {}, FragmentWrittenCallback onFragmentWritten = {},
-                IsPowerSaved isPowerSaved = {}, std::size_t largestBacklog = usualLargestBacklog);
+                IsPowerSaved isPowerSaved = {}, std::size_t maxBacklog = defaultMaxBacklog);
     MovieWriter(const MovieWriter&) = delete;
     MovieWriter& operator=(const MovieWriter&) = delete;
     ~MovieWriter() override;
 
-    /// Also null once it has started.
+    /// Also null after `start`.
     RecordingTrack* addTrack(TrackFormat format) override;
     bool start(MediaTime time) override;
     void finish(std::function<void()> completion) override;
@@ -71,24 +71,24 @@ private:
     const Coding& coding_;
     FileSystem& fileSystem_;
     const std::filesystem::path location_;
-    const std::size_t largestBacklog_;
+    const std::size_t maxBacklog_;
     const IsPowerSaved isPowerSaved_;
     const FragmentWrittenCallback onFragmentWritten_;
     std::vector<float> expectedVolumes_;
-    std::shared_ptr<FollowingMix> mix_; // from the start on, where it can be had
+    std::shared_ptr<FollowingMix> mix_; // after `start`, if its thread can be started
     FragmentSchedule schedule_;
-    std::atomic<std::int64_t> closedFrames_{0}; // in whole fragments, written or not
+    std::atomic<std::int64_t> closedFrames_{0}; // end of the last closed fragment, written or not
     std::int64_t sessionStart_ = 0;             // in frames
     FragmentMuxer muxer_;
     std::vector<std::unique_ptr<Track>> tracks_;
 
-    mutable std::mutex mutex_; // guards the three below, which the file thread sets too
+    mutable std::mutex mutex_; // guards the next three, which the file thread sets too
     WriterStatus status_ = WriterStatus::unknown;
     std::exception_ptr error_;
     double secondsNotWritten_ = 0;
 
     std::unique_ptr<OutputFile> created_; // until writing starts
-    std::unique_ptr<FragmentFile> file_;  // last: its thread calls back into the above
+    std::unique_ptr<FragmentFile> file_;  // last, because its thread uses the above
 };
 
 } // namespace vantoro::media

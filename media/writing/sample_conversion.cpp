@@ -12,7 +12,7 @@ namespace vantoro::media {
 
 namespace {
 
-float numberOrSilence(float sample) noexcept {
+float finiteOrSilence(float sample) noexcept {
     return std::isfinite(sample) ? sample : 0.0F;
 }
 
@@ -33,7 +33,7 @@ void copySamples(const SampleBuffer& buffer, int channel, std::int64_t firstFram
                  std::span<float> into) noexcept {
     const auto offset = static_cast<std::size_t>((channel * buffer.frameCount) + firstFrame);
     std::ranges::transform(buffer.samples.subspan(offset, into.size()), into.begin(),
-                           numberOrSilence);
+                           finiteOrSilence);
 }
 
 } // namespace vantoro::media

@@ -9,12 +9,11 @@
 
 namespace vantoro::media {
 
-/// Whether the buffer holds what it says, as a track of `channels` at 48 kHz takes it.
+/// Whether the buffer is consistent and fits a track of `channels` at 48 kHz.
 bool fitsTrack(const SampleBuffer& buffer, int channels) noexcept;
 
-/// Copies one channel's frames from `firstFrame` on, as many as `into` holds. What is no number
-/// becomes silence: one such sample would spoil a coder's later output. The buffer fits its track
-/// and holds those frames.
+/// Fills `into` with one channel's frames from `firstFrame` on, which the buffer must hold.
+/// Replaces non-finite samples by silence: one would corrupt the coder's later output.
 void copySamples(const SampleBuffer& buffer, int channel, std::int64_t firstFrame,
                  std::span<float> into) noexcept;
 

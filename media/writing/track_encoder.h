@@ -11,31 +11,31 @@
 
 namespace vantoro::media {
 
-/// Turns one track's timed buffers into one unbroken row of packets. The coder gets whole packets'
-/// worth of frames only, since it silently pads a short one in mid-stream, and a second of them
-/// at a time: one by one they cost half as much again, since what the coder needs has left the
-/// caches meanwhile. Used by one thread at a time; throws std::runtime_error where it fails.
+/// Turns one track's timed buffers into packets without gaps. Gives the coder whole packets only,
+/// because it silently pads short ones, in batches of a second: one packet at a time takes half as
+/// much time again, because the coder's data has left the caches. Used by one thread at a time;
+/// throws std::runtime_error on failure.
 class TrackEncoder {
 public:
-    /// How many frames wait to be coded together, at most.
+    /// The batch that is coded at once.
     static constexpr int batchPackets = 47;
     static constexpr int batchFrames = batchPackets * packetFrames;
 
     TrackEncoder(const Coding& coding, int channels, int bitRate);
 
-    /// What a file has to say about the packets.
+    /// The file's description of the packets.
     const AacTrack& track() const noexcept { return coder_.track(); }
 
-    /// Frames since the session's start that the track has by now.
+    /// The track's end, in frames from the session's start.
     std::int64_t position() const noexcept { return timeline_.position(); }
 
-    /// `time`: frames from the session's start to the buffer's first frame.
+    /// `time`: the buffer's first frame, in frames from the session's start.
     void append(const SampleBuffer& buffer, std::int64_t time, const PacketSink& sink);
-    /// Codes what waits, but for a last packet that is not whole yet.
+    /// Codes the waiting frames, except for a last incomplete packet.
     void codeWholePackets(const PacketSink& sink);
-    /// Silence up to `position`, where the track is shorter. Every whole packet is handed over.
+    /// Adds silence up to `position` and codes the whole packets.
     void fillTo(std::int64_t position, const PacketSink& sink);
-    /// Hands over all that is left. Nothing may follow.
+    /// Codes all remaining frames. No call may follow.
     void finish(const PacketSink& sink);
 
 private:
@@ -46,7 +46,7 @@ private:
 
     AacEncoder coder_;
     TrackTimeline timeline_;
-    int waiting_ = 0; // frames that lie in the coder's planes
+    int waiting_ = 0; // frames in the coder's planes
 };
 
 } // namespace vantoro::media

@@ -9,7 +9,7 @@ namespace vantoro::media {
 
 Placement TrackTimeline::place(std::int64_t time, std::int64_t frames) {
     const std::int64_t gap = time - position_;
-    if (gap > longestGap) {
+    if (gap > maxGap) {
         throw std::runtime_error("A time stamp of the captured sound lies too far ahead.");
     }
     Placement placement{.take = frames};

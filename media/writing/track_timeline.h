@@ -6,36 +6,35 @@
 
 namespace vantoro::media {
 
-/// What becomes of one buffer, in this order. All in frames, none negative.
+/// What to do with one buffer, in this order. In frames, not negative.
 struct Placement {
-    std::int64_t silence = 0; ///< put in before it
-    std::int64_t skip = 0;    ///< of its beginning, left out
-    std::int64_t take = 0;    ///< of the rest, taken
+    std::int64_t silence = 0; ///< to insert before it
+    std::int64_t skip = 0;    ///< to drop from its beginning
+    std::int64_t take = 0;    ///< to take after that
 
     friend bool operator==(const Placement&, const Placement&) = default;
 };
 
-/// Lays the buffers of one track end to end from the session's start, so that a reader finds every
-/// frame where its time stamp says, though the file holds no time but the count of frames.
+/// Places one track's buffers end to end from the session's start, so that each frame's position in
+/// the file matches its time stamp.
 ///
-/// The first frame after the track's start, after put-in silence or after a buffer that was left
-/// out goes exactly where its stamp says. From then on stamps may wander by up to 20 ms (they are
-/// the truth in the long run only) before silence fills a gap or frames are left out for an
-/// overlap.
+/// The first buffer, and each one after inserted silence or a dropped buffer, goes exactly where
+/// its time stamp says. After that, time stamps, which are accurate only on average, may deviate by
+/// up to 20 ms before silence fills a gap or frames are dropped for an overlap.
 class TrackTimeline {
 public:
-    static constexpr std::int64_t tolerance = 960;             ///< frames: 20 ms
-    static constexpr std::int64_t longestGap = 48000LL * 3600; ///< frames: 1 h
+    static constexpr std::int64_t tolerance = 960;         ///< frames: 20 ms
+    static constexpr std::int64_t maxGap = 48000LL * 3600; ///< frames: 1 h
 
-    /// How many frames the track has.
+    /// The track's length in frames.
     std::int64_t position() const noexcept { return position_; }
 
-    /// Where a buffer of `frames` goes whose first frame was captured `time` frames after the
-    /// session's start. Throws std::runtime_error when its stamp is beyond `longestGap`: no such
-    /// gap is real, and filling it would take its time.
+    /// Places a buffer of `frames` whose first frame was captured `time` frames after the session's
+    /// start. Throws std::runtime_error for a gap above `maxGap`: its time stamp must be wrong, and
+    /// filling it would take long.
     Placement place(std::int64_t time, std::int64_t frames);
 
-    /// How much silence brings the track to `position`.
+    /// Extends the track to `position`; returns how much silence that takes.
     std::int64_t fillTo(std::int64_t position) noexcept;
 
 private:

@@ -21,7 +21,7 @@ namespace {
 
 using media::packetFrames;
 
-/// The decoder may read a little beyond; it releases what it was given.
+/// The decoder may read past the end, hence the padding; it takes ownership.
 void setConfiguration(AVCodecContext& decoder, const std::vector<std::byte>& configuration) {
     decoder.extradata = static_cast<std::uint8_t*>(
         checkAllocated(av_mallocz(configuration.size() + AV_INPUT_BUFFER_PADDING_SIZE)));
@@ -46,12 +46,12 @@ CoderHandle openDecoder(const media::AacTrack& track) {
 }
 
 std::span<const float, packetFrames> planeOf(const AVFrame& frame, int channel) {
-    // A plane is only known as bytes, but holds floats in this format.
+    // A plane is declared as bytes but holds floats in this format.
     const void* const samples = frame.extended_data[channel];
     return std::span<const float, packetFrames>(static_cast<const float*>(samples), packetFrames);
 }
 
-/// A damaged packet may decode to what is no number, which would spoil all that is mixed with it.
+/// A damaged packet may decode to non-finite samples, which would spoil the mix.
 bool isFinite(std::span<const float> samples) {
     return std::isfinite(std::accumulate(samples.begin(), samples.end(), 0.0F));
 }
@@ -85,7 +85,7 @@ std::optional<media::DecodedSound> FfmpegDecoder::decode(std::span<const std::by
     return sound;
 }
 
-void FfmpegDecoder::forget() noexcept {
+void FfmpegDecoder::reset() noexcept {
     avcodec_flush_buffers(decoder_.get());
 }
 

@@ -14,11 +14,11 @@ namespace vantoro::ffmpeg {
 /// libavcodec's AAC decoder.
 class FfmpegDecoder final : public media::AacDecoder {
 public:
-    /// Throws std::runtime_error when it cannot be opened.
+    /// Throws std::runtime_error if it cannot be opened.
     explicit FfmpegDecoder(const media::AacTrack& track);
 
     std::optional<media::DecodedSound> decode(std::span<const std::byte> packet) override;
-    void forget() noexcept override;
+    void reset() noexcept override;
 
 private:
     CoderHandle decoder_;

@@ -20,13 +20,13 @@ using media::framesPerSecond;
 using media::packetFrames;
 using media::primingFrames;
 
-// Each packet may take as many bits as the next, and takes less where less is to be described.
-// Asked for an average instead, the coder tries packets up to five times, and gives what it spares
-// in pauses to sounds that gain nothing by it. 120 is the rate itself, before what the coder
-// leaves.
+// Constant quality: each packet has the same limit and uses fewer bits for simple sounds. With an
+// average bit rate the coder would code packets up to five times, and spend the bits saved in
+// pauses on sounds that do not benefit. 120 gives the rate itself as the limit, which the coder
+// does not use up.
 constexpr int shareOfRate = 140;
 
-// As for an average of the sources' rates; in their mix there is nothing above then.
+// As the coder chooses for the sources' average bit rates; so the mix has nothing above.
 constexpr int highestFrequency = 18000;
 
 const AVCodec* findCoder() noexcept {
@@ -46,12 +46,12 @@ CoderHandle openCoder(int bitRate) {
     coder->cutoff = highestFrequency;
     coder->time_base = {1, framesPerSecond};
     coder->thread_count = 1;
-    // The files keep the coder's description apart from its packets, and those hold sound alone.
+    // The files keep the configuration apart from the packets, which hold only sound.
     coder->flags |= AV_CODEC_FLAG_GLOBAL_HEADER | AV_CODEC_FLAG_BITEXACT | AV_CODEC_FLAG_QSCALE;
     av_channel_layout_default(&coder->ch_layout, 1);
     void* const options = coder->priv_data;
     check(av_opt_set(options, "aac_coder", "fast", 0), "Choosing the AAC coder's method");
-    // At these rates its bits describe more than its shaping hides.
+    // At these rates the bits for noise shaping are better spent on the sound.
     check(av_opt_set_int(options, "aac_tns", 0, 0), "Switching the AAC coder's noise shaping off");
     check(av_opt_set_int(options, "aac_pns", 0, 0), "Switching the AAC coder's noise filling off");
     check(av_opt_set_int(options, "aac_is", 0, 0), "Switching the AAC coder's joint stereo off");
@@ -86,10 +86,10 @@ std::vector<std::byte> FfmpegChannelCoder::configuration() const {
 }
 
 void FfmpegChannelCoder::code(std::span<const float> samples) {
-    // The coder may hold on to the samples before; then these go elsewhere.
+    // The coder may still use the previous samples; this allocates a new buffer then.
     frame_->nb_samples = packetFrames;
     check(av_frame_make_writable(frame_.get()), "Coding sound");
-    // A plane is only known as bytes, but was allocated for floats.
+    // A plane is declared as bytes but is allocated for floats.
     void* const plane = frame_->extended_data[0];
     std::ranges::copy(samples, static_cast<float*>(plane));
     frame_->nb_samples = static_cast<int>(samples.size());

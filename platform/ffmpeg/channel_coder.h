@@ -13,10 +13,10 @@
 
 namespace vantoro::ffmpeg {
 
-/// libavcodec's AAC coder for one channel, in a fraction of the time that it takes by default.
+/// libavcodec's AAC coder for one channel, with its fast method.
 class FfmpegChannelCoder final : public media::ChannelCoder {
 public:
-    /// Throws std::runtime_error when it cannot be opened.
+    /// Throws std::runtime_error if it cannot be opened.
     explicit FfmpegChannelCoder(int bitRate);
 
     std::vector<std::byte> configuration() const override;

@@ -6,7 +6,7 @@
 
 namespace vantoro::ffmpeg {
 
-/// libavcodec's coder and decoder, for as long as the program runs.
+/// libavcodec's coder and decoder; valid until the program ends.
 const media::Coding& coding() noexcept;
 
 } // namespace vantoro::ffmpeg

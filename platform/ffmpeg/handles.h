@@ -12,7 +12,7 @@ extern "C" {
 
 namespace vantoro::ffmpeg {
 
-/// Ends a C object whose release function takes the address of the pointer to it.
+/// Deletes a C object whose release function takes a pointer to the object's pointer.
 template <auto releaseFunction>
 struct Release {
     template <class Object>
@@ -25,10 +25,10 @@ using CoderHandle = std::unique_ptr<AVCodecContext, Release<avcodec_free_context
 using PacketHandle = std::unique_ptr<AVPacket, Release<av_packet_free>>;
 using FrameHandle = std::unique_ptr<AVFrame, Release<av_frame_free>>;
 
-/// Passes a result on; throws std::runtime_error with the library's text where it is negative.
+/// Returns the result; throws std::runtime_error with the library's text if it is negative.
 int check(int result, std::string_view action);
 
-/// Passes a pointer on; throws std::bad_alloc where it is null.
+/// Returns the pointer; throws std::bad_alloc if it is null.
 template <class Object>
 Object* checkAllocated(Object* object) {
     if (object == nullptr) {

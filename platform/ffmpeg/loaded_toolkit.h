@@ -14,16 +14,15 @@
 
 namespace vantoro::ffmpeg {
 
-/// An `FfmpegToolkit` that is loaded when it is first used. As the toolkit it may be used by
-/// several threads.
+/// An `FfmpegToolkit` that is loaded on first use. Thread-safe.
 class LoadedToolkit final : public MediaToolkit {
 public:
-    /// `module`: the file to load it from. `fileSystem` outlives whatever the toolkit makes.
+    /// `module`: the file to load it from. `fileSystem` outlives all that the toolkit makes.
     explicit LoadedToolkit(
         FileSystem& fileSystem, IsPowerSaved isPowerSaved = {},
         std::filesystem::path module = moduleBesideTheProgram("vantoro-media.so"));
 
-    // Both throw std::runtime_error too, when it cannot be loaded.
+    // Both also throw std::runtime_error if loading fails.
     std::unique_ptr<RecordingWriter> makeWriter(const std::filesystem::path& location,
                                                 FragmentIntervals intervals,
                                                 FragmentWrittenCallback onFragmentWritten) override;
@@ -36,7 +35,7 @@ private:
     IsPowerSaved isPowerSaved_;
     std::filesystem::path module_;
     std::mutex mutex_;
-    std::unique_ptr<MediaToolkit> toolkit_; // guarded by mutex_ until it is there, and then stays
+    std::unique_ptr<MediaToolkit> toolkit_; // set once, guarded by mutex_
 };
 
 } // namespace vantoro::ffmpeg

@@ -11,9 +11,9 @@
 
 namespace vantoro::ffmpeg {
 
-/// Media files through the FFmpeg libraries, all bytes going through the file system given.
-/// The libraries' own messages are switched off for the whole process: what goes wrong is in the
-/// errors thrown. What the toolkit makes may outlive it, but not the file system.
+/// Media files coded with the FFmpeg libraries; all access goes through the given file system.
+/// Switches the libraries' log off for the whole process: exceptions report the errors. What the
+/// toolkit makes may outlive it, but not the file system.
 class FfmpegToolkit final : public MediaToolkit {
 public:
     explicit FfmpegToolkit(FileSystem& fileSystem, IsPowerSaved isPowerSaved = {});

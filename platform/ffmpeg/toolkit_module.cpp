@@ -6,7 +6,7 @@
 
 #include "platform/ffmpeg/toolkit.h"
 
-// NOLINTNEXTLINE(misc-use-internal-linkage): found by its name
+// NOLINTNEXTLINE(misc-use-internal-linkage): looked up by name
 extern "C" const vantoro::ffmpeg::ToolkitModule vantoroToolkitModule{
     {.version = VANTORO_VERSION},
     [](vantoro::FileSystem& fileSystem,

@@ -9,9 +9,9 @@
 
 namespace vantoro::ffmpeg {
 
-/// What the module has under `toolkitModuleName`: the way to a toolkit.
+/// The module's symbol `toolkitModuleName`, which makes a toolkit.
 struct ToolkitModule : ProgramModule {
-    /// Throws as `FfmpegToolkit`'s constructor; the caller owns what it returns.
+    /// Throws as `FfmpegToolkit`'s constructor; the caller owns the result.
     MediaToolkit* (*make)(FileSystem& fileSystem, IsPowerSaved isPowerSaved);
 };
 

@@ -28,7 +28,7 @@ std::unique_ptr<InputFile> fileOf(const std::vector<std::byte>& bytes) {
     return files.open("movie.mov");
 }
 
-TEST(ByteReader, readsNumbersWithTheHighestByteFirst) {
+TEST(ByteReader, readsBigEndianNumbers) {
     const auto bytes = bytesOf({1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15});
     ByteReader reader(bytes);
     EXPECT_EQ(reader.u64(), 0x0102030405060708U);
@@ -38,7 +38,7 @@ TEST(ByteReader, readsNumbersWithTheHighestByteFirst) {
     EXPECT_THROW(reader.u8(), DamagedMovie);
 }
 
-TEST(BoxReader, readsOneBoxAfterAnother) {
+TEST(BoxReader, readsConsecutiveBoxes) {
     const auto bytes = bytesOf({0, 0, 0, 9, 'a', 'b', 'c', 'd', 7, 0, 0, 0, 8, 'e', 'f', 'g', 'h'});
     BoxReader reader(bytes);
     const auto first = reader.next();
@@ -53,14 +53,14 @@ TEST(BoxReader, readsOneBoxAfterAnother) {
     EXPECT_FALSE(reader.next());
 }
 
-TEST(BoxReader, takesFewerBytesThanABoxHasForTheEnd) {
+TEST(BoxReader, takesFewerBytesThanAHeaderForTheEnd) {
     for (std::size_t size = 0; size < 8; ++size) {
         const std::vector<std::byte> bytes(size);
         EXPECT_FALSE(BoxReader(bytes).next()) << size;
     }
 }
 
-TEST(BoxReader, saysWhatIsWrongWithABox) {
+TEST(BoxReader, givesTheReasonForRefusingABox) {
     const auto complaint = [](const std::vector<std::byte>& bytes) -> std::string {
         try {
             BoxReader(bytes).next();
@@ -75,7 +75,7 @@ TEST(BoxReader, saysWhatIsWrongWithABox) {
               "The recording file is damaged: a box ends too early.");
 }
 
-TEST(FileBox, isFoundWhereItLies) {
+TEST(FileBox, isFoundAtItsOffset) {
     const auto file = fileOf(bytesOf({9, 9, 9, 0, 0, 0, 12, 'a', 'b', 'c', 'd', 1, 2, 3, 4, 9, 9}));
     const FileBox box = readFileBox(*file, 3);
     EXPECT_EQ(box.type, boxType("abcd"));
@@ -96,7 +96,7 @@ TEST(FileBox, mayHaveASizeOf64Bits) {
     EXPECT_THROW(readFileBox(*boxOf(18), 1), DamagedMovie);
 }
 
-TEST(FileBox, hasAtLeastItsHeaderAndEndsWithTheFile) {
+TEST(FileBox, isAtLeastAsLongAsItsHeaderAndEndsInsideTheFile) {
     for (unsigned size = 0; size < 20; ++size) {
         const auto file = fileOf(bytesOf({9, 0, 0, 0, size, 'a', 'b', 'c', 'd', 1, 2}));
         if (size >= 8 && size <= 10) {

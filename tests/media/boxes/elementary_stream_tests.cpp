@@ -24,7 +24,7 @@ made_up::Bytes decoder() {
     return descriptor(4, decoderFields(0x67) + descriptor(5, stereo()));
 }
 
-/// The content is looked at while it is there.
+/// The stream borrows the content.
 void expectRead(const made_up::Bytes& content, const made_up::Bytes& configuration = stereo()) {
     const media::ElementaryStream stream = media::readElementaryStream(content);
     EXPECT_EQ(stream.coding, 0x67);
@@ -33,7 +33,7 @@ void expectRead(const made_up::Bytes& content, const made_up::Bytes& configurati
               configuration);
 }
 
-TEST(ElementaryStream, isReadWhateverItsVersionAndPriorityAre) {
+TEST(ElementaryStream, isReadForAnyVersionAndPriority) {
     expectRead(versionAndFlags() + descriptor(3, streamFields() + decoder()));
     expectRead(bytesOf({3, 2, 1, 1}) + descriptor(3, streamFields() + decoder()));
     expectRead(versionAndFlags() + descriptor(3, bytesOf({1, 2, 0x1f}) + decoder()));

@@ -41,7 +41,7 @@ Packets encode(const std::vector<Sound>& sounds, std::int64_t frames) {
     return packets;
 }
 
-/// Both channels from the first frame after the priming on.
+/// Both channels, without the priming.
 std::pair<Samples, Samples> decode(const Packets& packets, int channels) {
     const AacEncoder coder(ffmpeg::coding(), channels, bitRatePerChannel * channels);
     const auto decoder = ffmpeg::coding().makeDecoder(coder.track());
@@ -61,7 +61,7 @@ std::pair<Samples, Samples> decode(const Packets& packets, int channels) {
     return sound;
 }
 
-/// What coding adds to each stretch of 1024 frames, as energy.
+/// The energy of the coding noise in each 1024 frames.
 std::vector<double> errors(const Samples& samples, const Sound& original, std::int64_t frames) {
     std::vector<double> result(static_cast<std::size_t>(frames / packetFrames));
     for (std::size_t i = 0; i < result.size() * packetFrames; ++i) {
@@ -71,7 +71,7 @@ std::vector<double> errors(const Samples& samples, const Sound& original, std::i
     return result;
 }
 
-/// Two strings with a stroke here and there, so that the coder changes its windows.
+/// Two strings with occasional strokes, so that the coder switches windows.
 Sound music() {
     static const Samples samples = [] {
         std::vector<std::int64_t> strokes;
@@ -92,13 +92,13 @@ Sound music() {
     return [](std::int64_t frame) { return samples[static_cast<std::size_t>(frame)]; };
 }
 
-/// One sound until a frame, another one from there to a second frame, then the first again.
+/// One sound, then another between two frames, then the first again.
 Sound interrupted(const Sound& sound, const Sound& by, std::int64_t from, std::int64_t to) {
     return
         [=](std::int64_t frame) { return frame >= from && frame < to ? by(frame) : sound(frame); };
 }
 
-TEST(AacEncoder, sameSoundOnBothSidesIsCodedAsOneChannelIs) {
+TEST(AacEncoder, identicalChannelsAreCodedOnce) {
     const std::int64_t frames = 30 * packetFrames + 100;
     const auto alone = decode(encode({music()}, frames), 1);
     const auto both = decode(encode({music(), music()}, frames), 2);
@@ -106,7 +106,7 @@ TEST(AacEncoder, sameSoundOnBothSidesIsCodedAsOneChannelIs) {
     EXPECT_EQ(both.second, alone.first);
 }
 
-TEST(AacEncoder, sidesThatPartAndMeetAgainAreCodedAsWellAsEachAlone) {
+TEST(AacEncoder, channelsThatDivergeAndConvergeSoundAsGoodAsAlone) {
     const std::int64_t frames = 110LL * packetFrames;
     for (const std::int64_t from : {1, 1024, 5000, 20 * 1024 + 512}) {
         for (const std::int64_t length : {1, 2048, 20'000}) {
@@ -125,7 +125,7 @@ TEST(AacEncoder, sidesThatPartAndMeetAgainAreCodedAsWellAsEachAlone) {
     }
 }
 
-TEST(AacEncoder, sidesThatPartOftenStayInStep) {
+TEST(AacEncoder, channelsThatDivergeOftenStayInStep) {
     const std::int64_t frames = 600LL * packetFrames;
     const Sound left = music();
     const Sound right = [left, other = tone(700, 0.2F)](std::int64_t frame) {

@@ -14,7 +14,7 @@ namespace {
 
 using Bytes = std::vector<std::uint8_t>;
 
-/// Bytes from a text of ones and zeros, in which spaces do not count; filled up with zeros.
+/// Bytes from a text of ones and zeros; ignores spaces and pads with zeros.
 Bytes bits(const std::string& text) {
     Bytes bytes;
     unsigned count = 0;
@@ -37,7 +37,7 @@ Bytes join(const std::vector<Bytes>& channels, unsigned gainSteps) {
         std::vector<std::span<const std::uint8_t>>(channels.begin(), channels.end()), gainSteps);
 }
 
-TEST(AacPacket, aSingleChannelKeepsItsFormButForTheGain) {
+TEST(AacPacket, aSingleChannelChangesOnlyItsGain) {
     EXPECT_EQ(join({bits("000 0000 01100100 1011 111")}, 6), bits("000 0000 01101010 1011 111"));
 }
 
@@ -46,7 +46,7 @@ TEST(AacPacket, twoChannelsBecomeAPairWithAWindowEach) {
               bits("001 0000 0 01100110 10110110111 00000011 1 111"));
 }
 
-TEST(AacPacket, theGainEndsAtItsLargest) {
+TEST(AacPacket, theGainIsLimited) {
     EXPECT_EQ(join({bits("000 0000 11111110 0 111")}, 6), bits("000 0000 11111111 0 111"));
 }
 
@@ -80,7 +80,7 @@ TEST(AacPacket, aWindowEndsShortBeforeAShortOneAndInItself) {
     EXPECT_THROW(windowEndOf(bits("000 0000 01100100 01 111")), std::runtime_error);
 }
 
-TEST(AacPacket, refusesWhatIsNotOneChannel) {
+TEST(AacPacket, refusesPacketsWithoutExactlyOneChannel) {
     EXPECT_THROW(join({{}}, 0), std::runtime_error);
     EXPECT_THROW(join({Bytes(20)}, 0), std::runtime_error);
     EXPECT_THROW(join({bits("001 0000 01100100 1011 111")}, 0), std::runtime_error);

@@ -32,7 +32,7 @@ protected:
         file = folder.put("mix.m4a", files.contentOf("mix.m4a"));
     }
 
-    /// The packets' bytes as another program reads them, as one digest.
+    /// A digest of the packets as another program reads them.
     std::string packetsOf(const std::filesystem::path& movie) const {
         return run("ffmpeg -v error -i " + movie.string() + " -map 0:0 -c copy -f adts - | md5sum");
     }
@@ -82,7 +82,7 @@ TEST_F(PacketCopy, trackOfAnUnfinishedFileEndsWithItsLastWholeFragment) {
                              finished.begin() + static_cast<std::ptrdiff_t>(boxes[5].offset)})));
 }
 
-TEST_F(PacketCopy, otherVolumeIsCodedAgain) {
+TEST_F(PacketCopy, otherVolumeIsRecoded) {
     const auto movie = recordMovie(3 * second, speech(), {systemTrack});
     exportAt(movie, 0.9F);
     EXPECT_NE(packetsOf(file), packetsOf(put(movie)));
@@ -93,17 +93,17 @@ TEST_F(PacketCopy, twoTracksAreMixed) {
     EXPECT_NEAR(levelInTheMiddle(), 20 * std::log10(0.4), 0.1);
 }
 
-TEST_F(PacketCopy, damagedPacketsAreNotCopiedButCodedAgain) {
+TEST_F(PacketCopy, damagedPacketsAreRecoded) {
     auto movie = recordMovie(3 * second, speech(), {systemTrack});
     const auto boxes = topBoxes(movie);
-    // One bit of a packet in the second fragment's content.
+    // One bit of a packet in the second fragment.
     movie[boxes[6].offset + 5000] ^= std::byte{0x10};
     exportAt(movie, 1.0F);
     EXPECT_NE(packetsOf(file), packetsOf(put(movie)));
     EXPECT_EQ(framesOf(file, 0), 3 * second);
 }
 
-TEST_F(PacketCopy, trackWithAGapIsNotCopiedButSilentThere) {
+TEST_F(PacketCopy, trackWithAGapIsRecodedAndSilentThere) {
     for (const auto& track : {systemTrack, microphoneTrack}) {
         auto movie = recordMovie(13 * second, clicks({20'000, 200'000, 570'000}), {track});
         const auto boxes = topBoxes(movie);
@@ -119,7 +119,7 @@ TEST_F(PacketCopy, trackWithAGapIsNotCopiedButSilentThere) {
     }
 }
 
-TEST_F(PacketCopy, whatLiesBeforeAGapDoesNotEchoBehindIt) {
+TEST_F(PacketCopy, soundBeforeAGapDoesNotEchoAfterIt) {
     const auto toneAtFirst = [](std::int64_t frame) {
         return frame < 60'000 ? speech()(frame) : 0.0F;
     };
@@ -131,7 +131,7 @@ TEST_F(PacketCopy, whatLiesBeforeAGapDoesNotEchoBehindIt) {
     EXPECT_LT(std::ranges::max(behind, {}, [](float sample) { return std::abs(sample); }), 1e-3F);
 }
 
-TEST_F(PacketCopy, packetsThatNothingVouchesForAreCodedAgain) {
+TEST_F(PacketCopy, packetsWithoutAChecksumAreRecoded) {
     auto movie = recordMovie(3 * second, speech(), {systemTrack});
     const auto boxes = topBoxes(movie);
     ASSERT_EQ(boxes[7].type, "uuid");

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "media/mix/coded_chunk.h"
+#include "media/mix/coded_segment.h"
 
 #include <gtest/gtest.h>
 
@@ -33,47 +33,47 @@ using Channels = std::array<std::vector<float>, 2>;
 constexpr WindowEnd longEnd{.isShort = false, .shape = 1};
 constexpr WindowEnd shortEnd{.isShort = true, .shape = 1};
 
-/// As many packets of one byte each, which tells its number and whose it is.
-CodedChunk made(std::int64_t first, std::int64_t count, std::int64_t maker,
-                const std::vector<WindowEnds>& ends) {
-    CodedChunk chunk;
-    chunk.firstPacket = first;
-    chunk.sizes.assign(static_cast<std::size_t>(count), 1);
+/// One-byte packets that hold their number and their coder's.
+CodedSegment made(std::int64_t first, std::int64_t count, std::int64_t maker,
+                  const std::vector<WindowEnds>& ends) {
+    CodedSegment segment;
+    segment.firstPacket = first;
+    segment.sizes.assign(static_cast<std::size_t>(count), 1);
     for (std::int64_t packet = first; packet < first + count; ++packet) {
-        chunk.bytes.push_back(static_cast<std::byte>(packet + (100 * maker)));
+        segment.bytes.push_back(static_cast<std::byte>(packet + (100 * maker)));
     }
-    chunk.windowEnds = ends;
-    chunk.windowEnds.resize(static_cast<std::size_t>(count) + 1, {longEnd, longEnd});
-    return chunk;
+    segment.windowEnds = ends;
+    segment.windowEnds.resize(static_cast<std::size_t>(count) + 1, {longEnd, longEnd});
+    return segment;
 }
 
-std::vector<int> spliced(std::vector<CodedChunk> chunks) {
+std::vector<int> spliced(std::vector<CodedSegment> segments) {
     std::vector<int> bytes;
-    ChunkSplicer splicer([&](std::span<const std::byte> packet) {
+    SegmentSplicer splicer([&](std::span<const std::byte> packet) {
         ASSERT_EQ(packet.size(), 1U);
         bytes.push_back(std::to_integer<int>(packet[0]));
     });
-    for (CodedChunk& chunk : chunks) {
-        splicer.add(std::move(chunk));
+    for (CodedSegment& segment : segments) {
+        splicer.add(std::move(segment));
     }
     splicer.finish();
     return bytes;
 }
 
-TEST(ChunkSplicer, takesEachPacketOnceFromTheChunkItLiesIn) {
+TEST(SegmentSplicer, takesEachPacketOnceFromItsSegment) {
     EXPECT_EQ(spliced({made(0, 5, 0, {}), made(3, 4, 1, {}), made(6, 2, 2, {})}),
               (std::vector<int>{0, 1, 2, 103, 104, 105, 206, 207}));
     EXPECT_EQ(spliced({made(0, 3, 0, {})}), (std::vector<int>{0, 1, 2}));
 }
 
-TEST(ChunkSplicer, goesOverWhereBothCodersEndThePacketBeforeAlike) {
+TEST(SegmentSplicer, switchesWhereTheWindowEndsOfBothCodersMatch) {
     const WindowEnds alike{longEnd, longEnd};
     const WindowEnds leftShort{shortEnd, longEnd};
     const WindowEnds rightShort{longEnd, shortEnd};
     const WindowEnds otherShape{longEnd, WindowEnd{.isShort = false, .shape = 0}};
 
     struct Case {
-        std::vector<WindowEnds> before; // of packets 2 and on
+        std::vector<WindowEnds> before; // from packet 2 on
         std::vector<WindowEnds> after;
         std::vector<int> expected;
     };
@@ -91,25 +91,25 @@ TEST(ChunkSplicer, goesOverWhereBothCodersEndThePacketBeforeAlike) {
     }
 }
 
-TEST(ChunkSplicer, goesOverAtTheChunksBeginningWhereNoPlaceIsBetter) {
+TEST(SegmentSplicer, switchesAtTheSegmentsStartIfNoWindowEndsMatch) {
     const std::vector<WindowEnds> never(6, {shortEnd, longEnd});
     EXPECT_EQ(spliced({made(0, 5, 0, never), made(3, 3, 1, {})}),
               (std::vector<int>{0, 1, 2, 103, 104, 105}));
 }
 
-TEST(CodedChunk, mixesAreCountedInPacketsAndChunks) {
+TEST(CodedSegment, packetsAndSegmentsOfAMixAreCounted) {
     EXPECT_EQ(packetsOf(1), 2);
     EXPECT_EQ(packetsOf(1024), 2);
     EXPECT_EQ(packetsOf(1025), 3);
-    EXPECT_EQ(chunksOf(1), 1);
-    EXPECT_EQ(chunksOf((chunkPackets - 1) * packetFrames), 1);
-    EXPECT_EQ(chunksOf(((chunkPackets - 1) * packetFrames) + 1), 2);
+    EXPECT_EQ(segmentsOf(1), 1);
+    EXPECT_EQ(segmentsOf((segmentPackets - 1) * packetFrames), 1);
+    EXPECT_EQ(segmentsOf(((segmentPackets - 1) * packetFrames) + 1), 2);
 }
 
-/// Two strings, which never sound alike on both sides, with strokes that have the coder change its
-/// windows; one of them just where a chunk begins.
+/// A different string in each channel, with strokes that make the coder switch windows, one of them
+/// exactly where a segment begins.
 Channels music(std::int64_t frames) {
-    std::vector<std::int64_t> strokes{(chunkPackets * packetFrames) - 700};
+    std::vector<std::int64_t> strokes{(segmentPackets * packetFrames) - 700};
     for (std::int64_t at = 3000; at < frames; at += 7919) {
         strokes.push_back(at);
     }
@@ -117,7 +117,7 @@ Channels music(std::int64_t frames) {
     for (std::size_t channel = 0; channel < channels.size(); ++channel) {
         const Sound low = tone(channel == 0 ? 440 : 554, 0.1F);
         const Sound high = tone(channel == 0 ? 1234 : 1661, 0.1F);
-        for (std::int64_t frame = 0; frame < second; ++frame) { // and again each second
+        for (std::int64_t frame = 0; frame < second; ++frame) { // repeated each second
             channels[channel].push_back(low(frame) + high(frame));
         }
         for (std::int64_t frame = second; frame < frames; ++frame) {
@@ -136,10 +136,10 @@ Channels music(std::int64_t frames) {
     return channels;
 }
 
-/// A movie of two chunks, in memory.
-class ChunkedCoding : public testing::Test {
+/// A movie of two segments, in memory.
+class SegmentedCoding : public testing::Test {
 protected:
-    static constexpr std::int64_t frames = ((chunkPackets + 200) * packetFrames) + 123;
+    static constexpr std::int64_t frames = ((segmentPackets + 200) * packetFrames) + 123;
 
     MemoryFileSystem files;
     Mix mix;
@@ -167,7 +167,7 @@ protected:
         return files.contentOf("movie.mov");
     }
 
-    /// What is to be coded.
+    /// The mix before coding.
     Channels mixed() const {
         Mixer mixer(ffmpeg::coding(), mix, 0);
         Channels channels;
@@ -181,7 +181,7 @@ protected:
         return channels;
     }
 
-    /// As one coder does from the beginning to the end.
+    /// Coded by one coder from beginning to end.
     static MixPackets codedSerially(const Channels& channels) {
         AacEncoder coder = makeMixCoder(ffmpeg::coding());
         MixPackets packets;
@@ -204,7 +204,7 @@ protected:
 
     MixPackets codedBy(unsigned threads) const {
         MixPackets packets;
-        ChunkSplicer splicer([&](std::span<const std::byte> packet) {
+        SegmentSplicer splicer([&](std::span<const std::byte> packet) {
             packets.emplace_back(packet.begin(), packet.end());
         });
         codeInParallel(ffmpeg::coding(), mix, 0, threads, splicer, {}, {});
@@ -226,12 +226,12 @@ protected:
         return channels;
     }
 
-    /// What coding adds to the packets about the seams, as energy.
+    /// The energy of the coding noise around the seams.
     static double errorAtSeams(const Channels& sound, const Channels& original) {
         double sum = 0;
-        for (std::int64_t seam = chunkPackets; seam < packetsOf(frames); seam += chunkPackets) {
+        for (std::int64_t seam = segmentPackets; seam < packetsOf(frames); seam += segmentPackets) {
             for (std::int64_t frame = (seam - 2) * packetFrames;
-                 frame < (seam + packetsBehindChunk + 2) * packetFrames; ++frame) {
+                 frame < (seam + packetsAfterSegment + 2) * packetFrames; ++frame) {
                 for (std::size_t channel = 0; channel < 2; ++channel) {
                     const auto at = static_cast<std::size_t>(frame);
                     const double error = sound[channel][at + primingFrames] - original[channel][at];
@@ -243,26 +243,26 @@ protected:
     }
 };
 
-TEST_F(ChunkedCoding, doesNotDependOnTheNumberOfThreads) {
+TEST_F(SegmentedCoding, doesNotDependOnTheNumberOfThreads) {
     const MixPackets one = codedBy(1);
     EXPECT_EQ(one.size(), static_cast<std::size_t>(packetsOf(frames)));
     EXPECT_EQ(codedBy(2), one);
     EXPECT_EQ(codedBy(7), one);
 }
 
-TEST_F(ChunkedCoding, noSeamSoundsWorseThanWhatOneCoderMakes) {
+TEST_F(SegmentedCoding, noSeamSoundsWorseThanWhatOneCoderMakes) {
     const Channels original = mixed();
     const Channels serial = decoded(codedSerially(original));
-    const Channels chunked = decoded(codedBy(2));
-    EXPECT_EQ(chunked[0].size(), serial[0].size());
+    const Channels segmented = decoded(codedBy(2));
+    EXPECT_EQ(segmented[0].size(), serial[0].size());
     const double decibels =
-        10 * std::log10(errorAtSeams(chunked, original) / errorAtSeams(serial, original));
+        10 * std::log10(errorAtSeams(segmented, original) / errorAtSeams(serial, original));
     EXPECT_LT(decibels, 0.3);
 }
 
-TEST_F(ChunkedCoding, aSinkThatFailsEndsItAll) {
+TEST_F(SegmentedCoding, aFailingSinkEndsTheCoding) {
     int taken = 0;
-    ChunkSplicer splicer([&](std::span<const std::byte>) {
+    SegmentSplicer splicer([&](std::span<const std::byte>) {
         if (++taken == 100) {
             throw std::runtime_error("No space left on device");
         }
@@ -271,7 +271,7 @@ TEST_F(ChunkedCoding, aSinkThatFailsEndsItAll) {
     EXPECT_EQ(taken, 100);
 }
 
-TEST_F(ChunkedCoding, aSourceThatCannotBeReadAnyMoreEndsItAll) {
+TEST_F(SegmentedCoding, anUnreadableSourceEndsTheCoding) {
     const TemporaryFolder folder;
     const auto movie = folder.put("movie.mov", files.contentOf("movie.mov"));
     posix::PosixFileSystem onDisk;

@@ -36,7 +36,7 @@ protected:
         position = end;
     }
 
-    /// A finished movie of which the mix has begun.
+    /// A finished movie whose mix has begun.
     void recordFollowed() {
         recording.writer().expectMix({0.9F, 0.5F});
         recordSeconds(12);
@@ -47,7 +47,7 @@ protected:
     /// As the recorder opens it.
     std::unique_ptr<Recording> openWritten() { return recording.writer().openRecording(); }
 
-    /// As anybody else does.
+    /// As a later process opens it.
     std::unique_ptr<Recording> openAnew() {
         return ffmpeg::FfmpegToolkit(files).openRecording("movie.mov");
     }
@@ -57,7 +57,7 @@ protected:
                   [&](std::size_t track) { return volumes[track]; }, {}, {});
     }
 
-    /// Whether the mix was made ahead; in any case it is the one that is made without.
+    /// Whether the mix was made ahead; checks that it equals a mix made afterwards.
     bool finishAndMix(const Volumes& volumes) {
         recording.finish();
         mix(*openWritten(), "mix", volumes);
@@ -68,7 +68,7 @@ protected:
     }
 };
 
-TEST_F(FollowingMixTest, isTakenForTheExportWhenTheVolumesStayed) {
+TEST_F(FollowingMixTest, isUsedForTheExportIfTheVolumesHaveNotChanged) {
     recording.writer().expectMix({0.9F, 0.5F});
     recordSeconds(12);
     ASSERT_TRUE(files.waitForUnnamed(1));
@@ -76,7 +76,7 @@ TEST_F(FollowingMixTest, isTakenForTheExportWhenTheVolumesStayed) {
     EXPECT_EQ(files.list("").size(), 3U); // the movie and both mixes
 }
 
-TEST_F(FollowingMixTest, beginsAgainWhenTheVolumesChange) {
+TEST_F(FollowingMixTest, restartsWhenTheVolumesChange) {
     recording.writer().expectMix({0.9F, 0.5F});
     recordSeconds(12);
     ASSERT_TRUE(files.waitForUnnamed(1));
@@ -85,7 +85,7 @@ TEST_F(FollowingMixTest, beginsAgainWhenTheVolumesChange) {
     EXPECT_TRUE(finishAndMix({0.9F, 0.25F}));
 }
 
-TEST_F(FollowingMixTest, isLeftWhenTheVolumesChangedAtTheEnd) {
+TEST_F(FollowingMixTest, isDiscardedWhenTheVolumesChangeAtTheEnd) {
     recording.writer().expectMix({0.9F, 0.5F});
     recordSeconds(12);
     ASSERT_TRUE(files.waitForUnnamed(1));
@@ -93,28 +93,28 @@ TEST_F(FollowingMixTest, isLeftWhenTheVolumesChangedAtTheEnd) {
     EXPECT_FALSE(finishAndMix({0.9F, 0.3F}));
 }
 
-TEST_F(FollowingMixTest, isNotMadeWhereNobodySaidWhichOneIsExpected) {
+TEST_F(FollowingMixTest, isNotMadeWithoutExpectedVolumes) {
     recordSeconds(12);
     EXPECT_FALSE(finishAndMix({0.9F, 0.5F}));
 }
 
-TEST_F(FollowingMixTest, leavesTheRecordingItsRoomOnTheDisk) {
-    files.setCapacity(FollowingMix::leastSpace);
+TEST_F(FollowingMixTest, isGivenUpOnANearlyFullDisk) {
+    files.setCapacity(FollowingMix::minFreeSpace);
     recording.writer().expectMix({0.9F, 0.5F});
     recordSeconds(12);
     ASSERT_TRUE(files.waitUntilSpaceIsAsked());
     EXPECT_FALSE(finishAndMix({0.9F, 0.5F}));
 }
 
-TEST_F(FollowingMixTest, isNotMadeWherePowerIsToBeSaved) {
+TEST_F(FollowingMixTest, isNotMadeInPowerSaveMode) {
     isPowerSaved = true;
     recording.writer().expectMix({0.9F, 0.5F});
     recordSeconds(12);
-    ASSERT_TRUE(files.waitUntilSpaceIsAsked()); // and then for this
+    ASSERT_TRUE(files.waitUntilSpaceIsAsked()); // then for the mix
     EXPECT_FALSE(finishAndMix({0.9F, 0.5F}));
 }
 
-TEST_F(FollowingMixTest, isNotMadeWhereFilesHaveNames) {
+TEST_F(FollowingMixTest, isNotMadeWithoutUnnamedFiles) {
     files.setHasNoUnnamedFiles();
     recording.writer().expectMix({0.9F, 0.5F});
     recordSeconds(12);
@@ -122,9 +122,9 @@ TEST_F(FollowingMixTest, isNotMadeWhereFilesHaveNames) {
     EXPECT_FALSE(finishAndMix({0.9F, 0.5F}));
 }
 
-TEST_F(FollowingMixTest, aFailureOnTheDiskIsNotTheRecordings) {
+TEST_F(FollowingMixTest, itsDiskFailureDoesNotAffectTheRecording) {
     recordFollowed();
-    files.setSyncFails(true); // for the mix that followed
+    files.setSyncFails(true); // of the following mix
     EXPECT_THROW(mix(*openWritten(), "mix", {0.9F, 0.5F}), std::system_error);
     files.setSyncFails(false);
     mix(*openWritten(), "mix", {0.9F, 0.5F});
@@ -141,7 +141,7 @@ TEST_F(FollowingMixTest, knowsTheFinishedMovieWithoutReadingItAgain) {
     EXPECT_THROW(openAnew(), DamagedMovie);
 }
 
-TEST_F(FollowingMixTest, doesNotKnowAMovieThatHasBecomeShorter) {
+TEST_F(FollowingMixTest, rescansAMovieThatHasShrunk) {
     recordFollowed();
     const double seconds = openWritten()->duration().seconds();
     auto content = files.contentOf("movie.mov");
@@ -151,7 +151,7 @@ TEST_F(FollowingMixTest, doesNotKnowAMovieThatHasBecomeShorter) {
     EXPECT_GT(openWritten()->duration().seconds(), 0);
 }
 
-TEST_F(FollowingMixTest, endsWithTheRecordingThatIsGivenUp) {
+TEST_F(FollowingMixTest, endsWithAnAbandonedRecording) {
     recording.writer().expectMix({0.9F, 0.5F});
     recordSeconds(60);
     ASSERT_TRUE(files.waitForUnnamed(1));

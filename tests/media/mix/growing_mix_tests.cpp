@@ -16,7 +16,7 @@ namespace vantoro::media {
 
 namespace {
 
-/// Tones that come and go, so that no two packets are alike.
+/// Tones that fade in and out, so that no two packets are equal.
 float melody(std::int64_t frame) {
     const auto time = static_cast<double>(frame) / 48000;
     const double pitch = 200 + (50 * std::floor(time * 3));
@@ -32,7 +32,7 @@ protected:
     MovieRecording recording{files, "movie.mov", {systemTrack, microphoneTrack}, shortFragments};
     std::vector<float> volumes{0.9F, 0.4F};
 
-    /// Both sources until a frame, from another one on.
+    /// Records both sources in this range of frames.
     void record(std::int64_t from, std::int64_t to) {
         ASSERT_TRUE(recording.appendAll(from, to, melody));
     }
@@ -44,7 +44,7 @@ protected:
                   [this](std::size_t track) { return volumes[track]; }, {}, {});
     }
 
-    /// As an export lays it out.
+    /// The mix as an export defines it.
     Mix wholeMix() {
         const std::shared_ptr<const Movie> movie = openMovie(files, "movie.mov");
         Mix mix;
@@ -63,13 +63,13 @@ protected:
     }
 };
 
-TEST_F(GrowingMixTest, becomesTheFileThatAnExportMakesWheneverItGoesOn) {
-    constexpr std::int64_t length = (75 * second) + 321; // two chunks and a half
+TEST_F(GrowingMixTest, equalsAnExportWheneverItAdvances) {
+    constexpr std::int64_t length = (75 * second) + 321; // two and a half segments
     record(0, 3 * second);
     ASSERT_TRUE(files.waitForSyncedSize("movie.mov", 10'000));
     GrowingMix mix(ffmpeg::coding(), files, "movie.mov", volumes);
     for (std::int64_t from = 3 * second; from < length; from += 7 * second) {
-        mix.goOn({});
+        mix.advance({});
         record(from, std::min(from + (7 * second), length));
     }
     recording.finish();
@@ -77,20 +77,20 @@ TEST_F(GrowingMixTest, becomesTheFileThatAnExportMakesWheneverItGoesOn) {
     expectTheSameFile();
 }
 
-TEST_F(GrowingMixTest, becomesItWhereASourceEndsBeforeTheOther) {
+TEST_F(GrowingMixTest, equalsAnExportIfOneSourceEndsEarly) {
     record(0, 20 * second);
     ASSERT_TRUE(files.waitForSyncedSize("movie.mov", 10'000));
     GrowingMix mix(ffmpeg::coding(), files, "movie.mov", volumes);
-    mix.goOn({});
+    mix.advance({});
     recording.track(1).end();
     ASSERT_TRUE(recording.append(0, 20 * second, 26 * second, melody));
-    mix.goOn({});
+    mix.advance({});
     recording.finish();
     mix.complete(wholeMix(), 1, {}, {})->takeName("followed.m4a");
     expectTheSameFile();
 }
 
-TEST_F(GrowingMixTest, becomesItWhereNothingWasMixedYet) {
+TEST_F(GrowingMixTest, equalsAnExportIfNothingWasMixedYet) {
     record(0, 40 * second);
     recording.finish();
     GrowingMix mix(ffmpeg::coding(), files, "movie.mov", volumes);
@@ -98,17 +98,17 @@ TEST_F(GrowingMixTest, becomesItWhereNothingWasMixedYet) {
     expectTheSameFile();
 }
 
-TEST_F(GrowingMixTest, isOfNoUseForOtherVolumes) {
+TEST_F(GrowingMixTest, failsForOtherVolumes) {
     record(0, 5 * second);
     recording.finish();
     GrowingMix mix(ffmpeg::coding(), files, "movie.mov", volumes);
-    mix.goOn({});
+    mix.advance({});
     volumes[1] = 0.5F;
     EXPECT_THROW(mix.complete(wholeMix(), 2, {}, {})->takeName("followed.m4a"), std::runtime_error);
     EXPECT_FALSE(files.exists("followed.m4a"));
 }
 
-TEST_F(GrowingMixTest, leavesWhatIsAtItsPlaceAlone) {
+TEST_F(GrowingMixTest, doesNotReplaceAnExistingFile) {
     record(0, 5 * second);
     recording.finish();
     files.put("followed.m4a", std::vector<std::byte>(7));

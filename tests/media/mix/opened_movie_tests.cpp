@@ -15,7 +15,7 @@ namespace vantoro {
 namespace {
 
 std::unique_ptr<Recording> open(const std::vector<std::byte>& movie) {
-    MemoryFileSystem files; // what is opened keeps the file, not the system
+    MemoryFileSystem files; // a movie keeps its file open but not the file system
     files.put("movie.mov", movie);
     return ffmpeg::FfmpegToolkit(files).openRecording("movie.mov");
 }
@@ -51,7 +51,7 @@ TEST(OpenedMovie, aMovieCutAnywhereHoldsItsWholeFragments) {
         }
     }
     ASSERT_EQ(ends.size(), 4U);
-    // Ends of whole packets behind each nominal end, and the whole.
+    // The first packet ends after each nominal end, and the movie's end.
     const std::vector<std::int64_t> durations{48128, 528384, 1008640, 22 * second};
     for (std::size_t size = 0; size <= movie.size(); size += (size % 4096 < 600 ? 13U : 1009U)) {
         const std::vector<std::byte> cut(movie.begin(),
@@ -72,7 +72,7 @@ TEST(OpenedMovie, aMovieCutAnywhereHoldsItsWholeFragments) {
     }
 }
 
-TEST(OpenedMovie, whatIsNoMovieIsDamaged) {
+TEST(OpenedMovie, otherFilesAreDamagedMovies) {
     EXPECT_THROW(open({}), std::runtime_error);
     EXPECT_THROW(open(std::vector<std::byte>(100'000)), std::runtime_error);
     EXPECT_THROW(open(std::vector<std::byte>(100'000, std::byte{0xff})), std::runtime_error);
@@ -84,7 +84,7 @@ TEST(OpenedMovie, whatIsNoMovieIsDamaged) {
     }
 }
 
-TEST(OpenedMovie, aFileThatIsNotThereIsTheSystemsError) {
+TEST(OpenedMovie, aMissingFileIsASystemError) {
     MemoryFileSystem files;
     EXPECT_THROW(ffmpeg::FfmpegToolkit(files).openRecording("movie.mov"), std::system_error);
 }
@@ -102,7 +102,7 @@ TEST(OpenedMovie, aMovieWithoutSoundHasNoTracks) {
     EXPECT_FALSE(opened->duration().isValid());
 }
 
-TEST(OpenedMovie, aMovieOfAnotherKindHoldsNothingForUs) {
+TEST(OpenedMovie, aMovieWithoutFragmentsHasNoTracks) {
     const TemporaryFolder folder;
     const auto other = folder.path() / "other.mov";
     run("ffmpeg -nostdin -v error -f lavfi -i sine=sample_rate=48000:duration=1 -c:a aac " +

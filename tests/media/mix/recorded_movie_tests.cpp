@@ -11,7 +11,7 @@
 #include "engine/files/output_place.h"
 #include "engine/recording_types.h"
 #include "media/coding/aac.h"
-#include "media/mix/coded_chunk.h"
+#include "media/mix/coded_segment.h"
 #include "media/mix/recorded_movie.h"
 #include "media/writing/fragment_muxer.h"
 #include "media/writing/movie_writer.h"
@@ -99,7 +99,7 @@ TEST_F(MovieMix, eachTrackHasItsGainWithinATenthOfADecibel) {
     }
 }
 
-TEST_F(MovieMix, aSilencedTrackIsNotHeard) {
+TEST_F(MovieMix, aTrackAtVolumeZeroIsSilent) {
     record({{systemTrack, 3 * second, tone(440, 0.4F)},
             {microphoneTrack, 3 * second, tone(1000, 0.4F)}});
     mixAt({0.0F, 1.0F});
@@ -117,7 +117,7 @@ TEST_F(MovieMix, aSingleMonoTrackIsInBothChannelsAtFullLevel) {
     }
 }
 
-TEST_F(MovieMix, leftStaysLeftAndRightStaysRight) {
+TEST_F(MovieMix, keepsLeftAndRightApart) {
     {
         MovieRecording recording(files, "movie.mov", {systemTrack});
         std::vector<float> samples;
@@ -144,7 +144,7 @@ TEST_F(MovieMix, leftStaysLeftAndRightStaysRight) {
     }
 }
 
-TEST_F(MovieMix, theSumIsLimitedToFullScale) {
+TEST_F(MovieMix, theSumIsClippedToFullScale) {
     record({{systemTrack, 3 * second, tone(440, 0.9F)},
             {microphoneTrack, 3 * second, tone(440, 0.9F)}});
     mixAt({4.0F, 4.0F});
@@ -154,7 +154,7 @@ TEST_F(MovieMix, theSumIsLimitedToFullScale) {
     EXPECT_LT(*std::ranges::max_element(samples), 1.3F);
 }
 
-TEST_F(MovieMix, isAsLongAsTheLongestTrackToTheSample) {
+TEST_F(MovieMix, isExactlyAsLongAsTheLongestTrack) {
     for (const std::int64_t frames : {1LL, 1023LL, 1024LL, 1025LL, 48000LL, 50001LL}) {
         for (const std::int64_t other : {frames, frames / 3 + 1}) {
             files.clear();
@@ -193,13 +193,13 @@ TEST_F(MovieMix, progressNeverFallsAndEndsAtOne) {
     record({{systemTrack, 12 * second, tone(440, 0.5F)}});
     std::vector<double> reports;
     mixAt({0.5F}, [&reports](double fraction) { reports.push_back(fraction); });
-    EXPECT_GE(reports.size(), 3U); // how many are heard in between depends on the processors
+    EXPECT_GE(reports.size(), 3U); // the number in between depends on the processors
     EXPECT_TRUE(std::ranges::is_sorted(reports));
     EXPECT_EQ(reports.front(), 0.0);
     EXPECT_EQ(reports.back(), 1.0);
 }
 
-TEST_F(MovieMix, aFullDiskIsToldInTheSystemsWords) {
+TEST_F(MovieMix, reportsAFullDiskInTheSystemsWords) {
     record({{systemTrack, 12 * second, tone(440, 0.5F)}});
     files.setCapacity(files.contentOf("movie.mov").size() + 50'000);
     try {
@@ -210,7 +210,7 @@ TEST_F(MovieMix, aFullDiskIsToldInTheSystemsWords) {
     }
 }
 
-TEST_F(MovieMix, aTrackWithoutSoundIsNothingToExport) {
+TEST_F(MovieMix, failsForATrackWithoutSound) {
     media::FragmentMuxer muxer;
     muxer.addTrack(media::makeMixCoder(ffmpeg::coding()).track());
     muxer.add(0, {.bytes = {0}, .start = -media::primingFrames, .frames = media::primingFrames});
@@ -220,14 +220,14 @@ TEST_F(MovieMix, aTrackWithoutSoundIsNothingToExport) {
     EXPECT_FALSE(files.exists("mix.m4a"));
 }
 
-TEST_F(MovieMix, eachTrackHasAVolumeThatIsANumber) {
+TEST_F(MovieMix, requiresAFiniteVolumePerTrack) {
     record({{systemTrack, second, tone(440, 0.5F)}});
     EXPECT_THROW(mixAt({std::numeric_limits<float>::quiet_NaN()}), std::invalid_argument);
     EXPECT_THROW(mixAt({}), std::invalid_argument);
     EXPECT_THROW(mixAt({1.0F, 1.0F}), std::invalid_argument);
 }
 
-/// Of a library that was built without a coder.
+/// As with a library built without a coder.
 class NoCoding final : public media::Coding {
 public:
     bool hasCoder() const noexcept override { return false; }
@@ -242,7 +242,7 @@ public:
     }
 };
 
-TEST_F(MovieMix, failsWhereNothingCanBeCoded) {
+TEST_F(MovieMix, failsWithoutACoder) {
     record({{systemTrack, second, tone(440, 0.5F)}});
     const NoCoding none;
     media::RecordedMovie movie(none, files, "movie.mov");

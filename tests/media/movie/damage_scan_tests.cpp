@@ -23,7 +23,7 @@ namespace {
 
 using MovieBytes = std::vector<std::byte>;
 
-/// A fragment's boxes in a movie.
+/// The offsets of a fragment's boxes.
 struct Place {
     std::size_t begin = 0;
     std::size_t content = 0;
@@ -59,7 +59,7 @@ void overwrite(MovieBytes& bytes, std::size_t offset, const MovieBytes& by) {
     std::ranges::copy(by, bytes.begin() + static_cast<std::ptrdiff_t>(offset));
 }
 
-/// Two tracks of three seconds in fragments of half a second, damaged in one way or another.
+/// Two tracks of three seconds in fragments of half a second, to be damaged.
 class DamageScan : public ::testing::Test {
 protected:
     const MovieBytes movie = record();
@@ -81,8 +81,8 @@ protected:
         return openMovie(files, "movie.mov");
     }
 
-    /// What is found in the damaged movie: the same as in the whole one, but for some fragments.
-    /// `inserted`: so many bytes were put in before the fragment of that number.
+    /// Scans the damaged movie, and expects the whole one's fragments except for some.
+    /// `inserted`: how many bytes were inserted before the fragment of that number.
     struct Expectation {
         std::set<std::size_t> lost;
         std::size_t insertedAt = 1000;
@@ -109,19 +109,19 @@ protected:
         ASSERT_FALSE(isWhole(*found)) << what;
     }
 
-    /// Either all fragments are found, or all but one; that not all is well is known in any case.
+    /// Expects all fragments, or all but one, and that the movie is not whole.
     void expectAllBut(const MovieBytes& damaged, std::size_t fragment, const std::string& what) {
         const bool isTaken = open(damaged)->scan.fragments.size() == places.size();
         expect(damaged, {.lost = isTaken ? std::set<std::size_t>() : std::set{fragment}}, what);
     }
 
-    /// With a checksum that is right again.
+    /// Updates the checksum.
     MovieBytes withTime(std::size_t fragment, std::uint64_t time) const {
         MovieBytes changed = movie;
         const auto name = std::as_bytes(std::span("tfdt", 4));
         const auto begin = changed.begin() + static_cast<std::ptrdiff_t>(places[fragment].begin);
         const auto found = std::search(begin, changed.end(), name.begin(), name.end());
-        EXPECT_EQ(found[4], std::byte(1)); // the version with times of 64 bits
+        EXPECT_EQ(found[4], std::byte(1)); // the version with 64-bit times
         for (int i = 0; i < 8; ++i) {
             found[8 + i] = static_cast<std::byte>(time >> static_cast<unsigned>(56 - 8 * i));
         }
@@ -137,7 +137,7 @@ TEST_F(DamageScan, undamagedMovieIsWhole) {
     ASSERT_GE(places.size(), 6U);
     EXPECT_EQ(whole->scan.fragments.size(), places.size());
     EXPECT_TRUE(isWhole(*whole));
-    // As it is while nobody has finished it, and with an index that was cut short.
+    // Unfinished, and with a truncated index.
     EXPECT_TRUE(isWhole(*open(part(movie, 0, places.back().end))));
     EXPECT_TRUE(isWhole(*open(part(movie, 0, places.back().end + 20))));
 }
@@ -148,7 +148,7 @@ TEST_F(DamageScan, anyFlippedBitOfAFragmentsHeadersCostsThatFragmentAtMost) {
         const Place& place = places[fragment];
         for (std::size_t offset = place.begin; offset < place.end; ++offset) {
             if (offset == place.content + 8) {
-                offset = place.checksum; // to the boxes behind the packets
+                offset = place.checksum; // skip to the boxes after the packets
             }
             const unsigned bit = 1U << (offset % 8);
             damaged[offset] ^= static_cast<std::byte>(bit);
@@ -192,7 +192,7 @@ TEST_F(DamageScan, zeroedBlockCostsTheFragmentsThatItTouchesAtMost) {
     }
 }
 
-TEST_F(DamageScan, noiseThatLooksLikeFragmentsIsNone) {
+TEST_F(DamageScan, noiseThatLooksLikeFragmentsIsIgnored) {
     std::mt19937 random(1);
     for (int round = 0; round < 20; ++round) {
         MovieBytes damaged = movie;
@@ -200,7 +200,7 @@ TEST_F(DamageScan, noiseThatLooksLikeFragmentsIsNone) {
         for (std::size_t offset = place.begin; offset < place.end; ++offset) {
             damaged[offset] = static_cast<std::byte>(random());
         }
-        // Sizes that fit, and names in their places.
+        // Plausible sizes, and names in the right places.
         for (std::size_t offset = place.begin; offset + 200 < place.end; offset += 100) {
             const std::size_t size = 8 + (random() % 90);
             for (std::size_t i = 0; i < 4; ++i) {
@@ -224,7 +224,7 @@ TEST_F(DamageScan, damagedFragmentsMayBeSeveralAndTheFirst) {
     }
 }
 
-TEST_F(DamageScan, fragmentThatIsThereTwiceIsTakenOnce) {
+TEST_F(DamageScan, duplicateFragmentIsTakenOnce) {
     for (const std::size_t fragment : {1U, 3U}) {
         MovieBytes damaged = movie;
         const MovieBytes copy = part(movie, places[fragment].begin, places[fragment].end);
@@ -247,13 +247,13 @@ TEST_F(DamageScan, fragmentWhoseTimeGoesBackwardsIsLeftOut) {
     EXPECT_EQ(found->scan.ends, whole->scan.ends);
 }
 
-TEST_F(DamageScan, timeThatTheSkippedBytesCouldNotHaveHeldIsNotBelieved) {
+TEST_F(DamageScan, gapTooLongForTheSkippedBytesIsRefused) {
     const auto time = static_cast<std::uint64_t>(whole->scan.startsOf(3)[0]);
     constexpr std::uint64_t thousandYears = 1000ULL * 366 * 24 * 3600 * second / 1024 * 1024;
     for (const std::uint64_t later :
          {std::uint64_t{packetFrames}, std::uint64_t{7}, thousandYears, ~std::uint64_t{0} - time}) {
         expect(withTime(3, time + later), {.lost = {3}}, "later by " + std::to_string(later));
-        // Neither behind a fragment that is damaged.
+        // Nor after a damaged fragment.
         MovieBytes damaged = withTime(3, time + later);
         damaged[places[2].begin + 5] = std::byte('x');
         if (later > packetFrames) {
@@ -262,11 +262,11 @@ TEST_F(DamageScan, timeThatTheSkippedBytesCouldNotHaveHeldIsNotBelieved) {
     }
 }
 
-TEST_F(DamageScan, behindDamageOnlyAFragmentCountsThatItsChecksumVouchesFor) {
+TEST_F(DamageScan, afterDamageAFragmentNeedsAMatchingChecksum) {
     MovieBytes damaged = movie;
     damaged[places[2].begin + 5] = std::byte('x');
     damaged[places[3].content + 100] ^= std::byte(1);
-    damaged[places[4].checksum + 10] ^= std::byte(1); // which is no checksum any more
+    damaged[places[4].checksum + 10] ^= std::byte(1); // not a checksum any more
     expect(damaged, {.lost = {2, 3, 4}}, "");
 }
 
@@ -276,7 +276,7 @@ TEST_F(DamageScan, wrongPacketCostsNoFragment) {
     expect(damaged, {}, "");
 }
 
-TEST_F(DamageScan, tornFragmentAtTheEndIsNotAllThereWas) {
+TEST_F(DamageScan, movieWithATornLastFragmentIsNotWhole) {
     for (const std::size_t size : {places[4].begin + 3, places[4].begin + 50,
                                    places[4].content + 500, places[4].checksum + 3}) {
         const auto found = open(part(movie, 0, size));
@@ -302,7 +302,7 @@ TEST_F(DamageScan, movieThatStillGrowsIsNotTakenForDamaged) {
     EXPECT_EQ(scan.skipped, 0U);
 }
 
-TEST_F(DamageScan, searchEndsWhereItsReachDoes) {
+TEST_F(DamageScan, searchIsLimitedToItsReach) {
     MemoryFileSystem files;
     MovieBytes damaged = movie;
     damaged[places[2].begin + 5] = std::byte('x');
@@ -311,12 +311,12 @@ TEST_F(DamageScan, searchEndsWhereItsReachDoes) {
     const std::size_t distance = places[3].begin - places[2].begin;
     for (const std::size_t reach : {distance + 7, distance + 8}) {
         MovieScan scan = scanMovie(*file);
-        scanBehindDamage(*file, scan, reach);
+        scanAfterDamage(*file, scan, reach);
         EXPECT_EQ(scan.fragments.size(), reach > distance + 7 ? places.size() - 1 : 2) << reach;
     }
 }
 
-TEST(BoxSearch, findsNamesAcrossTheBordersOfWhatItReadsAtOnce) {
+TEST(BoxSearch, findsNamesAcrossReadBoundaries) {
     constexpr std::size_t window = 256U << 10U;
     MemoryFileSystem files;
     MovieBytes bytes(3 * window);

@@ -20,14 +20,14 @@ namespace {
 using namespace made_up;
 using media::DamagedMovie;
 
-/// The header's bytes about the coding of a recording's first track.
+/// The codec description of a recording's first track.
 Bytes recordedInformation() {
     MemoryFileSystem files;
     files.put("movie.mov", recordMovie(48000, tone(440, 0.5F)));
     return media::scanMovie(*files.open("movie.mov")).tracks.at(0).information;
 }
 
-TEST(DamagedCodecs, whatIsDescribedWronglyIsRefused) {
+TEST(DamagedCodecs, wrongDescriptionsAreRefused) {
     const Bytes decoder = decoderFields();
     const Bytes whole = descriptor(5, stereo());
     const Bytes endless = bytesOf({5, 0x80, 0x80, 0x80, 0x80, 5}) + stereo();
@@ -87,7 +87,7 @@ TEST(DamagedCodecs, aHeaderFullOfTheSmallestBoxesIsRead) {
     expectStereo(codecOf(boxes + informationOf(description(0, boxes + streamOf(stereo())))));
 }
 
-TEST(DamagedCodecs, tablesThatClaimBillionsOfEntriesAreNotLookedAt) {
+TEST(DamagedCodecs, tablesThatClaimBillionsOfEntriesAreNotRead) {
     Bytes movie = recordMovie(48000, tone(440, 0.5F));
     for (const std::string_view table : {"stts", "stsc", "stsz", "stco", "dref"}) {
         const auto name = std::as_bytes(std::span(table));
@@ -123,7 +123,7 @@ TEST(DamagedCodecs, everyTruncationOfADescriptionIsRefused) {
     const auto part = [](const Bytes& bytes, std::size_t size) {
         return Bytes(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(size));
     };
-    // The boxes around it are whole.
+    // Its parents are whole.
     for (std::size_t size = 0; size < fields.size(); ++size) {
         EXPECT_TRUE(isRefused(informationOf(box("mp4a", part(fields, size))))) << size;
     }

@@ -19,7 +19,7 @@ namespace vantoro {
 
 namespace {
 
-/// Opens the bytes and mixes whatever they are said to hold.
+/// Opens the bytes and mixes all tracks.
 void readAll(const std::vector<std::byte>& movie) {
     MemoryFileSystem files;
     files.put("movie.mov", movie);
@@ -37,7 +37,7 @@ void setNumber(std::vector<std::byte>& movie, std::size_t offset, std::uint32_t 
     }
 }
 
-/// Where the content of the n-th box of a type begins.
+/// The offset of the content of a type's n-th box.
 std::size_t findContent(const std::vector<std::byte>& movie, std::string_view type, int skip) {
     const auto name = std::as_bytes(std::span(type));
     auto from = movie.begin();
@@ -57,10 +57,10 @@ std::int64_t durationOf(const std::vector<std::byte>& movie) {
     return ffmpeg::FfmpegToolkit(files).openRecording("movie.mov")->duration().inUnitsOf(48000);
 }
 
-/// Frames in each track of the second fragment of a movie: ten seconds, in whole packets.
+/// Frames of each track in a movie's second fragment: ten seconds, in whole packets.
 constexpr std::int64_t secondFragment = 528'384 - 48'128;
 
-/// In frames of all tracks together.
+/// In frames, summed over all tracks.
 std::int64_t gapsIn(const std::vector<std::byte>& movie) {
     MemoryFileSystem files;
     files.put("movie.mov", movie);
@@ -70,18 +70,18 @@ std::int64_t gapsIn(const std::vector<std::byte>& movie) {
     for (std::size_t index = 0; index < scan.fragments.size(); ++index) {
         const auto fragment =
             media::readFragment(*files.open("movie.mov"), scan.fragments[index], scan.tracks);
-        for (const media::PacketRow& row : fragment.rows) {
-            gaps += scan.startsOf(index)[row.track] - ends[row.track];
-            ends[row.track] = scan.startsOf(index)[row.track];
-            for (const media::PacketPlace& packet : row.packets) {
-                ends[row.track] += packet.duration;
+        for (const media::TrackFragment& part : fragment.parts) {
+            gaps += scan.startsOf(index)[part.track] - ends[part.track];
+            ends[part.track] = scan.startsOf(index)[part.track];
+            for (const media::PacketPlace& packet : part.packets) {
+                ends[part.track] += packet.duration;
             }
         }
     }
     return gaps;
 }
 
-TEST(DamagedMovie, aFragmentThatDoesNotAddUpIsAGap) {
+TEST(DamagedMovie, anInconsistentFragmentIsAGap) {
     const auto movie = recordMovie(12 * second, tone(440, 0.5F));
     ASSERT_EQ(durationOf(movie), 12 * second);
 
@@ -93,13 +93,13 @@ TEST(DamagedMovie, aFragmentThatDoesNotAddUpIsAGap) {
     };
 
     const std::vector<Case> cases{
-        {"tfdt", 2, 4, 7},          // goes on elsewhere
-        {"tfhd", 2, 4, 9},          // belongs to no track
-        {"trun", 2, 4, 0x7fffffff}, // more packets than there is description of
+        {"tfdt", 2, 4, 7},          // not where the track ended
+        {"tfhd", 2, 4, 9},          // unknown track
+        {"trun", 2, 4, 0x7fffffff}, // more packets than described
         {"trun", 2, 8, 0},          // packets before the content
-        {"trun", 2, 8, 0x10000000}, // packets behind it
+        {"trun", 2, 8, 0x10000000}, // packets after it
         {"trun", 2, 12, 0},         // an empty packet
-        {"trun", 2, 12, 0x00ffffff} // an endless one
+        {"trun", 2, 12, 0x00ffffff} // a huge packet
     };
     for (const Case& test : cases) {
         auto damaged = movie;
@@ -118,25 +118,26 @@ TEST(DamagedMovie, aFragmentWithoutPacketsIsAGap) {
     EXPECT_EQ(gapsIn(movie), 2 * secondFragment);
 }
 
-/// Packets of four bytes and 1024 frames of the first track, each said to lie at an offset in its
-/// fragment's content.
-struct MadeUpRow {
+/// Four-byte packets of 1024 frames in the first track, each at an offset in its fragment's
+/// content.
+struct MadeUpPart {
     std::int64_t start = 0;
     std::vector<std::uint32_t> offsets;
 };
 
-void writeRows(media::BoxWriter& movie, const std::vector<MadeUpRow>& rows,
-               std::size_t contentOffset) {
+void writeParts(media::BoxWriter& movie, const std::vector<MadeUpPart>& parts,
+                std::size_t contentOffset) {
     movie.box("moof", [&] {
-        for (const MadeUpRow& row : rows) {
+        for (const MadeUpPart& part : parts) {
             movie.box("traf", [&] {
                 movie.fullBox("tfhd", 0x20018, [&] {
                     movie.u32(1);
                     movie.u32(media::packetFrames);
                     movie.u32(4);
                 });
-                movie.fullBox("tfdt", 0, [&] { movie.u32(static_cast<std::uint64_t>(row.start)); });
-                for (const std::uint32_t offset : row.offsets) {
+                movie.fullBox("tfdt", 0,
+                              [&] { movie.u32(static_cast<std::uint64_t>(part.start)); });
+                for (const std::uint32_t offset : part.offsets) {
                     movie.fullBox("trun", 1, [&] {
                         movie.u32(1);
                         movie.u32(contentOffset + offset);
@@ -147,16 +148,16 @@ void writeRows(media::BoxWriter& movie, const std::vector<MadeUpRow>& rows,
     });
 }
 
-std::vector<std::byte> makeFragment(const std::vector<MadeUpRow>& rows) {
+std::vector<std::byte> makeFragment(const std::vector<MadeUpPart>& parts) {
     media::BoxWriter description;
-    writeRows(description, rows, 0);
+    writeParts(description, parts, 0);
     media::BoxWriter fragment;
-    writeRows(fragment, rows, description.take().size() + 8);
+    writeParts(fragment, parts, description.take().size() + 8);
     fragment.box("mdat", [&] { fragment.zeros(16); });
     return fragment.take();
 }
 
-// Else a few bytes could name far more packets than memory holds.
+// Otherwise a few bytes could name far more packets than memory holds.
 TEST(DamagedMovie, aFragmentThatNamesItsBytesTwiceEndsTheMovie) {
     auto movie = recordMovie(12 * second, silence());
     movie.resize(topBoxes(movie)[3].end);
@@ -165,7 +166,7 @@ TEST(DamagedMovie, aFragmentThatNamesItsBytesTwiceEndsTheMovie) {
 
     struct Case {
         const char* name;
-        std::vector<MadeUpRow> rows;
+        std::vector<MadeUpPart> parts;
         std::int64_t duration;
     };
 
@@ -178,7 +179,7 @@ TEST(DamagedMovie, aFragmentThatNamesItsBytesTwiceEndsTheMovie) {
     };
     for (const Case& test : cases) {
         auto damaged = movie;
-        const auto fragment = makeFragment(test.rows);
+        const auto fragment = makeFragment(test.parts);
         damaged.insert(damaged.end(), fragment.begin(), fragment.end());
         EXPECT_EQ(durationOf(damaged), test.duration) << test.name;
     }
@@ -198,7 +199,7 @@ TEST(DamagedMovie, anyDamageIsReadToTheEndOrRefused) {
     std::mt19937 random(42);
     for (int round = 0; round < 300; ++round) {
         auto damaged = movie;
-        // Mostly in the descriptions, where it hurts.
+        // Mostly in the descriptions, where it matters.
         const std::size_t reach = round % 3 == 0 ? damaged.size() : 2500;
         for (int i = 0; i < 1 + (round % 8); ++i) {
             damaged[random() % reach] = static_cast<std::byte>(random());

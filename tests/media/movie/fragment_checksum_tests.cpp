@@ -17,13 +17,13 @@ std::uint32_t sumOf(std::string_view text) {
     return sum.value();
 }
 
-TEST(FragmentChecksum, isTheCyclicOneOf32BitsAsItStandsBeforeItsLastInversion) {
+TEST(FragmentChecksum, isCrc32WithoutItsFinalInversion) {
     EXPECT_EQ(sumOf(""), 0xFFFFFFFFU);
     EXPECT_EQ(~sumOf("123456789"), 0xCBF43926U);
     EXPECT_EQ(~sumOf("The quick brown fox jumps over the lazy dog"), 0x414FA339U);
 }
 
-TEST(FragmentChecksum, doesNotDependOnThePiecesThatTheBytesComeIn) {
+TEST(FragmentChecksum, doesNotDependOnHowTheBytesAreSplit) {
     constexpr std::string_view text = "The quick brown fox jumps over the lazy dog";
     for (std::size_t at = 0; at <= text.size(); ++at) {
         Checksum sum;

@@ -20,7 +20,7 @@ namespace {
 
 using FileBytes = std::vector<std::byte>;
 using Writing = std::function<void(BoxWriter&)>;
-using Place = std::tuple<std::uint64_t, std::uint32_t, std::uint32_t>; // in the content
+using Place = std::tuple<std::uint64_t, std::uint32_t, std::uint32_t>; // relative to the content
 
 constexpr std::size_t before = 5; // bytes of the file before the fragment
 
@@ -77,7 +77,7 @@ public:
              .defaultDuration = 512,
              .defaultSize = 20,
              .information = {}},
-            // not one of the movie's
+            // not in the movie
             {.id = 8,
              .isAudio = true,
              .timescale = 48000,
@@ -99,11 +99,11 @@ public:
         return false;
     }
 
-    /// The packets of the only row, from the content on.
+    /// The only part's packets, relative to the content.
     std::vector<Place> packets() const {
         std::vector<Place> places;
         const Fragment fragment = read();
-        for (const PacketPlace& packet : fragment.rows.at(0).packets) {
+        for (const PacketPlace& packet : fragment.parts.at(0).packets) {
             places.emplace_back(packet.offset - content_, packet.size, packet.duration);
         }
         return places;
@@ -119,11 +119,10 @@ void track(BoxWriter& writer, std::uint32_t id = 5, std::uint32_t flags = 0) {
 }
 
 void start(BoxWriter& writer, std::uint64_t frame = 0) {
-    writer.fullBox("tfdt", 0x00FFFFFF,
-                   [&] { writer.u32(frame); }); // version 0, flags of no meaning
+    writer.fullBox("tfdt", 0x00FFFFFF, [&] { writer.u32(frame); }); // version 0, unused flags
 }
 
-/// Packets as the defaults say, from an offset on.
+/// Packets with default fields, from an offset on.
 void packets(BoxWriter& writer, std::uint32_t offset, std::uint32_t count) {
     writer.fullBox("trun", 1, [&] {
         writer.u32(count);
@@ -131,7 +130,7 @@ void packets(BoxWriter& writer, std::uint32_t offset, std::uint32_t count) {
     });
 }
 
-/// One row of the first track.
+/// One part of the first track.
 MadeUpFragment fragmentOf(const MadeUpFragment::Parts& rest, std::size_t contentSize = 100) {
     return MadeUpFragment(
         [&](BoxWriter& writer, std::uint32_t content) {
@@ -144,9 +143,9 @@ MadeUpFragment fragmentOf(const MadeUpFragment::Parts& rest, std::size_t content
         contentSize);
 }
 
-TEST(FragmentParser, readsEachFieldThatTheFlagsSayIsThere) {
-    for (unsigned of = 0; of < 8; ++of) {         // which fields the track's part has
-        for (unsigned has = 0; has < 32; ++has) { // and which its rows
+TEST(FragmentParser, readsEachFieldThatTheFlagsAnnounce) {
+    for (unsigned of = 0; of < 8; ++of) {         // fields of the track fragment
+        for (unsigned has = 0; has < 32; ++has) { // fields of its runs
             const bool trackDuration = (of & 2U) != 0;
             const bool trackSize = (of & 4U) != 0;
             const MadeUpFragment fragment([&](BoxWriter& writer, std::uint32_t content) {
@@ -190,12 +189,12 @@ TEST(FragmentParser, readsEachFieldThatTheFlagsSayIsThere) {
                 next += size;
             }
             EXPECT_EQ(fragment.packets(), expected) << of << " " << has;
-            EXPECT_EQ(fragment.read().rows[0].start, 99U);
+            EXPECT_EQ(fragment.read().parts[0].start, 99U);
         }
     }
 }
 
-TEST(FragmentParser, readsTheRowOfEachTrackOfSound) {
+TEST(FragmentParser, readsThePartOfEachAudioTrack) {
     MadeUpFragment fragment([](BoxWriter& writer, std::uint32_t content) {
         writer.box("mfhd", [&] { writer.zeros(8); });
         for (const std::uint32_t id : {7U, 6U, 5U}) {
@@ -208,12 +207,12 @@ TEST(FragmentParser, readsTheRowOfEachTrackOfSound) {
         }
     });
     const Fragment read = fragment.read();
-    ASSERT_EQ(read.rows.size(), 2U);
-    EXPECT_EQ(read.rows[0].track, 2U);
-    EXPECT_EQ(read.rows[0].start, 0x100000007U);
-    EXPECT_EQ(read.rows[0].packets.at(0).duration, 512U);
-    EXPECT_EQ(read.rows[1].track, 0U);
-    EXPECT_EQ(read.rows[1].start, 0x100000005U);
+    ASSERT_EQ(read.parts.size(), 2U);
+    EXPECT_EQ(read.parts[0].track, 2U);
+    EXPECT_EQ(read.parts[0].start, 0x100000007U);
+    EXPECT_EQ(read.parts[0].packets.at(0).duration, 512U);
+    EXPECT_EQ(read.parts[1].track, 0U);
+    EXPECT_EQ(read.parts[1].start, 0x100000005U);
     EXPECT_EQ(read.contentEnd, fragment.size());
     EXPECT_EQ(read.end, fragment.size());
     EXPECT_FALSE(read.checksum);
@@ -228,7 +227,7 @@ TEST(FragmentParser, readsTheRowOfEachTrackOfSound) {
     EXPECT_EQ(fragment.read().checksum, sum.value());
 }
 
-TEST(FragmentChecksum, isStoredAsItHasAlwaysBeen) {
+TEST(FragmentChecksum, isStoredInAStableFormat) {
     const std::string_view text = "123456789";
     FileBytes expected;
     for (const unsigned byte :
@@ -241,7 +240,7 @@ TEST(FragmentChecksum, isStoredAsItHasAlwaysBeen) {
     EXPECT_EQ(checksumBox(std::as_bytes(std::span(text))), expected);
 }
 
-TEST(FragmentParser, takesNothingElseForAChecksum) {
+TEST(FragmentParser, ignoresBoxesThatAreNotAChecksum) {
     MadeUpFragment fragment =
         fragmentOf([](BoxWriter& writer, std::uint32_t content) { packets(writer, content, 1); });
     const auto checksum = checksumBox(fragment.bytes());
@@ -258,7 +257,7 @@ TEST(FragmentParser, takesNothingElseForAChecksum) {
     EXPECT_FALSE(cut.read().checksum);
 }
 
-TEST(FragmentParser, goesOnBehindTheLastPacketWhereNoOffsetIsSaid) {
+TEST(FragmentParser, continuesAfterTheLastPacketWithoutAnOffset) {
     const auto fragment = fragmentOf([](BoxWriter& writer, std::uint32_t content) {
         packets(writer, content + 4, 2);
         writer.fullBox("trun", 0, [&] { writer.u32(1); });
@@ -320,7 +319,7 @@ TEST(FragmentParser, refusesMorePacketsThanAFragmentHas) {
     EXPECT_TRUE(refuses(65000, 537));
 }
 
-TEST(FragmentParser, refusesPacketsThatOverlapOrLieInAnotherOrder) {
+TEST(FragmentParser, refusesPacketsThatOverlapOrAreOutOfOrder) {
     const auto refuses = [](std::uint32_t second) {
         return fragmentOf([&](BoxWriter& writer, std::uint32_t content) {
                    packets(writer, content + 20, 1);
@@ -333,7 +332,7 @@ TEST(FragmentParser, refusesPacketsThatOverlapOrLieInAnotherOrder) {
     EXPECT_TRUE(refuses(0));
 }
 
-TEST(FragmentParser, refusesTracksThatAreNotDescribedOnceAndWhole) {
+TEST(FragmentParser, refusesTracksThatAreDescribedTwiceOrIncompletely) {
     const auto refuses = [](const Writing& part, int times = 1) {
         return MadeUpFragment([&](BoxWriter& writer, std::uint32_t) {
                    for (int i = 0; i < times; ++i) {
@@ -370,7 +369,7 @@ TEST(FragmentParser, refusesTracksThatAreNotDescribedOnceAndWhole) {
     })) << "packets of nobody";
 }
 
-TEST(FragmentParser, refusesWhatIsNoFragment) {
+TEST(FragmentParser, refusesOtherBoxes) {
     const auto none = [](BoxWriter&, std::uint32_t) {};
     EXPECT_FALSE(MadeUpFragment(none).isRefused());
     EXPECT_TRUE(MadeUpFragment(none, 100, "free").isRefused());

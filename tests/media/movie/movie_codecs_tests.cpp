@@ -37,8 +37,8 @@ void expectSame(const media::AacTrack& ours, const AVCodecParameters& theirs) {
     EXPECT_TRUE(std::ranges::equal(ours.coderConfiguration, configuration));
 }
 
-/// Compares all tracks of a file with what libavformat reads of their header. Where packets lie
-/// before that, the bit rate is measured there, and not the one that the header tells.
+/// Compares all tracks of a file with what libavformat reads. For a file whose packets precede the
+/// header, libavformat measures the bit rate instead of reading it.
 void expectAsDemuxed(const std::filesystem::path& path, std::size_t tracks, bool hasFragments) {
     SCOPED_TRACE(path);
     posix::PosixFileSystem files;
@@ -60,12 +60,12 @@ void expectAsDemuxed(const std::filesystem::path& path, std::size_t tracks, bool
     }
 }
 
-TEST(MovieCodecs, areAsTheDemuxerReadsThemFromOurRecordings) {
+TEST(MovieCodecs, ofARecordingMatchTheDemuxers) {
     const TemporaryFolder folder;
     expectAsDemuxed(folder.put("movie.mov", recordMovie(48000, tone(440, 0.5F))), 2, true);
 }
 
-TEST(MovieCodecs, areAsTheDemuxerReadsThemFromFilesOfAnotherWriter) {
+TEST(MovieCodecs, ofAnotherWritersFileMatchTheDemuxers) {
     const TemporaryFolder folder;
     const std::string source =
         "ffmpeg -nostdin -v error -y -f lavfi -i sine=r=48000:d=0.5 -c:a aac ";
@@ -82,7 +82,7 @@ TEST(MovieCodecs, areAsTheDemuxerReadsThemFromFilesOfAnotherWriter) {
     }
 }
 
-TEST(MovieCodecs, everyFormOfADescriptionIsRead) {
+TEST(MovieCodecs, everyVersionOfADescriptionIsRead) {
     const Bytes stream = streamOf(stereo());
     const Bytes other = box("btrt", Bytes(12));
     const Bytes wave =
@@ -93,7 +93,7 @@ TEST(MovieCodecs, everyFormOfADescriptionIsRead) {
             expectStereo(codecOf(informationOf(description(version, boxes))));
         }
     }
-    // There is none behind it in the recorder's movies; but for that, the first counts.
+    // The first description counts; the recorder's movies have only one.
     expectStereo(codecOf(informationOf(description(0, stream) + description(0, {}))));
 }
 
@@ -166,16 +166,16 @@ TEST(MovieCodecs, aTrackThatIsNotAacHasNone) {
         box("stbl", box("stsd", Bytes(8))),
         informationOf(description(0, stream, "sowt")),
         informationOf(description(0, streamOf(stereo(), 0x6b))),
-        informationOf(description(0, streamOf(bytesOf({0x01, 0x90})))), // kind 0
-        informationOf(description(0, streamOf(bytesOf({0x29, 0x90})))), // kind 5
-        informationOf(description(0, streamOf(bytesOf({0xf9, 0x90})))), // kind 31
+        informationOf(description(0, streamOf(bytesOf({0x01, 0x90})))), // object type 0
+        informationOf(description(0, streamOf(bytesOf({0x29, 0x90})))), // object type 5
+        informationOf(description(0, streamOf(bytesOf({0xf9, 0x90})))), // object type 31
     };
     for (std::size_t index = 0; index < cases.size(); ++index) {
         EXPECT_FALSE(codecOf(cases[index])) << index;
     }
 }
 
-TEST(MovieCodecs, aTrackThatIsNotSoundIsNotLookedAt) {
+TEST(MovieCodecs, aTrackThatIsNotAudioIsIgnored) {
     media::MovieScan scan;
     const Bytes damaged = bytesOf({0, 0, 0, 1, 0, 0, 0, 0});
     scan.tracks.push_back({.information = damaged});

@@ -47,7 +47,7 @@ struct MadeUpTrack {
 };
 
 void writeTrack(BoxWriter& writer, const MadeUpTrack& track) {
-    const std::uint32_t version = track.version << 24U | 0x00FFFFFFU; // and flags of no meaning
+    const std::uint32_t version = track.version << 24U | 0x00FFFFFFU; // unused flags
     const std::size_t times = track.version == 0 ? 8 : 16;
     writer.box("trak", [&] {
         writer.fullBox("tkhd", version, [&] {
@@ -82,28 +82,28 @@ FileBytes headerOf(const std::vector<MadeUpTrack>& tracks) {
     });
 }
 
-struct MadeUpRow {
+struct MadeUpPart {
     std::uint32_t track = 1;
     std::uint64_t start = 0;
     std::vector<std::uint32_t> durations;
 };
 
 /// A fragment of packets of one byte.
-FileBytes fragmentOf(const std::vector<MadeUpRow>& rows) {
+FileBytes fragmentOf(const std::vector<MadeUpPart>& parts) {
     const auto describe = [&](std::uint32_t content) {
         BoxWriter writer;
         writer.box("moof", [&] {
-            for (const MadeUpRow& row : rows) {
+            for (const MadeUpPart& part : parts) {
                 writer.box("traf", [&] {
                     writer.fullBox("tfhd", 0x10, [&] {
-                        writer.u32(row.track);
+                        writer.u32(part.track);
                         writer.u32(1);
                     });
-                    writer.fullBox("tfdt", 0, [&] { writer.u32(row.start); });
+                    writer.fullBox("tfdt", 0, [&] { writer.u32(part.start); });
                     writer.fullBox("trun", 0x101, [&] {
-                        writer.u32(row.durations.size());
+                        writer.u32(part.durations.size());
                         writer.u32(content);
-                        for (const std::uint32_t duration : row.durations) {
+                        for (const std::uint32_t duration : part.durations) {
                             writer.u32(duration);
                         }
                     });
@@ -118,7 +118,7 @@ FileBytes fragmentOf(const std::vector<MadeUpRow>& rows) {
     return describe(size + 8) + content.take();
 }
 
-TEST(MovieScan, readsWhatTheHeaderSaysOfEachTrack) {
+TEST(MovieScan, readsEachTracksHeader) {
     for (const std::uint32_t version : {0U, 1U}) {
         const MovieScan scan = scanOf(headerOf([&](BoxWriter& writer) {
             writer.box("mvhd", [&] { writer.zeros(100); });
@@ -151,7 +151,7 @@ TEST(MovieScan, readsWhatTheHeaderSaysOfEachTrack) {
     }
 }
 
-TEST(MovieScan, knowsNoDefaultsWhereTheHeaderHasNone) {
+TEST(MovieScan, hasNoDefaultsIfTheHeaderHasNone) {
     const MovieScan scan = scanOf(headerOf({{.id = 1}}));
     EXPECT_EQ(scan.tracks.at(0).defaultDuration, 0U);
     EXPECT_EQ(scan.tracks.at(0).defaultSize, 0U);
@@ -163,7 +163,7 @@ TEST(MovieScan, knowsNoDefaultsWhereTheHeaderHasNone) {
     EXPECT_FALSE(empty.tracks.at(0).isAudio);
 }
 
-TEST(MovieScan, refusesSoundThatIsNotOf48000Hertz) {
+TEST(MovieScan, refusesSampleRatesOtherThan48000Hertz) {
     EXPECT_TRUE(isRefused(headerOf({{.timescale = 44100}})));
     EXPECT_FALSE(isRefused(headerOf({{.kind = "vide", .timescale = 44100}})));
 }
@@ -213,7 +213,7 @@ TEST(MovieScan, readsHeadersOfUpToAMebibyte) {
     EXPECT_TRUE(isRefused(headerOfSize((1U << 20U) + 1)));
 }
 
-TEST(MovieScan, saysWhereEachWholeFragmentLiesAndBegins) {
+TEST(MovieScan, givesEachWholeFragmentsOffsetAndStarts) {
     const FileBytes header = headerOf({{.id = 1}, {.id = 2}});
     const FileBytes first = fragmentOf({{1, 0, {1024, 1024}}, {2, 0, {1024}}});
     const FileBytes second = fragmentOf({{2, 1024, {1024, 1024}}, {1, 2048, {1024, 700}}});
@@ -227,13 +227,13 @@ TEST(MovieScan, saysWhereEachWholeFragmentLiesAndBegins) {
     EXPECT_EQ(scan.startsOf(1)[1], 1024);
 }
 
-TEST(MovieScan, endsBeforeAFragmentThatDoesNotAddUp) {
+TEST(MovieScan, endsBeforeAnInconsistentFragment) {
     const FileBytes header = headerOf({{.id = 1}, {.id = 2}});
     const FileBytes first = fragmentOf({{1, 0, {1024}}});
 
     struct Case {
         const char* what;
-        std::vector<MadeUpRow> rows;
+        std::vector<MadeUpPart> parts;
         std::size_t fragments;
     };
 
@@ -249,8 +249,8 @@ TEST(MovieScan, endsBeforeAFragmentThatDoesNotAddUp) {
         {"has nothing", {}, 1},
         {"adds up in one track only", {{2, 0, {1024}}, {1, 0, {1024}}}, 1},
     };
-    for (const auto& [what, rows, fragments] : table) {
-        const MovieScan scan = scanOf(header + first + fragmentOf(rows));
+    for (const auto& [what, parts, fragments] : table) {
+        const MovieScan scan = scanOf(header + first + fragmentOf(parts));
         EXPECT_EQ(scan.fragments.size(), fragments) << what;
         EXPECT_EQ(scan.starts.size(), 2 * fragments) << what;
         if (fragments == 1) {
@@ -259,13 +259,13 @@ TEST(MovieScan, endsBeforeAFragmentThatDoesNotAddUp) {
     }
 }
 
-TEST(MovieScan, takesNothingBehindATracksEnd) {
+TEST(MovieScan, takesNothingAfterATracksEnd) {
     const FileBytes movie = headerOf({{.id = 1}, {.id = 2}}) + fragmentOf({{1, 0, {1024, 500}}});
     EXPECT_EQ(scanOf(movie + fragmentOf({{1, 1524, {1024}}})).fragments.size(), 1U);
     EXPECT_EQ(scanOf(movie + fragmentOf({{2, 0, {1024}}})).fragments.size(), 2U);
 }
 
-TEST(MovieScan, goesOnWhereItHadEndedWhenTheFileHasGrown) {
+TEST(MovieScan, continuesWhereItEndedWhenTheFileGrows) {
     const FileBytes movie = headerOf({{.id = 1}}) + fragmentOf({{1, 0, {1024}}});
     const FileBytes longer = movie + fragmentOf({{1, 1024, {1024, 500}}});
     const FileBytes tooLong = longer + fragmentOf({{1, 2548, {1024}}});

@@ -16,7 +16,7 @@ namespace {
 
 constexpr std::uint32_t packetSize = 60000;
 
-/// A fragment of large packets, more than are read at once, each of which is full of its number.
+/// A fragment of more large packets than one read holds, each filled with its number.
 std::shared_ptr<Movie> movieOf(std::uint32_t packets) {
     const auto describe = [&](std::uint64_t content) {
         BoxWriter writer;
@@ -54,7 +54,7 @@ std::shared_ptr<Movie> movieOf(std::uint32_t packets) {
     return movie;
 }
 
-TEST(PacketReader, readsOnePacketAfterAnotherAndFromAnyOneOn) {
+TEST(PacketReader, readsConsecutivePacketsFromAnyOneOn) {
     constexpr std::uint32_t packets = 25;
     PacketReader reader(movieOf(packets), 0);
     for (const std::uint32_t from : {0U, 20U, 3U, 0U, 24U, 25U}) {

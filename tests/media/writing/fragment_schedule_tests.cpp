@@ -10,7 +10,7 @@ namespace vantoro::media {
 
 namespace {
 
-TEST(FragmentSchedule, beginsWithTheInitialIntervalAndGoesOnByTheOther) {
+TEST(FragmentSchedule, usesTheInitialIntervalThenTheOther) {
     FragmentSchedule schedule(48000, 480000);
     EXPECT_EQ(schedule.end(), 48000);
     schedule.advance();
@@ -19,13 +19,13 @@ TEST(FragmentSchedule, beginsWithTheInitialIntervalAndGoesOnByTheOther) {
     EXPECT_EQ(schedule.end(), 1008000);
 }
 
-TEST(FragmentSchedule, waitsForThePacketThatHoldsTheEndAndTheTwoThatTheCoderIsBehind) {
+TEST(FragmentSchedule, waitsForThePacketAtTheEndAndTheCodersDelay) {
     EXPECT_EQ(FragmentSchedule(10240, 10240).framesToClose(), 10240 + 2048);
     EXPECT_EQ(FragmentSchedule(10241, 10240).framesToClose(), 11264 + 2048);
     EXPECT_EQ(FragmentSchedule(11264, 10240).framesToClose(), 11264 + 2048);
 }
 
-TEST(FragmentSchedule, neverStandsStill) {
+TEST(FragmentSchedule, alwaysAdvances) {
     FragmentSchedule schedule(0, -5);
     EXPECT_GT(schedule.end(), 0);
     const auto before = schedule.end();
@@ -33,7 +33,7 @@ TEST(FragmentSchedule, neverStandsStill) {
     EXPECT_GT(schedule.end(), before);
 }
 
-TEST(FragmentSchedule, aSourceHoldsAFragmentBackForTwoSecondsAtMost) {
+TEST(FragmentSchedule, aSourceDelaysAFragmentByTwoSecondsAtMost) {
     const FragmentSchedule schedule(48000, 480000);
 
     struct Case {

@@ -12,16 +12,16 @@ namespace vantoro::media {
 
 namespace {
 
-/// Takes the header of a box, which fits its content.
+/// Reads a box's header, whose size must match its content.
 void enter(ByteReader& fields, const char (&type)[5], std::uint64_t size) {
     EXPECT_EQ(fields.u32(), size);
     EXPECT_EQ(fields.u32(), boxType(type));
 }
 
-TEST(MovieBoxes, indexSaysWhereEachTracksFragmentsAre) {
+TEST(MovieBoxes, indexGivesEachTracksFragments) {
     const std::vector<std::vector<FragmentEntry>> tracks{
         {{.time = 0, .offset = 1382}, {.time = 48128, .offset = 0x1'0000'0000}},
-        {}, // nothing was ever recorded of it
+        {}, // without sound
         {{.time = 0x1'0000'0001, .offset = 7}}};
     const auto bytes = fragmentIndex(tracks);
     ByteReader fields(bytes);
@@ -29,7 +29,7 @@ TEST(MovieBoxes, indexSaysWhereEachTracksFragmentsAre) {
     for (const std::uint32_t number : {1U, 3U}) {
         const auto& entries = tracks[number - 1];
         enter(fields, "tfra", 24 + (19 * entries.size()));
-        EXPECT_EQ(fields.u32(), 1U << 24U); // times and offsets of 64 bits
+        EXPECT_EQ(fields.u32(), 1U << 24U); // 64-bit times and offsets
         EXPECT_EQ(fields.u32(), number);
         EXPECT_EQ(fields.u32(), 0U);
         EXPECT_EQ(fields.u32(), entries.size());
@@ -53,7 +53,7 @@ struct FieldsCase {
 
 class PacketFields : public ::testing::TestWithParam<FieldsCase> {};
 
-TEST_P(PacketFields, areThereOnlyWhereThePacketsDiffer) {
+TEST_P(PacketFields, arePresentOnlyIfThePacketsDiffer) {
     const auto& [name, packets, flags, expected] = GetParam();
     const std::vector<FragmentTrack> tracks{{.number = 2, .time = 49152, .packets = packets}};
     const auto bytes = fragmentHeader(5, tracks);
@@ -96,7 +96,7 @@ INSTANTIATE_TEST_SUITE_P(
                       FieldsCase{"both", {{7, 1024}, {8, 300}}, 0x301, {1024, 7, 300, 8}}),
     [](const auto& test) { return test.param.name; });
 
-TEST(MovieBoxes, contentOfTheSecondTrackLiesBehindThatOfTheFirst) {
+TEST(MovieBoxes, secondTracksContentFollowsTheFirsts) {
     const std::vector<FragmentTrack> tracks{{.number = 1, .time = 0, .packets = {{7, 1024}}},
                                             {.number = 2, .time = 0, .packets = {{9, 1024}}}};
     const auto bytes = fragmentHeader(1, tracks);

@@ -46,7 +46,7 @@ TEST(MovieLayout, isAQuickTimeMovieOfTwoAacTracks) {
 }
 
 TEST(MovieLayout, bitRatesAreThoseOfTheSettings) {
-    // Noise needs all bits that a coder may spend.
+    // Noise needs all bits that a coder may use.
     std::uint32_t state = 1;
     const Sound noise = [&state](std::int64_t) {
         state = (state * 1664525U) + 1013904223U;
@@ -73,7 +73,7 @@ TEST(MovieLayout, firstFragmentClosesAfterOneSecondThenEveryTen) {
     EXPECT_EQ(typesOf(boxes), (std::vector<std::string>{"ftyp", "moov", "moof", "mdat", "uuid",
                                                         "moof", "mdat", "uuid", "moof", "mdat",
                                                         "uuid", "moof", "mdat", "uuid", "mfra"}));
-    // The file cut behind each fragment holds what the fragments hold.
+    // The file truncated after each fragment holds those fragments.
     const std::vector<std::int64_t> expected{48128, 528384, 1008640, 25 * second};
     const TemporaryFolder folder;
     std::size_t fragment = 0;
@@ -120,7 +120,7 @@ TEST(MovieLayout, everyFragmentIsOneWriteAndOneSync) {
                                         "write", "sync", "reach", "close"}));
 }
 
-TEST(MovieLayout, theFileIsThereForItsUserAloneBeforeWritingStarts) {
+TEST(MovieLayout, theFileExistsForItsUserOnlyBeforeWritingStarts) {
     MemoryFileSystem files;
     ffmpeg::FfmpegToolkit toolkit(files);
     const auto writer = toolkit.makeWriter("movie.mov", {}, {});
@@ -133,7 +133,7 @@ TEST(MovieLayout, theFileIsThereForItsUserAloneBeforeWritingStarts) {
     EXPECT_EQ(writer->addTrack(microphoneTrack), nullptr);
 }
 
-TEST(MovieLayout, withoutATrackNothingIsWritten) {
+TEST(MovieLayout, startWithoutATrackFails) {
     MemoryFileSystem files;
     ffmpeg::FfmpegToolkit toolkit(files);
     const auto writer = toolkit.makeWriter("movie.mov", {}, {});
@@ -152,7 +152,7 @@ TEST(MovieLayout, refusesTracksThatItCannotWrite) {
     EXPECT_NE(writer->addTrack(systemTrack), nullptr);
 }
 
-TEST(MovieLayout, aSingleTrackIsTheOnlyOne) {
+TEST(MovieLayout, aMovieMayHaveASingleTrack) {
     const TemporaryFolder folder;
     const auto sections =
         probe(folder.put("movie.mov", recordMovie(2 * second, tone(440, 0.5F), {microphoneTrack})));

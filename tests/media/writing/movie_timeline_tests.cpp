@@ -15,10 +15,10 @@ namespace vantoro {
 
 namespace {
 
-/// A movie in the making, whose tracks an independent program decodes.
+/// A movie being written, whose tracks an independent program decodes.
 class MovieTimeline : public testing::Test {
 protected:
-    /// The track's sound, which has to be so long.
+    /// The track's sound; checks its length.
     std::vector<float> decodeTrack(int track, std::int64_t frames) {
         recording.finish();
         EXPECT_EQ(recording.writer().status(), WriterStatus::completed);
@@ -41,7 +41,7 @@ protected:
     MovieRecording recording{files, "movie.mov"};
 };
 
-TEST_F(MovieTimeline, everyFrameOfBothTracksIsWhereItsStampSays) {
+TEST_F(MovieTimeline, everyFrameIsAtItsTimeStamp) {
     const std::vector<std::int64_t> places{5000, 47990, 48130, 60001, 527900, 528500, 700001};
     ASSERT_TRUE(recording.appendAll(0, 16 * second, clicks(places)));
     recording.finish();
@@ -52,7 +52,7 @@ TEST_F(MovieTimeline, everyFrameOfBothTracksIsWhereItsStampSays) {
         for (const std::int64_t place : {5000, 60001, 700001}) {
             expectClick(samples, place);
         }
-        // Near fragments' borders, within the one packet around them.
+        // Within one packet of the fragments' borders.
         EXPECT_LE(std::abs(clickIn(samples, 47900, 48060) - 47990), 2);
         EXPECT_LE(std::abs(clickIn(samples, 48060, 48200) - 48130), 2);
         EXPECT_LE(std::abs(clickIn(samples, 527800, 528000) - 527900), 2);
@@ -77,7 +77,7 @@ TEST_F(MovieTimeline, aGapIsFilledWithExactlyThatMuchSilence) {
     expectClick(samples, 40000);
 }
 
-TEST_F(MovieTimeline, anOverlapIsLeftOut) {
+TEST_F(MovieTimeline, anOverlapIsDropped) {
     ASSERT_TRUE(recording.append(1, 0, 20000, clicks({10000})));
     ASSERT_TRUE(recording.append(1, 14000, 90000, clicks({40000})));
     ASSERT_TRUE(recording.append(0, 0, 90000, silence()));
@@ -86,10 +86,10 @@ TEST_F(MovieTimeline, anOverlapIsLeftOut) {
     expectClick(samples, 40000);
 }
 
-TEST_F(MovieTimeline, aSourceThatStopsIsFilledAndHoldsNoFragmentBack) {
+TEST_F(MovieTimeline, aSourceThatStopsIsFilledAndDelaysNoFragment) {
     ASSERT_TRUE(recording.append(1, 0, 3 * second, clicks({second})));
     ASSERT_TRUE(recording.append(0, 0, 14 * second, silence()));
-    // Two fragments are due by now, though the microphone has nothing to give for the second.
+    // Two fragments are due, though the microphone has no sound for the second.
     ASSERT_TRUE(files.waitForSyncs("movie.mov", 2));
     ASSERT_TRUE(recording.append(1, 15 * second, 18 * second, clicks({16 * second})));
     ASSERT_TRUE(recording.append(0, 14 * second, 18 * second, silence()));
@@ -133,7 +133,7 @@ TEST_P(ToneLevel, isTheSameInTheFileUpToFullScale) {
 
 INSTANTIATE_TEST_SUITE_P(Frequencies, ToneLevel, testing::Values(100.0, 440.0, 3000.0, 8000.0));
 
-TEST_F(MovieTimeline, whatIsNoNumberSpoilsNothing) {
+TEST_F(MovieTimeline, nonFiniteSamplesDoNotSpoilOthers) {
     const Sound spoilt = [](std::int64_t frame) {
         return frame % 25000 == 0 ? std::numeric_limits<float>::quiet_NaN()
                                   : tone(1000, 0.5F)(frame);
@@ -143,14 +143,14 @@ TEST_F(MovieTimeline, whatIsNoNumberSpoilsNothing) {
     EXPECT_NEAR(levelOf(std::span(samples).subspan(4800, 48000), 1000), -6.02, 0.1);
 }
 
-TEST_F(MovieTimeline, aBufferThatItsTrackDoesNotTakeIsAFailure) {
+TEST_F(MovieTimeline, aBufferThatDoesNotFitItsTrackIsAFailure) {
     const SoundBuffer stereo(0, 480, 2, silence());
     EXPECT_FALSE(recording.track(1).append(stereo.buffer()));
     EXPECT_EQ(recording.writer().status(), WriterStatus::failed);
     EXPECT_NE(recording.writer().error(), nullptr);
 }
 
-TEST_F(MovieTimeline, aStampThatCannotBeIsAFailure) {
+TEST_F(MovieTimeline, anImpossibleTimeStampIsAFailure) {
     constexpr std::int64_t threeHours = 3LL * 3600 * second;
     ASSERT_TRUE(recording.appendAll(0, second, silence()));
     EXPECT_FALSE(recording.append(0, threeHours, threeHours + 480, silence()));

@@ -20,7 +20,7 @@ SampleBuffer bufferOf(std::span<const float> samples, std::int64_t frames, std::
             .samples = samples};
 }
 
-TEST(SampleConversion, whatIsNoNumberBecomesSilence) {
+TEST(SampleConversion, nonFiniteSamplesBecomeSilence) {
     constexpr float infinity = std::numeric_limits<float>::infinity();
     const std::array<float, 5> samples{0.5F, std::numeric_limits<float>::quiet_NaN(), infinity,
                                        -infinity, 2.5F};
@@ -29,14 +29,14 @@ TEST(SampleConversion, whatIsNoNumberBecomesSilence) {
     EXPECT_EQ(converted, (std::array{0.5F, 0.0F, 0.0F, 0.0F, 2.5F}));
 }
 
-TEST(SampleConversion, findsAChannelsPart) {
+TEST(SampleConversion, copiesOneChannel) {
     const std::array<float, 6> samples{1, 2, 3, 4, 5, 6};
     std::array<float, 2> converted{};
     copySamples(bufferOf(samples, 3, 2), 1, 1, converted);
     EXPECT_EQ(converted, (std::array{5.0F, 6.0F}));
 }
 
-TEST(SampleConversion, onlyWhatAddsUpFitsATrack) {
+TEST(SampleConversion, onlyConsistentBuffersFitATrack) {
     const std::array<float, 6> six{};
     EXPECT_TRUE(fitsTrack(bufferOf(six, 3, 2), 2));
     EXPECT_FALSE(fitsTrack(bufferOf(six, 3, 2), 1));

@@ -55,7 +55,7 @@ INSTANTIATE_TEST_SUITE_P(
              {{0, 480, {0, 0, 480}}, {980, 480, {0, 0, 480}}, {1960, 480, {1000, 0, 480}}}}),
     [](const auto& test) { return test.param.name; });
 
-TEST(TrackTimeline, fillingUpIsExactAndSoIsWhatFollows) {
+TEST(TrackTimeline, fillingIsExactAndSoIsTheNextBuffer) {
     TrackTimeline timeline;
     timeline.place(0, 480);
     EXPECT_EQ(timeline.fillTo(480), 0);
@@ -65,7 +65,7 @@ TEST(TrackTimeline, fillingUpIsExactAndSoIsWhatFollows) {
     EXPECT_EQ(timeline.position(), 1490);
 }
 
-TEST(TrackTimeline, whatIsFullAlreadyIsNotFilledUp) {
+TEST(TrackTimeline, aLongerTrackIsNotFilled) {
     TrackTimeline timeline;
     timeline.place(0, 480);
     EXPECT_EQ(timeline.fillTo(480), 0);
@@ -75,14 +75,14 @@ TEST(TrackTimeline, whatIsFullAlreadyIsNotFilledUp) {
     EXPECT_EQ(timeline.position(), 961);
 }
 
-TEST(TrackTimeline, whatComesTooLateForAFilledTrackIsLeftOut) {
+TEST(TrackTimeline, aBufferTooLateForAFilledTrackIsDropped) {
     TrackTimeline timeline;
     timeline.fillTo(1000);
     EXPECT_EQ(timeline.place(400, 480), (Placement{0, 480, 0}));
     EXPECT_EQ(timeline.place(880, 480), (Placement{0, 120, 360}));
 }
 
-TEST(TrackTimeline, refusesAGapThatCannotBe) {
+TEST(TrackTimeline, refusesAnImpossibleGap) {
     TrackTimeline timeline;
     EXPECT_THROW(timeline.place(172'800'001, 480), std::runtime_error);
     EXPECT_EQ(timeline.position(), 0);
@@ -91,7 +91,7 @@ TEST(TrackTimeline, refusesAGapThatCannotBe) {
 
 class ClockDrift : public testing::TestWithParam<double> {};
 
-TEST_P(ClockDrift, staysWithin20MillisecondsOfTheStampsForFourHours) {
+TEST_P(ClockDrift, staysWithin20MillisecondsOfTheTimeStampsForFourHours) {
     constexpr std::int64_t fourHours = 4LL * 3600 * 48000;
     const double speed = 1 + (GetParam() * 1e-6);
     TrackTimeline timeline;

@@ -24,7 +24,7 @@ using testing::HasSubstr;
 
 class WriteFailure : public testing::Test {
 protected:
-    /// Goes on recording until the writer refuses a buffer; how far it got.
+    /// Records until the writer refuses a buffer; returns the position.
     std::int64_t recordUntilRefused(std::int64_t from) {
         constexpr std::int64_t farEnough = 120 * second;
         std::int64_t frame = from;
@@ -46,7 +46,7 @@ protected:
     Sound sound = tone(440, 0.5F);
 };
 
-TEST_F(WriteFailure, aFullDiskIsToldByTheNextAppend) {
+TEST_F(WriteFailure, theNextAppendReportsAFullDisk) {
     files.setCapacity(100'000);
     recordUntilRefused(0);
     EXPECT_EQ(recording.writer().status(), WriterStatus::failed);
@@ -62,7 +62,7 @@ TEST_F(WriteFailure, nothingIsLostWhenTheDiskHasRoomAgainAtTheEnd) {
     EXPECT_EQ(recording.writer().status(), WriterStatus::completed);
     EXPECT_EQ(recording.writer().error(), nullptr);
     EXPECT_EQ(recording.writer().secondsNotWritten(), 0);
-    // The system track may have taken the buffer that the microphone's track refused.
+    // The system track may have accepted the buffer that the microphone track refused.
     EXPECT_EQ(framesOnDisk(), recorded);
     EXPECT_EQ(topBoxes(files.contentOf("movie.mov")).back().type, "mfra");
 }
@@ -72,7 +72,7 @@ TEST_F(WriteFailure, whatWasWrittenBeforeCountsWhenTheDiskStaysFull) {
     const std::int64_t recorded = recordUntilRefused(0);
     recording.finish();
     EXPECT_EQ(recording.writer().status(), WriterStatus::completed);
-    // Cut back to the one whole fragment.
+    // Truncated to the one whole fragment.
     EXPECT_EQ(topBoxes(files.contentOf("movie.mov")).back().type, "uuid");
     EXPECT_EQ(framesOnDisk(), 48128);
     EXPECT_NEAR(recording.writer().secondsNotWritten(), static_cast<double>(recorded) / second - 1,
@@ -81,7 +81,7 @@ TEST_F(WriteFailure, whatWasWrittenBeforeCountsWhenTheDiskStaysFull) {
     EXPECT_EQ(files.journalOf("movie.mov").back(), "close");
 }
 
-TEST_F(WriteFailure, withoutOneWholeFragmentFinishingFails) {
+TEST_F(WriteFailure, finishingWithoutAWholeFragmentFails) {
     files.setCapacity(1'000);
     recordUntilRefused(0);
     recording.finish();
@@ -100,7 +100,7 @@ TEST_F(WriteFailure, aFailedSyncIsAFailedWrite) {
     EXPECT_EQ(framesOnDisk(), recorded);
 }
 
-TEST_F(WriteFailure, aFileThatCannotBeReachedAtTheEndIsAFailure) {
+TEST_F(WriteFailure, anUnreachableFileAtTheEndIsAFailure) {
     ASSERT_TRUE(recording.appendAll(0, 2 * second, sound));
     files.setUnreachable();
     recording.finish();
@@ -108,11 +108,11 @@ TEST_F(WriteFailure, aFileThatCannotBeReachedAtTheEndIsAFailure) {
     EXPECT_THAT(whatOf(recording.writer().error()), HasSubstr("Permission denied"));
 }
 
-TEST_F(WriteFailure, aStuckDiskLosesNoFrameAndDelaysNobody) {
+TEST_F(WriteFailure, aStuckDiskLosesNoFrameAndBlocksNoCaller) {
     files.setStuck(true);
     ASSERT_TRUE(recording.appendAll(0, 2 * second, sound));
     ASSERT_TRUE(files.waitUntilStuck());
-    // Ten more seconds are taken in while not a byte reaches the disk.
+    // Takes ten more seconds while no byte reaches the disk.
     for (std::int64_t frame = 2 * second; frame < 12 * second; frame += second) {
         ASSERT_TRUE(recording.track(0).isReady());
         ASSERT_TRUE(recording.appendAll(frame, frame + second, sound));
@@ -124,7 +124,7 @@ TEST_F(WriteFailure, aStuckDiskLosesNoFrameAndDelaysNobody) {
     EXPECT_EQ(framesOnDisk(), 12 * second);
 }
 
-TEST_F(WriteFailure, nothingIsTakenInAfterTheEnd) {
+TEST_F(WriteFailure, appendAfterTheEndFails) {
     ASSERT_TRUE(recording.appendAll(0, second, sound));
     recording.track(1).end();
     EXPECT_FALSE(recording.append(1, second, 2 * second, sound));
@@ -167,7 +167,7 @@ TEST(WriterBacklog, tracksAreNotReadyWhileTooMuchWaitsForTheDisk) {
     ASSERT_TRUE(track.append(SoundBuffer(0, 12 * second, 1, tone(440, 0.5F)).buffer()));
     EXPECT_FALSE(track.isReady());
     files.setStuck(false);
-    // The file's thread counts what waits a moment after it has synced it.
+    // The file thread updates the backlog shortly after the sync.
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
     while (!track.isReady() && std::chrono::steady_clock::now() < deadline) {
         std::this_thread::yield();
@@ -175,7 +175,7 @@ TEST(WriterBacklog, tracksAreNotReadyWhileTooMuchWaitsForTheDisk) {
     EXPECT_TRUE(track.isReady());
 }
 
-TEST(WriterProgress, isToldWithEachFragmentOnTheDisk) {
+TEST(WriterProgress, isReportedForEachFragmentOnTheDisk) {
     MemoryFileSystem files;
     std::vector<std::pair<double, std::uint64_t>> told;
     {
@@ -193,14 +193,14 @@ TEST(WriterProgress, isToldWithEachFragmentOnTheDisk) {
         files.setStuck(false);
     }
     ASSERT_EQ(told.size(), 2U);
-    // When the first second is on the disk, ten more have been recorded and wait.
+    // When the first second is on disk, ten more wait.
     EXPECT_NEAR(told[0].first, 11, 0.03);
     EXPECT_GT(told[0].second, 20'000U);
     EXPECT_NEAR(told[1].first, 11, 0.03);
     EXPECT_EQ(told[1].second, 0U);
 }
 
-TEST(FragmentFile, countsWhatWaits) {
+TEST(FragmentFile, countsTheWaitingBytes) {
     MemoryFileSystem files;
     files.setStuck(true);
     media::FragmentFile file(

@@ -23,7 +23,7 @@ class LoadedToolkitTest : public ::testing::Test {
 protected:
     posix::PosixFileSystem files;
 
-    /// What is said when a toolkit from this file is used first.
+    /// The error on first use of a toolkit from this file.
     std::string complaintAbout(const std::filesystem::path& module) {
         LoadedToolkit toolkit(files, {}, module);
         try {
@@ -43,7 +43,7 @@ TEST_F(LoadedToolkitTest, worksAsTheToolkitDoes) {
     EXPECT_NE(writer->addTrack({}), nullptr);
 }
 
-TEST_F(LoadedToolkitTest, passesOnWhyAFileCannotBeRead) {
+TEST_F(LoadedToolkitTest, passesOnReadErrors) {
     LoadedToolkit toolkit(files, {}, MODULE);
     EXPECT_THROW(toolkit.openRecording("/nowhere/a.mov"), std::system_error);
 }
@@ -59,20 +59,20 @@ TEST_F(LoadedToolkitTest, isLoadedOnceBySeveralThreads) {
     second.join();
 }
 
-TEST_F(LoadedToolkitTest, moduleThatIsNotThereIsNamed) {
+TEST_F(LoadedToolkitTest, errorNamesTheMissingModule) {
     EXPECT_NE(complaintAbout("/nowhere/module.so").find("/nowhere/module.so"), std::string::npos);
 }
 
-TEST_F(LoadedToolkitTest, anotherLibraryIsNotTakenForIt) {
+TEST_F(LoadedToolkitTest, anotherLibraryIsRefused) {
     EXPECT_NE(complaintAbout("libm.so.6").find(ffmpeg::toolkitModuleName), std::string::npos);
 }
 
-TEST_F(LoadedToolkitTest, moduleOfAnotherVersionIsNotUsed) {
+TEST_F(LoadedToolkitTest, moduleOfAnotherVersionIsRefused) {
     EXPECT_EQ(complaintAbout(OTHER_VERSIONS_MODULE),
               "The program was updated while it ran: quit it and start it again.");
 }
 
-TEST_F(LoadedToolkitTest, useAfterAFailureTriesAgain) {
+TEST_F(LoadedToolkitTest, nextUseAfterAFailureRetries) {
     LoadedToolkit toolkit(files, {}, "/nowhere/module.so");
     EXPECT_THROW(toolkit.openRecording("/nowhere/a.mov"), std::runtime_error);
     EXPECT_THROW(toolkit.openRecording("/nowhere/a.mov"), std::runtime_error);

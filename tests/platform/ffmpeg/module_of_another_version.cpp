@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-// Stands where the program's own module was, as after an update.
+// Replaces the program's module, as after an update.
 
 #include "platform/ffmpeg/toolkit_module.h"
 
-// NOLINTNEXTLINE(misc-use-internal-linkage): found by its name
+// NOLINTNEXTLINE(misc-use-internal-linkage): looked up by name
 extern "C" const vantoro::ffmpeg::ToolkitModule vantoroToolkitModule{
     {.version = "another version"},
-    // NOLINTNEXTLINE(performance-unnecessary-value-param): as the module's is
+    // NOLINTNEXTLINE(performance-unnecessary-value-param): the module's signature
     [](vantoro::FileSystem&, vantoro::IsPowerSaved) -> vantoro::MediaToolkit* { return nullptr; },
 };
