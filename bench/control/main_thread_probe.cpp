@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-// Makes a recording through the view model on this desktop and prints, a line each, for how many
-// milliseconds at most the main thread answered nobody during each step. Then it stays idle until
-// its standard input ends, so that what it does meanwhile can be looked at from outside.
+// Makes a recording through the view model on this desktop and prints, for each step, the main
+// thread's longest stall in milliseconds. Then it stays idle until its standard input ends, so that
+// its wake-ups can be counted.
 //
 // Usage: main_thread_probe FOLDER SECONDS
 
@@ -31,8 +31,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using Case = RecordingState::Case;
 
-/// Asks the main thread every few milliseconds, from beside it, and takes the longest that it did
-/// not answer.
+/// Polls the main thread every few milliseconds from another thread, and keeps the longest stall.
 class StallMeter {
 public:
     StallMeter() = default;
@@ -41,7 +40,7 @@ public:
 
     ~StallMeter() { end(); }
 
-    /// Prints the longest stall of this step, which ends now.
+    /// Ends this step and prints its longest stall.
     void print(const std::string& step) {
         const auto longest = std::exchange(longest_, Clock::duration(0));
         std::cout << step << " " << std::chrono::duration<double, std::milli>(longest).count()
@@ -111,7 +110,7 @@ private:
             if (const auto& recording = model_.values().lastRecordingURL;
                 recording && !model_.values().errorMessage) {
                 meter_.print("stop");
-                meter_.end(); // from here on nothing is to disturb
+                meter_.end(); // idle from here on
                 std::cout << "saved " << recording->string() << '\n' << std::flush;
             }
             break;

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-// Measures what exporting a recording costs, side by side with the `ffmpeg` program making the same
-// mix with its default and its fast coder, what salvaging it costs, and how peak memory grows with
-// length.
+// Measures the cost of exporting a recording, compared with the `ffmpeg` program making the same
+// mix with its default and its fast coder; the cost of salvaging it; and how peak memory grows with
+// the length.
 
 #include <cstdlib>
 #include <exception>
@@ -48,7 +48,7 @@ void salvageFolder(const std::filesystem::path& folder) {
     }
 }
 
-/// The same movie as its writer leaves it when it dies: cut off within its last fragment.
+/// The movie as a killed writer leaves it: cut off in its last fragment.
 ProcessCost measureSalvage(const std::string& self, const std::filesystem::path& movie,
                            const std::filesystem::path& folder) {
     std::filesystem::create_directory(folder);
@@ -59,7 +59,7 @@ ProcessCost measureSalvage(const std::string& self, const std::filesystem::path&
     return runProcess({self, "--salvage", folder.string()});
 }
 
-/// In a process of its own, whose memory then is the export's alone.
+/// Runs the export in its own process, to measure its memory alone.
 ProcessCost measureExport(const std::string& self, const std::filesystem::path& movie,
                           const std::filesystem::path& destination) {
     return runProcess({self, "--export", movie.string(), destination.string()});

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-// Measures how long users wait for the file when they stop a recording whose volumes stayed, of
-// several lengths, beside the export that would be made of it then.
+// Measures how long users wait for the file when they stop recordings of several lengths with
+// unchanged volumes, compared with an export at the stop.
 
 #include <chrono>
 #include <cstdlib>
@@ -31,8 +31,8 @@ using Seconds = std::chrono::duration<double>;
 
 const std::vector<float> volumes{0.9F, 1.0F};
 
-/// Recorded faster than it would be heard, the mix falls behind, which it does not in a recording.
-/// The whole process is idle once it has caught up.
+/// This benchmark records faster than real time, so the mix falls behind. The process is idle once
+/// the mix has caught up.
 void waitUntilTheMixHasCaughtUp() {
     std::clock_t before = -1;
     for (std::clock_t now = std::clock(); now - before > CLOCKS_PER_SEC / 100; now = std::clock()) {

@@ -13,7 +13,7 @@ namespace {
 constexpr std::size_t frames = 1024;
 constexpr std::size_t channels = 2;
 
-/// What the capture queue pays for one reading of a meter.
+/// The capture queue's cost of one meter reading.
 void levelOfOneStereoBuffer(benchmark::State& state) {
     std::array<float, frames * channels> samples{};
     for (std::size_t i = 0; i < samples.size(); ++i) {

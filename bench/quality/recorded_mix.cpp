@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-// Makes the final file that a recording of given sound would become.
-// Usage: recorded_mix SYSTEM MICROPHONE TEMPORARY FINAL; the first two 32-bit float at 48 kHz, the
-// system's stereo with its samples in turn, the microphone's mono.
+// Makes the final file of a recording of the given sound.
+// Usage: recorded_mix SYSTEM MICROPHONE TEMPORARY FINAL; the first two are 32-bit float at 48 kHz,
+// the system's interleaved stereo, the microphone's mono.
 
 #include <cstdlib>
 #include <exception>
@@ -26,7 +26,7 @@ constexpr std::size_t bufferFrames = 960;
 constexpr float systemVolume = 0.9F;
 constexpr float microphoneVolume = 1.0F;
 
-/// The next buffer of a source, one channel behind the other.
+/// The next buffer of a source, in planar format.
 void append(RecordingTrack& track, std::span<const float> samples, std::size_t channels,
             std::size_t frame) {
     std::vector<float> planes(bufferFrames * channels);

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-// Prints the processor seconds that coding takes of a recording's sound, and nothing else of it.
-// Usage: coding_alone SYSTEM MICROPHONE; both 32-bit float at 48 kHz, the system's stereo with its
-// samples in turn, the microphone's mono.
+// Prints the processor seconds that coding a recording's sound takes.
+// Usage: coding_alone SYSTEM MICROPHONE; files of 32-bit float at 48 kHz, the system's interleaved
+// stereo, the microphone's mono.
 
 #include <algorithm>
 #include <cstdint>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-// Begins to record both sources as `vantoro record` does, and prints how many milliseconds lie
-// between a moment and the first frame that is captured.
-// Usage: first_frame FOLDER NANOSECONDS; the moment, on CLOCK_MONOTONIC, is that of its own start.
+// Starts recording both sources as `vantoro record` does, and prints the milliseconds from the
+// process start to the first captured frame.
+// Usage: first_frame FOLDER NANOSECONDS; the process start on CLOCK_MONOTONIC.
 
 #include <cstdlib>
 #include <exception>
@@ -24,7 +24,7 @@ namespace vantoro::bench {
 
 namespace {
 
-/// Passes everything on, and keeps the time of the first frame.
+/// Forwards all calls, and keeps the time of the first frame.
 class NotingReceiver final : public CaptureStreamReceiver {
 public:
     explicit NotingReceiver(CaptureStreamReceiver& receiver) : receiver_(receiver) {}

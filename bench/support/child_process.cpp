@@ -24,7 +24,7 @@ ProcessCost runProcess(const std::vector<std::string>& command) {
     std::vector<char*> arguments;
     arguments.reserve(command.size() + 1);
     for (const std::string& argument : command) {
-        arguments.push_back(const_cast<char*>(argument.c_str())); // as exec wants it; not written
+        arguments.push_back(const_cast<char*>(argument.c_str())); // exec's signature; not written
     }
     arguments.push_back(nullptr);
     const auto begin = std::chrono::steady_clock::now();

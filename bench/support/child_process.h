@@ -7,15 +7,15 @@
 
 namespace vantoro::bench {
 
-/// What running a program to its end took.
+/// The cost of running a program to its end.
 struct ProcessCost {
     double wallSeconds = 0;
     double cpuSeconds = 0;
-    double peakMegabytes = 0; ///< of memory at one time
+    double peakMegabytes = 0; ///< memory
 };
 
-/// Runs a program, found in PATH, and waits for it. Throws std::runtime_error when it cannot be run
-/// or reports failure.
+/// Runs a program from PATH and waits for it. Throws std::runtime_error if it cannot be run or
+/// fails.
 ProcessCost runProcess(const std::vector<std::string>& command);
 
 } // namespace vantoro::bench

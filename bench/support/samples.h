@@ -10,7 +10,7 @@
 
 namespace vantoro::bench {
 
-/// A whole file of 32-bit float samples.
+/// Reads a file of 32-bit float samples.
 inline std::vector<float> readSamples(const std::filesystem::path& path) {
     std::vector<float> samples(std::filesystem::file_size(path) / sizeof(float));
     std::ifstream file(path, std::ios::binary);

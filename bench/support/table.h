@@ -20,9 +20,8 @@ inline std::string times(double ours, double other) {
     return digits(ours / other, 2) + " ×";
 }
 
-/// A row of the one table that all benchmarks print; `bench/run` prints its head. What was
-/// measured, most often as a ratio; what is aimed for at most; of which work; and the figures
-/// behind it.
+/// Prints a row of the table that all benchmarks share; `bench/run` prints its head. What was
+/// measured, usually as a ratio; its limit; the work; and the figures behind the ratio.
 inline void printRow(std::string_view measured, std::string_view aim, std::string_view work,
                      std::string_view ours, std::string_view other) {
     std::cout << "| " << measured << " | " << aim << " | " << work << " | " << ours << " | "

@@ -9,7 +9,7 @@
 
 namespace vantoro::bench {
 
-/// Gone at the end with all that is in it.
+/// Removes itself and its content on destruction.
 class TemporaryFolder {
 public:
     TemporaryFolder() {

@@ -12,8 +12,8 @@ namespace vantoro::bench {
 
 enum class TestSources : std::uint8_t { both, microphone };
 
-/// A temporary movie, recorded with this program's own writer and as fast as it goes: music-like
-/// stereo as system audio, speech-like mono as microphone. Throws where it cannot be written.
+/// A temporary movie, recorded with this program's writer at full speed: music-like stereo as
+/// system audio, speech-like mono as microphone. Throws if it cannot be written.
 class TestMovie {
 public:
     TestMovie(MediaToolkit& toolkit, const std::filesystem::path& location,

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-// What any program of the toolkit needs for a window: the measure for ours.
+// An empty window of the same toolkit, to compare with.
 
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QWidget>

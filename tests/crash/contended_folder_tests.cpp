@@ -17,9 +17,9 @@ namespace vantoro::testing {
 
 namespace {
 
-// Locks belong to the open file: threads meet as processes do.
+// Locks belong to the open file, so threads contend as processes do.
 
-TEST(ContendedFolder, manyWhoSaveAtOneInstantEachKeepTheirFile) {
+TEST(ContendedFolder, recordersThatSaveSimultaneouslyAllKeepTheirFiles) {
     constexpr int savers = 8;
     constexpr int rounds = 50;
     const TemporaryFolder folder;

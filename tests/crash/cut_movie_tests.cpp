@@ -20,7 +20,7 @@ namespace {
 
 using Bytes = std::vector<std::byte>;
 
-/// Movies that were cut off or damaged, read and exported.
+/// Reads and exports truncated and damaged movies.
 class CutMovie : public ::testing::Test {
 protected:
     static constexpr std::int64_t frames = 120'000;
@@ -44,7 +44,7 @@ protected:
         opened = ffmpeg::FfmpegToolkit(files).openRecording("movie.mov");
     }
 
-    /// 0 where there is no movie at all.
+    /// 0 if there is no movie.
     std::int64_t durationOf(const Bytes& movie) {
         try {
             open(movie);
@@ -55,7 +55,7 @@ protected:
         return duration.isValid() ? duration.inUnitsOf(48000) : 0;
     }
 
-    /// Exports the movie opened last; another program decodes all of it without a complaint.
+    /// Exports the movie opened last; another program must decode it without errors.
     void expectPlayableExport(std::int64_t duration) {
         if (files.exists("mix.m4a")) {
             files.remove("mix.m4a");
@@ -74,7 +74,7 @@ protected:
         return boundaries;
     }
 
-    /// Frames in the fragments that lie whole before the cut, as `framesAt` has them.
+    /// Frames in the whole fragments before the cut, from `framesAt`.
     static std::int64_t
     framesBefore(std::size_t cut, const std::vector<std::pair<std::size_t, std::int64_t>>& ends) {
         std::int64_t whole = 0;
@@ -84,7 +84,7 @@ protected:
         return whole;
     }
 
-    /// Where each fragment's content ends, and what another program finds in the movie up to there.
+    /// Each fragment's end, and the frames that another program finds in the movie up to there.
     std::vector<std::pair<std::size_t, std::int64_t>> fragmentEnds(const Bytes& movie) {
         std::vector<std::pair<std::size_t, std::int64_t>> ends;
         for (const TopBox& box : topBoxes(movie)) {
@@ -155,13 +155,13 @@ TEST_F(CutMovie, holdsItsWholeFragmentsWhereverItIsCut) {
     }
 }
 
-TEST_F(CutMovie, neverClaimsMoreThanThereWasHoweverItIsDamaged) {
+TEST_F(CutMovie, neverClaimsMoreThanThereWasAfterAnyDamage) {
     std::mt19937 random(2);
     const Bytes movie = record(false);
     int exported = 0;
     for (int round = 0; round < 2000; ++round) {
         Bytes damaged = movie;
-        // Mostly in the descriptions, where it hurts; now and then anywhere.
+        // Mostly in the descriptions, where it matters; sometimes anywhere.
         const std::size_t reach = round % 3 == 0 ? damaged.size() : 3000;
         for (int i = 0; i < 1 + (round % 8); ++i) {
             damaged[random() % reach] = static_cast<std::byte>(random());

@@ -65,7 +65,7 @@ TEST_F(FailingDisk, salvageOnAFullDiskKeepsTheRecordingUntilThereIsRoom) {
     EXPECT_EQ(salvage(disk.path()).size(), 1U);
 }
 
-TEST_F(FailingDisk, emptyFileOfAStartThatDiedStaysAndDisturbsNobody) {
+TEST_F(FailingDisk, emptyFileOfAKilledStartStaysAndDoesNoHarm) {
     const testing::TemporaryFolder folder;
     put(folder.path() / "a.partial.mov", {});
     put(folder.path() / "b.partial.mov", movie);
@@ -74,7 +74,7 @@ TEST_F(FailingDisk, emptyFileOfAStartThatDiedStaysAndDisturbsNobody) {
     EXPECT_THAT(namesIn(folder.path()), UnorderedElementsAre("a.partial.mov", finalName));
 }
 
-TEST_F(FailingDisk, folderUnderTheFinalNameInMidSalvageStaysAndTheNextNameIsTaken) {
+TEST_F(FailingDisk, folderWithTheFinalNameDuringSalvageStaysAndTheNextNameIsUsed) {
     const testing::TemporaryFolder folder;
     put(folder.path() / "a.partial.mov", movie);
     const auto taken = folder.path() / finalName;
@@ -86,14 +86,14 @@ TEST_F(FailingDisk, folderUnderTheFinalNameInMidSalvageStaysAndTheNextNameIsTake
     EXPECT_EQ(framesOf(saved[0], 0), 12 * second);
 }
 
-TEST_F(FailingDisk, folderUnderTheFinalNameInMidSavingStaysAndTheNextNameIsTaken) {
+TEST_F(FailingDisk, folderWithTheFinalNameDuringSavingStaysAndTheNextNameIsUsed) {
     const testing::TemporaryFolder folder;
     RecorderOnDisk recorder(fileSystem, folder.path());
     recorder.start();
     recorder.hearUntil(3 * second);
     std::filesystem::path taken;
     recorder.whileExporting([&] {
-        // Under the name that the file in the making is going to have.
+        // Under the name planned for the final file.
         for (const std::string& name : namesIn(folder.path())) {
             if (const auto end = name.find(".exporting"); end != std::string::npos) {
                 taken = folder.path() / (name.substr(0, end) + ".m4a");
@@ -108,7 +108,7 @@ TEST_F(FailingDisk, folderUnderTheFinalNameInMidSavingStaysAndTheNextNameIsTaken
     EXPECT_EQ(framesOf(saved, 0), 3 * second);
 }
 
-TEST_F(FailingDisk, recordingInTheSameProcessIsNotSalvagedUnderItsFeet) {
+TEST_F(FailingDisk, runningRecordingInTheSameProcessIsNotSalvaged) {
     const testing::TemporaryFolder folder;
     RecorderOnDisk recorder(fileSystem, folder.path());
     recorder.start();

@@ -28,14 +28,14 @@ std::vector<std::filesystem::path> salvage(JournalingDisk& disk) {
     return recoverIncompleteRecordings({toolkit, disk, clock}, recordings, {}, {}).recordings;
 }
 
-/// The power fails after each operation of a run, in each way in which it can.
+/// Cuts the power after each operation of a run, with each possible outcome.
 class PowerCut : public ::testing::Test {
 protected:
     TemporaryFolder folder;
     std::mt19937 random{20'260};
     std::size_t states = 0;
 
-    /// Frames of sound in the best of the files that a user can play.
+    /// Frames in the longest file that a user can play.
     std::int64_t framesInFinalFiles(const DiskContent& content) {
         std::int64_t best = 0;
         for (const auto& [path, bytes] : content) {
@@ -46,7 +46,7 @@ protected:
         return best;
     }
 
-    /// Frames that the whole fragments of unfinished recordings hold.
+    /// Frames in the whole fragments of unfinished recordings.
     static std::int64_t framesInRecordings(const DiskContent& content) {
         JournalingDisk disk(content);
         ffmpeg::FfmpegToolkit toolkit(disk);
@@ -60,7 +60,7 @@ protected:
         return best;
     }
 
-    /// After the salvage of whatever is left, everything that was safe can be played.
+    /// Salvages what is left, and expects that all synced sound can be played.
     void expectNothingLost(const DiskContent& left, std::int64_t safe, const std::string& when) {
         ++states;
         JournalingDisk disk(left);
@@ -73,7 +73,7 @@ protected:
         std::set<DiskContent> seen;
         for (std::size_t operations = 0; operations <= journal.size(); ++operations) {
             const auto certain = certainContent(before, journal, operations);
-            // What was safe once stays safe, though its name may change.
+            // Synced sound stays synced, though its name may change.
             safe = std::max({safe, framesInRecordings(certain), framesInFinalFiles(certain)});
             for (const auto unsynced :
                  {UnsyncedContent::lost, UnsyncedContent::kept, UnsyncedContent::torn,
@@ -125,7 +125,7 @@ TEST_F(PowerCut, salvageLosesNothingThatWasSafe) {
         recorder.start();
         recorder.hearUntil(12 * second);
         recorder.stop();
-        // As far as its disk can tell, it died behind its second fragment.
+        // On its disk, it died after its second fragment.
         const auto journal = disk.journal();
         std::size_t operations = 0;
         for (int syncs = 0; syncs < 2; ++operations) {

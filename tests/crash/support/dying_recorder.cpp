@@ -15,8 +15,8 @@
 #include "platform/posix/posix_file_system.h"
 #include "tests/crash/support/recorder_on_disk.h"
 
-// dying_recorder FOLDER FRAMES [safe]: records that many frames and dies as by kill -9, either at
-// once or ("safe") when all fragments that are due have reached the disk.
+// dying_recorder FOLDER FRAMES [safe]: records that many frames and dies as by kill -9, either
+// immediately or ("safe") when all fragments due are on the disk.
 
 namespace vantoro::testing {
 
@@ -26,8 +26,8 @@ constexpr std::int64_t second = 48000;
 constexpr std::int64_t packet = 1024;
 constexpr std::int64_t heldByTheCoder = 10240; // frames, at most
 
-/// Frames in the fragments that are due when so many were heard: a second, then ten each, rounded
-/// up to whole packets.
+/// Frames in the fragments due after this many recorded frames: a second, then ten each, rounded up
+/// to whole packets.
 std::int64_t framesDue(std::int64_t heard) {
     std::int64_t due = 0;
     for (std::int64_t end = second; end + packet <= heard - heldByTheCoder; end += 10 * second) {
@@ -47,7 +47,7 @@ std::int64_t framesOnDisk(FileSystem& fileSystem, const std::filesystem::path& f
         const auto duration = toolkit.openRecording(files.back())->duration();
         return duration.isValid() ? duration.inUnitsOf(48000) : 0;
     } catch (const std::exception&) {
-        return 0; // not even its header is there
+        return 0; // not even the header exists
     }
 }
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-// Preloaded, it stands between a program and the disk, where calls go wrong as `FailurePlan` has
-// it.
+// A preloaded library that intercepts a program's file calls and makes them fail as `FailurePlan`
+// says.
 
 #include <cerrno>
 #include <csignal>
@@ -30,7 +30,7 @@ long long sizeOf(int descriptor) {
     return descriptor >= 0 && ::fstat(descriptor, &status) == 0 ? status.st_size : -1;
 }
 
-/// Makes the call, or lets it go wrong; `onFailure` is what a failing one does all the same.
+/// Makes the call or fails it; a failing call still does `onFailure`.
 template <class Call, class OnFailure>
 auto made(const char* kind, const std::string& path, const std::string& role, int descriptor,
           Call call, OnFailure onFailure) -> decltype(call()) {
@@ -97,7 +97,7 @@ ssize_t written(int file, const void* bytes, std::size_t count, off_t offset) {
     const auto write = [&](std::size_t part) {
         return static_cast<ssize_t>(::syscall(SYS_pwrite64, file, bytes, part, offset));
     };
-    // A disk that fails in the middle of a write has written a part of it.
+    // A disk that fails during a write has written a part of it.
     return madeOn(
         "pwrite", file, [&] { return write(count); }, [&] { static_cast<void>(write(count / 2)); });
 }
@@ -178,7 +178,7 @@ int openat64(int folder, const char* path, int flags, ...) {
     return opened(folder, path, flags, mode);
 }
 
-// What the compiler makes of calls of the former whose flags it does not know.
+// The compiler emits these for calls of `open` with unknown flags.
 int __open_2(const char* path, int flags) { // NOLINT(bugprone-reserved-identifier)
     return opened(AT_FDCWD, path, flags, 0);
 }
@@ -189,7 +189,7 @@ int __open64_2(const char* path, int flags) { // NOLINT(bugprone-reserved-identi
 
 int close(int file) {
     const auto close = [&] { return static_cast<int>(::syscall(SYS_close, file)); };
-    // A close that fails has closed all the same.
+    // A failing close still closes.
     return madeOn("close", file, close, [&] { static_cast<void>(close()); });
 }
 
@@ -266,7 +266,7 @@ int rmdir(const char* path) noexcept {
     return removed(AT_FDCWD, path, AT_REMOVEDIR);
 }
 
-// The library calls its own unlink within, past the one above.
+// The C library's `remove` bypasses the `unlink` above.
 int remove(const char* path) noexcept {
     struct stat status{};
 

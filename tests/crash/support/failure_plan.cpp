@@ -39,7 +39,7 @@ std::string pathOf(int folder, const char* path) {
 }
 
 FailurePlan& FailurePlan::shared() {
-    // Never destroyed: threads that wait for the disk outlive the end of main.
+    // Never destroyed, because threads that wait for the disk outlive main.
     static FailurePlan& plan = *new FailurePlan;
     return plan;
 }

@@ -9,36 +9,37 @@
 
 namespace vantoro::testing {
 
-/// The file that is open under a number.
+/// The path of an open descriptor.
 std::string pathOf(int descriptor);
-/// What a path means that is told from a folder that is open, or from the working folder.
+/// A path resolved against an open folder, or the working folder.
 std::string pathOf(int folder, const char* path);
 
 enum class Fate { succeeds, fails, hangs, dies };
 
-/// Which calls of this process go wrong, and how; any thread.
+/// Which calls of this process fail, and how. Any thread.
 ///
-/// VANTORO_FAILING_FOLDER  the folder; calls on other files pass untouched
-/// VANTORO_FAILING_LOG     the number of an open descriptor; each call is a line there:
-///                         kind, role of the file, the how-manieth of these, result, file's size
-/// VANTORO_FAILING_CALL    "KIND ROLE NUMBER": which call goes wrong; none when it is not set
-/// VANTORO_FAILING_HOW     how: EIO, ENOSPC, "hang" (it never returns), "gone" (EIO from then on,
-///                         whatever is called), "die" (the program is killed instead)
-/// VANTORO_KEPT_RECORDINGS another folder, where each temporary file that goes keeps a name
+/// VANTORO_FAILING_FOLDER  the folder; calls on other files are passed through
+/// VANTORO_FAILING_LOG     an open descriptor that receives a line per call:
+///                         kind, role of the file, their count so far, result, file size
+/// VANTORO_FAILING_CALL    "KIND ROLE NUMBER": the call that fails; none if unset
+/// VANTORO_FAILING_HOW     how: EIO, ENOSPC, "hang" (never returns), "gone" (EIO from then on for
+///                         all calls), "die" (kills the program instead)
+/// VANTORO_KEPT_RECORDINGS another folder, which keeps a link to each removed temporary file
 class FailurePlan {
 public:
     static FailurePlan& shared();
 
     bool concerns(const std::string& path) const;
-    /// What a file is to the recorder, told by its name.
+    /// A file's role in a recording, from its name.
     std::string role(std::string path) const;
-    /// Counts the call. `name`: "KIND ROLE", to which its number is added.
+    /// Counts the call. `name`: "KIND ROLE"; appends its number.
     Fate meet(std::string& name);
     bool isGone();
-    /// Gives a temporary file that is about to lose its name another one, where one is wanted.
+    /// Links a temporary file that is about to be removed into the folder of kept recordings, if
+    /// set.
     void keep(const std::string& path) const;
     int error() const;
-    /// `size`: of the file, in bytes; -1 where there is none.
+    /// `size`: of the file, in bytes; -1 if unknown.
     void log(const std::string& name, std::string_view result, long long size = -1) const;
 
 private:

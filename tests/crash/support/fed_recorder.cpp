@@ -28,9 +28,9 @@
 #include "tests/crash/support/heard_tones.h"
 #include "tests/l10n/memory_preferences.h"
 
-// fed_recorder FOLDER FRAMES [ahead]: what "vantoro record --folder FOLDER" does, with everything
-// but the capture as it is there: that many frames are heard, faster than they sound, and then the
-// user presses Ctrl-C. With "ahead" the mix is made while recording, else at the stop.
+// fed_recorder FOLDER FRAMES [ahead]: as "vantoro record --folder FOLDER" except for the capture:
+// it delivers that many frames faster than real time, then presses Ctrl-C. With "ahead" the mix is
+// made while recording, otherwise at the stop.
 
 namespace vantoro::testing {
 
@@ -38,7 +38,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// What the program finds of earlier recordings when it starts, it finds before this one begins.
+/// Waits for the salvage at the program's start before this recording begins.
 void waitForSalvage(const RecordingViewModel& model) {
     QEventLoop loop;
     QObject::connect(&model, &RecordingViewModel::salvageEnded, &loop, &QEventLoop::quit);
@@ -54,7 +54,7 @@ public:
           isMixedAhead_(isMixedAhead),
           toolkit_(fileSystem_,
                    [this] {
-                       mixBegins_.release(); // asked when all else is decided
+                       mixBegins_.release(); // queried last
                        return !isMixedAhead_;
                    }),
           run_(command_, ending, preferences_),
@@ -81,7 +81,7 @@ private:
     void feed() {
         tones_.until(frames_);
         if (isMixedAhead_) {
-            // Not for ever: what leads to it may have failed.
+            // With a time limit, because an earlier step may have failed.
             static_cast<void>(mixBegins_.try_acquire_for(10s));
         }
         QMetaObject::invokeMethod(qApp, [this] {

@@ -41,7 +41,7 @@ void HeardTones::hear(AudioLevelSource source, std::uint32_t channels, std::int6
                              static_cast<double>(frame) / framesPerSecond;
         channel.push_back(amplitude * static_cast<float>(std::sin(phase)));
     }
-    std::vector<float> samples; // one channel behind the other
+    std::vector<float> samples; // planar
     for (std::uint32_t index = 0; index < channels; ++index) {
         samples.insert(samples.end(), channel.begin(), channel.end());
     }

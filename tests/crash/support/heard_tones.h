@@ -8,16 +8,15 @@
 
 namespace vantoro::testing {
 
-/// What both sources deliver, as fast as it can be dealt with: a tone each that changes every
-/// second.
+/// Delivers a tone per source that changes every second, as fast as the recorder takes it.
 class HeardTones {
 public:
     explicit HeardTones(FakeCaptureService& capture) : capture_(capture) {}
 
-    /// Delivers from where it was on until that many frames in all, and has seen them dealt with.
+    /// Delivers up to this many frames in total; returns when they are processed.
     void until(std::int64_t frames);
 
-    /// The tone of a second, in Hz.
+    /// The tone in a given second, in Hz.
     static double systemTone(std::int64_t second);
     static double microphoneTone(std::int64_t second);
     static constexpr float amplitude = 0.2F;

@@ -45,7 +45,7 @@ void applyToNames(const DiskOperation& operation, Names& names) {
     }
 }
 
-/// A disk at the moment at which the power fails.
+/// A disk at a power failure.
 class CutDisk {
 public:
     CutDisk(const DiskContent& before, const DiskJournal& journal, std::size_t operations) {
@@ -56,7 +56,7 @@ public:
         const std::size_t known = contents_.size();
         for (std::size_t index = 0; index < operations; ++index) {
             DiskOperation operation = journal[index];
-            operation.file += known; // the journal counts from its own beginning
+            operation.file += known; // the journal numbers its files from 0
             contents_.resize(std::max(contents_.size(), operation.file + 1));
             add(operation);
         }
@@ -124,7 +124,7 @@ private:
         Bytes content = contents_[file].safe;
         for (DiskOperation operation : contents_[file].unsafe) {
             if (unsynced == UnsyncedContent::torn) {
-                // Disks write whole sectors, in any order; what lies between stays as it was.
+                // Disks write whole sectors in any order; the others stay unchanged.
                 constexpr std::size_t sector = 512;
                 const std::size_t sectors = operation.bytes.size() / sector;
                 operation.bytes.resize(sectors == 0 ? 0 : random() % (sectors + 1) * sector);
@@ -165,7 +165,7 @@ private:
 
 class JournaledFile final : public OutputFile {
 public:
-    /// An empty path: without a name.
+    /// An empty path means unnamed.
     JournaledFile(JournalingDisk& disk, std::size_t file, std::filesystem::path path = {})
         : disk_(disk), file_(file), path_(std::move(path)), nameIsSafe_(path_.empty()) {}
 
@@ -182,7 +182,7 @@ public:
 
     void sync() override {
         add({.kind = Kind::syncFile, .file = file_});
-        // As on the real disk: the first time with the file's name.
+        // As on a real disk, the first sync includes the name.
         if (!std::exchange(nameIsSafe_, true)) {
             disk_.syncFolder(path_.parent_path());
         }
@@ -223,7 +223,7 @@ private:
     bool nameIsSafe_;
 };
 
-// Files that were there before are none of the journal's: their numbers come behind all others.
+// Files from before the journal have numbers after all others.
 JournalingDisk::JournalingDisk(DiskContent content) {
     constexpr std::size_t firstOfOld = 1000;
     files_.resize(firstOfOld);
@@ -344,7 +344,7 @@ std::vector<FolderEntry> JournalingDisk::list(const std::filesystem::path& /*fol
 }
 
 std::unique_ptr<FileLock> JournalingDisk::lock(const std::filesystem::path& /*path*/) {
-    class Lock final : public FileLock {}; // whoever held one has died
+    class Lock final : public FileLock {}; // its holder has died
 
     return std::make_unique<Lock>();
 }

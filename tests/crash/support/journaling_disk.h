@@ -18,10 +18,10 @@
 
 namespace vantoro::testing {
 
-/// What a disk was told to do, one thing after another.
+/// One operation on a disk.
 struct DiskOperation {
     enum class Kind : std::uint8_t {
-        create, ///< without a path: without a name
+        create, ///< unnamed if the path is empty
         name,
         write,
         truncate,
@@ -31,12 +31,12 @@ struct DiskOperation {
         remove
     };
 
-    // NOLINTBEGIN(readability-redundant-member-init): what has none must always be named
+    // NOLINTBEGIN(readability-redundant-member-init): designated initialisers need defaults
     Kind kind = Kind::create;
-    std::size_t file = 0;           ///< by the order of creation; of all but folders
-    std::filesystem::path path{};   ///< of what has a name
+    std::size_t file = 0;           ///< number in order of creation; not for folders
+    std::filesystem::path path{};   ///< of named files and folders
     std::filesystem::path target{}; ///< of a move
-    std::uint64_t offset = 0;       ///< of a write; the size of a truncation
+    std::uint64_t offset = 0;       ///< of a write; or a truncation's size
     std::vector<std::byte> bytes{}; ///< of a write
     // NOLINTEND(readability-redundant-member-init)
 };
@@ -44,15 +44,15 @@ struct DiskOperation {
 using DiskJournal = std::vector<DiskOperation>;
 using DiskContent = std::map<std::filesystem::path, std::vector<std::byte>>;
 
-/// One folder's files in memory, with a journal of everything done to them. Any thread.
+/// One folder's files in memory, with a journal of all operations. Any thread.
 class JournalingDisk final : public FileSystem {
 public:
-    /// With these files, all of them safe.
+    /// Starts with these files, all synced.
     explicit JournalingDisk(DiskContent content = {});
 
     DiskJournal journal() const;
     DiskContent content() const;
-    /// Waits until a file was created without a name; false when none was within half a minute.
+    /// Waits until an unnamed file is created; false after half a minute.
     bool waitForUnnamedFile();
 
     void createFolders(const std::filesystem::path&) override {}
@@ -64,7 +64,7 @@ public:
     std::unique_ptr<OutputFile> create(const std::filesystem::path& path,
                                        FileAudience audience) override;
 
-    /// Whoever left something there has died.
+    /// Always succeeds: the process that left the file has died.
     std::unique_ptr<OutputFile> claim(const std::filesystem::path& path,
                                       FileAudience audience) override;
 
@@ -91,16 +91,16 @@ private:
     DiskJournal journal_;
 };
 
-/// What of a file's content that was not synced reaches the disk before the power fails.
+/// How much unsynced content reaches the disk before a power failure.
 enum class UnsyncedContent : std::uint8_t { lost, torn, kept };
 
-/// What may be on the disk when the power fails after the first operations of a journal: what was
-/// synced, and of the rest anything: contents as given, and each name or not.
+/// What may be on the disk after a power failure following the first `operations` of a journal: all
+/// that was synced; of the rest, content according to `unsynced`, and any subset of the names.
 std::vector<DiskContent> possibleContents(const DiskContent& before, const DiskJournal& journal,
                                           std::size_t operations, UnsyncedContent unsynced,
                                           std::mt19937& random);
 
-/// What is on the disk for certain by then, under any name.
+/// What is certainly on the disk then, under any name.
 DiskContent certainContent(const DiskContent& before, const DiskJournal& journal,
                            std::size_t operations);
 

@@ -14,20 +14,19 @@
 
 namespace vantoro::testing {
 
-/// A recorder that hears what a test lets it hear, as fast as the test goes, and whose files are
-/// real ones on the disk that it is given.
+/// A recorder that a test feeds at full speed, with real files on the given disk.
 class RecorderOnDisk {
 public:
     RecorderOnDisk(FileSystem& fileSystem, std::filesystem::path folder);
 
-    /// Those that `stop` mixes with.
+    /// The volumes that `stop` mixes with.
     void expectVolumes();
     void start();
-    /// Hears from where it was on until that many frames in all, and has dealt with all of them.
+    /// Feeds the recorder up to this many frames in total; returns when they are processed.
     void hearUntil(std::int64_t frames);
     std::filesystem::path stop();
 
-    /// Called in the middle of `stop`, when the final file is being exported.
+    /// Called during `stop`, while the final file is exported.
     void whileExporting(std::function<void()> action);
 
 private:
