@@ -15,13 +15,13 @@
 
 #include "bench/support/child_process.h"
 #include "bench/support/table.h"
-#include "bench/support/temporary_folder.h"
 #include "bench/support/test_movie.h"
 #include "engine/recorder/salvage.h"
 #include "engine/recorder/track_mixing.h"
 #include "platform/ffmpeg/toolkit.h"
 #include "platform/posix/posix_file_system.h"
 #include "platform/posix/system_clock.h"
+#include "tests/support/temporary_folder.h"
 
 namespace vantoro::bench {
 
@@ -88,7 +88,7 @@ void printTimes(const std::string& aim, const std::string& work, double ours, do
 }
 
 void compare(const std::string& self, int minutes) {
-    const TemporaryFolder folder;
+    const testing::TemporaryFolder folder;
     const auto movie = folder / "short.mov";
     const std::string length = std::to_string(minutes) + " min of both sources";
     recordTestMovie(movie, minutes);

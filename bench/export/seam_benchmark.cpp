@@ -19,11 +19,11 @@
 #include <vector>
 
 #include "bench/support/table.h"
-#include "bench/support/temporary_folder.h"
 #include "bench/support/test_movie.h"
 #include "media/mix/parallel_coding.h"
 #include "platform/ffmpeg/ffmpeg_coding.h"
 #include "platform/posix/posix_file_system.h"
+#include "tests/support/temporary_folder.h"
 
 namespace vantoro::bench {
 
@@ -107,7 +107,7 @@ bool mayFollow(unsigned before, unsigned window) {
 }
 
 void measure(int minutes) {
-    const TemporaryFolder folder;
+    const testing::TemporaryFolder folder;
     recordTestMovie(folder / "movie.mov", minutes);
     posix::PosixFileSystem files;
     const std::shared_ptr<const Movie> movie = openMovie(files, folder / "movie.mov");

@@ -16,11 +16,11 @@
 #include <vector>
 
 #include "bench/support/table.h"
-#include "bench/support/temporary_folder.h"
 #include "bench/support/test_movie.h"
 #include "engine/recorder/track_mixing.h"
 #include "platform/ffmpeg/toolkit.h"
 #include "platform/posix/posix_file_system.h"
+#include "tests/support/temporary_folder.h"
 
 namespace vantoro::bench {
 
@@ -54,7 +54,7 @@ Seconds timeOf(const Work& work) {
 }
 
 void measure(int minutes) {
-    const TemporaryFolder folder;
+    const testing::TemporaryFolder folder;
     posix::PosixFileSystem files;
     ffmpeg::FfmpegToolkit toolkit(files);
     TestMovie movie(toolkit, folder / "movie.mov");

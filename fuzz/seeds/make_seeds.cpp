@@ -20,12 +20,14 @@
 #include "fuzz/seeds/hand_made_movies.h"
 #include "media/writing/movie_writer.h"
 #include "platform/ffmpeg/ffmpeg_coding.h"
-#include "tests/media/support/memory_file_system.h"
 #include "tests/media/support/movie_recording.h"
+#include "tests/support/memory_file_system.h"
 
 namespace vantoro::fuzz {
 
 namespace {
+
+using namespace testing;
 
 using Bytes = std::vector<std::byte>;
 

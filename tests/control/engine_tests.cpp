@@ -7,10 +7,16 @@
 #include "control/recording_view_model.h"
 #include "control/tasks/qt_scheduler.h"
 #include "engine/recorder/audio_recorder.h"
-#include "tests/control/control_fakes.h"
 #include "tests/control/event_loop.h"
-#include "tests/l10n/memory_preferences.h"
-#include "tests/support/recorder_fakes.h"
+#include "tests/support/call_log.h"
+#include "tests/support/fake_capture_service.h"
+#include "tests/support/fake_clock.h"
+#include "tests/support/fake_desktop.h"
+#include "tests/support/fake_media_toolkit.h"
+#include "tests/support/fake_permissions.h"
+#include "tests/support/fake_power.h"
+#include "tests/support/memory_file_system.h"
+#include "tests/support/memory_preferences.h"
 
 namespace vantoro::testing {
 namespace {
@@ -24,7 +30,7 @@ protected:
     FakeCaptureAccess captureAccess{log};
     FakeMicrophoneAccess microphone{log};
     FakeCaptureService capture{log};
-    FakeFileSystem fileSystem{log};
+    MemoryFileSystem fileSystem{log};
     FakeMediaToolkit toolkit{log, fileSystem};
     FakeClock clock;
     MemoryPreferences preferences = preferencesIn("en");
@@ -159,12 +165,12 @@ TEST_F(EngineTest, reportsProgressOfAStopAtOnce) {
 }
 
 TEST_F(EngineTest, salvages) {
-    fileSystem.leave("/recordings/left.partial.mov");
+    fileSystem.put("/recordings/left.partial.mov");
     toolkit.exporting.trackCount = 2;
     launch();
     ASSERT_TRUE(reaches(Case::completed));
     EXPECT_EQ(model->values().lastRecordingURL, "/recordings/Vantoro-2025-03-01-093015.m4a");
-    EXPECT_FALSE(fileSystem.entries.contains("/recordings/left.partial.mov"));
+    EXPECT_FALSE(fileSystem.exists("/recordings/left.partial.mov"));
 }
 
 } // namespace

@@ -10,9 +10,12 @@
 #include <gtest/gtest.h>
 
 #include "control/recording_view_model.h"
-#include "tests/control/control_fakes.h"
-#include "tests/control/fake_scheduler.h"
-#include "tests/l10n/memory_preferences.h"
+#include "tests/support/fake_desktop.h"
+#include "tests/support/fake_permissions.h"
+#include "tests/support/fake_power.h"
+#include "tests/support/fake_recorder.h"
+#include "tests/support/fake_scheduler.h"
+#include "tests/support/memory_preferences.h"
 
 namespace vantoro::testing {
 
@@ -26,7 +29,8 @@ struct ViewModelWorld {
     FakeScheduler scheduler;
     FakePower power;
     FakeAudioDevices devices;
-    FakeMicrophonePermission microphone;
+    CallLog log;
+    FakeMicrophoneAccess microphone{log};
     FakeOpener opener;
     FakeFolderDialog folderDialog;
     AudioLevelStore levels;

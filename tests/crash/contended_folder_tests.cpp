@@ -12,6 +12,7 @@
 #include "engine/files/output_place.h"
 #include "platform/posix/posix_file_system.h"
 #include "tests/platform/posix/disk.h"
+#include "tests/support/temporary_folder.h"
 
 namespace vantoro::testing {
 

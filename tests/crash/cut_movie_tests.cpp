@@ -11,8 +11,9 @@
 
 #include "platform/ffmpeg/toolkit.h"
 #include "tests/media/support/external_programs.h"
-#include "tests/media/support/memory_file_system.h"
 #include "tests/media/support/movie_recording.h"
+#include "tests/support/memory_file_system.h"
+#include "tests/support/temporary_folder.h"
 
 namespace vantoro::testing {
 

@@ -15,6 +15,8 @@
 #include "tests/media/support/external_programs.h"
 #include "tests/media/support/movie_recording.h"
 #include "tests/platform/posix/disk.h"
+#include "tests/support/fake_clock.h"
+#include "tests/support/temporary_folder.h"
 
 namespace vantoro::testing {
 
@@ -66,7 +68,7 @@ TEST_F(FailingDisk, salvageOnAFullDiskKeepsTheRecordingUntilThereIsRoom) {
 }
 
 TEST_F(FailingDisk, emptyFileOfAKilledStartStaysAndDoesNoHarm) {
-    const testing::TemporaryFolder folder;
+    const TemporaryFolder folder;
     put(folder.path() / "a.partial.mov", {});
     put(folder.path() / "b.partial.mov", movie);
     EXPECT_EQ(recordingsToRecover(toolkit, fileSystem, folder.path()), 1U);
@@ -75,7 +77,7 @@ TEST_F(FailingDisk, emptyFileOfAKilledStartStaysAndDoesNoHarm) {
 }
 
 TEST_F(FailingDisk, folderWithTheFinalNameDuringSalvageStaysAndTheNextNameIsUsed) {
-    const testing::TemporaryFolder folder;
+    const TemporaryFolder folder;
     put(folder.path() / "a.partial.mov", movie);
     const auto taken = folder.path() / finalName;
     const auto appear = [&](double) { std::filesystem::create_directories(taken / "somebody's"); };
@@ -87,7 +89,7 @@ TEST_F(FailingDisk, folderWithTheFinalNameDuringSalvageStaysAndTheNextNameIsUsed
 }
 
 TEST_F(FailingDisk, folderWithTheFinalNameDuringSavingStaysAndTheNextNameIsUsed) {
-    const testing::TemporaryFolder folder;
+    const TemporaryFolder folder;
     RecorderOnDisk recorder(fileSystem, folder.path());
     recorder.start();
     recorder.hearUntil(3 * second);
@@ -109,7 +111,7 @@ TEST_F(FailingDisk, folderWithTheFinalNameDuringSavingStaysAndTheNextNameIsUsed)
 }
 
 TEST_F(FailingDisk, runningRecordingInTheSameProcessIsNotSalvaged) {
-    const testing::TemporaryFolder folder;
+    const TemporaryFolder folder;
     RecorderOnDisk recorder(fileSystem, folder.path());
     recorder.start();
     recorder.hearUntil(3 * second);

@@ -14,6 +14,7 @@
 #include "tests/crash/support/journaling_disk.h"
 #include "tests/crash/support/recorder_on_disk.h"
 #include "tests/media/support/external_programs.h"
+#include "tests/support/temporary_folder.h"
 
 namespace vantoro::testing {
 

@@ -9,7 +9,7 @@
 
 #include <gtest/gtest.h>
 
-namespace vantoro {
+namespace vantoro::testing {
 namespace {
 
 SampleBuffer bufferOf(const std::vector<float>& samples, std::uint32_t channels) {
@@ -118,4 +118,4 @@ TEST(AudioLevel, whatCannotBeMeasuredReadsZero) {
 }
 
 } // namespace
-} // namespace vantoro
+} // namespace vantoro::testing

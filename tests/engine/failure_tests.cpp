@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-namespace vantoro {
+namespace vantoro::testing {
 namespace {
 
 TEST(FailureTest, sentenceNamesTheArgument) {
@@ -61,4 +61,4 @@ TEST(FailureTest, keptFailureIsReadWithoutThrowingOn) {
 }
 
 } // namespace
-} // namespace vantoro
+} // namespace vantoro::testing

@@ -6,7 +6,7 @@
 
 #include "engine/recorder/audio_recorder.h"
 
-namespace vantoro {
+namespace vantoro::testing {
 namespace {
 
 TEST(MediaTime, defaultIsInvalidAndComparesWithNothing) {
@@ -48,4 +48,4 @@ TEST(MediaTime, checkpointsAreOneAndTenSeconds) {
 }
 
 } // namespace
-} // namespace vantoro
+} // namespace vantoro::testing

@@ -8,7 +8,7 @@
 
 #include "engine/failure.h"
 
-namespace vantoro {
+namespace vantoro::testing {
 namespace {
 
 TEST(RecordingTypes, devicesOfOneIdentifierButTwoNamesDiffer) {
@@ -55,4 +55,4 @@ TEST(RecordingTypes, errorTellsDevelopersItsCaseAndDetail) {
 }
 
 } // namespace
-} // namespace vantoro
+} // namespace vantoro::testing

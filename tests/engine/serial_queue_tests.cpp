@@ -13,7 +13,7 @@
 
 #include <gtest/gtest.h>
 
-namespace vantoro {
+namespace vantoro::testing {
 namespace {
 
 constexpr auto deadline = std::chrono::seconds(10);
@@ -179,4 +179,4 @@ TEST(SerialQueue, sourceMayRemoveItselfInItsHandler) {
 }
 
 } // namespace
-} // namespace vantoro
+} // namespace vantoro::testing

@@ -12,7 +12,7 @@
 #include <gtest/gtest.h>
 
 #include "engine/failure.h"
-#include "tests/l10n/memory_preferences.h"
+#include "tests/support/memory_preferences.h"
 
 namespace vantoro::testing {
 namespace {

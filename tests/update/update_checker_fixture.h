@@ -10,7 +10,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/control/event_loop.h"
-#include "tests/l10n/memory_preferences.h"
+#include "tests/support/memory_preferences.h"
 #include "tests/update/local_server.h"
 #include "update/record_request.h"
 #include "update/update_checker.h"

@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-namespace vantoro {
+namespace vantoro::testing {
 namespace {
 
 Command parsed(const char* line, AppLanguage usersLanguage = AppLanguage::english) {
@@ -130,4 +130,4 @@ TEST(CommandLine, invalidCommandLineIsOneLineThatSaysWhy) {
 }
 
 } // namespace
-} // namespace vantoro
+} // namespace vantoro::testing

@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-namespace vantoro {
+namespace vantoro::testing {
 namespace {
 
 const std::vector<AudioInputDevice> two{{"alsa_input.usb", "Headset"},
@@ -26,4 +26,4 @@ TEST(DevicesCommand, printsNothingWithoutMicrophones) {
 }
 
 } // namespace
-} // namespace vantoro
+} // namespace vantoro::testing

@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-namespace vantoro {
+namespace vantoro::testing {
 namespace {
 
 using desktop::Presence;
@@ -297,4 +297,4 @@ TEST(DoctorReport, omitsRecordingsOnADiskThatDoesNotAnswer) {
 }
 
 } // namespace
-} // namespace vantoro
+} // namespace vantoro::testing

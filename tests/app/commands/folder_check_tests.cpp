@@ -3,98 +3,40 @@
 #include "app/commands/folder_check.h"
 
 #include <fstream>
-#include <memory>
-#include <string>
 #include <system_error>
-#include <utility>
-#include <vector>
-
-#include <QtCore/QTemporaryDir>
 
 #include <gtest/gtest.h>
 
 #include "platform/posix/posix_file_system.h"
+#include "tests/support/memory_file_system.h"
+#include "tests/support/temporary_folder.h"
 
-namespace vantoro {
+namespace vantoro::testing {
 namespace {
 
-/// The real file system, except for what a test changes.
-class OtherFileSystem final : public FileSystem {
-public:
-    bool hasUnnamedFiles = true;
-    std::error_code refusal;          ///< on creating files
-    std::vector<std::string> created; ///< with a name
-
-    void createFolders(const std::filesystem::path& folder) override {
-        files_.createFolders(folder);
-    }
-
-    bool exists(const std::filesystem::path& path) const override { return files_.exists(path); }
-
-    void remove(const std::filesystem::path& path) override { files_.remove(path); }
-
-    void move(const std::filesystem::path& from, const std::filesystem::path& to) override {
-        files_.move(from, to);
-    }
-
-    void syncFolder(const std::filesystem::path& folder) override { files_.syncFolder(folder); }
-
-    std::unique_ptr<OutputFile> create(const std::filesystem::path& path,
-                                       FileAudience audience) override {
-        refuse();
-        created.push_back(path.filename());
-        return files_.create(path, audience);
-    }
-
-    std::unique_ptr<OutputFile> claim(const std::filesystem::path& path,
-                                      FileAudience audience) override {
-        refuse();
-        return files_.claim(path, audience);
-    }
-
-    std::unique_ptr<OutputFile> createUnnamed(const std::filesystem::path& folder,
-                                              FileAudience audience) override {
-        refuse();
-        return hasUnnamedFiles ? files_.createUnnamed(folder, audience) : nullptr;
-    }
-
-    std::uint64_t availableSpace(const std::filesystem::path& folder) const override {
-        return files_.availableSpace(folder);
-    }
-
-    std::unique_ptr<InputFile> open(const std::filesystem::path& path) override {
-        return files_.open(path);
-    }
-
-    std::vector<FolderEntry> list(const std::filesystem::path& folder) override {
-        return files_.list(folder);
-    }
-
-    std::unique_ptr<FileLock> lock(const std::filesystem::path& path) override {
-        return files_.lock(path);
-    }
-
-private:
-    void refuse() const {
-        if (refusal) {
-            throw std::system_error(refusal, "Cannot create a file");
-        }
-    }
-
-    posix::PosixFileSystem files_;
-};
-
+/// In a folder on the real disk, and in one in memory.
 class FolderCheckTest : public ::testing::Test {
 protected:
-    QTemporaryDir temporary;
-    std::filesystem::path folder = temporary.path().toStdString();
-    OtherFileSystem files;
+    const TemporaryFolder temporary;
+    const std::filesystem::path folder = temporary.path();
+    posix::PosixFileSystem disk;
+    CallLog log;
+    MemoryFileSystem memory{log};
+
+    FolderCheckTest() { memory.put("/r"); }
 
     /// Checks that the call leaves the folder unchanged.
     FolderCheck check(const std::filesystem::path& checked) {
-        const auto before = files.list(folder).size();
-        auto result = checkFolder(files, checked);
-        EXPECT_EQ(files.list(folder).size(), before);
+        const auto before = disk.list(folder).size();
+        auto result = checkFolder(disk, checked);
+        EXPECT_EQ(disk.list(folder).size(), before);
+        return result;
+    }
+
+    FolderCheck checkInMemory(const std::filesystem::path& checked) {
+        const auto before = memory.paths();
+        auto result = checkFolder(memory, checked);
+        EXPECT_EQ(memory.paths(), before);
         return result;
     }
 };
@@ -104,7 +46,6 @@ TEST_F(FolderCheckTest, folderThatIsThereTakesFiles) {
     EXPECT_TRUE(found.exists);
     EXPECT_FALSE(found.refusal);
     EXPECT_GT(found.availableBytes.value_or(0), 0U);
-    EXPECT_TRUE(files.created.empty());
 }
 
 TEST_F(FolderCheckTest, folderThatCanBeCreatedIsNotCreated) {
@@ -114,27 +55,39 @@ TEST_F(FolderCheckTest, folderThatCanBeCreatedIsNotCreated) {
     EXPECT_GT(found.availableBytes.value_or(0), 0U);
 }
 
+TEST_F(FolderCheckTest, unnamedFileIsEnough) {
+    EXPECT_FALSE(checkInMemory("/r").refusal);
+    EXPECT_TRUE(log.startingWith("create ").empty());
+}
+
 TEST_F(FolderCheckTest, withoutUnnamedFilesANamedOneIsCreatedAndRemoved) {
-    files.hasUnnamedFiles = false;
-    EXPECT_FALSE(check(folder).refusal);
-    ASSERT_EQ(files.created.size(), 1U);
-    EXPECT_TRUE(files.created[0].starts_with(".Vantoro-")) << files.created[0];
-    EXPECT_FALSE(files.created[0].ends_with(".partial.mov")) << files.created[0];
+    memory.hasUnnamedFiles = false;
+    EXPECT_FALSE(checkInMemory("/r").refusal);
+    const auto created = log.startingWith("create ");
+    ASSERT_EQ(created.size(), 1U);
+    EXPECT_TRUE(created[0].starts_with("create .Vantoro-")) << created[0];
+    EXPECT_FALSE(created[0].ends_with(".partial.mov")) << created[0];
 }
 
 TEST_F(FolderCheckTest, refusalHasTheSystemsReason) {
-    files.refusal = std::make_error_code(std::errc::permission_denied);
-    EXPECT_EQ(check(folder).refusal, std::errc::permission_denied);
-    EXPECT_EQ(check(folder / "a").refusal, std::errc::permission_denied);
+    memory.createUnnamedError = std::make_exception_ptr(
+        std::system_error(std::make_error_code(std::errc::permission_denied)));
+    EXPECT_EQ(checkInMemory("/r").refusal, std::errc::permission_denied);
+    EXPECT_EQ(checkInMemory("/r/a").refusal, std::errc::permission_denied);
+}
+
+TEST_F(FolderCheckTest, refusalOfANamedFileHasTheSystemsReasonToo) {
+    memory.hasUnnamedFiles = false;
+    memory.createError = std::make_exception_ptr(
+        std::system_error(std::make_error_code(std::errc::not_a_directory)));
+    EXPECT_EQ(checkInMemory("/r").refusal, std::errc::not_a_directory);
 }
 
 TEST_F(FolderCheckTest, fileInPlaceOfAFolderIsRefused) {
     std::ofstream(folder / "file") << "a file";
     EXPECT_EQ(check(folder / "file").refusal, std::errc::not_a_directory);
     EXPECT_EQ(check(folder / "file/below").refusal, std::errc::not_a_directory);
-    files.hasUnnamedFiles = false;
-    EXPECT_EQ(check(folder / "file").refusal, std::errc::not_a_directory);
 }
 
 } // namespace
-} // namespace vantoro
+} // namespace vantoro::testing

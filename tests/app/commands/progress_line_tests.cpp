@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/l10n/memory_preferences.h"
+#include "tests/support/memory_preferences.h"
 
 namespace vantoro::testing {
 namespace {

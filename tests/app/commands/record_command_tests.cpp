@@ -11,10 +11,12 @@
 
 #include "app/commands/preferences_for_one_run.h"
 #include "control/tasks/qt_scheduler.h"
-#include "tests/control/control_fakes.h"
 #include "tests/control/event_loop.h"
 #include "tests/engine/recorder/recorder_fixture.h"
-#include "tests/l10n/memory_preferences.h"
+#include "tests/support/fake_desktop.h"
+#include "tests/support/fake_permissions.h"
+#include "tests/support/fake_power.h"
+#include "tests/support/memory_preferences.h"
 
 namespace vantoro::testing {
 namespace {
@@ -31,7 +33,6 @@ protected:
     MemoryPreferences preferences = preferencesIn("en");
     FakePower power;
     FakeAudioDevices devices;
-    FakeMicrophonePermission microphoneSurvey;
     FakeOpener opener;
     FakeFolderDialog folderDialog;
     AudioLevelStore levels;
@@ -63,7 +64,7 @@ private:
         auto engine = std::make_unique<AudioRecorder>(
             RecorderPlatform{captureAccess, microphone, capture, toolkit, fileSystem, clock});
         RecordingViewModel model(std::move(engine),
-                                 {scheduler, power, devices, microphoneSurvey, opener, folderDialog,
+                                 {scheduler, power, devices, microphone, opener, folderDialog,
                                   preferences, levels, folder, [this] { ending.progressed(); }});
         return recordRun.run(model);
     }
@@ -125,7 +126,7 @@ TEST_F(RecordCommandTest, recordingThatNeverBeganSaysWhatBrokeIt) {
     EXPECT_EQ(output, "");
     EXPECT_EQ(errors, "No audio was captured. Check the selected sources and try again. "
                       "Recording failed: Permission denied\n");
-    EXPECT_TRUE(fileSystem.entries.empty());
+    EXPECT_TRUE(fileSystem.paths().empty());
 }
 
 TEST_F(RecordCommandTest, nothingCapturedIsAFailure) {
@@ -149,8 +150,6 @@ TEST_F(RecordCommandTest, salvageAfterAFailureIsTheResult) {
     toolkit.exporting.duringExport = [this, isFirst = true]() mutable {
         if (std::exchange(isFirst, false)) {
             toolkit.exporting.trackCount = 2;
-            fileSystem.leave(folder /
-                             "left.partial.mov"); // the launch salvage may still be searching
             throw std::runtime_error("disk busy");
         }
     };
@@ -164,9 +163,9 @@ TEST_F(RecordCommandTest, salvageAfterAFailureIsTheResult) {
 TEST_F(RecordCommandTest, nearlyFullDiskIsReportedThenEndsTheRecordingSaved) {
     EXPECT_EQ(run([&] {
                   captureSomething();
-                  fileSystem.available = 20'000'000;
+                  fileSystem.setCapacity(20'000'000);
                   toolkit.fragmentWritten({48000, 48000}, 0);
-                  fileSystem.available = 2'000'000;
+                  fileSystem.setCapacity(2'000'000);
                   toolkit.fragmentWritten({INT64_C(11) * 48000, 48000}, 0);
               }),
               0);
@@ -177,20 +176,20 @@ TEST_F(RecordCommandTest, nearlyFullDiskIsReportedThenEndsTheRecordingSaved) {
 }
 
 TEST_F(RecordCommandTest, lowSpaceIsReportedOnceEvenIfTheUserStops) {
-    fileSystem.available = 20'000'000;
+    fileSystem.setCapacity(20'000'000);
     command.seconds = 0.01;
     EXPECT_EQ(run([&] { captureSomething(); }), 0);
     EXPECT_EQ(errors, "The disk is nearly full: there is room for about 3 minutes of recording.\n");
 }
 
 TEST_F(RecordCommandTest, diskWithoutRoomIsAFailureBeforeAnythingIsRecorded) {
-    fileSystem.available = 2'000'000;
+    fileSystem.setCapacity(2'000'000);
     command.seconds = 0.01;
     EXPECT_EQ(run({}), 1);
     EXPECT_EQ(output, "");
     EXPECT_EQ(errors, "There is not enough room on the disk for a recording. Free some space, or "
                       "choose another folder.\n");
-    EXPECT_TRUE(fileSystem.entries.empty());
+    EXPECT_TRUE(fileSystem.paths().empty());
 }
 
 TEST_F(RecordCommandTest, sleepEndsTheRecordingSaved) {

@@ -10,8 +10,8 @@
 #include <gtest/gtest.h>
 
 #include "tests/control/event_loop.h"
-#include "tests/l10n/memory_preferences.h"
-#include "tests/ui/status_area/fake_status_area.h"
+#include "tests/support/fake_status_area.h"
+#include "tests/support/memory_preferences.h"
 
 namespace vantoro::testing {
 namespace {

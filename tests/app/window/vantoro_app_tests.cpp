@@ -11,7 +11,7 @@
 
 #include "tests/control/event_loop.h"
 #include "tests/control/view_model_fixture.h"
-#include "tests/ui/status_area/fake_status_area.h"
+#include "tests/support/fake_status_area.h"
 
 namespace vantoro::testing {
 namespace {

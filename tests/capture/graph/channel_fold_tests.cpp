@@ -7,9 +7,10 @@
 
 #include <gtest/gtest.h>
 
-namespace vantoro::capture {
-
+namespace vantoro::testing {
 namespace {
+
+using namespace capture;
 
 struct FoldCase {
     const char* channel;
@@ -117,5 +118,4 @@ TEST(ChannelFold, recognizesChannelsSynthesizedByTheSoundServer) {
 }
 
 } // namespace
-
-} // namespace vantoro::capture
+} // namespace vantoro::testing

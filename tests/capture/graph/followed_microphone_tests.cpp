@@ -4,9 +4,10 @@
 
 #include <gtest/gtest.h>
 
-namespace vantoro::capture {
-
+namespace vantoro::testing {
 namespace {
+
+using namespace capture;
 
 using Presence = FollowedMicrophone::Presence;
 
@@ -83,5 +84,4 @@ TEST_F(FollowedMicrophoneTest, staysTheSameOfTwoWithOneName) {
 }
 
 } // namespace
-
-} // namespace vantoro::capture
+} // namespace vantoro::testing

@@ -7,9 +7,10 @@
 
 #include "capture/graph/channel_fold.h"
 
-namespace vantoro::capture {
-
+namespace vantoro::testing {
 namespace {
+
+using namespace capture;
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
@@ -341,5 +342,4 @@ TEST(ReadProperties, updatesNamedFieldsAndKeepsTheRest) {
 }
 
 } // namespace
-
-} // namespace vantoro::capture
+} // namespace vantoro::testing

@@ -5,9 +5,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-namespace vantoro::capture {
-
+namespace vantoro::testing {
 namespace {
+
+using namespace capture;
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
@@ -143,5 +144,4 @@ TEST_F(Microphones, areHeardAtTheirCapturePortsAndNotAtTheirMonitors) {
 }
 
 } // namespace
-
-} // namespace vantoro::capture
+} // namespace vantoro::testing

@@ -4,9 +4,10 @@
 
 #include <gtest/gtest.h>
 
-namespace vantoro::capture {
-
+namespace vantoro::testing {
 namespace {
+
+using namespace capture;
 
 class OrphanedStreamsTest : public ::testing::Test {
 protected:
@@ -151,5 +152,4 @@ TEST_F(OrphanedStreamsTest, knowsOfNoOrphansWhereNoSessionManagerEverWas) {
 }
 
 } // namespace
-
-} // namespace vantoro::capture
+} // namespace vantoro::testing

@@ -8,9 +8,10 @@
 #include "capture/graph/channel_fold.h"
 #include "capture/graph/graph_rules.h"
 
-namespace vantoro::capture {
-
+namespace vantoro::testing {
 namespace {
+
+using namespace capture;
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
@@ -368,5 +369,4 @@ TEST_F(SoundPathTest, codedSoundOnItsWayToAnOutputIsNoticed) {
 }
 
 } // namespace
-
-} // namespace vantoro::capture
+} // namespace vantoro::testing

@@ -4,9 +4,10 @@
 
 #include <gtest/gtest.h>
 
-namespace vantoro::capture {
-
+namespace vantoro::testing {
 namespace {
+
+using namespace capture;
 
 Node node(const char* mediaClass, const char* name, MixerSetting mixer = {}) {
     Node made;
@@ -59,5 +60,4 @@ TEST(SoundSurvey, captureNeedsBothServerPermissions) {
 }
 
 } // namespace
-
-} // namespace vantoro::capture
+} // namespace vantoro::testing

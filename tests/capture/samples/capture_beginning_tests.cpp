@@ -4,9 +4,10 @@
 
 #include <gtest/gtest.h>
 
-namespace vantoro::capture {
-
+namespace vantoro::testing {
 namespace {
+
+using namespace capture;
 
 constexpr std::uint64_t atMillisecond(std::uint64_t milliseconds) {
     return milliseconds * 1'000'000;
@@ -38,5 +39,4 @@ INSTANTIATE_TEST_SUITE_P(
     [](const auto& test) { return test.param.name; });
 
 } // namespace
-
-} // namespace vantoro::capture
+} // namespace vantoro::testing

@@ -9,11 +9,10 @@
 
 #include "tests/capture/samples/captured_sound.h"
 
-namespace vantoro::capture {
-
+namespace vantoro::testing {
 namespace {
 
-using testing::CapturedSound;
+using namespace capture;
 
 class Delivery : public ::testing::Test {
 protected:
@@ -64,7 +63,7 @@ protected:
 
     /// How many frames of a channel, from the first one written, are neither as written nor silence
     /// for a loss.
-    std::size_t wrongFrames(const testing::DeliveredTrack& track) const {
+    std::size_t wrongFrames(const DeliveredTrack& track) const {
         std::size_t wrong = 0;
         for (const auto& channel : track.channels) {
             const auto first = std::ranges::find(channel, 1.0F) - channel.begin();
@@ -220,5 +219,4 @@ TEST_F(Delivery, keepsTheSoundOfARemovedTap) {
 }
 
 } // namespace
-
-} // namespace vantoro::capture
+} // namespace vantoro::testing

@@ -9,9 +9,10 @@
 
 #include <gtest/gtest.h>
 
-namespace vantoro::capture {
-
+namespace vantoro::testing {
 namespace {
+
+using namespace capture;
 
 constexpr std::int64_t start = 4800000;
 constexpr CaptureTimeline::FeedId tapA = 1;
@@ -304,5 +305,4 @@ TEST_F(Timeline, countsNonFiniteSamplesAsSilence) {
 }
 
 } // namespace
-
-} // namespace vantoro::capture
+} // namespace vantoro::testing

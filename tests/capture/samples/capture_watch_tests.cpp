@@ -4,9 +4,10 @@
 
 #include <gtest/gtest.h>
 
-namespace vantoro::capture {
-
+namespace vantoro::testing {
 namespace {
+
+using namespace capture;
 
 using Finding = CaptureWatch::Finding;
 using Observation = CaptureWatch::Observation;
@@ -68,5 +69,4 @@ TEST_F(CaptureWatchTest, aPauseThatEndsOrIsExpectedRestartsTheCount) {
 }
 
 } // namespace
-
-} // namespace vantoro::capture
+} // namespace vantoro::testing

@@ -12,9 +12,10 @@
 
 #include "capture/samples/capture_timeline.h"
 
-namespace vantoro::capture {
-
+namespace vantoro::testing {
 namespace {
+
+using namespace capture;
 
 /// A sound card with its own clock behind a resampler: cycles of 1024 card frames, stamped with
 /// some jitter, delivered as whole frames at the requested speed.
@@ -414,5 +415,4 @@ TEST(ClockSteering, neverCopiesAgainOnceItSteers) {
 }
 
 } // namespace
-
-} // namespace vantoro::capture
+} // namespace vantoro::testing

@@ -6,9 +6,10 @@
 
 #include <gtest/gtest.h>
 
-namespace vantoro::capture {
-
+namespace vantoro::testing {
 namespace {
+
+using namespace capture;
 
 TEST(GridPosition, isTheNearestFrame) {
     EXPECT_EQ(gridPosition(0), 0);
@@ -38,5 +39,4 @@ TEST(NanosecondsOn, isTheClocksTime) {
 }
 
 } // namespace
-
-} // namespace vantoro::capture
+} // namespace vantoro::testing

@@ -8,9 +8,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-namespace vantoro::capture {
-
+namespace vantoro::testing {
 namespace {
+
+using namespace capture;
 
 using ::testing::Each;
 using ::testing::ElementsAre;
@@ -91,5 +92,4 @@ TEST(InputFold, takesAsManyInputsAsAnInterfaceCanHaveAndEmptyPieces) {
 }
 
 } // namespace
-
-} // namespace vantoro::capture
+} // namespace vantoro::testing

@@ -6,9 +6,10 @@
 
 #include <gtest/gtest.h>
 
-namespace vantoro::capture {
-
+namespace vantoro::testing {
 namespace {
+
+using namespace capture;
 
 std::vector<float> taken(MixLine& line, std::size_t frames) {
     const auto planes = line.take(frames);
@@ -84,5 +85,4 @@ TEST(MixLine, givesChannelAfterChannelWhateverWasTakenBefore) {
 }
 
 } // namespace
-
-} // namespace vantoro::capture
+} // namespace vantoro::testing

@@ -4,9 +4,10 @@
 
 #include <gtest/gtest.h>
 
-namespace vantoro::capture {
-
+namespace vantoro::testing {
 namespace {
+
+using namespace capture;
 
 constexpr std::uint64_t second = 1'000'000'000;
 
@@ -94,5 +95,4 @@ TEST_F(Stall, doesNotMistakeClockJitterForASuspend) {
 }
 
 } // namespace
-
-} // namespace vantoro::capture
+} // namespace vantoro::testing

@@ -10,9 +10,10 @@
 
 #include <gtest/gtest.h>
 
-namespace vantoro::capture {
-
+namespace vantoro::testing {
 namespace {
+
+using namespace capture;
 
 /// Writes a piece whose samples count up from `firstFrame`, differently in each channel.
 bool writeCounting(StampedRing& ring, std::uint64_t firstFrame, std::uint32_t frames) {
@@ -269,5 +270,4 @@ TEST(StampedRing, losesAndChangesNothingBetweenTwoThreads) {
 }
 
 } // namespace
-
-} // namespace vantoro::capture
+} // namespace vantoro::testing

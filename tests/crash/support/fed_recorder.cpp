@@ -24,9 +24,12 @@
 #include "platform/ffmpeg/toolkit.h"
 #include "platform/posix/posix_file_system.h"
 #include "platform/posix/system_clock.h"
-#include "tests/control/control_fakes.h"
 #include "tests/crash/support/heard_tones.h"
-#include "tests/l10n/memory_preferences.h"
+#include "tests/support/call_log.h"
+#include "tests/support/fake_desktop.h"
+#include "tests/support/fake_permissions.h"
+#include "tests/support/fake_power.h"
+#include "tests/support/memory_preferences.h"
 
 // fed_recorder FOLDER FRAMES [ahead]: as "vantoro record --folder FOLDER" except for the capture:
 // it delivers that many frames faster than real time, then presses Ctrl-C. With "ahead" the mix is
@@ -60,8 +63,8 @@ public:
           run_(command_, ending, preferences_),
           model_(std::make_unique<AudioRecorder>(RecorderPlatform{
                      captureAccess_, microphone_, capture_, toolkit_, fileSystem_, clock_}),
-                 {scheduler_, power_, devices_, microphoneSurvey_, opener_, folderDialog_,
-                  preferences_, levels_, folder, [&ending] { ending.progressed(); }}) {}
+                 {scheduler_, power_, devices_, microphone_, opener_, folderDialog_, preferences_,
+                  levels_, folder, [&ending] { ending.progressed(); }}) {}
 
     int run() {
         waitForSalvage(model_);
@@ -105,7 +108,6 @@ private:
     MemoryPreferences preferences_ = preferencesIn("en");
     FakePower power_;
     FakeAudioDevices devices_;
-    FakeMicrophonePermission microphoneSurvey_;
     FakeOpener opener_;
     FakeFolderDialog folderDialog_;
     AudioLevelStore levels_;

@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-#include "tests/support/recorder_fakes.h"
+#include "tests/support/fake_capture_service.h"
 
 namespace vantoro::testing {
 

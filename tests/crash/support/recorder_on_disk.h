@@ -10,7 +10,9 @@
 #include "platform/ffmpeg/toolkit.h"
 #include "platform/posix/system_clock.h"
 #include "tests/crash/support/heard_tones.h"
-#include "tests/support/recorder_fakes.h"
+#include "tests/support/call_log.h"
+#include "tests/support/fake_capture_service.h"
+#include "tests/support/fake_permissions.h"
 
 namespace vantoro::testing {
 

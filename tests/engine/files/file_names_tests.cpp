@@ -8,7 +8,9 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/support/recorder_fakes.h"
+#include "tests/support/call_log.h"
+#include "tests/support/fake_clock.h"
+#include "tests/support/memory_file_system.h"
 
 namespace vantoro::testing {
 namespace {
@@ -16,7 +18,7 @@ namespace {
 class OutputNameTest : public ::testing::Test {
 protected:
     CallLog log;
-    FakeFileSystem fileSystem{log};
+    MemoryFileSystem fileSystem{log};
     FakeClock clock;
 
     std::string chosen() {
@@ -52,29 +54,28 @@ private:
 };
 
 TEST_F(OutputNameTest, allNamesThatAreTriedHaveTheSameTime) {
-    fileSystem.entries = {"/recordings/Vantoro-2025-03-01-093115.m4a",
-                          "/recordings/Vantoro-2025-03-01-093115-2.m4a"};
+    fileSystem.put("/recordings/Vantoro-2025-03-01-093115.m4a");
+    fileSystem.put("/recordings/Vantoro-2025-03-01-093115-2.m4a");
     EXPECT_EQ(uniqueOutputURL("/recordings", fileSystem, HurryingClock{}).location().filename(),
               "Vantoro-2025-03-01-093115-3.m4a");
 }
 
 TEST_F(OutputNameTest, takenNamesAreCountedFromTwo) {
-    fileSystem.entries = {"/recordings/Vantoro-2025-03-01-093015.m4a"};
+    fileSystem.put("/recordings/Vantoro-2025-03-01-093015.m4a");
     EXPECT_EQ(chosen(), "Vantoro-2025-03-01-093015-2.m4a");
-    fileSystem.entries.insert("/recordings/Vantoro-2025-03-01-093015-2.m4a");
+    fileSystem.put("/recordings/Vantoro-2025-03-01-093015-2.m4a");
     EXPECT_EQ(chosen(), "Vantoro-2025-03-01-093015-3.m4a");
 }
 
 TEST_F(OutputNameTest, plainNameIsUsedWhenOnlyTheSecondIsTaken) {
-    fileSystem.entries = {"/recordings/Vantoro-2025-03-01-093015-2.m4a"};
+    fileSystem.put("/recordings/Vantoro-2025-03-01-093015-2.m4a");
     EXPECT_EQ(chosen(), "Vantoro-2025-03-01-093015.m4a");
 }
 
 TEST_F(OutputNameTest, hasNoLeadingZerosInALongCount) {
-    fileSystem.entries = {"/recordings/Vantoro-2025-03-01-093015.m4a"};
+    fileSystem.put("/recordings/Vantoro-2025-03-01-093015.m4a");
     for (int i = 2; i < 12; ++i) {
-        fileSystem.entries.insert("/recordings/Vantoro-2025-03-01-093015-" + std::to_string(i) +
-                                  ".m4a");
+        fileSystem.put("/recordings/Vantoro-2025-03-01-093015-" + std::to_string(i) + ".m4a");
     }
     EXPECT_EQ(chosen(), "Vantoro-2025-03-01-093015-12.m4a");
 }

@@ -8,7 +8,8 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/support/recorder_fakes.h"
+#include "tests/support/call_log.h"
+#include "tests/support/memory_file_system.h"
 
 namespace vantoro::testing {
 namespace {
@@ -18,7 +19,7 @@ using Paths = std::set<std::filesystem::path>;
 class OutputPlaceTest : public ::testing::Test {
 protected:
     CallLog log;
-    FakeFileSystem fileSystem{log};
+    MemoryFileSystem fileSystem{log};
 
     OutputPlace place() { return {fileSystem, "/r", "a"}; }
 };
@@ -27,33 +28,33 @@ TEST_F(OutputPlaceTest, isKeptByAStagingFileUntilItIsGivenUp) {
     {
         const auto kept = place();
         EXPECT_EQ(kept.location(), "/r/a.m4a");
-        EXPECT_EQ(fileSystem.entries, Paths{"/r/a.exporting.m4a"});
+        EXPECT_EQ(fileSystem.paths(), Paths{"/r/a.exporting.m4a"});
     }
-    EXPECT_TRUE(fileSystem.entries.empty());
+    EXPECT_TRUE(fileSystem.paths().empty());
 }
 
 TEST_F(OutputPlaceTest, isTheNextOneWhereSomebodyExportsOrSomethingOddLies) {
-    fileSystem.entries = {"/r/a.exporting.m4a"};
+    fileSystem.put("/r/a.exporting.m4a");
     fileSystem.locked = {"/r/a.exporting.m4a"};
     EXPECT_EQ(place().location(), "/r/a-2.m4a");
-    EXPECT_TRUE(fileSystem.entries.contains("/r/a.exporting.m4a"));
+    EXPECT_TRUE(fileSystem.exists("/r/a.exporting.m4a"));
 }
 
 TEST_F(OutputPlaceTest, isFreeWhereAnExportDied) {
-    fileSystem.entries = {"/r/a.exporting.m4a"};
+    fileSystem.put("/r/a.exporting.m4a");
     EXPECT_EQ(place().location(), "/r/a.m4a");
-    EXPECT_TRUE(fileSystem.entries.empty()) << "the abandoned file is gone with the place";
+    EXPECT_TRUE(fileSystem.paths().empty()) << "the abandoned file is gone with the place";
 }
 
 TEST_F(OutputPlaceTest, isTheNextOneWhereTheNameWasTakenBeforeTheStagingFileWas) {
     // Another process publishes between the check of the name and the claim.
     fileSystem.afterClaim = [this] {
-        fileSystem.entries.insert("/r/a.m4a");
+        fileSystem.put("/r/a.m4a");
         fileSystem.afterClaim = {};
     };
     const auto next = place();
     EXPECT_EQ(next.location(), "/r/a-2.m4a");
-    EXPECT_EQ(fileSystem.entries, (Paths{"/r/a.m4a", "/r/a-2.exporting.m4a"}));
+    EXPECT_EQ(fileSystem.paths(), (Paths{"/r/a.m4a", "/r/a-2.exporting.m4a"}));
 }
 
 TEST_F(OutputPlaceTest, failsWhereNoFileCanBeMade) {
@@ -65,17 +66,17 @@ TEST_F(OutputPlaceTest, failsWhereNoFileCanBeMade) {
 TEST_F(OutputPlaceTest, publishedFileHasTheNameAndCanStillBeDiscarded) {
     const auto final = place().publish(nullptr);
     EXPECT_EQ(final.location, "/r/a.m4a");
-    EXPECT_EQ(fileSystem.entries, Paths{"/r/a.m4a"});
+    EXPECT_EQ(fileSystem.paths(), Paths{"/r/a.m4a"});
     final.file->discard();
-    EXPECT_TRUE(fileSystem.entries.empty());
+    EXPECT_TRUE(fileSystem.paths().empty());
 }
 
 TEST_F(OutputPlaceTest, takesTheNextFreeNameWhereOthersCameBetween) {
     auto reserved = place();
-    fileSystem.entries.insert("/r/a.m4a");
-    fileSystem.entries.insert("/r/a-2.m4a");
+    fileSystem.put("/r/a.m4a");
+    fileSystem.put("/r/a-2.m4a");
     EXPECT_EQ(reserved.publish(nullptr).location, "/r/a-3.m4a");
-    EXPECT_EQ(fileSystem.entries, (Paths{"/r/a.m4a", "/r/a-2.m4a", "/r/a-3.m4a"}));
+    EXPECT_EQ(fileSystem.paths(), (Paths{"/r/a.m4a", "/r/a-2.m4a", "/r/a-3.m4a"}));
 }
 
 TEST(StagingName, replacesTheExtension) {

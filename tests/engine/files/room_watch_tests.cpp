@@ -19,13 +19,13 @@ constexpr MediaTime elevenSeconds{11 * 48000, 48000};
 class RoomWatchTest : public ::testing::Test {
 protected:
     CallLog log;
-    FakeFileSystem fileSystem{log};
+    MemoryFileSystem fileSystem{log};
     std::vector<DiskRoom> reported;
     DiskRoomCallback callback = [this](DiskRoom room) { reported.push_back(room); };
     RoomWatch watch{fileSystem, "/recordings", 288000, callback};
 
     void lookWith(std::uint64_t available, std::uint64_t waiting = 0) {
-        fileSystem.available = available;
+        fileSystem.setCapacity(available);
         watch.check(elevenSeconds, waiting);
     }
 };
@@ -56,7 +56,7 @@ TEST_F(RoomWatchTest, stopsCheckingAfterReportingTheEnd) {
 }
 
 TEST_F(RoomWatchTest, reportAtTheStartIsNotRepeated) {
-    fileSystem.available = 20 * million;
+    fileSystem.setCapacity(20 * million);
     watch.checkBeforeStart();
     EXPECT_EQ(reported, (std::vector<DiskRoom>{{tell, 3}}));
     lookWith(15 * million);
@@ -74,7 +74,7 @@ TEST_F(RoomWatchTest, moreBytesWaitingThanAvailableIsTheEnd) {
 }
 
 TEST_F(RoomWatchTest, refusesToStartWithTooLittleRoom) {
-    fileSystem.available = 5 * million;
+    fileSystem.setCapacity(5 * million);
     try {
         watch.checkBeforeStart();
         FAIL() << "the start was allowed";

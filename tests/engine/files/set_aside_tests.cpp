@@ -15,10 +15,10 @@ namespace {
 class SetAsideTest : public ::testing::Test {
 protected:
     CallLog log;
-    FakeFileSystem fileSystem{log};
+    MemoryFileSystem fileSystem{log};
     const std::filesystem::path temporary = "/r/.Vantoro-1.partial.mov";
 
-    SetAsideTest() { fileSystem.entries.insert(temporary); }
+    SetAsideTest() { fileSystem.put(temporary); }
 
     std::filesystem::path setAsideFor(const std::filesystem::path& finalFile) {
         return setAside(fileSystem, temporary, finalFile);
@@ -28,16 +28,18 @@ protected:
 TEST_F(SetAsideTest, originalLiesBesideItsFinalFileAndSalvageSkipsIt) {
     const auto place = setAsideFor("/r/Vantoro-2026-11-22-193015.m4a");
     EXPECT_EQ(place, "/r/Vantoro-2026-11-22-193015.incomplete.mov");
-    EXPECT_EQ(fileSystem.entries, std::set{place});
+    EXPECT_EQ(fileSystem.paths(), std::set{place});
     EXPECT_FALSE(isIncompleteRecording(place));
 }
 
 TEST_F(SetAsideTest, whatExistsIsNeverReplaced) {
     const std::set<std::filesystem::path> taken{"/r/a-2.incomplete.mov", "/r/a.incomplete.mov"};
-    fileSystem.entries.insert(taken.begin(), taken.end());
+    for (const auto& path : taken) {
+        fileSystem.put(path);
+    }
     EXPECT_EQ(setAsideFor("/r/a.m4a"), "/r/a-3.incomplete.mov");
-    EXPECT_EQ(fileSystem.entries.size(), 3U);
-    fileSystem.entries.insert(temporary);
+    EXPECT_EQ(fileSystem.paths().size(), 3U);
+    fileSystem.put(temporary);
     EXPECT_EQ(setAsideFor("/r/a-2.m4a"), "/r/a-2-2.incomplete.mov");
 }
 
@@ -51,7 +53,7 @@ TEST_F(SetAsideTest, originalThatCannotBeMovedStays) {
     fileSystem.moveError = std::make_exception_ptr(
         std::system_error(std::make_error_code(std::errc::read_only_file_system)));
     EXPECT_THROW(setAsideFor("/r/a.m4a"), std::system_error);
-    EXPECT_EQ(fileSystem.entries, std::set{temporary});
+    EXPECT_EQ(fileSystem.paths(), std::set{temporary});
 }
 
 TEST_F(SetAsideTest, movedOriginalIsSetAsideEvenIfTheFolderCannotBeSynced) {

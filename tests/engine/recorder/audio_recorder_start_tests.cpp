@@ -135,10 +135,10 @@ TEST_F(AudioRecorderStart, folderThatCannotBeCreatedFailsWithThatError) {
 }
 
 TEST_F(AudioRecorderStart, diskWithoutRoomFailsBeforeCaptureIsAskedForAndLeavesNoFile) {
-    fileSystem.available = 5'000'000;
+    fileSystem.setCapacity(5'000'000);
     EXPECT_EQ(startError(bothSources()), Case::diskTooFull);
     EXPECT_FALSE(log.contains("makeStream com.vantoro.capture"));
-    EXPECT_TRUE(fileSystem.entries.empty());
+    EXPECT_TRUE(fileSystem.paths().empty());
     EXPECT_EQ(startError(microphoneOnly()), std::nullopt) << "one track needs less";
 }
 
@@ -148,7 +148,7 @@ TEST_F(AudioRecorderStart, reportsShortRoomAtTheStart) {
         EXPECT_FALSE(log.contains("startCapture"));
         reported.push_back(room);
     };
-    fileSystem.available = 20'000'000;
+    fileSystem.setCapacity(20'000'000);
     recorder.start(bothSources());
     EXPECT_EQ(reported, (std::vector<DiskRoom>{{RoomAdvice::tell, 3}}));
 }
@@ -159,7 +159,7 @@ TEST_F(AudioRecorderStart, checksTheRoomAfterEachFragment) {
     recorder.start(bothSources());
     toolkit.fragmentWritten({48000, 48000}, 0);
     EXPECT_TRUE(reported.empty());
-    fileSystem.available = 126'000'000;
+    fileSystem.setCapacity(126'000'000);
     toolkit.fragmentWritten({INT64_C(3600) * 48000, 48000}, 0);
     toolkit.fragmentWritten({INT64_C(3610) * 48000, 48000}, 1'000'000);
     EXPECT_EQ(reported, (std::vector<DiskRoom>{{RoomAdvice::tell, 0}, {RoomAdvice::end, 0}}));
@@ -168,7 +168,7 @@ TEST_F(AudioRecorderStart, checksTheRoomAfterEachFragment) {
 TEST_F(AudioRecorderStart, eachRecordingReportsItsOwnRoom) {
     int reported = 0;
     recorder.onDiskRoom = [&](DiskRoom) { ++reported; };
-    fileSystem.available = 20'000'000;
+    fileSystem.setCapacity(20'000'000);
     recorder.start(bothSources());
     EXPECT_EQ(errorOf([&] { recorder.stop(1, 1); }), Case::noAudioCaptured);
     recorder.start(bothSources());
@@ -178,13 +178,13 @@ TEST_F(AudioRecorderStart, eachRecordingReportsItsOwnRoom) {
 TEST_F(AudioRecorderStart, writerThatCannotBeCreatedFailsWithThatErrorAndLeavesNothing) {
     toolkit.writing.creationError = platformError();
     EXPECT_EQ(textOf([&] { recorder.start(bothSources()); }), "the platform's own");
-    EXPECT_TRUE(fileSystem.entries.empty());
+    EXPECT_TRUE(fileSystem.paths().empty());
     expectIdle();
 }
 
 TEST_F(AudioRecorderStart, temporaryFileIsThereBeforeAnythingIsCaptured) {
     std::size_t files = 0;
-    capture.duringStart = [&] { files = fileSystem.temporaryFiles().size(); };
+    capture.duringStart = [&] { files = temporaryFiles().size(); };
     recorder.start(bothSources());
     EXPECT_EQ(files, 1U);
     capture.duringStart = nullptr;
@@ -201,21 +201,21 @@ TEST_F(AudioRecorderStart, refusedTrackFailsTheSetupAndLeavesNoFile) {
     EXPECT_EQ(startError(bothSources()), Case::writerSetupFailed);
     toolkit.writing.refusedChannelCounts = {1};
     EXPECT_EQ(startError(bothSources()), Case::writerSetupFailed);
-    EXPECT_TRUE(fileSystem.entries.empty());
+    EXPECT_TRUE(fileSystem.paths().empty());
     EXPECT_EQ(startError(systemAudioOnly()), std::nullopt);
 }
 
 TEST_F(AudioRecorderStart, streamThatCannotBeMadeFailsWithThatError) {
     capture.makeStreamError = platformError();
     EXPECT_EQ(textOf([&] { recorder.start(bothSources()); }), "the platform's own");
-    EXPECT_TRUE(fileSystem.entries.empty());
+    EXPECT_TRUE(fileSystem.paths().empty());
     expectIdle();
 }
 
 TEST_F(AudioRecorderStart, captureThatCannotStartFailsWithThatErrorAndLeavesNoFile) {
     capture.startError = platformError();
     EXPECT_EQ(textOf([&] { recorder.start(bothSources()); }), "the platform's own");
-    EXPECT_TRUE(fileSystem.temporaryFiles().empty());
+    EXPECT_TRUE(temporaryFiles().empty());
     expectIdle();
 }
 
@@ -223,7 +223,7 @@ TEST_F(AudioRecorderStart, failureAfterAudioWasWrittenKeepsTheTemporaryFile) {
     capture.startError = platformError();
     capture.duringStart = [this] { capture.deliver(bufferAt(0), AudioLevelSource::systemAudio); };
     EXPECT_EQ(textOf([&] { recorder.start(bothSources()); }), "the platform's own");
-    EXPECT_EQ(fileSystem.temporaryFiles().size(), 1U);
+    EXPECT_EQ(temporaryFiles().size(), 1U);
     capture.duringStart = nullptr;
     expectIdle();
 }

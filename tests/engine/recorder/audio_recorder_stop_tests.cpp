@@ -42,9 +42,9 @@ protected:
 
 TEST_F(AudioRecorderStop, returnsTheFinalFileAndRemovesTheTemporaryOne) {
     startAndCapture(bothSources());
-    EXPECT_EQ(fileSystem.temporaryFiles().size(), 1U);
+    EXPECT_EQ(temporaryFiles().size(), 1U);
     EXPECT_EQ(recorder.stop(0.9F, 0.5F), finalFile);
-    EXPECT_EQ(fileSystem.entries, std::set<std::filesystem::path>{finalFile});
+    EXPECT_EQ(fileSystem.paths(), std::set<std::filesystem::path>{finalFile});
     EXPECT_EQ(toolkit.exportedGains, (std::vector<float>{0.9F, 0.5F}));
     expectIdle();
 }
@@ -104,7 +104,7 @@ TEST_F(AudioRecorderStop, stopWithoutAStartFailsWithNoAudioCaptured) {
 TEST_F(AudioRecorderStop, stopBeforeAnyBufferFailsWithNoAudioCapturedAndLeavesNoFile) {
     recorder.start(bothSources());
     EXPECT_EQ(errorOf([&] { recorder.stop(1, 1); }), Case::noAudioCaptured);
-    EXPECT_TRUE(fileSystem.entries.empty());
+    EXPECT_TRUE(fileSystem.paths().empty());
     EXPECT_FALSE(recorder.hasKeptRecording());
     EXPECT_TRUE(log.contains("stopCapture"));
     expectIdle();
@@ -162,11 +162,11 @@ TEST_F(AudioRecorderStop, whatAnEarlierRecordingKeptStaysWhenTheNextOneCannotSta
     startAndCapture(bothSources());
     toolkit.exporting.exportError = platformError();
     EXPECT_THROW(recorder.stop(1, 1), std::exception);
-    const auto kept = fileSystem.temporaryFiles();
+    const auto kept = temporaryFiles();
     ASSERT_EQ(kept.size(), 1U);
     toolkit.writing.creationError = platformError();
     EXPECT_THROW(recorder.start(bothSources()), std::exception);
-    EXPECT_EQ(fileSystem.temporaryFiles(), kept);
+    EXPECT_EQ(temporaryFiles(), kept);
 }
 
 TEST_F(AudioRecorderStop, streamThatStoppedByItselfIsReportedAndNotStoppedAgain) {
@@ -193,7 +193,7 @@ TEST_F(AudioRecorderStop, streamThatStopsBeforeAnyBufferLeavesNothingToSave) {
     recorder.start(bothSources());
     capture.stopByItself(platformError());
     EXPECT_EQ(errorOf([&] { recorder.stop(1, 1); }), Case::noAudioCaptured);
-    EXPECT_TRUE(fileSystem.entries.empty());
+    EXPECT_TRUE(fileSystem.paths().empty());
     expectIdle();
 }
 
@@ -210,7 +210,7 @@ TEST_F(AudioRecorderStop, writerThatCouldNotStartLeavesNoFile) {
     EXPECT_EQ(interruptions.size(), 1U);
     EXPECT_EQ(capture.liveStreams, 1) << "the stream runs until the stop";
     EXPECT_EQ(errorOf([&] { recorder.stop(1, 1); }), Case::noAudioCaptured);
-    EXPECT_TRUE(fileSystem.entries.empty());
+    EXPECT_TRUE(fileSystem.paths().empty());
     expectIdle();
 }
 
@@ -220,7 +220,7 @@ TEST_F(AudioRecorderStop, whatWasWrittenBeforeAWriterFailureIsExported) {
     capture.deliver(bufferAt(256), AudioLevelSource::systemAudio);
     EXPECT_EQ(interruptions.size(), 1U);
     EXPECT_EQ(recorder.stop(1, 1), finalFile);
-    EXPECT_TRUE(fileSystem.temporaryFiles().empty());
+    EXPECT_TRUE(temporaryFiles().empty());
 }
 
 TEST_F(AudioRecorderStop, fileThatCannotBeFinishedIsKept) {
@@ -228,7 +228,7 @@ TEST_F(AudioRecorderStop, fileThatCannotBeFinishedIsKept) {
     toolkit.writing.statusAfterFinish = WriterStatus::failed;
     EXPECT_EQ(textOf([&] { recorder.stop(1, 1); }),
               "writerFailed: Unable to finish the recording.");
-    EXPECT_EQ(fileSystem.temporaryFiles().size(), 1U);
+    EXPECT_EQ(temporaryFiles().size(), 1U);
     EXPECT_TRUE(recorder.hasKeptRecording());
     EXPECT_TRUE(log.startingWith("export").empty());
     expectIdle();
@@ -244,7 +244,7 @@ TEST_F(AudioRecorderStop, fileThatCannotBeFinishedFailsWithTheWritersError) {
 TEST_F(AudioRecorderStop, missingRecordingFolderFailsTheExportAndKeepsTheTemporaryFile) {
     startAndCapture({true, true, std::nullopt, ""});
     EXPECT_EQ(errorOf([&] { recorder.stop(1, 1); }), Case::exportFailed);
-    EXPECT_EQ(fileSystem.temporaryFiles().size(), 1U);
+    EXPECT_EQ(temporaryFiles().size(), 1U);
     expectIdle();
 }
 
@@ -252,8 +252,8 @@ TEST_F(AudioRecorderStop, failedExportKeepsTheTemporaryFileAndNothingElse) {
     startAndCapture(bothSources());
     toolkit.exporting.exportError = platformError();
     EXPECT_EQ(textOf([&] { recorder.stop(1, 1); }), "the platform's own");
-    EXPECT_EQ(fileSystem.entries.size(), 1U);
-    EXPECT_EQ(fileSystem.temporaryFiles().size(), 1U);
+    EXPECT_EQ(fileSystem.paths().size(), 1U);
+    EXPECT_EQ(temporaryFiles().size(), 1U);
     EXPECT_TRUE(recorder.hasKeptRecording());
     expectIdle();
     EXPECT_FALSE(recorder.hasKeptRecording());
@@ -263,15 +263,15 @@ TEST_F(AudioRecorderStop, finalFileWhoseNameCannotBeSyncedIsTakenBack) {
     startAndCapture(bothSources());
     fileSystem.syncFolderError = platformError();
     EXPECT_EQ(textOf([&] { recorder.stop(1, 1); }), "the platform's own");
-    EXPECT_FALSE(fileSystem.entries.contains(finalFile));
-    EXPECT_EQ(fileSystem.temporaryFiles().size(), 1U);
+    EXPECT_FALSE(fileSystem.exists(finalFile));
+    EXPECT_EQ(temporaryFiles().size(), 1U);
 }
 
 TEST_F(AudioRecorderStop, temporaryFileThatCannotBeOpenedIsKept) {
     startAndCapture(bothSources());
     toolkit.exporting.openError = platformError();
     EXPECT_EQ(textOf([&] { recorder.stop(1, 1); }), "the platform's own");
-    EXPECT_EQ(fileSystem.temporaryFiles().size(), 1U);
+    EXPECT_EQ(temporaryFiles().size(), 1U);
     EXPECT_FALSE(recorder.hasKeptRecording()) << "it cannot be read";
 }
 
@@ -288,22 +288,22 @@ TEST_F(AudioRecorderStop, fileThatHoldsNoSoundIsNotCalledARecording) {
 
 TEST_F(AudioRecorderStop, temporaryFileThatCannotBeRemovedIsNoFailure) {
     startAndCapture(bothSources());
-    fileSystem.removeErrors[fileSystem.temporaryFiles().front()] = platformError();
+    fileSystem.removeErrors[temporaryFiles().front()] = platformError();
     EXPECT_EQ(recorder.stop(1, 1), finalFile);
 }
 
 TEST_F(AudioRecorderStop, twoRecordingsInARowHaveTheirOwnFilesAndLeaveNothingElse) {
     startAndCapture(bothSources());
-    const auto first = fileSystem.temporaryFiles();
+    const auto first = temporaryFiles();
     const auto firstFinal = recorder.stop(1, 1);
     startAndCapture(bothSources());
-    const auto second = fileSystem.temporaryFiles();
+    const auto second = temporaryFiles();
     const auto secondFinal = recorder.stop(1, 1);
     ASSERT_EQ(first.size(), 1U);
     ASSERT_EQ(second.size(), 1U);
     EXPECT_NE(first, second);
     EXPECT_EQ(secondFinal, folder / "Vantoro-2025-03-01-093015-2.m4a");
-    EXPECT_EQ(fileSystem.entries, (std::set<std::filesystem::path>{firstFinal, secondFinal}));
+    EXPECT_EQ(fileSystem.paths(), (std::set<std::filesystem::path>{firstFinal, secondFinal}));
 }
 
 TEST_F(AudioRecorderStop, levelsAreFreshInEveryRecording) {
@@ -346,7 +346,7 @@ TEST_F(AudioRecorderStop, unwrittenSoundIsReportedAndTheTemporaryFileIsSetAside)
     EXPECT_EQ(whatOf(reported.front().reason), "No space left on device");
     auto aside = finalFile;
     aside.replace_extension("incomplete.mov");
-    EXPECT_EQ(fileSystem.entries, (std::set<std::filesystem::path>{finalFile, aside}));
+    EXPECT_EQ(fileSystem.paths(), (std::set<std::filesystem::path>{finalFile, aside}));
     expectIdle();
 }
 
@@ -376,8 +376,8 @@ TEST_F(AudioRecorderStop, incompleteTemporaryFileIsSetAside) {
     toolkit.exporting.isWhole = false;
     startAndCapture(bothSources());
     recorder.stop(1, 1);
-    EXPECT_TRUE(fileSystem.temporaryFiles().empty());
-    EXPECT_EQ(fileSystem.entries.size(), 2U);
+    EXPECT_TRUE(temporaryFiles().empty());
+    EXPECT_EQ(fileSystem.paths().size(), 2U);
 }
 
 TEST_F(AudioRecorderStop, soundNotTakenInTimeIsReported) {
@@ -418,16 +418,16 @@ TEST_F(AudioRecorderStop, destroyedWhileRecordingKeepsTheTemporaryFile) {
     other.reset();
     EXPECT_TRUE(onCaptureQueue);
     EXPECT_EQ(capture.liveStreams, 0);
-    EXPECT_EQ(fileSystem.temporaryFiles().size(), 1U);
+    EXPECT_EQ(temporaryFiles().size(), 1U);
 }
 
 TEST_F(AudioRecorderStop, destroyedBeforeAnyBufferLeavesNoFile) {
     auto other = std::make_unique<AudioRecorder>(
         RecorderPlatform{captureAccess, microphone, capture, toolkit, fileSystem, clock});
     other->start(bothSources());
-    EXPECT_EQ(fileSystem.temporaryFiles().size(), 1U);
+    EXPECT_EQ(temporaryFiles().size(), 1U);
     other.reset();
-    EXPECT_TRUE(fileSystem.entries.empty());
+    EXPECT_TRUE(fileSystem.paths().empty());
 }
 
 } // namespace

@@ -8,7 +8,8 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/support/recorder_fakes.h"
+#include "tests/support/fake_capture_service.h"
+#include "tests/support/fake_clock.h"
 
 namespace vantoro::testing {
 namespace {

@@ -2,7 +2,9 @@
 
 #pragma once
 
+#include <algorithm>
 #include <filesystem>
+#include <iterator>
 #include <optional>
 #include <string>
 #include <vector>
@@ -10,7 +12,12 @@
 #include <gtest/gtest.h>
 
 #include "engine/recorder/audio_recorder.h"
-#include "tests/support/recorder_fakes.h"
+#include "tests/support/call_log.h"
+#include "tests/support/fake_capture_service.h"
+#include "tests/support/fake_clock.h"
+#include "tests/support/fake_media_toolkit.h"
+#include "tests/support/fake_permissions.h"
+#include "tests/support/memory_file_system.h"
 
 namespace vantoro::testing {
 
@@ -24,10 +31,19 @@ protected:
     FakeCaptureAccess captureAccess{log};
     FakeMicrophoneAccess microphone{log};
     FakeCaptureService capture{log};
-    FakeFileSystem fileSystem{log};
+    MemoryFileSystem fileSystem{log};
     FakeMediaToolkit toolkit{log, fileSystem};
     FakeClock clock;
     AudioRecorder recorder{{captureAccess, microphone, capture, toolkit, fileSystem, clock}};
+
+    /// The temporary recordings that are there.
+    std::vector<std::filesystem::path> temporaryFiles() const {
+        std::vector<std::filesystem::path> found;
+        std::ranges::copy_if(fileSystem.paths(), std::back_inserter(found), [](const auto& path) {
+            return path.string().ends_with(".partial.mov");
+        });
+        return found;
+    }
 
     RecordingOptions bothSources() const { return {true, true, std::nullopt, folder}; }
 

@@ -22,7 +22,7 @@ std::optional<std::filesystem::file_time_type> daysAgo(int days) {
 class SalvageTest : public ::testing::Test {
 protected:
     CallLog log;
-    FakeFileSystem fileSystem{log};
+    MemoryFileSystem fileSystem{log};
     FakeMediaToolkit toolkit{log, fileSystem};
     FakeClock clock;
     std::stop_source stop;
@@ -32,7 +32,7 @@ protected:
     SalvageTest() { toolkit.exporting.trackCount = 2; }
 
     void put(const std::string& name, std::optional<std::filesystem::file_time_type> modified) {
-        fileSystem.leave("/r/" + name, modified);
+        fileSystem.put("/r/" + name, {}, modified);
     }
 
     SalvageResult salvage() {
@@ -42,17 +42,15 @@ protected:
 
     Files recover() { return salvage().recordings; }
 
-    bool isThere(const std::string& name) const {
-        return fileSystem.entries.contains("/r/" + name);
-    }
+    bool isThere(const std::string& name) const { return fileSystem.exists("/r/" + name); }
 
     std::size_t waiting() { return recordingsToRecover(toolkit, fileSystem, "/r"); }
 
     /// Expects no new file and no missing one.
     void expectUntouched() {
-        const auto before = fileSystem.entries;
+        const auto before = fileSystem.paths();
         EXPECT_EQ(recover(), Files());
-        EXPECT_EQ(fileSystem.entries, before);
+        EXPECT_EQ(fileSystem.paths(), before);
     }
 };
 
@@ -92,7 +90,7 @@ TEST_F(SalvageTest, finishesTheOldestFirstAndDeletesTheOriginals) {
     put("b.partial.MOV", daysAgo(0));
     put("a.partial.mov", daysAgo(1));
     EXPECT_EQ(recover(), finalFiles);
-    EXPECT_EQ(fileSystem.entries, std::set(finalFiles.begin(), finalFiles.end()));
+    EXPECT_EQ(fileSystem.paths(), std::set(finalFiles.begin(), finalFiles.end()));
     EXPECT_EQ(log.startingWith("openRecording"),
               (std::vector<std::string>{"openRecording /r/a.partial.mov",
                                         "openRecording /r/b.partial.MOV"}));
@@ -160,7 +158,7 @@ TEST_F(SalvageTest, failedExportKeepsOnlyTheOriginalAndTheOthersGoOn) {
     EXPECT_EQ(recover(), Files{finalFiles[0]});
     EXPECT_TRUE(isThere("a.partial.mov"));
     EXPECT_FALSE(isThere("b.partial.mov"));
-    EXPECT_EQ(fileSystem.entries.size(), 2U);
+    EXPECT_EQ(fileSystem.paths().size(), 2U);
 }
 
 TEST_F(SalvageTest, fileThatCannotBeDeletedIsNotFinishedEither) {
@@ -232,7 +230,7 @@ TEST_F(SalvageTest, originalThatIsNotWholeIsSetAsideAndNotSalvagedAgain) {
     toolkit.exporting.isWhole = false;
     const std::filesystem::path kept = "/r/Vantoro-2025-03-01-093015.incomplete.mov";
     EXPECT_EQ(salvage(), (SalvageResult{{finalFiles[0]}, {kept}, {}}));
-    EXPECT_EQ(fileSystem.entries, (std::set{finalFiles[0], kept}));
+    EXPECT_EQ(fileSystem.paths(), (std::set{finalFiles[0], kept}));
     EXPECT_FALSE(log.contains("remove a.partial.mov"));
     EXPECT_TRUE(incompleteRecordings({{kept, daysAgo(1)}}).empty());
 }
@@ -272,7 +270,7 @@ TEST_F(SalvageTest, stopBetweenTwoReturnsTheFirstAlone) {
     };
     EXPECT_EQ(recover(), Files{finalFiles[0]});
     EXPECT_TRUE(isThere("b.partial.mov"));
-    EXPECT_EQ(fileSystem.entries.size(), 2U);
+    EXPECT_EQ(fileSystem.paths().size(), 2U);
 }
 
 TEST_F(SalvageTest, stopDuringAnExportRemovesItsFileAndKeepsTheRecording) {
@@ -288,9 +286,9 @@ TEST_F(SalvageTest, unfinishedRecordingsAreCountedAndLeftAlone) {
     put("a.partial.mov", daysAgo(2));
     put("b.partial.MOV", daysAgo(1));
     put("c.mov", daysAgo(1));
-    const auto before = fileSystem.entries;
+    const auto before = fileSystem.paths();
     EXPECT_EQ(waiting(), 2U);
-    EXPECT_EQ(fileSystem.entries, before);
+    EXPECT_EQ(fileSystem.paths(), before);
 }
 
 TEST_F(SalvageTest, recordingInUseIsNotCounted) {

@@ -18,7 +18,7 @@ using enum AudioLevelSource;
 class SamplePathTest : public ::testing::Test {
 protected:
     CallLog log;
-    FakeFileSystem fileSystem{log};
+    MemoryFileSystem fileSystem{log};
     FakeMediaToolkit toolkit{log, fileSystem};
     FakeClock clock;
     std::vector<std::string> interruptions;

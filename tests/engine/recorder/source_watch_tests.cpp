@@ -9,7 +9,7 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/support/recorder_fakes.h"
+#include "tests/support/fake_capture_service.h"
 
 namespace vantoro::testing {
 namespace {

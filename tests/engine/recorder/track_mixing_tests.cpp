@@ -12,7 +12,7 @@ namespace {
 class TrackMixingTest : public ::testing::Test {
 protected:
     CallLog log;
-    FakeFileSystem fileSystem{log};
+    MemoryFileSystem fileSystem{log};
     FakeMediaToolkit toolkit{log, fileSystem};
     const std::filesystem::path destination = "/recordings/Vantoro-2025-03-01-093015.m4a";
     const std::filesystem::path staging = "/recordings/Vantoro-2025-03-01-093015.exporting.m4a";
@@ -73,13 +73,13 @@ TEST_F(TrackMixingTest, volumesAreNotClamped) {
 
 TEST_F(TrackMixingTest, fileWithoutAudioTracksFailsAndMakesNoFile) {
     EXPECT_EQ(failureOf(0), "noAudioCaptured");
-    EXPECT_TRUE(fileSystem.entries.empty());
+    EXPECT_TRUE(fileSystem.paths().empty());
 }
 
 TEST_F(TrackMixingTest, errorsOfThePlatformAreThrownUnchanged) {
     toolkit.exporting.exportError = platformError();
     EXPECT_EQ(failureOf(), "the platform's own");
-    EXPECT_TRUE(fileSystem.entries.empty()) << "no staging file is left";
+    EXPECT_TRUE(fileSystem.paths().empty()) << "no staging file is left";
 }
 
 TEST_F(TrackMixingTest, exportGoesThroughAStagingFileThatTakesItsNameAndIsSyncedAtTheEnd) {
@@ -90,14 +90,14 @@ TEST_F(TrackMixingTest, exportGoesThroughAStagingFileThatTakesItsNameAndIsSynced
                        "write Vantoro-2025-03-01-093015.exporting.m4a",
                        "move Vantoro-2025-03-01-093015.exporting.m4a Vantoro-2025-03-01-093015.m4a",
                        "syncFolder /recordings"}));
-    EXPECT_EQ(fileSystem.entries, std::set<std::filesystem::path>{destination});
+    EXPECT_EQ(fileSystem.paths(), std::set<std::filesystem::path>{destination});
 }
 
 TEST_F(TrackMixingTest, mixMadeAheadTakesTheNameAndNoStagingFileStays) {
     toolkit.exporting.isMadeAhead = true;
     mix(2, true);
     EXPECT_TRUE(log.contains("name Vantoro-2025-03-01-093015.m4a"));
-    EXPECT_EQ(fileSystem.entries, std::set<std::filesystem::path>{destination});
+    EXPECT_EQ(fileSystem.paths(), std::set<std::filesystem::path>{destination});
 }
 
 TEST_F(TrackMixingTest, requestedStopEndsTheExportAndLeavesNothing) {
@@ -105,33 +105,33 @@ TEST_F(TrackMixingTest, requestedStopEndsTheExportAndLeavesNothing) {
     stop = source.get_token();
     toolkit.exporting.duringExport = [&] { source.request_stop(); };
     EXPECT_THROW(mix(2, true), std::system_error);
-    EXPECT_TRUE(fileSystem.entries.empty());
+    EXPECT_TRUE(fileSystem.paths().empty());
 }
 
 TEST_F(TrackMixingTest, fileThatAppearedAtTheDestinationStaysAndTheNextNameIsTaken) {
-    toolkit.exporting.duringExport = [this] { fileSystem.entries.insert(destination); };
+    toolkit.exporting.duringExport = [this] { fileSystem.put(destination); };
     mix(2, true);
     EXPECT_EQ(location, "/recordings/Vantoro-2025-03-01-093015-2.m4a");
-    EXPECT_EQ(fileSystem.entries, (std::set{destination, location}));
+    EXPECT_EQ(fileSystem.paths(), (std::set{destination, location}));
 }
 
 TEST_F(TrackMixingTest, failureRemovesNoFilesOfOthers) {
-    toolkit.exporting.duringExport = [this] { fileSystem.entries.insert(destination); };
+    toolkit.exporting.duringExport = [this] { fileSystem.put(destination); };
     toolkit.exporting.exportError = platformError();
     EXPECT_EQ(failureOf(), "the platform's own");
-    EXPECT_EQ(fileSystem.entries, std::set{destination});
+    EXPECT_EQ(fileSystem.paths(), std::set{destination});
 }
 
 TEST_F(TrackMixingTest, failedMoveFailsWithThatErrorAndLeavesNoStagingFile) {
     fileSystem.moveError = platformError();
     EXPECT_EQ(failureOf(), "the platform's own");
-    EXPECT_TRUE(fileSystem.entries.empty());
+    EXPECT_TRUE(fileSystem.paths().empty());
 }
 
 TEST_F(TrackMixingTest, folderThatCannotBeSyncedFailsTheExport) {
     fileSystem.syncFolderError = platformError();
     EXPECT_EQ(failureOf(), "the platform's own");
-    EXPECT_TRUE(fileSystem.entries.empty()) << "neither file may stay beside the recording";
+    EXPECT_TRUE(fileSystem.paths().empty()) << "neither file may stay beside the recording";
 }
 
 TEST_F(TrackMixingTest, progressReachesItsReceiver) {

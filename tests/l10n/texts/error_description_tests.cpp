@@ -8,7 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "l10n/l10n.h"
-#include "tests/l10n/memory_preferences.h"
+#include "tests/support/memory_preferences.h"
 
 namespace vantoro::testing {
 namespace {

@@ -8,11 +8,12 @@
 #include <string>
 
 #include "media/boxes/box_writer.h"
-#include "tests/media/support/memory_file_system.h"
+#include "tests/support/memory_file_system.h"
 
-namespace vantoro::media {
-
+namespace vantoro::testing {
 namespace {
+
+using namespace media;
 
 std::vector<std::byte> bytesOf(std::initializer_list<unsigned> values) {
     std::vector<std::byte> bytes;
@@ -118,5 +119,4 @@ TEST(ReadExactly, readsUpToTheFilesEndAndNotBeyond) {
 }
 
 } // namespace
-
-} // namespace vantoro::media
+} // namespace vantoro::testing

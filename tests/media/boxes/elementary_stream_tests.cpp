@@ -8,8 +8,7 @@
 
 #include "tests/media/support/sample_descriptions.h"
 
-namespace vantoro {
-
+namespace vantoro::testing {
 namespace {
 
 using made_up::bytesOf;
@@ -66,5 +65,4 @@ TEST(ElementaryStream, isRefusedWithTheReason) {
 }
 
 } // namespace
-
-} // namespace vantoro
+} // namespace vantoro::testing

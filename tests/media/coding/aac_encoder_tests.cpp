@@ -15,9 +15,10 @@
 #include "platform/ffmpeg/ffmpeg_coding.h"
 #include "tests/media/support/test_sounds.h"
 
-namespace vantoro::media {
-
+namespace vantoro::testing {
 namespace {
+
+using namespace media;
 
 using Samples = std::vector<float>;
 using Packets = std::vector<std::vector<std::uint8_t>>;
@@ -42,7 +43,7 @@ Packets encode(const std::vector<Sound>& sounds, std::int64_t frames) {
 }
 
 /// Both channels, without the priming.
-std::pair<Samples, Samples> decode(const Packets& packets, int channels) {
+std::pair<Samples, Samples> decodePackets(const Packets& packets, int channels) {
     const AacEncoder coder(ffmpeg::coding(), channels, bitRatePerChannel * channels);
     const auto decoder = ffmpeg::coding().makeDecoder(coder.track());
     std::pair<Samples, Samples> sound;
@@ -100,8 +101,8 @@ Sound interrupted(const Sound& sound, const Sound& by, std::int64_t from, std::i
 
 TEST(AacEncoder, identicalChannelsAreCodedOnce) {
     const std::int64_t frames = 30 * packetFrames + 100;
-    const auto alone = decode(encode({music()}, frames), 1);
-    const auto both = decode(encode({music(), music()}, frames), 2);
+    const auto alone = decodePackets(encode({music()}, frames), 1);
+    const auto both = decodePackets(encode({music(), music()}, frames), 2);
     EXPECT_EQ(both.first, alone.first);
     EXPECT_EQ(both.second, alone.first);
 }
@@ -112,15 +113,15 @@ TEST(AacEncoder, channelsThatDivergeAndConvergeSoundAsGoodAsAlone) {
         for (const std::int64_t length : {1, 2048, 20'000}) {
             const Sound left = music();
             const Sound right = interrupted(left, tone(700, 0.2F), from, from + length);
-            const auto joined = decode(encode({left, right}, frames), 2);
-            const auto apart = decode(encode({right}, frames), 1);
+            const auto joined = decodePackets(encode({left, right}, frames), 2);
+            const auto apart = decodePackets(encode({right}, frames), 1);
             const auto found = errors(joined.second, right, frames);
             const auto usual = errors(apart.first, right, frames);
             for (std::size_t i = 0; i < found.size(); ++i) {
                 EXPECT_LT(found[i], (1.5 * usual[i]) + 1e-4)
                     << "parted at " << from << " for " << length << ", packet " << i;
             }
-            EXPECT_EQ(joined.first, decode(encode({left}, frames), 1).first);
+            EXPECT_EQ(joined.first, decodePackets(encode({left}, frames), 1).first);
         }
     }
 }
@@ -131,9 +132,9 @@ TEST(AacEncoder, channelsThatDivergeOftenStayInStep) {
     const Sound right = [left, other = tone(700, 0.2F)](std::int64_t frame) {
         return frame / 50'000 % 2 == 1 && frame % 50'000 < 1500 ? other(frame) : left(frame);
     };
-    const auto joined = decode(encode({left, right}, frames), 2);
+    const auto joined = decodePackets(encode({left, right}, frames), 2);
     const auto found = errors(joined.second, right, frames);
-    const auto usual = errors(decode(encode({right}, frames), 1).first, right, frames);
+    const auto usual = errors(decodePackets(encode({right}, frames), 1).first, right, frames);
     for (std::size_t i = 0; i < found.size(); ++i) {
         EXPECT_LT(found[i], (1.5 * usual[i]) + 1e-4) << "packet " << i;
     }
@@ -163,5 +164,4 @@ TEST(ChannelSharing, isSharedAgainAfterASecondWithoutADifference) {
 }
 
 } // namespace
-
-} // namespace vantoro::media
+} // namespace vantoro::testing

@@ -8,15 +8,16 @@
 #include <string>
 #include <vector>
 
-namespace vantoro::media {
-
+namespace vantoro::testing {
 namespace {
 
-using Bytes = std::vector<std::uint8_t>;
+using namespace media;
+
+using PacketBytes = std::vector<std::uint8_t>;
 
 /// Bytes from a text of ones and zeros; ignores spaces and pads with zeros.
-Bytes bits(const std::string& text) {
-    Bytes bytes;
+PacketBytes bits(const std::string& text) {
+    PacketBytes bytes;
     unsigned count = 0;
     for (const char digit : text) {
         if (digit == ' ') {
@@ -32,7 +33,7 @@ Bytes bits(const std::string& text) {
     return bytes;
 }
 
-Bytes join(const std::vector<Bytes>& channels, unsigned gainSteps) {
+PacketBytes join(const std::vector<PacketBytes>& channels, unsigned gainSteps) {
     return joinChannels(
         std::vector<std::span<const std::uint8_t>>(channels.begin(), channels.end()), gainSteps);
 }
@@ -82,12 +83,11 @@ TEST(AacPacket, aWindowEndsShortBeforeAShortOneAndInItself) {
 
 TEST(AacPacket, refusesPacketsWithoutExactlyOneChannel) {
     EXPECT_THROW(join({{}}, 0), std::runtime_error);
-    EXPECT_THROW(join({Bytes(20)}, 0), std::runtime_error);
+    EXPECT_THROW(join({PacketBytes(20)}, 0), std::runtime_error);
     EXPECT_THROW(join({bits("001 0000 01100100 1011 111")}, 0), std::runtime_error);
     EXPECT_THROW(join({bits("000 0000 01100100 1011 101")}, 0), std::runtime_error);
     EXPECT_THROW(join({bits("111")}, 0), std::runtime_error);
 }
 
 } // namespace
-
-} // namespace vantoro::media
+} // namespace vantoro::testing

@@ -7,10 +7,9 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/media/support/memory_file_system.h"
+#include "tests/support/memory_file_system.h"
 
-namespace vantoro {
-
+namespace vantoro::testing {
 namespace {
 
 TEST(M4aFile, takesNoPacketThatItsIndexCannotDescribe) {
@@ -22,5 +21,4 @@ TEST(M4aFile, takesNoPacketThatItsIndexCannotDescribe) {
 }
 
 } // namespace
-
-} // namespace vantoro
+} // namespace vantoro::testing

@@ -9,15 +9,15 @@
 #include <vector>
 
 #include "tests/media/support/external_programs.h"
-#include "tests/media/support/memory_file_system.h"
 #include "tests/media/support/movie_recording.h"
+#include "tests/support/memory_file_system.h"
+#include "tests/support/temporary_folder.h"
 
-namespace vantoro {
-
+namespace vantoro::testing {
 namespace {
 
 /// The mix of a movie's tracks at a volume.
-class PacketCopy : public testing::Test {
+class PacketCopy : public ::testing::Test {
 protected:
     void exportAt(const std::vector<std::byte>& movie, float volume,
                   const ExportProgress& progress = {}) {
@@ -153,5 +153,4 @@ TEST_F(PacketCopy, progressNeverFallsAndEndsAtOne) {
 }
 
 } // namespace
-
-} // namespace vantoro
+} // namespace vantoro::testing

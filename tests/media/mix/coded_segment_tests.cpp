@@ -20,12 +20,14 @@
 #include "platform/ffmpeg/ffmpeg_coding.h"
 #include "platform/posix/posix_file_system.h"
 #include "tests/media/support/external_programs.h"
-#include "tests/media/support/memory_file_system.h"
 #include "tests/media/support/movie_recording.h"
+#include "tests/support/memory_file_system.h"
+#include "tests/support/temporary_folder.h"
 
-namespace vantoro::media {
-
+namespace vantoro::testing {
 namespace {
+
+using namespace media;
 
 using MixPackets = std::vector<std::vector<std::byte>>;
 using Channels = std::array<std::vector<float>, 2>;
@@ -137,7 +139,7 @@ Channels music(std::int64_t frames) {
 }
 
 /// A movie of two segments, in memory.
-class SegmentedCoding : public testing::Test {
+class SegmentedCoding : public ::testing::Test {
 protected:
     static constexpr std::int64_t frames = ((segmentPackets + 200) * packetFrames) + 123;
 
@@ -281,5 +283,4 @@ TEST_F(SegmentedCoding, anUnreadableSourceEndsTheCoding) {
 }
 
 } // namespace
-
-} // namespace vantoro::media
+} // namespace vantoro::testing

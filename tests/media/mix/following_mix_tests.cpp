@@ -11,12 +11,13 @@
 #include "engine/recorder/track_mixing.h"
 #include "media/boxes/box_reader.h"
 #include "platform/ffmpeg/toolkit.h"
-#include "tests/media/support/memory_file_system.h"
 #include "tests/media/support/movie_recording.h"
+#include "tests/support/memory_file_system.h"
 
-namespace vantoro::media {
-
+namespace vantoro::testing {
 namespace {
+
+using namespace media;
 
 using Volumes = std::vector<float>;
 
@@ -115,7 +116,7 @@ TEST_F(FollowingMixTest, isNotMadeInPowerSaveMode) {
 }
 
 TEST_F(FollowingMixTest, isNotMadeWithoutUnnamedFiles) {
-    files.setHasNoUnnamedFiles();
+    files.hasUnnamedFiles = false;
     recording.writer().expectMix({0.9F, 0.5F});
     recordSeconds(12);
     ASSERT_TRUE(files.waitForUnnamed(1));
@@ -124,9 +125,9 @@ TEST_F(FollowingMixTest, isNotMadeWithoutUnnamedFiles) {
 
 TEST_F(FollowingMixTest, itsDiskFailureDoesNotAffectTheRecording) {
     recordFollowed();
-    files.setSyncFails(true); // of the following mix
+    files.syncFails = true; // of the following mix
     EXPECT_THROW(mix(*openWritten(), "mix", {0.9F, 0.5F}), std::system_error);
-    files.setSyncFails(false);
+    files.syncFails = false;
     mix(*openWritten(), "mix", {0.9F, 0.5F});
     EXPECT_EQ(files.journalOf("mix.m4a").front(), "create");
 }
@@ -158,5 +159,4 @@ TEST_F(FollowingMixTest, endsWithAnAbandonedRecording) {
 }
 
 } // namespace
-
-} // namespace vantoro::media
+} // namespace vantoro::testing

@@ -9,12 +9,13 @@
 #include "engine/recorder/track_mixing.h"
 #include "platform/ffmpeg/ffmpeg_coding.h"
 #include "platform/ffmpeg/toolkit.h"
-#include "tests/media/support/memory_file_system.h"
 #include "tests/media/support/movie_recording.h"
+#include "tests/support/memory_file_system.h"
 
-namespace vantoro::media {
-
+namespace vantoro::testing {
 namespace {
+
+using namespace media;
 
 /// Tones that fade in and out, so that no two packets are equal.
 float melody(std::int64_t frame) {
@@ -118,5 +119,4 @@ TEST_F(GrowingMixTest, doesNotReplaceAnExistingFile) {
 }
 
 } // namespace
-
-} // namespace vantoro::media
+} // namespace vantoro::testing

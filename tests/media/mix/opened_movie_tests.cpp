@@ -7,11 +7,11 @@
 #include "media/movie/movie.h"
 #include "platform/ffmpeg/toolkit.h"
 #include "tests/media/support/external_programs.h"
-#include "tests/media/support/memory_file_system.h"
 #include "tests/media/support/movie_recording.h"
+#include "tests/support/memory_file_system.h"
+#include "tests/support/temporary_folder.h"
 
-namespace vantoro {
-
+namespace vantoro::testing {
 namespace {
 
 std::unique_ptr<Recording> open(const std::vector<std::byte>& movie) {
@@ -114,5 +114,4 @@ TEST(OpenedMovie, aMovieWithoutFragmentsHasNoTracks) {
 }
 
 } // namespace
-
-} // namespace vantoro
+} // namespace vantoro::testing

@@ -19,17 +19,17 @@
 #include "platform/ffmpeg/toolkit.h"
 #include "platform/posix/posix_file_system.h"
 #include "tests/media/support/external_programs.h"
-#include "tests/media/support/memory_file_system.h"
 #include "tests/media/support/movie_recording.h"
+#include "tests/support/memory_file_system.h"
+#include "tests/support/temporary_folder.h"
 
-namespace vantoro {
-
+namespace vantoro::testing {
 namespace {
 
-using testing::HasSubstr;
+using ::testing::HasSubstr;
 
 /// A temporary movie, and its mix.
-class MovieMix : public testing::Test {
+class MovieMix : public ::testing::Test {
 protected:
     struct Source {
         TrackFormat settings;
@@ -248,8 +248,8 @@ TEST_F(MovieMix, failsWithoutACoder) {
     media::RecordedMovie movie(none, files, "movie.mov");
     const auto file = files.create("mix.m4a", FileAudience::asUserPrefers);
     EXPECT_THAT([&] { movie.mix({1.0F}, *file, {}, {}); },
-                testing::Throws<RecordingError>(
-                    testing::Property(&RecordingError::which, RecordingError::Case::exportFailed)));
+                ::testing::Throws<RecordingError>(::testing::Property(
+                    &RecordingError::which, RecordingError::Case::exportFailed)));
 }
 
 TEST(WriterWithoutACoder, takesNoTrack) {
@@ -274,5 +274,4 @@ TEST(MovieMixOnDisk, writesAndReadsRealFiles) {
 }
 
 } // namespace
-
-} // namespace vantoro
+} // namespace vantoro::testing

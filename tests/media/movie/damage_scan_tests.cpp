@@ -14,12 +14,13 @@
 #include "media/coding/aac.h"
 #include "media/movie/fragment_checksum.h"
 #include "media/movie/movie.h"
-#include "tests/media/support/memory_file_system.h"
 #include "tests/media/support/movie_recording.h"
+#include "tests/support/memory_file_system.h"
 
-namespace vantoro::media {
-
+namespace vantoro::testing {
 namespace {
+
+using namespace media;
 
 using MovieBytes = std::vector<std::byte>;
 
@@ -342,5 +343,4 @@ TEST(BoxSearch, findsNamesAcrossReadBoundaries) {
 }
 
 } // namespace
-
-} // namespace vantoro::media
+} // namespace vantoro::testing

@@ -9,12 +9,11 @@
 
 #include "media/boxes/box_reader.h"
 #include "media/movie/movie_codecs.h"
-#include "tests/media/support/memory_file_system.h"
 #include "tests/media/support/movie_recording.h"
 #include "tests/media/support/sample_descriptions.h"
+#include "tests/support/memory_file_system.h"
 
-namespace vantoro {
-
+namespace vantoro::testing {
 namespace {
 
 using namespace made_up;
@@ -156,5 +155,4 @@ TEST(DamagedCodecs, everyWrongByteOfARecordedHeaderIsReadOrRefused) {
 }
 
 } // namespace
-
-} // namespace vantoro
+} // namespace vantoro::testing

@@ -12,11 +12,10 @@
 #include "media/coding/aac.h"
 #include "media/movie/fragment_parser.h"
 #include "media/movie/movie.h"
-#include "tests/media/support/memory_file_system.h"
 #include "tests/media/support/movie_recording.h"
+#include "tests/support/memory_file_system.h"
 
-namespace vantoro {
-
+namespace vantoro::testing {
 namespace {
 
 /// Opens the bytes and mixes all tracks.
@@ -213,5 +212,4 @@ TEST(DamagedMovie, anyDamageIsReadToTheEndOrRefused) {
 }
 
 } // namespace
-
-} // namespace vantoro
+} // namespace vantoro::testing

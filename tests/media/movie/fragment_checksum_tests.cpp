@@ -7,9 +7,10 @@
 
 #include <gtest/gtest.h>
 
-namespace vantoro::media {
-
+namespace vantoro::testing {
 namespace {
+
+using namespace media;
 
 std::uint32_t sumOf(std::string_view text) {
     Checksum sum;
@@ -34,5 +35,4 @@ TEST(FragmentChecksum, doesNotDependOnHowTheBytesAreSplit) {
 }
 
 } // namespace
-
-} // namespace vantoro::media
+} // namespace vantoro::testing

@@ -12,11 +12,12 @@
 #include "media/boxes/box_writer.h"
 #include "media/movie/fragment_checksum.h"
 #include "media/movie/movie_scan.h"
-#include "tests/media/support/memory_file_system.h"
+#include "tests/support/memory_file_system.h"
 
-namespace vantoro::media {
-
+namespace vantoro::testing {
 namespace {
+
+using namespace media;
 
 using FileBytes = std::vector<std::byte>;
 using Writing = std::function<void(BoxWriter&)>;
@@ -388,5 +389,4 @@ TEST(FragmentParser, readsDescriptionsOfUpToAMebibyte) {
 }
 
 } // namespace
-
-} // namespace vantoro::media
+} // namespace vantoro::testing

@@ -20,9 +20,9 @@ extern "C" {
 #include "tests/media/support/external_programs.h"
 #include "tests/media/support/movie_recording.h"
 #include "tests/media/support/sample_descriptions.h"
+#include "tests/support/temporary_folder.h"
 
-namespace vantoro {
-
+namespace vantoro::testing {
 namespace {
 
 using namespace made_up;
@@ -190,5 +190,4 @@ TEST(MovieCodecs, aTrackThatIsNotAudioIsIgnored) {
 }
 
 } // namespace
-
-} // namespace vantoro
+} // namespace vantoro::testing

@@ -10,11 +10,12 @@
 
 #include "media/boxes/box_reader.h"
 #include "media/boxes/box_writer.h"
-#include "tests/media/support/memory_file_system.h"
+#include "tests/support/memory_file_system.h"
 
-namespace vantoro::media {
-
+namespace vantoro::testing {
 namespace {
+
+using namespace media;
 
 using FileBytes = std::vector<std::byte>;
 using Writing = std::function<void(BoxWriter&)>;
@@ -282,5 +283,4 @@ TEST(MovieScan, continuesWhereItEndedWhenTheFileGrows) {
 }
 
 } // namespace
-
-} // namespace vantoro::media
+} // namespace vantoro::testing

@@ -8,11 +8,12 @@
 #include <vector>
 
 #include "media/boxes/box_writer.h"
-#include "tests/media/support/memory_file_system.h"
+#include "tests/support/memory_file_system.h"
 
-namespace vantoro::media {
-
+namespace vantoro::testing {
 namespace {
+
+using namespace media;
 
 constexpr std::uint32_t packetSize = 60000;
 
@@ -88,5 +89,4 @@ TEST(PacketReader, findsNothingInAMovieWithoutFragments) {
 }
 
 } // namespace
-
-} // namespace vantoro::media
+} // namespace vantoro::testing

@@ -12,30 +12,9 @@
 #include <iterator>
 #include <sstream>
 
-namespace vantoro {
+#include "tests/support/temporary_folder.h"
 
-TemporaryFolder::TemporaryFolder() {
-    std::string name = (std::filesystem::temp_directory_path() / "vantoro-test-XXXXXX").string();
-    EXPECT_NE(mkdtemp(name.data()), nullptr);
-    path_ = name;
-}
-
-TemporaryFolder::~TemporaryFolder() {
-    std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
-}
-
-std::filesystem::path TemporaryFolder::put(const std::string& name,
-                                           std::span<const std::byte> content) const {
-    const std::filesystem::path place = path_ / name;
-    std::ofstream file(place, std::ios::binary);
-    for (const std::byte byte : content) {
-        file.put(static_cast<char>(byte));
-    }
-    file.close();
-    EXPECT_TRUE(file.good());
-    return place;
-}
+namespace vantoro::testing {
 
 std::string run(const std::string& command) {
     const TemporaryFolder folder;
@@ -88,4 +67,4 @@ std::vector<float> decode(const std::filesystem::path& file, int track, int chan
     return samples;
 }
 
-} // namespace vantoro
+} // namespace vantoro::testing

@@ -10,24 +10,7 @@
 #include <string>
 #include <vector>
 
-namespace vantoro {
-
-/// A folder for one test, removed with all in it.
-class TemporaryFolder {
-public:
-    TemporaryFolder();
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-    ~TemporaryFolder();
-
-    const std::filesystem::path& path() const { return path_; }
-
-    /// Puts a file there, for programs that read no memory of ours.
-    std::filesystem::path put(const std::string& name, std::span<const std::byte> content) const;
-
-private:
-    std::filesystem::path path_;
-};
+namespace vantoro::testing {
 
 /// Runs a shell command and returns its standard output; what it says on standard error, or a
 /// status other than 0, fails the test.
@@ -44,4 +27,4 @@ std::int64_t framesOf(const std::filesystem::path& file, int track);
 /// packets, so up to 1023 frames longer than the track.
 std::vector<float> decode(const std::filesystem::path& file, int track, int channel = 0);
 
-} // namespace vantoro
+} // namespace vantoro::testing

@@ -9,9 +9,9 @@
 #include <future>
 #include <utility>
 
-#include "tests/media/support/memory_file_system.h"
+#include "tests/support/memory_file_system.h"
 
-namespace vantoro {
+namespace vantoro::testing {
 
 MovieRecording::MovieRecording(FileSystem& fileSystem, std::filesystem::path location,
                                std::vector<TrackFormat> tracks, FragmentIntervals intervals,
@@ -111,4 +111,4 @@ std::vector<TopBox> topBoxes(const std::vector<std::byte>& movie) {
     return boxes;
 }
 
-} // namespace vantoro
+} // namespace vantoro::testing

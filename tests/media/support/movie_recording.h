@@ -15,7 +15,7 @@
 #include "platform/ffmpeg/toolkit.h"
 #include "tests/media/support/test_sounds.h"
 
-namespace vantoro {
+namespace vantoro::testing {
 
 inline constexpr TrackFormat systemTrack{.channels = 2, .bitRate = 192000};
 inline constexpr TrackFormat microphoneTrack{.channels = 1, .bitRate = 96000};
@@ -84,4 +84,4 @@ struct TopBox {
 
 std::vector<TopBox> topBoxes(const std::vector<std::byte>& movie);
 
-} // namespace vantoro
+} // namespace vantoro::testing

@@ -15,7 +15,7 @@
 #include "media/boxes/box_writer.h"
 #include "media/movie/movie_codecs.h"
 
-namespace vantoro::made_up {
+namespace vantoro::testing::made_up {
 
 namespace {
 
@@ -125,4 +125,4 @@ void expectStereo(const std::optional<media::AacTrack>& codec) {
               (media::AacTrack{.channels = 2, .bitRate = bitRate, .coderConfiguration = stereo()}));
 }
 
-} // namespace vantoro::made_up
+} // namespace vantoro::testing::made_up

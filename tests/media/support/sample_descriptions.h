@@ -11,7 +11,7 @@
 #include "media/coding/aac_track.h"
 
 /// Headers of sound tracks, whole and damaged, as far as they tell how the packets are coded.
-namespace vantoro::made_up {
+namespace vantoro::testing::made_up {
 
 using Bytes = std::vector<std::byte>;
 
@@ -47,4 +47,4 @@ bool isRefused(const Bytes& information);
 /// Fails the test unless it is `stereo` at the bit rate.
 void expectStereo(const std::optional<media::AacTrack>& codec);
 
-} // namespace vantoro::made_up
+} // namespace vantoro::testing::made_up

@@ -9,8 +9,7 @@
 #include <numbers>
 #include <utility>
 
-namespace vantoro {
-
+namespace vantoro::testing {
 namespace {
 
 constexpr double framesPerSecond = 48000;
@@ -64,4 +63,4 @@ double levelOf(std::span<const float> samples, double frequency) {
     return 20 * std::log10((2 * std::abs(sum) / static_cast<double>(samples.size())) + 1e-9);
 }
 
-} // namespace vantoro
+} // namespace vantoro::testing

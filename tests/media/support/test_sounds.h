@@ -7,7 +7,7 @@
 #include <span>
 #include <vector>
 
-namespace vantoro {
+namespace vantoro::testing {
 
 /// So many frames.
 inline constexpr std::int64_t second = 48000;
@@ -25,4 +25,4 @@ std::int64_t clickIn(std::span<const float> samples, std::int64_t from, std::int
 /// The amplitude of one frequency in the samples, in decibels below full scale.
 double levelOf(std::span<const float> samples, double frequency);
 
-} // namespace vantoro
+} // namespace vantoro::testing

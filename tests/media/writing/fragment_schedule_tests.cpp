@@ -6,9 +6,10 @@
 
 #include <vector>
 
-namespace vantoro::media {
-
+namespace vantoro::testing {
 namespace {
+
+using namespace media;
 
 TEST(FragmentSchedule, usesTheInitialIntervalThenTheOther) {
     FragmentSchedule schedule(48000, 480000);
@@ -50,10 +51,9 @@ TEST(FragmentSchedule, aSourceDelaysAFragmentByTwoSecondsAtMost) {
     };
     for (const Case& test : cases) {
         EXPECT_EQ(schedule.isHeldBack(test.positions), test.heldBack)
-            << testing::PrintToString(test.positions);
+            << ::testing::PrintToString(test.positions);
     }
 }
 
 } // namespace
-
-} // namespace vantoro::media
+} // namespace vantoro::testing

@@ -8,9 +8,10 @@
 
 #include "media/boxes/box_reader.h"
 
-namespace vantoro::media {
-
+namespace vantoro::testing {
 namespace {
+
+using namespace media;
 
 /// Reads a box's header, whose size must match its content.
 void enter(ByteReader& fields, const char (&type)[5], std::uint64_t size) {
@@ -109,5 +110,4 @@ TEST(MovieBoxes, secondTracksContentFollowsTheFirsts) {
 }
 
 } // namespace
-
-} // namespace vantoro::media
+} // namespace vantoro::testing

@@ -9,11 +9,11 @@
 
 #include "platform/posix/posix_file_system.h"
 #include "tests/media/support/external_programs.h"
-#include "tests/media/support/memory_file_system.h"
 #include "tests/media/support/movie_recording.h"
+#include "tests/support/memory_file_system.h"
+#include "tests/support/temporary_folder.h"
 
-namespace vantoro {
-
+namespace vantoro::testing {
 namespace {
 
 std::vector<std::string> typesOf(const std::vector<TopBox>& boxes) {
@@ -181,5 +181,4 @@ TEST(MovieLayout, anUnfinishedWriterLeavesWhatItWrote) {
 }
 
 } // namespace
-
-} // namespace vantoro
+} // namespace vantoro::testing

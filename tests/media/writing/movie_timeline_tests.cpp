@@ -8,15 +8,15 @@
 #include <limits>
 
 #include "tests/media/support/external_programs.h"
-#include "tests/media/support/memory_file_system.h"
 #include "tests/media/support/movie_recording.h"
+#include "tests/support/memory_file_system.h"
+#include "tests/support/temporary_folder.h"
 
-namespace vantoro {
-
+namespace vantoro::testing {
 namespace {
 
 /// A movie being written, whose tracks an independent program decodes.
-class MovieTimeline : public testing::Test {
+class MovieTimeline : public ::testing::Test {
 protected:
     /// The track's sound; checks its length.
     std::vector<float> decodeTrack(int track, std::int64_t frames) {
@@ -101,7 +101,7 @@ TEST_F(MovieTimeline, aSourceThatStopsIsFilledAndDelaysNoFragment) {
 
 TEST_F(MovieTimeline, aSourceThatNeverDeliversIsSilent) {
     ASSERT_TRUE(recording.append(0, 0, second / 2, tone(440, 0.5F)));
-    EXPECT_THAT(decodeTrack(1, second / 2), testing::Each(0.0F));
+    EXPECT_THAT(decodeTrack(1, second / 2), ::testing::Each(0.0F));
 }
 
 TEST_F(MovieTimeline, buffersOfAnyLengthMakeOneUnbrokenTrack) {
@@ -115,7 +115,7 @@ TEST_F(MovieTimeline, buffersOfAnyLengthMakeOneUnbrokenTrack) {
     EXPECT_NEAR(levelOf(std::span(samples).subspan(4800, 48000), 1000), -6.02, 0.05);
 }
 
-class ToneLevel : public testing::TestWithParam<double> {};
+class ToneLevel : public ::testing::TestWithParam<double> {};
 
 TEST_P(ToneLevel, isTheSameInTheFileUpToFullScale) {
     const TemporaryFolder folder;
@@ -131,7 +131,7 @@ TEST_P(ToneLevel, isTheSameInTheFileUpToFullScale) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Frequencies, ToneLevel, testing::Values(100.0, 440.0, 3000.0, 8000.0));
+INSTANTIATE_TEST_SUITE_P(Frequencies, ToneLevel, ::testing::Values(100.0, 440.0, 3000.0, 8000.0));
 
 TEST_F(MovieTimeline, nonFiniteSamplesDoNotSpoilOthers) {
     const Sound spoilt = [](std::int64_t frame) {
@@ -160,5 +160,4 @@ TEST_F(MovieTimeline, anImpossibleTimeStampIsAFailure) {
 }
 
 } // namespace
-
-} // namespace vantoro
+} // namespace vantoro::testing

@@ -8,9 +8,10 @@
 #include <limits>
 #include <span>
 
-namespace vantoro::media {
-
+namespace vantoro::testing {
 namespace {
+
+using namespace media;
 
 SampleBuffer bufferOf(std::span<const float> samples, std::int64_t frames, std::uint32_t channels) {
     return {.dataIsReady = true,
@@ -51,5 +52,4 @@ TEST(SampleConversion, onlyConsistentBuffersFitATrack) {
 }
 
 } // namespace
-
-} // namespace vantoro::media
+} // namespace vantoro::testing

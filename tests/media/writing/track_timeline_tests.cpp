@@ -8,9 +8,10 @@
 #include <cstdlib>
 #include <vector>
 
-namespace vantoro::media {
-
+namespace vantoro::testing {
 namespace {
+
+using namespace media;
 
 struct Step {
     std::int64_t time;
@@ -23,7 +24,7 @@ struct Case {
     std::vector<Step> steps;
 };
 
-class TrackTimelineCases : public testing::TestWithParam<Case> {};
+class TrackTimelineCases : public ::testing::TestWithParam<Case> {};
 
 TEST_P(TrackTimelineCases, placesEachBuffer) {
     TrackTimeline timeline;
@@ -38,7 +39,7 @@ TEST_P(TrackTimelineCases, placesEachBuffer) {
 
 INSTANTIATE_TEST_SUITE_P(
     All, TrackTimelineCases,
-    testing::Values(
+    ::testing::Values(
         Case{"contiguous", {{0, 1024, {0, 0, 1024}}, {1024, 7, {0, 0, 7}}, {1031, 1, {0, 0, 1}}}},
         Case{"aSingleFrameIsABufferToo", {{0, 1, {0, 0, 1}}, {480, 480, {0, 0, 480}}}},
         Case{"lateFirstBuffer", {{1, 480, {1, 0, 480}}}},
@@ -89,7 +90,7 @@ TEST(TrackTimeline, refusesAnImpossibleGap) {
     EXPECT_EQ(timeline.place(172'800'000, 480).silence, 172'800'000);
 }
 
-class ClockDrift : public testing::TestWithParam<double> {};
+class ClockDrift : public ::testing::TestWithParam<double> {};
 
 TEST_P(ClockDrift, staysWithin20MillisecondsOfTheTimeStampsForFourHours) {
     constexpr std::int64_t fourHours = 4LL * 3600 * 48000;
@@ -103,8 +104,7 @@ TEST_P(ClockDrift, staysWithin20MillisecondsOfTheTimeStampsForFourHours) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(PartsPerMillion, ClockDrift, testing::Values(-200.0, 0.0, 200.0));
+INSTANTIATE_TEST_SUITE_P(PartsPerMillion, ClockDrift, ::testing::Values(-200.0, 0.0, 200.0));
 
 } // namespace
-
-} // namespace vantoro::media
+} // namespace vantoro::testing

@@ -13,16 +13,16 @@
 #include "media/writing/movie_writer.h"
 #include "platform/ffmpeg/ffmpeg_coding.h"
 #include "tests/media/support/external_programs.h"
-#include "tests/media/support/memory_file_system.h"
 #include "tests/media/support/movie_recording.h"
+#include "tests/support/memory_file_system.h"
+#include "tests/support/temporary_folder.h"
 
-namespace vantoro {
-
+namespace vantoro::testing {
 namespace {
 
-using testing::HasSubstr;
+using ::testing::HasSubstr;
 
-class WriteFailure : public testing::Test {
+class WriteFailure : public ::testing::Test {
 protected:
     /// Records until the writer refuses a buffer; returns the position.
     std::int64_t recordUntilRefused(std::int64_t from) {
@@ -91,10 +91,10 @@ TEST_F(WriteFailure, finishingWithoutAWholeFragmentFails) {
 }
 
 TEST_F(WriteFailure, aFailedSyncIsAFailedWrite) {
-    files.setSyncFails(true);
+    files.syncFails = true;
     const std::int64_t recorded = recordUntilRefused(0);
     EXPECT_THAT(whatOf(recording.writer().error()), HasSubstr("Input/output error"));
-    files.setSyncFails(false);
+    files.syncFails = false;
     recording.finish();
     EXPECT_EQ(recording.writer().status(), WriterStatus::completed);
     EXPECT_EQ(framesOnDisk(), recorded);
@@ -102,7 +102,7 @@ TEST_F(WriteFailure, aFailedSyncIsAFailedWrite) {
 
 TEST_F(WriteFailure, anUnreachableFileAtTheEndIsAFailure) {
     ASSERT_TRUE(recording.appendAll(0, 2 * second, sound));
-    files.setUnreachable();
+    files.isUnreachable = true;
     recording.finish();
     EXPECT_EQ(recording.writer().status(), WriterStatus::failed);
     EXPECT_THAT(whatOf(recording.writer().error()), HasSubstr("Permission denied"));
@@ -144,7 +144,7 @@ TEST(WriterStart, failsWithTheSystemsTextWhenTheFileCannotBeCreated) {
     files.put("movie.mov", {});
     ffmpeg::FfmpegToolkit toolkit(files);
     EXPECT_THAT([&] { toolkit.makeWriter("movie.mov", {}, {}); },
-                testing::ThrowsMessage<std::system_error>(HasSubstr("File exists")));
+                ::testing::ThrowsMessage<std::system_error>(HasSubstr("File exists")));
 }
 
 TEST(WriterStart, finishingAWriterThatNeverStartedFails) {
@@ -215,5 +215,4 @@ TEST(FragmentFile, countsTheWaitingBytes) {
 }
 
 } // namespace
-
-} // namespace vantoro
+} // namespace vantoro::testing

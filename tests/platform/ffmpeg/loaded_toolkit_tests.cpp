@@ -13,8 +13,9 @@
 #include "platform/ffmpeg/toolkit_module.h"
 #include "platform/posix/posix_file_system.h"
 #include "tests/media/support/external_programs.h"
+#include "tests/support/temporary_folder.h"
 
-namespace vantoro {
+namespace vantoro::testing {
 namespace {
 
 using ffmpeg::LoadedToolkit;
@@ -79,4 +80,4 @@ TEST_F(LoadedToolkitTest, nextUseAfterAFailureRetries) {
 }
 
 } // namespace
-} // namespace vantoro
+} // namespace vantoro::testing

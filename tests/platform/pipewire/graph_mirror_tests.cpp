@@ -4,9 +4,10 @@
 
 #include <gtest/gtest.h>
 
-namespace vantoro::pipewire {
-
+namespace vantoro::testing {
 namespace {
+
+using namespace pipewire;
 
 TEST(DefaultDeviceName, isReadFromTheMetadata) {
     EXPECT_EQ(defaultDeviceName(R"({"name":"alsa_input.usb"})"), "alsa_input.usb");
@@ -17,5 +18,4 @@ TEST(DefaultDeviceName, isReadFromTheMetadata) {
 }
 
 } // namespace
-
-} // namespace vantoro::pipewire
+} // namespace vantoro::testing

@@ -16,9 +16,10 @@
 #include <spa/param/props.h>
 #include <spa/pod/builder.h>
 
-namespace vantoro::pipewire {
-
+namespace vantoro::testing {
 namespace {
+
+using namespace pipewire;
 
 using capture::MixerSetting;
 using ::testing::ElementsAre;
@@ -173,5 +174,4 @@ TEST(ChannelMap, mayBeEmptyAndNameWhatNobodyKnows) {
 }
 
 } // namespace
-
-} // namespace vantoro::pipewire
+} // namespace vantoro::testing

@@ -126,19 +126,6 @@ int run(const std::vector<std::string>& command) {
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
-SoundSession::SoundSession() {
-    std::string pattern = std::filesystem::temp_directory_path() / "vantoro-sounds-XXXXXX";
-    if (mkdtemp(pattern.data()) == nullptr) {
-        throw std::runtime_error("no folder for sounds");
-    }
-    folder_ = pattern;
-}
-
-SoundSession::~SoundSession() {
-    std::error_code ignored;
-    std::filesystem::remove_all(folder_, ignored);
-}
-
 std::string SoundSession::soundFile(const std::string& name, int channels,
                                     const std::vector<float>& mono) const {
     const auto path = folder_ / (name + ".wav");

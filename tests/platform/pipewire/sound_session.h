@@ -2,12 +2,13 @@
 
 #pragma once
 
-#include <filesystem>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include <sys/types.h>
+
+#include "tests/support/temporary_folder.h"
 
 namespace vantoro::testing {
 
@@ -30,11 +31,6 @@ int run(const std::vector<std::string>& command);
 /// Sounds in the private session, each played by an application of its own.
 class SoundSession {
 public:
-    SoundSession();
-    SoundSession(const SoundSession&) = delete;
-    SoundSession& operator=(const SoundSession&) = delete;
-    ~SoundSession();
-
     using Player = std::unique_ptr<ChildProcess>;
 
     /// Plays a tone on this many channels for a minute. The stream's node is called `name` and has
@@ -70,7 +66,7 @@ private:
     std::string soundFile(const std::string& name, int channels,
                           const std::vector<float>& mono) const;
 
-    std::filesystem::path folder_;
+    TemporaryFolder folder_;
 };
 
 } // namespace vantoro::testing

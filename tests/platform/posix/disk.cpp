@@ -17,6 +17,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "tests/support/temporary_folder.h"
+
 namespace vantoro::testing {
 
 namespace {
@@ -30,19 +32,6 @@ bool mountMemoryDisk(const std::filesystem::path& folder, const std::string& opt
 }
 
 } // namespace
-
-TemporaryFolder::TemporaryFolder() {
-    std::string name = std::filesystem::temp_directory_path() / "posix-tests-XXXXXX";
-    if (::mkdtemp(name.data()) == nullptr) {
-        throw std::system_error(errno, std::system_category(), "mkdtemp");
-    }
-    path_ = name;
-}
-
-TemporaryFolder::~TemporaryFolder() {
-    std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
-}
 
 SmallDisk::SmallDisk(std::size_t size)
     : mounted_(mountMemoryDisk(folder_.path(), "size=" + std::to_string(size), 0)), size_(size) {

@@ -14,21 +14,9 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/temporary_folder.h"
+
 namespace vantoro::testing {
-
-/// A temporary folder on the real disk, removed with its content.
-class TemporaryFolder {
-public:
-    TemporaryFolder();
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-    ~TemporaryFolder();
-
-    const std::filesystem::path& path() const { return path_; }
-
-private:
-    std::filesystem::path path_;
-};
 
 /// A disk of `size` bytes. If mounting is not permitted, a file size limit stands in: the same
 /// writes fail, for another reason.

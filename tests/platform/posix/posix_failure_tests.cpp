@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/platform/posix/disk.h"
+#include "tests/support/temporary_folder.h"
 
 namespace vantoro::testing {
 namespace {
@@ -67,7 +68,7 @@ TEST(ReadOnlyFolderTest, nothingCanBeCreatedThere) {
     EXPECT_FALSE(fileSystem.exists(readOnly.path() / fileName));
 }
 
-TEST(FileInTheWayTest, noFolderIsCreatedBelowAFile) {
+TEST(FileInTheWayTest, nothingIsCreatedBelowAFile) {
     const TemporaryFolder folder;
     posix::PosixFileSystem fileSystem;
     writeFile(folder.path() / "file", "x");
@@ -75,6 +76,9 @@ TEST(FileInTheWayTest, noFolderIsCreatedBelowAFile) {
                   "Cannot create the folder takes: " + reason(ENOTDIR));
     expectFailure([&] { fileSystem.createFolders(folder.path() / "file"); },
                   "Cannot create the folder file: " + reason(ENOTDIR));
+    expectFailure(
+        [&] { fileSystem.create(folder.path() / "file" / "takes", FileAudience::userOnly); },
+        "Cannot open file: " + reason(ENOTDIR));
     EXPECT_EQ(contentOf(folder.path() / "file"), "x");
 }
 

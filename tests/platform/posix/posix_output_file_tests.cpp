@@ -13,6 +13,7 @@
 
 #include "platform/posix/posix_file_system.h"
 #include "tests/platform/posix/disk.h"
+#include "tests/support/temporary_folder.h"
 
 namespace vantoro::testing {
 namespace {

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/platform/posix/disk.h"
+#include "tests/support/temporary_folder.h"
 
 namespace vantoro::testing {
 

@@ -10,7 +10,7 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/ui/status_area/fake_status_area.h"
+#include "tests/support/fake_status_area.h"
 #include "ui/status_area/substituted_status_area.h"
 #include "ui/status_area/tray_icon_area.h"
 

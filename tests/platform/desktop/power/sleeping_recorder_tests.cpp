@@ -8,11 +8,13 @@
 
 #include "control/recording_view_model.h"
 #include "control/tasks/qt_scheduler.h"
-#include "tests/control/control_fakes.h"
 #include "tests/control/event_loop.h"
-#include "tests/l10n/memory_preferences.h"
 #include "tests/platform/desktop/power/mock_logind.h"
 #include "tests/platform/desktop/power/power_fixture.h"
+#include "tests/support/fake_desktop.h"
+#include "tests/support/fake_permissions.h"
+#include "tests/support/fake_recorder.h"
+#include "tests/support/memory_preferences.h"
 
 namespace vantoro::testing {
 namespace {
@@ -26,7 +28,8 @@ protected:
     MockLogind logind{systemBus};
     MemoryPreferences preferences = preferencesIn("en");
     FakeAudioDevices devices;
-    FakeMicrophonePermission microphone;
+    CallLog log;
+    FakeMicrophoneAccess microphone{log};
     FakeOpener opener;
     FakeFolderDialog folderDialog;
     AudioLevelStore levels;
