@@ -158,9 +158,10 @@ void RecordingViewModel::fail(const std::exception_ptr& error, bool preserveChec
     sleepHold_.reset();
     const auto description = errorDescription(error, texts_.language());
     setState(RecordingState::failed(description));
+    const auto interruption = interruptionText();
     setErrorMessage(
         L10n::sentences({description + (preserveCheckpoint ? texts_.checkpointKept() : ""),
-                         lost_.text(texts_), interruptionText()}));
+                         lost_.text(texts_), interruption == description ? "" : interruption}));
     refreshDevicesAndPermissions(); // shows a permission that was refused
 }
 

@@ -28,6 +28,14 @@ TEST_F(ViewModelTest, savesWhatWasRecordedWhenCaptureBreaks) {
     EXPECT_EQ(message(), text(Key::captureInterruptedSaved) + " connection lost");
 }
 
+TEST_F(ViewModelTest, saysOnceWhatBrokeCaptureAndTheSavingToo) {
+    lead(Case::recording);
+    recorder.stopError = failure("connection lost");
+    interruptCapture();
+    scheduler.settle();
+    EXPECT_EQ(message(), "connection lost" + L10n(preferences).checkpointKept());
+}
+
 TEST_F(ViewModelTest, keepsTheReasonForWhichARecordingIsBeingSaved) {
     lead(Case::recording);
     power.sleep();
