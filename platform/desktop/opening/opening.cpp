@@ -4,7 +4,7 @@
 
 #include <utility>
 
-#include "platform/desktop/opening/default_application.h"
+#include "platform/desktop/gio/default_application.h"
 #include "platform/desktop/opening/file_manager.h"
 #include "platform/desktop/opening/file_uri.h"
 #include "platform/desktop/opening/opening_portal.h"

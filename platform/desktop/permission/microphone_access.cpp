@@ -4,8 +4,8 @@
 
 #include <utility>
 
+#include "platform/desktop/gio/privacy_settings.h"
 #include "platform/desktop/permission/microphone_policy.h"
-#include "platform/desktop/permission/privacy_settings.h"
 #include "platform/desktop/permission/sandbox.h"
 
 namespace vantoro::desktop {

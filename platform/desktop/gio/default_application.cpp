@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "platform/desktop/opening/default_application.h"
+#include "platform/desktop/gio/default_application.h"
 
 #include <future>
 #include <memory>

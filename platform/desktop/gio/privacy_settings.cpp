@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "platform/desktop/permission/privacy_settings.h"
+#include "platform/desktop/gio/privacy_settings.h"
 
 #include <memory>
 
