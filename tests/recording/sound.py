@@ -44,6 +44,9 @@ class Playing:
         self._process.kill()
         self._process.wait()
 
+    def has_ended(self):
+        return self._process.poll() is not None
+
     def wait(self, timeout):
         self._process.wait(timeout)
 
@@ -102,6 +105,18 @@ def wait_for_link(output_port, input_port):
         monitor.kill()
         monitor.wait()
         monitor.stdout.close()
+
+
+def is_linked_before_it_ends(player, output_port, input_port):
+    """Whether an output's port is linked to another before the player ends; polls."""
+    deadline = time.monotonic() + SECONDS_TO_APPEAR
+    while time.monotonic() < deadline:
+        links = subprocess.run(["pw-link", "-l"], check=True, capture_output=True, text=True).stdout
+        if is_linked(output_port, input_port, (f"= {line}" for line in links.splitlines())):
+            return True
+        if player.has_ended():
+            return False
+    raise AssertionError(f"{output_port} was not linked within {SECONDS_TO_APPEAR} s")
 
 
 def is_linked(output_port, input_port, lines):
