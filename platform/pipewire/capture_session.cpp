@@ -248,6 +248,7 @@ void CaptureSession::tick() {
             (followed_ && !isMicrophonePresent())) {
             updateEvent_.request();
         }
+        reopenAfterLostMemory();
         for (const auto& [output, tap] : taps_) {
             tap->applySpeed();
         }
@@ -258,6 +259,19 @@ void CaptureSession::tick() {
         delivery_->wake();
         checkStalls();
     }
+}
+
+void CaptureSession::reopenAfterLostMemory() {
+    if (lostPages() == std::exchange(lostPages_, lostPages())) {
+        return;
+    }
+    // Which stream read them is not known.
+    close(microphone_);
+    for (auto& [output, tap] : taps_) {
+        close(tap);
+    }
+    taps_.clear();
+    updateEvent_.request();
 }
 
 bool CaptureSession::isMicrophonePresent() const {

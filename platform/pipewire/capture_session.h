@@ -21,6 +21,7 @@
 #include "platform/pipewire/input_stream.h"
 #include "platform/pipewire/linker.h"
 #include "platform/pipewire/loop_sources.h"
+#include "platform/pipewire/lost_memory.h"
 
 namespace vantoro::pipewire {
 
@@ -63,6 +64,7 @@ private:
     void updateMicrophone();
     void recordMicrophone(const capture::Microphone& source);
     void close(std::unique_ptr<InputStream>& stream);
+    void reopenAfterLostMemory();
     bool isMicrophonePresent() const;
     void reportObstacle(AudioLevelSource source, SourceCondition obstacle);
     void tick();
@@ -88,6 +90,7 @@ private:
     SourceCondition systemObstacle_ = SourceCondition::delivering;
     SourceCondition microphoneObstacle_ = SourceCondition::delivering;
     capture::CaptureWatch watch_;
+    std::uint64_t lostPages_ = lostPages();
 
     Connection connection_;
     LoopEvent updateEvent_;

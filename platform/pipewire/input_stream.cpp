@@ -13,6 +13,7 @@
 
 #include "capture/graph/channel_fold.h"
 #include "engine/failure.h"
+#include "platform/pipewire/lost_memory.h"
 
 namespace vantoro::pipewire {
 
@@ -86,6 +87,7 @@ InputStream::InputStream(pw_core* core, std::shared_ptr<capture::CaptureFeed> fe
     if (!stream_) {
         throw Failure(FailureCode::streamNotMade);
     }
+    replaceLostMemory();
     pw_stream_add_listener(stream_.get(), hook_.get(), &events, this);
     connect();
 }
@@ -166,6 +168,7 @@ void InputStream::ioChanged(void* data, std::uint32_t id, void* area, std::uint3
 
 void InputStream::process(void* data) {
     auto& self = *static_cast<InputStream*>(data);
+    expectLostMemoryHere();
     self.feed_->callbacks.fetch_add(1, std::memory_order_relaxed);
     while (pw_buffer* const buffer = pw_stream_dequeue_buffer(self.stream_.get())) {
         self.takeIn(*buffer->buffer);
