@@ -22,7 +22,7 @@ constexpr std::array<std::string_view, 24> sentences{
     "The microphone no longer delivers sound.",
     "The microphone was disconnected.",
     "The recording could not be started in time.",
-    "A recording stream could not be made.",
+    "A recording stream could not be created.",
     "A recording stream could not be connected.",
     "The sound server ended the recording.",
     "The sound server ended the recording: %.",

@@ -72,7 +72,7 @@ void Ending::setHandler(std::function<void()> asked) {
 
 void Ending::userQuits() {
     const std::scoped_lock lock(mutex_);
-    account_.asked(EndingRequest::quitting, timeNow());
+    account_.recordRequest(EndingRequest::quitting, timeNow());
     signals_.wake();
 }
 
@@ -120,7 +120,7 @@ void Ending::handleSignal(EndingRequest request) {
     bool shouldNotify = false;
     {
         const std::scoped_lock lock(mutex_);
-        shouldNotify = account_.asked(request, timeNow());
+        shouldNotify = account_.recordRequest(request, timeNow());
     }
     const std::scoped_lock lock(askedMutex_);
     if (shouldNotify && asked_) {

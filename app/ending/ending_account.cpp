@@ -6,8 +6,8 @@
 
 namespace vantoro {
 
-bool EndingAccount::asked(EndingRequest request, TimePoint now) {
-    if (!isAsked() && !status_) {
+bool EndingAccount::recordRequest(EndingRequest request, TimePoint now) {
+    if (!isRequested() && !status_) {
         lastProgress_ = now;
         isUnhandled_ = !hasHandler_;
     }
@@ -28,7 +28,7 @@ void EndingAccount::concluded(int status, TimePoint now) {
 }
 
 EndingStep EndingAccount::step(TimePoint now) const {
-    if (!isAsked() && !status_) {
+    if (!isRequested() && !status_) {
         return EndingStep::goOn;
     }
     return isImpatient_ || isUnhandled_ || now - lastProgress_ >= longestStandstill

@@ -39,9 +39,9 @@ public:
     /// handler nor work.
     void setHasHandler(bool hasHandler) { hasHandler_ = hasHandler; }
 
-    /// Returns whether to notify the handler: for the first request other than quitting, which
-    /// comes from the handler itself.
-    bool asked(EndingRequest request, TimePoint now);
+    /// Records a request. Returns whether to notify the handler: for the first request other than
+    /// quitting, which comes from the handler itself.
+    bool recordRequest(EndingRequest request, TimePoint now);
 
     /// The user stays because a recording could not be saved. Does not cancel a signal.
     void quittingCalledOff() { isQuitting_ = false; }
@@ -64,7 +64,7 @@ public:
     int status() const { return status_.value_or(1); }
 
 private:
-    bool isAsked() const { return isQuitting_ || isSignalled_; }
+    bool isRequested() const { return isQuitting_ || isSignalled_; }
 
     bool hasHandler_ = false;
     bool isQuitting_ = false;

@@ -142,9 +142,9 @@ constexpr Row rows[] = {
     {Text::loginManagerUnknown, "Login manager: does not answer", "登录管理器：没有响应"},
 
     {Text::folder, "Recording folder: %1", "录音文件夹：%1"},
-    {Text::folderToBeMade, "%1 (made by the first recording)", "%1（首次录音时创建）"},
+    {Text::folderToBeMade, "%1 (created by the first recording)", "%1（首次录音时创建）"},
     {Text::folderSpace, "Recording folder: %1, %2 free", "录音文件夹：%1，可用空间 %2"},
-    {Text::folderRefused, "Recording folder: %1: no file can be made (%2)",
+    {Text::folderRefused, "Recording folder: %1: no file can be created (%2)",
      "录音文件夹：%1：无法创建文件（%2）"},
     {Text::folderRefusedAdvice,
      "Choose another recording folder, or allow yourself to write into %1.",

@@ -15,7 +15,7 @@ std::string inEnglish(EndingWork work, EndingCause cause, const std::string& fol
                       : "Vantoro ended before the recording had begun.") +
                " If a temporary file was begun in " + folder + ", it is kept.";
     case EndingWork::saving:
-        return (hangs ? "Saving does not get on; the disk of " + folder +
+        return (hangs ? "Saving makes no progress; the disk of " + folder +
                             " probably does not answer. The recording is not finished."
                       : "Vantoro ended before the recording was finished.") +
                " What has reached the disk is kept in a temporary file in " + folder +
@@ -26,7 +26,7 @@ std::string inEnglish(EndingWork work, EndingCause cause, const std::string& fol
     return (hangs ? "Vantoro has stopped waiting; the disk of " + folder +
                         " probably does not answer."
                   : std::string("Vantoro ended at once.")) +
-           " Recordings in " + folder + " that are not finished are kept for another time.";
+           " Recordings in " + folder + " that are not finished are kept for the next time.";
 }
 
 std::string inChinese(EndingWork work, EndingCause cause, const std::string& folder) {

@@ -35,7 +35,7 @@ AacEncoder::AacEncoder(const Coding& coding, int channels, int bitRate, int pack
     : packetsAhead_(static_cast<std::size_t>(packetsAhead)),
       coders_(static_cast<std::size_t>(channels)) {
     if (channels < 1 || channels > 2) {
-        throw std::invalid_argument("Sound has one channel or two.");
+        throw std::invalid_argument("Only mono and stereo sound can be coded.");
     }
     for (int channel = 0; channel < channels; ++channel) {
         channels_.push_back({.coder = coding.makeChannelCoder(bitRate / channels),
@@ -119,7 +119,7 @@ void AacEncoder::receive(const PacketSink& sink) {
         if (coders_ == 2) {
             second = channels_[1].coder->nextPacket();
             if (!second) {
-                throw std::runtime_error("The AAC coders do not go in step.");
+                throw std::runtime_error("The AAC coders are out of step.");
             }
             contents[1] = second->bytes;
         }

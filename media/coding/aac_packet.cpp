@@ -75,7 +75,7 @@ std::size_t findChannelEnd(std::span<const std::uint8_t> packet) {
         size == 0 ? 0 : (8 * size) - static_cast<std::size_t>(std::countr_zero(packet[size - 1]));
     if (bits < elementHeaderBits + gainBits + 3 || BitReader(packet, 0).get(3) != singleChannel ||
         BitReader(packet, bits - 3).get(3) != end) {
-        throw std::runtime_error("The AAC coder's packets are not what they have to be.");
+        throw std::runtime_error("The AAC coder produced an unexpected packet.");
     }
     return bits - 3;
 }
@@ -97,7 +97,7 @@ void copyChannel(std::span<const std::uint8_t> packet, unsigned gainSteps, BitWr
 
 WindowEnd windowEndOf(std::span<const std::uint8_t> packet) {
     if (findChannelEnd(packet) < sequencePosition + 3) {
-        throw std::runtime_error("The AAC coder's packets are not what they have to be.");
+        throw std::runtime_error("The AAC coder produced an unexpected packet.");
     }
     BitReader in(packet, sequencePosition);
     const unsigned sequence = in.get(2);

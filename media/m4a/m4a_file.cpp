@@ -46,7 +46,7 @@ M4aFile::M4aFile(OutputFile& file, AacTrack track, std::int64_t expectedFrames)
 void M4aFile::add(std::span<const std::byte> packet) {
     using Size = decltype(packetSizes_)::value_type; // a packet has at most 1536 bytes
     if (packet.size() > std::numeric_limits<Size>::max()) {
-        throw std::runtime_error("A packet is larger than any that AAC has.");
+        throw std::runtime_error("A packet exceeds the size limit of AAC.");
     }
     if (packetSizes_.size() % packetsPerChunk == 0) {
         chunkOffsets_.push_back(written_ + buffer_.size());

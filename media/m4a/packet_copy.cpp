@@ -18,7 +18,7 @@ void copyPackets(const std::shared_ptr<const Movie>& movie, std::size_t track, s
     for (std::int64_t done = 0; done < count; ++done) {
         const auto packet = packets.next();
         if (!packet || packet->empty()) {
-            throw DamagedMovie("it has become shorter");
+            throw DamagedMovie("the file is shorter than before");
         }
         file.add(*packet);
         if (done % progressInterval != 0) {

@@ -20,7 +20,7 @@ std::unique_ptr<OutputFile> unnamedFileBeside(const std::filesystem::path& movie
                                               FileSystem& fileSystem) {
     auto file = fileSystem.createUnnamed(movie.parent_path(), FileAudience::asUserPrefers);
     if (!file) {
-        throw std::runtime_error("There are no files without names here.");
+        throw std::runtime_error("The file system does not support unnamed files.");
     }
     return file;
 }
@@ -37,7 +37,7 @@ GrowingMix::GrowingMix(const Coding& coding, FileSystem& fileSystem,
       file_(*unnamed_, makeMixCoder(coding).track()),
       splicer_([this](std::span<const std::byte> packet) { file_.add(packet); }) {
     if (volumes.size() != movie_->scan.tracks.size()) {
-        throw std::runtime_error("The movie has other tracks.");
+        throw std::runtime_error("The tracks of the movie have changed.");
     }
     for (std::size_t track = 0; track < volumes.size(); ++track) {
         mix_.push_back(
@@ -73,7 +73,7 @@ std::shared_ptr<const Movie> GrowingMix::finishedMovie() {
 std::int64_t GrowingMix::readFragments() {
     movie_->file = fileSystem_.open(location_);
     if (movie_->file->size() < movie_->scan.fragmentsEnd) {
-        throw std::runtime_error("The movie has become shorter.");
+        throw std::runtime_error("The recording file is shorter than before.");
     }
     continueScan(*movie_->file, movie_->scan);
     return std::ranges::min(movie_->scan.ends) - primingFrames;
@@ -101,7 +101,7 @@ void GrowingMix::check(const Mix& mix) const {
                wanted.volume == begun.volume;
     };
     if (!std::ranges::equal(mix_, mix, isTheSame)) {
-        throw std::runtime_error("Another mix is wanted.");
+        throw std::runtime_error("The mix was requested with other settings.");
     }
 }
 

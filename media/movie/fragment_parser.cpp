@@ -160,7 +160,7 @@ Fragment readFragment(const InputFile& file, std::uint64_t offset,
     const FileBox description = readFileBox(file, offset);
     if (description.type != boxType("moof") ||
         description.end - description.content > maxDescriptionSize) {
-        throw DamagedMovie("no fragment lies where one should");
+        throw DamagedMovie("a fragment is missing");
     }
     const FileBox data = readFileBox(file, description.end);
     if (data.type != boxType("mdat")) {

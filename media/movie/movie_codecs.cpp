@@ -42,7 +42,7 @@ ByteSpan skipDescriptionFields(ByteSpan description) {
     // Later QuickTime versions have more fields.
     constexpr std::array<std::size_t, 3> moreFields{0, 16, 36};
     if (version >= moreFields.size()) {
-        throw DamagedMovie("a track is described in an unknown way");
+        throw DamagedMovie("a track has an unknown description");
     }
     fields.skip(moreFields.at(version));
     return fields.rest();

@@ -88,7 +88,7 @@ std::vector<TrackHeader> parseHeader(ByteSpan content) {
             const bool isKnown =
                 std::ranges::find(tracks, track.id, &TrackHeader::id) != tracks.end();
             if (isKnown || tracks.size() == maxTracks) {
-                throw DamagedMovie("its tracks cannot be told apart");
+                throw DamagedMovie("it has too many tracks, or two with the same number");
             }
             tracks.push_back(std::move(track));
         } else if (box->type == boxType("mvex")) {

@@ -69,7 +69,7 @@ std::vector<std::byte> FragmentMuxer::closeFragment(std::int64_t end) {
         ++number;
     }
     if (content.size() > std::numeric_limits<std::uint32_t>::max() / 2) {
-        throw std::runtime_error("A fragment is larger than its size can say.");
+        throw std::runtime_error("A fragment is too large for its size field.");
     }
     append(bytes, fragmentHeader(++fragments_, parts));
     append(bytes, content);

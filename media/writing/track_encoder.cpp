@@ -17,7 +17,7 @@ TrackEncoder::TrackEncoder(const Coding& coding, int channels, int bitRate)
 
 void TrackEncoder::append(const SampleBuffer& buffer, std::int64_t time, const PacketSink& sink) {
     if (!fitsTrack(buffer, coder_.channels())) {
-        throw std::runtime_error("The captured sound has a form that its track does not take.");
+        throw std::runtime_error("The captured sound does not match the format of its track.");
     }
     const Placement placement = timeline_.place(time, buffer.frameCount);
     addSilence(placement.silence, sink);

@@ -22,7 +22,7 @@ SECONDS_OF_THE_IMPATIENT = 1
 DYING_RECORDER = Path(recorder.PROGRAM).parent / "tests/crash/dying_recorder"
 
 NOT_BEGUN = "The recording could not begin in time: the folder {}, the sound server or the desktop does not answer."
-NOT_SAVED = "Saving does not get on; the disk of {} probably does not answer. The recording is not finished."
+NOT_SAVED = "Saving makes no progress; the disk of {} probably does not answer. The recording is not finished."
 NOT_AWAITED = "Vantoro ended before the recording was finished."
 KEPT = "What has reached the disk is kept in a temporary file in {}."
 NOT_RECOVERED = "Vantoro has stopped waiting; the disk of {} probably does not answer."

@@ -119,7 +119,7 @@ class Doctor(RecordingCase):
         self.offer_services()
         findings, advice = self.examine()
         self.assertRegex(findings[0], r"^ok  Sound server: PipeWire \d+\.\d+\.\d+ \(client library \d+\.\d+\.\d+\)$")
-        self.assertRegex(findings[9], rf"^ok  Recording folder: {self.folder} \(made by the first recording\), "
+        self.assertRegex(findings[9], rf"^ok  Recording folder: {self.folder} \(created by the first recording\), "
                                        r"\d+\.\d GiB free$")
         self.assertEqual(findings[1:9] + findings[10:], [
             "ok  Session manager: running",
@@ -227,7 +227,7 @@ class Doctor(RecordingCase):
         self.folder.mkdir()
         subprocess.run(["mount", "-t", "tmpfs", "-o", "ro", "tmpfs", str(self.folder)], check=True)
         self.addCleanup(subprocess.run, ["umount", str(self.folder)], check=True)
-        expected = f"!   Recording folder: {self.folder}: no file can be made (Read-only file system)"
+        expected = f"!   Recording folder: {self.folder}: no file can be created (Read-only file system)"
         self.assertIn(expected, self.problems())
         self.record_into(self.folder / "below")
         self.assertIn(expected.replace(str(self.folder), f"{self.folder}/below"), self.problems())

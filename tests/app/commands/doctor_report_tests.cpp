@@ -259,12 +259,13 @@ TEST(DoctorReport, namesWhatTheDesktopLacks) {
 TEST(DoctorReport, saysWhatCanBeDoneInTheFolder) {
     const Case table[] = {
         {[](auto& found) { found.folder->exists = false; },
-         "Recording folder: /home/me/Videos/Vantoro (made by the first recording), 45.5 GiB free",
+         "Recording folder: /home/me/Videos/Vantoro (created by the first recording), 45.5 GiB "
+         "free",
          "录音文件夹：/home/me/Videos/Vantoro（首次录音时创建），可用空间 45.5 GiB", false},
         {[](auto& found) {
              found.folder->refusal = std::make_error_code(std::errc::permission_denied);
          },
-         "Recording folder: /home/me/Videos/Vantoro: no file can be made (Permission denied)",
+         "Recording folder: /home/me/Videos/Vantoro: no file can be created (Permission denied)",
          "录音文件夹：/home/me/Videos/Vantoro：无法创建文件（权限不足）", true},
         {[](auto& found) { found.folder->availableBytes = gibibyte - 1; },
          "Recording folder: /home/me/Videos/Vantoro, only 1023 MiB free",

@@ -44,16 +44,16 @@ void happen(EndingAccount& account, const Event& event) {
         account.setHasHandler(event.what == handled);
         break;
     case quitting:
-        account.asked(EndingRequest::quitting, at(event.at));
+        account.recordRequest(EndingRequest::quitting, at(event.at));
         break;
     case stays:
         account.quittingCalledOff();
         break;
     case hangUp:
-        account.asked(EndingRequest::hangUp, at(event.at));
+        account.recordRequest(EndingRequest::hangUp, at(event.at));
         break;
     case signal:
-        account.asked(EndingRequest::signal, at(event.at));
+        account.recordRequest(EndingRequest::signal, at(event.at));
         break;
     case progressed:
         account.progressed(at(event.at));
@@ -236,12 +236,12 @@ TEST(EndingAccountTest, threadsAfterTheWorkGetTheSameTimeLimit) {
 TEST(EndingAccountTest, reportsOnlyTheFirstSignal) {
     EndingAccount account;
     account.setHasHandler(true);
-    EXPECT_FALSE(account.asked(EndingRequest::quitting, at(0))); // the handler knows
-    EXPECT_TRUE(account.asked(EndingRequest::hangUp, at(1)));
-    EXPECT_FALSE(account.asked(EndingRequest::signal, at(2)));
-    EXPECT_FALSE(account.asked(EndingRequest::hangUp, at(3)));
+    EXPECT_FALSE(account.recordRequest(EndingRequest::quitting, at(0))); // the handler knows
+    EXPECT_TRUE(account.recordRequest(EndingRequest::hangUp, at(1)));
+    EXPECT_FALSE(account.recordRequest(EndingRequest::signal, at(2)));
+    EXPECT_FALSE(account.recordRequest(EndingRequest::hangUp, at(3)));
     EXPECT_FALSE(account.isImpatient());
-    account.asked(EndingRequest::signal, at(300));
+    account.recordRequest(EndingRequest::signal, at(300));
     EXPECT_TRUE(account.isImpatient());
 }
 

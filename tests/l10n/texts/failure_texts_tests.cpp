@@ -43,7 +43,7 @@ const std::vector<FailureRow> failureRows{
     {Code::microphoneStalled, "The microphone no longer delivers sound.", "麦克风不再传来声音。"},
     {Code::microphoneDisconnected, "The microphone was disconnected.", "麦克风已断开。"},
     {Code::captureNotStarted, "The recording could not be started in time.", "录音未能及时开始。"},
-    {Code::streamNotMade, "A recording stream could not be made.", "无法创建录音流。"},
+    {Code::streamNotMade, "A recording stream could not be created.", "无法创建录音流。"},
     {Code::streamNotConnected, "A recording stream could not be connected.", "无法连接录音流。"},
     {Code::streamEnded, "The sound server ended the recording.", "声音服务器结束了录音。"},
     {Code::streamEndedBecause, "The sound server ended the recording: ARGUMENT.",
