@@ -15,25 +15,6 @@ void SerialQueue::Source::signal() noexcept {
     }
 }
 
-SerialQueue::SourceHandle& SerialQueue::SourceHandle::operator=(SourceHandle&& other) noexcept {
-    if (this != &other) {
-        release();
-        source_ = std::move(other.source_);
-    }
-    return *this;
-}
-
-SerialQueue::SourceHandle::~SourceHandle() {
-    release();
-}
-
-void SerialQueue::SourceHandle::release() noexcept {
-    if (source_) {
-        source_->queue_.removeSource(source_);
-        source_.reset();
-    }
-}
-
 SerialQueue::SerialQueue(std::string label)
     : label_(std::move(label)), thread_([this](const std::stop_token& stop) { run(stop); }) {}
 
@@ -53,11 +34,8 @@ void SerialQueue::async(std::function<void()> work) {
 SerialQueue::SourceHandle SerialQueue::addSource(std::function<void()> handler) {
     std::shared_ptr<Source> source(new Source(*this, std::move(handler)));
     async([this, source] { sources_.push_back(source); });
-    return SourceHandle(std::move(source));
-}
-
-void SerialQueue::removeSource(const std::shared_ptr<Source>& source) {
-    sync([this, &source] { std::erase(sources_, source); });
+    return {source.get(),
+            [this, source](Source* /*same*/) { sync([&] { std::erase(sources_, source); }); }};
 }
 
 void SerialQueue::wake() noexcept {

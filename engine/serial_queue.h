@@ -39,28 +39,9 @@ public:
         std::atomic<bool> pending_{false};
     };
 
-    /// Removes its source on destruction; the handler does not run afterwards. Destroy it on any
+    /// Removes its source when released; the handler does not run afterwards. Release it on any
     /// thread, even in the handler. Must not outlive the queue.
-    class SourceHandle {
-    public:
-        SourceHandle() = default;
-        SourceHandle(const SourceHandle&) = delete;
-        SourceHandle& operator=(const SourceHandle&) = delete;
-        SourceHandle(SourceHandle&& other) noexcept = default;
-        SourceHandle& operator=(SourceHandle&& other) noexcept;
-        ~SourceHandle();
-
-        void signal() const noexcept { source_->signal(); }
-
-    private:
-        friend class SerialQueue;
-
-        explicit SourceHandle(std::shared_ptr<Source> source) : source_(std::move(source)) {}
-
-        void release() noexcept;
-
-        std::shared_ptr<Source> source_;
-    };
+    using SourceHandle = std::shared_ptr<Source>;
 
     explicit SerialQueue(std::string label);
     SerialQueue(const SerialQueue&) = delete;
@@ -94,7 +75,6 @@ private:
     void run(const std::stop_token& stop);
     bool runPendingWork();
     void wake() noexcept;
-    void removeSource(const std::shared_ptr<Source>& source);
 
     const std::string label_;
     std::mutex mutex_; // guards work_; held for a push or swap only

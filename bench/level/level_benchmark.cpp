@@ -6,7 +6,7 @@
 
 #include <benchmark/benchmark.h>
 
-#include "engine/audio_level.h"
+#include "engine/recorder/level_meter.h"
 
 namespace {
 

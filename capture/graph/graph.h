@@ -10,8 +10,6 @@
 #include <string>
 #include <vector>
 
-#include "capture/graph/mixer_setting.h"
-
 namespace vantoro::capture {
 
 using ObjectId = std::uint32_t;
@@ -26,6 +24,16 @@ struct Identity {
     std::uint64_t serial = 0; ///< 0: unknown
 
     friend auto operator<=>(const Identity&, const Identity&) = default;
+};
+
+/// A device's state in the user's mixer. A recording of it is silent if `isSilent`.
+struct MixerSetting {
+    bool isMuted = false;
+    bool isVolumeZero = false; ///< on every channel
+
+    bool isSilent() const noexcept { return isMuted || isVolumeZero; }
+
+    friend bool operator==(const MixerSetting&, const MixerSetting&) = default;
 };
 
 struct Node {

@@ -90,4 +90,16 @@ std::vector<Identity> portsOf(const Graph& graph, const Microphone& microphone) 
     return ports;
 }
 
+FollowedMicrophone::Presence FollowedMicrophone::update(const Graph& graph,
+                                                        std::uint64_t monotonic) {
+    const bool isSame = deviceOf(graph, source_) != nullptr;
+    if (const auto found = isSame ? source_ : findMicrophone(graph, name_)) {
+        source_ = *found;
+        awaySince_.reset();
+        return Presence::here;
+    }
+    awaySince_ = awaySince_.value_or(monotonic);
+    return monotonic - *awaySince_ < patience ? Presence::away : Presence::gone;
+}
+
 } // namespace vantoro::capture

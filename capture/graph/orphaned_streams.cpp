@@ -2,21 +2,7 @@
 
 #include "capture/graph/orphaned_streams.h"
 
-#include <algorithm>
-
 namespace vantoro::capture {
-
-namespace {
-
-bool isHeard(ObjectId stream, const Graph& graph) {
-    return std::ranges::any_of(graph.links, [&](const auto& entry) {
-        const auto target = graph.nodes.find(entry.second.inputNode);
-        return entry.second.outputNode == stream && target != graph.nodes.end() &&
-               isOutput(target->second);
-    });
-}
-
-} // namespace
 
 void OrphanedStreams::update(const Graph& graph, std::uint64_t monotonic) {
     const bool isManaged = graph.defaultsOfSessionManager.has_value();
@@ -32,7 +18,7 @@ void OrphanedStreams::update(const Graph& graph, std::uint64_t monotonic) {
         const Identity stream{id, node.serial};
         const bool becomesOne = unmanagedSince_ && node.autoconnect;
         if ((becomesOne || streams_.contains(stream)) && isPlaybackStream(node) &&
-            !isHeard(id, graph)) {
+            outputsLinkedTo(id, graph).empty()) {
             orphans.insert(stream);
         }
     }

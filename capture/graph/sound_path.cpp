@@ -4,33 +4,24 @@
 
 #include <algorithm>
 #include <iterator>
-#include <string_view>
+#include <ranges>
+#include <string>
 #include <utility>
 
 namespace vantoro::capture {
 
 namespace {
 
-bool isCalled(const Node& node, std::string_view nameOrSerial) {
-    return node.name == nameOrSerial || std::to_string(node.serial) == nameOrSerial;
-}
-
-std::optional<ObjectId> findOutput(const Graph& graph, std::string_view nameOrSerial) {
-    for (const auto& [id, node] : graph.nodes) {
-        if (isOutput(node) && isCalled(node, nameOrSerial)) {
-            return id;
-        }
-    }
-    return std::nullopt;
+/// The nodes of this name or serial.
+auto nodesCalled(const std::string& nameOrSerial, const Graph& graph) {
+    return graph.nodes | std::views::filter([&](const auto& entry) {
+               return entry.second.name == nameOrSerial ||
+                      std::to_string(entry.second.serial) == nameOrSerial;
+           });
 }
 
 bool namesSomething(const std::string& target) {
     return !target.empty() && target != "-1";
-}
-
-bool exists(const Graph& graph, std::string_view nameOrSerial) {
-    return std::ranges::any_of(
-        graph.nodes, [&](const auto& entry) { return isCalled(entry.second, nameOrSerial); });
 }
 
 /// Where the session manager will connect a stream: where the user moved it, else its requested
@@ -41,24 +32,18 @@ std::optional<ObjectId> predictedOutput(ObjectId stream, const Graph& graph) {
         return std::nullopt;
     }
     const auto moved = graph.targets.find(stream);
-    const std::string target = moved != graph.targets.end() && namesSomething(moved->second)
-                                   ? moved->second
-                                   : node.targetObject;
-    if (namesSomething(target) && exists(graph, target)) {
-        return findOutput(graph, target);
+    std::string target = moved != graph.targets.end() && namesSomething(moved->second)
+                             ? moved->second
+                             : node.targetObject;
+    if (!namesSomething(target) || nodesCalled(target, graph).empty()) {
+        target = graph.defaultOutput;
     }
-    return graph.defaultOutput.empty() ? std::nullopt : findOutput(graph, graph.defaultOutput);
-}
-
-std::set<ObjectId> outputsLinkedTo(ObjectId node, const Graph& graph) {
-    std::set<ObjectId> result;
-    for (const auto& [id, link] : graph.links) {
-        const auto target = graph.nodes.find(link.inputNode);
-        if (link.outputNode == node && target != graph.nodes.end() && isOutput(target->second)) {
-            result.insert(link.inputNode);
+    for (const auto& [id, other] : nodesCalled(target, graph)) {
+        if (isOutput(other) && !target.empty()) {
+            return id;
         }
     }
-    return result;
+    return std::nullopt;
 }
 
 std::set<ObjectId> outputsHearing(ObjectId id, const Node& node, const Graph& graph) {
@@ -153,6 +138,17 @@ bool isPlaybackStream(const Node& node) {
 
 bool isCaptureStream(const Node& node) {
     return node.mediaClass == "Stream/Input/Audio";
+}
+
+std::set<ObjectId> outputsLinkedTo(ObjectId node, const Graph& graph) {
+    std::set<ObjectId> result;
+    for (const auto& [id, link] : graph.links) {
+        const auto target = graph.nodes.find(link.inputNode);
+        if (link.outputNode == node && target != graph.nodes.end() && isOutput(target->second)) {
+            result.insert(link.inputNode);
+        }
+    }
+    return result;
 }
 
 std::optional<ObjectId> outputOf(ObjectId stream, const Graph& graph) {

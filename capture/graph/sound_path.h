@@ -29,6 +29,9 @@ struct SoundPath {
 /// The paths of all nodes that are heard.
 std::vector<SoundPath> soundPaths(const Graph& graph);
 
+/// The outputs that a node of any kind is linked to.
+std::set<ObjectId> outputsLinkedTo(ObjectId node, const Graph& graph);
+
 /// The output a playback stream is heard on, or will be once it is connected. Absent if the stream
 /// plays to something that is not heard.
 std::optional<ObjectId> outputOf(ObjectId stream, const Graph& graph);

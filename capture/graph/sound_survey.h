@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "capture/graph/graph.h"
-#include "capture/graph/mixer_setting.h"
 #include "engine/recording_types.h"
 
 namespace vantoro::capture {

@@ -39,7 +39,7 @@ public:
     void close();
 
     /// Requests that the feeds be emptied soon. Real-time safe. Not after `finish` or `close`.
-    void wake() noexcept { source_.signal(); }
+    void wake() noexcept { source_->signal(); }
 
 private:
     struct Inlet {

@@ -11,8 +11,7 @@
 
 #include "capture/samples/frame_clock.h"
 #include "capture/samples/mix_line.h"
-#include "capture/samples/planes.h"
-#include "capture/samples/stamped_ring.h"
+#include "capture/samples/sound_piece.h"
 #include "engine/recording_types.h"
 
 namespace vantoro::capture {

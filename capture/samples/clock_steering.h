@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-#include "capture/samples/stamped_ring.h"
+#include "capture/samples/sound_piece.h"
 
 namespace vantoro::capture {
 

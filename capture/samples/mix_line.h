@@ -7,7 +7,7 @@
 #include <span>
 #include <vector>
 
-#include "capture/samples/planes.h"
+#include "capture/samples/sound_piece.h"
 
 namespace vantoro::capture {
 

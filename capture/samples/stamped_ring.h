@@ -4,49 +4,25 @@
 
 #include <array>
 #include <atomic>
-#include <cassert>
 #include <cstddef>
-#include <cstdint>
-#include <span>
 #include <utility>
 
 #include "capture/samples/lazy_array.h"
-#include "capture/samples/planes.h"
+#include "capture/samples/sound_piece.h"
 
 namespace vantoro::capture {
 
-/// Describes one piece of captured sound. A piece without frames only reports a loss.
-struct Stamp {
-    std::uint64_t nanoseconds = 0; ///< CLOCK_MONOTONIC, of the piece's cycle
-    std::uint32_t frames = 0;
-    std::uint32_t clockId = 0;    ///< the driver's clock
-    std::uint64_t lostFrames = 0; ///< between the previous piece and this one
-};
-
-/// Passes pieces of sound from one real-time thread to one other thread. All memory is mapped at
-/// construction; neither side ever waits for the other.
+/// Passes pieces of sound, in one channel or two, from one real-time thread to one other thread;
+/// neither waits for the other. All memory is mapped at construction.
 ///
 /// An empty ring is filled from its front again, so that it takes only as much memory as its
-/// largest backlog. Beyond `preallocatedFrames`, it takes memory page by page while the reader
-/// stalls: one page per 1024 frames of a channel.
+/// largest backlog: beyond `preallocatedFrames` page by page, while the reader stalls.
 class StampedRing {
 public:
-    static constexpr std::size_t maximumChannels = 2;
-
     StampedRing(std::size_t channels, std::size_t frames, std::size_t pieces,
-                std::size_t preallocatedFrames = 0)
-        : channels_(channels), capacity_(frames), samples_(frames * channels), stamps_(pieces) {
-        assert(channels <= maximumChannels && preallocatedFrames <= frames);
-        for (std::size_t channel = 0; channel < channels; ++channel) {
-            samples_.preallocate(channel * frames, preallocatedFrames);
-        }
-        stamps_.preallocate(0, pieces * preallocatedFrames / frames);
-    }
+                std::size_t preallocatedFrames = 0);
 
-    std::size_t channels() const noexcept { return channels_; }
-
-    /// Writer. Stores a piece, or refuses it whole if there is no room. `fill(planes)` writes the
-    /// samples.
+    /// Writer. Stores a piece, whose samples `fill(planes)` writes, or refuses it for lack of room.
     template <class Fill>
     bool write(const Stamp& stamp, const Fill& fill) noexcept {
         const std::uint64_t piece = piecesWritten_.load(std::memory_order_relaxed);
@@ -72,37 +48,29 @@ public:
 
     /// Writer. Drops a refused piece; the reader learns where it is missing.
     void lose(std::uint32_t frames) noexcept {
-        framesLost_.store(framesLost_.load(std::memory_order_relaxed) + frames,
-                          std::memory_order_release);
+        framesLost_.fetch_add(frames, std::memory_order_release);
     }
 
     /// Writer. Frames that the reader has not released yet.
     std::size_t pendingFrames() const noexcept {
-        return static_cast<std::size_t>(framesWritten_ -
-                                        framesRead_.load(std::memory_order_acquire));
+        return framesWritten_ - framesRead_.load(std::memory_order_acquire);
     }
 
     /// Reader. False if there is nothing to read. `take(stamp, planes)` borrows the piece.
     template <class Take>
     bool read(const Take& take) {
-        // Read before looking for pieces: if there are none, this loss lies after everything read
-        // and before everything to come.
+        // Before looking for pieces: if there are none, this loss follows everything read so far.
         const std::uint64_t lost = framesLost_.load(std::memory_order_acquire);
         const std::uint64_t piece = piecesRead_.load(std::memory_order_relaxed);
-        if (piece == piecesWritten_.load(std::memory_order_acquire)) {
-            const Stamp stamp{.lostFrames = lost - reportedLoss_};
-            if (stamp.lostFrames == 0) {
-                return false;
+        const bool isEmpty = piece == piecesWritten_.load(std::memory_order_acquire);
+        Stamp stamp = isEmpty ? Stamp{.lostFrames = lost} : stampOf(piece);
+        stamp.lostFrames -= std::exchange(reportedLoss_, stamp.lostFrames);
+        if (isEmpty) {
+            if (stamp.lostFrames > 0) {
+                take(stamp, Planes(std::array<std::span<const float>, 2>()).first(channels_));
             }
-            reportedLoss_ = lost;
-            take(stamp,
-                 Planes(std::array<std::span<const float>, maximumChannels>()).first(channels_));
-            return true;
+            return stamp.lostFrames > 0;
         }
-        Stamp stamp = stampOf(piece);
-        const std::uint64_t lostBefore = stamp.lostFrames;
-        stamp.lostFrames -= reportedLoss_;
-        reportedLoss_ = lostBefore;
         const std::uint64_t begin =
             beginOfPiece(framesRead_.load(std::memory_order_relaxed), stamp.frames);
         take(std::as_const(stamp),
@@ -114,27 +82,17 @@ public:
 
 private:
     std::size_t placeOf(std::uint64_t frame) const noexcept {
-        return static_cast<std::size_t>((frame - frontFrame_) % capacity_);
+        return (frame - frontFrame_) % capacity_;
     }
 
-    /// Each piece is contiguous: one that would pass the ring's end starts at its front.
-    std::uint64_t beginOfPiece(std::uint64_t frame, std::size_t frames) const noexcept {
-        const std::size_t place = placeOf(frame);
-        return place + frames <= capacity_ ? frame : frame + (capacity_ - place);
-    }
+    std::uint64_t beginOfPiece(std::uint64_t frame, std::size_t frames) const noexcept;
+    Stamp& stampOf(std::uint64_t piece) noexcept;
 
+    /// The second channel means nothing in mono.
     template <class Sample>
-    std::array<std::span<Sample>, maximumChannels> planesAt(std::uint64_t begin,
-                                                            std::size_t frames) noexcept {
-        std::array<std::span<Sample>, maximumChannels> planes;
-        for (std::size_t channel = 0; channel < channels_; ++channel) {
-            planes.at(channel) = {samples_.data() + (channel * capacity_) + placeOf(begin), frames};
-        }
-        return planes;
-    }
-
-    Stamp& stampOf(std::uint64_t piece) noexcept {
-        return stamps_[(piece - frontPiece_) % stamps_.size()];
+    std::array<std::span<Sample>, 2> planesAt(std::uint64_t begin, std::size_t frames) noexcept {
+        Sample* const first = samples_.data() + placeOf(begin);
+        return {{{first, frames}, {first + ((channels_ - 1) * capacity_), frames}}};
     }
 
     const std::size_t channels_;
@@ -142,21 +100,7 @@ private:
     LazyArray<float> samples_;   // channel after channel
     LazyArray<Stamp> stamps_;    // each with the total loss before it
 
-    // All counts only grow. A place in the ring is the count from the front, modulo the ring's
-    // size; frames that a piece skips at the ring's end count as written and read with it.
-    // - piecesRead_ <= piecesWritten_ <= piecesRead_ + stamps_.size()
-    // - framesRead_ <= framesWritten_ <= framesRead_ + capacity_
-    // - Only the writer changes what lies between written and read + capacity_; only the reader
-    //   reads what lies between read and written.
-    // - The release of piecesWritten_ publishes a piece's stamp and samples together; the releases
-    //   of framesRead_ and piecesRead_ free their places. framesRead_ goes first: a thread that
-    //   sees all pieces read also sees all frames read.
-    // - The writer changes the front only when it sees all pieces read, and the reader reads it
-    //   only when it sees an unread piece: the same release and acquire as for a piece's stamp
-    //   order these accesses. Nothing unread ever lies before the front.
-    // - The release of framesLost_ follows those of all pieces before the loss, and the reader
-    //   loads it before it looks for pieces: if it then finds none, the loss lies after everything
-    //   read so far. The stamp of a later piece includes the losses before it.
+    // See the source for the order of the accesses.
     std::uint64_t framesWritten_ = 0; // writer only; the reader derives it from the stamps
     std::uint64_t frontPiece_ = 0;    // the count at the ring's front
     std::uint64_t frontFrame_ = 0;    // likewise

@@ -2,6 +2,7 @@
 
 #include "engine/files/output_place.h"
 
+#include <exception>
 #include <system_error>
 #include <utility>
 
@@ -25,9 +26,10 @@ std::unique_ptr<OutputFile> reserve(FileSystem& fileSystem,
 }
 
 /// False if the name is taken.
-bool tryToName(OutputFile& file, const std::filesystem::path& path) {
+template <class TakeName>
+bool tryTo(const TakeName& takeName) {
     try {
-        file.takeName(path);
+        takeName();
         return true;
     } catch (const std::system_error& error) {
         if (error.code() != std::errc::file_exists) {
@@ -35,6 +37,11 @@ bool tryToName(OutputFile& file, const std::filesystem::path& path) {
         }
         return false;
     }
+}
+
+/// The name with "-2", "-3", … before the extension, from the second attempt on.
+std::string numbered(const std::string& name, std::int64_t counter, const char* extension) {
+    return name + (counter == 1 ? "" : "-" + std::to_string(counter)) + extension;
 }
 
 } // namespace
@@ -53,14 +60,13 @@ OutputPlace::~OutputPlace() {
 }
 
 std::filesystem::path OutputPlace::location() const {
-    const auto count = counter_ == 1 ? std::string() : "-" + std::to_string(counter_);
-    return folder_ / (baseName_ + count + ".m4a");
+    return folder_ / numbered(baseName_, counter_, ".m4a");
 }
 
 FinalFile OutputPlace::publish(std::unique_ptr<OutputFile> other) {
     auto& file = other ? other : staging_;
     try {
-        while (!tryToName(*file, location())) {
+        while (!tryTo([&] { file->takeName(location()); })) {
             ++counter_;
         }
         // Sources may be deleted only once the name is on disk.
@@ -70,6 +76,22 @@ FinalFile OutputPlace::publish(std::unique_ptr<OutputFile> other) {
         throw;
     }
     return {.location = location(), .file = std::move(file)};
+}
+
+std::filesystem::path setAside(FileSystem& fileSystem, const std::filesystem::path& temporary,
+                               const std::filesystem::path& finalFile) {
+    std::filesystem::path place;
+    std::int64_t counter = 0;
+    do {
+        const auto name = numbered(finalFile.stem().string(), ++counter, ".incomplete.mov");
+        place = finalFile.parent_path() / name;
+    } while (!tryTo([&] { fileSystem.move(temporary, place); }));
+    try {
+        fileSystem.syncFolder(place.parent_path());
+    } catch (const std::exception&) { // NOLINT(bugprone-empty-catch)
+        // The file has moved. At worst a power cut restores its old name, and it is salvaged again.
+    }
+    return place;
 }
 
 std::filesystem::path stagingPath(std::filesystem::path destination) {

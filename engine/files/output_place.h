@@ -51,6 +51,13 @@ private:
     std::unique_ptr<OutputFile> staging_;
 };
 
+/// Renames a temporary file that holds more than its final file, so that the user sees it and
+/// salvage skips it: the final file's name with the extension ".incomplete.mov", preceded by "-2",
+/// "-3", … if taken. Never replaces anything. Returns the new path. Blocks; task threads only.
+/// Throws what the file system throws, and then leaves the file where it was.
+std::filesystem::path setAside(FileSystem& fileSystem, const std::filesystem::path& temporary,
+                               const std::filesystem::path& finalFile);
+
 /// The staging path for a final file.
 std::filesystem::path stagingPath(std::filesystem::path destination);
 

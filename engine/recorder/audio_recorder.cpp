@@ -6,11 +6,8 @@
 #include <future>
 #include <utility>
 
+#include "engine/files/disk_room.h"
 #include "engine/files/file_names.h"
-#include "engine/files/room_watch.h"
-#include "engine/recorder/final_export.h"
-#include "engine/recorder/salvage.h"
-#include "engine/recorder/track_mixing.h"
 
 namespace vantoro {
 
@@ -89,16 +86,9 @@ bool AudioRecorder::mayCapture() {
 }
 
 bool AudioRecorder::requestMicrophonePermission() {
-    switch (platform_.microphoneAccess.status()) {
-    case AuthorizationStatus::authorized:
-        return true;
-    case AuthorizationStatus::notDetermined:
-        return platform_.microphoneAccess.request();
-    case AuthorizationStatus::restricted:
-    case AuthorizationStatus::denied:
-        break;
-    }
-    return false;
+    const auto status = platform_.microphoneAccess.status();
+    return status == AuthorizationStatus::authorized ||
+           (status == AuthorizationStatus::notDetermined && platform_.microphoneAccess.request());
 }
 
 void AudioRecorder::prepareWriter(const RecordingOptions& options) {
@@ -161,22 +151,37 @@ std::filesystem::path AudioRecorder::stop(float systemVolume, float microphoneVo
         onRecordingSafe();
     }
     try {
-        if (outputDirectory_.empty()) {
-            throw RecordingError(RecordingError::Case::exportFailed);
-        }
-        const FinalExport wanted{
-            .temporaryFile = temporaryURL_,
-            .volumeOfTrack = recordingVolumes(hasSystemAudioTrack_, systemVolume, microphoneVolume),
-            .isAllWritten = isAllWritten};
-        RecordingWriter& writer = *captureQueue_.sync([this] { return samplePath_.writer(); });
-        auto destination =
-            exportFinal(writer, platform_.fileSystem, platform_.clock, wanted, onExportProgress);
+        auto destination = exportFinal(
+            recordingVolumes(hasSystemAudioTrack_, systemVolume, microphoneVolume), isAllWritten);
         reset(false);
         return destination;
     } catch (...) {
         resetAfterFailedStop();
         throw;
     }
+}
+
+/// Deletes the temporary file once the final file holds all captured sound, else sets it aside.
+std::filesystem::path AudioRecorder::exportFinal(const TrackVolume& volumeOfTrack,
+                                                 bool isAllWritten) {
+    if (outputDirectory_.empty()) {
+        throw RecordingError(RecordingError::Case::exportFailed);
+    }
+    RecordingWriter& writer = *captureQueue_.sync([this] { return samplePath_.writer(); });
+    auto place =
+        uniqueOutputURL(temporaryURL_.parent_path(), platform_.fileSystem, platform_.clock);
+    const auto recording = writer.openRecording();
+    const auto final = mixTracks(*recording, std::move(place), volumeOfTrack, onExportProgress, {});
+    try {
+        if (isAllWritten && recording->isWhole()) {
+            platform_.fileSystem.remove(temporaryURL_);
+        } else {
+            setAside(platform_.fileSystem, temporaryURL_, final.location);
+        }
+    } catch (const std::exception&) { // NOLINT(bugprone-empty-catch)
+        // The file stays for salvage: better twice than never.
+    }
+    return final.location;
 }
 
 SalvageResult AudioRecorder::recoverIncompleteRecordings(const std::filesystem::path& folder,
@@ -229,19 +234,25 @@ bool AudioRecorder::reportLoss() {
 }
 
 void AudioRecorder::resetAfterFailedStop() {
-    const bool started = captureQueue_.sync([this] { return samplePath_.hasStartedWriting(); });
-    hasKeptRecording_ = started && holdsSound(platform_.mediaToolkit, temporaryURL_);
-    reset(!started);
+    hasKeptRecording_ = hasStartedWriting() && holdsSound(platform_.mediaToolkit, temporaryURL_);
+    resetKeepingRecording();
 }
 
 void AudioRecorder::resetKeepingRecording() {
-    const bool started = captureQueue_.sync([this] { return samplePath_.hasStartedWriting(); });
-    reset(!started);
+    reset(!hasStartedWriting());
+}
+
+bool AudioRecorder::hasStartedWriting() {
+    return captureQueue_.sync([this] { return samplePath_.hasStartedWriting(); });
 }
 
 void AudioRecorder::reset(bool removeTemporaryFile) {
     if (removeTemporaryFile && !temporaryURL_.empty()) {
-        removeIgnoringErrors(platform_.fileSystem, temporaryURL_);
+        try {
+            platform_.fileSystem.remove(temporaryURL_);
+        } catch (const std::exception&) { // NOLINT(bugprone-empty-catch)
+            // Usually there is nothing to remove.
+        }
     }
     temporaryURL_.clear();
     outputDirectory_.clear();

@@ -21,6 +21,7 @@
 #include "engine/recorder/recorder.h"
 #include "engine/recorder/salvage.h"
 #include "engine/recorder/sample_path.h"
+#include "engine/recorder/track_mixing.h"
 #include "engine/recording_types.h"
 #include "engine/serial_queue.h"
 
@@ -65,6 +66,8 @@ private:
     void stopStream();
     void finishWriting();
     bool reportLoss();
+    std::filesystem::path exportFinal(const TrackVolume& volumeOfTrack, bool isAllWritten);
+    bool hasStartedWriting();
     void resetAfterFailedStop();
     void resetKeepingRecording();
     void reset(bool removeTemporaryFile);

@@ -11,6 +11,11 @@
 
 namespace vantoro {
 
+/// The level of one buffer: its mean square in decibels, mapped linearly from -45 dBFS and below
+/// (0) to full scale and above (1). 0 for a buffer that cannot be measured: no format, no frames,
+/// or a sample count other than channels × frames.
+float audioLevel(const SampleBuffer& buffer) noexcept;
+
 /// Receives a level from 0 to 1. Called on the capture queue.
 using AudioLevelCallback = std::function<void(AudioLevelSource source, float level)>;
 

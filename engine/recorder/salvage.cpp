@@ -8,23 +8,17 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <system_error>
 #include <utility>
 
 #include "engine/files/file_names.h"
-#include "engine/files/set_aside.h"
+#include "engine/files/output_place.h"
 #include "engine/recorder/track_mixing.h"
 
 namespace vantoro {
 
 namespace {
-
-std::string lowerCased(std::string text) {
-    std::ranges::transform(text, text.begin(), [](unsigned char character) {
-        return static_cast<char>(std::tolower(character));
-    });
-    return text;
-}
 
 FinalFile exportRecoveredAsset(Recording& recording, OutputPlace place,
                                const ExportProgress& progress, const std::stop_token& stop) {
@@ -37,8 +31,7 @@ FinalFile exportRecoveredAsset(Recording& recording, OutputPlace place,
 std::unique_ptr<Recording> openUnlessSilent(MediaToolkit& mediaToolkit,
                                             const std::filesystem::path& candidate) {
     auto recording = mediaToolkit.openRecording(candidate);
-    const MediaTime duration = recording->duration();
-    return duration.isValid() && zeroTime < duration ? std::move(recording) : nullptr;
+    return zeroTime < recording->duration() ? std::move(recording) : nullptr;
 }
 
 bool isToBeRecovered(MediaToolkit& mediaToolkit, FileSystem& fileSystem,
@@ -84,7 +77,7 @@ std::optional<Recovered> recover(const SalvagePlatform& platform,
     }
     auto place = uniqueOutputURL(candidate.parent_path(), platform.fileSystem, platform.clock);
     auto final = exportRecoveredAsset(*recording, std::move(place), progress, stop);
-    std::optional<std::filesystem::path> keptOriginal;
+    Recovered recovered{.recording = final.location, .keptOriginal = {}};
     try {
         if (stop.stop_requested()) {
             final.file->discard();
@@ -93,24 +86,14 @@ std::optional<Recovered> recover(const SalvagePlatform& platform,
         if (recording->isWhole()) {
             platform.fileSystem.remove(candidate);
         } else {
-            keptOriginal = setAside(platform.fileSystem, candidate, final.location);
+            recovered.keptOriginal = setAside(platform.fileSystem, candidate, final.location);
         }
     } catch (...) {
         // Never both keep a recording for another attempt and finish it.
         final.file->discard();
         throw;
     }
-    return Recovered{.recording = std::move(final.location),
-                     .keptOriginal = std::move(keptOriginal)};
-}
-
-std::vector<FolderEntry> listOrNothing(FileSystem& fileSystem,
-                                       const std::filesystem::path& folder) {
-    try {
-        return fileSystem.list(folder);
-    } catch (const std::exception&) {
-        return {};
-    }
+    return recovered;
 }
 
 /// Skips what another salvage has already taken away.
@@ -119,22 +102,13 @@ bool isFailure(const std::exception& error) {
     return systemError == nullptr || systemError->code() != std::errc::no_such_file_or_directory;
 }
 
-std::vector<std::filesystem::path>
-candidatesIn(FileSystem& fileSystem, const std::filesystem::path& folder, SalvageResult& result) {
-    try {
-        return incompleteRecordings(fileSystem.list(folder));
-    } catch (const std::exception& error) {
-        if (isFailure(error)) {
-            result.failures.push_back({folder, std::current_exception()});
-        }
-        return {};
-    }
-}
-
 } // namespace
 
 bool isIncompleteRecording(const std::filesystem::path& file) {
-    return lowerCased(file.extension().string()) == ".mov" && file.stem().extension() == ".partial";
+    const auto extension = file.extension().string();
+    const auto lowerCase = [](unsigned char letter) { return std::tolower(letter); };
+    return std::ranges::equal(extension, std::string_view(".mov"), {}, lowerCase) &&
+           file.stem().extension() == ".partial";
 }
 
 std::vector<std::filesystem::path> incompleteRecordings(std::vector<FolderEntry> listing) {
@@ -148,10 +122,14 @@ std::vector<std::filesystem::path> incompleteRecordings(std::vector<FolderEntry>
 
 std::size_t recordingsToRecover(MediaToolkit& mediaToolkit, FileSystem& fileSystem,
                                 const std::filesystem::path& folder) {
-    const auto candidates = incompleteRecordings(listOrNothing(fileSystem, folder));
-    return static_cast<std::size_t>(std::ranges::count_if(candidates, [&](const auto& candidate) {
-        return isToBeRecovered(mediaToolkit, fileSystem, candidate);
-    }));
+    try {
+        const auto candidates = incompleteRecordings(fileSystem.list(folder));
+        return static_cast<std::size_t>(std::ranges::count_if(candidates, [&](const auto& file) {
+            return isToBeRecovered(mediaToolkit, fileSystem, file);
+        }));
+    } catch (const std::exception&) {
+        return 0;
+    }
 }
 
 SalvageResult recoverIncompleteRecordings(const SalvagePlatform& platform,
@@ -159,7 +137,19 @@ SalvageResult recoverIncompleteRecordings(const SalvagePlatform& platform,
                                           const std::stop_token& stop,
                                           const ExportProgress& progress) {
     SalvageResult result;
-    for (const auto& candidate : candidatesIn(platform.fileSystem, folder, result)) {
+    const auto noteFailure = [&](const std::filesystem::path& location,
+                                 const std::exception& error) {
+        if (isFailure(error)) {
+            result.failures.push_back({location, std::current_exception()});
+        }
+    };
+    std::vector<std::filesystem::path> candidates;
+    try {
+        candidates = incompleteRecordings(platform.fileSystem.list(folder));
+    } catch (const std::exception& error) {
+        noteFailure(folder, error);
+    }
+    for (const auto& candidate : candidates) {
         if (stop.stop_requested()) {
             break;
         }
@@ -171,9 +161,8 @@ SalvageResult recoverIncompleteRecordings(const SalvagePlatform& platform,
                 }
             }
         } catch (const std::exception& error) {
-            // Leave it for the next time and go on.
-            if (isFailure(error) && !stop.stop_requested()) {
-                result.failures.push_back({candidate, std::current_exception()});
+            if (!stop.stop_requested()) { // leave it for the next time
+                noteFailure(candidate, error);
             }
         }
     }

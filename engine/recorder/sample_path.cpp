@@ -41,7 +41,7 @@ std::unique_ptr<RecordingWriter> SamplePath::disarm() {
     writerStarted_ = false;
     sessionStartTime_ = {};
     captureError_ = nullptr;
-    secondsDropped_.clear();
+    secondsDropped_ = {};
     writerFailure_ = nullptr;
     levelMeter_.reset();
     sourceWatch_.reset();
@@ -82,17 +82,14 @@ void SamplePath::append(const SampleBuffer& buffer, AudioLevelSource source) {
 /// Counts the sound that the file cannot take.
 void SamplePath::drop(const SampleBuffer& buffer, AudioLevelSource source) {
     if (writerStarted_ && buffer.format) {
-        secondsDropped_[source] +=
+        secondsDropped_.at(static_cast<std::size_t>(source)) +=
             static_cast<double>(buffer.frameCount) / buffer.format->sampleRate;
     }
 }
 
 std::optional<SoundLoss> SamplePath::loss() const {
-    double longest = 0;
-    for (const auto& [source, seconds] : secondsDropped_) {
-        longest = std::max(longest, seconds);
-    }
-    const double seconds = longest + (writer_ ? writer_->secondsNotWritten() : 0);
+    const double seconds =
+        std::ranges::max(secondsDropped_) + (writer_ ? writer_->secondsNotWritten() : 0);
     if (seconds <= 0) {
         return std::nullopt;
     }
@@ -141,18 +138,16 @@ void SamplePath::finish(std::function<void(std::exception_ptr)> completion) {
         completion(std::make_exception_ptr(RecordingError(RecordingError::Case::noAudioCaptured)));
         return;
     }
-    for (RecordingTrack* input : {systemAudioInput_, microphoneInput_}) {
+    for (RecordingTrack* const input : {systemAudioInput_, microphoneInput_}) {
         if (input != nullptr) {
             input->end();
         }
     }
     writer_->finish([&writer = *writer_, completion = std::move(completion)] {
-        if (writer.status() == WriterStatus::completed) {
-            completion(nullptr);
-            return;
-        }
-        completion(std::make_exception_ptr(
-            RecordingError::writerFailed(causeOf(&writer, FailureCode::recordingNotFinished))));
+        completion(writer.status() == WriterStatus::completed
+                       ? nullptr
+                       : std::make_exception_ptr(RecordingError::writerFailed(
+                             causeOf(&writer, FailureCode::recordingNotFinished))));
     });
 }
 

@@ -2,9 +2,9 @@
 
 #pragma once
 
+#include <array>
 #include <exception>
 #include <functional>
-#include <map>
 #include <memory>
 #include <optional>
 
@@ -75,7 +75,7 @@ private:
     MediaTime sessionStartTime_; // of the first written buffer; invalid before
     std::exception_ptr captureError_;
     std::exception_ptr writerFailure_;
-    std::map<AudioLevelSource, double> secondsDropped_; // because the file could not take them
+    std::array<double, 2> secondsDropped_{}; // by source: what the file could not take
 };
 
 } // namespace vantoro

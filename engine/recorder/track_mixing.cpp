@@ -2,7 +2,6 @@
 
 #include "engine/recorder/track_mixing.h"
 
-#include <exception>
 #include <utility>
 
 #include "engine/recording_types.h"
@@ -17,12 +16,12 @@ TrackVolume recordingVolumes(bool hasSystemAudioTrack, float systemVolume, float
 
 FinalFile mixTracks(Recording& recording, OutputPlace place, const TrackVolume& volumeOfTrack,
                     const ExportProgress& progress, const std::stop_token& stop) {
-    std::vector<float> volumes(recording.trackCount());
+    std::vector<float> volumes;
+    while (volumes.size() < recording.trackCount()) {
+        volumes.push_back(volumeOfTrack(volumes.size()));
+    }
     if (volumes.empty()) {
         throw RecordingError(RecordingError::Case::noAudioCaptured);
-    }
-    for (std::size_t index = 0; index < volumes.size(); ++index) {
-        volumes[index] = volumeOfTrack(index);
     }
     return exportM4A(recording, volumes, std::move(place), progress, stop);
 }
@@ -31,14 +30,6 @@ FinalFile exportM4A(Recording& recording, const std::vector<float>& volumes, Out
                     const ExportProgress& progress, const std::stop_token& stop) {
     auto other = recording.mix(volumes, place.stagingFile(), progress, stop);
     return place.publish(std::move(other));
-}
-
-void removeIgnoringErrors(FileSystem& fileSystem, const std::filesystem::path& path) noexcept {
-    try {
-        fileSystem.remove(path);
-    } catch (
-        const std::exception&) { // NOLINT(bugprone-empty-catch): usually there is nothing to remove
-    }
 }
 
 } // namespace vantoro

@@ -32,7 +32,4 @@ FinalFile mixTracks(Recording& recording, OutputPlace place, const TrackVolume& 
 FinalFile exportM4A(Recording& recording, const std::vector<float>& volumes, OutputPlace place,
                     const ExportProgress& progress, const std::stop_token& stop);
 
-/// Removes the path if it exists. For clean-up: ignores errors.
-void removeIgnoringErrors(FileSystem& fileSystem, const std::filesystem::path& path) noexcept;
-
 } // namespace vantoro

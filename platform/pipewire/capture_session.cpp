@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "capture/graph/channel_fold.h"
-#include "capture/samples/capture_beginning.h"
 #include "capture/samples/frame_clock.h"
 
 namespace vantoro::pipewire {

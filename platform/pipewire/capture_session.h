@@ -9,7 +9,7 @@
 #include <optional>
 #include <string>
 
-#include "capture/graph/followed_microphone.h"
+#include "capture/graph/microphones.h"
 #include "capture/graph/orphaned_streams.h"
 #include "capture/samples/capture_delivery.h"
 #include "capture/samples/capture_watch.h"

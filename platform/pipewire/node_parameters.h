@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "capture/graph/mixer_setting.h"
+#include "capture/graph/graph.h"
 
 struct spa_pod; // NOLINT(readability-identifier-naming): the name is the library's
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "engine/audio_level.h"
+#include "engine/recorder/level_meter.h"
 
 #include <algorithm>
 #include <cmath>

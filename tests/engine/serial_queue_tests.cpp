@@ -71,7 +71,7 @@ TEST(SerialQueue, signalledSourceRunsOnTheQueue) {
     SerialQueue queue("test");
     std::promise<bool> onQueue;
     const auto source = queue.addSource([&] { onQueue.set_value(queue.isCurrent()); });
-    source.signal();
+    source->signal();
     auto result = onQueue.get_future();
     ASSERT_EQ(result.wait_for(deadline), std::future_status::ready);
     EXPECT_TRUE(result.get());
@@ -84,7 +84,7 @@ TEST(SerialQueue, signalsBeforeTheHandlerBeginsAreOneRun) {
     const auto source = queue.addSource([&] { ++runs; });
     queue.async([&] { gate.get_future().wait(); });
     for (int i = 0; i < 50; ++i) {
-        source.signal();
+        source->signal();
     }
     gate.set_value();
     queue.sync([] {});
@@ -100,7 +100,7 @@ TEST(SerialQueue, noSignalIsLost) {
     const auto source = queue.addSource([&] { seen.store(given.load()); });
     for (int i = 1; i <= 20000; ++i) {
         given.store(i);
-        source.signal();
+        source->signal();
     }
     const auto end = std::chrono::steady_clock::now() + deadline;
     while (seen.load() != 20000 && std::chrono::steady_clock::now() < end) {
@@ -114,7 +114,7 @@ TEST(SerialQueue, removedSourceNoLongerRuns) {
     int runs = 0;
     {
         const auto source = queue.addSource([&] { ++runs; });
-        source.signal();
+        source->signal();
         queue.sync([] {});
     }
     const int before = runs;
@@ -140,7 +140,7 @@ TEST(SerialQueue, signalWakesAQueueThatSleeps) {
         for (int i = 0; i < 50; ++i) {
             std::this_thread::yield(); // while the queue finds nothing to do
         }
-        source.signal();
+        source->signal();
         const auto end = std::chrono::steady_clock::now() + deadline;
         while (runs < round && std::chrono::steady_clock::now() < end) {
             std::this_thread::yield();
@@ -174,7 +174,7 @@ TEST(SerialQueue, sourceMayRemoveItselfInItsHandler) {
         source = {};
         removed.set_value();
     });
-    source.signal();
+    source->signal();
     EXPECT_EQ(removed.get_future().wait_for(deadline), std::future_status::ready);
 }
 

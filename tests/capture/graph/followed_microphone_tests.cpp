@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "capture/graph/followed_microphone.h"
+#include "capture/graph/microphones.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "capture/samples/capture_beginning.h"
+#include "capture/samples/frame_clock.h"
 
 #include <gtest/gtest.h>
 

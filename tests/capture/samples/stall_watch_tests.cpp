@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "capture/samples/stall_watch.h"
+#include "capture/samples/capture_watch.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "engine/files/room_watch.h"
+#include "engine/files/disk_room.h"
 
 #include <vector>
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "engine/files/set_aside.h"
+#include "engine/files/output_place.h"
 
 #include <stdexcept>
 
