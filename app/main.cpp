@@ -10,7 +10,6 @@
 #include "app/commands/command_line.h"
 #include "app/commands/devices_command.h"
 #include "app/commands/doctor_command.h"
-#include "app/commands/preferences_for_one_run.h"
 #include "app/commands/record_command.h"
 #include "app/commands/recover_command.h"
 #include "app/ending/ending.h"

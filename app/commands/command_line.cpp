@@ -4,17 +4,20 @@
 
 #include <cmath>
 #include <map>
+#include <string_view>
+#include <vector>
 
 #include "app/commands/options.h"
+#include "l10n/filled.h"
 
 namespace vantoro {
 
 namespace {
 
-/// In both languages, UTF-8. "%1" and "%2" stand for words of the command line.
+/// UTF-8. "%1" and "%2" stand for words of the command line.
 struct Message {
-    const char* english;
-    const char* chinese;
+    std::string_view english;
+    std::string_view chinese;
 };
 
 constexpr Message unknownCommand{"Unknown command \"%1\".", "未知命令“%1”。"};
@@ -34,14 +37,13 @@ constexpr Message notLanguage{"--%1 needs zh-Hans or en, not \"%2\".",
 struct BadUsage {
     Message message;
     QString word;
-    std::optional<QString> value = {}; ///< replaces "%2", if the message has one
+    QString value = {};
 
     std::string text(AppLanguage language) const {
-        const bool isEnglish = language == AppLanguage::english;
-        const auto text = QString::fromUtf8(isEnglish ? message.english : message.chinese);
-        const auto filled = value ? text.arg(word, *value) : text.arg(word);
-        return filled.toStdString() +
-               (isEnglish ? " See vantoro --help." : "请参阅 vantoro --help。");
+        const std::vector words{word.toStdString(), value.toStdString()};
+        return language == AppLanguage::english
+                   ? filled(message.english, words) + " See vantoro --help."
+                   : filled(message.chinese, words) + "请参阅 vantoro --help。";
     }
 };
 
@@ -69,8 +71,7 @@ public:
         }
     }
 
-    bool has(const QString& name) const { return values_.contains(name); }
-
+    /// Empty for an option that takes none.
     std::optional<QString> value(const QString& name) const {
         const auto found = values_.find(name);
         return found == values_.end() ? std::nullopt : std::optional(found->second);
@@ -108,7 +109,7 @@ std::optional<float> gain(const GivenOptions& options, const QString& name) {
         return value >= 0 && std::isfinite(static_cast<float>(value));
     };
     const auto value = number(options, name, isGain, notGain);
-    return value ? std::optional(static_cast<float>(*value)) : std::nullopt;
+    return value.transform([](double number) { return static_cast<float>(number); });
 }
 
 std::optional<std::filesystem::path> folderOf(const GivenOptions& options) {
@@ -133,11 +134,9 @@ RecordCommand recordCommand(const GivenOptions& options) {
     command.seconds =
         number(options, "seconds", [](double value) { return value > 0; }, notSeconds);
     command.folder = folderOf(options);
-    command.systemAudio = !options.has("no-system-audio");
-    command.microphone = !options.has("no-microphone");
-    if (const auto identifier = options.value("microphone")) {
-        command.microphoneID = identifier->toStdString();
-    }
+    command.systemAudio = !options.value("no-system-audio");
+    command.microphone = !options.value("no-microphone");
+    command.microphoneID = options.value("microphone").transform(&QString::toStdString);
     command.systemVolume = gain(options, "system-volume").value_or(command.systemVolume);
     command.microphoneVolume =
         gain(options, "microphone-volume").value_or(command.microphoneVolume);

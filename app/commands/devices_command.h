@@ -12,7 +12,13 @@ namespace vantoro {
 
 /// One line per microphone: "* " before the default one, two spaces before the others, then the
 /// identifier, a tab and the name.
-std::string devicesText(const std::vector<AudioInputDevice>& microphones,
-                        const std::optional<std::string>& defaultID);
+inline std::string devicesText(const std::vector<AudioInputDevice>& microphones,
+                               const std::optional<std::string>& defaultID) {
+    std::string text;
+    for (const auto& [id, name] : microphones) {
+        text.append(id == defaultID ? "* " : "  ").append(id).append("\t").append(name) += "\n";
+    }
+    return text;
+}
 
 } // namespace vantoro

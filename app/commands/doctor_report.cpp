@@ -3,8 +3,8 @@
 #include "app/commands/doctor_report.h"
 
 #include <algorithm>
-#include <array>
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 #include "l10n/texts/doctor_texts.h"
@@ -31,67 +31,64 @@ std::string readableSize(std::uint64_t bytes) {
     return std::to_string(tenths / 10) + "." + std::to_string(tenths % 10) + " GiB";
 }
 
+/// A text, and what it is filled with.
+struct Line {
+    Line(DoctorText which, Arguments arguments = {}) // implicit: most take no arguments
+        : text(which), words(std::move(arguments)) {}
+
+    DoctorText text;
+    Arguments words;
+};
+
 /// Builds the report, finding by finding.
 class Writer {
 public:
     explicit Writer(AppLanguage language) : language_(language) {}
 
-    std::string text(DoctorText text, const Arguments& arguments = {}) const {
-        return doctorText(text, language_, arguments);
+    std::string text(const Line& line) const {
+        return doctorText(line.text, language_, line.words);
     }
 
     std::string words(const std::error_code& reason) const {
         return systemWords(reason, language_);
     }
 
-    void fine(DoctorText finding, const Arguments& arguments = {}) {
-        lines_ += "ok  " + text(finding, arguments) + "\n";
-    }
+    void fine(const Line& finding) { lines_ += "ok  " + text(finding) + "\n"; }
 
-    void problem(const std::string& finding, const std::string& advice) {
-        lines_ += "!   " + finding + "\n";
+    void problem(const Line& finding, const Line& advice) {
+        lines_ += "!   " + text(finding) + "\n";
         // One cause may show in several findings.
-        if (std::ranges::find(advice_, advice) == advice_.end()) {
-            advice_.push_back(advice);
+        if (const auto line = "- " + text(advice) + "\n"; !("\n" + advice_).contains("\n" + line)) {
+            advice_ += line;
         }
     }
 
-    void problem(DoctorText finding, DoctorText advice) { problem(text(finding), text(advice)); }
+    void check(bool isFine, const Line& finding, const Line& problem, const Line& advice) {
+        isFine ? fine(finding) : this->problem(problem, advice);
+    }
 
     DoctorReport report() const {
-        if (advice_.empty()) {
-            return {.text = lines_ + "\n" + text(Text::nothingIsWrong) + "\n", .isAllWell = true};
-        }
-        auto whole = lines_ + "\n" + text(Text::whatToDo) + "\n";
-        for (const auto& advice : advice_) {
-            whole += "- " + advice + "\n";
-        }
-        return {.text = whole, .isAllWell = false};
+        const bool isAllWell = advice_.empty();
+        const auto conclusion = text(isAllWell ? Text::nothingIsWrong : Text::whatToDo);
+        return {.text = lines_ + "\n" + conclusion + "\n" + advice_, .isAllWell = isAllWell};
     }
 
 private:
     AppLanguage language_;
     std::string lines_;
-    Arguments advice_; ///< without duplicates
+    std::string advice_;
 };
 
-void addMicrophone(Writer& writer, const capture::SurveyedMicrophone& found) {
-    const auto& name = found.device.name;
-    const auto shown = found.isDefault ? writer.text(Text::microphoneDefault, {name}) : name;
-    if (found.mixer.isMuted) {
-        writer.problem(writer.text(Text::microphoneMuted, {shown}),
-                       writer.text(Text::microphoneMutedAdvice, {name}));
-    } else if (found.mixer.isVolumeZero) {
-        writer.problem(writer.text(Text::microphoneAtZero, {shown}),
-                       writer.text(Text::microphoneAtZeroAdvice, {name}));
-    } else {
-        writer.fine(Text::microphone, {shown});
-    }
-}
-
 void addMicrophones(Writer& writer, const capture::SoundSurvey& sound) {
-    for (const auto& found : sound.microphones) {
-        addMicrophone(writer, found);
+    for (const auto& [device, isDefault, mixer] : sound.microphones) {
+        const auto& name = device.name;
+        const auto shown = isDefault ? writer.text({Text::microphoneDefault, {name}}) : name;
+        if (mixer.isMuted) {
+            writer.problem({Text::microphoneMuted, {shown}}, {Text::microphoneMutedAdvice, {name}});
+        } else {
+            writer.check(!mixer.isVolumeZero, {Text::microphone, {shown}},
+                         {Text::microphoneAtZero, {shown}}, {Text::microphoneAtZeroAdvice, {name}});
+        }
     }
     const bool hasDefault =
         std::ranges::any_of(sound.microphones, &capture::SurveyedMicrophone::isDefault);
@@ -103,30 +100,20 @@ void addMicrophones(Writer& writer, const capture::SoundSurvey& sound) {
 }
 
 void addSound(Writer& writer, const DoctorFindings& findings) {
+    const auto& library = findings.soundLibraryVersion;
     if (!findings.sound) {
-        writer.problem(writer.text(Text::soundServerUnreachable, {findings.soundLibraryVersion}),
-                       writer.text(Text::soundServerAdvice));
+        writer.problem({Text::soundServerUnreachable, {library}}, Text::soundServerAdvice);
         return;
     }
     const auto& sound = *findings.sound;
-    writer.fine(Text::soundServer, {sound.serverVersion, findings.soundLibraryVersion});
-    if (sound.hasSessionManager) {
-        writer.fine(Text::sessionManager);
-    } else {
-        writer.problem(Text::sessionManagerMissing, Text::sessionManagerAdvice);
-    }
-    if (sound.mayCapture) {
-        writer.fine(Text::systemAudioAllowed);
-    } else {
-        const bool isSandboxed = findings.microphone && findings.microphone->sandboxed;
-        writer.problem(Text::systemAudioRefused,
-                       isSandboxed ? Text::systemAudioSandboxAdvice : Text::systemAudioAdvice);
-    }
-    if (sound.outputs > 0) {
-        writer.fine(Text::outputs, {std::to_string(sound.outputs)});
-    } else {
-        writer.problem(Text::outputsMissing, Text::outputsAdvice);
-    }
+    const bool isSandboxed = findings.microphone && findings.microphone->sandboxed;
+    writer.fine({Text::soundServer, {sound.serverVersion, library}});
+    writer.check(sound.hasSessionManager, Text::sessionManager, Text::sessionManagerMissing,
+                 Text::sessionManagerAdvice);
+    writer.check(sound.mayCapture, Text::systemAudioAllowed, Text::systemAudioRefused,
+                 isSandboxed ? Text::systemAudioSandboxAdvice : Text::systemAudioAdvice);
+    writer.check(sound.outputs > 0, {Text::outputs, {std::to_string(sound.outputs)}},
+                 Text::outputsMissing, Text::outputsAdvice);
     if (sound.playsCodedSound) {
         writer.problem(Text::codedSound, Text::codedSoundAdvice);
     }
@@ -144,31 +131,21 @@ void addMicrophonePermission(Writer& writer, const std::optional<desktop::Microp
         writer.problem(Text::permissionDisabledByLockdown, Text::permissionSettingsAdvice);
     } else if (!facts->sandboxed) {
         writer.fine(Text::permissionNotForbidden);
-    } else if (facts->stored == StoredPermission::refused) {
-        writer.problem(Text::permissionRefused, Text::permissionRefusedAdvice);
     } else {
-        writer.fine(facts->stored == StoredPermission::granted ? Text::permissionGranted
-                                                               : Text::permissionUndecided);
+        writer.check(facts->stored != StoredPermission::refused,
+                     facts->stored == StoredPermission::granted ? Text::permissionGranted
+                                                                : Text::permissionUndecided,
+                     Text::permissionRefused, Text::permissionRefusedAdvice);
     }
 }
 
-/// The texts of a service, by its presence.
-struct PresenceTexts {
-    DoctorText present;
-    DoctorText absent;
-    DoctorText absentAdvice;
-    DoctorText unknown;
-};
-
-void addPresence(Writer& writer, desktop::Presence presence, const PresenceTexts& texts) {
-    using desktop::Presence;
-    switch (presence) {
-    case Presence::present:
-        return writer.fine(texts.present);
-    case Presence::absent:
-        return writer.problem(texts.absent, texts.absentAdvice);
-    case Presence::unknown:
-        return writer.problem(texts.unknown, Text::desktopSilentAdvice);
+/// A service that did not answer has no other advice.
+void addService(Writer& writer, desktop::Presence presence, DoctorText present, DoctorText absent,
+                DoctorText absentAdvice, DoctorText unknown) {
+    if (presence == desktop::Presence::unknown) {
+        writer.problem(unknown, Text::desktopSilentAdvice);
+    } else {
+        writer.check(presence == desktop::Presence::present, present, absent, absentAdvice);
     }
 }
 
@@ -187,56 +164,44 @@ void addSleepDelay(Writer& writer, desktop::SleepDelay delay) {
 }
 
 void addDesktop(Writer& writer, const desktop::DesktopSurvey& found) {
-    using desktop::Presence;
-    if (found.sessionBus == Presence::absent) {
+    if (found.sessionBus == desktop::Presence::absent) {
         writer.problem(Text::sessionBusMissing, Text::sessionBusMissingAdvice);
-    } else if (found.sessionBus == Presence::unknown) {
+    } else if (found.sessionBus == desktop::Presence::unknown) {
         writer.problem(Text::sessionBusSilent, Text::desktopSilentAdvice);
     } else {
-        addPresence(writer, found.statusArea,
-                    {Text::statusArea, Text::statusAreaMissing, Text::statusAreaAdvice,
-                     Text::statusAreaUnknown});
-        addPresence(writer, found.portal,
-                    {Text::portal, Text::portalMissing, Text::portalAdvice, Text::portalUnknown});
+        addService(writer, found.statusArea, Text::statusArea, Text::statusAreaMissing,
+                   Text::statusAreaAdvice, Text::statusAreaUnknown);
+        addService(writer, found.portal, Text::portal, Text::portalMissing, Text::portalAdvice,
+                   Text::portalUnknown);
     }
     addSleepDelay(writer, found.sleepDelay);
 }
 
+/// Nothing but the folder's own finding if its disk does not answer.
 void addFolder(Writer& writer, const DoctorFindings& findings) {
     const auto path = findings.recordingFolder.string();
     if (!findings.folder) {
-        writer.problem(writer.text(Text::folderSilent, {path}),
-                       writer.text(Text::folderSilentAdvice, {path}));
+        writer.problem({Text::folderSilent, {path}}, {Text::folderSilentAdvice, {path}});
         return;
     }
     const auto& [exists, refusal, available] = *findings.folder;
-    const auto shown = exists ? path : writer.text(Text::folderToBeMade, {path});
+    const auto shown = exists ? path : writer.text({Text::folderToBeMade, {path}});
+    const auto space = readableSize(available.value_or(0));
     if (refusal) {
-        writer.problem(writer.text(Text::folderRefused, {path, writer.words(refusal)}),
-                       writer.text(Text::folderRefusedAdvice, {path}));
+        writer.problem({Text::folderRefused, {path, writer.words(refusal)}},
+                       {Text::folderRefusedAdvice, {path}});
     }
     if (available && *available < enoughSpace) {
-        writer.problem(writer.text(Text::folderSpaceShort, {shown, readableSize(*available)}),
-                       writer.text(Text::folderSpaceAdvice, {path}));
-    } else if (!refusal && available) {
-        writer.fine(Text::folderSpace, {shown, readableSize(*available)});
+        writer.problem({Text::folderSpaceShort, {shown, space}}, {Text::folderSpaceAdvice, {path}});
     } else if (!refusal) {
-        writer.fine(Text::folder, {shown});
+        writer.fine(available ? Line(Text::folderSpace, {shown, space})
+                              : Line(Text::folder, {shown}));
     }
-}
-
-void addInterrupted(Writer& writer, const DoctorFindings& findings) {
-    const auto& count = findings.interruptedRecordings;
-    if (!findings.folder) {
-        return; // the folder does not answer
-    }
-    if (!count) {
-        writer.problem(Text::interruptedUnknown, Text::interruptedAdvice);
-    } else if (*count > 0) {
-        writer.problem(writer.text(Text::interruptedWaiting, {std::to_string(*count)}),
-                       writer.text(Text::interruptedAdvice));
+    if (const auto& count = findings.interruptedRecordings) {
+        writer.check(*count == 0, Text::interruptedNone,
+                     {Text::interruptedWaiting, {std::to_string(*count)}}, Text::interruptedAdvice);
     } else {
-        writer.fine(Text::interruptedNone);
+        writer.problem(Text::interruptedUnknown, Text::interruptedAdvice);
     }
 }
 
@@ -248,7 +213,6 @@ DoctorReport doctorReport(const DoctorFindings& findings, AppLanguage language) 
     addMicrophonePermission(writer, findings.microphone);
     addDesktop(writer, findings.desktop);
     addFolder(writer, findings);
-    addInterrupted(writer, findings);
     return writer.report();
 }
 

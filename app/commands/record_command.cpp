@@ -8,7 +8,6 @@
 
 #include <QtCore/QCoreApplication>
 
-#include "app/commands/progress_line.h"
 #include "control/transitions.h"
 #include "l10n/texts/command_texts.h"
 #include "l10n/texts/error_description.h"
@@ -48,12 +47,6 @@ int RecordRun::run(RecordingViewModel& model) {
         model.setSelectedMicrophoneID(command_.microphoneID);
     }
     model_ = &model;
-    const int status = runEventLoop();
-    model_ = nullptr;
-    return status;
-}
-
-int RecordRun::runEventLoop() {
     // Queued, so that the handler sees the model after the change is complete.
     connect(model_, &RecordingProperties::stateChanged, this, &RecordRun::stateChanged,
             Qt::QueuedConnection);

@@ -3,7 +3,9 @@
 #pragma once
 
 #include <chrono>
+#include <map>
 #include <optional>
+#include <string>
 
 #include <QtCore/QObject>
 #include <QtCore/QTimer>
@@ -13,8 +15,29 @@
 #include "app/ending/ending.h"
 #include "control/recording_view_model.h"
 #include "l10n/l10n.h"
+#include "l10n/preferences.h"
 
 namespace vantoro {
+
+/// Overrides some of the user's preferences for one run. Nothing set here is stored. Main thread.
+class PreferencesForOneRun final : public Preferences {
+public:
+    /// `users` must outlive this.
+    explicit PreferencesForOneRun(const Preferences& users) : users_(users) {}
+
+    std::optional<std::string> get(Preference preference) const override {
+        const auto found = ofThisRun_.find(preference);
+        return found == ofThisRun_.end() ? users_.get(preference) : found->second;
+    }
+
+    void set(Preference preference, const std::string& value) override {
+        ofThisRun_[preference] = value;
+    }
+
+private:
+    const Preferences& users_;
+    std::map<Preference, std::string> ofThisRun_;
+};
 
 /// Makes one recording, until its time is over, a signal arrives, the machine sleeps, capture fails
 /// or the disk is nearly full. Prints the final file's path on standard output and everything else
@@ -31,7 +54,6 @@ public:
 private:
     using Clock = std::chrono::steady_clock;
 
-    int runEventLoop();
     void reportProgress();
     void stateChanged();
     void showMessage(const RecordingProperties::Values& values);
@@ -47,7 +69,7 @@ private:
     Ending& ending_;
     L10n texts_;
     Terminal terminal_;
-    RecordingViewModel* model_ = nullptr; // set during `run`
+    RecordingViewModel* model_ = nullptr; // from `run` on
     RecordingState::Case state_ = RecordingState::Case::idle;
     bool hasBegun_ = false; // capture ran, so a failed recording can be salvaged
     std::optional<Clock::time_point> end_;

@@ -6,7 +6,6 @@
 #include <stop_token>
 #include <system_error>
 
-#include "app/commands/progress_line.h"
 #include "app/commands/terminal.h"
 #include "l10n/texts/command_texts.h"
 

@@ -2,15 +2,27 @@
 
 #include "app/commands/terminal.h"
 
+#include <algorithm>
+#include <cmath>
 #include <iostream>
 
 #include <unistd.h>
+
+#include "control/elapsed_time.h"
 
 namespace vantoro {
 
 namespace {
 
 constexpr const char* eraseLine = "\r\x1b[K";
+
+std::string meter(const std::string& name, double level, const std::string& condition) {
+    constexpr int width = 20;
+    const int filled = std::clamp(static_cast<int>(std::lround(level * width)), 0, width);
+    return "  " + name + " [" + std::string(static_cast<std::size_t>(filled), '#') +
+           std::string(static_cast<std::size_t>(width - filled), '-') + "]" +
+           (condition.empty() ? condition : " " + condition + "!");
+}
 
 } // namespace
 
@@ -33,6 +45,24 @@ void Terminal::clearLine() {
 void Terminal::message(const std::string& text) {
     clearLine();
     std::cerr << text << std::endl; // NOLINT(performance-avoid-endl): flush at once
+}
+
+std::string recordingLine(const RecordingProperties::Values& values, const L10n& texts) {
+    auto line = formattedElapsedTime(values.elapsedSeconds);
+    if (values.captureSystemAudio) {
+        line += meter(texts.text(L10n::Key::systemMeter), values.systemAudioLevel,
+                      texts.conditionInShort(values.systemAudioCondition));
+    }
+    if (values.captureMicrophone) {
+        line += meter(texts.text(L10n::Key::microphoneMeter), values.microphoneLevel,
+                      texts.conditionInShort(values.microphoneCondition));
+    }
+    return line;
+}
+
+std::string savingLine(double fraction, const L10n& texts) {
+    return texts.text(L10n::Key::saving) + " " +
+           std::to_string(std::clamp(std::lround(fraction * 100), 0L, 100L)) + " %";
 }
 
 } // namespace vantoro

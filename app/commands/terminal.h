@@ -4,6 +4,9 @@
 
 #include <string>
 
+#include "control/recording_properties.h"
+#include "l10n/l10n.h"
+
 namespace vantoro {
 
 /// Standard error: messages and, on a terminal, a progress line that is rewritten in place. One
@@ -29,5 +32,11 @@ private:
     bool isLive_;
     std::string shown_;
 };
+
+/// The progress line while recording: the time, and the levels of the enabled sources.
+std::string recordingLine(const RecordingProperties::Values& values, const L10n& texts);
+
+/// The progress line while the final file is written; `fraction` is 0 to 1.
+std::string savingLine(double fraction, const L10n& texts);
 
 } // namespace vantoro

@@ -24,11 +24,6 @@ AppDelegate::AppDelegate(Surroundings surroundings)
       texts_(surroundings_.preferences),
       pictures_(panelColor(QApplication::palette(), surroundings_.desktops)) {}
 
-AppDelegate::~AppDelegate() {
-    disconnect(levelSubscription_);
-    disconnect(conditionSubscription_);
-}
-
 void AppDelegate::applicationWillFinishLaunching() {
     applyApplicationIcon();
 }
@@ -48,12 +43,10 @@ void AppDelegate::registerStatusItems() {
     systemAudioStatusItem_ = makeStatusItem(systemAudioItem, L10n::Key::systemAudio);
     microphoneStatusItem_ = makeStatusItem(microphoneItem, L10n::Key::microphone);
     updateStatusItems(0, 0);
-    disconnect(levelSubscription_);
     levelSubscription_ = connect(&surroundings_.levels, &AudioLevelStore::levelChanged, this,
                                  &AppDelegate::showLevels, Qt::QueuedConnection);
-    disconnect(conditionSubscription_);
-    conditionSubscription_ = connect(&surroundings_.levels, &AudioLevelStore::conditionChanged,
-                                     this, &AppDelegate::showLevels, Qt::QueuedConnection);
+    connect(&surroundings_.levels, &AudioLevelStore::conditionChanged, this,
+            &AppDelegate::showLevels, Qt::QueuedConnection);
     showLevels();
     QApplication::instance()->installEventFilter(this);
 }

@@ -34,7 +34,7 @@ public:
     explicit AppDelegate(Surroundings surroundings);
     AppDelegate(const AppDelegate&) = delete;
     AppDelegate& operator=(const AppDelegate&) = delete;
-    ~AppDelegate() override;
+    ~AppDelegate() override = default;
 
     /// Call before the window is created.
     static void applicationWillFinishLaunching();
@@ -59,7 +59,6 @@ private:
     std::unique_ptr<StatusItem> systemAudioStatusItem_; // both set once registered
     std::unique_ptr<StatusItem> microphoneStatusItem_;
     QMetaObject::Connection levelSubscription_;
-    QMetaObject::Connection conditionSubscription_;
 };
 
 } // namespace vantoro

@@ -14,7 +14,4 @@ struct NetworkModule : ProgramModule {
 
 constexpr const char* networkModuleName = "vantoroNetworkModule";
 
-/// Loads the module on first use.
-AskForRecord askOverLoadedNetwork();
-
 } // namespace vantoro

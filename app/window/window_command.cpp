@@ -44,6 +44,19 @@ bool hasDisplay() {
            !qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM");
 }
 
+/// Loads the network's part of the program on first use.
+AskForRecord askOverLoadedNetwork() {
+    return [ask = AskForRecord()](const QUrl& location, std::chrono::milliseconds limit,
+                                  std::function<void(RecordBody)> done) mutable {
+        if (!ask) {
+            ask = static_cast<const NetworkModule&>(
+                      loadModule(moduleBesideTheProgram("vantoro-network.so"), networkModuleName))
+                      .make();
+        }
+        return ask(location, limit, std::move(done));
+    };
+}
+
 /// All parts of a program with a window.
 class WindowRun {
 public:

@@ -13,7 +13,6 @@ namespace {
 
 constexpr double publishInterval = 1.0 / 15; // seconds
 constexpr float quietest = -45.0F;           // dBFS
-constexpr float smallestRms = 1e-06F;
 
 /// Single precision, in sample order, so that readings are identical everywhere.
 float sumOfSquares(std::span<const float> samples) noexcept {
@@ -24,31 +23,22 @@ float sumOfSquares(std::span<const float> samples) noexcept {
     return sum;
 }
 
-float levelOfMeanSquare(float meanSquare) noexcept {
-    float rms = std::sqrt(meanSquare);
-    if (!(rms > smallestRms)) {
-        rms = smallestRms;
-    }
-    const float decibels = 20.0F * std::log10(rms);
-    if (!(decibels > quietest)) {
-        return 0;
-    }
-    return std::clamp((decibels - quietest) / -quietest, 0.0F, 1.0F);
-}
-
 } // namespace
 
 float audioLevel(const SampleBuffer& buffer) noexcept {
-    if (!buffer.format || !(buffer.format->sampleRate > 0) || buffer.frameCount < 1) {
+    if (!buffer.format || !(buffer.format->sampleRate > 0)) {
         return 0;
     }
+    const auto samples = buffer.samples;
     const auto expected =
         static_cast<std::uint64_t>(buffer.frameCount) * buffer.format->channelsPerFrame;
-    const auto samples = buffer.samples;
     if (samples.size() != expected || samples.empty()) {
         return 0;
     }
-    return levelOfMeanSquare(sumOfSquares(samples) / static_cast<float>(samples.size()));
+    const float meanSquare = sumOfSquares(samples) / static_cast<float>(samples.size());
+    const float decibels = 20.0F * std::log10(std::sqrt(meanSquare));
+    // False for silence (minus infinity) and for samples that are no numbers, too.
+    return decibels > quietest ? std::min((decibels - quietest) / -quietest, 1.0F) : 0;
 }
 
 void LevelMeter::publishAudioLevel(const SampleBuffer& buffer, AudioLevelSource source,

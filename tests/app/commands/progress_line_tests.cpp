@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "app/commands/progress_line.h"
+#include "app/commands/terminal.h"
 
 #include <gtest/gtest.h>
 

@@ -9,7 +9,6 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include "app/commands/preferences_for_one_run.h"
 #include "control/tasks/qt_scheduler.h"
 #include "tests/control/event_loop.h"
 #include "tests/engine/recorder/recorder_fixture.h"
