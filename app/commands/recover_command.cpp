@@ -16,20 +16,6 @@ namespace {
 /// The exit status if a recording was salvaged only in part.
 constexpr int partlyUnreadable = 3;
 
-bool isFolder(const std::filesystem::path& path) {
-    std::error_code error;
-    return std::filesystem::is_directory(path, error);
-}
-
-/// False on a write error.
-bool print(const std::vector<std::filesystem::path>& files) {
-    for (const auto& file : files) {
-        std::cout << file.string() << "\n";
-    }
-    std::cout << std::flush;
-    return std::cout.good();
-}
-
 /// Prints the result and returns the exit status.
 int report(const SalvageResult& result, const std::filesystem::path& folder, Terminal& terminal,
            const L10n& texts) {
@@ -39,7 +25,10 @@ int report(const SalvageResult& result, const std::filesystem::path& folder, Ter
     for (const auto& original : result.keptOriginals) {
         terminal.message(texts.originalKept(original));
     }
-    if (!print(result.recordings)) {
+    for (const auto& file : result.recordings) {
+        std::cout << file.string() << "\n";
+    }
+    if (!std::cout.flush()) {
         terminal.message(
             commandText(CommandText::recordingsNotPrinted, texts.language(), {folder.string()}));
         return 1;
@@ -50,8 +39,19 @@ int report(const SalvageResult& result, const std::filesystem::path& folder, Ter
     return result.keptOriginals.empty() ? 0 : partlyUnreadable;
 }
 
-int recover(const std::filesystem::path& folder, const SalvagePlatform& platform, Ending& ending,
-            Terminal& terminal, const L10n& texts) {
+} // namespace
+
+int runRecoverCommand(const RecoverCommand& command, const std::filesystem::path& defaultFolder,
+                      const SalvagePlatform& platform, Ending& ending, const L10n& texts) {
+    Terminal terminal;
+    std::error_code unreadable;
+    // The default folder may not exist yet.
+    if (command.folder && !std::filesystem::is_directory(*command.folder, unreadable)) {
+        terminal.message(
+            commandText(CommandText::folderMissing, texts.language(), {command.folder->string()}));
+        return 1;
+    }
+    const auto folder = std::filesystem::absolute(command.folder.value_or(defaultFolder));
     std::stop_source stop;
     ending.progressed({.folder = folder, .language = texts.language()});
     const Ending::Handler handler(ending, [&stop] { stop.request_stop(); });
@@ -64,21 +64,6 @@ int recover(const std::filesystem::path& folder, const SalvagePlatform& platform
     const int status = report(result, folder, terminal, texts);
     ending.concluded(status);
     return status;
-}
-
-} // namespace
-
-int runRecoverCommand(const RecoverCommand& command, const std::filesystem::path& defaultFolder,
-                      const SalvagePlatform& platform, Ending& ending, const L10n& texts) {
-    Terminal terminal;
-    // The default folder may not exist yet.
-    if (command.folder && !isFolder(*command.folder)) {
-        terminal.message(
-            commandText(CommandText::folderMissing, texts.language(), {command.folder->string()}));
-        return 1;
-    }
-    const auto folder = std::filesystem::absolute(command.folder.value_or(defaultFolder));
-    return recover(folder, platform, ending, terminal, texts);
 }
 
 } // namespace vantoro

@@ -20,23 +20,18 @@ EndingAccount::TimePoint timeNow() {
 }
 
 EndingWork workOf(RecordingState::Case state) {
-    switch (state) {
-    case RecordingState::Case::preparing:
-        return EndingWork::start;
-    case RecordingState::Case::recording:
-    case RecordingState::Case::processing:
-        return EndingWork::saving;
-    default:
-        return EndingWork::salvage;
-    }
+    using enum RecordingState::Case;
+    return state == preparing                          ? EndingWork::start
+           : state == recording || state == processing ? EndingWork::saving
+                                                       : EndingWork::salvage;
 }
 
 std::string textOf(const EndingScene& scene, bool isImpatient) {
-    return scene.folder.empty()
-               ? std::string()
-               : endingText(workOf(scene.state),
-                            isImpatient ? EndingCause::askedAgain : EndingCause::standstill,
-                            scene.folder.string(), scene.language);
+    if (scene.folder.empty()) {
+        return {};
+    }
+    const auto cause = isImpatient ? EndingCause::askedAgain : EndingCause::standstill;
+    return endingText(workOf(scene.state), cause, scene.folder.string(), scene.language);
 }
 
 } // namespace

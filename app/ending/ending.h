@@ -23,11 +23,9 @@ struct EndingScene {
     AppLanguage language = AppLanguage::english;
 };
 
-/// Receives the signals that end the program, passes them on, and ends the process itself once the
-/// work in progress stops making progress (`EndingAccount`). Runs on its own thread, since any
-/// other may hang.
-///
-/// Must outlive all other work. Any thread, except the constructor and destructor.
+/// Passes on the signals that end the program, and ends the process itself once the work makes no
+/// progress (`EndingAccount`), on its own thread, since any other may hang. Must outlive all other
+/// work. Any thread, except the constructor and destructor.
 class Ending {
 public:
     using EndAtOnce = std::function<void(int status, const std::string& text)>;

@@ -23,16 +23,14 @@ void foldToStereo(const TapPlanes& planes, std::span<float> left, std::span<floa
 /// Whether a channel's name implies a position.
 bool hasPosition(std::string_view channel);
 
-/// Which of a stream's channels the sound server has synthesized for an output that has more
-/// channels than the application provides (`given`, empty if unknown): surround and centre from
-/// stereo, delayed and quieter, and everything from mono. Downmixed with the complete front pair,
-/// they would echo.
+/// Which of a stream's channels the sound server has synthesized for an output with more channels
+/// than the application's (`given`, empty if unknown). Downmixed with the front pair, they would
+/// echo.
 std::vector<bool> areMadeFromOthers(const std::vector<std::string>& channels,
                                     const std::vector<std::string>& given);
 
 /// For each port of a stream, in order: the tap channels to link it to. A channel without a side
-/// goes to both, at full level if it is all of the stream's front; low-frequency effects are left
-/// out.
+/// goes to both, at full level if it is the whole front. Low-frequency effects are left out.
 std::vector<std::vector<std::string_view>> tapChannelsFor(const std::vector<std::string>& channels);
 
 } // namespace vantoro::capture

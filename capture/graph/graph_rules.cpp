@@ -3,6 +3,7 @@
 #include "capture/graph/graph_rules.h"
 
 #include <algorithm>
+#include <ranges>
 #include <string_view>
 
 #include "capture/graph/channel_fold.h"
@@ -29,7 +30,6 @@ struct HeardPort {
 std::vector<HeardPort> portsOfStream(const Graph& graph, ObjectId stream) {
     const auto ports = portsOf(graph, stream, PortDirection::output);
     std::vector<std::string> channels;
-    channels.reserve(ports.size());
     for (const Identity& port : ports) {
         channels.push_back(graph.ports.at(port.id).channel);
     }
@@ -57,22 +57,15 @@ std::vector<HeardPort> portsLinkedTo(const Graph& graph, ObjectId node, ObjectId
                                HeardPort{{from->first, from->second.serial}, channel});
         }
     }
-    std::vector<HeardPort> ports;
-    for (auto& [key, port] : result) {
-        ports.push_back(std::move(port));
-    }
-    return ports;
+    const auto ports = std::views::values(result);
+    return {ports.begin(), ports.end()};
 }
 
 void addTapLinks(std::set<PortLink>& links, const Graph& graph, const std::vector<HeardPort>& ports,
                  ObjectId tap) {
     const auto inputs = inputsByChannel(graph, tap);
-    std::vector<std::string> channels;
-    channels.reserve(ports.size());
-    for (const HeardPort& port : ports) {
-        channels.push_back(port.channel);
-    }
-    const auto targets = tapChannelsFor(channels);
+    const auto channels = ports | std::views::transform(&HeardPort::channel);
+    const auto targets = tapChannelsFor({channels.begin(), channels.end()});
     for (std::size_t i = 0; i < ports.size(); ++i) {
         for (const std::string_view channel : targets[i]) {
             if (const auto input = inputs.find(channel); input != inputs.end()) {

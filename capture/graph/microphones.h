@@ -35,8 +35,7 @@ const Node* deviceOf(const Graph& graph, const Microphone& microphone);
 std::vector<Identity> portsOf(const Graph& graph, const Microphone& microphone);
 
 /// Tracks the recorded microphone while it is briefly absent: when the session manager restarts,
-/// all devices return as new objects with the same names. Only a device with the same name counts
-/// as the same microphone.
+/// all devices return as new objects with the same names.
 class FollowedMicrophone {
 public:
     /// How long it may be absent.

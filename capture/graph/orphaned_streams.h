@@ -11,12 +11,9 @@
 
 namespace vantoro::capture {
 
-/// Handles the restart of the session manager, which does not take over running nodes and connects
-/// nothing for 20 seconds if it finds one.
-///
-/// Our taps always run, so they must be closed meanwhile. Linking to the application streams that
-/// it leaves unconnected would make them run: they are left alone until they are connected to an
-/// output again.
+/// Handles the restart of the session manager, which connects nothing for 20 seconds if it finds
+/// running nodes. Our taps always run, so they must be closed meanwhile. Streams that it leaves
+/// unconnected are left alone until they have an output again, since a link would make them run.
 class OrphanedStreams {
 public:
     /// How long to wait for it.

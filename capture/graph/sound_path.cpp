@@ -24,8 +24,8 @@ bool namesSomething(const std::string& target) {
     return !target.empty() && target != "-1";
 }
 
-/// Where the session manager will connect a stream: where the user moved it, else its requested
-/// target, else the default output, also if the target does not exist.
+/// Where the session manager will connect a stream: where the user moved it, else to its requested
+/// target, else, or if there is no such target, to the default output.
 std::optional<ObjectId> predictedOutput(ObjectId stream, const Graph& graph) {
     const Node& node = graph.nodes.at(stream);
     if (!node.autoconnect) {
@@ -64,7 +64,7 @@ std::set<ObjectId> nodesLinkedInto(ObjectId node, const Graph& graph) {
     return result;
 }
 
-/// A filter often consists of several nodes in one link group: one takes in what another outputs.
+/// The nodes that take in what this one outputs, as filters do it: all are in one link group.
 /// For a stream, the other side is the group's output, if any.
 std::set<ObjectId> otherSidesOf(const Node& node, const Graph& graph) {
     if (node.linkGroup.empty() || (!isPlaybackStream(node) && !isMicrophone(node))) {

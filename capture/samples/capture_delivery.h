@@ -22,8 +22,8 @@ struct DeliveredSources {
 
 /// Turns the sound in the feeds into timed sample buffers, on the delivery queue.
 ///
-/// All calls only queue work; any thread but the real-time one, which may only call `wake`. Call
-/// `close` before destroying the queue or the receiver.
+/// All calls only queue work; the real-time thread may only call `wake`. Call `close` before
+/// destroying the queue or the receiver.
 class CaptureDelivery : public std::enable_shared_from_this<CaptureDelivery> {
 public:
     CaptureDelivery(SerialQueue& queue, CaptureStreamReceiver& receiver, DeliveredSources sources);

@@ -13,15 +13,12 @@
 
 namespace vantoro::capture {
 
-/// State shared by the real-time thread that fills a capture stream, the capture queue that empties
-/// it, and the loop that controls it.
+/// Shared by the real-time thread that fills it, the capture queue and the loop that controls both.
 struct CaptureFeed {
-    /// How long the capture queue may stall before sound is lost. Unless it stalls, this reserves
-    /// addresses but no memory.
+    /// How long the capture queue may stall before sound is lost. Takes no memory until it does.
     static constexpr std::chrono::seconds defaultLength{30};
-    /// Memory allocated in advance: twice the largest backlog of normal operation. In a longer
-    /// stall each cycle takes a page or two from the kernel: some microseconds of its 21
-    /// milliseconds, spent in our own node only.
+    /// Memory allocated in advance: twice the normal backlog. In a longer stall each cycle takes a
+    /// page or two from the kernel: some microseconds of its 21 milliseconds, in our node only.
     static constexpr std::chrono::seconds preallocatedLength{1};
 
     explicit CaptureFeed(AudioLevelSource which, std::chrono::seconds length = defaultLength)

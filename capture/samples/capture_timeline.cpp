@@ -41,13 +41,11 @@ std::int64_t CaptureTimeline::place(FeedId id, const Stamp& stamp, Planes planes
         feed.next = std::max(feed.next, stamped + stamp.frames);
         return stamped + stamp.frames - feed.next;
     }
-    // A driver's first cycles may hold more frames than time passed; stamps apply until they are
-    // heard.
+    // A driver's first cycles may hold too many frames: until they are heard, stamps apply.
     const bool unheard = stamped + stamp.frames <= begin_;
     if (!feed.started || unheard || stamped - feed.next > tolerated) {
-        // A feed's first piece may be a cycle older than what was emitted: place it after that
-        // instead of losing it. Sound from before the start is not late. After a stall, everything
-        // would be late.
+        // A feed's first piece may be a cycle older than what was emitted: it then follows that.
+        // Not so before the start, nor after a stall, when everything would be late.
         const bool late = !feed.started && emitted_ > begin_ && emitted_ - stamped <= tolerance;
         feed.next = late ? std::max(stamped, emitted_) : stamped;
         feed.started = true;

@@ -19,10 +19,9 @@ namespace vantoro::capture {
 /// Places the sound of several feeds on one grid: all system audio mixed (2 channels), and the
 /// microphone (1 channel) beside it.
 ///
-/// A feed's first piece lies at its stamp; after that its frames are counted, since stamps jitter.
-/// Silence fills a gap only when the count is behind the stamp by more than `tolerance`. Pieces
-/// never overlap: frames ahead of their stamps stay where the count puts them. Pure silence is
-/// lengthened or shortened to match its stamps. Silence replaces lost frames.
+/// A feed's first piece lies at its stamp; then its frames are counted, since stamps jitter.
+/// Silence fills a gap only if the count is behind the stamp by more than `tolerance`, and replaces
+/// lost frames. Pieces never overlap. Pure silence is stretched or cut to match its stamps.
 class CaptureTimeline {
 public:
     using FeedId = std::uint64_t;
@@ -38,8 +37,7 @@ public:
     /// Both sources start here; earlier sound is left out.
     void begin(std::int64_t position);
 
-    /// `position`: now. Nothing after it is emitted before the feed's first piece, for up to
-    /// `patience`.
+    /// `position`: now. For up to `patience`, what follows it waits for the feed's first piece.
     void addFeed(FeedId feed, AudioLevelSource source, std::int64_t position);
     /// Sound already placed stays.
     void removeFeed(FeedId feed);
@@ -52,11 +50,9 @@ public:
     /// source: simultaneous losses on two outputs count once.
     std::int64_t lose(FeedId feed, std::int64_t frames);
 
-    /// The position up to which both sources are complete: that of the slowest feed, ignoring feeds
-    /// more than `patience` behind.
+    /// Both sources are complete up to here: the slowest feed that is within `patience`.
     std::int64_t horizon(std::int64_t now) const;
-    /// Where a recording stopped now ends: the furthest feed's position, or now if all are far
-    /// behind.
+    /// Where a recording stopped now ends: at the furthest feed, or now if all are far behind.
     std::int64_t end(std::int64_t now) const;
 
     /// Emits whole blocks up to a position, alternating between the sources.

@@ -9,7 +9,7 @@
 namespace vantoro::capture {
 
 /// Detects that a stream's callbacks have stopped, the only sign of a sound server that hangs. Time
-/// during which the machine was suspended, or our own process did not run, does not count.
+/// in which the machine or this process was suspended does not count.
 class StallWatch {
 public:
     static constexpr std::uint64_t limit = 10'000'000'000; // ns

@@ -20,11 +20,11 @@ constexpr double maximumDrift = 8e-4;
 // A mean further off the line is a jump: no clock drifts that fast.
 constexpr double jump = 1e-3;   // s
 constexpr int maximumJumps = 2; // in a row
-// The share of a new speed that shows in the next window's mean: the resampler takes about half a
-// second to reach it.
+// The share of a new speed in the next window's mean: the resampler takes half a second to reach
+// it.
 constexpr double shareInNextWindow = 0.15;
-// A slope counts as drift once jitter of the stamps, which moves the means by at most `jitter`, is
-// very unlikely to cause it.
+// A slope counts as drift once it is unlikely to come from the stamps, whose means move by
+// `jitter`.
 constexpr int minimumWindows = 3;
 constexpr double jitter = 1.5e-4; // s
 constexpr double certainty = 3;   // standard deviations
@@ -142,8 +142,8 @@ void ClockSteering::steer(double secondsBehind) {
     const double known = windows_ >= minimumWindows ? drift_ : 0;
     const double deviation =
         std::clamp(known + (secondsBehind / correctionTime), -maximumDeviation, maximumDeviation);
-    // Whole frames per second, so that every resampler does the same; the rest carries over. Never
-    // zero: a resampler that returns to copying in mid-sound slips by up to a frame.
+    // Whole frames per second, as every resampler can do; the rest carries over. Never zero: a
+    // resampler that returns to copying slips by up to a frame.
     const double wanted = carry_ + (framesPerSecond * deviation / (1 + deviation));
     const double steps =
         std::copysign(std::clamp(std::round(std::abs(wanted)), 1.0, maximumSteps), wanted);

@@ -8,23 +8,20 @@
 
 namespace vantoro::capture {
 
-/// Keeps a stream's frame count in step with its stamps. A sound card's clock runs up to a few
-/// hundred ppm fast or slow against CLOCK_MONOTONIC; uncorrected, a long recording would drift and
-/// then jump. Instead, the stream's resampler produces slightly more or fewer frames, too slowly to
-/// be audible.
+/// Keeps a stream's frame count in step with its stamps. A sound card's clock is up to a few
+/// hundred ppm off CLOCK_MONOTONIC, so that a long recording would drift and then jump. Instead,
+/// the stream's resampler produces slightly more or fewer frames, too slowly to be audible.
 ///
 /// The drift is the slope of a line through one-second means of the difference between stamps and
-/// frames: all of them at first, later the last 15 seconds. It is thus known within a few seconds
-/// and follows a wandering clock. The remaining offset is corrected within about five seconds. A
-/// sudden 500 ppm stay below 2.5 ms. Steering starts only once a clock is found to drift: until
-/// then the resampler copies, which costs nothing and changes nothing.
+/// frames, over at most 15 seconds. The offset is corrected within about five seconds; a sudden 500
+/// ppm stay below 2.5 ms. Until a clock is found to drift, the resampler copies, which costs
+/// nothing.
 class ClockSteering {
 public:
     /// Largest deviation of the speed (under 2 cents).
     static constexpr double maximumDeviation = 1e-3;
 
-    /// Adds one piece; `framesBehind`: by how many frames the count is behind its stamp (negative:
-    /// ahead).
+    /// `framesBehind`: by how much the count is behind the piece's stamp (negative: ahead).
     void observe(const Stamp& stamp, std::int64_t framesBehind);
 
     /// Frames that the resampler should produce for each frame of its nominal output.

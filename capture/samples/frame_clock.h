@@ -32,8 +32,8 @@ inline std::uint64_t nanosecondsOn(clockid_t clock) noexcept {
 }
 
 /// The grid position where a recording starts, from the first stamp of each stream (0: none yet).
-/// Streams that start together may miss the graph's first cycle; the others' sound is kept. The
-/// start does not wait for a microphone that takes seconds to wake.
+/// A stream that misses the first cycle cuts nothing from the others, and one that takes seconds to
+/// wake delays nothing.
 inline std::int64_t captureBeginning(std::vector<std::uint64_t> firstStamps, std::uint64_t now) {
     constexpr std::int64_t longestCycle = 8192; // frames
     std::erase(firstStamps, 0);

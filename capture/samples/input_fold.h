@@ -8,20 +8,18 @@
 
 namespace vantoro::capture {
 
-/// Downmixes the inputs of a microphone device to mono: the mean of those inputs that have been
-/// heard. One microphone on one of eight inputs keeps its level, and the two sides of a stereo
-/// microphone do not add up to more than each.
+/// Downmixes the inputs of a microphone device to mono: the mean of those that have been heard, so
+/// that one microphone on one of eight inputs keeps its level.
 ///
-/// An input counts as heard once it reaches 0.001 of full scale and 0.01 of the loudest input: this
-/// excludes noise of open inputs and crosstalk. It counts from then on, so that no voice's level
-/// depends on who else is speaking; the gain changes gradually within one piece.
+/// An input is heard once it reaches 0.001 of full scale and 0.01 of the loudest input, more than
+/// noise and crosstalk. It counts from then on, so that no voice's level depends on who else
+/// speaks; the gain changes gradually within one piece.
 class InputFold {
 public:
     static constexpr std::size_t maximumInputs = 64;
 
     /// `inputs`: at most `maximumInputs`, each with at least as many frames as `mono`. Non-finite
-    /// samples count as silence, so that one faulty input does not silence the others. Real-time
-    /// safe.
+    /// samples of a faulty input count as silence. Real-time safe.
     void fold(std::span<const std::span<const float>> inputs, std::span<float> mono) noexcept;
 
 private:

@@ -11,8 +11,7 @@
 
 namespace vantoro::capture {
 
-/// A section of the grid in which sounds are mixed, and from whose front they are taken. Frames
-/// without sound are silent.
+/// A section of the grid in which sounds are mixed, and from whose front they are taken.
 class MixLine {
 public:
     explicit MixLine(std::size_t channels) : lines_(channels) {}
@@ -20,8 +19,7 @@ public:
     /// Discards all content and moves the front; sound added before it is ignored.
     void moveFront(std::int64_t position);
 
-    /// Mixes in frames with the line's channel count. Non-finite samples count as silence, so that
-    /// one faulty application does not silence the others.
+    /// Mixes in as many channels. Non-finite samples of a faulty application count as silence.
     void add(std::int64_t position, Planes planes);
 
     /// Takes frames from the front, planar. Valid until the next call.

@@ -31,10 +31,8 @@ struct DiskRoom {
 /// thread of `start`, or on the one that waits for the disk.
 using DiskRoomCallback = std::function<void(DiskRoom room)>;
 
-/// What `available` bytes mean for a recording of this length, whose tracks together take
-/// `bitRate` bits per second. The temporary file keeps growing, and the full-length final file is
-/// written beside it. Space taken by a mix made ahead does not count as available, although it
-/// will be.
+/// What `available` bytes mean for a recording of this length, whose tracks together take `bitRate`
+/// bits per second: the temporary file grows, and the whole final file comes beside it.
 DiskRoom diskRoom(std::uint64_t available, std::chrono::seconds recorded, int bitRate);
 
 /// Whether there is space for at least 30 seconds of recording and its final file.

@@ -23,16 +23,14 @@ struct FinalFile {
 class OutputPlace {
 public:
     /// Takes the first free name of "BASE.m4a", "BASE-2.m4a", … in the folder. A name is taken if
-    /// anything has it, another export uses it, or its staging path is occupied by something else.
-    /// Throws what the file system throws.
+    /// anything has it or its staging path. Throws what the file system throws.
     OutputPlace(FileSystem& fileSystem, std::filesystem::path folder, std::string baseName);
     OutputPlace(OutputPlace&&) noexcept = default;
     OutputPlace& operator=(OutputPlace&&) = delete;
     /// Removes the staging file.
     ~OutputPlace();
 
-    /// The expected path of the recording; it changes if a program that ignores staging files takes
-    /// the name.
+    /// The recording's path, unless a program that ignores staging files takes the name.
     std::filesystem::path location() const;
 
     /// To be written, synced and closed by the caller.

@@ -26,12 +26,11 @@ class CaptureStreamReceiver {
 public:
     virtual ~CaptureStreamReceiver() = default;
     virtual void didOutputSampleBuffer(const SampleBuffer& buffer, AudioLevelSource source) = 0;
-    /// This much captured sound was dropped because it was not taken in time. Silence replaces it;
-    /// later sound keeps its place. Reported per source on the delivery queue, before the first
-    /// buffer after the loss, or after the last buffer.
+    /// So much sound was not taken in time; silence replaces it. Reported before the source's first
+    /// buffer after the loss, or after its last one.
     virtual void didLoseSound(AudioLevelSource source, double seconds) = 0;
-    /// The stream stopped on its own and delivers nothing more. Called at most once, and never
-    /// after `stopCapture`. The handed-over work may destroy the stream.
+    /// The stream stopped on its own and delivers nothing more. At most once, and never after
+    /// `stopCapture`. The handed-over work may destroy the stream.
     virtual void streamDidStop(std::exception_ptr error) = 0;
     /// A source cannot be recorded (microphone `muted`, system audio `coded`), or can be again
     /// (`delivering`).
@@ -41,9 +40,8 @@ public:
 /// A stream of timed sound: all applications except our own, and one microphone.
 ///
 /// Each source delivers 32-bit float at 48 kHz (system audio: 2 channels, microphone: 1) in
-/// contiguous buffers from shortly after `startCapture`; a silent or idle source yields silence.
-/// Both share one clock. One task thread at a time; the destructor may also run on the delivery
-/// queue.
+/// contiguous buffers, on one clock; an idle source yields silence. One task thread at a time; the
+/// destructor may also run on the delivery queue.
 class CaptureStream {
 public:
     virtual ~CaptureStream() = default;

@@ -23,9 +23,8 @@ public:
     virtual std::size_t trackCount() const = 0;
     /// Duration of the intact part of the file; the invalid time if unknown.
     virtual MediaTime duration() const = 0;
-    /// Whether the tracks hold everything in the file: no damage, no truncated end. If false, the
-    /// file may be the only copy of the missing sound. May read the whole file. Never throws: false
-    /// for an unreadable file.
+    /// Whether the tracks hold everything in the file: no damage, no truncated end. May read the
+    /// whole file; false if it is unreadable. If false, it may be the only copy of missing sound.
     virtual bool isWhole() const noexcept = 0;
 
     /// Mixes all tracks from time zero into one M4A file, each at its linear gain (in file order),

@@ -45,12 +45,10 @@ public:
     virtual void end() = 0;
 };
 
-/// Writes tracks into a fragmented movie file. Each fragment is synced when it closes, so that the
-/// file stays readable up to its last whole fragment if the writer dies.
+/// Writes tracks into a fragmented movie file, readable up to its last whole fragment at any time.
 ///
 /// Set up on a task thread, then used on the capture queue only; `status` and `error` on any
-/// thread. The file exists from the start, empty and locked. Destruction without `finish` keeps
-/// what is written so far.
+/// thread. The file exists from the start, empty and locked, and stays without `finish`, too.
 class RecordingWriter {
 public:
     virtual ~RecordingWriter() = default;
@@ -66,8 +64,7 @@ public:
     /// thread of the writer. By then `status` is `completed` or `failed`.
     virtual void finish(std::function<void()> completion) = 0;
 
-    /// The probable mixing gain of each track, in track order, so that the mix can be made ahead.
-    /// May be called again; does not block.
+    /// The probable gain of each track, so that the mix can be made ahead. Does not block.
     virtual void expectMix(std::vector<float> volumes) = 0;
 
     /// Opens the finished file, reusing what the mix made ahead knows of it. Task thread; throws

@@ -37,17 +37,15 @@ public:
     virtual void expectVolumes(float systemVolume, float microphoneVolume) = 0;
 
     /// Ends the recording, mixes it with these linear gains, and returns the final file's path.
-    /// Throws `RecordingError`, or the platform's error unchanged, and then keeps the temporary
-    /// file if it holds sound. Another recording can start either way.
+    /// Throws like `start`, and then keeps the temporary file if it holds sound. Another recording
+    /// can start either way.
     virtual std::filesystem::path stop(float systemVolume, float microphoneVolume) = 0;
 
     /// After `stop` threw: whether the temporary file was kept with readable sound. Valid until the
     /// next `start`; not during `stop`.
     virtual bool hasKeptRecording() const noexcept = 0;
 
-    /// Finishes interrupted recordings in the folder; see `salvage.h`. Skips recordings in
-    /// progress. A requested stop ends the call promptly; the recording being worked on stays as it
-    /// was.
+    /// Finishes interrupted recordings in the folder; see `salvage.h`.
     virtual SalvageResult recoverIncompleteRecordings(const std::filesystem::path& folder,
                                                       const std::stop_token& stop) = 0;
 
@@ -63,8 +61,7 @@ public:
     SoundLossCallback onSoundLoss;
     /// The disk is filling up. Once only the final file fits, the receiver must call `stop`.
     DiskRoomCallback onDiskRoom;
-    /// During `stop`: everything captured is on disk, so the final file can be made again if the
-    /// export fails. On the thread of `stop`.
+    /// During `stop`, on its thread: everything captured is on disk.
     std::function<void()> onRecordingSafe;
     /// Progress of `stop` or a salvage on the final file. On its thread.
     ExportProgress onExportProgress;

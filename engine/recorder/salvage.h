@@ -43,8 +43,7 @@ struct SalvageResult {
 /// Whether the file is named like an unfinished recording.
 bool isIncompleteRecording(const std::filesystem::path& file);
 
-/// The unfinished recordings in a listing, oldest modification first, unknown times before all
-/// others.
+/// The unfinished recordings in a listing, oldest modification first, unknown times at the front.
 std::vector<std::filesystem::path> incompleteRecordings(std::vector<FolderEntry> listing);
 
 /// How many recordings `recoverIncompleteRecordings` would finish: unfinished, with sound, and not
@@ -54,9 +53,8 @@ std::size_t recordingsToRecover(MediaToolkit& mediaToolkit, FileSystem& fileSyst
 
 /// Exports each unfinished recording in the folder at full volume, then deletes its original, or
 /// sets it aside if not all of it could be read. Blocks; task threads only. Never throws: an
-/// original that is in use, or cannot be read, exported, deleted or set aside, stays, and the
-/// attempt leaves nothing behind. A requested stop takes effect before each recording, during its
-/// export, and right after it. `progress` reports each export on this thread; may be empty.
+/// original that is in use, or where anything fails, stays, and the attempt leaves nothing behind.
+/// A requested stop has the same effect at once. `progress` reports each export; may be empty.
 SalvageResult recoverIncompleteRecordings(const SalvagePlatform& platform,
                                           const std::filesystem::path& folder,
                                           const std::stop_token& stop,

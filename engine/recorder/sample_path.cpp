@@ -62,14 +62,8 @@ void SamplePath::append(const SampleBuffer& buffer, AudioLevelSource source) {
     levelMeter_.publishAudioLevel(buffer, source, onAudioLevel_);
     sourceWatch_.observe(buffer, source, onSourceCondition_);
     const MediaTime time = buffer.presentationTime;
-    if (!time.isValid()) {
-        return;
-    }
-    if (!writerStarted_ && !startWriting(time)) {
-        return;
-    }
-    if (time < sessionStartTime_) {
-        return; // the other source's, captured before the start
+    if (!time.isValid() || (!writerStarted_ && !startWriting(time)) || time < sessionStartTime_) {
+        return; // the last: the other source's, captured before the start
     }
     if (!input->isReady()) {
         drop(buffer, source);
