@@ -11,11 +11,10 @@
 
 namespace vantoro {
 
-// How a function tells that it failed: where its caller is expected to act on the failure, it
-// returns std::expected (std::optional where there is nothing to tell about it); where what was
-// asked for could not be done, it throws. A failure that crosses threads, or is kept, is a
-// std::exception_ptr. An exception says what failed, with its arguments; l10n puts it into words
-// once, where the user reads it. `what()` is English, for developers and logs.
+// Where its caller is expected to act on a failure, a function returns std::expected (std::optional
+// if there is nothing to tell); where what was asked for could not be done, it throws. A failure
+// that crosses threads, or is kept, is a std::exception_ptr. An exception says what failed; l10n
+// puts it into words where the user reads it. `what()` is English, for developers and logs.
 
 /// What failed, apart from files (`FileFailure`) and what the recorder itself refuses
 /// (`RecordingError`).

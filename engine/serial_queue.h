@@ -55,8 +55,8 @@ public:
     /// Work must not throw.
     void async(std::function<void()> work);
 
-    /// Runs the work after everything queued before it and returns its result or throws its
-    /// exception. On the queue's own thread it runs at once.
+    /// Runs the work after all queued before it; at once on the queue's own thread. Returns its
+    /// result or throws its exception.
     template <class Work>
     auto sync(Work work) -> std::invoke_result_t<Work> {
         if (isCurrent()) {

@@ -10,10 +10,9 @@
 
 namespace vantoro {
 
-/// Checks everything that recording into this folder depends on, within a few seconds; late answers
-/// are left out, and buses known to be silent are not asked. Passes the findings to `report` and
-/// returns its result. If a check still hangs then, as a disk may, ends the process with that
-/// status instead.
+/// Checks within a few seconds what recording into this folder depends on, leaving out late answers
+/// and silent buses, and returns the result of `report`. If a check still hangs then, as a disk
+/// may, ends the process with that status instead.
 int examine(const std::filesystem::path& recordingFolder, const desktop::SilentBuses& silent,
             const std::function<int(const DoctorFindings& findings)>& report);
 

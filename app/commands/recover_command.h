@@ -11,11 +11,9 @@
 
 namespace vantoro {
 
-/// Salvages the interrupted recordings in a folder, until a signal arrives; the one in progress
-/// then stays for the next time. Prints the final files' paths on standard output, one per line,
-/// and everything else on standard error, including where damaged originals are kept. Returns the
-/// exit status: 1 if there is no such folder or standard output fails; 3 if a recording was only
-/// partly readable; else 0.
+/// Salvages the interrupted recordings in a folder until a signal arrives. Prints the final files'
+/// paths on standard output, one per line, and everything else on standard error. Returns the exit
+/// status: 1 if anything failed; 3 if a recording was only partly readable; else 0.
 int runRecoverCommand(const RecoverCommand& command, const std::filesystem::path& defaultFolder,
                       const SalvagePlatform& platform, Ending& ending, const L10n& texts);
 

@@ -22,7 +22,7 @@ public:
     /// Whether standard error is a terminal.
     bool isLive() const noexcept { return isLive_; }
 
-    /// Does nothing unless live, or if the line is unchanged.
+    /// Does nothing unless live.
     void showLine(const std::string& line);
     void clearLine();
     /// Prints a separate line above the progress line.

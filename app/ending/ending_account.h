@@ -22,21 +22,17 @@ enum class EndingStep : std::uint8_t {
     endAtOnce, ///< do not wait any longer
 };
 
-/// Decides when to end a program whose work in progress hangs: a start or a save that waits for a
-/// lost disk cannot be interrupted. Callers pass in the time. Any thread, one at a time.
+/// Decides when to end a program whose work hangs, as on a lost disk. One thread at a time.
 class EndingAccount {
 public:
     using TimePoint = std::chrono::steady_clock::time_point;
 
-    /// The longest time without progress after a request to end. Users and session managers
-    /// consider a program dead after five seconds.
+    /// Without progress after a request. Users and session managers give up after five seconds.
     static constexpr std::chrono::milliseconds longestStandstill{4000};
-    /// Signals this soon after the first count as one request: a parent process may forward the
-    /// signal that the terminal sends as well.
+    /// Signals this close count as one: a parent may forward the one that the terminal sends, too.
     static constexpr std::chrono::milliseconds sameRequest{200};
 
-    /// Whether a handler finishes the work in progress on request. Initially there is neither
-    /// handler nor work.
+    /// Whether a handler finishes the work in progress on request. Initially none does.
     void setHasHandler(bool hasHandler) { hasHandler_ = hasHandler; }
 
     /// Records a request. Returns whether to notify the handler: for the first request other than

@@ -8,11 +8,8 @@
 
 namespace vantoro {
 
-/// Waits for the signals that end a recording: SIGINT, SIGTERM, and SIGHUP unless it is ignored, as
-/// under nohup.
-///
-/// Construct before any thread starts: it blocks these signals in its own thread and those started
-/// later. Throws std::system_error.
+/// Waits for SIGINT, SIGTERM, and SIGHUP unless it is ignored, as under nohup. Construct before any
+/// thread starts: it blocks these signals in this thread and later ones. Throws std::system_error.
 class StopSignals {
 public:
     enum class Event : std::uint8_t {

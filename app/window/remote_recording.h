@@ -12,8 +12,8 @@
 
 namespace vantoro {
 
-/// Starts and stops recordings on requests from outside the window, such as the desktop's menu.
-/// Shows the window if that fails, because the reason is displayed there. Main thread.
+/// Starts and stops recordings for the desktop's menu. Shows the window, with the reason, if that
+/// fails. Main thread.
 class RemoteRecording final : public QObject {
 public:
     using ShowWindow = std::function<void(const std::string& activationToken)>;

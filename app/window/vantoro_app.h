@@ -48,8 +48,7 @@ public:
     /// Brings the window to the front. Some desktops require the token; it may be empty.
     void activate(const std::string& activationToken);
 
-    /// Start or stop a recording in the background; bring the window to the front on failure, using
-    /// the token. Do nothing if there is nothing to start or stop.
+    /// See `RemoteRecording`.
     void startRecording(const std::string& activationToken);
     void stopRecording(const std::string& activationToken);
 
@@ -62,9 +61,8 @@ public:
     /// Ends the program after saving the recording; the window shows the progress.
     void quit(IfNotSaved ifNotSaved);
 
-    /// Blocks until the recording is saved, saving fails, or `patience` is over; what was captured
-    /// is then salvaged at the next start. Runs the event loop meanwhile, because the session ends
-    /// as soon as this returns.
+    /// Runs the event loop until the recording is saved, saving fails, or `patience` is over: the
+    /// session ends as soon as this returns.
     void saveBeforeSessionEnd(std::chrono::milliseconds patience);
 
 private:

@@ -49,8 +49,7 @@ struct Node {
     bool markedAsOwn = false;
     bool isOfDevice = false; ///< a hardware device's, not a program's
     MixerSetting mixer;      ///< microphones only
-    /// Playback streams: the application's own channels. Its ports show what the server makes of
-    /// them for the output. Empty until known.
+    /// Playback streams: the application's own channels, not the output's. Empty until known.
     std::vector<std::string> channels;
 
     friend bool operator==(const Node&, const Node&) = default;

@@ -17,9 +17,8 @@ struct FinalFile {
     std::unique_ptr<OutputFile> file; ///< closed; for callers that must discard it again
 };
 
-/// A free name for a final recording, reserved by a locked staging file beside it until the name is
-/// used or this object is destroyed. Never replaces or removes another program's file. Task threads
-/// only.
+/// A free name for a final recording, reserved by a locked staging file beside it until it is used
+/// or this object destroyed. Never touches another program's file. Task threads only.
 class OutputPlace {
 public:
     /// Takes the first free name of "BASE.m4a", "BASE-2.m4a", … in the folder. A name is taken if
@@ -36,9 +35,9 @@ public:
     /// To be written, synced and closed by the caller.
     OutputFile& stagingFile() noexcept { return *staging_; }
 
-    /// Gives the staging file, or `other` if not null, the reserved name or the next free one, and
-    /// returns once the name is on disk. The file must be complete. Throws what the file system
-    /// throws, leaving no file behind. Call once; nothing may follow.
+    /// Gives the staging file, or `other` if not null, the reserved name or the next free one, on
+    /// disk. The file must be complete. Throws what the file system throws, leaving no file behind.
+    /// Call once; nothing may follow.
     FinalFile publish(std::unique_ptr<OutputFile> other);
 
 private:

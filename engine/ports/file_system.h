@@ -23,8 +23,7 @@ public:
     virtual void truncate(std::uint64_t size) = 0;
     /// Returns once everything written is on disk, including the metadata needed to read it back.
     virtual void sync() = 0;
-    /// Makes the file reachable at its original path again if its folder was removed or moved:
-    /// recreates the folder and copies the content there.
+    /// If its folder was removed or moved, recreates the folder and copies the content there.
     virtual void ensureReachable() = 0;
     /// Only `takeName`, `discard` and destruction may follow.
     virtual void close() = 0;
@@ -40,8 +39,7 @@ class InputFile {
 public:
     virtual ~InputFile() = default;
     virtual std::uint64_t size() const = 0;
-    /// Returns the number of bytes read, fewer than requested only at the end of the file. Throws
-    /// on failure.
+    /// Returns how many bytes it read: fewer than requested only at the end of the file.
     virtual std::size_t readAt(std::uint64_t offset, std::span<std::byte> into) const = 0;
 };
 
@@ -74,8 +72,7 @@ public:
     virtual bool exists(const std::filesystem::path& path) const = 0;
     /// Removes a file or an empty folder. Throws if nothing is there or a folder is not empty.
     virtual void remove(const std::filesystem::path& path) = 0;
-    /// Moves within one file system. Never replaces anything: throws std::errc::file_exists if `to`
-    /// exists.
+    /// Within one file system. Throws std::errc::file_exists if `to` exists.
     virtual void move(const std::filesystem::path& from, const std::filesystem::path& to) = 0;
     /// Returns once the folder's entries (creations, moves, removals) are on disk.
     virtual void syncFolder(const std::filesystem::path& folder) = 0;
@@ -90,8 +87,7 @@ public:
     /// Null if the folder's file system does not support this.
     virtual std::unique_ptr<OutputFile> createUnnamed(const std::filesystem::path& folder,
                                                       FileAudience audience) = 0;
-    /// Bytes the user may still write there. Throws if the file system does not report them. May
-    /// block on the disk.
+    /// Bytes the user may still write there. Throws if unknown. May block on the disk.
     virtual std::uint64_t availableSpace(const std::filesystem::path& folder) const = 0;
     virtual std::unique_ptr<InputFile> open(const std::filesystem::path& path) = 0;
     /// Lists the folder's own entries, hidden ones included.

@@ -19,8 +19,8 @@ namespace vantoro {
 /// Reports that capture has failed. Called on the capture queue.
 using CaptureInterruptedCallback = std::function<void(std::exception_ptr error)>;
 
-/// Moves buffers from the capture stream to the file: meters and watches each one, starts the file
-/// at the first valid time, and appends to the source's track. Capture queue only.
+/// Meters and watches each captured buffer, starts the file at the first valid time, and appends to
+/// the source's track. Capture queue only.
 class SamplePath {
 public:
     /// The callbacks are read at each use; set them at any time before. Each may be empty.

@@ -20,10 +20,9 @@ using TrackVolume = std::function<float(std::size_t trackIndex)>;
 /// Gains of a recording's tracks; system audio comes first if recorded.
 TrackVolume recordingVolumes(bool hasSystemAudioTrack, float systemVolume, float microphoneVolume);
 
-/// Mixes all tracks of the recording from time zero, each at its volume, and exports to the place;
-/// on return the file is complete and on disk. Task threads only. Throws `RecordingError`
-/// (`noAudioCaptured`, `exportFailed`), the platform's error unchanged, or
-/// std::errc::operation_canceled after a requested stop; then leaves nothing behind.
+/// Mixes all tracks from time zero, each at its volume, into a complete file on disk. Task threads
+/// only. Throws `RecordingError` (`noAudioCaptured`, `exportFailed`), the platform's error
+/// unchanged, or std::errc::operation_canceled after a requested stop; then leaves nothing behind.
 FinalFile mixTracks(Recording& recording, OutputPlace place, const TrackVolume& volumeOfTrack,
                     const ExportProgress& progress, const std::stop_token& stop);
 
