@@ -16,7 +16,7 @@
 #include "platform/desktop/power/power_management.h"
 #include "platform/desktop/power/power_profile.h"
 #include "platform/ffmpeg/loaded_toolkit.h"
-#include "platform/pipewire/capture_service.h"
+#include "platform/pipewire/pipewire_capture.h"
 #include "platform/pipewire/sound_server.h"
 #include "platform/posix/posix_file_system.h"
 #include "platform/posix/system_clock.h"
@@ -55,7 +55,7 @@ private:
     std::mutex mutex_;
     std::optional<std::string> chosenMicrophone_; // guarded by mutex_
     pipewire::SoundServer soundServer_;
-    pipewire::CaptureService captureService_;
+    pipewire::PipeWireCapture captureService_;
     desktop::DesktopMicrophoneAccess microphoneAccess_;
     desktop::DesktopPowerManagement power_;
     desktop::DesktopOpener opener_;

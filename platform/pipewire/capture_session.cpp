@@ -7,40 +7,28 @@
 #include <vector>
 
 #include "capture/graph/channel_fold.h"
+#include "capture/samples/capture_beginning.h"
 #include "capture/samples/frame_clock.h"
 
 namespace vantoro::pipewire {
 
 namespace {
 
-using namespace std::chrono_literals;
-
-constexpr auto answerLimit = 2s;
-constexpr auto startLimit = 5s;
-constexpr auto tapStartLimit = 1s; // a broken output must not block the others
-constexpr auto startingInterval = 5ms;
-constexpr auto runningInterval = 500ms;
-
-/// The first cycles after linking are often short or late, so a stream counts as running only after
-/// a few. Sound heard meanwhile is kept.
-bool hasSettled(const InputStream& stream) {
-    constexpr std::uint64_t cycles = 4;
-    return stream.feed()->callbacks.load(std::memory_order_relaxed) >= cycles;
-}
-
-Failure endOf(const InputStream& stream) {
-    return stream.reason().empty() ? Failure(FailureCode::streamEnded)
-                                   : Failure(FailureCode::streamEndedBecause, stream.reason());
-}
+constexpr std::chrono::seconds answerLimit{2};
+constexpr std::chrono::seconds startLimit{5};
+constexpr std::chrono::seconds tapStartLimit{1}; // a broken output must not block the others
+constexpr std::chrono::milliseconds startingInterval{5};
+constexpr std::chrono::milliseconds runningInterval{500};
 
 } // namespace
 
 CaptureSession::CaptureSession(CaptureRequest request, CaptureSettings settings,
-                               std::shared_ptr<capture::CaptureDelivery> delivery, Events events)
+                               std::shared_ptr<capture::CaptureDelivery> delivery,
+                               CaptureStreamReceiver& receiver)
     : request_(std::move(request)),
       settings_(settings),
       delivery_(std::move(delivery)),
-      events_(std::move(events)),
+      receiver_(receiver),
       connection_({.lost = [this] { fail(Failure(FailureCode::connectionLost)); },
                    .identified = [this] { updateEvent_.request(); }}),
       updateEvent_(connection_.loop(), [this] { update(); }),
@@ -51,25 +39,25 @@ CaptureSession::CaptureSession(CaptureRequest request, CaptureSettings settings,
 CaptureSession::~CaptureSession() {
     {
         const LoopLock lock(connection_.threadLoop());
-        if (phase_ != Phase::ended) {
-            phase_ = Phase::ended;
-            closeStreams();
-            delivery_->finish();
-        }
+        end();
     }
     connection_.end();
 }
 
 void CaptureSession::start() {
-    const Deadline answerBy = std::chrono::steady_clock::now() + answerLimit;
     connection_.run();
-    // The first reply follows all objects, the second their details.
-    if (!connection_.roundTrip(answerBy) || !connection_.roundTrip(answerBy)) {
+    if (!connection_.awaitObjects(std::chrono::steady_clock::now() + answerLimit)) {
         throw Failure(FailureCode::serverSilent);
     }
     {
         const LoopLock lock(connection_.threadLoop());
-        open();
+        if (request_.microphone) {
+            openMicrophone();
+        }
+        phase_ = Phase::starting;
+        startedAt_ = std::chrono::steady_clock::now();
+        timer_.setInterval(startingInterval);
+        updateEvent_.request();
     }
     const bool settled = settled_.waitUntil(std::chrono::steady_clock::now() + startLimit);
     const LoopLock lock(connection_.threadLoop());
@@ -80,16 +68,6 @@ void CaptureSession::start() {
         throw Failure(microphoneRuns() ? FailureCode::captureNotStarted
                                        : FailureCode::microphoneSilent);
     }
-}
-
-void CaptureSession::open() {
-    if (request_.microphone) {
-        openMicrophone();
-    }
-    phase_ = Phase::starting;
-    startedAt_ = std::chrono::steady_clock::now();
-    timer_.setInterval(startingInterval);
-    updateEvent_.request();
 }
 
 void CaptureSession::openMicrophone() {
@@ -107,22 +85,23 @@ void CaptureSession::openMicrophone() {
 std::unique_ptr<InputStream> CaptureSession::makeStream(AudioLevelSource source,
                                                         std::size_t channels) {
     auto feed = std::make_shared<capture::CaptureFeed>(source, settings_.longestStall);
-    const InputStream::Wake wake{.frames = static_cast<std::size_t>(capture::framesInMilliseconds(
-                                     settings_.deliveryInterval.count())),
-                                 .call =
-                                     [](void* delivery) noexcept {
-                                         static_cast<capture::CaptureDelivery*>(delivery)->wake();
-                                     },
-                                 .receiver = delivery_.get()};
-    auto stream = std::make_unique<InputStream>(connection_.core(), feed, channels, wake,
-                                                [this] { updateEvent_.request(); });
+    auto stream = std::make_unique<InputStream>(
+        connection_.core(), feed, channels, *delivery_,
+        capture::framesInMilliseconds(settings_.deliveryInterval.count()),
+        [this] { updateEvent_.request(); });
     delivery_->addFeed(std::move(feed));
     return stream;
 }
 
 void CaptureSession::update() {
-    if (failure_) {
-        stopUnexpectedly();
+    if (failure_ && phase_ != Phase::ended) {
+        const bool wasRunning = phase_ == Phase::running;
+        end();
+        if (wasRunning) {
+            receiver_.streamDidStop(std::make_exception_ptr(*failure_));
+        } else {
+            settled_.set();
+        }
     }
     if (phase_ != Phase::starting && phase_ != Phase::running) {
         return;
@@ -141,9 +120,16 @@ void CaptureSession::update() {
 }
 
 void CaptureSession::updateLinks() {
-    auto own = ownNodes();
-    if (orphans_.awaitsManager()) {
-        own.tapOfOutput.clear();
+    capture::OwnNodes own;
+    for (const auto& [output, tap] : taps_) {
+        const auto node = tap->node();
+        if (node && !orphans_.awaitsManager()) {
+            own.tapOfOutput.emplace(output, *node);
+        }
+    }
+    if (microphone_) { // so `followed_` is set too
+        own.microphoneStream = microphone_->node();
+        own.microphone = followed_->source();
     }
     auto links = wantedLinks(mirror_.graph(), connection_.self(), own, settings_.excludesOwnSound);
     orphans_.removeOrphans(links, mirror_.graph());
@@ -156,14 +142,12 @@ void CaptureSession::updateTaps() {
     for (auto entry = taps_.begin(); entry != taps_.end();) {
         auto& [output, tap] = *entry;
         if (present.contains(output)) {
-            if (tap->state() == InputStream::State::ended) {
-                fail(endOf(*tap));
-            }
+            tap->checkRunning();
             ++entry;
-            continue;
+        } else {
+            close(tap);
+            entry = taps_.erase(entry);
         }
-        close(tap);
-        entry = taps_.erase(entry);
     }
     for (const capture::Identity& output : present) {
         if (!taps_.contains(output)) {
@@ -171,10 +155,9 @@ void CaptureSession::updateTaps() {
                           makeStream(AudioLevelSource::systemAudio, capture::tapChannels.size()));
         }
     }
+    const bool isCoded = request_.systemAudio && playsCodedSound(mirror_.graph());
     reportObstacle(AudioLevelSource::systemAudio,
-                   request_.systemAudio && playsCodedSound(mirror_.graph())
-                       ? SourceCondition::coded
-                       : SourceCondition::delivering);
+                   isCoded ? SourceCondition::coded : SourceCondition::delivering);
 }
 
 void CaptureSession::updateMicrophone() {
@@ -184,36 +167,33 @@ void CaptureSession::updateMicrophone() {
     using Presence = capture::FollowedMicrophone::Presence;
     const auto presence =
         followed_->update(mirror_.graph(), capture::nanosecondsOn(CLOCK_MONOTONIC));
-    if (microphone_ && microphone_->state() == InputStream::State::ended) {
-        fail(endOf(*microphone_));
-    } else if (presence == Presence::gone) {
-        fail(Failure(FailureCode::microphoneDisconnected));
-    } else if (presence == Presence::away) {
-        if (orphans_.awaitsManager()) {
-            close(microphone_);
-        }
-    } else if (microphone_ || !orphans_.awaitsManager()) {
+    if (microphone_) {
+        microphone_->checkRunning();
+    }
+    if (presence == Presence::gone) {
+        throw Failure(FailureCode::microphoneDisconnected);
+    }
+    if (presence == Presence::here && (microphone_ || !orphans_.awaitsManager())) {
         recordMicrophone(followed_->source());
+    } else if (presence == Presence::away && orphans_.awaitsManager()) {
+        close(microphone_);
     }
 }
 
 void CaptureSession::recordMicrophone(const capture::Microphone& source) {
-    const capture::Graph& graph = mirror_.graph();
-    const std::size_t inputs = portsOf(graph, source).size();
+    const std::size_t inputs = portsOf(mirror_.graph(), source).size();
     if (!microphone_ && inputs > 0) { // a returning device may add its ports later
         microphone_ = makeStream(AudioLevelSource::microphone,
                                  std::min(inputs, capture::InputFold::maximumInputs));
     }
-    reportObstacle(AudioLevelSource::microphone, graph.nodes.at(source.device.id).mixer.isSilent()
-                                                     ? SourceCondition::muted
-                                                     : SourceCondition::delivering);
+    const bool isMuted = mirror_.graph().nodes.at(source.device.id).mixer.isSilent();
+    reportObstacle(AudioLevelSource::microphone,
+                   isMuted ? SourceCondition::muted : SourceCondition::delivering);
 }
 
 void CaptureSession::reportObstacle(AudioLevelSource source, SourceCondition obstacle) {
-    SourceCondition& reported =
-        source == AudioLevelSource::microphone ? microphoneObstacle_ : systemObstacle_;
-    if (obstacle != std::exchange(reported, obstacle)) {
-        events_.obstacleChanged(source, obstacle);
+    if (obstacle != std::exchange(obstacles_[source], obstacle)) {
+        receiver_.obstacleDidChange(source, obstacle);
     }
 }
 
@@ -222,41 +202,6 @@ void CaptureSession::close(std::unique_ptr<InputStream>& stream) {
         const auto feed = stream->feed();
         stream.reset();
         delivery_->removeFeed(feed);
-    }
-}
-
-capture::OwnNodes CaptureSession::ownNodes() const {
-    capture::OwnNodes own;
-    for (const auto& [output, tap] : taps_) {
-        if (const auto node = tap->node()) {
-            own.tapOfOutput.emplace(output, *node);
-        }
-    }
-    if (microphone_) { // so `followed_` is set too
-        own.microphoneStream = microphone_->node();
-        own.microphone = followed_->source();
-    }
-    return own;
-}
-
-void CaptureSession::tick() {
-    if (phase_ == Phase::starting) {
-        checkStarted();
-    } else if (phase_ == Phase::running) {
-        if (linker_.forgetFailed() || orphans_.awaitsManager() ||
-            (followed_ && !isMicrophonePresent())) {
-            updateEvent_.request();
-        }
-        reopenAfterLostMemory();
-        for (const auto& [output, tap] : taps_) {
-            tap->applySpeed();
-        }
-        if (microphone_) {
-            microphone_->applySpeed();
-        }
-        // Keeps silence coming if nothing is captured, and delivers small remainders.
-        delivery_->wake();
-        checkStalls();
     }
 }
 
@@ -273,42 +218,58 @@ void CaptureSession::reopenAfterLostMemory() {
     updateEvent_.request();
 }
 
-bool CaptureSession::isMicrophonePresent() const {
-    return deviceOf(mirror_.graph(), followed_->source()) != nullptr;
+void CaptureSession::tick() {
+    if (phase_ == Phase::starting) {
+        checkStarted();
+    } else if (phase_ == Phase::running) {
+        if (linker_.forgetFailed() || orphans_.awaitsManager() || isMicrophoneAway()) {
+            updateEvent_.request();
+        }
+        reopenAfterLostMemory();
+        for (const auto& [output, tap] : taps_) {
+            tap->applySpeed();
+        }
+        if (microphone_) {
+            microphone_->applySpeed();
+        }
+        // Keeps silence coming if nothing is captured, and delivers small remainders.
+        delivery_->wake();
+        checkStalls();
+    }
+}
+
+bool CaptureSession::isMicrophoneAway() const {
+    return followed_ && deviceOf(mirror_.graph(), followed_->source()) == nullptr;
 }
 
 bool CaptureSession::microphoneRuns() const {
-    return !followed_ || (microphone_ && hasSettled(*microphone_));
+    return !followed_ || (microphone_ && microphone_->hasSettled());
 }
 
-bool CaptureSession::allStreamsRun() const {
-    const bool tapsRun =
-        std::ranges::all_of(taps_, [](const auto& entry) { return hasSettled(*entry.second); });
-    const bool ignoreTaps = std::chrono::steady_clock::now() - startedAt_ > tapStartLimit;
-    return (tapsRun || ignoreTaps) && microphoneRuns();
-}
-
-std::int64_t CaptureSession::startPosition() const {
+void CaptureSession::checkStarted() {
+    const bool areAllTapped =
+        !request_.systemAudio || taps_.size() == outputs(mirror_.graph()).size();
+    const bool doTapsRun =
+        std::chrono::steady_clock::now() - startedAt_ > tapStartLimit ||
+        std::ranges::all_of(taps_, [](const auto& entry) { return entry.second->hasSettled(); });
+    if (failure_ || !areAllTapped || !doTapsRun || !microphoneRuns()) {
+        return;
+    }
+    phase_ = Phase::running;
+    timer_.setInterval(runningInterval);
     std::vector<std::uint64_t> stamps{microphone_ ? microphone_->feed()->heardSince.load() : 0};
     for (const auto& [output, tap] : taps_) {
         stamps.push_back(tap->feed()->heardSince.load());
     }
-    return capture::captureBeginning(std::move(stamps), capture::nanosecondsOn(CLOCK_MONOTONIC));
-}
-
-void CaptureSession::checkStarted() {
-    if (!failure_ && (taps_.size() == outputs(mirror_.graph()).size() || !request_.systemAudio) &&
-        allStreamsRun()) {
-        phase_ = Phase::running;
-        timer_.setInterval(runningInterval);
-        delivery_->begin(startPosition());
-        settled_.set();
-    }
+    delivery_->begin(
+        capture::captureBeginning(std::move(stamps), capture::nanosecondsOn(CLOCK_MONOTONIC)));
+    settled_.set();
 }
 
 void CaptureSession::checkStalls() {
+    using enum capture::CaptureWatch::Finding;
     capture::CaptureWatch::Observation observation{
-        .isMicrophoneAway = followed_ && !isMicrophonePresent(),
+        .isMicrophoneAway = isMicrophoneAway(),
         .monotonic = capture::nanosecondsOn(CLOCK_MONOTONIC),
         .boottime = capture::nanosecondsOn(CLOCK_BOOTTIME)};
     for (const auto& [output, tap] : taps_) {
@@ -319,17 +280,14 @@ void CaptureSession::checkStalls() {
         observation.isMicrophonePaused = microphone_->state() == InputStream::State::paused;
     }
     switch (watch_.update(observation)) {
-    case capture::CaptureWatch::Finding::nothing:
+    case nothing:
         break;
-    case capture::CaptureWatch::Finding::silentServer:
-        fail(Failure(FailureCode::serverSilent));
-        break;
-    case capture::CaptureWatch::Finding::stalledMicrophone:
-        fail(Failure(FailureCode::microphoneStalled));
-        break;
-    case capture::CaptureWatch::Finding::lostMicrophone:
-        fail(Failure(FailureCode::microphoneDisconnected));
-        break;
+    case silentServer:
+        return fail(Failure(FailureCode::serverSilent));
+    case stalledMicrophone:
+        return fail(Failure(FailureCode::microphoneStalled));
+    case lostMicrophone:
+        return fail(Failure(FailureCode::microphoneDisconnected));
     }
 }
 
@@ -341,26 +299,14 @@ void CaptureSession::fail(Failure failure) {
     updateEvent_.request();
 }
 
-void CaptureSession::stopUnexpectedly() {
-    const bool wasRunning = phase_ == Phase::running;
-    if (phase_ == Phase::ended) {
-        return;
+void CaptureSession::end() {
+    if (phase_ != Phase::ended) {
+        phase_ = Phase::ended;
+        linker_.apply({}); // first: otherwise a source would be cut off abruptly
+        microphone_.reset();
+        taps_.clear();
+        delivery_->finish();
     }
-    phase_ = Phase::ended;
-    closeStreams();
-    delivery_->finish();
-    if (wasRunning) {
-        events_.stopped(std::make_exception_ptr(*failure_));
-    } else {
-        settled_.set();
-    }
-}
-
-void CaptureSession::closeStreams() {
-    // Links first: otherwise a source would be cut off abruptly.
-    linker_.apply({});
-    microphone_.reset();
-    taps_.clear();
 }
 
 } // namespace vantoro::pipewire

@@ -3,18 +3,16 @@
 #pragma once
 
 #include <chrono>
-#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
 #include <string>
 
-#include "capture/graph/microphones.h"
+#include "capture/graph/followed_microphone.h"
 #include "capture/graph/orphaned_streams.h"
 #include "capture/samples/capture_delivery.h"
 #include "capture/samples/capture_watch.h"
 #include "engine/failure.h"
-#include "platform/pipewire/capture_service.h"
 #include "platform/pipewire/connection.h"
 #include "platform/pipewire/event_flag.h"
 #include "platform/pipewire/graph_mirror.h"
@@ -22,6 +20,7 @@
 #include "platform/pipewire/linker.h"
 #include "platform/pipewire/loop_sources.h"
 #include "platform/pipewire/lost_memory.h"
+#include "platform/pipewire/pipewire_capture.h"
 
 namespace vantoro::pipewire {
 
@@ -31,20 +30,14 @@ namespace vantoro::pipewire {
 /// connection's loop.
 class CaptureSession {
 public:
-    /// Called on the loop.
-    struct Events {
-        /// Capture stopped on its own; at most once.
-        std::function<void(std::exception_ptr error)> stopped;
-        /// Like `CaptureStreamReceiver::obstacleDidChange`.
-        std::function<void(AudioLevelSource source, SourceCondition obstacle)> obstacleChanged;
-    };
-
-    /// Throws `Failure` if there is no server. `delivery` receives the feeds.
+    /// Throws `Failure` if there is no server. `delivery` receives the feeds, and `receiver` on the
+    /// loop the obstacles, and the error if capture stops on its own.
     CaptureSession(CaptureRequest request, CaptureSettings settings,
-                   std::shared_ptr<capture::CaptureDelivery> delivery, Events events);
+                   std::shared_ptr<capture::CaptureDelivery> delivery,
+                   CaptureStreamReceiver& receiver);
     CaptureSession(const CaptureSession&) = delete;
     CaptureSession& operator=(const CaptureSession&) = delete;
-    /// Stops if still running, and finishes `delivery`. No event follows.
+    /// Stops if still running, and finishes `delivery`. Calls nothing afterwards.
     ~CaptureSession();
 
     /// Returns once capture runs. Throws `Failure` if it fails or takes longer than about 5
@@ -55,7 +48,6 @@ private:
     enum class Phase : std::uint8_t { preparing, starting, running, ended };
 
     // On the loop, or under its lock.
-    void open();
     void openMicrophone();
     std::unique_ptr<InputStream> makeStream(AudioLevelSource source, std::size_t channels);
     void update();
@@ -65,30 +57,25 @@ private:
     void recordMicrophone(const capture::Microphone& source);
     void close(std::unique_ptr<InputStream>& stream);
     void reopenAfterLostMemory();
-    bool isMicrophonePresent() const;
+    bool isMicrophoneAway() const;
     void reportObstacle(AudioLevelSource source, SourceCondition obstacle);
     void tick();
     void checkStarted();
     void checkStalls();
     bool microphoneRuns() const;
-    bool allStreamsRun() const;
-    std::int64_t startPosition() const;
-    capture::OwnNodes ownNodes() const;
     void fail(Failure failure);
-    void stopUnexpectedly();
-    void closeStreams();
+    void end();
 
     const CaptureRequest request_;
     const CaptureSettings settings_;
     const std::shared_ptr<capture::CaptureDelivery> delivery_;
-    const Events events_;
+    CaptureStreamReceiver& receiver_;
     Phase phase_ = Phase::preparing;
     std::optional<Failure> failure_;
     EventFlag settled_; // started or failed
     Deadline startedAt_;
-    std::optional<capture::FollowedMicrophone> followed_; // if a microphone is recorded
-    SourceCondition systemObstacle_ = SourceCondition::delivering;
-    SourceCondition microphoneObstacle_ = SourceCondition::delivering;
+    std::optional<capture::FollowedMicrophone> followed_;   // if a microphone is recorded
+    std::map<AudioLevelSource, SourceCondition> obstacles_; // as reported; none if missing
     capture::CaptureWatch watch_;
     std::uint64_t lostPages_ = lostPages();
 

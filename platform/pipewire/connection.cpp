@@ -43,15 +43,33 @@ ContextPointer makeContext(pw_loop* loop) {
 const pw_core_events Connection::coreEvents = [] {
     pw_core_events events{};
     events.version = PW_VERSION_CORE_EVENTS;
-    events.done = coreDone;
-    events.error = coreError;
+    events.done = [](void* data, std::uint32_t id, int sequence) {
+        auto& self = *static_cast<Connection*>(data);
+        if (id == PW_ID_CORE && sequence == self.awaitedSequence_) {
+            self.answered_.set();
+        }
+    };
+    events.error = [](void* data, std::uint32_t id, int /*sequence*/, int result,
+                      const char* /*message*/) {
+        auto& self = *static_cast<Connection*>(data);
+        // Other errors concern single objects and reach their owners.
+        if (id == PW_ID_CORE && result == -EPIPE) {
+            self.lost_ = true;
+            self.answered_.set();
+            self.callbacks_.lost();
+        }
+    };
     return events;
 }();
 
 const pw_client_events Connection::clientEvents = [] {
     pw_client_events events{};
     events.version = PW_VERSION_CLIENT_EVENTS;
-    events.info = clientInfo;
+    events.info = [](void* data, const pw_client_info* info) {
+        auto& self = *static_cast<Connection*>(data);
+        self.self_.client = info->id;
+        self.callbacks_.identified();
+    };
     return events;
 }();
 
@@ -63,7 +81,14 @@ Connection::Connection(Callbacks callbacks)
         throw Failure(FailureCode::soundSystemNotInitialized);
     }
     context_ = makeContext(loop());
-    connect();
+    core_.reset(pw_context_connect(
+        context_.get(),
+        pw_properties_new(PW_KEY_APP_NAME, "Vantoro", PW_KEY_APP_ID, "vantoro", nullptr), 0));
+    if (!core_) {
+        throw Failure(FailureCode::serverUnreachable);
+    }
+    listen(core_.get(), coreHook_.get(), coreEvents, this);
+    listen(pw_core_get_client(core_.get()), clientHook_.get(), clientEvents, this);
 }
 
 void Connection::run() {
@@ -74,25 +99,18 @@ void Connection::run() {
 
 Connection::~Connection() {
     end();
-    clientHook_.reset();
-    coreHook_.reset();
-}
-
-void Connection::connect() {
-    core_.reset(pw_context_connect(
-        context_.get(),
-        pw_properties_new(PW_KEY_APP_NAME, "Vantoro", PW_KEY_APP_ID, "vantoro", nullptr), 0));
-    if (!core_) {
-        throw Failure(FailureCode::serverUnreachable);
-    }
-    listen(core_.get(), coreHook_.emplace().get(), coreEvents, this);
-    listen(pw_core_get_client(core_.get()), clientHook_.emplace().get(), clientEvents, this);
 }
 
 void Connection::end() {
     pw_thread_loop_stop(threadLoop_.get());
 }
 
+/// The first reply follows all objects, the second their details.
+bool Connection::awaitObjects(Deadline deadline) {
+    return roundTrip(deadline) && roundTrip(deadline);
+}
+
+/// Returns once the server has answered all previous requests.
 bool Connection::roundTrip(Deadline deadline) {
     {
         const LoopLock lock(threadLoop_.get());
@@ -105,30 +123,6 @@ bool Connection::roundTrip(Deadline deadline) {
     const bool answered = answered_.waitUntil(deadline);
     const LoopLock lock(threadLoop_.get());
     return answered && !lost_;
-}
-
-void Connection::coreDone(void* data, std::uint32_t id, int sequence) {
-    auto& self = *static_cast<Connection*>(data);
-    if (id == PW_ID_CORE && sequence == self.awaitedSequence_) {
-        self.answered_.set();
-    }
-}
-
-void Connection::coreError(void* data, std::uint32_t id, int /*sequence*/, int result,
-                           const char* /*message*/) {
-    auto& self = *static_cast<Connection*>(data);
-    // Other errors concern single objects and reach their owners.
-    if (id == PW_ID_CORE && result == -EPIPE) {
-        self.lost_ = true;
-        self.answered_.set();
-        self.callbacks_.lost();
-    }
-}
-
-void Connection::clientInfo(void* data, const pw_client_info* info) {
-    auto& self = *static_cast<Connection*>(data);
-    self.self_.client = info->id;
-    self.callbacks_.identified();
 }
 
 } // namespace vantoro::pipewire

@@ -2,9 +2,7 @@
 
 #pragma once
 
-#include <atomic>
 #include <functional>
-#include <optional>
 #include <string>
 
 #include "capture/graph/graph_rules.h"
@@ -46,16 +44,12 @@ public:
     /// On the loop, or under its lock.
     const capture::Self& self() const noexcept { return self_; }
 
-    /// Task thread, without the lock: returns once the server has answered all previous requests.
-    /// False if it does not by the deadline, or is gone.
-    bool roundTrip(Deadline deadline);
+    /// Task thread, without the lock: returns once the server has announced all objects and their
+    /// details. False if it does not by the deadline, or is gone.
+    bool awaitObjects(Deadline deadline);
 
 private:
-    void connect();
-    static void coreDone(void* data, std::uint32_t id, int sequence);
-    static void coreError(void* data, std::uint32_t id, int sequence, int result,
-                          const char* message);
-    static void clientInfo(void* data, const pw_client_info* info);
+    bool roundTrip(Deadline deadline);
 
     static const pw_core_events coreEvents;
     static const pw_client_events clientEvents;
@@ -69,8 +63,8 @@ private:
     ThreadLoopPointer threadLoop_;
     ContextPointer context_;
     CorePointer core_;
-    std::optional<Hook> coreHook_;
-    std::optional<Hook> clientHook_;
+    Hook coreHook_; // after the core: must be destroyed first
+    Hook clientHook_;
 };
 
 } // namespace vantoro::pipewire

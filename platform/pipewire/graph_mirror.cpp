@@ -46,15 +46,27 @@ capture::ObjectId number(const capture::Properties& properties, const char* key)
 const pw_core_events GraphMirror::coreEvents = [] {
     pw_core_events events{};
     events.version = PW_VERSION_CORE_EVENTS;
-    events.info = coreInfo;
+    events.info = [](void* data, const pw_core_info* info) {
+        auto& self = *static_cast<GraphMirror*>(data);
+        self.graph_.serverVersion = info->version != nullptr ? info->version : "";
+    };
     return events;
 }();
 
 const pw_registry_events GraphMirror::registryEvents = [] {
     pw_registry_events events{};
     events.version = PW_VERSION_REGISTRY_EVENTS;
-    events.global = globalAdded;
-    events.global_remove = globalRemoved;
+    events.global = [](void* data, std::uint32_t id, std::uint32_t permissions, const char* type,
+                       std::uint32_t /*version*/, const spa_dict* properties) {
+        auto& self = *static_cast<GraphMirror*>(data);
+        self.addObject(id, permissions, type, propertiesOf(properties));
+        self.changed_();
+    };
+    events.global_remove = [](void* data, std::uint32_t id) {
+        auto& self = *static_cast<GraphMirror*>(data);
+        self.removeObject(id);
+        self.changed_();
+    };
     return events;
 }();
 
@@ -69,7 +81,13 @@ const pw_node_events GraphMirror::nodeEvents = [] {
 const pw_metadata_events GraphMirror::metadataEvents = [] {
     pw_metadata_events events{};
     events.version = PW_VERSION_METADATA_EVENTS;
-    events.property = metadataProperty;
+    events.property = [](void* data, std::uint32_t subject, const char* key, const char* /*type*/,
+                         const char* value) {
+        GraphMirror& self = static_cast<Bound*>(data)->mirror;
+        self.setMetadata(subject, key, value);
+        self.changed_();
+        return 0;
+    };
     return events;
 }();
 
@@ -80,8 +98,6 @@ GraphMirror::GraphMirror(pw_core* core, std::function<void()> changed)
     registry_.reset(reinterpret_cast<pw_proxy*>(registry));
     listen(registry, registryHook_.get(), registryEvents, this);
 }
-
-GraphMirror::~GraphMirror() = default;
 
 GraphMirror::Bound* GraphMirror::bind(capture::ObjectId id, const char* type,
                                       std::uint32_t version) {
@@ -200,25 +216,6 @@ void GraphMirror::setMetadata(capture::ObjectId subject, const char* key, const 
     }
 }
 
-void GraphMirror::globalAdded(void* data, std::uint32_t id, std::uint32_t permissions,
-                              const char* type, std::uint32_t /*version*/,
-                              const spa_dict* properties) {
-    auto& self = *static_cast<GraphMirror*>(data);
-    self.addObject(id, permissions, type, propertiesOf(properties));
-    self.changed_();
-}
-
-void GraphMirror::globalRemoved(void* data, std::uint32_t id) {
-    auto& self = *static_cast<GraphMirror*>(data);
-    self.removeObject(id);
-    self.changed_();
-}
-
-void GraphMirror::coreInfo(void* data, const pw_core_info* info) {
-    auto& self = *static_cast<GraphMirror*>(data);
-    self.graph_.serverVersion = info->version != nullptr ? info->version : "";
-}
-
 void GraphMirror::nodeInfo(void* data, const pw_node_info* info) {
     const auto& bound = *static_cast<Bound*>(data);
     const auto node = bound.mirror.graph_.nodes.find(bound.id);
@@ -250,14 +247,6 @@ void GraphMirror::nodeParameter(void* data, int /*sequence*/, std::uint32_t id,
     if (node->second != before) {
         bound.mirror.changed_();
     }
-}
-
-int GraphMirror::metadataProperty(void* data, std::uint32_t subject, const char* key,
-                                  const char* /*type*/, const char* value) {
-    GraphMirror& self = static_cast<Bound*>(data)->mirror;
-    self.setMetadata(subject, key, value);
-    self.changed_();
-    return 0;
 }
 
 std::string defaultDeviceName(const char* json) {

@@ -20,9 +20,6 @@ class GraphMirror {
 public:
     /// Calls `changed` on the loop after every change.
     GraphMirror(pw_core* core, std::function<void()> changed);
-    GraphMirror(const GraphMirror&) = delete;
-    GraphMirror& operator=(const GraphMirror&) = delete;
-    ~GraphMirror();
 
     const capture::Graph& graph() const noexcept { return graph_; }
 
@@ -48,15 +45,9 @@ private:
     void addMetadata(capture::ObjectId id, const capture::Properties& properties);
     void setMetadata(capture::ObjectId subject, const char* key, const char* value);
 
-    static void globalAdded(void* data, std::uint32_t id, std::uint32_t permissions,
-                            const char* type, std::uint32_t version, const spa_dict* properties);
-    static void globalRemoved(void* data, std::uint32_t id);
-    static void coreInfo(void* data, const pw_core_info* info);
     static void nodeInfo(void* data, const pw_node_info* info);
     static void nodeParameter(void* data, int sequence, std::uint32_t id, std::uint32_t index,
                               std::uint32_t next, const spa_pod* parameter);
-    static int metadataProperty(void* data, std::uint32_t subject, const char* key,
-                                const char* type, const char* value);
 
     static const pw_core_events coreEvents;
     static const pw_registry_events registryEvents;

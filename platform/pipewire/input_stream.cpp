@@ -72,16 +72,23 @@ const pw_stream_events InputStream::events = [] {
     pw_stream_events table{};
     table.version = PW_VERSION_STREAM_EVENTS;
     table.state_changed = stateChanged;
-    table.io_changed = ioChanged;
+    table.io_changed = [](void* data, std::uint32_t id, void* area, std::uint32_t /*size*/) {
+        if (id == SPA_IO_Position) {
+            static_cast<InputStream*>(data)->position_.store(static_cast<spa_io_position*>(area),
+                                                             std::memory_order_release);
+        }
+    };
     table.process = process;
     return table;
 }();
 
 InputStream::InputStream(pw_core* core, std::shared_ptr<capture::CaptureFeed> feed,
-                         std::size_t channels, const Wake& wake, StateChanged stateChanged)
+                         std::size_t channels, capture::CaptureDelivery& delivery,
+                         std::int64_t wakingFrames, std::function<void()> stateChanged)
     : feed_(std::move(feed)),
       channels_(channels),
-      wake_(wake),
+      delivery_(delivery),
+      wakingFrames_(static_cast<std::size_t>(wakingFrames)),
       stateChanged_(std::move(stateChanged)),
       stream_(pw_stream_new(core, "Recording", streamProperties(feed_->source).release())) {
     if (!stream_) {
@@ -111,6 +118,18 @@ std::optional<capture::ObjectId> InputStream::node() const {
     const std::uint32_t id = pw_stream_get_node_id(stream_.get());
     // After the stream ends, the id may be reused.
     return id == SPA_ID_INVALID || state_ == State::ended ? std::nullopt : std::optional(id);
+}
+
+void InputStream::checkRunning() const {
+    if (state_ == State::ended) {
+        throw reason_.empty() ? Failure(FailureCode::streamEnded)
+                              : Failure(FailureCode::streamEndedBecause, reason_);
+    }
+}
+
+bool InputStream::hasSettled() const noexcept {
+    constexpr std::uint64_t cycles = 4;
+    return feed_->callbacks.load(std::memory_order_relaxed) >= cycles;
 }
 
 void InputStream::applySpeed() {
@@ -159,13 +178,6 @@ void InputStream::stateChanged(void* data, pw_stream_state /*before*/, pw_stream
     self.stateChanged_();
 }
 
-void InputStream::ioChanged(void* data, std::uint32_t id, void* area, std::uint32_t /*size*/) {
-    if (id == SPA_IO_Position) {
-        static_cast<InputStream*>(data)->position_.store(static_cast<spa_io_position*>(area),
-                                                         std::memory_order_release);
-    }
-}
-
 void InputStream::process(void* data) {
     auto& self = *static_cast<InputStream*>(data);
     expectLostMemoryHere();
@@ -174,8 +186,8 @@ void InputStream::process(void* data) {
         self.takeIn(*buffer->buffer);
         pw_stream_queue_buffer(self.stream_.get(), buffer);
     }
-    if (self.feed_->ring.pendingFrames() >= self.wake_.frames) {
-        self.wake_.call(self.wake_.receiver);
+    if (self.feed_->ring.pendingFrames() >= self.wakingFrames_) {
+        self.delivery_.wake();
     }
 }
 

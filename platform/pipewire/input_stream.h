@@ -10,7 +10,7 @@
 #include <string>
 
 #include "capture/graph/graph.h"
-#include "capture/samples/capture_feed.h"
+#include "capture/samples/capture_delivery.h"
 #include "capture/samples/input_fold.h"
 #include "platform/pipewire/handles.h"
 
@@ -25,31 +25,24 @@ class InputStream {
 public:
     enum class State : std::uint8_t { starting, paused, running, ended };
 
-    /// Called on the loop.
-    using StateChanged = std::function<void()>;
-
-    /// Called on the real-time thread once this many frames wait in the feed.
-    struct Wake {
-        std::size_t frames = 0;
-        void (*call)(void* receiver) noexcept = nullptr;
-        void* receiver = nullptr;
-    };
-
     /// `channels`: the tap's, or the microphone's inputs (at most `InputFold::maximumInputs`).
-    /// Throws `Failure`.
+    /// Wakes the delivery, which must outlive this, once `wakingFrames` wait in the feed. The loop
+    /// calls `stateChanged`. Throws `Failure`.
     InputStream(pw_core* core, std::shared_ptr<capture::CaptureFeed> feed, std::size_t channels,
-                const Wake& wake, StateChanged stateChanged);
-    InputStream(const InputStream&) = delete;
-    InputStream& operator=(const InputStream&) = delete;
-    ~InputStream() = default;
+                capture::CaptureDelivery& delivery, std::int64_t wakingFrames,
+                std::function<void()> stateChanged);
 
     /// Present once the server has created the node, until the stream ends.
     std::optional<capture::ObjectId> node() const;
 
     State state() const noexcept { return state_; }
 
-    /// The server's reason for ending the stream, if any.
-    const std::string& reason() const noexcept { return reason_; }
+    /// Throws `Failure`, with the server's reason if it gave one, once the stream has ended.
+    void checkRunning() const;
+
+    /// Whether sound flows steadily: the first cycles after linking are often short or late. Sound
+    /// heard meanwhile is kept.
+    bool hasSettled() const noexcept;
 
     const std::shared_ptr<capture::CaptureFeed>& feed() const noexcept { return feed_; }
 
@@ -59,7 +52,6 @@ public:
 private:
     static void stateChanged(void* data, pw_stream_state before, pw_stream_state now,
                              const char* error);
-    static void ioChanged(void* data, std::uint32_t id, void* area, std::uint32_t size);
     static void process(void* data);
 
     void connect();
@@ -73,8 +65,9 @@ private:
 
     const std::shared_ptr<capture::CaptureFeed> feed_;
     const std::size_t channels_;
-    const Wake wake_;
-    const StateChanged stateChanged_;
+    capture::CaptureDelivery& delivery_;
+    const std::size_t wakingFrames_;
+    const std::function<void()> stateChanged_;
     State state_ = State::starting;
     std::string reason_;
     double appliedSpeed_ = 1;

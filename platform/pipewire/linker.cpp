@@ -9,8 +9,11 @@ namespace vantoro::pipewire {
 const pw_proxy_events Linker::events = [] {
     pw_proxy_events table{};
     table.version = PW_VERSION_PROXY_EVENTS;
-    table.removed = removed;
-    table.error = failed;
+    // A proxy must not be destroyed in its own callback, so mark it only.
+    table.removed = [](void* link) { static_cast<OwnLink*>(link)->failed = true; };
+    table.error = [](void* link, int /*sequence*/, int /*result*/, const char* /*message*/) {
+        static_cast<OwnLink*>(link)->failed = true;
+    };
     return table;
 }();
 
@@ -42,16 +45,6 @@ std::unique_ptr<Linker::OwnLink> Linker::make(const capture::PortLink& link) {
     made->proxy.reset(static_cast<pw_proxy*>(object));
     pw_proxy_add_listener(made->proxy.get(), made->hook.get(), &events, made.get());
     return made;
-}
-
-// A proxy must not be destroyed in its own callback, so mark it only.
-
-void Linker::removed(void* data) {
-    static_cast<OwnLink*>(data)->failed = true;
-}
-
-void Linker::failed(void* data, int /*sequence*/, int /*result*/, const char* /*message*/) {
-    static_cast<OwnLink*>(data)->failed = true;
 }
 
 } // namespace vantoro::pipewire

@@ -2,7 +2,6 @@
 
 #pragma once
 
-#include <functional>
 #include <map>
 #include <memory>
 #include <set>
@@ -32,8 +31,6 @@ private:
     };
 
     std::unique_ptr<OwnLink> make(const capture::PortLink& link);
-    static void removed(void* data);
-    static void failed(void* data, int sequence, int result, const char* message);
 
     static const pw_proxy_events events;
 

@@ -10,50 +10,48 @@
 
 namespace vantoro::pipewire {
 
-/// Work that a loop runs soon after a request, once for any number of requests.
-class LoopEvent {
+/// Work on a loop.
+class LoopSource {
 public:
-    LoopEvent(pw_loop* loop, std::function<void()> work) : loop_(loop), work_(std::move(work)) {
-        source_ = pw_loop_add_event(
-            loop_, [](void* data, std::uint64_t) { static_cast<LoopEvent*>(data)->work_(); }, this);
+    LoopSource(const LoopSource&) = delete;
+    LoopSource& operator=(const LoopSource&) = delete;
+
+protected:
+    LoopSource(pw_loop* loop, std::function<void()> work) : loop_(loop), work_(std::move(work)) {}
+
+    ~LoopSource() { pw_loop_destroy_source(loop_, source_); }
+
+    static void run(void* source, std::uint64_t /*count*/) {
+        static_cast<LoopSource*>(source)->work_();
     }
 
-    LoopEvent(const LoopEvent&) = delete;
-    LoopEvent& operator=(const LoopEvent&) = delete;
-
-    ~LoopEvent() { pw_loop_destroy_source(loop_, source_); }
-
-    void request() { pw_loop_signal_event(loop_, source_); }
-
-private:
     pw_loop* loop_;
     std::function<void()> work_;
     spa_source* source_ = nullptr;
 };
 
-/// Work that a loop runs periodically.
-class LoopTimer {
+/// Work that a loop runs soon after a request, once for any number of requests.
+class LoopEvent : public LoopSource {
 public:
-    LoopTimer(pw_loop* loop, std::function<void()> work) : loop_(loop), work_(std::move(work)) {
-        source_ = pw_loop_add_timer(
-            loop_, [](void* data, std::uint64_t) { static_cast<LoopTimer*>(data)->work_(); }, this);
+    LoopEvent(pw_loop* loop, std::function<void()> work) : LoopSource(loop, std::move(work)) {
+        source_ = pw_loop_add_event(loop, run, static_cast<LoopSource*>(this));
     }
 
-    LoopTimer(const LoopTimer&) = delete;
-    LoopTimer& operator=(const LoopTimer&) = delete;
+    void request() { pw_loop_signal_event(loop_, source_); }
+};
 
-    ~LoopTimer() { pw_loop_destroy_source(loop_, source_); }
+/// Work that a loop runs periodically.
+class LoopTimer : public LoopSource {
+public:
+    LoopTimer(pw_loop* loop, std::function<void()> work) : LoopSource(loop, std::move(work)) {
+        source_ = pw_loop_add_timer(loop, run, static_cast<LoopSource*>(this));
+    }
 
     void setInterval(std::chrono::milliseconds interval) {
         timespec time{.tv_sec = interval.count() / 1000,
                       .tv_nsec = interval.count() % 1000 * 1'000'000};
         pw_loop_update_timer(loop_, source_, &time, &time, false);
     }
-
-private:
-    pw_loop* loop_;
-    std::function<void()> work_;
-    spa_source* source_ = nullptr;
 };
 
 } // namespace vantoro::pipewire

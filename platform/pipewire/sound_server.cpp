@@ -12,27 +12,14 @@
 
 namespace vantoro::pipewire {
 
-namespace {
-
-std::optional<capture::Graph> query(Connection& connection, std::chrono::seconds limit) {
-    std::optional<GraphMirror> mirror;
-    mirror.emplace(connection.core(), [] {});
-    connection.run();
-    const Deadline deadline = std::chrono::steady_clock::now() + limit;
-    // The first reply follows all objects, the second their details.
-    const bool answered = connection.roundTrip(deadline) && connection.roundTrip(deadline);
-    const LoopLock lock(connection.threadLoop());
-    auto graph = answered ? std::optional(mirror->graph()) : std::nullopt;
-    mirror.reset();
-    return graph;
-}
-
-} // namespace
-
 std::optional<capture::Graph> SoundServer::ask() const {
     try {
         Connection connection({.lost = [] {}, .identified = [] {}});
-        return query(connection, limit_);
+        const GraphMirror mirror(connection.core(), [] {});
+        connection.run();
+        const bool answered = connection.awaitObjects(std::chrono::steady_clock::now() + limit_);
+        connection.end(); // so that the mirror may go
+        return answered ? std::optional(mirror.graph()) : std::nullopt;
     } catch (const Failure&) {
         return std::nullopt;
     }

@@ -11,7 +11,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/pipewire/capture_service.h"
+#include "platform/pipewire/pipewire_capture.h"
 #include "tests/capture/samples/captured_sound.h"
 #include "tests/platform/pipewire/sound_session.h"
 
@@ -57,7 +57,7 @@ protected:
     }
 
     SoundSession session;
-    pipewire::CaptureService service;
+    pipewire::PipeWireCapture service;
     SerialQueue queue{"com.vantoro.capture"};
     CapturedSound sound;
     std::shared_ptr<CaptureStream> stream; // destroyed first

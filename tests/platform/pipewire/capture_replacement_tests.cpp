@@ -59,7 +59,7 @@ TEST_F(Replacement, anOutputThatTakesTheIdOfAnotherIsHeard) {
 
 TEST_F(Replacement, aStreamThatTakesTheIdOfAnotherIsHeard) {
     OwnTone tone(440);
-    service = pipewire::CaptureService({.excludesOwnSound = false});
+    service = pipewire::PipeWireCapture({.excludesOwnSound = false});
     start(systemAudioOnly);
     ASSERT_TRUE(sound.waitForTone(AudioLevelSource::systemAudio, 440));
     const auto id = tone.node();

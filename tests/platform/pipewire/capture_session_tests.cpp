@@ -69,7 +69,7 @@ TEST_F(Capture, hearsApplicationsOnAllOutputsAndTheMicrophone) {
 }
 
 TEST_F(Capture, waitsForAsMuchSoundAsIsToBeDeliveredAtATime) {
-    service = pipewire::CaptureService({.deliveryInterval = std::chrono::milliseconds(300)});
+    service = pipewire::PipeWireCapture({.deliveryInterval = std::chrono::milliseconds(300)});
     start();
     ASSERT_TRUE(sound.waitForMore(1.5));
     EXPECT_GE(sound.largestDelay(), capture::framesInMilliseconds(250)); // without a last cycle
@@ -153,7 +153,7 @@ TEST_F(Capture, leavesOutWhatOurOwnProcessPlays) {
 
 TEST_F(Capture, hearsOurOwnProcessOnRequest) {
     const OwnTone own(2500);
-    service = pipewire::CaptureService({.excludesOwnSound = false});
+    service = pipewire::PipeWireCapture({.excludesOwnSound = false});
     start(systemAudioOnly);
     EXPECT_TRUE(sound.waitForTone(audio, 2500));
 }
@@ -364,7 +364,7 @@ TEST_F(Capture, losesNoFrameWhileTheQueueIsBlocked) {
 }
 
 TEST_F(Capture, reportsTheLossOfAStallAndStaysInStep) {
-    service = pipewire::CaptureService({.longestStall = std::chrono::seconds(1)});
+    service = pipewire::PipeWireCapture({.longestStall = std::chrono::seconds(1)});
     const auto app = session.click("app");
     ASSERT_TRUE(SoundSession::link("app:output_FL", "vantoro-microphone:input_MONO"));
     start();

@@ -43,7 +43,8 @@ public:
             pw_core_create_object(connection_.core(), "adapter", PW_TYPE_INTERFACE_Node,
                                   PW_VERSION_NODE, &properties->dict, 0)));
         connection_.run();
-        if (!connection_.roundTrip(std::chrono::steady_clock::now() + std::chrono::seconds(10))) {
+        if (!connection_.awaitObjects(std::chrono::steady_clock::now() +
+                                      std::chrono::seconds(10))) {
             throw std::runtime_error("no device " + name);
         }
     }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "platform/pipewire/capture_service.h"
+#include "platform/pipewire/pipewire_capture.h"
 
 #include <stdexcept>
 #include <utility>
@@ -35,15 +35,7 @@ public:
             queue_, receiver_,
             capture::DeliveredSources{.systemAudio = request_.systemAudio,
                                       .microphone = request_.microphone});
-        session_ = std::make_unique<CaptureSession>(
-            request_, settings_, delivery_,
-            CaptureSession::Events{
-                .stopped =
-                    [this](std::exception_ptr error) { receiver_.streamDidStop(std::move(error)); },
-                .obstacleChanged =
-                    [this](AudioLevelSource source, SourceCondition obstacle) {
-                        receiver_.obstacleDidChange(source, obstacle);
-                    }});
+        session_ = std::make_unique<CaptureSession>(request_, settings_, delivery_, receiver_);
         try {
             session_->start();
         } catch (...) {
@@ -65,9 +57,9 @@ private:
 
 } // namespace
 
-std::shared_ptr<CaptureStream> CaptureService::makeStream(const CaptureRequest& request,
-                                                          SerialQueue& queue,
-                                                          CaptureStreamReceiver& receiver) {
+std::shared_ptr<CaptureStream> PipeWireCapture::makeStream(const CaptureRequest& request,
+                                                           SerialQueue& queue,
+                                                           CaptureStreamReceiver& receiver) {
     return std::make_shared<Stream>(request, settings_, queue, receiver);
 }
 

@@ -22,9 +22,9 @@ struct CaptureSettings {
 
 /// Captures sound through PipeWire: all applications on all outputs, and one microphone. Errors are
 /// `Failure`s. A microphone's identifier is its node's name.
-class CaptureService final : public vantoro::CaptureService {
+class PipeWireCapture final : public CaptureService {
 public:
-    explicit CaptureService(CaptureSettings settings = {}) : settings_(settings) {}
+    explicit PipeWireCapture(CaptureSettings settings = {}) : settings_(settings) {}
 
     std::shared_ptr<CaptureStream> makeStream(const CaptureRequest& request, SerialQueue& queue,
                                               CaptureStreamReceiver& receiver) override;
