@@ -5,7 +5,7 @@
 #include <array>
 #include <optional>
 
-#include "platform/desktop/bus/asked_bus.h"
+#include "platform/desktop/bus/polled_bus.h"
 #include "platform/desktop/power/logind.h"
 #include "platform/desktop/status_area/status_notifier_area.h"
 #include "platform/desktop/status_area/status_notifier_item.h"
@@ -18,7 +18,7 @@ Presence presence(bool isThere) {
     return isThere ? Presence::present : Presence::absent;
 }
 
-void askForStatusArea(AskedBus& session, DesktopSurvey& found) {
+void askForStatusArea(PolledBus& session, DesktopSurvey& found) {
     session.ask(busMethod("NameHasOwner"), {statusNotifierWatcher}, [&](BusMessage& reply) {
         if (!reply.readFlag().value_or(false)) {
             found.statusArea = Presence::absent;
@@ -30,7 +30,7 @@ void askForStatusArea(AskedBus& session, DesktopSurvey& found) {
 }
 
 /// A portal only offers the interfaces that its desktop backend supports.
-void askForPortal(AskedBus& session, DesktopSurvey& found) {
+void askForPortal(PolledBus& session, DesktopSurvey& found) {
     auto question =
         propertyReading("org.freedesktop.portal.Desktop", "/org/freedesktop/portal/desktop");
     question.startsService = true;
@@ -38,7 +38,7 @@ void askForPortal(AskedBus& session, DesktopSurvey& found) {
                 [&](BusMessage& reply) { found.portal = presence(!reply.isError()); });
 }
 
-void askToDelaySleep(AskedBus& system, DesktopSurvey& found) {
+void askToDelaySleep(PolledBus& system, DesktopSurvey& found) {
     system.ask(busMethod("GetNameOwner"), {loginManagerService}, [&](BusMessage& reply) {
         const auto owner = reply.isError() ? std::nullopt : reply.readText();
         if (!owner) {
@@ -56,14 +56,13 @@ void askToDelaySleep(AskedBus& system, DesktopSurvey& found) {
 } // namespace
 
 DesktopSurvey surveyDesktop(const BusAddresses& buses, std::chrono::milliseconds limit) {
-    const auto deadline = std::chrono::steady_clock::now() + limit;
     DesktopSurvey found;
-    AskedBus session(buses.session, [&found](AskedBus& bus) {
+    PolledBus session(buses.session, [&found](PolledBus& bus) {
         askForStatusArea(bus, found);
         askForPortal(bus, found);
     });
-    AskedBus system(buses.system, [&found](AskedBus& bus) { askToDelaySleep(bus, found); });
-    awaitAnswers(std::array{&session, &system}, deadline);
+    PolledBus system(buses.system, [&found](PolledBus& bus) { askToDelaySleep(bus, found); });
+    awaitAnswers(std::array{&session, &system}, limit);
     if (session.isGone()) {
         found.statusArea = found.portal = Presence::absent;
     }

@@ -4,25 +4,34 @@
 
 #include <array>
 
-#include "platform/desktop/bus/asked_bus.h"
-#include "platform/desktop/bus/silence.h"
+#include "platform/desktop/bus/polled_bus.h"
 
 namespace vantoro::desktop {
 
 bool realtimeServicesAnswer(const BusAddresses& addresses, std::chrono::milliseconds limit) {
-    const auto deadline = std::chrono::steady_clock::now() + limit;
     const auto any = [](BusMessage& /*reply*/) {};
-    AskedBus session(addresses.session, [&](AskedBus& bus) {
+    PolledBus session(addresses.session, [&](PolledBus& bus) {
         bus.ask(
             propertyReading("org.freedesktop.portal.Desktop", "/org/freedesktop/portal/desktop"),
             {"org.freedesktop.portal.Realtime", "version"}, any);
     });
-    AskedBus system(addresses.system, [&](AskedBus& bus) {
+    PolledBus system(addresses.system, [&](PolledBus& bus) {
         bus.ask(propertyReading("org.freedesktop.RealtimeKit1", "/org/freedesktop/RealtimeKit1"),
                 {"org.freedesktop.RealtimeKit1", "MaxRealtimePriority"}, any);
     });
-    awaitAnswers(std::array{&session, &system}, deadline);
+    awaitAnswers(std::array{&session, &system}, limit);
     return session.areAllAnswered() && system.areAllAnswered();
+}
+
+bool Silence::isSilent(const std::function<bool()>& ask) {
+    using Clock = std::chrono::steady_clock;
+    const std::lock_guard lock(mutex_);
+    if (until_ && Clock::now() < *until_) {
+        return true;
+    }
+    const bool isSilent = ask();
+    until_ = isSilent ? std::optional(Clock::now() + std::chrono::minutes(1)) : std::nullopt;
+    return isSilent;
 }
 
 bool realtimeServicesAnswerHere() {

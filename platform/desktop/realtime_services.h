@@ -3,6 +3,9 @@
 #pragma once
 
 #include <chrono>
+#include <functional>
+#include <mutex>
+#include <optional>
 
 #include "platform/desktop/bus/bus_addresses.h"
 
@@ -17,5 +20,17 @@ bool realtimeServicesAnswer(const BusAddresses& addresses,
 /// On the buses of this process's environment. After no answer, returns false for one minute
 /// without asking.
 bool realtimeServicesAnswerHere();
+
+/// Remembers that a service did not answer, so that later callers need not wait for it. Any thread.
+class Silence {
+public:
+    /// `ask` blocks, and returns true if there was no answer; this then returns true for one minute
+    /// without asking. Concurrent callers wait for each other.
+    bool isSilent(const std::function<bool()>& ask);
+
+private:
+    std::mutex mutex_;
+    std::optional<std::chrono::steady_clock::time_point> until_; // guarded by mutex_
+};
 
 } // namespace vantoro::desktop

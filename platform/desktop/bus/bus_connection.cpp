@@ -42,10 +42,8 @@ BusConnection::BusConnection(const std::string& address) : bus_(startConnecting(
     awaitEvents();
 }
 
-BusConnection::~BusConnection() = default;
-
 bool BusConnection::call(const BusMethod& method, const std::vector<BusArgument>& arguments,
-                         Receive answered) {
+                         BusReceive answered) {
     if (bus_ == nullptr) {
         return false;
     }
@@ -54,7 +52,18 @@ bool BusConnection::call(const BusMethod& method, const std::vector<BusArgument>
     return succeeded;
 }
 
-bool BusConnection::listen(const std::string& rule, Receive heard) {
+bool BusConnection::requestName(const std::string& name,
+                                std::function<void(std::optional<bool>)> answered) {
+    constexpr std::uint32_t doNotQueue = 4;
+    constexpr std::uint32_t nowOwner = 1;
+    return call(busMethod("RequestName"), {name, doNotQueue},
+                [told = std::move(answered)](BusMessage& reply) {
+                    const auto answer = reply.isError() ? std::nullopt : reply.readNumber();
+                    told(answer ? std::optional(*answer == nowOwner) : std::nullopt);
+                });
+}
+
+bool BusConnection::listen(const std::string& rule, BusReceive heard) {
     if (bus_ == nullptr) {
         return false;
     }

@@ -2,7 +2,9 @@
 
 #pragma once
 
+#include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -29,24 +31,24 @@ struct BusObject {
 /// connection.
 class BusConnection {
 public:
-    using Receive = BusReceive;
-
     /// A local address such as `unix:path=/run/bus`; empty for no bus.
     explicit BusConnection(const std::string& address);
-    BusConnection(const BusConnection&) = delete;
-    BusConnection& operator=(const BusConnection&) = delete;
-    ~BusConnection();
 
     /// Whether there was a bus to connect to.
     bool isOpen() const { return bus_ != nullptr; }
 
     /// Passes the reply, which may be an error such as a broken connection, to `answered`. False
     /// without a bus; `answered` is not called then.
-    bool call(const BusMethod& method, const std::vector<BusArgument>& arguments, Receive answered);
+    bool call(const BusMethod& method, const std::vector<BusArgument>& arguments,
+              BusReceive answered);
+
+    /// Requests a name on the bus. `answered`: whether it is ours now; absent if the bus does not
+    /// say. False as above.
+    bool requestName(const std::string& name, std::function<void(std::optional<bool>)> answered);
 
     /// Subscribes to the signals that match the rule. Signals sent directly to this connection are
     /// not filtered by sender, so check it. False without a bus.
-    bool listen(const std::string& rule, Receive heard);
+    bool listen(const std::string& rule, BusReceive heard);
 
     /// Exports an object until destruction. `table`, and `functionsArgument`, which its functions
     /// receive, must live as long. False without a bus.

@@ -14,11 +14,7 @@ const std::string busService = "org.freedesktop.DBus";
 
 ServiceOwner::ServiceOwner(BusConnection& bus, std::string service, std::function<void()> changed)
     : service_(std::move(service)), changed_(std::move(changed)) {
-    observe(bus);
-}
-
-/// Subscribes before asking, so that no change is missed.
-void ServiceOwner::observe(BusConnection& bus) {
+    // Subscribes before asking, so that no change is missed.
     const auto rule = "type='signal',sender='" + busService +
                       "',interface='org.freedesktop.DBus',member='NameOwnerChanged',arg0='" +
                       service_ + "'";

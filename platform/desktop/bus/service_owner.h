@@ -22,7 +22,6 @@ public:
     const std::optional<std::string>& name() const { return name_; }
 
 private:
-    void observe(BusConnection& bus);
     void set(const std::string& name);
 
     std::string service_;

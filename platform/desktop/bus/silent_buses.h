@@ -4,8 +4,8 @@
 
 #include <chrono>
 #include <optional>
+#include <string>
 
-#include "platform/desktop/bus/accessibility_questions.h"
 #include "platform/desktop/bus/bus_addresses.h"
 
 namespace vantoro::desktop {
@@ -19,6 +19,12 @@ struct SilentBuses {
     bool menuRegistrar = false;
 
     friend bool operator==(const SilentBuses&, const SilentBuses&) = default;
+};
+
+/// From the environment.
+struct AccessibilitySettings {
+    std::string address;     ///< of the accessibility bus; if empty, the session bus knows it
+    bool isAlwaysOn = false; ///< on without asking the session bus
 };
 
 struct BusQuestions {

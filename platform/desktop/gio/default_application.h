@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "platform/desktop/bus/bounded_call.h"
+#include "platform/desktop/bus/polled_bus.h"
 
 namespace vantoro::desktop {
 

@@ -15,10 +15,6 @@ namespace {
 
 const BusObject applicationObject{.path = "/com/vantoro/app", .interface = applicationInterface};
 
-// Flag and replies of the bus's RequestName method.
-constexpr std::uint32_t doNotQueue = 4;
-constexpr std::uint32_t nowOwner = 1;
-
 } // namespace
 
 template <class Value>
@@ -53,9 +49,8 @@ ApplicationInstance::ApplicationInstance(const std::string& busAddress) : bus_(b
     };
     const bool asked =
         bus_.exportObject(applicationObject, applicationTable(), &object_) &&
-        bus_.call(busMethod("RequestName"), {applicationID, doNotQueue}, [this](BusMessage& reply) {
-            const auto answer = reply.isError() ? std::nullopt : reply.readNumber();
-            role_.set(!answer ? Role::unknown : answer == nowOwner ? Role::first : Role::another);
+        bus_.requestName(applicationID, [this](std::optional<bool> isOurs) {
+            role_.set(!isOurs ? Role::unknown : *isOurs ? Role::first : Role::another);
         });
     if (!asked) {
         role_.set(Role::first);

@@ -33,9 +33,6 @@ public:
 
     /// Tries to become the first run on this bus. Without a bus, each run is the first.
     explicit ApplicationInstance(const std::string& busAddress);
-    ApplicationInstance(const ApplicationInstance&) = delete;
-    ApplicationInstance& operator=(const ApplicationInstance&) = delete;
-    ~ApplicationInstance() = default;
 
     /// The event loop calls `known` when the role is known, or when `patience` is over.
     void whenRoleIsKnown(std::chrono::milliseconds patience, std::function<void(Role role)> known);

@@ -4,17 +4,16 @@
 
 #include <algorithm>
 #include <limits>
+#include <ranges>
 #include <system_error>
 #include <utility>
 
+#include <QtCore/QProcess>
 #include <QtCore/QStandardPaths>
 #include <QtCore/QtGlobal>
 
-#include "platform/desktop/bus/bounded_call.h"
 #include "platform/desktop/bus/silent_buses.h"
-#include "platform/desktop/opening/detached_program.h"
 #include "platform/desktop/opening/file_uri.h"
-#include "platform/desktop/opening/opening.h"
 #include "platform/desktop/opening/settings_pages.h"
 #include "platform/desktop/permission/sandbox.h"
 
@@ -33,9 +32,32 @@ Opening openingIn(const OpenerSurroundings& surroundings, std::stop_token stop) 
     // Opening without the bus is quick, unless GIO tries that bus on its own.
     const auto limit =
         isSilent ? std::min(surroundings.limit, limitWithoutABus) : surroundings.limit;
-    return {isSilent ? std::string() : surroundings.sessionBus,
-            sandboxedApplicationID(surroundings.sandboxDescription).has_value(),
-            Patience{.limit = limit, .stop = std::move(stop)}};
+    return {.sessionBus = isSilent ? std::string() : surroundings.sessionBus,
+            .sandboxed = sandboxedApplicationID(surroundings.sandboxDescription).has_value(),
+            .patience = {.limit = limit, .stop = std::move(stop)}};
+}
+
+/// Starts a program that outlives this one, is not its child, and has empty standard input. False
+/// if it is not in the search path, or cannot be started.
+bool startDetached(const CommandLine& command, const std::string& searchPath) {
+    const auto folders = QString::fromStdString(searchPath).split(':', Qt::SkipEmptyParts);
+    // If given no folders, Qt would search those of the environment.
+    const auto program =
+        folders.isEmpty()
+            ? QString()
+            : QStandardPaths::findExecutable(QString::fromStdString(command.front()), folders);
+    if (program.isEmpty()) {
+        return false;
+    }
+    QStringList arguments;
+    for (const auto& argument : command | std::views::drop(1)) {
+        arguments << QString::fromStdString(argument);
+    }
+    QProcess process;
+    process.setProgram(program);
+    process.setArguments(arguments);
+    process.setStandardInputFile(QProcess::nullDevice());
+    return process.startDetached();
 }
 
 /// The URL of the installed help page, or empty.
@@ -43,11 +65,6 @@ std::string installedHelpPage() {
     const auto page =
         QStandardPaths::locate(QStandardPaths::GenericDataLocation, "vantoro/help/privacy.html");
     return page.isEmpty() ? std::string() : fileURI(page.toStdString());
-}
-
-bool showHelp(const OpenerSurroundings& surroundings, const std::stop_token& stop) {
-    const auto page = surroundings.helpPage.empty() ? installedHelpPage() : surroundings.helpPage;
-    return !page.empty() && openingIn(surroundings, stop).address(page);
 }
 
 } // namespace
@@ -62,39 +79,36 @@ DesktopOpener::~DesktopOpener() {
     threads_.waitForDone();
 }
 
-void DesktopOpener::start(const std::string& what, std::function<bool()> work) {
-    threads_.start([what, work = std::move(work), stop = stop_.get_token()] {
-        if (!stop.stop_requested() && !work() && !stop.stop_requested()) {
-            qWarning("Cannot open %s", what.c_str());
-        }
-    });
+void DesktopOpener::start(const std::string& what,
+                          std::function<bool(const MakeOpening& opening)> work) {
+    threads_.start(
+        [what, work = std::move(work), surroundings = surroundings_, stop = stop_.get_token()] {
+            const auto opening = [&] { return openingIn(surroundings, stop); };
+            if (!stop.stop_requested() && !work(opening) && !stop.stop_requested()) {
+                qWarning("Cannot open %s", what.c_str());
+            }
+        });
 }
 
 void DesktopOpener::open(const std::filesystem::path& file) {
-    start(file, [file, surroundings = surroundings_, stop = stop_.get_token()] {
-        return openingIn(surroundings, stop).file(file);
-    });
+    start(file, [file](const MakeOpening& opening) { return opening().file(file); });
 }
 
 void DesktopOpener::openFolder(const std::filesystem::path& folder) {
-    start(folder, [folder, surroundings = surroundings_, stop = stop_.get_token()] {
+    start(folder, [folder](const MakeOpening& opening) {
         // If this fails, showing the folder fails too and is reported.
         std::error_code ignored;
         std::filesystem::create_directories(folder, ignored);
-        return openingIn(surroundings, stop).folder(folder);
+        return opening().folder(folder);
     });
 }
 
 void DesktopOpener::reveal(const std::filesystem::path& file) {
-    start(file, [file, surroundings = surroundings_, stop = stop_.get_token()] {
-        return openingIn(surroundings, stop).reveal(file);
-    });
+    start(file, [file](const MakeOpening& opening) { return opening().reveal(file); });
 }
 
 void DesktopOpener::openPage(const std::string& address) {
-    start(address, [address, surroundings = surroundings_, stop = stop_.get_token()] {
-        return openingIn(surroundings, stop).address(address);
-    });
+    start(address, [address](const MakeOpening& opening) { return opening().address(address); });
 }
 
 void DesktopOpener::openPrivacySettings(const std::string& anchor) {
@@ -103,12 +117,15 @@ void DesktopOpener::openPrivacySettings(const std::string& anchor) {
         return;
     }
     start("the settings " + anchor,
-          [pages, surroundings = surroundings_, stop = stop_.get_token()] {
-              return std::ranges::any_of(pages,
-                                         [&](const CommandLine& page) {
-                                             return startDetached(page, surroundings.searchPath);
-                                         }) ||
-                     showHelp(surroundings, stop);
+          [pages, surroundings = surroundings_](const MakeOpening& opening) {
+              for (const auto& page : pages) {
+                  if (startDetached(page, surroundings.searchPath)) {
+                      return true;
+                  }
+              }
+              const auto help =
+                  surroundings.helpPage.empty() ? installedHelpPage() : surroundings.helpPage;
+              return !help.empty() && opening().address(help);
           });
 }
 

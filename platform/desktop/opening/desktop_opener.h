@@ -12,6 +12,7 @@
 
 #include "control/ports/opener.h"
 #include "platform/desktop/bus/bus_addresses.h"
+#include "platform/desktop/opening/opening.h"
 
 namespace vantoro::desktop {
 
@@ -51,8 +52,10 @@ public:
     void openPrivacySettings(const std::string& anchor) override;
 
 private:
+    using MakeOpening = std::function<Opening()>;
+
     /// Runs the work on a thread; reports `what` as failed if it returns false.
-    void start(const std::string& what, std::function<bool()> work);
+    void start(const std::string& what, std::function<bool(const MakeOpening& opening)> work);
 
     OpenerSurroundings surroundings_;
     std::stop_source stop_;

@@ -5,16 +5,18 @@
 #include <filesystem>
 #include <string>
 
-#include "platform/desktop/bus/bounded_call.h"
+#include "platform/desktop/bus/polled_bus.h"
 
 namespace vantoro::desktop {
 
-/// Opens things, with fallbacks. Each returns whether any attempt was accepted. Threads as for
-/// `boundedCall`.
-class Opening {
-public:
-    /// `sessionBus`: its address. `sandboxed`: use only the portal.
-    Opening(std::string sessionBus, bool sandboxed, Patience patience);
+/// Opens things, with fallbacks: in a sandbox through the portal, which may ask the user for an
+/// application (nothing waits for that), otherwise with the default applications and the file
+/// manager, which is started if necessary. Each returns whether any attempt was accepted. Threads
+/// as for `boundedCall`.
+struct Opening {
+    std::string sessionBus; ///< its address
+    bool sandboxed = false;
+    Patience patience;
 
     /// With its default application; reveals the file if it has none.
     bool file(const std::filesystem::path& file) const;
@@ -26,9 +28,9 @@ public:
     bool address(const std::string& address) const;
 
 private:
-    std::string sessionBus_;
-    bool sandboxed_;
-    Patience patience_;
+    bool askFileManager(const char* method, const std::filesystem::path& path) const;
+    bool askPortal(const char* method, const BusArgument& what) const;
+    bool askPortalAboutFile(const char* method, const std::filesystem::path& path) const;
 };
 
 } // namespace vantoro::desktop

@@ -4,8 +4,7 @@
 
 #include <array>
 
-#include "platform/desktop/bus/asked_bus.h"
-#include "platform/desktop/bus/bounded_call.h"
+#include "platform/desktop/bus/polled_bus.h"
 
 namespace vantoro::desktop {
 
@@ -16,16 +15,15 @@ constexpr const char* permissionStore = "org.freedesktop.impl.portal.PermissionS
 } // namespace
 
 bool microphoneDisabledByPortal(const std::string& sessionBus, std::chrono::milliseconds limit) {
-    const auto deadline = std::chrono::steady_clock::now() + limit;
     bool isDisabled = false;
-    const auto askForLockdown = [&](AskedBus& bus, const std::string& service) {
+    const auto askForLockdown = [&](PolledBus& bus, const std::string& service) {
         bus.ask(propertyReading(service, "/org/freedesktop/portal/desktop"),
                 {"org.freedesktop.impl.portal.Lockdown", "disable-microphone"},
                 [&](BusMessage& reply) {
                     isDisabled = isDisabled || reply.readFlagInVariant().value_or(false);
                 });
     };
-    AskedBus bus(sessionBus, [&](AskedBus& connecting) {
+    PolledBus bus(sessionBus, [&](PolledBus& connecting) {
         connecting.ask(busMethod("ListNames"), {}, [&](BusMessage& reply) {
             for (const auto& service : reply.readTexts().value_or(BusTexts())) {
                 if (service.starts_with("org.freedesktop.impl.portal.desktop.")) {
@@ -34,7 +32,7 @@ bool microphoneDisabledByPortal(const std::string& sessionBus, std::chrono::mill
             }
         });
     });
-    awaitAnswers(std::array{&bus}, deadline);
+    awaitAnswers(std::array{&bus}, limit);
     return isDisabled;
 }
 

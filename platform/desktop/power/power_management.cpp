@@ -95,10 +95,6 @@ public:
               idle_ = services_->logind().inhibit("idle", reason, "block");
           }) {}
 
-    Hold(const Hold&) = delete;
-    Hold& operator=(const Hold&) = delete;
-    ~Hold() override = default;
-
 private:
     std::shared_ptr<Services> services_;
     std::shared_ptr<LogindInhibitor> sleep_;
@@ -111,8 +107,6 @@ private:
 DesktopPowerManagement::DesktopPowerManagement(const BusAddresses& buses,
                                                std::chrono::milliseconds portalPatience)
     : services_(std::make_shared<Services>(buses)), portalPatience_(portalPatience) {}
-
-DesktopPowerManagement::~DesktopPowerManagement() = default;
 
 std::unique_ptr<PowerObservation> DesktopPowerManagement::observe(std::function<void()> willSleep,
                                                                   std::function<void()> didWake) {

@@ -22,7 +22,6 @@ public:
     explicit DesktopPowerManagement(
         const BusAddresses& buses = standardBusAddresses(),
         std::chrono::milliseconds portalPatience = std::chrono::seconds(3));
-    ~DesktopPowerManagement() override;
 
     std::unique_ptr<PowerObservation> observe(std::function<void()> willSleep,
                                               std::function<void()> didWake) override;

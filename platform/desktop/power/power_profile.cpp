@@ -5,7 +5,7 @@
 #include <array>
 #include <chrono>
 
-#include "platform/desktop/bus/asked_bus.h"
+#include "platform/desktop/bus/polled_bus.h"
 
 namespace vantoro::desktop {
 
@@ -16,19 +16,18 @@ constexpr std::chrono::seconds timeToAnswer(1);
 } // namespace
 
 bool isPowerSaved(const BusAddresses& buses) {
-    const auto deadline = std::chrono::steady_clock::now() + timeToAnswer;
     bool isSaved = false;
-    const auto askForProfile = [&](AskedBus& bus, const char* service, const char* path) {
+    const auto askForProfile = [&](PolledBus& bus, const char* service, const char* path) {
         bus.ask(propertyReading(service, path), {service, "ActiveProfile"}, [&](BusMessage& reply) {
             isSaved = isSaved || reply.readTextInVariant() == "power-saver";
         });
     };
-    AskedBus system(buses.system, [&](AskedBus& bus) { // the service has had two names
+    PolledBus system(buses.system, [&](PolledBus& bus) { // the service has had two names
         askForProfile(bus, "net.hadess.PowerProfiles", "/net/hadess/PowerProfiles");
         askForProfile(bus, "org.freedesktop.UPower.PowerProfiles",
                       "/org/freedesktop/UPower/PowerProfiles");
     });
-    AskedBus session(buses.session, [&](AskedBus& bus) { // a sandbox can only ask the portal
+    PolledBus session(buses.session, [&](PolledBus& bus) { // a sandbox can only ask the portal
         bus.ask(
             propertyReading("org.freedesktop.portal.Desktop", "/org/freedesktop/portal/desktop"),
             {"org.freedesktop.portal.PowerProfileMonitor", "power-saver-enabled"},
@@ -36,7 +35,7 @@ bool isPowerSaved(const BusAddresses& buses) {
                 isSaved = isSaved || reply.readFlagInVariant().value_or(false);
             });
     });
-    awaitAnswers(std::array{&system, &session}, deadline);
+    awaitAnswers(std::array{&system, &session}, timeToAnswer);
     return isSaved || !system.isSettled() || !session.isSettled();
 }
 

@@ -28,10 +28,15 @@ StatusNotifierArea::StatusNotifierArea(std::string busAddress)
     : busAddress_(std::move(busAddress)),
       bus_(busAddress_),
       watcher_(bus_, statusNotifierWatcher, [this] { askForPanels(); }) {
-    if (bus_.isOpen()) {
-        followPanels();
-    } else {
+    if (!bus_.isOpen()) {
         isAvailable_ = false;
+        return;
+    }
+    for (const std::string signal :
+         {"StatusNotifierHostRegistered", "StatusNotifierHostUnregistered"}) {
+        bus_.listen("type='signal',sender='" + std::string(statusNotifierWatcher) +
+                        "',interface='" + statusNotifierWatcher + "',member='" + signal + "'",
+                    [this](BusMessage& /*signal*/) { askForPanels(); });
     }
 }
 
@@ -43,15 +48,6 @@ std::unique_ptr<StatusItem> StatusNotifierArea::makeItem(StatusItemTraits traits
 
 void StatusNotifierArea::setAvailabilityChanged(std::function<void()> changed) {
     changed_ = std::move(changed);
-}
-
-void StatusNotifierArea::followPanels() {
-    for (const std::string signal :
-         {"StatusNotifierHostRegistered", "StatusNotifierHostUnregistered"}) {
-        bus_.listen("type='signal',sender='" + std::string(statusNotifierWatcher) +
-                        "',interface='" + statusNotifierWatcher + "',member='" + signal + "'",
-                    [this](BusMessage& /*signal*/) { askForPanels(); });
-    }
 }
 
 void StatusNotifierArea::askForPanels() {

@@ -30,9 +30,6 @@ public:
     /// `busAddress`: of the session bus; empty for none. On a bus that hangs, availability stays
     /// unknown.
     explicit StatusNotifierArea(std::string busAddress);
-    StatusNotifierArea(const StatusNotifierArea&) = delete;
-    StatusNotifierArea& operator=(const StatusNotifierArea&) = delete;
-    ~StatusNotifierArea() override = default;
 
     std::unique_ptr<StatusItem> makeItem(StatusItemTraits traits) override;
 
@@ -41,7 +38,6 @@ public:
     void setAvailabilityChanged(std::function<void()> changed) override;
 
 private:
-    void followPanels();
     void askForPanels();
     void setAvailable(bool isAvailable);
 

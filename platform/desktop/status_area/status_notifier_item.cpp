@@ -2,8 +2,6 @@
 
 #include "platform/desktop/status_area/status_notifier_item.h"
 
-#include <chrono>
-#include <cstdint>
 #include <utility>
 
 #include <QtCore/QMetaObject>
@@ -14,10 +12,6 @@ namespace {
 
 const BusObject itemObject{.path = "/StatusNotifierItem",
                            .interface = "org.kde.StatusNotifierItem"};
-
-// Flag and replies of the bus's RequestName method.
-constexpr std::uint32_t doNotQueue = 4;
-constexpr std::uint32_t nowOwner = 1;
 
 } // namespace
 
@@ -34,11 +28,15 @@ StatusNotifierItem::StatusNotifierItem(const std::string& busAddress, const std:
         QMetaObject::invokeMethod(
             &events_, [clicked = clicked_, token] { clicked(token); }, Qt::QueuedConnection);
     };
-    signalTimer_.setSingleShot(true);
-    signalTimer_.setTimerType(Qt::PreciseTimer); // coarse timers may be early
-    QObject::connect(&signalTimer_, &QTimer::timeout, &events_, [this] { sendSignals(); });
+    pause_.setSingleShot(true);
+    pause_.setTimerType(Qt::PreciseTimer); // coarse timers may be early
+    QObject::connect(&pause_, &QTimer::timeout, &events_, [this] { signalChanges(); });
     if (bus_.exportObject(itemObject, statusNotifierTable(), &object_)) {
-        requestBusName(busName);
+        bus_.requestName(busName, [this, busName](std::optional<bool> isOurs) {
+            // A path in place of a name registers an object of the calling connection.
+            registeredName_ = isOurs.value_or(false) ? busName : itemObject.path;
+            registerWithWatcher();
+        });
     }
 }
 
@@ -51,16 +49,7 @@ void StatusNotifierItem::setImage(const StatusImage& image, const std::string& d
         object_.description = description;
         descriptionChanged_ = true;
     }
-    scheduleSignals();
-}
-
-void StatusNotifierItem::requestBusName(const std::string& busName) {
-    bus_.call(busMethod("RequestName"), {busName, doNotQueue}, [this, busName](BusMessage& reply) {
-        // A path in place of a name registers an object of the calling connection.
-        const bool ours = !reply.isError() && reply.readNumber() == nowOwner;
-        registeredName_ = ours ? busName : itemObject.path;
-        registerWithWatcher();
-    });
+    signalChanges();
 }
 
 void StatusNotifierItem::registerWithWatcher() {
@@ -73,30 +62,20 @@ void StatusNotifierItem::registerWithWatcher() {
     }
 }
 
-void StatusNotifierItem::scheduleSignals() {
-    const bool changed = imageChanged_ || descriptionChanged_;
-    if (!changed || signalTimer_.isActive()) {
+void StatusNotifierItem::signalChanges() {
+    if (pause_.isActive() || !(imageChanged_ || descriptionChanged_)) {
         return;
     }
-    const auto wait = pace_.waitAt(SignalPace::Moment::clock::now());
-    if (wait.count() == 0) {
-        sendSignals();
-    } else {
-        signalTimer_.start(wait);
-    }
-}
-
-void StatusNotifierItem::sendSignals() {
     if (!isWatched()) { // a watcher reads everything when it appears
         imageChanged_ = false;
         descriptionChanged_ = false;
         return;
     }
     if (bus_.isBehind()) { // a signal would only fill the queue
-        signalTimer_.start(std::chrono::seconds(1));
+        pause_.start(std::chrono::seconds(1));
         return;
     }
-    pace_.signalledAt(SignalPace::Moment::clock::now());
+    pause_.start(signalDistance);
     if (std::exchange(descriptionChanged_, false)) {
         imageChanged_ = true; // panels read the description together with the picture
         bus_.sendSignal(itemObject, "NewTitle");

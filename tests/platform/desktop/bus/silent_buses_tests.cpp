@@ -13,7 +13,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/desktop/bus/silence.h"
+#include "platform/desktop/bus/silent_buses.h"
 #include "platform/desktop/realtime_services.h"
 #include "tests/platform/desktop/bus/private_bus.h"
 #include "tests/platform/desktop/bus/silent_bus.h"

@@ -9,7 +9,6 @@
 #include <QtDBus/QDBusPendingCallWatcher>
 #include <QtDBus/QDBusVariant>
 
-#include "platform/desktop/status_area/signal_pace.h"
 #include "platform/desktop/status_area/status_notifier_item.h"
 #include "tests/control/event_loop.h"
 
@@ -110,7 +109,7 @@ void StatusNotifierTest::waitForPace() {
     QTimer timer;
     timer.setTimerType(Qt::PreciseTimer);
     QObject::connect(&timer, &QTimer::timeout, [&] { passed = true; });
-    timer.start(2 * desktop::SignalPace::leastDistance);
+    timer.start(2 * desktop::StatusNotifierItem::signalDistance);
     EXPECT_TRUE(EventLoop::runUntil([&] { return passed; }));
 }
 

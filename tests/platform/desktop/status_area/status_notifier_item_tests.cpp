@@ -187,7 +187,7 @@ TEST_F(StatusNotifierItemTest, burstIsSignalledAtItsStartAndEnd) {
         item->setImage(picture(number), "tool tip");
     }
     // On a busy machine a burst takes longer and has more signals.
-    const auto most = 2 + (timer.elapsed() / desktop::SignalPace::leastDistance.count());
+    const auto most = 2 + (timer.elapsed() / desktop::StatusNotifierItem::signalDistance.count());
     ASSERT_TRUE(EventLoop::runUntil([&] { return heard("NewIcon") >= 2; }));
     EXPECT_EQ(pictureOf(name), picture(200));
     waitForPace();

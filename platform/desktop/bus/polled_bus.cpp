@@ -1,12 +1,17 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "platform/desktop/bus/asked_bus.h"
+#include "platform/desktop/bus/polled_bus.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <utility>
 
+#include <sys/eventfd.h>
+
 #include <systemd/sd-bus.h>
+
+#include "platform/posix/file_descriptor.h"
 
 namespace vantoro::desktop {
 
@@ -19,13 +24,13 @@ constexpr std::chrono::milliseconds untilTriedAgain(20);
 
 } // namespace
 
-AskedBus::AskedBus(std::string address, std::function<void(AskedBus&)> connecting, BusMethod first)
-    : address_(std::move(address)), first_(std::move(first)), connecting_(std::move(connecting)) {
+PolledBus::PolledBus(std::string address, std::function<void(PolledBus&)> connecting)
+    : address_(std::move(address)), connecting_(std::move(connecting)) {
     connect();
 }
 
-bool AskedBus::ask(const BusMethod& method, const std::vector<BusArgument>& arguments,
-                   BusReceive answered) {
+bool PolledBus::ask(const BusMethod& method, const std::vector<BusArgument>& arguments,
+                    BusReceive answered) {
     const bool isSent =
         bus_ != nullptr && callAsync(bus_.get(), method, arguments,
                                      [this, told = std::move(answered)](BusMessage& reply) {
@@ -36,7 +41,7 @@ bool AskedBus::ask(const BusMethod& method, const std::vector<BusArgument>& argu
     return isSent;
 }
 
-void AskedBus::addTo(std::vector<pollfd>& awaited) const {
+void PolledBus::addTo(std::vector<pollfd>& awaited) const {
     const int events = bus_ == nullptr ? -1 : sd_bus_get_events(bus_.get());
     if (events >= 0) {
         awaited.push_back(
@@ -44,7 +49,7 @@ void AskedBus::addTo(std::vector<pollfd>& awaited) const {
     }
 }
 
-void AskedBus::process() {
+void PolledBus::process() {
     if (isFull_) {
         connect();
     }
@@ -57,21 +62,21 @@ void AskedBus::process() {
     }
 }
 
-void AskedBus::connect() {
+void PolledBus::connect() {
     auto attempt = startConnecting(address_);
     bus_ = std::move(attempt.bus);
     isFull_ = attempt.isFull;
     if (bus_ == nullptr) {
         return;
     }
-    if (!ask(first_, {}, [this](BusMessage& /*reply*/) { isAnswered_ = true; })) {
+    if (!ask(busMethod("GetId"), {}, [this](BusMessage& /*reply*/) { isAnswered_ = true; })) {
         bus_.reset();
     } else if (connecting_) {
         connecting_(*this);
     }
 }
 
-bool awaitBuses(std::span<AskedBus* const> buses, Clock::time_point deadline, int interruption) {
+bool awaitBuses(std::span<PolledBus* const> buses, Clock::time_point deadline, int interruption) {
     std::vector<pollfd> awaited{{.fd = interruption, .events = POLLIN, .revents = 0}};
     auto until = deadline;
     for (const auto* const bus : buses) {
@@ -92,10 +97,34 @@ bool awaitBuses(std::span<AskedBus* const> buses, Clock::time_point deadline, in
     return awaited.front().revents == 0;
 }
 
-void awaitAnswers(std::span<AskedBus* const> buses, Clock::time_point deadline, int interruption) {
-    while (!std::ranges::all_of(buses, &AskedBus::areAllAnswered) && Clock::now() < deadline &&
+void awaitAnswers(std::span<PolledBus* const> buses, std::chrono::milliseconds limit,
+                  int interruption) {
+    const auto deadline = Clock::now() + limit;
+    while (!std::ranges::all_of(buses, &PolledBus::areAllAnswered) && Clock::now() < deadline &&
            awaitBuses(buses, deadline, interruption)) {
     }
+}
+
+bool boundedCall(const std::string& busAddress, const BusMethod& question,
+                 const std::vector<BusArgument>& arguments, const Patience& patience,
+                 const BusReceive& read) {
+    const posix::FileDescriptor stopped(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK));
+    const std::stop_callback tellOfStop(patience.stop,
+                                        [&stopped] { ::eventfd_write(stopped.get(), 1); });
+    if (patience.stop.stop_requested()) {
+        return false;
+    }
+    bool hasSucceeded = false;
+    PolledBus bus(busAddress, [&](PolledBus& connecting) {
+        connecting.ask(question, arguments, [&](BusMessage& reply) {
+            hasSucceeded = !reply.isError();
+            if (hasSucceeded && read) {
+                read(reply);
+            }
+        });
+    });
+    awaitAnswers(std::array{&bus}, patience.limit, stopped.get());
+    return hasSucceeded;
 }
 
 } // namespace vantoro::desktop

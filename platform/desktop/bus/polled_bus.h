@@ -5,6 +5,7 @@
 #include <chrono>
 #include <functional>
 #include <span>
+#include <stop_token>
 #include <string>
 #include <vector>
 
@@ -16,17 +17,16 @@ namespace vantoro::desktop {
 
 /// A separate bus connection for callers that wait for answers, within a time limit in case the bus
 /// or a service hangs. Needs no event loop; the caller polls. Not movable. One thread at a time.
-class AskedBus {
+class PolledBus {
 public:
-    /// Starts to connect. `first` is a call without arguments. `connecting` runs once calls can be
-    /// queued, in the constructor or in `process`.
-    explicit AskedBus(std::string address, std::function<void(AskedBus&)> connecting = {},
-                      BusMethod first = busMethod("GetId"));
-    AskedBus(const AskedBus&) = delete;
-    AskedBus& operator=(const AskedBus&) = delete;
-    ~AskedBus() = default;
+    /// Starts to connect. `connecting` runs once calls can be queued, in the constructor or in
+    /// `process`.
+    explicit PolledBus(std::string address, std::function<void(PolledBus&)> connecting = {});
+    PolledBus(const PolledBus&) = delete;
+    PolledBus& operator=(const PolledBus&) = delete;
+    ~PolledBus() = default;
 
-    /// Whether the first call was answered, or there is no connection.
+    /// Whether the bus itself has answered, or there is no connection.
     bool isSettled() const { return isAnswered_ || isGone(); }
 
     /// Whether all calls so far were answered, or cannot be.
@@ -52,8 +52,7 @@ private:
     void connect();
 
     std::string address_;
-    BusMethod first_;
-    std::function<void(AskedBus&)> connecting_;
+    std::function<void(PolledBus&)> connecting_;
     bool isFull_ = false;
     bool isAnswered_ = false;
     int unanswered_ = 0;
@@ -63,11 +62,25 @@ private:
 /// Waits until some buses (null entries are skipped) were ready, and processes them, or until the
 /// deadline. False if interrupted: `interruption` is a descriptor that has become readable, or
 /// negative for none.
-bool awaitBuses(std::span<AskedBus* const> buses, std::chrono::steady_clock::time_point deadline,
+bool awaitBuses(std::span<PolledBus* const> buses, std::chrono::steady_clock::time_point deadline,
                 int interruption = -1);
 
-/// Waits until all calls were answered, until the deadline, or until interrupted as above.
-void awaitAnswers(std::span<AskedBus* const> buses, std::chrono::steady_clock::time_point deadline,
+/// Waits until all calls were answered, for at most the limit, or until interrupted as above.
+void awaitAnswers(std::span<PolledBus* const> buses, std::chrono::milliseconds limit,
                   int interruption = -1);
+
+/// How long to wait for a service: at most `limit`, and not after `stop`.
+struct Patience {
+    /// Long enough to start a file manager from a slow disk.
+    std::chrono::milliseconds limit = std::chrono::seconds(10);
+    std::stop_token stop;
+};
+
+/// Calls a method over a separate connection to the bus at the address. Returns whether an answer
+/// came that is not an error, and passes it to `read`. Sends nothing after `patience.stop`.
+/// Blocking; any thread.
+bool boundedCall(const std::string& busAddress, const BusMethod& question,
+                 const std::vector<BusArgument>& arguments, const Patience& patience,
+                 const BusReceive& read = {});
 
 } // namespace vantoro::desktop
