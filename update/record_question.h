@@ -8,27 +8,19 @@
 #include <memory>
 
 #include <QtCore/QByteArray>
+#include <QtCore/QObject>
 #include <QtCore/QUrl>
 
-#include "update/update_error.h"
+#include "update/update_metadata.h"
 
 namespace vantoro {
 
 using RecordBody = std::expected<QByteArray, UpdateError>;
 
-/// A pending request for the latest version's record. Destruction cancels it.
-class RecordQuestion {
-public:
-    RecordQuestion() = default;
-    RecordQuestion(const RecordQuestion&) = delete;
-    RecordQuestion& operator=(const RecordQuestion&) = delete;
-    virtual ~RecordQuestion() = default;
-};
-
-/// Requests the record at a location, until `limit` has passed. Calls `done` once, from the event
-/// loop; `done` may destroy the question. Main thread; never blocks. Throws std::runtime_error if
-/// requests are impossible.
-using AskForRecord = std::function<std::unique_ptr<RecordQuestion>(
+/// Requests the latest version's record at a location, until `limit` has passed. Destroying the
+/// result cancels that. Calls `done` once, from the event loop; `done` may destroy the result. Main
+/// thread; never blocks. Throws std::runtime_error if requests are impossible.
+using AskForRecord = std::function<std::unique_ptr<QObject>(
     const QUrl& location, std::chrono::milliseconds limit, std::function<void(RecordBody)> done)>;
 
 } // namespace vantoro

@@ -18,7 +18,7 @@ namespace vantoro {
 
 /// One HTTPS GET that does not trust the server: it limits time and memory, and discloses nothing
 /// about the user. Main thread; never blocks.
-class RecordRequest final : public QObject, public RecordQuestion {
+class RecordRequest final : public QObject {
 public:
     /// The longest body, in bytes. A longer one is refused as soon as it is announced or received,
     /// before and after decompression.

@@ -7,7 +7,6 @@
 
 #include <QtCore/QMetaObject>
 
-#include "update/newer_version.h"
 #include "update/valid_url.h"
 
 namespace vantoro {
@@ -41,8 +40,6 @@ UpdateChecker::UpdateChecker(const Preferences& preferences, std::string current
       open_(std::move(open)),
       source_(std::move(source)),
       metadataURL_(source_.baseLocation + "/downloads/latest.json", QUrl::StrictMode) {}
-
-UpdateChecker::~UpdateChecker() = default;
 
 void UpdateChecker::checkForUpdates() {
     if (values_.isChecking) {

@@ -31,8 +31,8 @@ struct UpdateSource {
 };
 
 /// Asks the download server, when the user requests it, whether there is a newer version. Downloads
-/// and installs nothing. Main thread; never blocks or throws. Do not destroy it from within a
-/// notification.
+/// and installs nothing. Main thread; never blocks or throws. Destruction cancels a running check
+/// without notification; not from within a notification.
 class UpdateChecker final : public QObject {
     Q_OBJECT
 
@@ -53,10 +53,6 @@ public:
     /// Asks nothing before the first check. `preferences` must outlive it.
     UpdateChecker(const Preferences& preferences, std::string currentVersion, Open open,
                   UpdateSource source);
-    UpdateChecker(const UpdateChecker&) = delete;
-    UpdateChecker& operator=(const UpdateChecker&) = delete;
-    /// Cancels a running check without notification.
-    ~UpdateChecker() override;
 
     const Values& values() const { return values_; }
 
@@ -90,7 +86,7 @@ private:
     Open open_;
     UpdateSource source_;
     QUrl metadataURL_;
-    std::unique_ptr<RecordQuestion> question_; // while it waits for an answer
+    std::unique_ptr<QObject> question_; // while it waits for an answer
 };
 
 } // namespace vantoro

@@ -6,6 +6,7 @@
 #include <QtCore/QJsonObject>
 #include <QtCore/QJsonValue>
 
+#include "update/semantic_version.h"
 #include "update/valid_url.h"
 
 namespace vantoro {
@@ -39,6 +40,22 @@ std::expected<UpdateMetadata, UpdateError> UpdateMetadata::decode(const QByteArr
         }
     }
     return metadata;
+}
+
+std::expected<std::optional<NewerVersion>, UpdateError>
+newerVersion(const UpdateMetadata& metadata, std::string_view currentVersion,
+             const QString& baseLocation) {
+    if (SemanticVersion(currentVersion) >= SemanticVersion(metadata.version)) {
+        return std::nullopt;
+    }
+    const auto location =
+        metadata.url
+            ? metadata.url
+            : validURL(baseLocation + "/downloads/" + QString::fromStdString(metadata.filename));
+    if (!location) {
+        return invalidRecord;
+    }
+    return NewerVersion{.version = metadata.version, .location = *location};
 }
 
 } // namespace vantoro

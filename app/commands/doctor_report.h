@@ -11,7 +11,7 @@
 #include "capture/graph/sound_survey.h"
 #include "l10n/app_language.h"
 #include "platform/desktop/desktop_survey.h"
-#include "platform/desktop/permission/microphone_policy.h"
+#include "platform/desktop/permission/microphone_access.h"
 
 namespace vantoro {
 

@@ -4,20 +4,55 @@
 
 #include <cstdio>
 #include <system_error>
+#include <utility>
 
-#include "platform/posix/posix_file_lock.h"
-#include "platform/posix/posix_input_file.h"
 #include "platform/posix/posix_output_file.h"
 #include "platform/posix/renaming.h"
 #include "platform/posix/system_calls.h"
 
 namespace vantoro::posix {
 
+namespace {
+
+/// Reads at given offsets without a file position, so that threads may share it.
+class PosixInputFile final : public InputFile {
+public:
+    /// Throws if it is not a regular file (reading a pipe would block).
+    explicit PosixInputFile(std::filesystem::path path)
+        : path_(std::move(path)), file_(openFile(path_, O_RDONLY | O_NONBLOCK, FileAction::open)) {
+        const auto status = statusOf(file_, path_);
+        if (!S_ISREG(status.st_mode)) {
+            throw FileFailure(FileAction::open, path_, S_ISDIR(status.st_mode) ? EISDIR : EINVAL);
+        }
+    }
+
+    /// The current size: a file still being written grows.
+    std::uint64_t size() const override {
+        return static_cast<std::uint64_t>(statusOf(file_, path_).st_size);
+    }
+
+    std::size_t readAt(std::uint64_t offset, std::span<std::byte> into) const override {
+        return readFully(file_, offset, into, path_);
+    }
+
+private:
+    std::filesystem::path path_;
+    FileDescriptor file_;
+};
+
+struct PosixFileLock final : FileLock {
+    explicit PosixFileLock(FileDescriptor locked) noexcept : file(std::move(locked)) {}
+
+    FileDescriptor file; // closing it releases the lock
+};
+
+} // namespace
+
 void PosixFileSystem::createFolders(const std::filesystem::path& folder) {
     std::error_code error;
     std::filesystem::create_directories(folder, error);
     if (error) {
-        throwFailure(FileAction::createFolder, folder, error.value());
+        throw FileFailure(FileAction::createFolder, folder, error.value());
     }
 }
 
@@ -28,14 +63,14 @@ bool PosixFileSystem::exists(const std::filesystem::path& path) const {
         return true;
     }
     if (errno != ENOENT && errno != ENOTDIR) {
-        throwFailure(FileAction::find, path, errno);
+        throw FileFailure(FileAction::find, path, errno);
     }
     return false;
 }
 
 void PosixFileSystem::remove(const std::filesystem::path& path) {
     if (std::remove(path.c_str()) != 0) {
-        throwFailure(FileAction::remove, path, errno);
+        throw FileFailure(FileAction::remove, path, errno);
     }
 }
 
@@ -68,7 +103,7 @@ std::uint64_t PosixFileSystem::availableSpace(const std::filesystem::path& folde
     std::error_code error;
     const auto space = std::filesystem::space(folder.empty() ? "." : folder, error);
     if (error || space.capacity == 0) {
-        throwFailure(FileAction::countFreeSpace, folder, error ? error.value() : ENOTSUP);
+        throw FileFailure(FileAction::countFreeSpace, folder, error ? error.value() : ENOTSUP);
     }
     return space.available;
 }
@@ -88,13 +123,26 @@ std::vector<FolderEntry> PosixFileSystem::list(const std::filesystem::path& fold
         next.increment(error);
     }
     if (error) {
-        throwFailure(FileAction::list, folder, error.value());
+        throw FileFailure(FileAction::list, folder, error.value());
     }
     return entries;
 }
 
 std::unique_ptr<FileLock> PosixFileSystem::lock(const std::filesystem::path& path) {
-    return PosixFileLock::tryAcquire(path);
+    // Do not wait for the other end of a pipe.
+    constexpr int flags = O_NONBLOCK | O_CLOEXEC;
+    short kind = F_WRLCK;
+    FileDescriptor file(uninterrupted([&] { return ::open(path.c_str(), O_RDWR | flags); }));
+    if (!file.isOpen() && (errno == EACCES || errno == EROFS)) {
+        kind = F_RDLCK;
+        file = openFile(path, O_RDONLY | flags, FileAction::open);
+    } else if (!file.isOpen()) {
+        throw FileFailure(FileAction::open, path, errno);
+    }
+    if (tryLock(file, kind, path) == LockAttempt::heldByOthers) {
+        return nullptr;
+    }
+    return std::make_unique<PosixFileLock>(std::move(file));
 }
 
 } // namespace vantoro::posix

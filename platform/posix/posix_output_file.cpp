@@ -22,6 +22,14 @@ mode_t modeFor(FileAudience audience) {
     return audience == FileAudience::userOnly ? userReadsAndWrites : allReadAndWrite;
 }
 
+FileDescriptor duplicate(const FileDescriptor& file, const std::filesystem::path& path) {
+    const int number = ::fcntl(file.get(), F_DUPFD_CLOEXEC, 0);
+    if (number == -1) {
+        throw FileFailure(FileAction::open, path, errno);
+    }
+    return FileDescriptor(number);
+}
+
 /// Creates a file and locks it before any other process does.
 FileDescriptor createFile(const std::filesystem::path& path, FileAudience audience) {
     constexpr int maximumAttempts = 100;
@@ -34,10 +42,10 @@ FileDescriptor createFile(const std::filesystem::path& path, FileAudience audien
         }
         // A process looking for abandoned files locked it first; leave it this one.
         if (::unlink(path.c_str()) != 0) {
-            throwFailure(FileAction::create, path, errno);
+            throw FileFailure(FileAction::create, path, errno);
         }
     }
-    throwFailure(FileAction::create, path, EBUSY);
+    throw FileFailure(FileAction::create, path, EBUSY);
 }
 
 /// Whether an export can have left the file behind: not a pipe, and without a second name that may
@@ -57,7 +65,7 @@ FileDescriptor takeOver(const std::filesystem::path& path) {
         return {};
     }
     if (uninterrupted([&] { return ::ftruncate(file.get(), 0); }) != 0) {
-        throwFailure(FileAction::write, path, errno);
+        throw FileFailure(FileAction::write, path, errno);
     }
     return file;
 }
@@ -144,12 +152,14 @@ void PosixOutputFile::writeAt(std::uint64_t offset, std::span<const std::byte> b
 
 void PosixOutputFile::truncate(std::uint64_t size) {
     if (uninterrupted([&] { return ::ftruncate(file_.get(), static_cast<off_t>(size)); }) != 0) {
-        throwFailure(FileAction::write, path_, errno);
+        throw FileFailure(FileAction::write, path_, errno);
     }
 }
 
 void PosixOutputFile::sync() {
-    syncContent(file_, path_);
+    if (uninterrupted([&] { return ::fdatasync(file_.get()); }) != 0) {
+        throw FileFailure(FileAction::write, path_, errno);
+    }
     if (folder_.isOpen()) {
         syncNames(folder_, path_.parent_path());
         folder_ = FileDescriptor();
@@ -177,12 +187,12 @@ void PosixOutputFile::takeName(const std::filesystem::path& path) {
     if (!hasName_) {
         const auto open = "/proc/self/fd/" + std::to_string(lock_.get());
         if (::linkat(AT_FDCWD, open.c_str(), AT_FDCWD, path.c_str(), AT_SYMLINK_FOLLOW) != 0) {
-            throwFailure(FileAction::create, path, errno);
+            throw FileFailure(FileAction::create, path, errno);
         }
     } else if (isAt(path_, lock_)) {
         renameWithoutReplacing(path_, path);
     } else {
-        throwFailure(FileAction::find, path_, ENOENT);
+        throw FileFailure(FileAction::find, path_, ENOENT);
     }
     hasName_ = true;
     path_ = std::filesystem::absolute(path);
@@ -211,7 +221,11 @@ void PosixOutputFile::copyContentTo(PosixOutputFile& target) const {
 }
 
 void PosixOutputFile::close() {
-    closeChecked(std::move(file_), path_);
+    // Some systems report a failed write only now. An interrupted close has still closed the file;
+    // a retry might close another one.
+    if (::close(file_.release()) != 0 && errno != EINTR) {
+        throw FileFailure(FileAction::write, path_, errno);
+    }
 }
 
 } // namespace vantoro::posix

@@ -27,7 +27,7 @@ bool renameInOneStep(const std::filesystem::path& from, const std::filesystem::p
         return true;
     }
     if (!isUnsupported(errno)) {
-        throwFailure(FileAction::create, to, errno);
+        throw FileFailure(FileAction::create, to, errno);
     }
     return false;
 }
@@ -35,14 +35,14 @@ bool renameInOneStep(const std::filesystem::path& from, const std::filesystem::p
 bool renameByLink(const std::filesystem::path& from, const std::filesystem::path& to) {
     if (::link(from.c_str(), to.c_str()) != 0) {
         if (!isUnsupported(errno)) {
-            throwFailure(FileAction::create, to, errno);
+            throw FileFailure(FileAction::create, to, errno);
         }
         return false;
     }
     if (::unlink(from.c_str()) != 0) {
         const int reason = errno;
         ::unlink(to.c_str()); // our own link
-        throwFailure(FileAction::remove, from, reason);
+        throw FileFailure(FileAction::remove, from, reason);
     }
     return true;
 }
@@ -53,7 +53,7 @@ bool renameOverOwnFile(const std::filesystem::path& from, const std::filesystem:
     if (::rename(from.c_str(), to.c_str()) != 0) {
         const int reason = errno;
         ::unlink(to.c_str());
-        throwFailure(FileAction::create, to, reason);
+        throw FileFailure(FileAction::create, to, reason);
     }
     return true;
 }

@@ -4,23 +4,11 @@
 
 namespace vantoro::posix {
 
-void throwFailure(FileAction action, const std::filesystem::path& path, int errorNumber) {
-    throw FileFailure(action, path, errorNumber);
-}
-
 FileDescriptor openFile(const std::filesystem::path& path, int flags, FileAction action,
                         mode_t mode) {
     const int number = uninterrupted([&] { return ::open(path.c_str(), flags | O_CLOEXEC, mode); });
     if (number == -1) {
-        throwFailure(action, path, errno);
-    }
-    return FileDescriptor(number);
-}
-
-FileDescriptor duplicate(const FileDescriptor& file, const std::filesystem::path& path) {
-    const int number = ::fcntl(file.get(), F_DUPFD_CLOEXEC, 0);
-    if (number == -1) {
-        throwFailure(FileAction::open, path, errno);
+        throw FileFailure(action, path, errno);
     }
     return FileDescriptor(number);
 }
@@ -29,7 +17,7 @@ struct stat statusOf(const FileDescriptor& file, const std::filesystem::path& pa
     struct stat status{};
 
     if (::fstat(file.get(), &status) != 0) {
-        throwFailure(FileAction::examine, path, errno);
+        throw FileFailure(FileAction::examine, path, errno);
     }
     return status;
 }
@@ -52,7 +40,7 @@ LockAttempt tryLock(const FileDescriptor& file, short kind, const std::filesyste
     case EOPNOTSUPP:
         return LockAttempt::unknown;
     default:
-        throwFailure(FileAction::lock, path, errno);
+        throw FileFailure(FileAction::lock, path, errno);
     }
 }
 
@@ -63,7 +51,7 @@ bool isAt(const std::filesystem::path& path, const FileDescriptor& file) {
         if (errno == ENOENT || errno == ENOTDIR) {
             return false;
         }
-        throwFailure(FileAction::find, path, errno);
+        throw FileFailure(FileAction::find, path, errno);
     }
     const auto ours = statusOf(file, path);
     return named.st_dev == ours.st_dev && named.st_ino == ours.st_ino;
@@ -78,7 +66,7 @@ std::size_t readFully(const FileDescriptor& file, std::uint64_t offset, std::spa
             return ::pread(file.get(), rest.data(), rest.size(), static_cast<off_t>(offset + done));
         });
         if (count == -1) {
-            throwFailure(FileAction::read, path, errno);
+            throw FileFailure(FileAction::read, path, errno);
         }
         if (count == 0) {
             break;
@@ -98,29 +86,16 @@ void writeFully(const FileDescriptor& file, std::uint64_t offset, std::span<cons
                             static_cast<off_t>(offset + done));
         });
         if (count <= 0) { // no progress and no error: would loop forever
-            throwFailure(FileAction::write, path, count == 0 ? EIO : errno);
+            throw FileFailure(FileAction::write, path, count == 0 ? EIO : errno);
         }
         done += static_cast<std::size_t>(count);
-    }
-}
-
-void syncContent(const FileDescriptor& file, const std::filesystem::path& path) {
-    if (uninterrupted([&] { return ::fdatasync(file.get()); }) != 0) {
-        throwFailure(FileAction::write, path, errno);
     }
 }
 
 void syncNames(const FileDescriptor& folder, const std::filesystem::path& path) {
     const bool synced = uninterrupted([&] { return ::fsync(folder.get()); }) == 0;
     if (!synced && errno != EINVAL && errno != ENOTSUP) {
-        throwFailure(FileAction::write, path, errno);
-    }
-}
-
-void closeChecked(FileDescriptor file, const std::filesystem::path& path) {
-    // An interrupted close has still closed the file; a retry might close another one.
-    if (::close(file.release()) != 0 && errno != EINTR) {
-        throwFailure(FileAction::write, path, errno);
+        throw FileFailure(FileAction::write, path, errno);
     }
 }
 

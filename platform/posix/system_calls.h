@@ -19,10 +19,6 @@ namespace vantoro::posix {
 
 // What throws, throws `FileFailure`.
 
-/// Takes `errno` as an argument, so that nothing can change it in between.
-[[noreturn]] void throwFailure(FileAction action, const std::filesystem::path& path,
-                               int errorNumber);
-
 /// Repeats a system call while signals interrupt it.
 template <class Call>
 auto uninterrupted(Call call) {
@@ -36,9 +32,6 @@ auto uninterrupted(Call call) {
 /// Opens a file that child processes do not inherit. Throws.
 FileDescriptor openFile(const std::filesystem::path& path, int flags, FileAction action,
                         mode_t mode = 0);
-
-/// Duplicates the descriptor. Throws.
-FileDescriptor duplicate(const FileDescriptor& file, const std::filesystem::path& path);
 
 struct stat statusOf(const FileDescriptor& file, const std::filesystem::path& path);
 
@@ -63,13 +56,7 @@ std::size_t readFully(const FileDescriptor& file, std::uint64_t offset, std::spa
 void writeFully(const FileDescriptor& file, std::uint64_t offset, std::span<const std::byte> bytes,
                 const std::filesystem::path& path);
 
-/// Syncs the content and length. Throws.
-void syncContent(const FileDescriptor& file, const std::filesystem::path& path);
-
 /// Syncs the entries of a folder, if its file system supports that. Throws.
 void syncNames(const FileDescriptor& folder, const std::filesystem::path& path);
-
-/// Closes and throws on failure: some systems report a failed write only now.
-void closeChecked(FileDescriptor file, const std::filesystem::path& path);
 
 } // namespace vantoro::posix

@@ -3,16 +3,14 @@
 #include "platform/posix/system_clock.h"
 
 #include <cerrno>
+#include <chrono>
 #include <system_error>
 
 namespace vantoro::posix {
 
 double SystemClock::systemUptime() const {
-    std::timespec now{};
-    if (::clock_gettime(CLOCK_MONOTONIC, &now) != 0) {
-        throw std::system_error(errno, std::system_category(), "Cannot read the clock");
-    }
-    return static_cast<double>(now.tv_sec) + 1e-9 * static_cast<double>(now.tv_nsec);
+    const auto now = std::chrono::steady_clock::now().time_since_epoch();
+    return std::chrono::duration<double>(now).count();
 }
 
 std::tm SystemClock::localTime() const {

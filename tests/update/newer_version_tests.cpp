@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "update/newer_version.h"
+#include "update/update_metadata.h"
 
 #include <gtest/gtest.h>
 

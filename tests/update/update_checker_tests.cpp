@@ -43,7 +43,7 @@ TEST_F(UpdateCheckerTest, asksABuiltInServerOverHttpsAndWaitsQuarterOfAMinute) {
 TEST_F(UpdateCheckerTest, failsIfRequestsAreImpossible) {
     make("1.0", {.baseLocation = server.location(), .ask = [](const QUrl&, auto, const auto&) {
                      throw std::runtime_error("a part of the program cannot be loaded");
-                     return std::unique_ptr<RecordQuestion>();
+                     return std::unique_ptr<QObject>();
                  }});
     check();
     EXPECT_EQ(values().message, failed);

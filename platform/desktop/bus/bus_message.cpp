@@ -21,8 +21,8 @@ public:
     bool operator()(const BusOptions& options) const {
         bool written = open('a', "{sv}");
         for (const auto& [name, value] : options) {
-            written = written && open('e', "sv") && (*this)(name) && open('v', "s") &&
-                      (*this)(value) && close() && close();
+            written = written && sd_bus_message_append(message_, "{sv}", name.c_str(), "s",
+                                                       value.c_str()) >= 0;
         }
         return written && close();
     }

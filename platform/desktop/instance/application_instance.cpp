@@ -13,7 +13,8 @@ namespace vantoro::desktop {
 
 namespace {
 
-const BusObject applicationObject{.path = "/com/vantoro/app", .interface = applicationInterface};
+const BusObject applicationObject{.path = "/com/vantoro/app",
+                                  .interface = "org.freedesktop.Application"};
 
 } // namespace
 
@@ -43,12 +44,12 @@ void ApplicationInstance::Answer<Value>::set(Value value) {
 
 ApplicationInstance::ApplicationInstance(const std::string& busAddress) : bus_(busAddress) {
     // Not within the bus's callback: handling it may take a while.
-    object_.requested = [this](const ApplicationRequest& request) {
+    received_ = [this](const ApplicationRequest& request) {
         pending_.push_back(request);
         QMetaObject::invokeMethod(&events_, [this] { deliverRequests(); }, Qt::QueuedConnection);
     };
     const bool asked =
-        bus_.exportObject(applicationObject, applicationTable(), &object_) &&
+        bus_.exportObject(applicationObject, applicationTable(), &received_) &&
         bus_.requestName(applicationID, [this](std::optional<bool> isOurs) {
             role_.set(!isOurs ? Role::unknown : *isOurs ? Role::first : Role::another);
         });
@@ -62,8 +63,7 @@ void ApplicationInstance::whenRoleIsKnown(std::chrono::milliseconds patience,
     role_.await(patience, Role::unknown, std::move(known));
 }
 
-void ApplicationInstance::setRequested(
-    std::function<void(const ApplicationRequest& request)> requested) {
+void ApplicationInstance::setRequested(TakeRequest requested) {
     requested_ = std::move(requested);
     QMetaObject::invokeMethod(&events_, [this] { deliverRequests(); }, Qt::QueuedConnection);
 }
@@ -86,7 +86,7 @@ void ApplicationInstance::activateFirst(const std::string& activationToken,
     const bool asked =
         bus_.call({.service = applicationID,
                    .path = applicationObject.path,
-                   .interface = applicationInterface,
+                   .interface = applicationObject.interface,
                    .member = "Activate"},
                   {activationToken.empty() ? BusOptions() : options},
                   [isShown = isShown_](BusMessage& reply) { isShown->set(!reply.isError()); });

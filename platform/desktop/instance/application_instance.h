@@ -13,12 +13,29 @@
 #include <QtCore/QObject>
 
 #include "platform/desktop/bus/bus_connection.h"
-#include "platform/desktop/instance/application_object.h"
 
 namespace vantoro::desktop {
 
 /// The application ID: the name of its desktop entry and on the session bus.
 constexpr const char* applicationID = "com.vantoro.app";
+
+/// The actions in the desktop entry, besides opening the window.
+enum class ApplicationAction : std::uint8_t { startRecording, stopRecording };
+
+struct ApplicationRequest {
+    /// Absent to show the window.
+    std::optional<ApplicationAction> action;
+    /// Lets the program bring its window to the front; may be empty.
+    std::string activationToken;
+
+    friend bool operator==(const ApplicationRequest&, const ApplicationRequest&) = default;
+};
+
+using TakeRequest = std::function<void(const ApplicationRequest& request)>;
+
+/// The methods of the program's object on the bus (org.freedesktop.Application), which pass on the
+/// requests of the desktop and of other runs to a `TakeRequest`. Main thread.
+const sd_bus_vtable* applicationTable();
 
 /// One run of the program among those in the same session. The first run owns the program's name on
 /// the session bus. The others ask it to show its window, and the desktop asks it to carry out
@@ -39,7 +56,7 @@ public:
 
     /// The event loop calls `requested` for each request, in order, including those that came
     /// before this call; never after destruction.
-    void setRequested(std::function<void(const ApplicationRequest& request)> requested);
+    void setRequested(TakeRequest requested);
 
     /// Asks the first run to show its window. The event loop calls `answered` when it has, or when
     /// `patience` is over: false if it did not or could not.
@@ -66,9 +83,9 @@ private:
 
     void deliverRequests();
 
-    std::function<void(const ApplicationRequest&)> requested_;
+    TakeRequest requested_;
     std::vector<ApplicationRequest> pending_; ///< received before `setRequested`
-    ApplicationObject object_;
+    TakeRequest received_;                    ///< called by the bus
     Answer<Role> role_;
     std::shared_ptr<Answer<bool>> isShown_; ///< whether the first run showed its window
     QObject events_;                        ///< cancels pending callbacks on destruction

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "platform/desktop/instance/application_object.h"
+#include "platform/desktop/instance/application_instance.h"
 
 #include <string_view>
 
@@ -48,7 +48,7 @@ int take(sd_bus_message* call, void* argument, std::optional<ApplicationAction> 
     if (const int read = readToken(call, request.activationToken); read < 0) {
         return read;
     }
-    static_cast<ApplicationObject*>(argument)->requested(request);
+    (*static_cast<TakeRequest*>(argument))(request);
     return sd_bus_reply_method_return(call, nullptr);
 }
 

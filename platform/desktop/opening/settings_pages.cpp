@@ -2,16 +2,14 @@
 
 #include "platform/desktop/opening/settings_pages.h"
 
-#include <algorithm>
-#include <cctype>
-#include <sstream>
+#include <QtCore/QStringList>
 
 namespace vantoro::desktop {
 
 namespace {
 
 struct Pages {
-    std::vector<std::string> desktops; // in lower case
+    QStringList desktops; // in lower case
     std::vector<CommandLine> commands;
 };
 
@@ -33,22 +31,11 @@ const std::vector<Pages>& knownDesktops() {
     return known;
 }
 
-std::vector<std::string> namesIn(const std::string& desktops) {
-    std::vector<std::string> names;
-    std::istringstream remaining(desktops);
-    for (std::string name; std::getline(remaining, name, ':');) {
-        std::ranges::transform(name, name.begin(),
-                               [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-        names.push_back(name);
-    }
-    return names;
-}
-
 /// The first known name decides, since the most specific name comes first.
 std::vector<CommandLine> ownPages(const std::string& desktops) {
-    for (const auto& name : namesIn(desktops)) {
+    for (const auto& name : QString::fromStdString(desktops).toLower().split(':')) {
         for (const auto& [known, commands] : knownDesktops()) {
-            if (std::ranges::find(known, name) != known.end()) {
+            if (known.contains(name)) {
                 return commands;
             }
         }

@@ -5,10 +5,23 @@
 #include <utility>
 
 #include "platform/desktop/gio/privacy_settings.h"
-#include "platform/desktop/permission/microphone_policy.h"
 #include "platform/desktop/permission/sandbox.h"
 
 namespace vantoro::desktop {
+
+AuthorizationStatus microphoneAuthorization(const MicrophoneFacts& facts) {
+    if (facts.disabledBySettings || facts.disabledByPortal) {
+        return AuthorizationStatus::restricted;
+    }
+    if (facts.sandboxed && facts.stored == StoredPermission::refused) {
+        return AuthorizationStatus::denied;
+    }
+    // A sandbox may hide all microphones until the user decides, so ask first.
+    if (facts.sandboxed && facts.stored == StoredPermission::undecided) {
+        return AuthorizationStatus::notDetermined;
+    }
+    return facts.chosenSourceHidden ? AuthorizationStatus::denied : AuthorizationStatus::authorized;
+}
 
 MicrophoneFacts microphoneFacts(const std::string& sessionBus,
                                 const std::filesystem::path& sandboxDescription,

@@ -13,6 +13,18 @@
 
 namespace vantoro::desktop {
 
+/// Everything that decides whether the microphone may be recorded.
+struct MicrophoneFacts {
+    bool disabledBySettings = false; ///< the desktop's privacy settings
+    bool disabledByPortal = false;   ///< the desktop portal's lockdown
+    bool sandboxed = false;
+    StoredPermission stored = StoredPermission::undecided; ///< used only in a sandbox
+    bool chosenSourceHidden = false; ///< the sound server hides the chosen microphone
+};
+
+/// Outside a sandbox no desktop enforces its settings; this program obeys them anyway.
+AuthorizationStatus microphoneAuthorization(const MicrophoneFacts& facts);
+
 /// Where a sandbox describes itself to the programs inside.
 constexpr const char* standardSandboxDescription = "/.flatpak-info";
 

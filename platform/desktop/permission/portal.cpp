@@ -14,6 +14,13 @@ constexpr const char* permissionStore = "org.freedesktop.impl.portal.PermissionS
 
 } // namespace
 
+StoredPermission storedPermission(const std::vector<std::string>& words) {
+    const auto word = words.empty() ? std::string() : words.front();
+    return word == "yes"  ? StoredPermission::granted
+           : word == "no" ? StoredPermission::refused
+                          : StoredPermission::undecided;
+}
+
 bool microphoneDisabledByPortal(const std::string& sessionBus, std::chrono::milliseconds limit) {
     bool isDisabled = false;
     const auto askForLockdown = [&](PolledBus& bus, const std::string& service) {

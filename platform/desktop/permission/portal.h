@@ -3,11 +3,18 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
 #include <string>
-
-#include "platform/desktop/permission/microphone_policy.h"
+#include <vector>
 
 namespace vantoro::desktop {
+
+/// A sandbox's stored permission for the microphone.
+enum class StoredPermission : std::uint8_t { undecided, granted, refused };
+
+/// From the permission store's entry for one application: "yes", "no", or "ask" or nothing for
+/// undecided.
+StoredPermission storedPermission(const std::vector<std::string>& words);
 
 /// The portal's information about the microphone, from the session bus at the given address. Each
 /// call takes at most `limit` in total; no answer counts as no restriction and no decision. Any

@@ -11,14 +11,6 @@ namespace {
 
 constexpr std::uint32_t suspend = 4; // the portal's flag; the other flags concern the session
 
-void close(BusConnection& bus, const std::string& portal, const std::string& handle) {
-    bus.call({.service = portal,
-              .path = handle,
-              .interface = "org.freedesktop.portal.Request",
-              .member = "Close"},
-             {}, [](BusMessage&) {});
-}
-
 } // namespace
 
 /// May outlive the inhibition, to release it if the answer comes late.
@@ -44,7 +36,11 @@ struct PortalInhibition::Request {
 
     void release() const {
         if (!handle.empty()) {
-            close(bus, portal, handle);
+            bus.call({.service = portal,
+                      .path = handle,
+                      .interface = "org.freedesktop.portal.Request",
+                      .member = "Close"},
+                     {}, [](BusMessage&) {});
         }
     }
 };

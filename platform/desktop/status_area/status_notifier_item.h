@@ -11,12 +11,29 @@
 
 #include "platform/desktop/bus/bus_connection.h"
 #include "platform/desktop/bus/service_owner.h"
-#include "platform/desktop/status_area/status_notifier_object.h"
 #include "ui/ports/status_area.h"
 
 namespace vantoro::desktop {
 
 constexpr const char* statusNotifierWatcher = "org.kde.StatusNotifierWatcher";
+
+/// The properties of a status notifier item and its click handler.
+struct StatusNotifierObject {
+    std::string identifier;
+    std::string toolTip;
+    std::string description;
+    StatusImage image;
+    /// Called by the bus with the click's activation token, or an empty one.
+    std::function<void(const std::string& activationToken)> clicked;
+
+    std::string nextActivationToken; ///< for the next click
+    std::string category = "Hardware";
+    std::string status = "Active";
+    std::string none; ///< icon names, which are not used
+};
+
+/// The interface's methods, properties and signals, for a `StatusNotifierObject`.
+const sd_bus_vtable* statusNotifierTable();
 
 /// One status notifier item (org.kde.StatusNotifierItem), on its own session bus connection,
 /// because panels identify items by bus name. Registers with the current watcher and each later

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "platform/desktop/status_area/status_notifier_object.h"
+#include "platform/desktop/status_area/status_notifier_item.h"
 
 #include <cstdint>
 #include <utility>

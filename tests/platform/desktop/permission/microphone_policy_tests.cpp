@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "platform/desktop/permission/microphone_policy.h"
+#include "platform/desktop/permission/microphone_access.h"
 
 #include <gtest/gtest.h>
 
