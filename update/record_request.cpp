@@ -46,12 +46,19 @@ RecordRequest::RecordRequest(QNetworkAccessManager& network, const QUrl& locatio
                              std::function<void(RecordBody)> done)
     : done_(std::move(done)), reply_(network.get(requestFor(location, tls))) {
     reply_->setReadBufferSize(mostBytes);
-    connect(reply_, &QNetworkReply::metaDataChanged, this, &RecordRequest::refuseAnnouncedExcess);
-    connect(reply_, &QNetworkReply::readyRead, this, &RecordRequest::receive);
+    connect(reply_, &QNetworkReply::metaDataChanged, this, [this] {
+        if (reply_->header(QNetworkRequest::ContentLengthHeader).toLongLong() > mostBytes) {
+            refuse();
+        }
+    });
+    connect(reply_, &QNetworkReply::readyRead, this, [this] {
+        if (!readAvailable()) {
+            refuse();
+        }
+    });
     connect(reply_, &QNetworkReply::finished, this, &RecordRequest::finish);
     // Not the network's own limit, which restarts with every byte.
-    connect(&limit_, &QTimer::timeout, this,
-            [this] { conclude(std::unexpected(UpdateError::invalidResponse)); });
+    connect(&limit_, &QTimer::timeout, this, &RecordRequest::refuse);
     limit_.setSingleShot(true);
     limit_.setTimerType(Qt::PreciseTimer);
     limit_.start(limit);
@@ -62,29 +69,21 @@ RecordRequest::~RecordRequest() {
     reply_->deleteLater();
 }
 
-void RecordRequest::refuseAnnouncedExcess() {
-    if (reply_->header(QNetworkRequest::ContentLengthHeader).toLongLong() > mostBytes) {
-        conclude(std::unexpected(UpdateError::invalidResponse));
-    }
-}
-
-void RecordRequest::receive() {
-    if (!readAvailable()) {
-        conclude(std::unexpected(UpdateError::invalidResponse));
-    }
-}
-
 void RecordRequest::finish() {
     if (readAvailable() && isSuccess(*reply_)) {
         conclude(std::move(body_));
     } else {
-        conclude(std::unexpected(UpdateError::invalidResponse));
+        refuse();
     }
 }
 
 void RecordRequest::conclude(RecordBody body) {
     stop();
     std::exchange(done_, {})(std::move(body)); // may destroy this
+}
+
+void RecordRequest::refuse() {
+    conclude(std::unexpected(UpdateError::invalidResponse));
 }
 
 /// False if the body is too long.

@@ -36,10 +36,9 @@ public:
     ~RecordRequest() override;
 
 private:
-    void refuseAnnouncedExcess();
-    void receive();
     void finish();
     void conclude(RecordBody body);
+    void refuse();
     bool readAvailable();
     void stop();
 

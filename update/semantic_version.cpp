@@ -32,18 +32,11 @@ SemanticVersion::SemanticVersion(std::string_view text) {
     }
 }
 
-std::weak_ordering operator<=>(const SemanticVersion& a, const SemanticVersion& b) {
-    const auto componentOf = [](const SemanticVersion& version, std::size_t index) {
-        return index < version.components_.size() ? version.components_[index] : 0;
-    };
+std::weak_ordering operator<=>(SemanticVersion a, SemanticVersion b) {
     const auto count = std::max(a.components_.size(), b.components_.size());
-    for (std::size_t index = 0; index < count; ++index) {
-        const auto order = componentOf(a, index) <=> componentOf(b, index);
-        if (std::is_neq(order)) {
-            return order;
-        }
-    }
-    return std::weak_ordering::equivalent;
+    a.components_.resize(count);
+    b.components_.resize(count);
+    return a.components_ <=> b.components_;
 }
 
 } // namespace vantoro

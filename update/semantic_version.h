@@ -19,7 +19,7 @@ public:
     const std::vector<std::int64_t>& components() const { return components_; }
 
     /// Compares number by number; missing ones count as 0, so "1.2" equals "1.2.0".
-    friend std::weak_ordering operator<=>(const SemanticVersion& a, const SemanticVersion& b);
+    friend std::weak_ordering operator<=>(SemanticVersion a, SemanticVersion b);
 
     friend bool operator==(const SemanticVersion& a, const SemanticVersion& b) {
         return std::is_eq(a <=> b);

@@ -11,24 +11,6 @@
 
 namespace vantoro {
 
-namespace {
-
-/// The newer version, if the record describes one.
-std::expected<std::optional<NewerVersion>, UpdateError>
-newerVersionIn(const RecordBody& record, std::string_view currentVersion,
-               const QString& baseLocation) {
-    if (!record.has_value()) {
-        return std::unexpected(record.error());
-    }
-    const auto metadata = UpdateMetadata::decode(*record);
-    if (!metadata.has_value()) {
-        return std::unexpected(metadata.error());
-    }
-    return newerVersion(*metadata, currentVersion, baseLocation);
-}
-
-} // namespace
-
 QString builtInBaseLocation() {
     return QStringLiteral(VANTORO_UPDATE_URL);
 }
@@ -83,7 +65,11 @@ void UpdateChecker::conclude(const RecordBody& record) {
 
 void UpdateChecker::publish(const RecordBody& record) {
     using enum L10n::Key;
-    const auto newer = newerVersionIn(record, currentVersion_, source_.baseLocation);
+    const auto metadata =
+        record.has_value() ? UpdateMetadata::decode(*record) : std::unexpected(record.error());
+    const auto newer = metadata.has_value()
+                           ? newerVersion(*metadata, currentVersion_, source_.baseLocation)
+                           : std::unexpected(metadata.error());
     if (!newer.has_value()) {
         set(Property::message, &Values::message, texts_.text(updateCheckFailed));
     } else if (const auto& offer = *newer; !offer.has_value()) {

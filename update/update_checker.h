@@ -30,9 +30,9 @@ struct UpdateSource {
     AskForRecord ask = nullptr;                                 ///< called only for HTTPS locations
 };
 
-/// Asks the download server, when the user requests it, whether there is a newer version. Downloads
-/// and installs nothing. Main thread; never blocks or throws. Destruction cancels a running check
-/// without notification; not from within a notification.
+/// Asks the download server on request whether there is a newer version; downloads nothing. Main
+/// thread; never blocks or throws. Destruction cancels a running check without notification; not
+/// from within a notification.
 class UpdateChecker final : public QObject {
     Q_OBJECT
 
@@ -41,8 +41,7 @@ public:
 
     struct Values {
         bool isChecking = false;
-        /// The result of the last check, in the language of that moment. May quote the server: show
-        /// it as plain text, without markup.
+        /// The last result, in the language of that moment. May quote the server: not markup.
         std::optional<std::string> message;
         std::optional<QUrl> downloadURL; ///< set only after a check found a newer version
     };

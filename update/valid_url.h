@@ -9,15 +9,12 @@
 
 namespace vantoro {
 
-/// Parses a location; none if it is invalid. Any thread.
-///
-/// Repairs nothing: spaces, control characters, incomplete percent escapes and other forbidden
-/// characters make it invalid. Accepts non-ASCII letters, and relative locations; an empty text is
-/// invalid.
+/// Parses a location and repairs nothing; none if it is empty or has forbidden characters, such as
+/// spaces and incomplete percent escapes. Non-ASCII letters and relative locations are valid. Any
+/// thread.
 std::optional<QUrl> validURL(const QString& text);
 
-/// Whether the desktop may open it: only http and https, since the server supplied it; never a
-/// local file or program. Any thread.
+/// Whether the desktop may open what the server supplied: only http and https. Any thread.
 bool isWebLocation(const QUrl& location);
 
 } // namespace vantoro

@@ -29,7 +29,7 @@ void askForStatusArea(PolledBus& session, DesktopSurvey& found) {
     });
 }
 
-/// A portal only offers the interfaces that its desktop backend supports.
+/// A portal offers only what its desktop backend supports. This starts it if possible.
 void askForPortal(PolledBus& session, DesktopSurvey& found) {
     auto question =
         propertyReading("org.freedesktop.portal.Desktop", "/org/freedesktop/portal/desktop");

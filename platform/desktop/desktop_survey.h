@@ -19,15 +19,13 @@ enum class SleepDelay : std::uint8_t { unknown, noLoginManager, refused, granted
 struct DesktopSurvey {
     Presence sessionBus = Presence::unknown; ///< unless present, its services are unknown
     Presence statusArea = Presence::unknown; ///< present only with a panel that shows it
-    /// One that can keep the machine awake. The question starts it if possible.
-    Presence portal = Presence::unknown;
+    Presence portal = Presence::unknown;     ///< one that can keep the machine awake
     SleepDelay sleepDelay = SleepDelay::unknown;
 
     friend bool operator==(const DesktopSurvey&, const DesktopSurvey&) = default;
 };
 
-/// Asks all services at once, and waits until they have answered or the limit has passed. Any
-/// thread.
+/// Asks all services at once; waits for at most the limit. Any thread.
 DesktopSurvey surveyDesktop(const BusAddresses& buses, std::chrono::milliseconds limit);
 
 } // namespace vantoro::desktop

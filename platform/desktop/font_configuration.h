@@ -6,9 +6,8 @@
 
 namespace vantoro::desktop {
 
-/// Loads the font configuration on a thread of its own, so that it is ready when the toolkit
-/// measures its first text; it takes a tenth of the window's start. Call before any other window
-/// code. Destroying the result joins the thread.
+/// Loads the font configuration, a tenth of the window's start, on a thread of its own. Call before
+/// any other window code. Destroying the result joins the thread.
 std::jthread readFontConfigurationAhead();
 
 } // namespace vantoro::desktop

@@ -11,20 +11,18 @@
 
 namespace vantoro::desktop {
 
-/// Whether the services that grant real-time priority, the portal and the system's, answer on their
-/// buses. A missing service counts as answering, and none is started. Blocks for at most the limit;
-/// any thread.
+/// Whether the services that grant real-time priority, the portal and the system's, answer. A
+/// missing one counts as answering; none is started. Blocks for at most the limit; any thread.
 bool realtimeServicesAnswer(const BusAddresses& addresses,
                             std::chrono::milliseconds limit = std::chrono::seconds(2));
 
-/// On the buses of this process's environment. After no answer, returns false for one minute
-/// without asking.
+/// On the buses of the environment. After no answer, false for one minute without asking.
 bool realtimeServicesAnswerHere();
 
-/// Remembers that a service did not answer, so that later callers need not wait for it. Any thread.
+/// Remembers that a service did not answer. Any thread.
 class Silence {
 public:
-    /// `ask` blocks, and returns true if there was no answer; this then returns true for one minute
+    /// `ask` blocks, and returns true if there was no answer; then this returns true for one minute
     /// without asking. Concurrent callers wait for each other.
     bool isSilent(const std::function<bool()>& ask);
 

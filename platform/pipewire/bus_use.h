@@ -4,11 +4,10 @@
 
 namespace vantoro::pipewire {
 
-/// If this process may not create real-time threads itself, the sound library asks services on the
-/// session and system bus, on each new connection to the sound server, and waits for each reply for
-/// half a minute or forever. `busesRespond` is called before that, on the connecting thread; if it
-/// returns false, the services are not asked, and the sound thread gets normal priority. Without
-/// this call they are always asked. Any thread.
+/// A process that may not create real-time threads makes the sound library ask services on the
+/// buses at each connection, and wait for half a minute or forever. Each connecting thread calls
+/// `busesRespond` before that; if false, nobody is asked, and the sound thread gets normal
+/// priority. Without this call they are always asked. Any thread.
 void useBusesIf(bool (*busesRespond)());
 
 /// Whether the library may use the buses now.

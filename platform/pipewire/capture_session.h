@@ -24,10 +24,8 @@
 
 namespace vantoro::pipewire {
 
-/// One capture from start to stop: the connection, its streams and links.
-///
-/// Create, start and destroy it on a task thread or a queue's thread; everything else runs on the
-/// connection's loop.
+/// One capture from start to stop: the connection, its streams and links. Create, start and destroy
+/// it on a task thread or a queue's thread; everything else runs on the connection's loop.
 class CaptureSession {
 public:
     /// Throws `Failure` if there is no server. `delivery` receives the feeds, and `receiver` on the

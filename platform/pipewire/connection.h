@@ -11,10 +11,9 @@
 
 namespace vantoro::pipewire {
 
-/// A connection to the sound server, with the thread that runs its callbacks ("the loop").
-///
-/// Create, use and destroy it on a task thread or a queue's thread, never on the loop. Destroy
-/// everything else that uses the core first, or remove it under the lock.
+/// A connection to the sound server, with the thread that runs its callbacks ("the loop"). Create,
+/// use and destroy it on a task thread or a queue's thread, never on the loop. Destroy everything
+/// else that uses the core first, or remove it under the lock.
 class Connection {
 public:
     /// Called on the loop.

@@ -106,7 +106,7 @@ GraphMirror::Bound* GraphMirror::bind(capture::ObjectId id, const char* type,
     if (object == nullptr) {
         return nullptr;
     }
-    auto bound = std::make_unique<Bound>(*this, id, static_cast<pw_proxy*>(object));
+    auto bound = std::make_unique<Bound>(*this, id, ProxyPointer(static_cast<pw_proxy*>(object)));
     return bound_.insert_or_assign(id, std::move(bound)).first->second.get();
 }
 

@@ -26,13 +26,10 @@ public:
 private:
     /// An object with more details than the registry shows.
     struct Bound {
-        Bound(GraphMirror& owner, capture::ObjectId objectId, pw_proxy* object)
-            : mirror(owner), id(objectId), proxy(object) {}
-
         GraphMirror& mirror;
         capture::ObjectId id;
         ProxyPointer proxy;
-        Hook hook; // after the proxy: must be destroyed first
+        Hook hook{}; // after the proxy: must be destroyed first
     };
 
     void addObject(capture::ObjectId id, std::uint32_t permissions, const std::string& type,

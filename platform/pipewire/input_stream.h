@@ -18,9 +18,8 @@ namespace vantoro::pipewire {
 
 /// One of our capture nodes; only we link to it. Either a tap, which records applications in
 /// `tapChannels`, always runs, and delivers stereo; or the microphone's, which runs while its
-/// source does, and delivers mono.
-///
-/// Only on the loop or under its lock. After destruction nothing writes to its feed.
+/// source does, and delivers mono. Only on the loop or under its lock. After destruction nothing
+/// writes to its feed.
 class InputStream {
 public:
     enum class State : std::uint8_t { starting, paused, running, ended };

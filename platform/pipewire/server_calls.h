@@ -7,8 +7,7 @@
 #include <pipewire/extensions/metadata.h>
 #include <pipewire/pipewire.h>
 
-// PipeWire's method calls are macros that cast as C does, at least in its older versions; our
-// compiler options would refuse them wherever they are used.
+// PipeWire's method calls are macros with C casts, which our compiler options refuse elsewhere.
 
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wold-style-cast"
@@ -33,8 +32,7 @@ inline void listen(pw_metadata* metadata, spa_hook* hook, const pw_metadata_even
     pw_metadata_add_listener(metadata, hook, &events, data);
 }
 
-/// Requests the node's parameters of this kind now and on every change. A refused request yields
-/// none.
+/// Requests the node's parameters of this kind now and on every change; refused, yields none.
 inline void subscribe(pw_node* node, std::uint32_t kind) {
     static_cast<void>(pw_node_subscribe_params(node, &kind, 1));
 }

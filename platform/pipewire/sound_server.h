@@ -13,10 +13,9 @@
 
 namespace vantoro::pipewire {
 
-/// Queries the sound server's current state. Each call opens its own connection and gives up at the
-/// time limit; then, as without a server, nothing is found. Capture is allowed if the server lets
-/// us use it and create links; no desktop has a prompt for that. Task threads, several at a time,
-/// and the main thread.
+/// Queries the sound server over a new connection. Finds nothing without a server or after the time
+/// limit. Capture is allowed if the server lets us use it and create links; no desktop has a prompt
+/// for that. Task threads, several at a time, and the main thread.
 class SoundServer final : public AudioDevices, public CaptureAccess {
 public:
     explicit SoundServer(std::chrono::seconds limit = std::chrono::seconds(2)) : limit_(limit) {}

@@ -4,9 +4,8 @@
 
 namespace vantoro::posix {
 
-/// Keeps memory use small over hours of recording: all threads share one heap for small blocks, and
-/// large blocks return to the system when freed. Call before any thread starts; no effect without
-/// glibc's allocator.
+/// Keeps memory use small over hours: all threads share one heap, and large blocks return to the
+/// system when freed. Call before any thread starts; no effect without glibc's allocator.
 void keepMemorySmall() noexcept;
 
 } // namespace vantoro::posix

@@ -41,8 +41,7 @@ enum class LockAttempt : std::uint8_t {
     unknown ///< the file system has no locks
 };
 
-/// Locks the open file until the last copy of the descriptor is closed. `kind`: F_WRLCK, or F_RDLCK
-/// for a file open only for reading.
+/// Locks until the last copy of the descriptor is closed. `kind`: F_WRLCK; F_RDLCK if read-only.
 LockAttempt tryLock(const FileDescriptor& file, short kind, const std::filesystem::path& path);
 
 /// Whether the path names this file, not through a link. Throws if that cannot be checked.

@@ -35,7 +35,6 @@ struct CloseBus {
 
 using Bus = std::unique_ptr<sd_bus, CloseBus>;
 
-/// A connection attempt.
 struct BusAttempt {
     Bus bus;             ///< null if there is no bus, or it is full
     bool isFull = false; ///< the bus has no slot for another connection
@@ -45,7 +44,7 @@ struct BusAttempt {
 BusAttempt startConnecting(const std::string& address);
 
 /// Passes the reply, which may be an error such as a broken connection, to `answered`. False if the
-/// call cannot be sent; `answered` is not called then.
+/// call cannot be sent; then `answered` is not called.
 bool callAsync(sd_bus* bus, const BusMethod& method, const std::vector<BusArgument>& arguments,
                BusReceive answered);
 

@@ -23,12 +23,10 @@ struct BusObject {
     std::string interface;
 };
 
-/// A separate bus connection on the main thread's event loop. Never blocks, not even to connect or
-/// to wait for a service; calls made before the connection stands are queued. Closed from the start
-/// if there is no bus; does not reconnect. Main thread.
-///
-/// The event loop calls the given functions, never after destruction. They must not destroy the
-/// connection.
+/// A separate bus connection on the main thread's event loop. Never blocks; calls made before the
+/// connection stands are queued. Closed from the start if there is no bus; does not reconnect. The
+/// event loop calls the given functions, never after destruction; they must not destroy the
+/// connection. Main thread.
 class BusConnection {
 public:
     /// A local address such as `unix:path=/run/bus`; empty for no bus.
@@ -37,8 +35,7 @@ public:
     /// Whether there was a bus to connect to.
     bool isOpen() const { return bus_ != nullptr; }
 
-    /// Passes the reply, which may be an error such as a broken connection, to `answered`. False
-    /// without a bus; `answered` is not called then.
+    /// As `callAsync`. False without a bus.
     bool call(const BusMethod& method, const std::vector<BusArgument>& arguments,
               BusReceive answered);
 

@@ -98,21 +98,16 @@ std::optional<bool> BusMessage::readFlag() {
     return flag ? std::optional<bool>(*flag != 0) : std::nullopt;
 }
 
-template <class Read>
-auto BusMessage::readInVariant(const char* type, Read read) -> decltype(read()) {
-    if (sd_bus_message_enter_container(message_, 'v', type) <= 0) {
-        return std::nullopt;
-    }
-    const auto value = read();
-    return sd_bus_message_exit_container(message_) < 0 ? std::nullopt : value;
-}
-
 std::optional<bool> BusMessage::readFlagInVariant() {
-    return readInVariant("b", [this] { return readFlag(); });
+    int flag = 0;
+    const bool isRead = sd_bus_message_read(message_, "v", "b", &flag) > 0;
+    return isRead ? std::optional(flag != 0) : std::nullopt;
 }
 
 std::optional<std::string> BusMessage::readTextInVariant() {
-    return readInVariant("s", [this] { return readText(); });
+    const char* text = nullptr;
+    const bool isRead = sd_bus_message_read(message_, "v", "s", &text) > 0;
+    return isRead ? std::optional<std::string>(text) : std::nullopt;
 }
 
 std::optional<std::uint32_t> BusMessage::readNumber() {

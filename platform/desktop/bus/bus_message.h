@@ -53,9 +53,6 @@ public:
     std::optional<posix::FileDescriptor> readFile();
 
 private:
-    template <class Read>
-    auto readInVariant(const char* type, Read read) -> decltype(read());
-
     sd_bus_message* message_;
 };
 

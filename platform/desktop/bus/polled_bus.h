@@ -15,8 +15,8 @@
 
 namespace vantoro::desktop {
 
-/// A separate bus connection for callers that wait for answers, within a time limit in case the bus
-/// or a service hangs. Needs no event loop; the caller polls. Not movable. One thread at a time.
+/// A separate bus connection for callers that wait for answers within a time limit. Needs no event
+/// loop; the caller polls. Not movable. One thread at a time.
 class PolledBus {
 public:
     /// Starts to connect. `connecting` runs once calls can be queued, in the constructor or in
@@ -76,9 +76,8 @@ struct Patience {
     std::stop_token stop;
 };
 
-/// Calls a method over a separate connection to the bus at the address. Returns whether an answer
-/// came that is not an error, and passes it to `read`. Sends nothing after `patience.stop`.
-/// Blocking; any thread.
+/// Calls a method over a separate connection. Returns whether an answer came that is not an error,
+/// and passes it to `read`. Sends nothing after `patience.stop`. Blocking; any thread.
 bool boundedCall(const std::string& busAddress, const BusMethod& question,
                  const std::vector<BusArgument>& arguments, const Patience& patience,
                  const BusReceive& read = {});

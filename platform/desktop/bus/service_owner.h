@@ -10,12 +10,11 @@
 
 namespace vantoro::desktop {
 
-/// Follows which process owns a bus name. Main thread. Destroy it together with the bus, which
-/// cannot unsubscribe its callbacks.
+/// Follows which process owns a bus name. Main thread. Destroy it with the bus, which cannot
+/// unsubscribe its callbacks.
 class ServiceOwner {
 public:
-    /// The event loop calls `changed` when the owner, or its absence, becomes known, and on each
-    /// change. Never called without a bus.
+    /// The event loop calls `changed` once the owner or its absence is known, and on each change.
     ServiceOwner(BusConnection& bus, std::string service, std::function<void()> changed);
 
     /// The owner's unique name: empty if there is none, nothing until the bus answers.

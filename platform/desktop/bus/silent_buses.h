@@ -15,8 +15,7 @@ struct SilentBuses {
     bool system = false;
     bool session = false;
     bool accessibility = false;
-    /// The global menu service, which the toolkit notifies of each menu bar.
-    bool menuRegistrar = false;
+    bool menuRegistrar = false; ///< the global menu, which the toolkit tells of each menu bar
 
     friend bool operator==(const SilentBuses&, const SilentBuses&) = default;
 };
@@ -28,9 +27,8 @@ struct AccessibilitySettings {
 };
 
 struct BusQuestions {
-    BusAddresses addresses; ///< an empty one is not asked
-    /// For programs with a window.
-    std::optional<AccessibilitySettings> accessibility;
+    BusAddresses addresses;                                    ///< an empty one is not asked
+    std::optional<AccessibilitySettings> accessibility;        ///< for programs with a window
     std::chrono::milliseconds limit = std::chrono::seconds(2); ///< for all questions together
     int interruption = -1; ///< a descriptor; stops waiting when it becomes readable
 };
@@ -41,9 +39,8 @@ SilentBuses findSilentBuses(const BusQuestions& questions);
 /// What uses the buses of this process.
 enum class BusUsers { soundAlone, soundAndWindow };
 
-/// Finds the silent buses of this process's environment and removes them from it, so that the
-/// toolkit and the sound library do not wait for them, half a minute or for ever. Call before the
-/// first thread starts and before the toolkit is used. `interruption` as above.
+/// Finds the silent buses of this process's environment and removes them from it, so that no
+/// library waits for them. Call before the first thread starts and before the toolkit is used.
 SilentBuses leaveOutSilentBuses(BusUsers users, int interruption);
 
 } // namespace vantoro::desktop

@@ -3,15 +3,107 @@
 #include "platform/desktop/instance/application_instance.h"
 
 #include <functional>
+#include <string_view>
 #include <utility>
 
 #include <QtCore/QMetaObject>
 #include <QtCore/QTimer>
 #include <QtCore/QtGlobal>
 
+#include <systemd/sd-bus.h>
+
 namespace vantoro::desktop {
 
 namespace {
+
+/// Reads a dictionary entry's value if it is a string; otherwise skips it.
+int readValue(sd_bus_message* call, const char** text) {
+    const char* type = nullptr;
+    const int read = sd_bus_message_peek_type(call, nullptr, &type);
+    if (read < 0) {
+        return read;
+    }
+    return std::string_view(type) == "s" ? sd_bus_message_read(call, "v", "s", text)
+                                         : sd_bus_message_skip(call, "v");
+}
+
+/// Reads the platform data, a dictionary, which holds the token under one of two keys.
+int readToken(sd_bus_message* call, std::string& token) {
+    int read = sd_bus_message_enter_container(call, 'a', "{sv}");
+    while (read >= 0 && (read = sd_bus_message_enter_container(call, 'e', "sv")) > 0) {
+        const char* name = nullptr;
+        const char* text = nullptr;
+        read = sd_bus_message_read(call, "s", &name);
+        if (read >= 0) {
+            read = readValue(call, &text);
+        }
+        if (read >= 0 && text != nullptr &&
+            (std::string_view(name) == "activation-token" ||
+             (std::string_view(name) == "desktop-startup-id" && token.empty()))) {
+            token = text;
+        }
+        if (read >= 0) {
+            read = sd_bus_message_exit_container(call);
+        }
+    }
+    return read < 0 ? read : sd_bus_message_exit_container(call);
+}
+
+int take(sd_bus_message* call, void* argument, std::optional<ApplicationAction> action) {
+    ApplicationRequest request{.action = action, .activationToken = {}};
+    if (const int read = readToken(call, request.activationToken); read < 0) {
+        return read;
+    }
+    (*static_cast<TakeRequest*>(argument))(request);
+    return sd_bus_reply_method_return(call, nullptr);
+}
+
+int activate(sd_bus_message* call, void* argument, sd_bus_error* /*error*/) {
+    return take(call, argument, std::nullopt);
+}
+
+/// The program opens no documents, so this only shows the window.
+int open(sd_bus_message* call, void* argument, sd_bus_error* error) {
+    const int skipped = sd_bus_message_skip(call, "as");
+    return skipped < 0 ? skipped : activate(call, argument, error);
+}
+
+/// The names are those in the desktop entry.
+std::optional<ApplicationAction> actionOf(std::string_view name) {
+    if (name == "start-recording") {
+        return ApplicationAction::startRecording;
+    }
+    if (name == "stop-recording") {
+        return ApplicationAction::stopRecording;
+    }
+    return std::nullopt;
+}
+
+int activateAction(sd_bus_message* call, void* argument, sd_bus_error* error) {
+    const char* name = nullptr;
+    if (const int read = sd_bus_message_read(call, "s", &name); read < 0) {
+        return read;
+    }
+    const auto action = actionOf(name);
+    if (!action) {
+        return sd_bus_error_setf(error, SD_BUS_ERROR_INVALID_ARGS, "there is no action \"%s\"",
+                                 name);
+    }
+    // No action has parameters.
+    const int skipped = sd_bus_message_skip(call, "av");
+    return skipped < 0 ? skipped : take(call, argument, action);
+}
+
+/// Checking the caller would block the main thread, and everybody on the session bus is the user.
+constexpr auto anybody = SD_BUS_VTABLE_UNPRIVILEGED;
+
+const sd_bus_vtable table[] = {
+    SD_BUS_VTABLE_START(0),
+    SD_BUS_METHOD("Activate", "a{sv}", "", activate, anybody),
+    SD_BUS_METHOD("Open", "asa{sv}", "", open, anybody),
+    SD_BUS_METHOD("ActivateAction", "sava{sv}", "", activateAction, anybody),
+    SD_BUS_VTABLE_END,
+};
 
 const BusObject applicationObject{.path = "/com/vantoro/app",
                                   .interface = "org.freedesktop.Application"};
@@ -49,7 +141,7 @@ ApplicationInstance::ApplicationInstance(const std::string& busAddress) : bus_(b
         QMetaObject::invokeMethod(&events_, [this] { deliverRequests(); }, Qt::QueuedConnection);
     };
     const bool asked =
-        bus_.exportObject(applicationObject, applicationTable(), &received_) &&
+        bus_.exportObject(applicationObject, table, &received_) &&
         bus_.requestName(applicationID, [this](std::optional<bool> isOurs) {
             role_.set(!isOurs ? Role::unknown : *isOurs ? Role::first : Role::another);
         });

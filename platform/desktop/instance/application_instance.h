@@ -23,23 +23,16 @@ constexpr const char* applicationID = "com.vantoro.app";
 enum class ApplicationAction : std::uint8_t { startRecording, stopRecording };
 
 struct ApplicationRequest {
-    /// Absent to show the window.
-    std::optional<ApplicationAction> action;
-    /// Lets the program bring its window to the front; may be empty.
-    std::string activationToken;
+    std::optional<ApplicationAction> action; ///< absent to show the window
+    std::string activationToken;             ///< to bring the window to the front; may be empty
 
     friend bool operator==(const ApplicationRequest&, const ApplicationRequest&) = default;
 };
 
 using TakeRequest = std::function<void(const ApplicationRequest& request)>;
 
-/// The methods of the program's object on the bus (org.freedesktop.Application), which pass on the
-/// requests of the desktop and of other runs to a `TakeRequest`. Main thread.
-const sd_bus_vtable* applicationTable();
-
-/// One run of the program among those in the same session. The first run owns the program's name on
-/// the session bus. The others ask it to show its window, and the desktop asks it to carry out
-/// actions. Main thread.
+/// One run of the program among those in the session. The first owns the program's name on the
+/// session bus; the others ask it to show its window, and the desktop to act. Main thread.
 class ApplicationInstance {
 public:
     enum class Role : std::uint8_t {
@@ -64,12 +57,10 @@ public:
                        std::function<void(bool isShown)> answered);
 
 private:
-    /// A value that is reported when it arrives, or at a deadline.
     template <class Value>
     class Answer {
     public:
-        /// The event loop calls `callback` with the value, or with `otherwise` when `patience` is
-        /// over.
+        /// The event loop calls `callback` with the value, or after `patience` with `otherwise`.
         void await(std::chrono::milliseconds patience, Value otherwise,
                    std::function<void(Value)> callback);
         /// Only the first call counts.
@@ -92,8 +83,7 @@ private:
     BusConnection bus_;
 };
 
-/// The activation token that this process was started with; empty for none. Read it before the
-/// toolkit consumes it.
+/// What this process was started with; empty for none. Read it before the toolkit consumes it.
 std::string activationTokenOfThisStart();
 
 } // namespace vantoro::desktop

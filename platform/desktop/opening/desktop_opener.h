@@ -20,12 +20,10 @@ namespace vantoro::desktop {
 struct OpenerSurroundings {
     std::string sessionBus = standardBusAddresses().session;
     std::filesystem::path sandboxDescription = "/.flatpak-info";
-    /// The desktop's names, colon-separated.
+    // Colon-separated: the desktop's names, and the folders to search for programs.
     std::string desktops = qgetenv("XDG_CURRENT_DESKTOP").toStdString();
-    /// The folders to search for programs, colon-separated.
     std::string searchPath = qgetenv("PATH").toStdString();
-    /// The URL of a page about permissions, for desktops without such settings; if empty, the
-    /// installed page.
+    /// The URL of a page for desktops without permission settings; if empty, the installed one.
     std::string helpPage;
     /// How long to wait for one service before trying the next option.
     std::chrono::milliseconds limit = std::chrono::seconds(10);
@@ -33,16 +31,12 @@ struct OpenerSurroundings {
 
 /// An opener for Linux desktops. Works on its own threads; requests do not wait for each other.
 /// Reports failures on standard error.
-///
-/// Inside a sandbox it uses only the portal; otherwise the user's default applications and the file
-/// manager.
 class DesktopOpener final : public Opener {
 public:
     explicit DesktopOpener(OpenerSurroundings surroundings = {});
     DesktopOpener(const DesktopOpener&) = delete;
     DesktopOpener& operator=(const DesktopOpener&) = delete;
-    /// Cancels pending requests; may wait for the disk, but not for a service. Started programs
-    /// keep running.
+    /// Cancels what is pending; may wait for the disk, not for a service. Programs keep running.
     ~DesktopOpener() override;
 
     void open(const std::filesystem::path& file) override;

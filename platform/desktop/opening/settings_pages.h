@@ -11,8 +11,7 @@ namespace vantoro::desktop {
 using CommandLine = std::vector<std::string>;
 
 /// Programs that show the recording settings, best first; some may not be installed. Empty for an
-/// unknown permission. `desktops`: the names of the desktop and those it derives from,
-/// colon-separated.
+/// unknown permission. `desktops`: the desktop's names, most specific first, colon-separated.
 std::vector<CommandLine> privacySettingsPages(const std::string& desktops,
                                               const std::string& anchor);
 

@@ -34,9 +34,8 @@ microphoneFacts(const std::string& sessionBus,
                 const std::filesystem::path& sandboxDescription = standardSandboxDescription,
                 std::chrono::milliseconds limit = answerLimit);
 
-/// The desktop's decision about the microphone, read anew at each call. Any thread. If the
-/// desktop's services do not answer, blocks for at most twice the limit, about a second, plus the
-/// time of the two given functions.
+/// The desktop's decision about the microphone, read anew at each call. Any thread; blocks for at
+/// most twice the limit, plus the time of the two given functions.
 class DesktopMicrophoneAccess final : public MicrophoneAccess {
 public:
     /// `openMicrophone` records for a moment, which makes a sandbox prompt its user; true if that

@@ -16,9 +16,9 @@ enum class StoredPermission : std::uint8_t { undecided, granted, refused };
 /// undecided.
 StoredPermission storedPermission(const std::vector<std::string>& words);
 
-/// The portal's information about the microphone, from the session bus at the given address. Each
-/// call takes at most `limit` in total; no answer counts as no restriction and no decision. Any
-/// thread.
+// What the portal says about the microphone, on the session bus at the given address. No answer
+// within `limit` counts as no restriction and no decision. Any thread.
+
 constexpr std::chrono::milliseconds answerLimit{500};
 
 /// Asks the portal's running backends; starts none.

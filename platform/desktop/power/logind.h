@@ -14,8 +14,7 @@
 
 namespace vantoro::desktop {
 
-/// A logind inhibitor lock. Released as soon as its last owner drops it, even if logind has not
-/// answered yet.
+/// An inhibitor lock. Released when its last owner drops it, even before logind has answered.
 struct LogindInhibitor {
     std::string what;
     std::string reason;
@@ -25,17 +24,16 @@ struct LogindInhibitor {
 
 constexpr const char* loginManagerService = "org.freedesktop.login1";
 
-/// The method that takes an inhibitor lock, on the login manager with this unique bus name. Its
-/// arguments: what, who, the reason, and the mode. The reply holds the lock; keep a duplicate.
+/// Takes an inhibitor lock on the login manager with this unique bus name. Arguments: what, who,
+/// the reason, and the mode. The reply holds the lock; keep a duplicate.
 BusMethod inhibition(const std::string& owner);
 
-/// The login manager, whichever process owns its name; it may appear or restart at any time. Main
-/// thread.
+/// The login manager, which may appear or restart at any time. Main thread.
 class Logind {
 public:
-    /// Both are called by the bus. `prepareForSleep`: true before sleep, false after it.
-    /// `prepareForShutdown`: true before a shutdown or restart, false if that is cancelled. Destroy
-    /// this together with the bus, which cannot unsubscribe its callbacks.
+    /// The bus calls `prepareForSleep` with true before sleep and false after it, and
+    /// `prepareForShutdown` with true before a shutdown or restart and false if that is cancelled.
+    /// Destroy this with the bus, which cannot unsubscribe its callbacks.
     Logind(BusConnection& systemBus, std::function<void(bool)> prepareForSleep,
            std::function<void(bool)> prepareForShutdown);
 

@@ -17,8 +17,8 @@ namespace vantoro::desktop {
 /// lock and turn off. Main thread.
 class PortalInhibition {
 public:
-    /// The event loop calls `refused` once, if there is no portal, it refuses, or it does not
-    /// answer within `patience`. A later grant still takes effect. The bus must outlive this.
+    /// The event loop calls `refused` once, if the portal is missing, refuses, or does not answer
+    /// within `patience`. A later grant still takes effect. The bus must outlive this.
     PortalInhibition(BusConnection& sessionBus, const std::string& reason,
                      std::chrono::milliseconds patience, std::function<void()> refused);
     PortalInhibition(const PortalInhibition&) = delete;

@@ -2,7 +2,7 @@
 
 #include "platform/desktop/power/power_management.h"
 
-#include <set>
+#include <map>
 #include <utility>
 
 #include <QtCore/QByteArray>
@@ -15,85 +15,62 @@
 
 namespace vantoro::desktop {
 
-/// Runs callbacks from the event loop, since each may destroy everything, this included.
-class DesktopPowerManagement::Observation final : public PowerObservation {
-public:
-    Observation(std::shared_ptr<Services> services, std::function<void()> willSleep,
-                std::function<void()> didWake);
-    Observation(const Observation&) = delete;
-    Observation& operator=(const Observation&) = delete;
-    ~Observation() override;
-
-    void notify(bool sleeping) {
-        QMetaObject::invokeMethod(&observed_, sleeping ? willSleep_ : didWake_,
-                                  Qt::QueuedConnection);
-    }
-
-private:
-    std::shared_ptr<Services> services_;
-    std::function<void()> willSleep_;
-    std::function<void()> didWake_;
-    QObject observed_; // cancels pending callbacks on destruction
-};
-
 /// Shared by all observations and holds; the last one destroys it.
-class DesktopPowerManagement::Services {
-public:
+struct DesktopPowerManagement::Services {
     explicit Services(const BusAddresses& buses)
-        : systemBus_(buses.system),
-          sessionBus_(buses.session),
-          logind_(
-              systemBus_, [this](bool sleeping) { notify(sleeping); },
+        : systemBus(buses.system),
+          sessionBus(buses.session),
+          logind(
+              systemBus, [this](bool sleeping) { notify(sleeping); },
               [this](bool shuttingDown) {
                   if (shuttingDown) { // cancelled, so there is nothing to do
                       notify(true);
                   }
               }) {}
 
-    Logind& logind() { return logind_; }
-
-    BusConnection& sessionBus() { return sessionBus_; }
-
-    void add(Observation* observation) { observations_.insert(observation); }
-
-    void remove(Observation* observation) { observations_.erase(observation); }
-
-private:
     void notify(bool sleeping) {
-        for (auto* const observation : observations_) {
-            observation->notify(sleeping);
+        for (const auto& [observation, tell] : observations) {
+            tell(sleeping);
         }
     }
 
-    BusConnection systemBus_;
-    BusConnection sessionBus_;
-    std::set<Observation*> observations_;
-    Logind logind_;
+    BusConnection systemBus;
+    BusConnection sessionBus;
+    std::map<const PowerObservation*, std::function<void(bool sleeping)>> observations;
+    Logind logind;
 };
 
-DesktopPowerManagement::Observation::Observation(std::shared_ptr<Services> services,
-                                                 std::function<void()> willSleep,
-                                                 std::function<void()> didWake)
-    : services_(std::move(services)),
-      willSleep_(std::move(willSleep)),
-      didWake_(std::move(didWake)) {
-    services_->add(this);
-}
+/// Runs callbacks from the event loop, since each may destroy everything, this included.
+class DesktopPowerManagement::Observation final : public PowerObservation {
+public:
+    Observation(std::shared_ptr<Services> services, std::function<void()> willSleep,
+                std::function<void()> didWake)
+        : services_(std::move(services)) {
+        services_->observations.emplace(this, [this, willSleep, didWake](bool sleeping) {
+            QMetaObject::invokeMethod(&observed_, sleeping ? willSleep : didWake,
+                                      Qt::QueuedConnection);
+        });
+    }
 
-DesktopPowerManagement::Observation::~Observation() {
-    services_->remove(this);
-}
+    Observation(const Observation&) = delete;
+    Observation& operator=(const Observation&) = delete;
+
+    ~Observation() override { services_->observations.erase(this); }
+
+private:
+    std::shared_ptr<Services> services_;
+    QObject observed_; // cancels pending callbacks on destruction
+};
 
 class DesktopPowerManagement::Hold final : public SleepHold {
 public:
     Hold(std::shared_ptr<Services> services, const std::string& reason,
          std::chrono::milliseconds portalPatience)
         : services_(std::move(services)),
-          sleep_(services_->logind().inhibit("sleep", reason, "delay")),
-          shutdown_(services_->logind().inhibit("shutdown", reason, "delay")),
-          portal_(services_->sessionBus(), reason, portalPatience, [this, reason] {
-              idle_ = services_->logind().inhibit("idle", reason, "block");
-          }) {}
+          sleep_(services_->logind.inhibit("sleep", reason, "delay")),
+          shutdown_(services_->logind.inhibit("shutdown", reason, "delay")),
+          portal_(services_->sessionBus, reason, portalPatience,
+                  [this, reason] { idle_ = services_->logind.inhibit("idle", reason, "block"); }) {}
 
 private:
     std::shared_ptr<Services> services_;

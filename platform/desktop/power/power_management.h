@@ -12,10 +12,8 @@
 namespace vantoro::desktop {
 
 /// Sleep through the login manager and the desktop portal. A shutdown is held off, and reported, as
-/// a sleep without a wake. Without these services nothing is observed or held off.
-///
-/// Never blocks the main thread, and wakes it only if there is work. The returned objects may
-/// outlive this and keep working.
+/// a sleep without a wake. Without these services nothing is observed or held off. Never blocks,
+/// and wakes the main thread only for work. The returned objects may outlive this.
 class DesktopPowerManagement final : public PowerManagement {
 public:
     /// `portalPatience`: how long to wait for the portal before asking the login manager instead.
@@ -28,7 +26,7 @@ public:
     std::unique_ptr<SleepHold> holdOffSleep(const std::string& reason) override;
 
 private:
-    class Services;
+    struct Services;
     class Observation;
     class Hold;
 

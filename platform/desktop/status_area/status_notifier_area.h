@@ -23,12 +23,11 @@ std::vector<BusArgument> panelProperty();
 /// True if the reply says so, or does not say: then the watcher is taken for part of a panel.
 bool mayHavePanel(BusMessage& reply);
 
-/// The status area of desktops with a watcher for status notifier items. Available while the
-/// watcher has a panel that shows them. Main thread; never waits for the bus.
+/// Available while a watcher for status notifier items has a panel that shows them. Main thread;
+/// never waits for the bus.
 class StatusNotifierArea final : public StatusArea {
 public:
-    /// `busAddress`: of the session bus; empty for none. On a bus that hangs, availability stays
-    /// unknown.
+    /// Address of the session bus; empty for none. If it hangs, availability stays unknown.
     explicit StatusNotifierArea(std::string busAddress);
 
     std::unique_ptr<StatusItem> makeItem(StatusItemTraits traits) override;

@@ -32,12 +32,8 @@ struct StatusNotifierObject {
     std::string none; ///< icon names, which are not used
 };
 
-/// The interface's methods, properties and signals, for a `StatusNotifierObject`.
-const sd_bus_vtable* statusNotifierTable();
-
-/// One status notifier item (org.kde.StatusNotifierItem), on its own session bus connection,
-/// because panels identify items by bus name. Registers with the current watcher and each later
-/// one. Main thread.
+/// One status notifier item (org.kde.StatusNotifierItem), on its own session bus connection, since
+/// panels identify items by bus name. Registers with each watcher that comes. Main thread.
 class StatusNotifierItem final : public StatusItem {
 public:
     /// Between two signals: at most 15 per second.
