@@ -40,10 +40,10 @@ enum class FailureCode : std::uint8_t {
     recordingNotFinished,
     noSoundWritten,
     recordingDamaged, ///< argument: where, for developers
-    // Coding
-    coderMissing,
+    // Encoding and decoding
+    encoderMissing,
     decoderMissing,
-    codingFailed, ///< argument: what the library says, for developers
+    codecFailed, ///< argument: what the library says, for developers
     // Parts of the program that it loads late
     partNotLoaded, ///< argument: the loader's words
     programUpdated,

@@ -13,7 +13,7 @@
 
 #include "fuzz/guarantee.h"
 #include "fuzz/sparse_file.h"
-#include "media/coding/aac.h"
+#include "media/codec/aac.h"
 #include "media/movie/movie.h"
 #include "media/movie/movie_codecs.h"
 #include "media/movie/packet_reader.h"
@@ -44,8 +44,8 @@ std::shared_ptr<const Movie> open(std::unique_ptr<SparseFile> file) {
     }
     require(movie->codecs.size() == movie->scan.tracks.size(), "each track has its place");
     for (const auto& codec : movie->codecs) {
-        require(!codec || (codec->channels > 0 && codec->coderConfiguration.size() > 1 &&
-                           codec->coderConfiguration.size() < size),
+        require(!codec || (codec->channels > 0 && codec->decoderConfiguration.size() > 1 &&
+                           codec->decoderConfiguration.size() < size),
                 "what a track's decoder is told lies in the file");
     }
     return movie;

@@ -10,7 +10,7 @@
 #include "fuzz/guarantee.h"
 #include "fuzz/sparse_file.h"
 #include "media/boxes/box_reader.h"
-#include "media/coding/aac.h"
+#include "media/codec/aac.h"
 #include "media/movie/fragment_parser.h"
 #include "media/movie/movie_scan.h"
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 // Measures the cost of exporting a recording, compared with the `ffmpeg` program making the same
-// mix with its default and its fast coder; the cost of salvaging it; and how peak memory grows with
-// the length.
+// mix with its default and its fast encoder; the cost of salvaging it; and how peak memory grows
+// with the length.
 
 #include <cstdlib>
 #include <exception>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-// Measures the cost of coding in segments at their seams: the noise around each seam compared with
-// that of a single coder, and whether each packet's window may follow the previous one.
+// Measures the cost of encoding in segments at their seams: the noise around each seam compared
+// with that of a single encoder, and whether each packet's window may follow the previous one.
 // Usage: seam_benchmark MINUTES
 
 #include <algorithm>
@@ -20,8 +20,8 @@
 
 #include "bench/support/table.h"
 #include "bench/support/test_movie.h"
-#include "media/mix/parallel_coding.h"
-#include "platform/ffmpeg/ffmpeg_coding.h"
+#include "media/mix/parallel_encoding.h"
+#include "platform/ffmpeg/ffmpeg_codec.h"
 #include "platform/posix/posix_file_system.h"
 #include "tests/support/temporary_folder.h"
 
@@ -41,24 +41,24 @@ Packets codedInSegments(const Mix& mix) {
     SegmentSplicer splicer([&](std::span<const std::byte> packet) {
         packets.emplace_back(packet.begin(), packet.end());
     });
-    codeInParallel(ffmpeg::coding(), mix, 0, 2, splicer, {}, {});
+    encodeInParallel(ffmpeg::codec(), mix, 0, 2, splicer, {}, {});
     return packets;
 }
 
 Packets codedByOne(const Mix& mix) {
     Packets packets;
-    AacEncoder coder = makeMixCoder(ffmpeg::coding());
+    AacEncoder encoder = makeMixEncoder(ffmpeg::codec());
     const PacketSink keep = [&](const AacPacket& packet) {
         const auto bytes = std::as_bytes(std::span(packet.bytes));
         packets.emplace_back(bytes.begin(), bytes.end());
     };
-    Mixer mixer(ffmpeg::coding(), mix, 0);
+    Mixer mixer(ffmpeg::codec(), mix, 0);
     for (std::int64_t left = framesOf(mix); left > 0; left -= packetFrames) {
-        mixer.read({.left = coder.plane(0).first<packetFrames>(),
-                    .right = coder.plane(1).first<packetFrames>()});
-        coder.encode(static_cast<int>(std::min<std::int64_t>(packetFrames, left)), keep);
+        mixer.read({.left = encoder.plane(0).first<packetFrames>(),
+                    .right = encoder.plane(1).first<packetFrames>()});
+        encoder.encode(static_cast<int>(std::min<std::int64_t>(packetFrames, left)), keep);
     }
-    coder.finish(keep);
+    encoder.finish(keep);
     return packets;
 }
 
@@ -71,12 +71,12 @@ double energyOfDifference(std::span<const float> one, std::span<const float> oth
     return sum;
 }
 
-/// The energy of the coding noise around a seam.
+/// The energy of the encoding noise around a seam.
 double noiseAbout(std::int64_t seam, const Packets& packets, const Mix& mix) {
     const std::int64_t first = seam - packetsAboutSeam;
     const std::int64_t last = seam + packetsAfterSegment + packetsAboutSeam;
-    const auto decoder = ffmpeg::coding().makeDecoder(makeMixCoder(ffmpeg::coding()).track());
-    Mixer mixer(ffmpeg::coding(), mix, first - 1); // the first packet is the priming
+    const auto decoder = ffmpeg::codec().makeDecoder(makeMixEncoder(ffmpeg::codec()).track());
+    Mixer mixer(ffmpeg::codec(), mix, first - 1); // the first packet is the priming
     std::array<float, packetFrames> left{};
     std::array<float, packetFrames> right{};
     double noise = 0;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-// Prints the processor seconds that coding a recording's sound takes.
+// Prints the processor seconds that encoding a recording's sound takes.
 // Usage: coding_alone SYSTEM MICROPHONE; files of 32-bit float at 48 kHz, the system's interleaved
 // stereo, the microphone's mono.
 
@@ -15,30 +15,30 @@
 #include <vector>
 
 #include "bench/support/samples.h"
-#include "media/coding/aac.h"
-#include "media/coding/aac_encoder.h"
-#include "platform/ffmpeg/ffmpeg_coding.h"
+#include "media/codec/aac.h"
+#include "media/codec/aac_encoder.h"
+#include "platform/ffmpeg/ffmpeg_codec.h"
 
 namespace vantoro::bench {
 
 namespace {
 
-void code(std::span<const float> samples, int channels, int bitRate) {
-    media::AacEncoder coder(ffmpeg::coding(), channels, bitRate);
+void encode(std::span<const float> samples, int channels, int bitRate) {
+    media::AacEncoder encoder(ffmpeg::codec(), channels, bitRate);
     std::uint64_t bytes = 0;
     const auto count = [&bytes](const media::AacPacket& packet) { bytes += packet.bytes.size(); };
     const auto stride = static_cast<std::size_t>(channels);
     const std::size_t packetSamples = stride * media::packetFrames;
     for (; samples.size() >= packetSamples; samples = samples.subspan(packetSamples)) {
         for (std::size_t channel = 0; channel < stride; ++channel) {
-            const auto plane = coder.plane(static_cast<int>(channel));
+            const auto plane = encoder.plane(static_cast<int>(channel));
             for (std::size_t frame = 0; frame < plane.size(); ++frame) {
                 plane[frame] = samples[(frame * stride) + channel];
             }
         }
-        coder.encode(media::packetFrames, count);
+        encoder.encode(media::packetFrames, count);
     }
-    coder.finish(count);
+    encoder.finish(count);
     if (bytes == 0) {
         throw std::runtime_error("nothing was coded");
     }
@@ -48,8 +48,8 @@ void measure(const char* systemPath, const char* microphonePath) {
     const auto system = readSamples(systemPath);
     const auto microphone = readSamples(microphonePath);
     const std::clock_t begin = std::clock();
-    code(system, 2, 192000);
-    code(microphone, 1, 96000);
+    encode(system, 2, 192000);
+    encode(microphone, 1, 96000);
     std::cout << static_cast<double>(std::clock() - begin) / CLOCKS_PER_SEC << '\n';
 }
 

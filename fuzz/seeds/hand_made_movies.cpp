@@ -7,7 +7,7 @@
 
 #include "fuzz/seeds/hand_made_descriptions.h"
 #include "media/boxes/box_writer.h"
-#include "media/coding/aac.h"
+#include "media/codec/aac.h"
 
 namespace vantoro::fuzz {
 
@@ -233,8 +233,9 @@ std::vector<Seed> oddSizes() {
     seeds.push_back({"as-many-packets-as-can-be",
                      largeContent(90'000'000'000, {.count = 65536, .size = 0, .begin = 16}, 65536),
                      largestTail});
-    seeds.push_back({"large-header-of-zeros",
-                     make([](BoxWriter& movie) { movie.box("moov", [] {}, (1U << 20U) - 8); }),
+    seeds.push_back({"large-header-of-zeros", make([](BoxWriter& movie) {
+                         movie.box("moov", [&] { movie.leaveOut((1U << 20U) - 8); });
+                     }),
                      21});
     seeds.push_back({"nothing-but-zeros", {}, largestTail});
     return seeds;
@@ -267,7 +268,10 @@ std::vector<Seed> impossibleMovies() {
                          movie.box("mdat", [] {});
                      })});
     seeds.push_back({"overlapping-boxes", afterHeader([](BoxWriter& movie) {
-                         movie.box("moof", [&] { writePart(movie, {}, 64); }, 8);
+                         movie.box("moof", [&] {
+                             writePart(movie, {}, 64);
+                             movie.leaveOut(8);
+                         });
                          movie.box("mdat", [&] { movie.zeros(16); });
                      })});
     return seeds;

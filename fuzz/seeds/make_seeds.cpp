@@ -19,7 +19,7 @@
 
 #include "fuzz/seeds/hand_made_movies.h"
 #include "media/writing/movie_writer.h"
-#include "platform/ffmpeg/ffmpeg_coding.h"
+#include "platform/ffmpeg/ffmpeg_codec.h"
 #include "tests/media/support/movie_recording.h"
 #include "tests/support/memory_file_system.h"
 
@@ -36,7 +36,7 @@ constexpr std::int64_t fragmentFrames = 4800;
 /// A finished movie with fragments of a tenth of a second.
 Bytes record(const std::vector<TrackFormat>& tracks, int fragments, const Sound& sound) {
     MemoryFileSystem files;
-    media::MovieWriter writer(ffmpeg::coding(), files, "movie.mov",
+    media::MovieWriter writer(ffmpeg::codec(), files, "movie.mov",
                               {.first = {1, 10}, .others = {1, 10}});
     std::vector<RecordingTrack*> written;
     written.reserve(tracks.size());

@@ -41,14 +41,14 @@ public:
         }
     }
 
-    /// `following`: how many bytes of the box are written later.
     template <class Content>
-    void box(std::string_view type, const Content& content, std::uint64_t following = 0) {
+    void box(std::string_view type, const Content& content) {
         const std::size_t begin = bytes_.size();
+        const std::uint64_t leftOutBefore = leftOut_;
         u32(0);
         text(type);
         content();
-        const std::uint64_t size = bytes_.size() - begin + following;
+        const std::uint64_t size = bytes_.size() - begin + leftOut_ - leftOutBefore;
         for (std::size_t i = 0; i < 4; ++i) {
             bytes_[begin + i] = static_cast<std::byte>(size >> (24 - 8 * i));
         }
@@ -56,18 +56,19 @@ public:
 
     /// A box with a version and flags.
     template <class Content>
-    void fullBox(std::string_view type, std::uint32_t versionAndFlags, const Content& content,
-                 std::uint64_t following = 0) {
-        box(
-            type,
-            [&] {
-                u32(versionAndFlags);
-                content();
-            },
-            following);
+    void fullBox(std::string_view type, std::uint32_t versionAndFlags, const Content& content) {
+        box(type, [&] {
+            u32(versionAndFlags);
+            content();
+        });
     }
 
-    std::vector<std::byte> take() { return std::move(bytes_); }
+    /// Counts bytes as part of the current boxes that the caller writes after all others.
+    void leaveOut(std::uint64_t count) { leftOut_ += count; }
+
+    std::size_t size() const noexcept { return bytes_.size(); }
+
+    std::vector<std::byte> take() { return std::exchange(bytes_, {}); }
 
 private:
     void bigEndian(std::uint64_t value, unsigned size) {
@@ -77,6 +78,7 @@ private:
     }
 
     std::vector<std::byte> bytes_;
+    std::uint64_t leftOut_ = 0;
 };
 
 } // namespace vantoro::media

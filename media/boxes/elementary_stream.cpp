@@ -76,7 +76,7 @@ ElementaryStream readElementaryStream(ByteSpan content) {
     skipStreamFields(stream);
     ByteReader decoder(takeDescriptor(stream, tag::decoder));
     ElementaryStream result;
-    result.coding = decoder.u8();
+    result.objectType = decoder.u8();
     decoder.skip(8); // stream type, buffer size, maximum bit rate
     result.bitRate = decoder.u32();
     result.configuration = takeDescriptor(decoder, tag::configuration);
@@ -86,14 +86,14 @@ ElementaryStream readElementaryStream(ByteSpan content) {
 void writeElementaryStream(BoxWriter& out, const AacTrack& track, std::uint64_t streamNumber,
                            std::uint64_t maxPacketBytes) {
     constexpr std::uint64_t header = 5;
-    const std::uint64_t configuration = track.coderConfiguration.size();
-    const std::uint64_t coding = 13 + header + configuration;
+    const std::uint64_t configuration = track.decoderConfiguration.size();
+    const std::uint64_t decoder = 13 + header + configuration;
     const auto bitRate = static_cast<std::uint64_t>(track.bitRate);
     out.fullBox("esds", 0, [&] {
-        writeDescriptor(out, 3, 3 + header + coding + header + 1);
+        writeDescriptor(out, 3, 3 + header + decoder + header + 1);
         out.u16(streamNumber);
         out.u8(0);
-        writeDescriptor(out, 4, coding);
+        writeDescriptor(out, 4, decoder);
         out.u8(0x40); // MPEG-4 audio
         out.u8(0x15); // audio stream
         out.u8(maxPacketBytes >> 16U);
@@ -101,7 +101,7 @@ void writeElementaryStream(BoxWriter& out, const AacTrack& track, std::uint64_t 
         out.u32(bitRate); // maximum
         out.u32(bitRate); // average
         writeDescriptor(out, 5, configuration);
-        out.bytes(track.coderConfiguration);
+        out.bytes(track.decoderConfiguration);
         writeDescriptor(out, 6, 1);
         out.u8(2);
     });

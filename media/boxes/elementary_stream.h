@@ -6,15 +6,15 @@
 
 #include "media/boxes/box_reader.h"
 #include "media/boxes/box_writer.h"
-#include "media/coding/aac_track.h"
+#include "media/codec/aac.h"
 
 namespace vantoro::media {
 
 /// A track's decoder parameters.
 struct ElementaryStream {
-    std::uint8_t coding = 0;   ///< object type
-    std::uint32_t bitRate = 0; ///< bits per second, average
-    ByteSpan configuration;    ///< decoder-specific; borrowed from the content read
+    std::uint8_t objectType = 0; ///< of the codec
+    std::uint32_t bitRate = 0;   ///< bits per second, average
+    ByteSpan configuration;      ///< decoder-specific; borrowed from the content read
 };
 
 /// Reads the content of an `esds` box: descriptors nested to a fixed depth, each visited once.

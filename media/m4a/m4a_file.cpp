@@ -2,13 +2,14 @@
 
 #include "media/m4a/m4a_file.h"
 
-#include <array>
-#include <bit>
 #include <limits>
 #include <stdexcept>
 #include <utility>
 
-#include "media/coding/aac.h"
+#include "media/boxes/box_reader.h"
+#include "media/m4a/m4a_index.h"
+#include "media/movie/packet_reader.h"
+#include "media/movie/stopping.h"
 
 namespace vantoro::media {
 
@@ -18,29 +19,20 @@ namespace {
 constexpr std::size_t bufferSize = 1U << 20U;
 constexpr std::size_t contentHeaderSize = 16;
 
-template <class Number>
-std::array<std::byte, sizeof(Number)> bigEndian(Number value) {
-    if constexpr (std::endian::native == std::endian::little) {
-        value = std::byteswap(value);
-    }
-    return std::bit_cast<std::array<std::byte, sizeof(Number)>>(value);
-}
-
 } // namespace
 
 M4aFile::M4aFile(OutputFile& file, AacTrack track, std::int64_t expectedFrames)
     : file_(file), track_(std::move(track)) {
-    buffer_.reserve(bufferSize);
     // Growing by doubling would take more memory than the table itself.
     const auto packets = (static_cast<std::size_t>(expectedFrames) / packetFrames) + 3;
     packetSizes_.reserve(packets);
     chunkOffsets_.reserve((packets / packetsPerChunk) + 1);
-    put(m4aFileType());
+    buffer_.bytes(m4aFileType());
     contentStart_ = buffer_.size();
     constexpr std::uint32_t sizeIsLarge = 1;
-    put(bigEndian(sizeIsLarge));
-    put(std::as_bytes(std::span("mdat", 4)));
-    put(bigEndian(std::uint64_t{contentHeaderSize})); // set by `finish`
+    buffer_.u32(sizeIsLarge);
+    buffer_.text("mdat");
+    buffer_.u64(contentHeaderSize); // set by `finish`
 }
 
 void M4aFile::add(std::span<const std::byte> packet) {
@@ -64,25 +56,53 @@ void M4aFile::finish(std::int64_t frames) {
     const std::uint64_t contentEnd = written_ + buffer_.size();
     put(m4aIndex(track_, frames, packetSizes_.size(), chunkOffsets_));
     for (const auto size : packetSizes_) {
-        put(bigEndian(std::uint32_t{size}));
+        makeRoomFor(4);
+        buffer_.u32(size);
     }
     flush();
-    file_.writeAt(contentStart_ + 8, bigEndian(contentEnd - contentStart_));
+    buffer_.u64(contentEnd - contentStart_);
+    file_.writeAt(contentStart_ + 8, buffer_.take());
     file_.sync();
     file_.close();
 }
 
 void M4aFile::put(std::span<const std::byte> bytes) {
-    if (bytes.size() > bufferSize - buffer_.size()) {
+    makeRoomFor(bytes.size());
+    buffer_.bytes(bytes);
+}
+
+void M4aFile::makeRoomFor(std::size_t bytes) {
+    if (buffer_.size() + bytes > bufferSize) {
         flush();
     }
-    buffer_.insert(buffer_.end(), bytes.begin(), bytes.end());
 }
 
 void M4aFile::flush() {
-    file_.writeAt(written_, buffer_);
-    written_ += buffer_.size();
-    buffer_.clear();
+    const auto bytes = buffer_.take();
+    file_.writeAt(written_, bytes);
+    written_ += bytes.size();
+}
+
+void copyPackets(const std::shared_ptr<const Movie>& movie, std::size_t track, std::int64_t frames,
+                 M4aFile& file, const ExportProgress& progress, const std::stop_token& stop) {
+    constexpr std::int64_t progressInterval = 1000;
+    const std::int64_t count = 1 + ((frames + packetFrames - 1) / packetFrames);
+    PacketReader packets(movie, track);
+    packets.seek(0);
+    for (std::int64_t done = 0; done < count; ++done) {
+        const auto packet = packets.next();
+        if (!packet || packet->empty()) {
+            throw DamagedMovie("the file is shorter than before");
+        }
+        file.add(*packet);
+        if (done % progressInterval != 0) {
+            continue;
+        }
+        throwIfStopped(stop);
+        if (progress) {
+            progress(static_cast<double>(done) / static_cast<double>(count));
+        }
+    }
 }
 
 } // namespace vantoro::media

@@ -4,11 +4,16 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <span>
+#include <stop_token>
 #include <vector>
 
 #include "engine/ports/file_system.h"
-#include "media/m4a/m4a_index.h"
+#include "engine/ports/recording.h"
+#include "media/boxes/box_writer.h"
+#include "media/codec/aac.h"
+#include "media/movie/movie.h"
 
 namespace vantoro::media {
 
@@ -29,15 +34,22 @@ public:
 
 private:
     void put(std::span<const std::byte> bytes);
+    void makeRoomFor(std::size_t bytes);
     void flush();
 
     OutputFile& file_;
     AacTrack track_;
-    std::vector<std::byte> buffer_; // to be written
+    BoxWriter buffer_; // to be written
     std::uint64_t written_ = 0;
     std::uint64_t contentStart_ = 0; // offset of the packets' box
     std::vector<std::uint16_t> packetSizes_;
     std::vector<std::uint64_t> chunkOffsets_;
 };
+
+/// Copies the priming and the first `frames` of an intact movie's track without re-encoding:
+/// lossless, and a fraction of a second for an hour. Throws DamagedMovie if the movie has changed,
+/// what either file throws, and std::errc::operation_canceled on a stop request.
+void copyPackets(const std::shared_ptr<const Movie>& movie, std::size_t track, std::int64_t frames,
+                 M4aFile& file, const ExportProgress& progress, const std::stop_token& stop);
 
 } // namespace vantoro::media

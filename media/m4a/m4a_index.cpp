@@ -8,7 +8,7 @@
 
 #include "media/boxes/box_writer.h"
 #include "media/boxes/elementary_stream.h"
-#include "media/coding/aac.h"
+#include "media/codec/aac.h"
 
 namespace vantoro::media {
 
@@ -21,27 +21,20 @@ public:
         : track_(track),
           packetCount_(packetCount),
           chunkOffsets_(chunkOffsets),
-          sizesLength_(4 * packetCount),
           frames_(static_cast<std::uint64_t>(frames)),
-          codedFrames_(std::min<std::uint64_t>(packetCount * std::uint64_t{packetFrames},
-                                               frames_ + primingFrames)),
-          long_(codedFrames_ > std::numeric_limits<std::uint32_t>::max()) {}
+          encodedFrames_(std::min<std::uint64_t>(packetCount * std::uint64_t{packetFrames},
+                                                 frames_ + primingFrames)),
+          long_(encodedFrames_ > std::numeric_limits<std::uint32_t>::max()) {}
 
     std::vector<std::byte> write() {
-        out_.box(
-            "moov",
-            [this] {
-                movieHeader();
-                out_.box(
-                    "trak",
-                    [this] {
-                        trackHeader();
-                        editList();
-                        media();
-                    },
-                    sizesLength_);
-            },
-            sizesLength_);
+        out_.box("moov", [this] {
+            movieHeader();
+            out_.box("trak", [this] {
+                trackHeader();
+                editList();
+                out_.box("mdia", [this] { media(); });
+            });
+        });
         return out_.take();
     }
 
@@ -96,84 +89,65 @@ private:
     }
 
     void media() {
-        out_.box(
-            "mdia",
-            [this] {
-                out_.fullBox("mdhd", version(), [this] {
-                    frames(0);
-                    frames(0);
-                    out_.u32(framesPerSecond);
-                    frames(codedFrames_);
-                    out_.u16(0x55c4); // undetermined language
-                    out_.u16(0);
-                });
-                out_.fullBox("hdlr", 0, [this] {
-                    out_.u32(0);
-                    out_.text("soun");
-                    out_.zeros(12);
-                    out_.text(std::string_view("Sound\0", 6));
-                });
-                mediaInformation();
-            },
-            sizesLength_);
-    }
-
-    void mediaInformation() {
-        out_.box(
-            "minf",
-            [this] {
-                out_.fullBox("smhd", 0, [this] { out_.zeros(4); });
-                out_.box("dinf", [this] {
-                    out_.fullBox("dref", 0, [this] {
-                        out_.u32(1);
-                        out_.fullBox("url ", 1, [] {}); // the content is in this file
-                    });
-                });
-                out_.box(
-                    "stbl",
-                    [this] {
-                        out_.fullBox("stsd", 0, [this] {
-                            out_.u32(1);
-                            coderDescription();
-                        });
-                        packetTables();
-                    },
-                    sizesLength_);
-            },
-            sizesLength_);
-    }
-
-    void coderDescription() {
-        out_.box("mp4a", [this] {
-            out_.zeros(6);
-            out_.u16(1);
-            out_.zeros(8);
-            out_.u16(static_cast<std::uint64_t>(track_.channels));
-            out_.u16(16); // bits per sample, by convention
+        out_.fullBox("mdhd", version(), [this] {
+            frames(0);
+            frames(0);
+            out_.u32(framesPerSecond);
+            frames(encodedFrames_);
+            out_.u16(0x55c4); // undetermined language
+            out_.u16(0);
+        });
+        out_.fullBox("hdlr", 0, [this] {
             out_.u32(0);
-            out_.u32(std::uint64_t{framesPerSecond} << 16U);
-            const auto channels = static_cast<std::uint64_t>(track_.channels);
-            writeElementaryStream(out_, track_, 0, 768 * channels);
+            out_.text("soun");
+            out_.zeros(12);
+            out_.text(std::string_view("Sound\0", 6));
+        });
+        out_.box("minf", [this] {
+            out_.fullBox("smhd", 0, [this] { out_.zeros(4); });
+            out_.box("dinf", [this] {
+                out_.fullBox("dref", 0, [this] {
+                    out_.u32(1);
+                    out_.fullBox("url ", 1, [] {}); // the content is in this file
+                });
+            });
+            out_.box("stbl", [this] { packetTables(); });
         });
     }
 
     void packetTables() {
+        out_.fullBox("stsd", 0, [this] {
+            out_.u32(1);
+            soundDescription();
+        });
         durations();
         preRoll();
         chunks();
         // Last in its parents, so that the caller can append the sizes.
-        out_.fullBox(
-            "stsz", 0,
-            [this] {
-                out_.u32(0);
-                out_.u32(packetCount_);
-            },
-            sizesLength_);
+        out_.fullBox("stsz", 0, [this] {
+            out_.u32(0);
+            out_.u32(packetCount_);
+            out_.leaveOut(4 * packetCount_);
+        });
+    }
+
+    void soundDescription() {
+        out_.box("mp4a", [this] {
+            const auto channels = static_cast<std::uint64_t>(track_.channels);
+            out_.zeros(6);
+            out_.u16(1);
+            out_.zeros(8);
+            out_.u16(channels);
+            out_.u16(16); // bits per sample, by convention
+            out_.u32(0);
+            out_.u32(std::uint64_t{framesPerSecond} << 16U);
+            writeElementaryStream(out_, track_, 0, 768 * channels);
+        });
     }
 
     void durations() {
         const std::uint64_t last =
-            codedFrames_ - ((packetCount_ - 1) * std::uint64_t{packetFrames});
+            encodedFrames_ - ((packetCount_ - 1) * std::uint64_t{packetFrames});
         out_.fullBox("stts", 0, [&] {
             out_.u32(packetCount_ > 1 ? 2 : 1);
             if (packetCount_ > 1) {
@@ -227,9 +201,8 @@ private:
     const AacTrack& track_;
     const std::size_t packetCount_;
     const std::span<const std::uint64_t> chunkOffsets_;
-    const std::uint64_t sizesLength_;
     const std::uint64_t frames_;
-    const std::uint64_t codedFrames_; // including the priming
+    const std::uint64_t encodedFrames_; // including the priming
     const bool long_;
     BoxWriter out_;
 };

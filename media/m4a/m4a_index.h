@@ -7,7 +7,7 @@
 #include <span>
 #include <vector>
 
-#include "media/coding/aac_track.h"
+#include "media/codec/aac.h"
 
 namespace vantoro::media {
 

@@ -4,7 +4,6 @@
 
 #include <exception>
 #include <stdexcept>
-#include <system_error>
 #include <utility>
 
 #include <sys/resource.h>
@@ -28,9 +27,9 @@ bool isMixed(const std::vector<float>& volumes) {
 
 } // namespace
 
-FollowingMix::FollowingMix(const Coding& coding, FileSystem& fileSystem,
+FollowingMix::FollowingMix(const AacCodec& codec, FileSystem& fileSystem,
                            std::filesystem::path movie, IsPowerSaved isPowerSaved)
-    : coding_(coding),
+    : codec_(codec),
       fileSystem_(fileSystem),
       movie_(std::move(movie)),
       isPowerSaved_(std::move(isPowerSaved)),
@@ -133,7 +132,7 @@ void FollowingMix::advance() {
         mix_.reset(); // and free its disk space
     }
     if (!mix_) {
-        mix_ = std::make_unique<GrowingMix>(coding_, fileSystem_, movie_, volumes);
+        mix_ = std::make_unique<GrowingMix>(codec_, fileSystem_, movie_, volumes);
     }
     mix_->advance(stop);
 }
@@ -151,16 +150,6 @@ void FollowingMix::stopFollowing() {
     }
     if (thread_.joinable()) {
         thread_.join();
-    }
-}
-
-std::shared_ptr<FollowingMix> startFollowing(const Coding& coding, FileSystem& fileSystem,
-                                             const std::filesystem::path& movie,
-                                             IsPowerSaved isPowerSaved) {
-    try {
-        return std::make_shared<FollowingMix>(coding, fileSystem, movie, std::move(isPowerSaved));
-    } catch (const std::system_error&) {
-        return nullptr;
     }
 }
 

@@ -29,7 +29,7 @@ public:
     static constexpr std::chrono::seconds settleTime{1};
 
     /// Throws std::system_error if the thread cannot be started.
-    FollowingMix(const Coding& coding, FileSystem& fileSystem, std::filesystem::path movie,
+    FollowingMix(const AacCodec& codec, FileSystem& fileSystem, std::filesystem::path movie,
                  IsPowerSaved isPowerSaved);
     FollowingMix(const FollowingMix&) = delete;
     FollowingMix& operator=(const FollowingMix&) = delete;
@@ -56,7 +56,7 @@ private:
     bool isAffordable() const;
     void stopFollowing();
 
-    const Coding& coding_;
+    const AacCodec& codec_;
     FileSystem& fileSystem_;
     const std::filesystem::path movie_;
     const IsPowerSaved isPowerSaved_;
@@ -73,10 +73,5 @@ private:
     std::unique_ptr<GrowingMix> mix_; // used by the thread while it runs
     std::jthread thread_;             // last, because it uses the above
 };
-
-/// Null if the thread cannot be started.
-std::shared_ptr<FollowingMix> startFollowing(const Coding& coding, FileSystem& fileSystem,
-                                             const std::filesystem::path& movie,
-                                             IsPowerSaved isPowerSaved);
 
 } // namespace vantoro::media

@@ -8,8 +8,8 @@
 
 #include <malloc.h>
 
-#include "media/coding/aac.h"
-#include "media/mix/parallel_coding.h"
+#include "media/codec/aac.h"
+#include "media/mix/parallel_encoding.h"
 #include "media/movie/stopping.h"
 
 namespace vantoro::media {
@@ -27,14 +27,14 @@ std::unique_ptr<OutputFile> unnamedFileBeside(const std::filesystem::path& movie
 
 } // namespace
 
-GrowingMix::GrowingMix(const Coding& coding, FileSystem& fileSystem,
+GrowingMix::GrowingMix(const AacCodec& codec, FileSystem& fileSystem,
                        const std::filesystem::path& movie, const std::vector<float>& volumes)
-    : coding_(coding),
+    : codec_(codec),
       fileSystem_(fileSystem),
       location_(movie),
       movie_(openGrowingMovie(fileSystem, movie)),
       unnamed_(unnamedFileBeside(movie, fileSystem)),
-      file_(*unnamed_, makeMixCoder(coding).track()),
+      file_(*unnamed_, makeMixEncoder(codec).track()),
       splicer_([this](std::span<const std::byte> packet) { file_.add(packet); }) {
     if (volumes.size() != movie_->scan.tracks.size()) {
         throw std::runtime_error("The tracks of the movie have changed.");
@@ -48,17 +48,15 @@ GrowingMix::GrowingMix(const Coding& coding, FileSystem& fileSystem,
 void GrowingMix::advance(const std::stop_token& stop) {
     const std::int64_t frames = readFragments();
     while (frames >= packetFrames && !stop.stop_requested()) {
-        if (!coder_) {
-            coder_.emplace(coding_, mix_, segment_);
+        if (!encoder_) {
+            encoder_.emplace(codec_, mix_, segment_);
         }
-        coder_->code(frames, stop, [] {});
-        if (!coder_->isComplete()) {
+        encoder_->encode(frames, stop, [] {});
+        if (!encoder_->isComplete()) {
             return;
         }
-        splicer_.add(coder_->take());
-        coder_.reset();
-        ++segment_;
-        malloc_trim(0); // or fragmented memory grows with each coder
+        spliceSegment();
+        malloc_trim(0); // or fragmented memory grows with each encoder
         file_.sync();   // so that the end has little to wait for
     }
 }
@@ -83,19 +81,6 @@ std::unique_ptr<OutputFile> GrowingMix::complete(const Mix& mix, unsigned thread
                                                  const ExportProgress& progress,
                                                  const std::stop_token& stop) {
     readFragments();
-    check(mix);
-    if (progress) {
-        progress(0);
-    }
-    if (coder_) {
-        completeSegment(*coder_, mix, stop);
-    }
-    codeInParallel(coding_, mix, segment_, threads, splicer_, progress, stop);
-    file_.finish(framesOf(mix));
-    return std::move(unnamed_);
-}
-
-void GrowingMix::check(const Mix& mix) const {
     const auto isTheSame = [this](const MixedTrack& begun, const MixedTrack& wanted) {
         return wanted.track == begun.track && wanted.frames == framesIn(*movie_, begun.track) &&
                wanted.volume == begun.volume;
@@ -103,15 +88,23 @@ void GrowingMix::check(const Mix& mix) const {
     if (!std::ranges::equal(mix_, mix, isTheSame)) {
         throw std::runtime_error("The mix was requested with other settings.");
     }
+    if (progress) {
+        progress(0);
+    }
+    if (encoder_) {
+        encoder_->setEnd(mix);
+        encoder_->encode(framesOf(mix), stop, [] {});
+        throwIfStopped(stop);
+        spliceSegment();
+    }
+    encodeInParallel(codec_, mix, segment_, threads, splicer_, progress, stop);
+    file_.finish(framesOf(mix));
+    return std::move(unnamed_);
 }
 
-/// Completes the segment that was being coded when the movie ended.
-void GrowingMix::completeSegment(SegmentCoder& coder, const Mix& mix, const std::stop_token& stop) {
-    coder.setEnd(mix);
-    coder.code(framesOf(mix), stop, [] {});
-    throwIfStopped(stop);
-    splicer_.add(coder.take());
-    coder_.reset();
+void GrowingMix::spliceSegment() {
+    splicer_.add(encoder_->take());
+    encoder_.reset();
     ++segment_;
 }
 

@@ -12,20 +12,18 @@
 #include "engine/ports/file_system.h"
 #include "engine/ports/recording.h"
 #include "media/m4a/m4a_file.h"
-#include "media/mix/coded_segment.h"
-#include "media/mix/mixer.h"
-#include "media/movie/movie.h"
+#include "media/mix/encoded_segment.h"
 
 namespace vantoro::media {
 
 /// Mixes a movie that is still being written, fragment by fragment, into an unnamed file. The
 /// result is identical to an export of the finished movie. Used by one thread at a time; every
-/// operation throws what the files and the coder throw, after which only destruction is allowed.
+/// operation throws what the files and the encoder throw, after which only destruction is allowed.
 class GrowingMix {
 public:
     /// The movie has at least one fragment. `volumes`: one per track. Throws std::runtime_error if
     /// the folder does not support unnamed files.
-    GrowingMix(const Coding& coding, FileSystem& fileSystem, const std::filesystem::path& movie,
+    GrowingMix(const AacCodec& codec, FileSystem& fileSystem, const std::filesystem::path& movie,
                const std::vector<float>& volumes);
 
     /// Mixes the fragments so far. Returns promptly on a stop request.
@@ -43,10 +41,9 @@ public:
 
 private:
     std::int64_t readFragments();
-    void check(const Mix& mix) const;
-    void completeSegment(SegmentCoder& coder, const Mix& mix, const std::stop_token& stop);
+    void spliceSegment();
 
-    const Coding& coding_;
+    const AacCodec& codec_;
     FileSystem& fileSystem_;
     std::filesystem::path location_;
     std::shared_ptr<Movie> movie_;
@@ -54,8 +51,8 @@ private:
     std::unique_ptr<OutputFile> unnamed_;
     M4aFile file_; // writes into `unnamed_`
     SegmentSplicer splicer_;
-    std::int64_t segment_ = 0;          // current
-    std::optional<SegmentCoder> coder_; // codes that segment, once begun
+    std::int64_t segment_ = 0;              // current
+    std::optional<SegmentEncoder> encoder_; // encodes that segment, once begun
 };
 
 } // namespace vantoro::media

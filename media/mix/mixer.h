@@ -2,13 +2,16 @@
 
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <limits>
 #include <memory>
+#include <optional>
+#include <span>
 #include <vector>
 
-#include "media/mix/track_samples.h"
-#include "media/movie/movie.h"
+#include "media/codec/aac_codec.h"
+#include "media/movie/packet_reader.h"
 
 namespace vantoro::media {
 
@@ -29,14 +32,20 @@ using Mix = std::vector<MixedTrack>;
 /// The length of the longest track.
 std::int64_t framesOf(const Mix& mix) noexcept;
 
-/// Sums a mix's tracks at their volumes and clips the sum to full scale. Used by one thread at a
-/// time; several mixers may share a mix.
+struct StereoBlock {
+    std::span<float, packetFrames> left;
+    std::span<float, packetFrames> right;
+};
+
+/// Sums a mix's tracks at their volumes, mono on both channels, and clips the sum to full scale.
+/// Missing and undecodable packets are silent. Used by one thread at a time; several mixers may
+/// share a mix. Throws if a file cannot be read.
 class Mixer {
 public:
-    /// Starts at frame `block` × 1024 of the mix. Throws as `read`.
-    Mixer(const Coding& coding, const Mix& mix, std::int64_t block);
+    /// Starts at frame `block` × 1024 of the mix.
+    Mixer(const AacCodec& codec, const Mix& mix, std::int64_t block);
 
-    /// The next 1024 frames; an ended track is silent. Throws if a file cannot be read.
+    /// The next 1024 frames; an ended track is silent.
     void read(const StereoBlock& block);
 
     /// Sets the ends of tracks whose ends were unknown; they lie after what was read.
@@ -44,12 +53,16 @@ public:
 
 private:
     struct Track {
-        TrackSamples samples;
+        PacketReader packets;
+        std::unique_ptr<AacDecoder> decoder;
+        std::int64_t frames;
         float volume;
+
+        std::optional<DecodedSound> decodeNext();
     };
 
-    std::vector<Track> tracks_;
-    std::int64_t position_; // in frames
+    std::vector<Track> tracks_; // those that have not ended before the start
+    std::int64_t position_;     // in frames
 };
 
 } // namespace vantoro::media

@@ -4,22 +4,20 @@
 
 #include <algorithm>
 #include <cmath>
-#include <span>
 #include <stdexcept>
+#include <thread>
 #include <utility>
 
 #include "engine/recording_types.h"
-#include "media/coding/aac.h"
 #include "media/m4a/m4a_file.h"
-#include "media/m4a/packet_copy.h"
-#include "media/mix/coded_segment.h"
-#include "media/mix/parallel_coding.h"
+#include "media/mix/encoded_segment.h"
+#include "media/mix/parallel_encoding.h"
 
 namespace vantoro::media {
 
 namespace {
 
-/// The only track with sound, if recoding it would only lose quality.
+/// The only track with sound, if re-encoding it would only lose quality.
 const MixedTrack* unchangedTrack(const Mix& mix, const std::stop_token& stop) {
     const auto hasSound = [](const MixedTrack& track) { return track.frames > 0; };
     const auto only = std::ranges::find_if(mix, hasSound);
@@ -30,21 +28,13 @@ const MixedTrack* unchangedTrack(const Mix& mix, const std::stop_token& stop) {
 
 } // namespace
 
-RecordedMovie::RecordedMovie(const Coding& coding, FileSystem& fileSystem,
-                             const std::filesystem::path& location, unsigned threads)
-    : coding_(coding),
-      movie_(openMovie(fileSystem, location)),
-      tracks_(audioTracks(*movie_)),
-      threads_(threads) {}
-
-RecordedMovie::RecordedMovie(const Coding& coding, FileSystem& fileSystem,
+RecordedMovie::RecordedMovie(const AacCodec& codec, FileSystem& fileSystem,
                              const std::filesystem::path& location,
                              std::shared_ptr<FollowingMix> following)
-    : coding_(coding),
+    : codec_(codec),
       following_(std::move(following)),
       movie_(following_ ? following_->finishedMovie() : nullptr),
-      isJustWritten_(movie_ != nullptr),
-      threads_(std::thread::hardware_concurrency()) {
+      isJustWritten_(movie_ != nullptr) {
     if (!movie_) {
         movie_ = openMovie(fileSystem, location);
     }
@@ -69,7 +59,7 @@ bool RecordedMovie::isWhole() const noexcept {
 std::unique_ptr<OutputFile> RecordedMovie::mix(const std::vector<float>& volumes,
                                                OutputFile& staging, const ExportProgress& progress,
                                                const std::stop_token& stop) {
-    if (!coding_.hasCoder()) {
+    if (!codec_.hasEncoder()) {
         throw RecordingError(RecordingError::Case::exportFailed);
     }
     const Mix mix = mixAt(volumes);
@@ -94,10 +84,8 @@ Mix RecordedMovie::mixAt(const std::vector<float>& volumes) const {
     }
     Mix mix;
     for (std::size_t index = 0; index < tracks_.size(); ++index) {
-        mix.push_back({.movie = movie_,
-                       .track = tracks_[index],
-                       .frames = framesIn(*movie_, tracks_[index]),
-                       .volume = volumes[index]});
+        const std::size_t track = tracks_[index];
+        mix.push_back({movie_, track, framesIn(*movie_, track), volumes[index]});
     }
     return mix;
 }
@@ -107,6 +95,7 @@ std::unique_ptr<OutputFile> RecordedMovie::mixInto(OutputFile& staging, const Mi
                                                    const ExportProgress& progress,
                                                    const std::stop_token& stop) {
     const std::int64_t frames = framesOf(mix);
+    const unsigned threads = std::thread::hardware_concurrency();
     if (frames == 0) {
         throw std::runtime_error("There is no sound to export.");
     }
@@ -119,13 +108,13 @@ std::unique_ptr<OutputFile> RecordedMovie::mixInto(OutputFile& staging, const Mi
         }
     };
     if (following_) {
-        if (auto complete = following_->complete(mix, threads_, rising, stop)) {
+        if (auto complete = following_->complete(mix, threads, rising, stop)) {
             return complete;
         }
     }
-    M4aFile file(staging, makeMixCoder(coding_).track(), frames);
+    M4aFile file(staging, makeMixEncoder(codec_).track(), frames);
     SegmentSplicer splicer([&file](std::span<const std::byte> packet) { file.add(packet); });
-    codeInParallel(coding_, mix, 0, threads_, splicer, rising, stop);
+    encodeInParallel(codec_, mix, 0, threads, splicer, rising, stop);
     file.finish(frames);
     return nullptr;
 }

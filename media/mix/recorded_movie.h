@@ -3,16 +3,12 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
 #include <memory>
-#include <optional>
 #include <stop_token>
-#include <thread>
 #include <vector>
 
 #include "engine/ports/file_system.h"
 #include "engine/ports/recording.h"
-#include "media/coding/coding.h"
 #include "media/mix/following_mix.h"
 #include "media/mix/mixer.h"
 #include "media/movie/movie.h"
@@ -26,15 +22,11 @@ namespace vantoro::media {
 /// except for two bytes per packet.
 class RecordedMovie final : public Recording {
 public:
-    /// Opens a movie that is no longer being written; throws as `openMovie`. The mix does not
-    /// depend on `threads`.
-    RecordedMovie(const Coding& coding, FileSystem& fileSystem,
+    /// Opens a movie that is no longer being written; throws as `openMovie`. `following`: its mix,
+    /// if this process has just written it, which is then only completed.
+    RecordedMovie(const AacCodec& codec, FileSystem& fileSystem,
                   const std::filesystem::path& location,
-                  unsigned threads = std::thread::hardware_concurrency());
-    /// Opens a movie that this process has just written. `following`: its mix, which is then only
-    /// completed, or null.
-    RecordedMovie(const Coding& coding, FileSystem& fileSystem,
-                  const std::filesystem::path& location, std::shared_ptr<FollowingMix> following);
+                  std::shared_ptr<FollowingMix> following = nullptr);
 
     std::size_t trackCount() const override { return tracks_.size(); }
 
@@ -54,12 +46,11 @@ private:
                                         const ExportProgress& progress,
                                         const std::stop_token& stop);
 
-    const Coding& coding_;
+    const AacCodec& codec_;
     std::shared_ptr<FollowingMix> following_; // may be null
     std::shared_ptr<const Movie> movie_;
     bool isJustWritten_ = false; // and each fragment scanned since
     std::vector<std::size_t> tracks_;
-    unsigned threads_;
 };
 
 } // namespace vantoro::media

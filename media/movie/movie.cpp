@@ -6,7 +6,7 @@
 #include <exception>
 
 #include "media/boxes/box_reader.h"
-#include "media/coding/aac.h"
+#include "media/codec/aac.h"
 #include "media/movie/fragment_checksum.h"
 #include "media/movie/fragment_parser.h"
 #include "media/movie/movie_codecs.h"

@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "engine/ports/file_system.h"
-#include "media/coding/aac_track.h"
+#include "media/codec/aac.h"
 #include "media/movie/movie_scan.h"
 
 namespace vantoro::media {

@@ -64,8 +64,8 @@ ByteSpan findElementaryStream(ByteSpan boxesOfDescription) {
 }
 
 /// Whether this object type can be AAC: MPEG-4's or one of MPEG-2's three.
-bool canBeAac(std::uint8_t coding) noexcept {
-    return coding == 0x40 || (coding >= 0x66 && coding <= 0x68);
+bool canBeAac(std::uint8_t type) noexcept {
+    return type == 0x40 || (type >= 0x66 && type <= 0x68);
 }
 
 AacConfiguration readConfiguration(ByteSpan bytes) {
@@ -88,7 +88,7 @@ std::optional<AacTrack> readCodec(ByteSpan information) {
     }
     const ElementaryStream stream =
         readElementaryStream(findElementaryStream(skipDescriptionFields(description->content)));
-    if (!canBeAac(stream.coding)) {
+    if (!canBeAac(stream.objectType)) {
         return std::nullopt;
     }
     const AacConfiguration configuration = readConfiguration(stream.configuration);
@@ -104,7 +104,7 @@ std::optional<AacTrack> readCodec(ByteSpan information) {
     return AacTrack{
         .channels = configuration.channels,
         .bitRate = static_cast<int>(stream.bitRate),
-        .coderConfiguration = {stream.configuration.begin(), stream.configuration.end()}};
+        .decoderConfiguration = {stream.configuration.begin(), stream.configuration.end()}};
 }
 
 } // namespace

@@ -5,7 +5,7 @@
 #include <optional>
 #include <vector>
 
-#include "media/coding/aac_track.h"
+#include "media/codec/aac.h"
 #include "media/movie/movie_scan.h"
 
 namespace vantoro::media {

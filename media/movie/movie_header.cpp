@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "media/coding/aac.h"
+#include "media/codec/aac.h"
 
 namespace vantoro::media {
 

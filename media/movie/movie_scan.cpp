@@ -9,7 +9,7 @@
 
 #include "media/boxes/box_reader.h"
 #include "media/boxes/box_search.h"
-#include "media/coding/aac.h"
+#include "media/codec/aac.h"
 #include "media/movie/fragment_checksum.h"
 #include "media/movie/fragment_parser.h"
 #include "media/movie/movie_header.h"
@@ -135,7 +135,7 @@ public:
     }
 
 private:
-    // The coder's shortest packet: silence in one channel.
+    // The encoder's shortest packet: silence in one channel.
     static constexpr std::uint64_t minPacketSize = 4;
 
     std::optional<Fragment> lastIfChecksumFails() {

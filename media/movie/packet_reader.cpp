@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "media/boxes/box_reader.h"
-#include "media/coding/aac.h"
+#include "media/codec/aac.h"
 
 namespace vantoro::media {
 

@@ -3,31 +3,17 @@
 #include "media/writing/fragment_muxer.h"
 
 #include <algorithm>
-#include <limits>
-#include <span>
-#include <stdexcept>
+#include <iterator>
 #include <utility>
 
-#include "media/coding/aac.h"
 #include "media/movie/fragment_checksum.h"
 
 namespace vantoro::media {
 
-namespace {
-
-void append(std::vector<std::byte>& target, std::span<const std::byte> bytes) {
-    target.insert(target.end(), bytes.begin(), bytes.end());
-}
-
-/// The packet's start, counted from the priming.
-std::int64_t timeOf(const AacPacket& packet) {
-    return packet.start + primingFrames;
-}
-
-} // namespace
-
 void FragmentMuxer::addTrack(AacTrack description) {
-    tracks_.push_back({.description = std::move(description), .packets = {}, .fragments = {}});
+    tracks_.emplace_back();
+    descriptions_.push_back(std::move(description));
+    index_.emplace_back();
 }
 
 void FragmentMuxer::add(std::size_t track, AacPacket packet) {
@@ -39,49 +25,29 @@ bool FragmentMuxer::hasPackets() const noexcept {
     return std::ranges::any_of(tracks_, [](const Track& track) { return !track.packets.empty(); });
 }
 
-std::vector<std::byte> FragmentMuxer::header() const {
-    std::vector<AacTrack> descriptions;
-    std::ranges::transform(tracks_, std::back_inserter(descriptions), &Track::description);
-    return movieHeader(descriptions);
-}
-
 std::vector<std::byte> FragmentMuxer::closeFragment(std::int64_t end) {
-    auto bytes = fragments_ == 0 ? header() : std::vector<std::byte>();
-    const std::size_t begin = bytes.size();
+    auto bytes = fragments_ == 0 ? movieHeader(descriptions_) : std::vector<std::byte>();
     std::vector<FragmentTrack> parts;
-    std::vector<std::byte> content;
-    for (std::uint32_t number = 1; Track & track : tracks_) {
+    for (std::size_t index = 0; index < tracks_.size(); ++index) {
+        auto& packets = tracks_[index].packets;
         const auto last = std::ranges::find_if(
-            track.packets, [end](const AacPacket& packet) { return packet.start >= end; });
-        if (last != track.packets.begin()) {
-            auto& part = parts.emplace_back();
-            part.number = number;
-            part.time = timeOf(track.packets.front());
-            for (const auto& packet : std::span(track.packets.begin(), last)) {
-                append(content, std::as_bytes(std::span(packet.bytes)));
-                part.packets.push_back({.bytes = static_cast<std::uint32_t>(packet.bytes.size()),
-                                        .frames = static_cast<std::uint32_t>(packet.frames)});
-            }
-            track.fragments.push_back({.time = std::max<std::int64_t>(0, part.time - primingFrames),
-                                       .offset = size_ + begin});
-            track.packets.erase(track.packets.begin(), last);
+            packets, [end](const AacPacket& packet) { return packet.start >= end; });
+        if (last == packets.begin()) {
+            continue;
         }
-        ++number;
+        index_[index].push_back({.time = std::max<std::int64_t>(0, packets.front().start),
+                                 .offset = size_ + bytes.size()});
+        parts.push_back(
+            {.number = static_cast<std::uint32_t>(index + 1),
+             .packets = {std::move_iterator(packets.begin()), std::move_iterator(last)}});
+        packets.erase(packets.begin(), last);
     }
-    if (content.size() > std::numeric_limits<std::uint32_t>::max() / 2) {
-        throw std::runtime_error("A fragment is too large for its size field.");
-    }
-    append(bytes, fragmentHeader(++fragments_, parts));
-    append(bytes, content);
-    append(bytes, checksumBox(std::span(bytes).subspan(begin)));
+    const auto fragment = movieFragment(++fragments_, parts);
+    const auto checksum = checksumBox(fragment);
+    bytes.insert(bytes.end(), fragment.begin(), fragment.end());
+    bytes.insert(bytes.end(), checksum.begin(), checksum.end());
     size_ += bytes.size();
     return bytes;
-}
-
-std::vector<std::byte> FragmentMuxer::finish() const {
-    std::vector<std::vector<FragmentEntry>> entries;
-    std::ranges::transform(tracks_, std::back_inserter(entries), &Track::fragments);
-    return fragmentIndex(entries);
 }
 
 } // namespace vantoro::media

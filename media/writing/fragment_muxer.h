@@ -6,12 +6,12 @@
 #include <cstdint>
 #include <vector>
 
-#include "media/coding/coding.h"
+#include "media/codec/aac.h"
 #include "media/writing/movie_boxes.h"
 
 namespace vantoro::media {
 
-/// Muxes coded tracks into the fragments of a QuickTime movie, in memory.
+/// Muxes encoded tracks into the fragments of a QuickTime movie, in memory.
 /// Used by one thread at a time; throws std::runtime_error on failure.
 class FragmentMuxer {
 public:
@@ -29,20 +29,19 @@ public:
     /// The next fragment, with all packets that begin before `end`. The movie's header precedes the
     /// first fragment.
     std::vector<std::byte> closeFragment(std::int64_t end);
+
     /// The movie's last bytes, after the last fragment.
-    std::vector<std::byte> finish() const;
+    std::vector<std::byte> finish() const { return fragmentIndex(index_); }
 
 private:
     struct Track {
-        AacTrack description;
         std::vector<AacPacket> packets; // for the next fragments
         std::int64_t end = 0;
-        std::vector<FragmentEntry> fragments;
     };
 
-    std::vector<std::byte> header() const;
-
     std::vector<Track> tracks_;
+    std::vector<AacTrack> descriptions_;            // of the tracks
+    std::vector<std::vector<FragmentEntry>> index_; // by track
     std::uint32_t fragments_ = 0;
     std::uint64_t size_ = 0; // of all bytes returned
 };

@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "media/coding/aac.h"
+#include "media/codec/aac.h"
 
 namespace vantoro::media {
 
@@ -13,7 +13,7 @@ FragmentSchedule::FragmentSchedule(std::int64_t initialInterval, std::int64_t in
       end_(std::max<std::int64_t>(initialInterval, packetFrames)) {}
 
 std::int64_t FragmentSchedule::framesToClose() const noexcept {
-    // The coder's delay is two packets: the priming and one of lookahead.
+    // The encoder's delay is two packets: the priming and one of lookahead.
     constexpr std::int64_t delay = 2LL * packetFrames;
     return ((end_ + packetFrames - 1) / packetFrames * packetFrames) + delay;
 }

@@ -21,7 +21,7 @@ public:
 
     void advance() noexcept { end_ += interval_; }
 
-    /// How many frames a track's coder needs before it outputs the fragment's last packet.
+    /// How many frames a track's encoder needs before it outputs the fragment's last packet.
     std::int64_t framesToClose() const noexcept;
 
     /// Whether to fill short tracks with silence now, because another track is too far past the

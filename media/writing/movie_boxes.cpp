@@ -3,11 +3,13 @@
 #include "media/writing/movie_boxes.h"
 
 #include <algorithm>
+#include <limits>
+#include <stdexcept>
 #include <string_view>
 
 #include "media/boxes/box_writer.h"
 #include "media/boxes/elementary_stream.h"
-#include "media/coding/aac.h"
+#include "media/codec/aac.h"
 
 namespace vantoro::media {
 
@@ -157,34 +159,36 @@ private:
 
 /// `contentOffset`: the track's first packet, from the fragment's beginning.
 void writeTrack(BoxWriter& out, const FragmentTrack& track, std::uint64_t contentOffset) {
-    const auto& [bytes, frames] = track.packets.front();
-    const auto differs = [&](auto member, auto usual) {
-        return !std::ranges::all_of(
-            track.packets, [&](auto value) { return value == usual; }, member);
-    };
-    const bool lengthsDiffer = differs(&FragmentTrack::Packet::frames, frames);
-    const bool sizesDiffer = differs(&FragmentTrack::Packet::bytes, bytes);
+    const AacPacket& first = track.packets.front();
+    const bool lengthsDiffer = std::ranges::any_of(
+        track.packets, [&](const AacPacket& packet) { return packet.frames != first.frames; });
+    const bool sizesDiffer = std::ranges::any_of(track.packets, [&](const AacPacket& packet) {
+        return packet.bytes.size() != first.bytes.size();
+    });
     constexpr std::uint32_t usualFieldsFollow =
         0x020038; // and offsets are relative to the fragment
     out.fullBox("tfhd", usualFieldsFollow, [&] {
         out.u32(track.number);
-        out.u32(frames);
-        out.u32(bytes);
+        out.u32(static_cast<std::uint64_t>(first.frames));
+        out.u32(first.bytes.size());
         out.u32(0x2000000); // independent of other packets
     });
-    out.fullBox("tfdt", 1U << 24U, [&] { out.u64(static_cast<std::uint64_t>(track.time)); });
+    out.fullBox("tfdt", 1U << 24U, [&] {
+        out.u64(
+            static_cast<std::uint64_t>(first.start + primingFrames)); // counted from the priming
+    });
     constexpr std::uint32_t offsetFollows = 1;
     const std::uint32_t fields =
         offsetFollows | (lengthsDiffer ? 0x100U : 0U) | (sizesDiffer ? 0x200U : 0U);
     out.fullBox("trun", fields, [&] {
         out.u32(track.packets.size());
         out.u32(contentOffset);
-        for (const auto& packet : track.packets) {
+        for (const AacPacket& packet : track.packets) {
             if (lengthsDiffer) {
-                out.u32(packet.frames);
+                out.u32(static_cast<std::uint64_t>(packet.frames));
             }
             if (sizesDiffer) {
-                out.u32(packet.bytes);
+                out.u32(packet.bytes.size());
             }
         }
     });
@@ -196,7 +200,7 @@ std::vector<std::byte> movieHeader(std::span<const AacTrack> tracks) {
     return HeaderWriter().write(tracks);
 }
 
-std::vector<std::byte> fragmentHeader(std::uint32_t number, std::span<const FragmentTrack> tracks) {
+std::vector<std::byte> movieFragment(std::uint32_t number, std::span<const FragmentTrack> tracks) {
     constexpr std::uint64_t contentHeader = 8;
     const auto description = [&](std::uint64_t size) {
         BoxWriter out;
@@ -205,58 +209,53 @@ std::vector<std::byte> fragmentHeader(std::uint32_t number, std::span<const Frag
             std::uint64_t content = size + contentHeader;
             for (const FragmentTrack& track : tracks) {
                 out.box("traf", [&] { writeTrack(out, track, content); });
-                for (const auto& packet : track.packets) {
-                    content += packet.bytes;
+                for (const AacPacket& packet : track.packets) {
+                    content += packet.bytes.size();
                 }
             }
         });
         return out.take();
     };
-    // The description holds the content's offset, which depends on the description's size.
-    auto bytes = description(description(0).size());
-    std::uint64_t content = 0;
-    for (const FragmentTrack& track : tracks) {
-        for (const auto& packet : track.packets) {
-            content += packet.bytes;
-        }
-    }
     BoxWriter out;
-    out.bytes(bytes);
-    out.box("mdat", [] {}, content);
+    // The description holds the content's offset, which depends on the description's size.
+    out.bytes(description(description(0).size()));
+    out.box("mdat", [&] {
+        for (const FragmentTrack& track : tracks) {
+            for (const AacPacket& packet : track.packets) {
+                out.bytes(std::as_bytes(std::span(packet.bytes)));
+            }
+        }
+    });
+    if (out.size() > std::numeric_limits<std::uint32_t>::max() / 2) {
+        throw std::runtime_error("A fragment is too large for its size field.");
+    }
     return out.take();
 }
 
 std::vector<std::byte> fragmentIndex(std::span<const std::vector<FragmentEntry>> tracks) {
     BoxWriter out;
-    constexpr std::uint64_t lastBoxSize = 16;
-    out.box(
-        "mfra",
-        [&] {
-            for (std::uint32_t number = 1; const auto& entries : tracks) {
-                if (!entries.empty()) {
-                    out.fullBox("tfra", 1U << 24U, [&] {
-                        out.u32(number);
-                        out.u32(0); // one byte each for the track fragment, run and packet numbers
-                        out.u32(entries.size());
-                        for (const FragmentEntry& entry : entries) {
-                            out.u64(static_cast<std::uint64_t>(entry.time));
-                            out.u64(entry.offset);
-                            out.u8(1);
-                            out.u8(1);
-                            out.u8(1);
-                        }
-                    });
-                }
-                ++number;
+    out.box("mfra", [&] {
+        for (std::uint32_t number = 1; const auto& entries : tracks) {
+            if (!entries.empty()) {
+                out.fullBox("tfra", 1U << 24U, [&] {
+                    out.u32(number);
+                    out.u32(0); // one byte each for the track fragment, run and packet numbers
+                    out.u32(entries.size());
+                    for (const FragmentEntry& entry : entries) {
+                        out.u64(static_cast<std::uint64_t>(entry.time));
+                        out.u64(entry.offset);
+                        out.u8(1);
+                        out.u8(1);
+                        out.u8(1);
+                    }
+                });
             }
-        },
-        lastBoxSize);
-    auto index = out.take();
-    BoxWriter size;
-    size.fullBox("mfro", 0, [&] { size.u32(index.size() + lastBoxSize); });
-    const auto last = size.take();
-    index.insert(index.end(), last.begin(), last.end());
-    return index;
+            ++number;
+        }
+        constexpr std::uint64_t lastFieldSize = 4;
+        out.fullBox("mfro", 0, [&] { out.u32(out.size() + lastFieldSize); });
+    });
+    return out.take();
 }
 
 } // namespace vantoro::media

@@ -7,7 +7,7 @@
 #include <span>
 #include <vector>
 
-#include "media/coding/aac_track.h"
+#include "media/codec/aac.h"
 
 namespace vantoro::media {
 
@@ -16,14 +16,7 @@ namespace vantoro::media {
 /// One track's part of a fragment.
 struct FragmentTrack {
     std::uint32_t number = 1;
-    std::int64_t time = 0; ///< of the first packet, in frames, including the priming
-
-    struct Packet {
-        std::uint32_t bytes = 0;
-        std::uint32_t frames = 0;
-    };
-
-    std::vector<Packet> packets; ///< at least one
+    std::vector<AacPacket> packets; ///< at least one
 };
 
 /// An entry of the index: where a track's part of a fragment is.
@@ -35,9 +28,9 @@ struct FragmentEntry {
 /// The movie's first bytes: file type and tracks.
 std::vector<std::byte> movieHeader(std::span<const AacTrack> tracks);
 
-/// A fragment without its content, which is all packets in the order of `tracks`. Fragment numbers
-/// start at 1.
-std::vector<std::byte> fragmentHeader(std::uint32_t number, std::span<const FragmentTrack> tracks);
+/// A fragment with its content. Fragment numbers start at 1. Throws std::runtime_error if it is too
+/// large for its size field.
+std::vector<std::byte> movieFragment(std::uint32_t number, std::span<const FragmentTrack> tracks);
 
 /// The movie's last bytes: the index of each track's fragments.
 std::vector<std::byte> fragmentIndex(std::span<const std::vector<FragmentEntry>> tracks);

@@ -6,9 +6,10 @@
 #include <exception>
 #include <limits>
 #include <stdexcept>
+#include <system_error>
 #include <utility>
 
-#include "media/coding/aac.h"
+#include "media/codec/aac.h"
 #include "media/mix/recorded_movie.h"
 
 namespace vantoro::media {
@@ -18,7 +19,7 @@ public:
     Track(MovieWriter& writer, std::size_t index, TrackFormat format)
         : writer_(writer),
           index_(index),
-          encoder_(writer.coding_, format.channels, format.bitRate) {}
+          encoder_(writer.codec_, format.channels, format.bitRate) {}
 
     bool isReady() const override { return writer_.isReady(); }
 
@@ -41,11 +42,11 @@ private:
     bool ended_ = false;
 };
 
-MovieWriter::MovieWriter(const Coding& coding, FileSystem& fileSystem,
+MovieWriter::MovieWriter(const AacCodec& codec, FileSystem& fileSystem,
                          std::filesystem::path location, FragmentIntervals intervals,
                          FragmentWrittenCallback onFragmentWritten, IsPowerSaved isPowerSaved,
                          std::size_t maxBacklog)
-    : coding_(coding),
+    : codec_(codec),
       fileSystem_(fileSystem),
       location_(std::move(location)),
       maxBacklog_(maxBacklog),
@@ -58,9 +59,9 @@ MovieWriter::MovieWriter(const Coding& coding, FileSystem& fileSystem,
 MovieWriter::~MovieWriter() = default;
 
 RecordingTrack* MovieWriter::addTrack(TrackFormat format) {
-    const bool canBeCoded =
-        coding_.hasCoder() && format.bitRate > 0 && (format.channels == 1 || format.channels == 2);
-    if (!canBeCoded || status() != WriterStatus::unknown) {
+    const bool canBeEncoded =
+        codec_.hasEncoder() && format.bitRate > 0 && (format.channels == 1 || format.channels == 2);
+    if (!canBeEncoded || status() != WriterStatus::unknown) {
         return nullptr;
     }
     tracks_.push_back(std::make_unique<Track>(*this, tracks_.size(), format));
@@ -73,7 +74,11 @@ bool MovieWriter::start(MediaTime time) {
         if (tracks_.empty()) {
             throw std::runtime_error("The movie has no tracks.");
         }
-        mix_ = startFollowing(coding_, fileSystem_, location_, isPowerSaved_);
+        try {
+            mix_ = std::make_shared<FollowingMix>(codec_, fileSystem_, location_, isPowerSaved_);
+        } catch (const std::system_error&) { // NOLINT(bugprone-empty-catch)
+            // Without its thread, the mix is made at the end.
+        }
         expectMix(std::move(expectedVolumes_));
         file_ = std::make_unique<FragmentFile>(
             std::move(created_), [this](std::exception_ptr error) { fail(std::move(error)); },
@@ -168,7 +173,7 @@ void MovieWriter::expectMix(std::vector<float> volumes) {
 }
 
 std::unique_ptr<Recording> MovieWriter::openRecording() {
-    return std::make_unique<RecordedMovie>(coding_, fileSystem_, location_, mix_);
+    return std::make_unique<RecordedMovie>(codec_, fileSystem_, location_, mix_);
 }
 
 WriterStatus MovieWriter::status() const {
@@ -221,7 +226,7 @@ void MovieWriter::prepareFragment() {
         // A waiting batch would delay the fragment.
         if (!track->hasEnded() && !reachesFragmentEnd(*track) &&
             track->encoder().position() >= schedule_.framesToClose()) {
-            track->encoder().codeWholePackets(sinkOf(*track));
+            track->encoder().encodeWholePackets(sinkOf(*track));
         }
     }
 }

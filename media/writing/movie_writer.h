@@ -23,7 +23,7 @@
 
 namespace vantoro::media {
 
-/// Writes a fragmented QuickTime movie. Codes and muxes the sound in memory on the capture queue,
+/// Writes a fragmented QuickTime movie. Encodes and muxes the sound in memory on the capture queue,
 /// and passes finished fragments to the file thread (`FragmentFile`). `finish` calls its completion
 /// on the file thread, where it must not destroy the writer.
 class MovieWriter final : public RecordingWriter {
@@ -33,7 +33,7 @@ public:
 
     /// Creates the file; throws on failure. The tracks are not ready while more than `maxBacklog`
     /// bytes wait for the disk. An expected mix is made while recording.
-    MovieWriter(const Coding& coding, FileSystem& fileSystem, std::filesystem::path location,
+    MovieWriter(const AacCodec& codec, FileSystem& fileSystem, std::filesystem::path location,
                 FragmentIntervals intervals = {}, FragmentWrittenCallback onFragmentWritten = {},
                 IsPowerSaved isPowerSaved = {}, std::size_t maxBacklog = defaultMaxBacklog);
     MovieWriter(const MovieWriter&) = delete;
@@ -68,7 +68,7 @@ private:
     std::int64_t longestTrack() const;
     PacketSink sinkOf(const Track& track);
 
-    const Coding& coding_;
+    const AacCodec& codec_;
     FileSystem& fileSystem_;
     const std::filesystem::path location_;
     const std::size_t maxBacklog_;

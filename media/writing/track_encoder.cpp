@@ -3,20 +3,36 @@
 #include "media/writing/track_encoder.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
-#include <span>
 #include <stdexcept>
-
-#include "media/coding/aac.h"
-#include "media/writing/sample_conversion.h"
 
 namespace vantoro::media {
 
-TrackEncoder::TrackEncoder(const Coding& coding, int channels, int bitRate)
-    : coder_(coding, channels, bitRate, batchPackets) {}
+bool fitsTrack(const SampleBuffer& buffer, int channels) noexcept {
+    if (!buffer.format || buffer.frameCount < 0 || buffer.format->sampleRate != framesPerSecond ||
+        buffer.format->channelsPerFrame != static_cast<std::uint32_t>(channels)) {
+        return false;
+    }
+    const std::size_t size = buffer.samples.size();
+    const auto channelCount = static_cast<std::size_t>(channels);
+    return size % channelCount == 0 &&
+           size / channelCount == static_cast<std::size_t>(buffer.frameCount);
+}
+
+void copySamples(const SampleBuffer& buffer, int channel, std::int64_t firstFrame,
+                 std::span<float> into) noexcept {
+    const auto offset = static_cast<std::size_t>((channel * buffer.frameCount) + firstFrame);
+    std::ranges::replace_copy_if(
+        buffer.samples.subspan(offset, into.size()), into.begin(),
+        [](float sample) { return !std::isfinite(sample); }, 0.0F);
+}
+
+TrackEncoder::TrackEncoder(const AacCodec& codec, int channels, int bitRate)
+    : encoder_(codec, channels, bitRate, batchPackets) {}
 
 void TrackEncoder::append(const SampleBuffer& buffer, std::int64_t time, const PacketSink& sink) {
-    if (!fitsTrack(buffer, coder_.channels())) {
+    if (!fitsTrack(buffer, encoder_.channels())) {
         throw std::runtime_error("The captured sound does not match the format of its track.");
     }
     const Placement placement = timeline_.place(time, buffer.frameCount);
@@ -31,15 +47,15 @@ void TrackEncoder::append(const SampleBuffer& buffer, std::int64_t time, const P
 
 void TrackEncoder::fillTo(std::int64_t position, const PacketSink& sink) {
     addSilence(timeline_.fillTo(position), sink);
-    codeWholePackets(sink);
+    encodeWholePackets(sink);
 }
 
 void TrackEncoder::finish(const PacketSink& sink) {
-    codeWholePackets(sink);
+    encodeWholePackets(sink);
     if (waiting_ > 0) {
-        code(waiting_, sink);
+        encode(waiting_, sink);
     }
-    coder_.finish(sink);
+    encoder_.finish(sink);
 }
 
 void TrackEncoder::addSilence(std::int64_t frames, const PacketSink& sink) {
@@ -54,29 +70,29 @@ void TrackEncoder::add(std::int64_t frames, const Fill& fill, const PacketSink& 
         const int place = waiting_ % packetFrames;
         const int count =
             static_cast<int>(std::min<std::int64_t>(packetFrames - place, frames - done));
-        for (int channel = 0; channel < coder_.channels(); ++channel) {
+        for (int channel = 0; channel < encoder_.channels(); ++channel) {
             fill(channel, done,
-                 coder_.plane(channel, waiting_ / packetFrames)
+                 encoder_.plane(channel, waiting_ / packetFrames)
                      .subspan(static_cast<std::size_t>(place), static_cast<std::size_t>(count)));
         }
         done += count;
         waiting_ += count;
         if (waiting_ == batchFrames) {
-            codeWholePackets(sink);
+            encodeWholePackets(sink);
         }
     }
 }
 
-void TrackEncoder::code(int frames, const PacketSink& sink) {
+void TrackEncoder::encode(int frames, const PacketSink& sink) {
     for (; frames > 0; frames -= packetFrames) {
         const int count = std::min(packetFrames, frames);
-        coder_.encode(count, sink);
+        encoder_.encode(count, sink);
         waiting_ -= count;
     }
 }
 
-void TrackEncoder::codeWholePackets(const PacketSink& sink) {
-    code(waiting_ - (waiting_ % packetFrames), sink);
+void TrackEncoder::encodeWholePackets(const PacketSink& sink) {
+    encode(waiting_ - (waiting_ % packetFrames), sink);
 }
 
 } // namespace vantoro::media

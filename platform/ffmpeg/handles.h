@@ -6,9 +6,13 @@ extern "C" {
 #include <libavcodec/avcodec.h>
 }
 
+#include <array>
 #include <memory>
 #include <new>
+#include <string>
 #include <string_view>
+
+#include "engine/failure.h"
 
 namespace vantoro::ffmpeg {
 
@@ -21,12 +25,19 @@ struct Release {
     }
 };
 
-using CoderHandle = std::unique_ptr<AVCodecContext, Release<avcodec_free_context>>;
+using CodecHandle = std::unique_ptr<AVCodecContext, Release<avcodec_free_context>>;
 using PacketHandle = std::unique_ptr<AVPacket, Release<av_packet_free>>;
 using FrameHandle = std::unique_ptr<AVFrame, Release<av_frame_free>>;
 
 /// Returns the result; throws std::runtime_error with the library's text if it is negative.
-int check(int result, std::string_view action);
+inline int check(int result, std::string_view action) {
+    if (result >= 0) {
+        return result;
+    }
+    std::array<char, AV_ERROR_MAX_STRING_SIZE> text{};
+    av_strerror(result, text.data(), text.size());
+    throw Failure(FailureCode::codecFailed, std::string(action) + ": " + text.data());
+}
 
 /// Returns the pointer; throws std::bad_alloc if it is null.
 template <class Object>

@@ -10,7 +10,7 @@ extern "C" {
 
 #include "media/mix/recorded_movie.h"
 #include "media/writing/movie_writer.h"
-#include "platform/ffmpeg/ffmpeg_coding.h"
+#include "platform/ffmpeg/ffmpeg_codec.h"
 
 namespace vantoro::ffmpeg {
 
@@ -22,12 +22,12 @@ FfmpegToolkit::FfmpegToolkit(FileSystem& fileSystem, IsPowerSaved isPowerSaved)
 std::unique_ptr<RecordingWriter>
 FfmpegToolkit::makeWriter(const std::filesystem::path& location, FragmentIntervals intervals,
                           FragmentWrittenCallback onFragmentWritten) {
-    return std::make_unique<media::MovieWriter>(coding(), fileSystem_, location, intervals,
+    return std::make_unique<media::MovieWriter>(codec(), fileSystem_, location, intervals,
                                                 std::move(onFragmentWritten), isPowerSaved_);
 }
 
 std::unique_ptr<Recording> FfmpegToolkit::openRecording(const std::filesystem::path& location) {
-    return std::make_unique<media::RecordedMovie>(coding(), fileSystem_, location);
+    return std::make_unique<media::RecordedMovie>(codec(), fileSystem_, location);
 }
 
 } // namespace vantoro::ffmpeg

@@ -11,7 +11,7 @@
 
 namespace vantoro::ffmpeg {
 
-/// Media files coded with the FFmpeg libraries; all access goes through the given file system.
+/// Media files encoded with the FFmpeg libraries; all access goes through the given file system.
 /// Switches the libraries' log off for the whole process: exceptions report the errors. What the
 /// toolkit makes may outlive it, but not the file system.
 class FfmpegToolkit final : public MediaToolkit {

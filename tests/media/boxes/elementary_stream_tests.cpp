@@ -26,7 +26,7 @@ made_up::Bytes decoder() {
 /// The stream borrows the content.
 void expectRead(const made_up::Bytes& content, const made_up::Bytes& configuration = stereo()) {
     const media::ElementaryStream stream = media::readElementaryStream(content);
-    EXPECT_EQ(stream.coding, 0x67);
+    EXPECT_EQ(stream.objectType, 0x67);
     EXPECT_EQ(stream.bitRate, made_up::bitRate);
     EXPECT_EQ(made_up::Bytes(stream.configuration.begin(), stream.configuration.end()),
               configuration);

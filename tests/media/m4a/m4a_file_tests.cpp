@@ -15,7 +15,7 @@ namespace {
 TEST(M4aFile, takesNoPacketThatItsIndexCannotDescribe) {
     MemoryFileSystem files;
     const auto output = files.create("/recording.m4a", FileAudience::asUserPrefers);
-    media::M4aFile file(*output, {.coderConfiguration = std::vector(2, std::byte{0})});
+    media::M4aFile file(*output, {.decoderConfiguration = std::vector(2, std::byte{0})});
     file.add(std::vector(65535, std::byte{1}));
     EXPECT_THROW(file.add(std::vector(65536, std::byte{1})), std::runtime_error);
 }

@@ -7,7 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "engine/recorder/track_mixing.h"
-#include "platform/ffmpeg/ffmpeg_coding.h"
+#include "platform/ffmpeg/ffmpeg_codec.h"
 #include "platform/ffmpeg/toolkit.h"
 #include "tests/media/support/movie_recording.h"
 #include "tests/support/memory_file_system.h"
@@ -68,7 +68,7 @@ TEST_F(GrowingMixTest, equalsAnExportWheneverItAdvances) {
     constexpr std::int64_t length = (75 * second) + 321; // two and a half segments
     record(0, 3 * second);
     ASSERT_TRUE(files.waitForSyncedSize("movie.mov", 10'000));
-    GrowingMix mix(ffmpeg::coding(), files, "movie.mov", volumes);
+    GrowingMix mix(ffmpeg::codec(), files, "movie.mov", volumes);
     for (std::int64_t from = 3 * second; from < length; from += 7 * second) {
         mix.advance({});
         record(from, std::min(from + (7 * second), length));
@@ -81,7 +81,7 @@ TEST_F(GrowingMixTest, equalsAnExportWheneverItAdvances) {
 TEST_F(GrowingMixTest, equalsAnExportIfOneSourceEndsEarly) {
     record(0, 20 * second);
     ASSERT_TRUE(files.waitForSyncedSize("movie.mov", 10'000));
-    GrowingMix mix(ffmpeg::coding(), files, "movie.mov", volumes);
+    GrowingMix mix(ffmpeg::codec(), files, "movie.mov", volumes);
     mix.advance({});
     recording.track(1).end();
     ASSERT_TRUE(recording.append(0, 20 * second, 26 * second, melody));
@@ -94,7 +94,7 @@ TEST_F(GrowingMixTest, equalsAnExportIfOneSourceEndsEarly) {
 TEST_F(GrowingMixTest, equalsAnExportIfNothingWasMixedYet) {
     record(0, 40 * second);
     recording.finish();
-    GrowingMix mix(ffmpeg::coding(), files, "movie.mov", volumes);
+    GrowingMix mix(ffmpeg::codec(), files, "movie.mov", volumes);
     mix.complete(wholeMix(), 2, {}, {})->takeName("followed.m4a");
     expectTheSameFile();
 }
@@ -102,7 +102,7 @@ TEST_F(GrowingMixTest, equalsAnExportIfNothingWasMixedYet) {
 TEST_F(GrowingMixTest, failsForOtherVolumes) {
     record(0, 5 * second);
     recording.finish();
-    GrowingMix mix(ffmpeg::coding(), files, "movie.mov", volumes);
+    GrowingMix mix(ffmpeg::codec(), files, "movie.mov", volumes);
     mix.advance({});
     volumes[1] = 0.5F;
     EXPECT_THROW(mix.complete(wholeMix(), 2, {}, {})->takeName("followed.m4a"), std::runtime_error);
@@ -113,7 +113,7 @@ TEST_F(GrowingMixTest, doesNotReplaceAnExistingFile) {
     record(0, 5 * second);
     recording.finish();
     files.put("followed.m4a", std::vector<std::byte>(7));
-    GrowingMix mix(ffmpeg::coding(), files, "movie.mov", volumes);
+    GrowingMix mix(ffmpeg::codec(), files, "movie.mov", volumes);
     EXPECT_THROW(mix.complete(wholeMix(), 2, {}, {})->takeName("followed.m4a"), std::system_error);
     EXPECT_EQ(files.contentOf("followed.m4a").size(), 7U);
 }

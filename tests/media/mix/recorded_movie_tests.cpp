@@ -10,12 +10,12 @@
 
 #include "engine/files/output_place.h"
 #include "engine/recording_types.h"
-#include "media/coding/aac.h"
-#include "media/mix/coded_segment.h"
+#include "media/codec/aac.h"
+#include "media/mix/encoded_segment.h"
 #include "media/mix/recorded_movie.h"
 #include "media/writing/fragment_muxer.h"
 #include "media/writing/movie_writer.h"
-#include "platform/ffmpeg/ffmpeg_coding.h"
+#include "platform/ffmpeg/ffmpeg_codec.h"
 #include "platform/ffmpeg/toolkit.h"
 #include "platform/posix/posix_file_system.h"
 #include "tests/media/support/external_programs.h"
@@ -212,7 +212,7 @@ TEST_F(MovieMix, reportsAFullDiskInTheSystemsWords) {
 
 TEST_F(MovieMix, failsForATrackWithoutSound) {
     media::FragmentMuxer muxer;
-    muxer.addTrack(media::makeMixCoder(ffmpeg::coding()).track());
+    muxer.addTrack(media::makeMixEncoder(ffmpeg::codec()).track());
     muxer.add(0, {.bytes = {0}, .start = -media::primingFrames, .frames = media::primingFrames});
     files.put("movie.mov", muxer.closeFragment(0));
     EXPECT_EQ(toolkit.openRecording("movie.mov")->duration(), zeroTime);
@@ -227,12 +227,12 @@ TEST_F(MovieMix, requiresAFiniteVolumePerTrack) {
     EXPECT_THROW(mixAt({1.0F, 1.0F}), std::invalid_argument);
 }
 
-/// As with a library built without a coder.
-class NoCoding final : public media::Coding {
+/// As with a library built without an encoder.
+class NoCodec final : public media::AacCodec {
 public:
-    bool hasCoder() const noexcept override { return false; }
+    bool hasEncoder() const noexcept override { return false; }
 
-    std::unique_ptr<media::ChannelCoder> makeChannelCoder(int /*bitRate*/) const override {
+    std::unique_ptr<media::ChannelEncoder> makeChannelEncoder(int /*bitRate*/) const override {
         throw std::runtime_error("no coder");
     }
 
@@ -244,7 +244,7 @@ public:
 
 TEST_F(MovieMix, failsWithoutACoder) {
     record({{systemTrack, second, tone(440, 0.5F)}});
-    const NoCoding none;
+    const NoCodec none;
     media::RecordedMovie movie(none, files, "movie.mov");
     const auto file = files.create("mix.m4a", FileAudience::asUserPrefers);
     EXPECT_THAT([&] { movie.mix({1.0F}, *file, {}, {}); },
@@ -254,7 +254,7 @@ TEST_F(MovieMix, failsWithoutACoder) {
 
 TEST(WriterWithoutACoder, takesNoTrack) {
     MemoryFileSystem files;
-    const NoCoding none;
+    const NoCodec none;
     media::MovieWriter writer(none, files, "movie.mov");
     EXPECT_EQ(writer.addTrack(systemTrack), nullptr);
 }

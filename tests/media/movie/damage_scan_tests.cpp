@@ -11,7 +11,7 @@
 #include <gtest/gtest.h>
 
 #include "media/boxes/box_search.h"
-#include "media/coding/aac.h"
+#include "media/codec/aac.h"
 #include "media/movie/fragment_checksum.h"
 #include "media/movie/movie.h"
 #include "tests/media/support/movie_recording.h"

@@ -146,7 +146,7 @@ TEST(DamagedCodecs, everyWrongByteOfARecordedHeaderIsReadOrRefused) {
             if (!isRefused(damaged)) {
                 if (const auto codec = codecOf(damaged)) {
                     EXPECT_GE(codec->channels, 1);
-                    EXPECT_GE(codec->coderConfiguration.size(), 2U);
+                    EXPECT_GE(codec->decoderConfiguration.size(), 2U);
                 }
             }
         }

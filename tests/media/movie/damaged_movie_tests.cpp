@@ -9,7 +9,7 @@
 
 #include "media/boxes/box_reader.h"
 #include "media/boxes/box_writer.h"
-#include "media/coding/aac.h"
+#include "media/codec/aac.h"
 #include "media/movie/fragment_parser.h"
 #include "media/movie/movie.h"
 #include "tests/media/support/movie_recording.h"

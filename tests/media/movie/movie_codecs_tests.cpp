@@ -34,7 +34,7 @@ void expectSame(const media::AacTrack& ours, const AVCodecParameters& theirs) {
     EXPECT_EQ(ours.channels, theirs.ch_layout.nb_channels);
     const auto configuration =
         std::as_bytes(std::span(theirs.extradata, static_cast<std::size_t>(theirs.extradata_size)));
-    EXPECT_TRUE(std::ranges::equal(ours.coderConfiguration, configuration));
+    EXPECT_TRUE(std::ranges::equal(ours.decoderConfiguration, configuration));
 }
 
 /// Compares all tracks of a file with what libavformat reads. For a file whose packets precede the
@@ -118,7 +118,7 @@ TEST(MovieCodecs, longConfigurationsAreKeptWhole) {
     std::ranges::copy(stereo(), configuration.begin());
     const auto codec = codecOf(informationOf(description(0, streamOf(configuration))));
     ASSERT_TRUE(codec);
-    EXPECT_EQ(codec->coderConfiguration, configuration);
+    EXPECT_EQ(codec->decoderConfiguration, configuration);
 }
 
 TEST(MovieCodecs, channelsAreThoseOfTheConfiguration) {
@@ -135,10 +135,10 @@ TEST(MovieCodecs, channelsAreThoseOfTheConfiguration) {
 }
 
 TEST(MovieCodecs, areThoseOfEachKindOfAac) {
-    for (unsigned coding = 0; coding < 256; ++coding) {
-        const bool isAac = coding == 0x40 || coding == 0x66 || coding == 0x67 || coding == 0x68;
-        const auto codec = codecOf(informationOf(description(0, streamOf(stereo(), coding))));
-        EXPECT_EQ(codec.has_value(), isAac) << coding;
+    for (unsigned type = 0; type < 256; ++type) {
+        const bool isAac = type == 0x40 || type == 0x66 || type == 0x67 || type == 0x68;
+        const auto codec = codecOf(informationOf(description(0, streamOf(stereo(), type))));
+        EXPECT_EQ(codec.has_value(), isAac) << type;
     }
     for (unsigned kind = 0; kind < 32; ++kind) {
         const Bytes configuration = bytesOf({(kind << 3U) | 1U, 0x90});

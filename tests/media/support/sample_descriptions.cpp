@@ -57,9 +57,9 @@ Bytes descriptor(unsigned tag, const Bytes& content, unsigned lengthBytes, int e
     return bytes + content;
 }
 
-Bytes decoderFields(unsigned coding) {
+Bytes decoderFields(unsigned objectType) {
     return write([&](media::BoxWriter& out) {
-        out.u8(coding);
+        out.u8(objectType);
         out.u8(0x15);
         out.zeros(3);
         out.u32(bitRate + 1); // at most
@@ -79,8 +79,8 @@ Bytes streamBox(const Bytes& content) {
     return box("esds", versionAndFlags() + descriptor(3, streamFields() + content));
 }
 
-Bytes streamOf(const Bytes& configuration, unsigned coding, unsigned lengthBytes) {
-    const Bytes decoder = decoderFields(coding) + descriptor(5, configuration, lengthBytes);
+Bytes streamOf(const Bytes& configuration, unsigned objectType, unsigned lengthBytes) {
+    const Bytes decoder = decoderFields(objectType) + descriptor(5, configuration, lengthBytes);
     return box("esds", versionAndFlags() +
                            descriptor(3, streamFields() + descriptor(4, decoder, lengthBytes),
                                       lengthBytes));
@@ -121,8 +121,8 @@ bool isRefused(const Bytes& information) {
 }
 
 void expectStereo(const std::optional<media::AacTrack>& codec) {
-    EXPECT_EQ(codec,
-              (media::AacTrack{.channels = 2, .bitRate = bitRate, .coderConfiguration = stereo()}));
+    EXPECT_EQ(codec, (media::AacTrack{
+                         .channels = 2, .bitRate = bitRate, .decoderConfiguration = stereo()}));
 }
 
 } // namespace vantoro::testing::made_up

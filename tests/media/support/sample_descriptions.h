@@ -8,9 +8,9 @@
 #include <optional>
 #include <vector>
 
-#include "media/coding/aac_track.h"
+#include "media/codec/aac.h"
 
-/// Headers of sound tracks, whole and damaged, as far as they tell how the packets are coded.
+/// Headers of sound tracks, whole and damaged, as far as they tell how the packets are encoded.
 namespace vantoro::testing::made_up {
 
 using Bytes = std::vector<std::byte>;
@@ -27,20 +27,21 @@ Bytes stereo();
 /// The fields of three kinds of boxes and descriptors, before what is in those.
 Bytes versionAndFlags();
 Bytes streamFields();
-Bytes decoderFields(unsigned coding = mpeg4Sound);
+Bytes decoderFields(unsigned objectType = mpeg4Sound);
 
 /// A descriptor whose length takes so many bytes, and is wrong by `excess`.
 Bytes descriptor(unsigned tag, const Bytes& content, unsigned lengthBytes = 4, int excess = 0);
 /// An `esds` box around what is in a stream's descriptor.
 Bytes streamBox(const Bytes& content);
 /// A whole `esds` box.
-Bytes streamOf(const Bytes& configuration, unsigned coding = mpeg4Sound, unsigned lengthBytes = 4);
+Bytes streamOf(const Bytes& configuration, unsigned objectType = mpeg4Sound,
+               unsigned lengthBytes = 4);
 /// A sample description of a QuickTime version with boxes behind its fields.
 Bytes description(unsigned version, const Bytes& boxes, const char* type = "mp4a");
 /// What a track's header holds around its descriptions.
 Bytes informationOf(const Bytes& descriptions);
 
-/// How a single track of sound is coded, as `readCodecs` tells.
+/// How a single track of sound is encoded, as `readCodecs` tells.
 std::optional<media::AacTrack> codecOf(const Bytes& information);
 /// Whether `readCodecs` throws DamagedMovie.
 bool isRefused(const Bytes& information);

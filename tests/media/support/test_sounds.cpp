@@ -30,7 +30,7 @@ Sound tone(double frequency, float amplitude) {
 
 Sound clicks(std::vector<std::int64_t> frames) {
     return [frames = std::move(frames)](std::int64_t frame) {
-        // A burst of 3 kHz under a bell, whose peak survives coding within a few frames.
+        // A burst of 3 kHz under a bell, whose peak survives encoding within a few frames.
         constexpr double halfWidth = 48;
         float sum = 0;
         for (const std::int64_t center : frames) {

@@ -45,9 +45,24 @@ TEST(MovieBoxes, indexGivesEachTracksFragments) {
     EXPECT_EQ(fields.u32(), bytes.size());
 }
 
+struct PacketSize {
+    std::uint32_t bytes;
+    std::uint32_t frames;
+};
+
+std::vector<AacPacket> packetsOf(std::int64_t start, const std::vector<PacketSize>& sizes) {
+    std::vector<AacPacket> packets;
+    for (const auto& [bytes, frames] : sizes) {
+        packets.push_back(
+            {.bytes = std::vector<std::uint8_t>(bytes), .start = start, .frames = frames});
+        start += frames;
+    }
+    return packets;
+}
+
 struct FieldsCase {
     const char* name;
-    std::vector<FragmentTrack::Packet> packets;
+    std::vector<PacketSize> packets;
     std::uint32_t flags;
     std::vector<std::uint32_t> fields; // of all packets
 };
@@ -56,8 +71,8 @@ class PacketFields : public ::testing::TestWithParam<FieldsCase> {};
 
 TEST_P(PacketFields, arePresentOnlyIfThePacketsDiffer) {
     const auto& [name, packets, flags, expected] = GetParam();
-    const std::vector<FragmentTrack> tracks{{.number = 2, .time = 49152, .packets = packets}};
-    const auto bytes = fragmentHeader(5, tracks);
+    const std::vector<FragmentTrack> tracks{{.number = 2, .packets = packetsOf(48128, packets)}};
+    const auto bytes = movieFragment(5, tracks);
     const std::uint64_t run = 20 + (4 * expected.size());
     const std::uint64_t description = 8 + 16 + 8 + 28 + 20 + run;
     ByteReader fields(bytes);
@@ -86,6 +101,7 @@ TEST_P(PacketFields, arePresentOnlyIfThePacketsDiffer) {
         content += packet.bytes;
     }
     enter(fields, "mdat", content);
+    EXPECT_EQ(fields.rest().size() + 8, content);
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -98,15 +114,15 @@ INSTANTIATE_TEST_SUITE_P(
     [](const auto& test) { return test.param.name; });
 
 TEST(MovieBoxes, secondTracksContentFollowsTheFirsts) {
-    const std::vector<FragmentTrack> tracks{{.number = 1, .time = 0, .packets = {{7, 1024}}},
-                                            {.number = 2, .time = 0, .packets = {{9, 1024}}}};
-    const auto bytes = fragmentHeader(1, tracks);
+    const std::vector<FragmentTrack> tracks{{.number = 1, .packets = packetsOf(0, {{7, 1024}})},
+                                            {.number = 2, .packets = packetsOf(0, {{9, 1024}})}};
+    const auto bytes = movieFragment(1, tracks);
     constexpr std::uint64_t traf = 8 + 28 + 20 + 20;
     ByteReader fields(bytes);
     fields.take(8 + 16 + traf - 4);
-    EXPECT_EQ(fields.u32(), bytes.size());
+    EXPECT_EQ(fields.u32(), bytes.size() - 7 - 9);
     fields.take(traf - 4);
-    EXPECT_EQ(fields.u32(), bytes.size() + 7);
+    EXPECT_EQ(fields.u32(), bytes.size() - 9);
 }
 
 } // namespace

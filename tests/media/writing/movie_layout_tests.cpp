@@ -46,7 +46,7 @@ TEST(MovieLayout, isAQuickTimeMovieOfTwoAacTracks) {
 }
 
 TEST(MovieLayout, bitRatesAreThoseOfTheSettings) {
-    // Noise needs all bits that a coder may use.
+    // Noise needs all bits that an encoder may use.
     std::uint32_t state = 1;
     const Sound noise = [&state](std::int64_t) {
         state = (state * 1664525U) + 1013904223U;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "media/writing/sample_conversion.h"
+#include "media/writing/track_encoder.h"
 
 #include <gtest/gtest.h>
 

@@ -11,7 +11,7 @@
 #include "engine/failure.h"
 #include "media/writing/fragment_file.h"
 #include "media/writing/movie_writer.h"
-#include "platform/ffmpeg/ffmpeg_coding.h"
+#include "platform/ffmpeg/ffmpeg_codec.h"
 #include "tests/media/support/external_programs.h"
 #include "tests/media/support/movie_recording.h"
 #include "tests/support/memory_file_system.h"
@@ -159,7 +159,7 @@ TEST(WriterStart, finishingAWriterThatNeverStartedFails) {
 
 TEST(WriterBacklog, tracksAreNotReadyWhileTooMuchWaitsForTheDisk) {
     MemoryFileSystem files;
-    media::MovieWriter writer(ffmpeg::coding(), files, "movie.mov", {}, {}, {}, 10'000);
+    media::MovieWriter writer(ffmpeg::codec(), files, "movie.mov", {}, {}, {}, 10'000);
     RecordingTrack& track = *writer.addTrack(microphoneTrack);
     ASSERT_TRUE(writer.start(SoundBuffer::sessionStart));
     files.setStuck(true);

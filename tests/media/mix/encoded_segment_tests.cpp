@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "media/mix/coded_segment.h"
+#include "media/mix/encoded_segment.h"
 
 #include <gtest/gtest.h>
 
@@ -16,8 +16,8 @@
 #include <utility>
 #include <vector>
 
-#include "media/mix/parallel_coding.h"
-#include "platform/ffmpeg/ffmpeg_coding.h"
+#include "media/mix/parallel_encoding.h"
+#include "platform/ffmpeg/ffmpeg_codec.h"
 #include "platform/posix/posix_file_system.h"
 #include "tests/media/support/external_programs.h"
 #include "tests/media/support/movie_recording.h"
@@ -35,10 +35,10 @@ using Channels = std::array<std::vector<float>, 2>;
 constexpr WindowEnd longEnd{.isShort = false, .shape = 1};
 constexpr WindowEnd shortEnd{.isShort = true, .shape = 1};
 
-/// One-byte packets that hold their number and their coder's.
-CodedSegment made(std::int64_t first, std::int64_t count, std::int64_t maker,
-                  const std::vector<WindowEnds>& ends) {
-    CodedSegment segment;
+/// One-byte packets that hold their number and their encoder's.
+EncodedSegment made(std::int64_t first, std::int64_t count, std::int64_t maker,
+                    const std::vector<WindowEnds>& ends) {
+    EncodedSegment segment;
     segment.firstPacket = first;
     segment.sizes.assign(static_cast<std::size_t>(count), 1);
     for (std::int64_t packet = first; packet < first + count; ++packet) {
@@ -49,13 +49,13 @@ CodedSegment made(std::int64_t first, std::int64_t count, std::int64_t maker,
     return segment;
 }
 
-std::vector<int> spliced(std::vector<CodedSegment> segments) {
+std::vector<int> spliced(std::vector<EncodedSegment> segments) {
     std::vector<int> bytes;
     SegmentSplicer splicer([&](std::span<const std::byte> packet) {
         ASSERT_EQ(packet.size(), 1U);
         bytes.push_back(std::to_integer<int>(packet[0]));
     });
-    for (CodedSegment& segment : segments) {
+    for (EncodedSegment& segment : segments) {
         splicer.add(std::move(segment));
     }
     splicer.finish();
@@ -99,7 +99,7 @@ TEST(SegmentSplicer, switchesAtTheSegmentsStartIfNoWindowEndsMatch) {
               (std::vector<int>{0, 1, 2, 103, 104, 105}));
 }
 
-TEST(CodedSegment, packetsAndSegmentsOfAMixAreCounted) {
+TEST(EncodedSegment, packetsAndSegmentsOfAMixAreCounted) {
     EXPECT_EQ(packetsOf(1), 2);
     EXPECT_EQ(packetsOf(1024), 2);
     EXPECT_EQ(packetsOf(1025), 3);
@@ -108,8 +108,8 @@ TEST(CodedSegment, packetsAndSegmentsOfAMixAreCounted) {
     EXPECT_EQ(segmentsOf(((segmentPackets - 1) * packetFrames) + 1), 2);
 }
 
-/// A different string in each channel, with strokes that make the coder switch windows, one of them
-/// exactly where a segment begins.
+/// A different string in each channel, with strokes that make the encoder switch windows, one of
+/// them exactly where a segment begins.
 Channels music(std::int64_t frames) {
     std::vector<std::int64_t> strokes{(segmentPackets * packetFrames) - 700};
     for (std::int64_t at = 3000; at < frames; at += 7919) {
@@ -139,7 +139,7 @@ Channels music(std::int64_t frames) {
 }
 
 /// A movie of two segments, in memory.
-class SegmentedCoding : public ::testing::Test {
+class SegmentedEncoding : public ::testing::Test {
 protected:
     static constexpr std::int64_t frames = ((segmentPackets + 200) * packetFrames) + 123;
 
@@ -169,9 +169,9 @@ protected:
         return files.contentOf("movie.mov");
     }
 
-    /// The mix before coding.
+    /// The mix before encoding.
     Channels mixed() const {
-        Mixer mixer(ffmpeg::coding(), mix, 0);
+        Mixer mixer(ffmpeg::codec(), mix, 0);
         Channels channels;
         std::array<float, packetFrames> left{};
         std::array<float, packetFrames> right{};
@@ -183,9 +183,9 @@ protected:
         return channels;
     }
 
-    /// Coded by one coder from beginning to end.
-    static MixPackets codedSerially(const Channels& channels) {
-        AacEncoder coder = makeMixCoder(ffmpeg::coding());
+    /// Encoded by one encoder from beginning to end.
+    static MixPackets encodedSerially(const Channels& channels) {
+        AacEncoder encoder = makeMixEncoder(ffmpeg::codec());
         MixPackets packets;
         const PacketSink keep = [&](const AacPacket& packet) {
             const auto bytes = std::as_bytes(std::span(packet.bytes));
@@ -195,26 +195,26 @@ protected:
             for (int channel = 0; channel < 2; ++channel) {
                 const auto part = std::span(channels[static_cast<std::size_t>(channel)])
                                       .subspan(static_cast<std::size_t>(frame), packetFrames);
-                std::ranges::copy(part, coder.plane(channel).begin());
+                std::ranges::copy(part, encoder.plane(channel).begin());
             }
             const std::int64_t left = frames - frame;
-            coder.encode(static_cast<int>(std::min<std::int64_t>(packetFrames, left)), keep);
+            encoder.encode(static_cast<int>(std::min<std::int64_t>(packetFrames, left)), keep);
         }
-        coder.finish(keep);
+        encoder.finish(keep);
         return packets;
     }
 
-    MixPackets codedBy(unsigned threads) const {
+    MixPackets encodedBy(unsigned threads) const {
         MixPackets packets;
         SegmentSplicer splicer([&](std::span<const std::byte> packet) {
             packets.emplace_back(packet.begin(), packet.end());
         });
-        codeInParallel(ffmpeg::coding(), mix, 0, threads, splicer, {}, {});
+        encodeInParallel(ffmpeg::codec(), mix, 0, threads, splicer, {}, {});
         return packets;
     }
 
     static Channels decoded(const MixPackets& packets) {
-        const auto decoder = ffmpeg::coding().makeDecoder(makeMixCoder(ffmpeg::coding()).track());
+        const auto decoder = ffmpeg::codec().makeDecoder(makeMixEncoder(ffmpeg::codec()).track());
         Channels channels;
         for (const auto& packet : packets) {
             const auto sound = decoder->decode(packet);
@@ -228,7 +228,7 @@ protected:
         return channels;
     }
 
-    /// The energy of the coding noise around the seams.
+    /// The energy of the encoding noise around the seams.
     static double errorAtSeams(const Channels& sound, const Channels& original) {
         double sum = 0;
         for (std::int64_t seam = segmentPackets; seam < packetsOf(frames); seam += segmentPackets) {
@@ -245,41 +245,41 @@ protected:
     }
 };
 
-TEST_F(SegmentedCoding, doesNotDependOnTheNumberOfThreads) {
-    const MixPackets one = codedBy(1);
+TEST_F(SegmentedEncoding, doesNotDependOnTheNumberOfThreads) {
+    const MixPackets one = encodedBy(1);
     EXPECT_EQ(one.size(), static_cast<std::size_t>(packetsOf(frames)));
-    EXPECT_EQ(codedBy(2), one);
-    EXPECT_EQ(codedBy(7), one);
+    EXPECT_EQ(encodedBy(2), one);
+    EXPECT_EQ(encodedBy(7), one);
 }
 
-TEST_F(SegmentedCoding, noSeamSoundsWorseThanWhatOneCoderMakes) {
+TEST_F(SegmentedEncoding, noSeamSoundsWorseThanWhatOneCoderMakes) {
     const Channels original = mixed();
-    const Channels serial = decoded(codedSerially(original));
-    const Channels segmented = decoded(codedBy(2));
+    const Channels serial = decoded(encodedSerially(original));
+    const Channels segmented = decoded(encodedBy(2));
     EXPECT_EQ(segmented[0].size(), serial[0].size());
     const double decibels =
         10 * std::log10(errorAtSeams(segmented, original) / errorAtSeams(serial, original));
     EXPECT_LT(decibels, 0.3);
 }
 
-TEST_F(SegmentedCoding, aFailingSinkEndsTheCoding) {
+TEST_F(SegmentedEncoding, aFailingSinkEndsTheCoding) {
     int taken = 0;
     SegmentSplicer splicer([&](std::span<const std::byte>) {
         if (++taken == 100) {
             throw std::runtime_error("No space left on device");
         }
     });
-    EXPECT_THROW(codeInParallel(ffmpeg::coding(), mix, 0, 2, splicer, {}, {}), std::runtime_error);
+    EXPECT_THROW(encodeInParallel(ffmpeg::codec(), mix, 0, 2, splicer, {}, {}), std::runtime_error);
     EXPECT_EQ(taken, 100);
 }
 
-TEST_F(SegmentedCoding, anUnreadableSourceEndsTheCoding) {
+TEST_F(SegmentedEncoding, anUnreadableSourceEndsTheCoding) {
     const TemporaryFolder folder;
     const auto movie = folder.put("movie.mov", files.contentOf("movie.mov"));
     posix::PosixFileSystem onDisk;
     open(onDisk, movie);
     std::filesystem::resize_file(movie, std::filesystem::file_size(movie) / 2);
-    EXPECT_ANY_THROW(codedBy(2));
+    EXPECT_ANY_THROW(encodedBy(2));
 }
 
 } // namespace

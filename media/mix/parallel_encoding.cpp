@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "media/mix/parallel_coding.h"
+#include "media/mix/parallel_encoding.h"
 
 #include <algorithm>
 #include <condition_variable>
@@ -23,9 +23,9 @@ namespace {
 /// Threads that code segments ahead of the thread that takes them in order.
 class SegmentWorkers {
 public:
-    SegmentWorkers(const Coding& coding, const Mix& mix, std::int64_t firstSegment,
+    SegmentWorkers(const AacCodec& codec, const Mix& mix, std::int64_t firstSegment,
                    unsigned threads, std::stop_token stop)
-        : coding_(coding),
+        : codec_(codec),
           mix_(mix),
           stop_(std::move(stop)),
           segments_(segmentsOf(framesOf(mix))),
@@ -52,10 +52,10 @@ public:
 
     std::int64_t segments() const noexcept { return segments_; }
 
-    /// The next segment. While it waits it calls `packetsDone` with the number of packets coded.
-    CodedSegment take(const std::function<void(std::int64_t)>& packetsDone) {
+    /// The next segment. While it waits it calls `packetsDone` with the number of packets encoded.
+    EncodedSegment take(const std::function<void(std::int64_t)>& packetsDone) {
         if (workers_.empty()) {
-            auto segment = codeSegment(coding_, mix_, taken_++, stop_, [this] { ++packetsDone_; });
+            auto segment = encode(taken_++, stop_, [this] { ++packetsDone_; });
             throwIfStopped(stop_);
             packetsDone(packetsDone_);
             return segment;
@@ -84,12 +84,20 @@ public:
 private:
     static constexpr std::int64_t reportInterval = 32;
 
+    /// One whole segment; incomplete after a stop request.
+    EncodedSegment encode(std::int64_t segment, const std::stop_token& stop,
+                          const std::function<void()>& packetDone) const {
+        SegmentEncoder encoder(codec_, mix_, segment);
+        encoder.encode(framesOf(mix_), stop, packetDone);
+        return encoder.take();
+    }
+
     void work(const std::stop_token& stop) {
         try {
             while (const auto segment = claim(stop)) {
-                auto coded = codeSegment(coding_, mix_, *segment, stop, [this] { countPacket(); });
+                auto encoded = encode(*segment, stop, [this] { countPacket(); });
                 const std::scoped_lock lock(mutex_);
-                done_.emplace(*segment, std::move(coded));
+                done_.emplace(*segment, std::move(encoded));
                 changed_.notify_one();
             }
         } catch (...) {
@@ -117,7 +125,7 @@ private:
         }
     }
 
-    const Coding& coding_;
+    const AacCodec& codec_;
     const Mix& mix_;
     const std::stop_token stop_; // of the thread that takes the segments
     const std::int64_t segments_;
@@ -129,7 +137,7 @@ private:
     std::int64_t claimed_;
     std::int64_t taken_;
     std::int64_t packetsDone_ = 0;
-    std::map<std::int64_t, CodedSegment> done_;
+    std::map<std::int64_t, EncodedSegment> done_;
     std::exception_ptr failure_;
 
     std::vector<std::jthread> workers_; // last, because they use the above
@@ -137,9 +145,9 @@ private:
 
 } // namespace
 
-void codeInParallel(const Coding& coding, const Mix& mix, std::int64_t firstSegment,
-                    unsigned threads, SegmentSplicer& splicer, const ExportProgress& progress,
-                    const std::stop_token& stop) {
+void encodeInParallel(const AacCodec& codec, const Mix& mix, std::int64_t firstSegment,
+                      unsigned threads, SegmentSplicer& splicer, const ExportProgress& progress,
+                      const std::stop_token& stop) {
     const auto packets = static_cast<double>(packetsOf(framesOf(mix)));
     std::int64_t reported = -1;
     const auto report = [&](std::int64_t done) {
@@ -150,7 +158,7 @@ void codeInParallel(const Coding& coding, const Mix& mix, std::int64_t firstSegm
     };
     const std::int64_t packetsBefore = firstSegment * segmentPackets;
     report(packetsBefore); // before the first packet
-    SegmentWorkers workers(coding, mix, firstSegment, std::max(threads, 1U), stop);
+    SegmentWorkers workers(codec, mix, firstSegment, std::max(threads, 1U), stop);
     for (std::int64_t segment = firstSegment; segment < workers.segments(); ++segment) {
         splicer.add(workers.take([&](std::int64_t done) { report(packetsBefore + done); }));
         report((segment + 1) * segmentPackets);

@@ -2,21 +2,13 @@
 
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <vector>
 
+#include "media/codec/aac.h"
+
 namespace vantoro::media {
-
-/// How a channel's window overlaps the next packet's. Packets with equal window ends are
-/// interchangeable as predecessors.
-struct WindowEnd {
-    bool isShort = false;
-    unsigned shape = 0;
-
-    bool operator==(const WindowEnd&) const = default;
-};
 
 /// The window end of a single-channel packet. Throws as `joinChannels`.
 WindowEnd windowEndOf(std::span<const std::uint8_t> packet);

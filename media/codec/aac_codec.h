@@ -3,34 +3,24 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
 #include <memory>
 #include <optional>
 #include <span>
 #include <vector>
 
-#include "media/coding/aac.h"
-#include "media/coding/aac_track.h"
+#include "media/codec/aac.h"
 
 namespace vantoro::media {
 
-/// A coder's output.
-struct AacPacket {
-    std::vector<std::uint8_t> bytes;
-    std::int64_t start = 0;  ///< frames from the sound's beginning; negative for the priming
-    std::int64_t frames = 0; ///< that the packet covers
-};
-
-/// Codes one channel at 48 kHz, so that decoding a packet needs only the previous one. Packets
-/// cover 1024 frames each; the first is the priming, the last may be shorter. Used by one thread at
-/// a time; every operation throws std::runtime_error on failure.
-class ChannelCoder {
+/// Encodes one channel, so that decoding a packet needs only the previous one. The last packet may
+/// be shorter. Used by one thread at a time; every operation throws std::runtime_error on failure.
+class ChannelEncoder {
 public:
-    virtual ~ChannelCoder() = default;
+    virtual ~ChannelEncoder() = default;
     /// The decoder's configuration.
     virtual std::vector<std::byte> configuration() const = 0;
     /// Takes the next 1024 frames, or fewer in the last call.
-    virtual void code(std::span<const float> samples) = 0;
+    virtual void encode(std::span<const float> samples) = 0;
     /// Ends the input.
     virtual void finish() = 0;
     /// The next packet; nothing if it needs more sound, or at the end.
@@ -55,14 +45,13 @@ public:
     virtual void reset() noexcept = 0;
 };
 
-/// Makes coders and decoders, which it must outlive. Any thread.
-class Coding {
+/// Makes encoders and decoders, which it must outlive. Any thread.
+class AacCodec {
 public:
-    virtual ~Coding() = default;
-    /// Whether a coder is available.
-    virtual bool hasCoder() const noexcept = 0;
+    virtual ~AacCodec() = default;
+    virtual bool hasEncoder() const noexcept = 0;
     /// `bitRate`: bits per second. Throws std::runtime_error on failure.
-    virtual std::unique_ptr<ChannelCoder> makeChannelCoder(int bitRate) const = 0;
+    virtual std::unique_ptr<ChannelEncoder> makeChannelEncoder(int bitRate) const = 0;
     /// Throws std::runtime_error on failure.
     virtual std::unique_ptr<AacDecoder> makeDecoder(const AacTrack& track) const = 0;
 };

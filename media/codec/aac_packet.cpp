@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "media/coding/aac_packet.h"
+#include "media/codec/aac_packet.h"
 
 #include <algorithm>
 #include <bit>

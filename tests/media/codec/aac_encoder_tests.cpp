@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "media/coding/aac_encoder.h"
+#include "media/codec/aac_encoder.h"
 
 #include <gtest/gtest.h>
 
@@ -11,8 +11,8 @@
 #include <utility>
 #include <vector>
 
-#include "media/coding/aac.h"
-#include "platform/ffmpeg/ffmpeg_coding.h"
+#include "media/codec/aac.h"
+#include "platform/ffmpeg/ffmpeg_codec.h"
 #include "tests/media/support/test_sounds.h"
 
 namespace vantoro::testing {
@@ -26,26 +26,26 @@ using Packets = std::vector<std::vector<std::uint8_t>>;
 constexpr int bitRatePerChannel = 96000;
 
 Packets encode(const std::vector<Sound>& sounds, std::int64_t frames) {
-    AacEncoder coder(ffmpeg::coding(), static_cast<int>(sounds.size()),
-                     bitRatePerChannel * static_cast<int>(sounds.size()));
+    AacEncoder encoder(ffmpeg::codec(), static_cast<int>(sounds.size()),
+                       bitRatePerChannel * static_cast<int>(sounds.size()));
     Packets packets;
     const auto keep = [&](AacPacket packet) { packets.push_back(std::move(packet.bytes)); };
     for (std::int64_t done = 0; done < frames; done += packetFrames) {
-        for (int channel = 0; channel < coder.channels(); ++channel) {
-            std::ranges::generate(coder.plane(channel), [&, frame = done]() mutable {
+        for (int channel = 0; channel < encoder.channels(); ++channel) {
+            std::ranges::generate(encoder.plane(channel), [&, frame = done]() mutable {
                 return sounds[static_cast<std::size_t>(channel)](frame++);
             });
         }
-        coder.encode(static_cast<int>(std::min<std::int64_t>(packetFrames, frames - done)), keep);
+        encoder.encode(static_cast<int>(std::min<std::int64_t>(packetFrames, frames - done)), keep);
     }
-    coder.finish(keep);
+    encoder.finish(keep);
     return packets;
 }
 
 /// Both channels, without the priming.
 std::pair<Samples, Samples> decodePackets(const Packets& packets, int channels) {
-    const AacEncoder coder(ffmpeg::coding(), channels, bitRatePerChannel * channels);
-    const auto decoder = ffmpeg::coding().makeDecoder(coder.track());
+    const AacEncoder encoder(ffmpeg::codec(), channels, bitRatePerChannel * channels);
+    const auto decoder = ffmpeg::codec().makeDecoder(encoder.track());
     std::pair<Samples, Samples> sound;
     for (const auto& packet : packets) {
         const auto decoded = decoder->decode(std::as_bytes(std::span(packet)));
@@ -62,7 +62,7 @@ std::pair<Samples, Samples> decodePackets(const Packets& packets, int channels) 
     return sound;
 }
 
-/// The energy of the coding noise in each 1024 frames.
+/// The energy of the encoding noise in each 1024 frames.
 std::vector<double> errors(const Samples& samples, const Sound& original, std::int64_t frames) {
     std::vector<double> result(static_cast<std::size_t>(frames / packetFrames));
     for (std::size_t i = 0; i < result.size() * packetFrames; ++i) {
@@ -72,7 +72,7 @@ std::vector<double> errors(const Samples& samples, const Sound& original, std::i
     return result;
 }
 
-/// Two strings with occasional strokes, so that the coder switches windows.
+/// Two strings with occasional strokes, so that the encoder switches windows.
 Sound music() {
     static const Samples samples = [] {
         std::vector<std::int64_t> strokes;
