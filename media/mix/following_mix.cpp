@@ -40,25 +40,21 @@ FollowingMix::~FollowingMix() {
 }
 
 void FollowingMix::expect(std::vector<float> volumes) {
-    {
-        const std::scoped_lock lock(mutex_);
-        if (volumes == volumes_) {
-            return;
-        }
-        volumes_ = std::move(volumes);
-        changedAt_ = std::chrono::steady_clock::now();
-        isOutdated_ = true;
-        attempt_.request_stop();
+    const std::scoped_lock lock(mutex_);
+    if (volumes == volumes_) {
+        return;
     }
+    volumes_ = std::move(volumes);
+    changedAt_ = std::chrono::steady_clock::now();
+    isOutdated_ = true;
+    attempt_.request_stop();
     changed_.notify_one();
 }
 
 void FollowingMix::fragmentWritten() {
-    {
-        const std::scoped_lock lock(mutex_);
-        hasNewFragment_ = true;
-        hasFragments_ = true;
-    }
+    const std::scoped_lock lock(mutex_);
+    hasNewFragment_ = true;
+    hasFragments_ = true;
     changed_.notify_one();
 }
 

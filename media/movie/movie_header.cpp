@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "media/movie/movie_header.h"
+#include "media/movie/movie_scan.h"
 
 #include <algorithm>
 #include <utility>
 
+#include "media/boxes/box_reader.h"
 #include "media/codec/aac.h"
 
 namespace vantoro::media {

@@ -12,7 +12,6 @@
 #include "media/codec/aac.h"
 #include "media/movie/fragment_checksum.h"
 #include "media/movie/fragment_parser.h"
-#include "media/movie/movie_header.h"
 
 namespace vantoro::media {
 

@@ -21,6 +21,10 @@ struct TrackHeader {
     std::vector<std::byte> information; ///< content of the box with the codec, unparsed
 };
 
+/// The tracks that a movie's header describes. `content`: that of its box. Throws DamagedMovie if
+/// track IDs repeat, there are more than 16 tracks, or an audio track is not at 48 kHz.
+std::vector<TrackHeader> parseHeader(std::span<const std::byte> content);
+
 /// A fragmented movie's tracks and whole fragments. Takes about 40 bytes per fragment and up to
 /// 1 MiB of header.
 ///

@@ -15,19 +15,15 @@ FragmentFile::FragmentFile(std::unique_ptr<OutputFile> file, Failure onFailure, 
       thread_([this] { run(); }) {}
 
 FragmentFile::~FragmentFile() {
-    {
-        const std::lock_guard lock(mutex_);
-        stopping_ = true;
-    }
+    const std::lock_guard lock(mutex_);
+    stopping_ = true;
     changed_.notify_one();
 }
 
 void FragmentFile::append(std::vector<std::byte> fragment, std::int64_t end) {
-    {
-        const std::lock_guard lock(mutex_);
-        backlog_ += fragment.size();
-        fragments_.push_back({std::move(fragment), end});
-    }
+    const std::lock_guard lock(mutex_);
+    backlog_ += fragment.size();
+    fragments_.push_back({std::move(fragment), end});
     changed_.notify_one();
 }
 
@@ -37,31 +33,29 @@ std::size_t FragmentFile::backlog() const {
 }
 
 void FragmentFile::finish(Completion completion) {
-    {
-        const std::lock_guard lock(mutex_);
-        completion_ = std::move(completion);
-        stopping_ = true;
-    }
+    const std::lock_guard lock(mutex_);
+    completion_ = std::move(completion);
+    stopping_ = true;
     changed_.notify_one();
 }
 
 void FragmentFile::run() {
     std::unique_lock lock(mutex_);
+    bool failed = false;
+    const auto canWrite = [&] { return !failed && !fragments_.empty(); };
     for (;;) {
-        changed_.wait(lock, [this] { return stopping_ || (!failed_ && !fragments_.empty()); });
-        if (!failed_ && !fragments_.empty()) {
-            lock.unlock();
-            const bool written = writeNext();
-            if (written) {
-                onGrowth_(backlog());
-            } else {
-                onFailure_(failure_);
-            }
-            lock.lock();
-            failed_ = !written;
-        } else {
+        changed_.wait(lock, [&] { return stopping_ || canWrite(); });
+        if (!canWrite()) {
             break;
         }
+        lock.unlock();
+        failed = !writeNext();
+        if (failed) {
+            onFailure_(failure_);
+        } else {
+            onGrowth_(backlog());
+        }
+        lock.lock();
     }
     lock.unlock();
     if (completion_) {
@@ -99,8 +93,16 @@ void FragmentFile::cutBack() noexcept {
     }
 }
 
+/// Tries once more to write the rest, and closes the file.
 void FragmentFile::conclude() {
-    std::exception_ptr failure = writeRest();
+    while (!fragments_.empty() && writeNext()) {
+    }
+    std::exception_ptr failure;
+    if (end_ == 0) {
+        failure = fragments_.empty()
+                      ? std::make_exception_ptr(vantoro::Failure(FailureCode::noSoundWritten))
+                      : failure_;
+    }
     try {
         file_->ensureReachable();
         file_->close();
@@ -108,16 +110,6 @@ void FragmentFile::conclude() {
         failure = failure ? failure : std::current_exception();
     }
     completion_(failure);
-}
-
-std::exception_ptr FragmentFile::writeRest() {
-    while (!fragments_.empty()) {
-        if (!writeNext()) {
-            return end_ > 0 ? nullptr : failure_;
-        }
-    }
-    return end_ > 0 ? nullptr
-                    : std::make_exception_ptr(vantoro::Failure(FailureCode::noSoundWritten));
 }
 
 } // namespace vantoro::media

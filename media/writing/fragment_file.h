@@ -62,7 +62,6 @@ private:
     void run();
     bool writeNext();
     void conclude();
-    std::exception_ptr writeRest();
     void cutBack() noexcept;
 
     // Used on the file thread only.
@@ -77,7 +76,6 @@ private:
     std::condition_variable changed_;
     std::deque<Fragment> fragments_;
     std::size_t backlog_ = 0;
-    bool failed_ = false;
     bool stopping_ = false;
     Completion completion_;
     std::jthread thread_; // last, because it uses the above and joins on destruction

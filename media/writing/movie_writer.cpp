@@ -16,10 +16,13 @@ namespace vantoro::media {
 
 class MovieWriter::Track final : public RecordingTrack {
 public:
-    Track(MovieWriter& writer, std::size_t index, TrackFormat format)
-        : writer_(writer),
-          index_(index),
-          encoder_(writer.codec_, format.channels, format.bitRate) {}
+    Track(MovieWriter& writer, std::size_t number, TrackFormat format)
+        : index(number),
+          encoder(writer.codec_, format.channels, format.bitRate,
+                  [&writer, number](AacPacket packet) {
+                      writer.muxer_.add(number, std::move(packet));
+                  }),
+          writer_(writer) {}
 
     bool isReady() const override { return writer_.isReady(); }
 
@@ -27,19 +30,12 @@ public:
 
     void end() override { writer_.end(*this); }
 
-    std::size_t index() const noexcept { return index_; }
-
-    TrackEncoder& encoder() noexcept { return encoder_; }
-
-    bool hasEnded() const noexcept { return ended_; }
-
-    void setEnded() noexcept { ended_ = true; }
+    const std::size_t index; // in the file
+    TrackEncoder encoder;
+    bool hasEnded = false;
 
 private:
     MovieWriter& writer_;
-    const std::size_t index_; // in the file
-    TrackEncoder encoder_;
-    bool ended_ = false;
 };
 
 MovieWriter::MovieWriter(const AacCodec& codec, FileSystem& fileSystem,
@@ -65,7 +61,7 @@ RecordingTrack* MovieWriter::addTrack(TrackFormat format) {
         return nullptr;
     }
     tracks_.push_back(std::make_unique<Track>(*this, tracks_.size(), format));
-    muxer_.addTrack(tracks_.back()->encoder().track());
+    muxer_.addTrack(tracks_.back()->encoder.track());
     return tracks_.back().get();
 }
 
@@ -95,30 +91,29 @@ bool MovieWriter::isReady() const {
 }
 
 bool MovieWriter::append(Track& track, const SampleBuffer& buffer) {
-    if (status() != WriterStatus::writing || track.hasEnded()) {
+    if (status() != WriterStatus::writing || track.hasEnded) {
         return false;
     }
     return attempt([&] {
         const std::int64_t time =
             buffer.presentationTime.inUnitsOf(framesPerSecond) - sessionStart_;
-        track.encoder().append(buffer, time, sinkOf(track));
+        track.encoder.append(buffer, time);
         closeFragments();
     });
 }
 
 void MovieWriter::end(Track& track) {
-    if (!file_ || track.hasEnded()) {
+    if (!file_ || track.hasEnded) {
         return;
     }
     attempt([&] {
-        const PacketSink sink = sinkOf(track);
-        if (track.encoder().position() == 0) {
+        if (track.encoder.position() == 0) {
             // A track without any sound is silent, not missing.
-            track.encoder().fillTo(longestTrack(), sink);
+            track.encoder.fillTo(longestTrack());
         }
-        track.setEnded();
-        if (track.encoder().position() > 0) {
-            track.encoder().finish(sink);
+        track.hasEnded = true;
+        if (track.encoder.position() > 0) {
+            track.encoder.finish();
         }
         closeFragments();
     });
@@ -224,9 +219,9 @@ void MovieWriter::prepareFragment() {
     fillShortTracks();
     for (const auto& track : tracks_) {
         // A waiting batch would delay the fragment.
-        if (!track->hasEnded() && !reachesFragmentEnd(*track) &&
-            track->encoder().position() >= schedule_.framesToClose()) {
-            track->encoder().encodeWholePackets(sinkOf(*track));
+        if (!track->hasEnded && !reachesFragmentEnd(*track) &&
+            track->encoder.position() >= schedule_.framesToClose()) {
+            track->encoder.encodeWholePackets();
         }
     }
 }
@@ -234,16 +229,16 @@ void MovieWriter::prepareFragment() {
 void MovieWriter::fillShortTracks() {
     std::vector<std::int64_t> positions;
     for (const auto& track : tracks_) {
-        if (!track->hasEnded()) {
-            positions.push_back(track->encoder().position());
+        if (!track->hasEnded) {
+            positions.push_back(track->encoder.position());
         }
     }
     if (!schedule_.isHeldBack(positions)) {
         return;
     }
     for (const auto& track : tracks_) {
-        if (!track->hasEnded()) {
-            track->encoder().fillTo(schedule_.framesToClose(), sinkOf(*track));
+        if (!track->hasEnded) {
+            track->encoder.fillTo(schedule_.framesToClose());
         }
     }
 }
@@ -252,26 +247,21 @@ void MovieWriter::fillShortTracks() {
 bool MovieWriter::coversFragment() const {
     const auto covers = [this](const auto& track) { return reachesFragmentEnd(*track); };
     return std::ranges::any_of(tracks_, covers) &&
-           std::ranges::all_of(
-               tracks_, [&](const auto& track) { return track->hasEnded() || covers(track); });
+           std::ranges::all_of(tracks_,
+                               [&](const auto& track) { return track->hasEnded || covers(track); });
 }
 
 /// Whether the track's packets reach the fragment's end.
 bool MovieWriter::reachesFragmentEnd(const Track& track) const {
-    return muxer_.end(track.index()) >= schedule_.end();
+    return muxer_.end(track.index) >= schedule_.end();
 }
 
 std::int64_t MovieWriter::longestTrack() const {
     std::int64_t longest = 0;
     for (const auto& track : tracks_) {
-        longest = std::max(longest, track->encoder().position());
+        longest = std::max(longest, track->encoder.position());
     }
     return longest;
-}
-
-PacketSink MovieWriter::sinkOf(const Track& track) {
-    return
-        [this, index = track.index()](AacPacket packet) { muxer_.add(index, std::move(packet)); };
 }
 
 } // namespace vantoro::media

@@ -66,7 +66,6 @@ private:
     bool coversFragment() const;
     bool reachesFragmentEnd(const Track& track) const;
     std::int64_t longestTrack() const;
-    PacketSink sinkOf(const Track& track);
 
     const AacCodec& codec_;
     FileSystem& fileSystem_;

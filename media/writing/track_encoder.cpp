@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstddef>
 #include <stdexcept>
+#include <utility>
 
 namespace vantoro::media {
 
@@ -28,44 +29,39 @@ void copySamples(const SampleBuffer& buffer, int channel, std::int64_t firstFram
         [](float sample) { return !std::isfinite(sample); }, 0.0F);
 }
 
-TrackEncoder::TrackEncoder(const AacCodec& codec, int channels, int bitRate)
-    : encoder_(codec, channels, bitRate, batchPackets) {}
+TrackEncoder::TrackEncoder(const AacCodec& codec, int channels, int bitRate, PacketSink sink)
+    : encoder_(codec, channels, bitRate, batchPackets), sink_(std::move(sink)) {}
 
-void TrackEncoder::append(const SampleBuffer& buffer, std::int64_t time, const PacketSink& sink) {
+void TrackEncoder::append(const SampleBuffer& buffer, std::int64_t time) {
     if (!fitsTrack(buffer, encoder_.channels())) {
         throw std::runtime_error("The captured sound does not match the format of its track.");
     }
     const Placement placement = timeline_.place(time, buffer.frameCount);
-    addSilence(placement.silence, sink);
-    add(
-        placement.take,
-        [&](int channel, std::int64_t first, std::span<float> into) {
-            copySamples(buffer, channel, placement.skip + first, into);
-        },
-        sink);
+    addSilence(placement.silence);
+    add(placement.take, [&](int channel, std::int64_t first, std::span<float> into) {
+        copySamples(buffer, channel, placement.skip + first, into);
+    });
 }
 
-void TrackEncoder::fillTo(std::int64_t position, const PacketSink& sink) {
-    addSilence(timeline_.fillTo(position), sink);
-    encodeWholePackets(sink);
+void TrackEncoder::fillTo(std::int64_t position) {
+    addSilence(timeline_.fillTo(position));
+    encodeWholePackets();
 }
 
-void TrackEncoder::finish(const PacketSink& sink) {
-    encodeWholePackets(sink);
+void TrackEncoder::finish() {
+    encodeWholePackets();
     if (waiting_ > 0) {
-        encode(waiting_, sink);
+        encode(waiting_);
     }
-    encoder_.finish(sink);
+    encoder_.finish(sink_);
 }
 
-void TrackEncoder::addSilence(std::int64_t frames, const PacketSink& sink) {
-    add(
-        frames, [](int, std::int64_t, std::span<float> into) { std::ranges::fill(into, 0.0F); },
-        sink);
+void TrackEncoder::addSilence(std::int64_t frames) {
+    add(frames, [](int, std::int64_t, std::span<float> into) { std::ranges::fill(into, 0.0F); });
 }
 
 template <class Fill>
-void TrackEncoder::add(std::int64_t frames, const Fill& fill, const PacketSink& sink) {
+void TrackEncoder::add(std::int64_t frames, const Fill& fill) {
     for (std::int64_t done = 0; done < frames;) {
         const int place = waiting_ % packetFrames;
         const int count =
@@ -78,21 +74,21 @@ void TrackEncoder::add(std::int64_t frames, const Fill& fill, const PacketSink& 
         done += count;
         waiting_ += count;
         if (waiting_ == batchFrames) {
-            encodeWholePackets(sink);
+            encodeWholePackets();
         }
     }
 }
 
-void TrackEncoder::encode(int frames, const PacketSink& sink) {
+void TrackEncoder::encode(int frames) {
     for (; frames > 0; frames -= packetFrames) {
         const int count = std::min(packetFrames, frames);
-        encoder_.encode(count, sink);
+        encoder_.encode(count, sink_);
         waiting_ -= count;
     }
 }
 
-void TrackEncoder::encodeWholePackets(const PacketSink& sink) {
-    encode(waiting_ - (waiting_ % packetFrames), sink);
+void TrackEncoder::encodeWholePackets() {
+    encode(waiting_ - (waiting_ % packetFrames));
 }
 
 } // namespace vantoro::media

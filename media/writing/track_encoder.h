@@ -29,7 +29,7 @@ public:
     static constexpr int batchPackets = 47;
     static constexpr int batchFrames = batchPackets * packetFrames;
 
-    TrackEncoder(const AacCodec& codec, int channels, int bitRate);
+    TrackEncoder(const AacCodec& codec, int channels, int bitRate, PacketSink sink);
 
     /// The file's description of the packets.
     const AacTrack& track() const noexcept { return encoder_.track(); }
@@ -38,21 +38,22 @@ public:
     std::int64_t position() const noexcept { return timeline_.position(); }
 
     /// `time`: the buffer's first frame, in frames from the session's start.
-    void append(const SampleBuffer& buffer, std::int64_t time, const PacketSink& sink);
+    void append(const SampleBuffer& buffer, std::int64_t time);
     /// Encodes the waiting frames, except for a last incomplete packet.
-    void encodeWholePackets(const PacketSink& sink);
+    void encodeWholePackets();
     /// Adds silence up to `position` and encodes the whole packets.
-    void fillTo(std::int64_t position, const PacketSink& sink);
+    void fillTo(std::int64_t position);
     /// Encodes all remaining frames. No call may follow.
-    void finish(const PacketSink& sink);
+    void finish();
 
 private:
     template <class Fill>
-    void add(std::int64_t frames, const Fill& fill, const PacketSink& sink);
-    void addSilence(std::int64_t frames, const PacketSink& sink);
-    void encode(int frames, const PacketSink& sink);
+    void add(std::int64_t frames, const Fill& fill);
+    void addSilence(std::int64_t frames);
+    void encode(int frames);
 
     AacEncoder encoder_;
+    const PacketSink sink_;
     TrackTimeline timeline_;
     int waiting_ = 0; // frames in the encoder's planes
 };
