@@ -15,7 +15,7 @@
 #include "fuzz/sparse_file.h"
 #include "media/codec/aac.h"
 #include "media/movie/movie.h"
-#include "media/movie/movie_codecs.h"
+#include "media/movie/movie_scan.h"
 #include "media/movie/packet_reader.h"
 
 namespace vantoro::fuzz {

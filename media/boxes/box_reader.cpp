@@ -9,23 +9,6 @@ namespace vantoro::media {
 
 DamagedMovie::DamagedMovie(const char* reason) : Failure(FailureCode::recordingDamaged, reason) {}
 
-std::uint8_t ByteReader::u8() {
-    return static_cast<std::uint8_t>(number(1));
-}
-
-std::uint16_t ByteReader::u16() {
-    return static_cast<std::uint16_t>(number(2));
-}
-
-std::uint32_t ByteReader::u32() {
-    return number(4);
-}
-
-std::uint64_t ByteReader::u64() {
-    const std::uint64_t high = u32();
-    return high << 32U | u32();
-}
-
 ByteSpan ByteReader::take(std::size_t count) {
     if (count > rest_.size()) {
         throw DamagedMovie("a box ends too early");
@@ -35,10 +18,10 @@ ByteSpan ByteReader::take(std::size_t count) {
     return taken;
 }
 
-std::uint32_t ByteReader::number(std::size_t size) {
-    std::uint32_t value = 0;
+std::uint64_t ByteReader::number(std::size_t size) {
+    std::uint64_t value = 0;
     for (const std::byte byte : take(size)) {
-        value = value << 8U | std::to_integer<std::uint32_t>(byte);
+        value = value << 8U | std::to_integer<std::uint64_t>(byte);
     }
     return value;
 }

@@ -34,10 +34,14 @@ class ByteReader {
 public:
     explicit ByteReader(ByteSpan bytes) noexcept : rest_(bytes) {}
 
-    std::uint8_t u8();
-    std::uint16_t u16();
-    std::uint32_t u32();
-    std::uint64_t u64();
+    std::uint8_t u8() { return static_cast<std::uint8_t>(number(1)); }
+
+    std::uint16_t u16() { return static_cast<std::uint16_t>(number(2)); }
+
+    std::uint32_t u32() { return static_cast<std::uint32_t>(number(4)); }
+
+    std::uint64_t u64() { return number(8); }
+
     ByteSpan take(std::size_t count);
 
     void skip(std::size_t count) { take(count); }
@@ -45,7 +49,7 @@ public:
     ByteSpan rest() const noexcept { return rest_; }
 
 private:
-    std::uint32_t number(std::size_t size);
+    std::uint64_t number(std::size_t size);
 
     ByteSpan rest_;
 };
@@ -55,7 +59,6 @@ struct Box {
     ByteSpan content;
 };
 
-/// Iterates over the child boxes of a box.
 class BoxReader {
 public:
     explicit BoxReader(ByteSpan bytes) noexcept : bytes_(bytes) {}
@@ -71,7 +74,6 @@ private:
 /// BoxReader does.
 std::optional<ByteSpan> findBox(ByteSpan content, std::uint32_t type);
 
-/// The position of a box in a file.
 struct FileBox {
     std::uint32_t type = 0;
     std::uint64_t content = 0; ///< offset after the box's header

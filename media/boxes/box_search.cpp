@@ -15,12 +15,6 @@ constexpr std::uint64_t headerSize = 8;
 
 } // namespace
 
-BoxSearch::BoxSearch(const InputFile& file, std::uint32_t type) : file_(file) {
-    for (int shift = 24; shift >= 0; shift -= 8) {
-        name_ += static_cast<char>(type >> static_cast<unsigned>(shift) & 0xFFU);
-    }
-}
-
 std::optional<std::uint64_t> BoxSearch::next(std::uint64_t offset, std::uint64_t end) {
     while (offset + headerSize <= end) {
         std::uint64_t windowEnd = windowOffset_ + window_.size();

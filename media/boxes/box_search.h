@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "engine/ports/file_system.h"
@@ -16,8 +17,8 @@ namespace vantoro::media {
 /// it reads each byte of the file about once.
 class BoxSearch {
 public:
-    /// Borrows the file.
-    BoxSearch(const InputFile& file, std::uint32_t type);
+    /// Borrows the file. `type`: four characters.
+    BoxSearch(const InputFile& file, std::string type) : file_(file), name_(std::move(type)) {}
 
     /// The first offset from `offset` on where such a box may begin, with its header before `end`.
     /// Throws what the file throws.

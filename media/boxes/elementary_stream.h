@@ -21,7 +21,6 @@ struct ElementaryStream {
 /// Throws DamagedMovie if one is missing or exceeds its parent.
 ElementaryStream readElementaryStream(ByteSpan content);
 
-/// Writes an `esds` box.
 void writeElementaryStream(BoxWriter& out, const AacTrack& track, std::uint64_t streamNumber,
                            std::uint64_t maxPacketBytes);
 

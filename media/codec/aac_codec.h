@@ -21,7 +21,6 @@ public:
     virtual std::vector<std::byte> configuration() const = 0;
     /// Takes the next 1024 frames, or fewer in the last call.
     virtual void encode(std::span<const float> samples) = 0;
-    /// Ends the input.
     virtual void finish() = 0;
     /// The next packet; nothing if it needs more sound, or at the end.
     virtual std::optional<AacPacket> nextPacket() = 0;

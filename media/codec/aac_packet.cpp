@@ -85,11 +85,10 @@ void copyChannel(std::span<const std::uint8_t> packet, unsigned gainSteps, BitWr
     std::size_t rest = findChannelEnd(packet) - elementHeaderBits - gainBits;
     BitReader in(packet, elementHeaderBits);
     out.put(std::min(in.get(gainBits) + gainSteps, maxGain), gainBits);
-    for (; rest >= 8; rest -= 8) {
-        out.put(in.get(8), 8);
-    }
-    if (rest > 0) {
-        out.put(in.get(static_cast<unsigned>(rest)), static_cast<unsigned>(rest));
+    while (rest > 0) {
+        const auto count = static_cast<unsigned>(std::min<std::size_t>(rest, 8));
+        out.put(in.get(count), count);
+        rest -= count;
     }
 }
 

@@ -86,7 +86,6 @@ void SegmentEncoder::encode(std::int64_t frames, const std::stop_token& stop,
     }
 }
 
-/// Keeps the packet if it is the segment's.
 void SegmentEncoder::keep(const AacPacket& packet) {
     const std::int64_t number = nextPacket_++;
     if (number >= segment_.firstPacket - 1 && number < endPacket_) {

@@ -41,7 +41,6 @@ std::int64_t packetsOf(std::int64_t frames) noexcept;
 /// How many segments a mix of `frames` has.
 std::int64_t segmentsOf(std::int64_t frames) noexcept;
 
-/// Makes an encoder with the mix's parameters.
 AacEncoder makeMixEncoder(const AacCodec& codec);
 
 /// Encodes one segment, as far as the mix is available. Used by one thread; throws if a file cannot
@@ -86,7 +85,6 @@ public:
     /// Passes on the packets up to the place where both encoders' windows match as if one encoder
     /// had made the packets.
     void add(EncodedSegment segment);
-    /// Passes on the remaining packets.
     void finish();
 
 private:

@@ -13,7 +13,6 @@ namespace vantoro::media {
 
 namespace {
 
-/// Gives the calling thread the lowest priority.
 void lowerPriority() {
     constexpr int lowestPriority = 19;
     // A failure is harmless.

@@ -9,7 +9,7 @@
 #include "media/codec/aac.h"
 #include "media/movie/fragment_checksum.h"
 #include "media/movie/fragment_parser.h"
-#include "media/movie/movie_codecs.h"
+#include "media/movie/movie_scan.h"
 #include "media/movie/stopping.h"
 
 namespace vantoro::media {

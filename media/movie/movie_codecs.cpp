@@ -1,11 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "media/movie/movie_codecs.h"
+#include "media/movie/movie_scan.h"
 
 #include <array>
-#include <cstddef>
-#include <cstdint>
-#include <optional>
 
 #include "media/boxes/box_reader.h"
 #include "media/boxes/elementary_stream.h"

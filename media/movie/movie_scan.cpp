@@ -116,7 +116,7 @@ std::uint64_t packetsEnd(const Fragment& fragment) {
 class DamageScan {
 public:
     DamageScan(const InputFile& file, MovieScan& scan)
-        : file_(file), scan_(scan), search_(file, boxType("moof")), bytesLeft_(4 * file.size()) {}
+        : file_(file), scan_(scan), search_(file, "moof"), bytesLeft_(4 * file.size()) {}
 
     /// False if there is none within `reach`. Throws at the limit on the bytes read.
     bool addNextFragment(std::uint64_t reach) {

@@ -4,10 +4,12 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <vector>
 
 #include "engine/ports/file_system.h"
+#include "media/codec/aac.h"
 
 namespace vantoro::media {
 
@@ -45,6 +47,11 @@ struct MovieScan {
         return std::span(starts).subspan(fragment * tracks.size(), tracks.size());
     }
 };
+
+/// Each track's AAC parameters, in the scan's order; nothing for a track that is not AAC. Visits
+/// each byte of the header at most a few times. Throws DamagedMovie if an AAC track's description
+/// is invalid.
+std::vector<std::optional<AacTrack>> readCodecs(const MovieScan& scan);
 
 /// Scans an untrusted file up to the first fragment that does not follow the one before, in a time
 /// bounded by the file's size and with little memory. Throws DamagedMovie if the file is not a

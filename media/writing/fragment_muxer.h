@@ -30,7 +30,6 @@ public:
     /// first fragment.
     std::vector<std::byte> closeFragment(std::int64_t end);
 
-    /// The movie's last bytes, after the last fragment.
     std::vector<std::byte> finish() const { return fragmentIndex(index_); }
 
 private:

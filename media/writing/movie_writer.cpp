@@ -251,7 +251,6 @@ bool MovieWriter::coversFragment() const {
                                [&](const auto& track) { return track->hasEnded || covers(track); });
 }
 
-/// Whether the track's packets reach the fragment's end.
 bool MovieWriter::reachesFragmentEnd(const Track& track) const {
     return muxer_.end(track.index) >= schedule_.end();
 }

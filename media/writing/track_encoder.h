@@ -25,13 +25,11 @@ void copySamples(const SampleBuffer& buffer, int channel, std::int64_t firstFram
 /// throws std::runtime_error on failure.
 class TrackEncoder {
 public:
-    /// The batch that is encoded at once.
     static constexpr int batchPackets = 47;
     static constexpr int batchFrames = batchPackets * packetFrames;
 
     TrackEncoder(const AacCodec& codec, int channels, int bitRate, PacketSink sink);
 
-    /// The file's description of the packets.
     const AacTrack& track() const noexcept { return encoder_.track(); }
 
     /// The track's end, in frames from the session's start.

@@ -2,7 +2,9 @@
 
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
+#include <stdexcept>
 
 namespace vantoro::media {
 
@@ -32,10 +34,29 @@ public:
     /// Places a buffer of `frames` whose first frame was captured `time` frames after the session's
     /// start. Throws std::runtime_error for a gap above `maxGap`: its time stamp must be wrong, and
     /// filling it would take long.
-    Placement place(std::int64_t time, std::int64_t frames);
+    Placement place(std::int64_t time, std::int64_t frames) {
+        const std::int64_t gap = time - position_;
+        if (gap > maxGap) {
+            throw std::runtime_error("A time stamp of the captured sound is too far in the future.");
+        }
+        Placement placement{.take = frames};
+        if (!followsBuffer_ || gap > tolerance || gap < -tolerance) {
+            placement.silence = std::max<std::int64_t>(gap, 0);
+            placement.skip = std::clamp<std::int64_t>(-gap, 0, frames);
+            placement.take = frames - placement.skip;
+        }
+        position_ += placement.silence + placement.take;
+        followsBuffer_ = placement.take > 0;
+        return placement;
+    }
 
     /// Extends the track to `position`; returns how much silence that takes.
-    std::int64_t fillTo(std::int64_t position) noexcept;
+    std::int64_t fillTo(std::int64_t position) noexcept {
+        const std::int64_t silence = std::max<std::int64_t>(position - position_, 0);
+        position_ += silence;
+        followsBuffer_ = followsBuffer_ && silence == 0;
+        return silence;
+    }
 
 private:
     std::int64_t position_ = 0;

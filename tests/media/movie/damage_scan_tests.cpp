@@ -332,7 +332,7 @@ TEST(BoxSearch, findsNamesAcrossReadBoundaries) {
     }
     files.put("file", bytes);
     const auto file = files.open("file");
-    BoxSearch search(*file, boxType("moof"));
+    BoxSearch search(*file, "moof");
     std::vector<std::uint64_t> found;
     for (auto place = search.next(0, bytes.size()); place;
          place = search.next(*place + 1, bytes.size())) {

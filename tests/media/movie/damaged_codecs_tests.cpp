@@ -8,7 +8,7 @@
 #include <utility>
 
 #include "media/boxes/box_reader.h"
-#include "media/movie/movie_codecs.h"
+#include "media/movie/movie_scan.h"
 #include "tests/media/support/movie_recording.h"
 #include "tests/media/support/sample_descriptions.h"
 #include "tests/support/memory_file_system.h"

@@ -14,7 +14,7 @@ extern "C" {
 #include <vector>
 
 #include "media/boxes/box_reader.h"
-#include "media/movie/movie_codecs.h"
+#include "media/movie/movie_scan.h"
 #include "platform/ffmpeg/handles.h"
 #include "platform/posix/posix_file_system.h"
 #include "tests/media/support/external_programs.h"

@@ -13,7 +13,7 @@
 
 #include "media/boxes/box_reader.h"
 #include "media/boxes/box_writer.h"
-#include "media/movie/movie_codecs.h"
+#include "media/movie/movie_scan.h"
 
 namespace vantoro::testing::made_up {
 
