@@ -41,7 +41,7 @@ namespace {
 bool print(const std::string& text) {
     std::cout << text << std::flush;
     if (!std::cout) {
-        std::cerr << commandText(CommandText::resultNotPrinted, usersLanguage()) << "\n";
+        std::cerr << CommandText::resultNotPrinted.in(usersLanguage()) << "\n";
     }
     return std::cout.good();
 }
@@ -67,7 +67,7 @@ public:
         if (!found.mayCapture) {
             throw Failure(FailureCode::serverUnreachable);
         }
-        std::cerr << commandText(CommandText::noMicrophone, usersLanguage()) << "\n";
+        std::cerr << CommandText::noMicrophone.in(usersLanguage()) << "\n";
         return 0;
     }
 

@@ -15,6 +15,8 @@
 #include "engine/recording_types.h"
 #include "l10n/app_language.h"
 #include "l10n/preferences.h"
+#include "l10n/text_key.h"
+#include "l10n/texts/bilingual_text.h"
 
 namespace vantoro {
 
@@ -22,69 +24,7 @@ namespace vantoro {
 /// system's language is ignored. Any thread.
 class L10n {
 public:
-    enum class Key : std::uint8_t {
-        language,
-        checkForUpdates,
-        currentVersion,
-        alreadyLatest,
-        updateCheckFailed,
-        downloadUpdate,
-        audioInputLevels,
-        refreshAudioDevices,
-        ok,
-        close,
-        ready,
-        preparing,
-        recording,
-        saving,
-        saved,
-        needsAttention,
-        m4aAudio,
-        checkingPermissions,
-        capturingAudio,
-        mixingTracks,
-        recordingReady,
-        audioSources,
-        systemAudio,
-        systemMeter,
-        meetingAndAppSound,
-        microphone,
-        microphoneMeter,
-        yourVoice,
-        input,
-        screenAndSystemAudio,
-        allowed,
-        required,
-        settings,
-        recordingPanel,
-        systemLevel,
-        micLevel,
-        change,
-        openRecordingFolder,
-        recordingSaved,
-        playRecording,
-        showInFinder,
-        stopRecording,
-        startRecording,
-        chooseRecordingFolder,
-        choose,
-        sleepSaved,
-        captureInterruptedSaved,
-        diskNearlyFullSaved,
-        recoveredOne,
-        recoveredMany,
-        checkpointKept,
-        noAudioSource,
-        screenPermissionDenied,
-        microphonePermissionDenied,
-        microphonePermissionOnStart,
-        noDisplayAvailable,
-        writerSetupFailed,
-        recordingFailed,
-        noAudioCaptured,
-        exportFailed,
-        diskTooFull,
-    };
+    using Key = TextKey;
     using Table = std::unordered_map<Key, std::string_view>;
 
     /// `preferences` must outlive it.
@@ -149,10 +89,10 @@ public:
     static const Table& english();
 
 private:
+    std::string say(const BilingualText& text,
+                    const std::vector<std::string>& arguments = {}) const;
+
     const Preferences& preferences_;
 };
-
-/// The key's text in the preferred table, else in the other, else empty.
-std::string_view lookUp(L10n::Key key, const L10n::Table& preferred, const L10n::Table& other);
 
 } // namespace vantoro

@@ -7,14 +7,16 @@
 #include <utility>
 #include <vector>
 
-#include "l10n/texts/doctor_texts.h"
-#include "l10n/texts/system_words.h"
+#include "l10n/texts/doctor_advice.h"
+#include "l10n/texts/doctor_findings.h"
+#include "l10n/texts/error_description.h"
 
 namespace vantoro {
 
 namespace {
 
-using Text = DoctorText;
+using Finding = DoctorFinding;
+using Advice = DoctorAdvice;
 using Arguments = std::vector<std::string>;
 
 constexpr std::uint64_t mebibyte = std::uint64_t{1} << 20U;
@@ -33,10 +35,10 @@ std::string readableSize(std::uint64_t bytes) {
 
 /// A text, and what it is filled with.
 struct Line {
-    Line(DoctorText which, Arguments arguments = {}) // implicit: most take no arguments
+    Line(const BilingualText& which, Arguments arguments = {}) // implicit: most take no arguments
         : text(which), words(std::move(arguments)) {}
 
-    DoctorText text;
+    BilingualText text;
     Arguments words;
 };
 
@@ -45,9 +47,7 @@ class Writer {
 public:
     explicit Writer(AppLanguage language) : language_(language) {}
 
-    std::string text(const Line& line) const {
-        return doctorText(line.text, language_, line.words);
-    }
+    std::string text(const Line& line) const { return line.text.in(language_, line.words); }
 
     std::string words(const std::error_code& reason) const {
         return systemWords(reason, language_);
@@ -69,7 +69,7 @@ public:
 
     DoctorReport report() const {
         const bool isAllWell = advice_.empty();
-        const auto conclusion = text(isAllWell ? Text::nothingIsWrong : Text::whatToDo);
+        const auto conclusion = text(isAllWell ? Finding::nothingIsWrong : Finding::whatToDo);
         return {.text = lines_ + "\n" + conclusion + "\n" + advice_, .isAllWell = isAllWell};
     }
 
@@ -82,40 +82,40 @@ private:
 void addMicrophones(Writer& writer, const capture::SoundSurvey& sound) {
     for (const auto& [device, isDefault, mixer] : sound.microphones) {
         const auto& name = device.name;
-        const auto shown = isDefault ? writer.text({Text::microphoneDefault, {name}}) : name;
+        const auto shown = isDefault ? writer.text({Finding::microphoneDefault, {name}}) : name;
         if (mixer.isMuted) {
-            writer.problem({Text::microphoneMuted, {shown}}, {Text::microphoneMutedAdvice, {name}});
+            writer.problem({Finding::microphoneMuted, {shown}}, {Advice::microphoneMuted, {name}});
         } else {
-            writer.check(!mixer.isVolumeZero, {Text::microphone, {shown}},
-                         {Text::microphoneAtZero, {shown}}, {Text::microphoneAtZeroAdvice, {name}});
+            writer.check(!mixer.isVolumeZero, {Finding::microphone, {shown}},
+                         {Finding::microphoneAtZero, {shown}}, {Advice::microphoneAtZero, {name}});
         }
     }
     const bool hasDefault =
         std::ranges::any_of(sound.microphones, &capture::SurveyedMicrophone::isDefault);
     if (sound.microphones.empty()) {
-        writer.problem(Text::microphoneMissing, Text::microphoneMissingAdvice);
+        writer.problem(Finding::microphoneMissing, Advice::microphoneMissing);
     } else if (!hasDefault && sound.hasSessionManager) { // which sets the default
-        writer.problem(Text::defaultMicrophoneMissing, Text::defaultMicrophoneAdvice);
+        writer.problem(Finding::defaultMicrophoneMissing, Advice::defaultMicrophone);
     }
 }
 
 void addSound(Writer& writer, const DoctorFindings& findings) {
     const auto& library = findings.soundLibraryVersion;
     if (!findings.sound) {
-        writer.problem({Text::soundServerUnreachable, {library}}, Text::soundServerAdvice);
+        writer.problem({Finding::soundServerUnreachable, {library}}, Advice::soundServer);
         return;
     }
     const auto& sound = *findings.sound;
     const bool isSandboxed = findings.microphone && findings.microphone->sandboxed;
-    writer.fine({Text::soundServer, {sound.serverVersion, library}});
-    writer.check(sound.hasSessionManager, Text::sessionManager, Text::sessionManagerMissing,
-                 Text::sessionManagerAdvice);
-    writer.check(sound.mayCapture, Text::systemAudioAllowed, Text::systemAudioRefused,
-                 isSandboxed ? Text::systemAudioSandboxAdvice : Text::systemAudioAdvice);
-    writer.check(sound.outputs > 0, {Text::outputs, {std::to_string(sound.outputs)}},
-                 Text::outputsMissing, Text::outputsAdvice);
+    writer.fine({Finding::soundServer, {sound.serverVersion, library}});
+    writer.check(sound.hasSessionManager, Finding::sessionManager, Finding::sessionManagerMissing,
+                 Advice::sessionManager);
+    writer.check(sound.mayCapture, Finding::systemAudioAllowed, Finding::systemAudioRefused,
+                 isSandboxed ? Advice::systemAudioSandbox : Advice::systemAudio);
+    writer.check(sound.outputs > 0, {Finding::outputs, {std::to_string(sound.outputs)}},
+                 Finding::outputsMissing, Advice::outputs);
     if (sound.playsCodedSound) {
-        writer.problem(Text::codedSound, Text::codedSoundAdvice);
+        writer.problem(Finding::codedSound, Advice::codedSound);
     }
     addMicrophones(writer, sound);
 }
@@ -124,26 +124,27 @@ void addSound(Writer& writer, const DoctorFindings& findings) {
 void addMicrophonePermission(Writer& writer, const std::optional<desktop::MicrophoneFacts>& facts) {
     using desktop::StoredPermission;
     if (!facts) {
-        writer.problem(Text::permissionUnknown, Text::desktopSilentAdvice);
+        writer.problem(Finding::permissionUnknown, Advice::desktopSilent);
     } else if (facts->disabledBySettings) {
-        writer.problem(Text::permissionDisabledBySettings, Text::permissionSettingsAdvice);
+        writer.problem(Finding::permissionDisabledBySettings, Advice::permissionSettings);
     } else if (facts->disabledByPortal) {
-        writer.problem(Text::permissionDisabledByLockdown, Text::permissionSettingsAdvice);
+        writer.problem(Finding::permissionDisabledByLockdown, Advice::permissionSettings);
     } else if (!facts->sandboxed) {
-        writer.fine(Text::permissionNotForbidden);
+        writer.fine(Finding::permissionNotForbidden);
     } else {
         writer.check(facts->stored != StoredPermission::refused,
-                     facts->stored == StoredPermission::granted ? Text::permissionGranted
-                                                                : Text::permissionUndecided,
-                     Text::permissionRefused, Text::permissionRefusedAdvice);
+                     facts->stored == StoredPermission::granted ? Finding::permissionGranted
+                                                                : Finding::permissionUndecided,
+                     Finding::permissionRefused, Advice::permissionRefused);
     }
 }
 
 /// A service that did not answer has no other advice.
-void addService(Writer& writer, desktop::Presence presence, DoctorText present, DoctorText absent,
-                DoctorText absentAdvice, DoctorText unknown) {
+void addService(Writer& writer, desktop::Presence presence, const BilingualText& present,
+                const BilingualText& absent, const BilingualText& absentAdvice,
+                const BilingualText& unknown) {
     if (presence == desktop::Presence::unknown) {
-        writer.problem(unknown, Text::desktopSilentAdvice);
+        writer.problem(unknown, Advice::desktopSilent);
     } else {
         writer.check(presence == desktop::Presence::present, present, absent, absentAdvice);
     }
@@ -153,26 +154,26 @@ void addSleepDelay(Writer& writer, desktop::SleepDelay delay) {
     using desktop::SleepDelay;
     switch (delay) {
     case SleepDelay::granted:
-        return writer.fine(Text::sleepDelay);
+        return writer.fine(Finding::sleepDelay);
     case SleepDelay::refused:
-        return writer.problem(Text::sleepDelayRefused, Text::sleepDelayRefusedAdvice);
+        return writer.problem(Finding::sleepDelayRefused, Advice::sleepDelayRefused);
     case SleepDelay::noLoginManager:
-        return writer.problem(Text::loginManagerMissing, Text::loginManagerAdvice);
+        return writer.problem(Finding::loginManagerMissing, Advice::loginManager);
     case SleepDelay::unknown:
-        return writer.problem(Text::loginManagerUnknown, Text::desktopSilentAdvice);
+        return writer.problem(Finding::loginManagerUnknown, Advice::desktopSilent);
     }
 }
 
 void addDesktop(Writer& writer, const desktop::DesktopSurvey& found) {
     if (found.sessionBus == desktop::Presence::absent) {
-        writer.problem(Text::sessionBusMissing, Text::sessionBusMissingAdvice);
+        writer.problem(Finding::sessionBusMissing, Advice::sessionBusMissing);
     } else if (found.sessionBus == desktop::Presence::unknown) {
-        writer.problem(Text::sessionBusSilent, Text::desktopSilentAdvice);
+        writer.problem(Finding::sessionBusSilent, Advice::desktopSilent);
     } else {
-        addService(writer, found.statusArea, Text::statusArea, Text::statusAreaMissing,
-                   Text::statusAreaAdvice, Text::statusAreaUnknown);
-        addService(writer, found.portal, Text::portal, Text::portalMissing, Text::portalAdvice,
-                   Text::portalUnknown);
+        addService(writer, found.statusArea, Finding::statusArea, Finding::statusAreaMissing,
+                   Advice::statusArea, Finding::statusAreaUnknown);
+        addService(writer, found.portal, Finding::portal, Finding::portalMissing, Advice::portal,
+                   Finding::portalUnknown);
     }
     addSleepDelay(writer, found.sleepDelay);
 }
@@ -181,27 +182,27 @@ void addDesktop(Writer& writer, const desktop::DesktopSurvey& found) {
 void addFolder(Writer& writer, const DoctorFindings& findings) {
     const auto path = findings.recordingFolder.string();
     if (!findings.folder) {
-        writer.problem({Text::folderSilent, {path}}, {Text::folderSilentAdvice, {path}});
+        writer.problem({Finding::folderSilent, {path}}, {Advice::folderSilent, {path}});
         return;
     }
     const auto& [exists, refusal, available] = *findings.folder;
-    const auto shown = exists ? path : writer.text({Text::folderToBeMade, {path}});
+    const auto shown = exists ? path : writer.text({Finding::folderToBeMade, {path}});
     const auto space = readableSize(available.value_or(0));
     if (refusal) {
-        writer.problem({Text::folderRefused, {path, writer.words(refusal)}},
-                       {Text::folderRefusedAdvice, {path}});
+        writer.problem({Finding::folderRefused, {path, writer.words(refusal)}},
+                       {Advice::folderRefused, {path}});
     }
     if (available && *available < enoughSpace) {
-        writer.problem({Text::folderSpaceShort, {shown, space}}, {Text::folderSpaceAdvice, {path}});
+        writer.problem({Finding::folderSpaceShort, {shown, space}}, {Advice::folderSpace, {path}});
     } else if (!refusal) {
-        writer.fine(available ? Line(Text::folderSpace, {shown, space})
-                              : Line(Text::folder, {shown}));
+        writer.fine(available ? Line(Finding::folderSpace, {shown, space})
+                              : Line(Finding::folder, {shown}));
     }
     if (const auto& count = findings.interruptedRecordings) {
-        writer.check(*count == 0, Text::interruptedNone,
-                     {Text::interruptedWaiting, {std::to_string(*count)}}, Text::interruptedAdvice);
+        writer.check(*count == 0, Finding::interruptedNone,
+                     {Finding::interruptedWaiting, {std::to_string(*count)}}, Advice::interrupted);
     } else {
-        writer.problem(Text::interruptedUnknown, Text::interruptedAdvice);
+        writer.problem(Finding::interruptedUnknown, Advice::interrupted);
     }
 }
 

@@ -174,8 +174,7 @@ int RecordRun::printResult() {
     const auto place = values.lastRecordingURL.value_or(std::filesystem::path()).string();
     std::cout << place << std::endl; // NOLINT(performance-avoid-endl): checked below
     if (!std::cout) {
-        terminal_.message(
-            commandText(CommandText::recordingNotPrinted, texts_.language(), {place}));
+        terminal_.message(CommandText::recordingNotPrinted.in(texts_.language(), {place}));
         return 1;
     }
     return model_->hasLostSound() ? 1 : 0;

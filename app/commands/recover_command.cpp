@@ -29,8 +29,7 @@ int report(const SalvageResult& result, const std::filesystem::path& folder, Ter
         std::cout << file.string() << "\n";
     }
     if (!std::cout.flush()) {
-        terminal.message(
-            commandText(CommandText::recordingsNotPrinted, texts.language(), {folder.string()}));
+        terminal.message(CommandText::recordingsNotPrinted.in(texts.language(), {folder.string()}));
         return 1;
     }
     if (!result.failures.empty()) {
@@ -48,7 +47,7 @@ int runRecoverCommand(const RecoverCommand& command, const std::filesystem::path
     // The default folder may not exist yet.
     if (command.folder && !std::filesystem::is_directory(*command.folder, unreadable)) {
         terminal.message(
-            commandText(CommandText::folderMissing, texts.language(), {command.folder->string()}));
+            CommandText::folderMissing.in(texts.language(), {command.folder->string()}));
         return 1;
     }
     const auto folder = std::filesystem::absolute(command.folder.value_or(defaultFolder));

@@ -13,8 +13,8 @@ namespace vantoro {
 /// Tells the user which buses do not answer and what is missing without them; complete lines.
 inline std::string silentBusMessages(const desktop::SilentBuses& silent, AppLanguage language) {
     std::string text;
-    const auto add = [&](bool isSilent, CommandText message) {
-        text += isSilent ? commandText(message, language) + "\n" : "";
+    const auto add = [&](bool isSilent, const BilingualText& message) {
+        text += isSilent ? message.in(language) + "\n" : "";
     };
     add(silent.session, CommandText::sessionBusSilent);
     add(silent.system, CommandText::systemBusSilent);

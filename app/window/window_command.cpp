@@ -115,7 +115,7 @@ private:
 void activateFirstInstance(ApplicationInstance& instance, const std::string& token) {
     instance.activateFirst(token, firstInstancePatience, [](bool isShown) {
         if (!isShown) {
-            std::cerr << commandText(CommandText::firstProgramSilent, usersLanguage()) << "\n";
+            std::cerr << CommandText::firstProgramSilent.in(usersLanguage()) << "\n";
         }
         QApplication::exit(isShown ? 0 : 1);
     });
@@ -125,7 +125,7 @@ void activateFirstInstance(ApplicationInstance& instance, const std::string& tok
 
 int runWindowCommand(int& argc, char** argv, StopSignals& signals) {
     if (!hasDisplay()) {
-        std::cerr << commandText(CommandText::desktopMissing, usersLanguage()) << "\n";
+        std::cerr << CommandText::desktopMissing.in(usersLanguage()) << "\n";
         return 2;
     }
     // First of all: it changes the environment, which threads and the toolkit read.

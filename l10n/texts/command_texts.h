@@ -2,30 +2,37 @@
 
 #pragma once
 
-#include <cstdint>
-#include <string>
-#include <vector>
-
-#include "l10n/app_language.h"
+#include "l10n/texts/bilingual_text.h"
 
 namespace vantoro {
 
 /// What the program says on standard error apart from what a recording says.
-enum class CommandText : std::uint8_t {
-    noMicrophone,
-    resultNotPrinted,
-    recordingNotPrinted,  ///< %1: the recording
-    recordingsNotPrinted, ///< %1: their folder
-    folderMissing,        ///< %1: the folder
-    desktopMissing,
-    firstProgramSilent, ///< the one that runs already
-    sessionBusSilent,
-    systemBusSilent,
-    accessibilityBusSilent,
+struct CommandText {
+    static constexpr BilingualText noMicrophone{"There is no microphone.", "没有麦克风。"};
+    static constexpr BilingualText resultNotPrinted{"The result could not be printed.",
+                                                    "无法输出结果。"};
+    static constexpr BilingualText recordingNotPrinted{
+        "The recording was saved as %1, which could not be printed.",
+        "录音已保存为 %1，但无法输出该路径。"};
+    static constexpr BilingualText recordingsNotPrinted{
+        "The recovered recordings are in %1; their names could not be printed.",
+        "恢复的录音在 %1 中，但无法输出文件名。"};
+    static constexpr BilingualText folderMissing{"There is no folder %1.", "文件夹 %1 不存在。"};
+    static constexpr BilingualText desktopMissing{
+        "There is no desktop to show a window on. See vantoro --help for what can be done without.",
+        "没有可显示窗口的桌面。不需要窗口的用法请见 vantoro --help。"};
+    static constexpr BilingualText firstProgramSilent{
+        "Vantoro is running already, and does not answer.", "Vantoro 已在运行，但没有响应。"};
+    static constexpr BilingualText sessionBusSilent{
+        "The session bus does not answer. Vantoro goes on without the desktop's services.",
+        "会话总线没有响应。Vantoro 将在没有桌面服务的情况下继续运行。"};
+    static constexpr BilingualText systemBusSilent{
+        "The system bus does not answer. The machine may go to sleep or shut down without waiting "
+        "for a recording.",
+        "系统总线没有响应。电脑可能不等录音保存就睡眠或关机。"};
+    static constexpr BilingualText accessibilityBusSilent{
+        "The accessibility bus does not answer. Screen readers cannot read the window.",
+        "辅助功能总线没有响应。屏幕阅读器无法读取窗口。"};
 };
-
-/// A sentence, UTF-8, with the arguments in place of %1, …. Any thread.
-std::string commandText(CommandText text, AppLanguage language,
-                        const std::vector<std::string>& arguments = {});
 
 } // namespace vantoro

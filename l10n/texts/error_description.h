@@ -4,6 +4,7 @@
 
 #include <exception>
 #include <string>
+#include <system_error>
 
 #include "engine/failure.h"
 #include "engine/recording_types.h"
@@ -21,5 +22,9 @@ std::string errorDescription(const std::exception_ptr& error, AppLanguage langua
 
 /// The same to be put into another sentence: without a full stop at its end.
 std::string errorReason(const std::exception_ptr& error, AppLanguage language);
+
+/// Why the system refused something, without a full stop: in English the system's own words; in
+/// Chinese ours for what a file system or a disk may answer, and the system's for all else.
+std::string systemWords(const std::error_code& code, AppLanguage language);
 
 } // namespace vantoro

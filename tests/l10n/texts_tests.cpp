@@ -125,15 +125,6 @@ TEST(TextsTest, keysThatShareATextInOneLanguageDifferInTheOther) {
     EXPECT_NE(L10n::text(Key::microphone, english), L10n::text(Key::microphoneMeter, english));
 }
 
-TEST(TextsTest, lookUpPrefersOneTableAndFallsBackOnTheOther) {
-    const L10n::Table preferred{{Key::ok, "preferred"}, {Key::close, ""}};
-    const L10n::Table other{{Key::ok, "other"}, {Key::close, "other"}, {Key::ready, "other"}};
-    EXPECT_EQ(lookUp(Key::ok, preferred, other), "preferred");
-    EXPECT_EQ(lookUp(Key::close, preferred, other), ""); // an empty text is a text
-    EXPECT_EQ(lookUp(Key::ready, preferred, other), "other");
-    EXPECT_EQ(lookUp(Key::saved, preferred, other), "");
-}
-
 TEST(TextsTest, numberThatIsNoKeyGivesTheEmptyText) {
     for (const auto language : allLanguages) {
         // NOLINTNEXTLINE(clang-analyzer-optin.core.EnumCastOutOfRange): the subject of the test

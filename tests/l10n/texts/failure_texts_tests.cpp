@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "l10n/texts/failure_texts.h"
+#include "l10n/texts/error_description.h"
 
 #include <algorithm>
 #include <cctype>
@@ -11,9 +11,6 @@
 #include <vector>
 
 #include <gtest/gtest.h>
-
-#include "l10n/texts/error_description.h"
-#include "l10n/texts/system_words.h"
 
 namespace vantoro::testing {
 namespace {
@@ -108,7 +105,9 @@ TEST(FailureTextsTest, everyActionOnAFileHasItsChineseSentence) {
              ActionRow{FileAction::countFreeSpace, "无法获取 a.mov 的可用空间：输入/输出错误。"},
          }) {
         EXPECT_EQ(static_cast<int>(action), next++);
-        EXPECT_EQ(chineseText(FileFailure(action, "/takes/a.mov", EIO)), inChinese);
+        EXPECT_EQ(errorDescription(
+                      std::make_exception_ptr(FileFailure(action, "/takes/a.mov", EIO)), chinese),
+                  inChinese);
     }
     EXPECT_EQ(next, static_cast<int>(FileAction::countFreeSpace) + 1);
 }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "l10n/filled.h"
+#include "l10n/texts/bilingual_text.h"
 
 #include <cstddef>
 
