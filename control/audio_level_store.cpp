@@ -2,11 +2,12 @@
 
 #include "control/audio_level_store.h"
 
+#include <algorithm>
+
 namespace vantoro {
 
 AudioLevelStore& AudioLevelStore::shared() {
-    // Never destroyed: its users may live as long as the process.
-    static auto* const store = new AudioLevelStore;
+    static auto* const store = new AudioLevelStore; // its users may live as long as the process
     return *store;
 }
 
@@ -25,11 +26,7 @@ void AudioLevelStore::setCondition(AudioLevelSource source, SourceCondition cond
 }
 
 double shownLevel(float measured) {
-    const double level = measured;
-    if (level <= 0) {
-        return 0;
-    }
-    return level > 1 ? 1 : level;
+    return std::clamp<double>(measured, 0, 1);
 }
 
 } // namespace vantoro

@@ -11,8 +11,8 @@
 
 namespace vantoro {
 
-/// The levels, 0 to 1, and conditions of the two sources. Only the view model writes them; displays
-/// read them here and need not know the view model. Main thread.
+/// The sources' levels, 0 to 1, and conditions. The view model writes them for displays that do not
+/// know it. Main thread.
 class AudioLevelStore final : public QObject {
     Q_OBJECT
 
@@ -36,7 +36,7 @@ Q_SIGNALS:
     /// After each write, even of an equal level.
     void levelChanged(vantoro::AudioLevelSource source);
 
-    /// After the condition changes.
+    /// After a change.
     void conditionChanged(vantoro::AudioLevelSource source);
 
 private:

@@ -4,8 +4,7 @@
 
 namespace vantoro {
 
-/// Moves the recorder's callbacks to the main thread, and drops those that arrive after the view
-/// model is gone.
+/// Moves the callbacks to the main thread, where the view model may be gone.
 void RecordingViewModel::installCallbacks() {
     using Model = RecordingViewModel;
     const auto toMainThread = [&scheduler = platform_.scheduler,

@@ -8,8 +8,8 @@
 
 namespace vantoro {
 
-/// The folder to record into: the preferred one if it is an absolute path, else the default. A
-/// relative path depends on where the program is started from, so it is ignored.
+/// The preferred folder, else the default. A relative path does not count: it depends on where the
+/// program is started.
 std::filesystem::path recordingFolder(const std::optional<std::string>& preferred,
                                       const std::filesystem::path& byDefault);
 

@@ -55,14 +55,6 @@ void RecordingProperties::setErrorMessage(std::optional<std::string> message) {
     set(Property::errorMessage, &Values::errorMessage, std::move(message));
 }
 
-void RecordingProperties::setLastRecordingURL(std::optional<std::filesystem::path> location) {
-    set(Property::lastRecordingURL, &Values::lastRecordingURL, std::move(location));
-}
-
-void RecordingProperties::setElapsedSeconds(std::int64_t seconds) {
-    set(Property::elapsedSeconds, &Values::elapsedSeconds, seconds);
-}
-
 void RecordingProperties::setLevel(AudioLevelSource source, double level) {
     if (source == AudioLevelSource::systemAudio) {
         set(Property::systemAudioLevel, &Values::systemAudioLevel, level);

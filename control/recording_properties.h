@@ -19,8 +19,7 @@
 
 namespace vantoro {
 
-/// The properties of recording that the interface shows, and the settings of the next recording.
-/// Main thread.
+/// What the interface shows of recording, and the settings of the next one. Main thread.
 class RecordingProperties : public QObject {
     Q_OBJECT
 
@@ -62,8 +61,7 @@ public:
         double savingProgress = 0; ///< 0 to 1, of saving or a salvage
         std::filesystem::path outputDirectory;
         std::optional<std::filesystem::path> lastRecordingURL;
-        /// The one message to the user: an error, a recording saved automatically, or low disk
-        /// space.
+        /// For the user: an error, a recording saved automatically, or low disk space.
         std::optional<std::string> errorMessage;
         bool hasScreenPermission = false;
         AuthorizationStatus microphonePermission = AuthorizationStatus::notDetermined;
@@ -77,12 +75,9 @@ public:
     void setSystemVolume(double gain);
     void setMicrophoneVolume(double gain);
 
-    /// Call when the user has read the message.
     void dismissMessage() { setErrorMessage(std::nullopt); }
 
-    /// Whether the recorder is busy with anything but recording.
     bool isProcessing() const;
-    /// Whether a recording can start: none is under way, and a source is on.
     bool canStart() const;
     std::string formattedElapsedTime() const;
 
@@ -104,19 +99,13 @@ protected:
     }
 
     void setState(RecordingState state);
-
-    void setState(RecordingState::Case state) { setState(RecordingState(state)); }
-
     void setErrorMessage(std::optional<std::string> message);
-    void setLastRecordingURL(std::optional<std::filesystem::path> location);
-    void setElapsedSeconds(std::int64_t seconds);
-    /// Notifies only on a change.
-    void setSavingProgress(double progress);
     void setLevel(AudioLevelSource source, double level);
     void resetLevels();
-    /// Notifies only on a change.
-    void setCondition(AudioLevelSource source, SourceCondition condition);
     void resetConditions();
+    /// These two notify only on a change.
+    void setCondition(AudioLevelSource source, SourceCondition condition);
+    void setSavingProgress(double progress);
 
 private:
     AudioLevelStore& levels_;

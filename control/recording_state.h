@@ -20,10 +20,9 @@ public:
         failed,     ///< the last start or stop failed
     };
 
-    /// Any case but `failed`; for that one use the factory below.
-    explicit RecordingState(Case which = Case::idle) : which_(which) {}
+    /// Implicit for any case but `failed`, which has the factory below.
+    RecordingState(Case which = Case::idle) : which_(which) {}
 
-    /// `description`: the error's text, with nothing appended.
     static RecordingState failed(std::string description) {
         RecordingState state(Case::failed);
         state.description_ = std::move(description);

@@ -6,7 +6,6 @@
 #include <utility>
 
 #include "control/elapsed_time.h"
-#include "control/microphone_choice.h"
 #include "control/recording_folder.h"
 #include "control/transitions.h"
 #include "l10n/texts/error_description.h"
@@ -30,12 +29,14 @@ RecordingViewModel::RecordingViewModel(std::unique_ptr<Recorder> recorder,
             expectVolumes();
         }
     });
-    observePowerState();
+    powerObservation_ = platform_.power.observe([this] { handleStop(StopReason::systemSleep); },
+                                                [this] {
+                                                    refreshDevicesAndPermissions();
+                                                    recoverIncompleteRecordings();
+                                                });
     refreshDevicesAndPermissions();
     recoverIncompleteRecordings();
 }
-
-RecordingViewModel::~RecordingViewModel() = default;
 
 std::string RecordingViewModel::statusText() const {
     return texts_.text(statusKey(values().state.which()));
@@ -60,7 +61,7 @@ void RecordingViewModel::startRecording() {
     salvage_.suspend();
     setState(RecordingState::Case::preparing);
     setErrorMessage(std::nullopt);
-    setLastRecordingURL(std::nullopt);
+    set(Property::lastRecordingURL, &Values::lastRecordingURL, std::nullopt);
     pendingStopReason_.reset();
     lost_ = {};
     interruption_ = nullptr;
@@ -88,7 +89,7 @@ void RecordingViewModel::expectVolumes() {
 }
 
 void RecordingViewModel::started() {
-    setElapsedSeconds(0);
+    set(Property::elapsedSeconds, &Values::elapsedSeconds, 0);
     setState(RecordingState::Case::recording);
     refreshDevicesAndPermissions(); // starting may have granted a permission
     if (const auto reason = std::exchange(pendingStopReason_, std::nullopt)) {
@@ -137,7 +138,7 @@ void RecordingViewModel::finishRecording(StopReason reason) {
 }
 
 void RecordingViewModel::saved(const std::filesystem::path& recording, StopReason reason) {
-    setLastRecordingURL(recording);
+    set(Property::lastRecordingURL, &Values::lastRecordingURL, recording);
     setState(RecordingState::Case::completed);
     if (lost_.isAny()) {
         setErrorMessage(L10n::sentences({lost_.text(texts_), texts_.restSaved()}));
@@ -172,30 +173,15 @@ std::string RecordingViewModel::interruptionText() const {
 
 void RecordingViewModel::startTimer() {
     timer_ = platform_.scheduler.startTimer(std::chrono::seconds(1), [this] {
-        setElapsedSeconds(nextSecond(values().elapsedSeconds));
+        set(Property::elapsedSeconds, &Values::elapsedSeconds, nextSecond(values().elapsedSeconds));
     });
 }
 
-void RecordingViewModel::observePowerState() {
-    powerObservation_ = platform_.power.observe([this] { handleStop(StopReason::systemSleep); },
-                                                [this] { handleDidWake(); });
-}
-
-void RecordingViewModel::handleDidWake() {
-    refreshDevicesAndPermissions();
-    recoverIncompleteRecordings();
-}
-
 void RecordingViewModel::handleStop(StopReason reason) {
-    switch (answerToStop(values().state.which())) {
-    case StopAnswer::keepPending:
+    if (values().state.which() == RecordingState::Case::preparing) {
         pendingStopReason_ = pendingStop(pendingStopReason_, reason);
-        break;
-    case StopAnswer::stop:
+    } else {
         stopRecording(reason);
-        break;
-    case StopAnswer::ignore:
-        break;
     }
 }
 
@@ -231,7 +217,7 @@ void RecordingViewModel::recovered(const SalvageResult& result) {
     if (!result.recordings.empty() && !isBusy(values().state.which())) {
         // After a failed stop, the salvaged recording is the one that failed.
         const bool isOfTheFailed = values().state.which() == RecordingState::Case::failed;
-        setLastRecordingURL(result.recordings.back());
+        set(Property::lastRecordingURL, &Values::lastRecordingURL, result.recordings.back());
         setState(RecordingState::Case::completed);
         setErrorMessage(L10n::sentences({texts_.recovered(result.recordings.size()),
                                          texts_.originalsKept(result.keptOriginals),
@@ -245,7 +231,7 @@ void RecordingViewModel::refreshDevicesAndPermissions() {
 }
 
 void RecordingViewModel::surveyed(const Survey& survey) {
-    set(Property::hasScreenPermission, &Values::hasScreenPermission, survey.hasScreenPermission);
+    set(Property::hasScreenPermission, &Values::hasScreenPermission, survey.mayCapture);
     set(Property::microphonePermission, &Values::microphonePermission, survey.microphonePermission);
     set(Property::microphones, &Values::microphones, survey.microphones);
     const auto& selected = values().selectedMicrophoneID;

@@ -9,7 +9,6 @@
 #include <optional>
 #include <string>
 
-#include "control/audio_level_store.h"
 #include "control/lost_sound.h"
 #include "control/ports/audio_devices.h"
 #include "control/ports/folder_dialog.h"
@@ -19,7 +18,6 @@
 #include "control/recording_properties.h"
 #include "control/tasks/salvage_task.h"
 #include "control/tasks/survey_task.h"
-#include "control/tasks/task.h"
 #include "engine/ports/permissions.h"
 #include "engine/recorder/recorder.h"
 #include "l10n/l10n.h"
@@ -39,23 +37,19 @@ struct ControlPlatform {
     Preferences& preferences;
     AudioLevelStore& levels;
     std::filesystem::path defaultRecordingFolder;
-    /// Called when a stop or a salvage makes progress, on its thread, so that a watchdog can tell
-    /// that it does not hang. May be empty.
+    /// For a watchdog: called when a stop or a salvage makes progress, on its thread; may be empty.
     std::function<void()> recorderProgressed = {};
 };
 
-/// Starts and stops the recorder, and turns every failure into a state and a message. The interface
-/// shows its properties and calls its commands. Main thread; never throws.
+/// Starts and stops the recorder, and turns every failure into a state and a message. Main thread;
+/// never throws. Its destruction cancels a salvage; what a running recording has captured stays in
+/// the recording folder.
 class RecordingViewModel final : public RecordingProperties {
     Q_OBJECT
 
 public:
     /// Salvages what an earlier run left in the recording folder.
     RecordingViewModel(std::unique_ptr<Recorder> recorder, const ControlPlatform& platform);
-    RecordingViewModel(const RecordingViewModel&) = delete;
-    RecordingViewModel& operator=(const RecordingViewModel&) = delete;
-    /// Cancels a salvage. What a running recording has captured stays in the recording folder.
-    ~RecordingViewModel() override;
 
     /// Whether the current or last recording lacks sound that was captured.
     bool hasLostSound() const noexcept { return lost_.isAny(); }
@@ -72,8 +66,7 @@ public:
     /// Updates the properties soon after. Never prompts the user.
     void refreshDevicesAndPermissions();
 
-    /// Asks the user for the folder of the next recordings, stores it, and salvages interrupted
-    /// recordings there.
+    /// Asks for the folder of the next recordings, stores it, and salvages what it holds.
     void chooseOutputDirectory();
     void revealOutputDirectory();
     /// These two do nothing before there is a recording.
@@ -88,8 +81,6 @@ Q_SIGNALS:
 
 private:
     void installCallbacks();
-    void observePowerState();
-
     void expectVolumes();
     void started();
     void startFailed(const std::exception_ptr& error);
@@ -100,7 +91,6 @@ private:
     void fail(const std::exception_ptr& error, bool preserveCheckpoint);
 
     void startTimer();
-    void handleDidWake();
     void handleStop(StopReason reason);
     void handleInterruption(const std::exception_ptr& cause);
     std::string interruptionText() const;
@@ -110,7 +100,6 @@ private:
     void moveTo(const std::filesystem::path& outputDirectory);
     void recoverIncompleteRecordings();
     void recovered(const SalvageResult& result);
-
     void updateAudioLevel(AudioLevelSource source, float level);
     void updateCondition(AudioLevelSource source, SourceCondition condition);
 

@@ -22,21 +22,6 @@ bool canStart(RecordingState::Case state, bool captureSystemAudio, bool captureM
     return !isBusy(state) && (captureSystemAudio || captureMicrophone);
 }
 
-StopAnswer answerToStop(RecordingState::Case state) {
-    switch (state) {
-    case preparing:
-        return StopAnswer::keepPending;
-    case recording:
-        return StopAnswer::stop;
-    case idle:
-    case processing:
-    case completed:
-    case failed:
-        break;
-    }
-    return StopAnswer::ignore;
-}
-
 StopReason pendingStop(std::optional<StopReason> pending, StopReason arrived) {
     const bool replaces = arrived == StopReason::systemSleep || pending == StopReason::user;
     return replaces ? arrived : pending.value_or(arrived);

@@ -2,7 +2,6 @@
 
 #pragma once
 
-#include <cstdint>
 #include <optional>
 
 #include "control/recording_state.h"
@@ -23,14 +22,6 @@ bool isUnderWay(RecordingState::Case state);
 bool isProcessing(RecordingState::Case state);
 
 bool canStart(RecordingState::Case state, bool captureSystemAudio, bool captureMicrophone);
-
-/// What to do when the system requests a stop.
-enum class StopAnswer : std::uint8_t {
-    ignore,
-    keepPending, ///< stop as soon as the recording runs
-    stop,
-};
-StopAnswer answerToStop(RecordingState::Case state);
 
 /// The reason to keep when another stop arrives before the recording runs: sleep replaces any
 /// reason; others replace only the user's, which needs no message.

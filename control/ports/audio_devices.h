@@ -12,17 +12,16 @@ namespace vantoro {
 
 /// The devices to record with, at one moment.
 struct FoundDevices {
-    bool mayCapture = false;                   ///< whether the program may capture sound at all
-    std::vector<AudioInputDevice> microphones; ///< in the system's order
-    /// The identifier of the system default, if there is one; it may be missing from the list.
-    std::optional<std::string> defaultMicrophone;
+    bool mayCapture = false;                      ///< whether the program may capture sound at all
+    std::vector<AudioInputDevice> microphones;    ///< in the system's order
+    std::optional<std::string> defaultMicrophone; ///< its identifier; may be missing from the list
 };
 
 /// Finds audio devices. Task threads; returns within a time limit. Never prompts the user.
 class AudioDevices {
 public:
     virtual ~AudioDevices() = default;
-    /// The devices at the moment of the call; empty if they cannot be determined.
+    /// Empty if they cannot be determined.
     virtual FoundDevices find() = 0;
 };
 

@@ -9,11 +9,10 @@
 
 namespace vantoro {
 
-/// The texts of a folder dialog and the folder it opens in.
 struct FolderQuestion {
     std::string title;
-    std::string prompt; ///< the label of the confirm button
-    std::filesystem::path directory;
+    std::string prompt;              ///< the label of the confirm button
+    std::filesystem::path directory; ///< where the dialog opens
 };
 
 /// Lets the user pick or create a folder. Main thread.

@@ -21,18 +21,17 @@ public:
     virtual ~PowerObservation() = default;
 };
 
-/// Reports sleep and wake, and holds off sleep. Main thread; never blocks.
+/// Main thread; never blocks.
 class PowerManagement {
 public:
     virtual ~PowerManagement() = default;
 
-    /// Calls both on the main thread. `willSleep` also runs before a shutdown; no `didWake` follows
-    /// that, even if the shutdown is cancelled.
+    /// `willSleep` also runs before a shutdown, which no `didWake` follows, even if it is
+    /// cancelled.
     virtual std::unique_ptr<PowerObservation> observe(std::function<void()> willSleep,
                                                       std::function<void()> didWake) = 0;
 
-    /// `reason` is shown to the user where the system lists sleep inhibitors. Takes effect soon
-    /// after the call; has no effect if the system does not support it.
+    /// Takes effect soon after the call, if the system can do it; lists `reason` for the user.
     virtual std::unique_ptr<SleepHold> holdOffSleep(const std::string& reason) = 0;
 };
 

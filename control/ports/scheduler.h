@@ -22,8 +22,7 @@ public:
     /// Runs soon, in the order of the calls, never within the call. Any thread.
     virtual void runOnMainThread(std::function<void()> work) = 0;
 
-    /// Runs concurrently with all other work, and may block for long; never waits for earlier work.
-    /// Any thread.
+    /// Runs at once, beside all other work, and may block for long. Any thread.
     virtual void runOnTaskThread(std::function<void()> work) = 0;
 
     /// Fires on the main thread, first after one interval. Main thread.

@@ -16,10 +16,8 @@
 
 namespace vantoro {
 
-/// Salvages interrupted recordings, one folder at a time. Main thread.
-///
-/// Cancelling takes a moment, in which the recorder still holds its file locks. The next salvage
-/// waits until then.
+/// Salvages interrupted recordings, one folder at a time: a cancelled salvage holds its file locks
+/// for a moment more, and the next one waits for that. Main thread.
 class SalvageTask final : public QObject {
 public:
     /// `onEnded` receives the result of each salvage that was not cancelled, even an empty one.
@@ -27,18 +25,14 @@ public:
                 std::function<void(const SalvageResult&)> onEnded);
     SalvageTask(const SalvageTask&) = delete;
     SalvageTask& operator=(const SalvageTask&) = delete;
-    /// Cancels.
     ~SalvageTask() override;
 
-    /// Salvages the folder; replaces all earlier requests.
+    /// Replaces all earlier requests.
     void start(std::filesystem::path folder);
-
-    /// Cancels the running salvage and discards its result.
+    /// Discards the result; so does destruction.
     void cancel();
-
     /// Cancels, until `resume`, because a recording needs the machine.
     void suspend();
-
     /// Salvages the folder if `suspend` interrupted a salvage and none was started since.
     void resume(std::filesystem::path folder);
 

@@ -2,6 +2,7 @@
 
 #include "control/tasks/survey_task.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace vantoro {
@@ -25,13 +26,8 @@ void SurveyTask::begin() {
     runTask(
         scheduler_, QPointer(this),
         [&devices = devices_, &microphone = microphone_] {
-            Survey survey;
             auto found = devices.find();
-            survey.hasScreenPermission = found.mayCapture;
-            survey.microphonePermission = microphone.status();
-            survey.microphones = std::move(found.microphones);
-            survey.defaultMicrophone = std::move(found.defaultMicrophone);
-            return survey;
+            return Survey{std::move(found), microphone.status()};
         },
         &SurveyTask::finish);
 }
@@ -42,6 +38,19 @@ void SurveyTask::finish(const Answer<Survey>& answer) {
         begin();
     }
     onSurveyed_(answer.value_or(Survey()));
+}
+
+std::optional<std::string> chooseMicrophone(const std::optional<std::string>& selected,
+                                            const std::vector<AudioInputDevice>& microphones,
+                                            const std::optional<std::string>& systemDefault) {
+    if (selected &&
+        std::ranges::find(microphones, *selected, &AudioInputDevice::id) != microphones.end()) {
+        return selected;
+    }
+    if (systemDefault) {
+        return systemDefault;
+    }
+    return microphones.empty() ? std::nullopt : std::optional(microphones.front().id);
 }
 
 } // namespace vantoro

@@ -17,23 +17,18 @@
 namespace vantoro {
 
 /// The devices and permissions, at one moment.
-struct Survey {
-    bool hasScreenPermission = false;
+struct Survey : FoundDevices {
     AuthorizationStatus microphonePermission = AuthorizationStatus::notDetermined;
-    std::vector<AudioInputDevice> microphones;
-    std::optional<std::string> defaultMicrophone;
 };
 
-/// Looks up devices and permissions; this may take seconds on a faulty desktop. Never prompts the
-/// user. Main thread.
+/// Looks up devices and permissions, for seconds on a faulty desktop. Main thread.
 class SurveyTask final : public QObject {
 public:
     /// The ports are called on task threads, and must outlive the scheduler's work.
     SurveyTask(Scheduler& scheduler, AudioDevices& devices, MicrophoneAccess& microphone,
                std::function<void(const Survey&)> onSurveyed);
 
-    /// Calls `onSurveyed` with the state at this moment or later. Requests made during a survey
-    /// share one survey after it.
+    /// Surveys now, or once after the survey that runs, for all requests made meanwhile.
     void start();
 
 private:
@@ -47,5 +42,11 @@ private:
     bool running_ = false;
     bool again_ = false; // requested while one runs, which may already have looked
 };
+
+/// Picks a microphone: the selected one if it is listed, else the system default (listed or not),
+/// else the first listed, else none.
+std::optional<std::string> chooseMicrophone(const std::optional<std::string>& selected,
+                                            const std::vector<AudioInputDevice>& microphones,
+                                            const std::optional<std::string>& systemDefault);
 
 } // namespace vantoro

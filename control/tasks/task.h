@@ -32,9 +32,8 @@ Answer<std::invoke_result_t<Work&>> answerOf(Work& work) {
     }
 }
 
-/// Runs `work` on a task thread and passes its answer to `then`, with the owner, on the main
-/// thread. Drops the answer if the owner, a main-thread object, is gone by then. `work` must own
-/// what it uses.
+/// Runs `work`, which must own what it uses, on a task thread, and `then` with the owner and the
+/// answer on the main thread, unless the owner, a main-thread object, is gone by then.
 template <class Owner, class Work, class Then>
 void runTask(Scheduler& scheduler, const QPointer<Owner>& owner, Work work, Then then) {
     scheduler.runOnTaskThread([&scheduler, owner, work = std::move(work), then]() mutable {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "control/microphone_choice.h"
+#include "control/tasks/survey_task.h"
 
 #include <gtest/gtest.h>
 

@@ -15,23 +15,22 @@ TEST(TransitionsTest, followFromTheStateAlone) {
         Case state;
         bool busy;
         bool processing;
-        StopAnswer answer;
+        bool underWay;
         L10n::Key status;
     };
 
     for (const auto& row : {
-             Row{Case::idle, false, false, StopAnswer::ignore, L10n::Key::ready},
-             Row{Case::preparing, true, true, StopAnswer::keepPending, L10n::Key::preparing},
-             Row{Case::recording, true, false, StopAnswer::stop, L10n::Key::recording},
-             Row{Case::processing, true, true, StopAnswer::ignore, L10n::Key::saving},
-             Row{Case::completed, false, false, StopAnswer::ignore, L10n::Key::saved},
-             Row{Case::failed, false, false, StopAnswer::ignore, L10n::Key::needsAttention},
+             Row{Case::idle, false, false, false, L10n::Key::ready},
+             Row{Case::preparing, true, true, true, L10n::Key::preparing},
+             Row{Case::recording, true, false, true, L10n::Key::recording},
+             Row{Case::processing, true, true, false, L10n::Key::saving},
+             Row{Case::completed, false, false, false, L10n::Key::saved},
+             Row{Case::failed, false, false, false, L10n::Key::needsAttention},
          }) {
         SCOPED_TRACE(static_cast<int>(row.state));
         EXPECT_EQ(isBusy(row.state), row.busy);
         EXPECT_EQ(isProcessing(row.state), row.processing);
-        EXPECT_EQ(isUnderWay(row.state), row.answer != StopAnswer::ignore);
-        EXPECT_EQ(answerToStop(row.state), row.answer);
+        EXPECT_EQ(isUnderWay(row.state), row.underWay);
         EXPECT_EQ(statusKey(row.state), row.status);
         EXPECT_EQ(canStart(row.state, true, true), !row.busy);
         EXPECT_EQ(canStart(row.state, true, false), !row.busy);
