@@ -8,8 +8,6 @@
 #include <QtCore/QPointer>
 #include <QtCore/QTimer>
 
-#include "ui/window/activation.h"
-
 namespace vantoro {
 
 namespace {
@@ -81,7 +79,7 @@ void VantoroApp::followRecording() {
 }
 
 void VantoroApp::activate(const std::string& activationToken) {
-    bringToFront(window_, activationToken);
+    window_.bringToFront(activationToken);
 }
 
 void VantoroApp::startRecording(const std::string& activationToken) {

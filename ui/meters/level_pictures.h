@@ -19,7 +19,6 @@ class LevelPictures {
 public:
     explicit LevelPictures(const QColor& color) : color_(color) {}
 
-    /// Applies to later pictures.
     void setColor(const QColor& color);
 
     /// In all `levelGlyphSizes`; `level` as for `stageOf`.
@@ -30,9 +29,8 @@ private:
     std::map<std::pair<LevelSymbol, int>, StatusImage> drawn_;
 };
 
-/// A colour that is visible on the desktop's panel, which does not tint pictures. Light if the
-/// palette is dark, or if one of `desktops` (XDG_CURRENT_DESKTOP, colon-separated) has a dark panel
-/// with any palette.
+/// A colour that is visible on the desktop's panel: light if the palette is dark, or if one of
+/// `desktops` (XDG_CURRENT_DESKTOP, colon-separated) always has a dark panel.
 QColor panelColor(const QPalette& palette, const std::string& desktops);
 
 } // namespace vantoro

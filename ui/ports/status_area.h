@@ -17,22 +17,18 @@ using StatusImage = QList<QImage>;
 
 /// The fixed properties of an item.
 struct StatusItemTraits {
-    /// Identifies the item between runs, so that the desktop can remember its position.
-    std::string identifier;
+    std::string identifier; ///< stays the same between runs, for the desktop to remember
     std::string toolTip;
-    /// Called on a click. Some desktops need the token to bring a window to the front; empty if the
-    /// desktop provides none.
+    /// Some desktops need the token to bring a window to the front; empty if there is none.
     std::function<void(const std::string& activationToken)> clicked;
 };
 
-/// A small picture in the desktop's status area, shown while this exists; `clicked` is not called
-/// after destruction. Main thread.
+/// A small picture, shown while this exists; no `clicked` after destruction. Main thread.
 class StatusItem {
 public:
     virtual ~StatusItem() = default;
 
-    /// `description` is for screen readers. May be called at any rate: only changes reach the
-    /// desktop, at most 15 times a second.
+    /// `description` is for screen readers. Only changes reach the desktop, at most 15 a second.
     virtual void setImage(const StatusImage& image, const std::string& description) = 0;
 };
 
@@ -48,8 +44,7 @@ public:
     /// Whether items are visible; nothing until the desktop answers, which it may never do.
     virtual std::optional<bool> isAvailable() const = 0;
 
-    /// `changed` is called by the event loop when `isAvailable` changes, until the area is
-    /// destroyed.
+    /// `changed` is called by the event loop when `isAvailable` changes.
     virtual void setAvailabilityChanged(std::function<void()> changed) = 0;
 };
 

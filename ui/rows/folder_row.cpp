@@ -5,7 +5,7 @@
 #include <QtCore/QFile>
 #include <QtWidgets/QHBoxLayout>
 
-#include "ui/style/symbol_label.h"
+#include "ui/style/decorations.h"
 
 namespace vantoro {
 

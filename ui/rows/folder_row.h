@@ -7,7 +7,7 @@
 #include <QtWidgets/QPushButton>
 #include <QtWidgets/QWidget>
 
-#include "ui/style/elided_label.h"
+#include "ui/style/labels.h"
 #include "ui/style/symbol_button.h"
 
 namespace vantoro {

@@ -8,7 +8,7 @@
 #include <QtWidgets/QVBoxLayout>
 
 #include "ui/style/fonts.h"
-#include "ui/style/toned_label.h"
+#include "ui/style/labels.h"
 
 namespace vantoro {
 

@@ -8,7 +8,7 @@
 #include <QtWidgets/QPushButton>
 #include <QtWidgets/QWidget>
 
-#include "ui/style/symbol_label.h"
+#include "ui/style/decorations.h"
 
 namespace vantoro {
 

@@ -6,9 +6,9 @@
 #include <QtWidgets/QHBoxLayout>
 #include <QtWidgets/QVBoxLayout>
 
+#include "ui/style/decorations.h"
 #include "ui/style/fonts.h"
-#include "ui/style/symbol_label.h"
-#include "ui/style/toned_label.h"
+#include "ui/style/labels.h"
 
 namespace vantoro {
 

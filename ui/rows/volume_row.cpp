@@ -8,10 +8,10 @@
 #include <QtWidgets/QGraphicsOpacityEffect>
 #include <QtWidgets/QHBoxLayout>
 
+#include "ui/style/decorations.h"
 #include "ui/style/fonts.h"
+#include "ui/style/labels.h"
 #include "ui/style/percentage.h"
-#include "ui/style/symbol_label.h"
-#include "ui/style/toned_label.h"
 
 namespace vantoro {
 

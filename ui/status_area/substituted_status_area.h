@@ -10,8 +10,8 @@
 
 namespace vantoro {
 
-/// A status area with a substitute, which shows the items while the first is known to be
-/// unavailable. Both must outlive this. Main thread.
+/// Shows items in the substitute while the first area is known to be unavailable. Both must outlive
+/// this. Main thread.
 class SubstitutedStatusArea final : public StatusArea {
 public:
     SubstitutedStatusArea(StatusArea& first, StatusArea& substitute);

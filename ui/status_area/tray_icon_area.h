@@ -6,17 +6,16 @@
 
 namespace vantoro {
 
-/// The toolkit's status area, such as the older one of X servers. Available while a panel shows its
-/// icons; there is no change notification, so poll. Main thread of a program with windows.
+/// The toolkit's status area, such as the older one of X servers. Main thread of a program with
+/// windows.
 class TrayIconArea final : public StatusArea {
 public:
-    /// Ignores the identifier, which the toolkit does not support.
     std::unique_ptr<StatusItem> makeItem(StatusItemTraits traits) override;
 
     /// Never empty. May block for as long as the session bus takes to answer.
     std::optional<bool> isAvailable() const override;
 
-    /// Never called.
+    /// Never called: poll.
     void setAvailabilityChanged(std::function<void()> /*changed*/) override {}
 };
 

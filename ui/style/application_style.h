@@ -6,9 +6,8 @@
 
 namespace vantoro {
 
-/// The desktop's style without one icon that this program never shows: that of a menu bar which
-/// does not fit. It is an image file, and would load all image plugins before the window can be
-/// shown.
+/// The desktop's style without the icon of a menu bar that does not fit, which is never shown: as
+/// an image file, it would load all image plugins before the window can be shown.
 class ApplicationStyle final : public QProxyStyle {
     Q_OBJECT
 

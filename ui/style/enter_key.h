@@ -7,8 +7,7 @@
 
 namespace vantoro {
 
-/// Makes Return and Enter work like Space on a button that only accepts Space. False for any other
-/// key.
+/// Clicks a button that only accepts Space on Return and Enter; false for other keys.
 inline bool clickByEnter(QAbstractButton& button, const QKeyEvent& event) {
     if (event.key() != Qt::Key_Return && event.key() != Qt::Key_Enter) {
         return false;

@@ -18,8 +18,7 @@ QFont scaled(QFont font, double factor) {
     return font;
 }
 
-/// In fonts with unequal digits, 1 is the narrow one. Measuring a digit renders it, which delays
-/// the window, so measure only two.
+/// Measures only two digits, of which 1 is a narrow one: each is rendered, which delays the window.
 bool hasDigitsOfEqualWidth(const QFont& font) {
     const QFontMetricsF metrics(font);
     return qFuzzyCompare(metrics.horizontalAdvance(QLatin1Char('1')),

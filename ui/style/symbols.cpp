@@ -8,8 +8,7 @@
 #include <QtGui/QPainter>
 #include <QtSvg/QSvgRenderer>
 
-/// Registers the resources, which is not automatic in a static library. Qt requires this outside
-/// all namespaces.
+/// Not automatic in a static library. Qt requires this outside all namespaces.
 static void registerDrawings() {
     Q_INIT_RESOURCE(symbols);
 }

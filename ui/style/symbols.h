@@ -34,7 +34,6 @@ QPixmap symbolPixmap(Symbol symbol, const QColor& colour, int size, double scale
 /// Drawn in the colour at any requested size; paler if disabled.
 QIcon symbolIcon(Symbol symbol, const QColor& colour);
 
-/// The program's icon.
 QIcon applicationIcon();
 
 } // namespace vantoro

@@ -4,8 +4,8 @@
 
 namespace vantoro {
 
-/// Makes this program's own widgets accessible. By default the toolkit gives them no role, or
-/// reports their values in internal units. Further calls do nothing. Main thread.
+/// Tells screen readers the roles of this program's own widgets, and their values in percent.
+/// Further calls do nothing. Main thread.
 void describeParts();
 
 } // namespace vantoro

@@ -4,8 +4,8 @@
 
 #include <QtGui/QPainter>
 
+#include "ui/style/decorations.h"
 #include "ui/style/fonts.h"
-#include "ui/style/separator.h"
 #include "ui/style/tones.h"
 
 namespace vantoro {

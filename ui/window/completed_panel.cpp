@@ -7,8 +7,8 @@
 #include <QtWidgets/QHBoxLayout>
 #include <QtWidgets/QVBoxLayout>
 
+#include "ui/style/decorations.h"
 #include "ui/style/fonts.h"
-#include "ui/style/symbol_label.h"
 
 namespace vantoro {
 

@@ -9,9 +9,8 @@
 #include <QtWidgets/QVBoxLayout>
 
 #include "control/transitions.h"
+#include "ui/style/decorations.h"
 #include "ui/style/fonts.h"
-#include "ui/style/header_icon.h"
-#include "ui/style/separator.h"
 #include "ui/window/accessible_parts.h"
 
 namespace vantoro {
@@ -242,7 +241,6 @@ void ContentView::showState() {
     const bool stops = state.which() == RecordingState::Case::recording;
     record_->setStops(stops);
     record_->setText(text(stops ? L10n::Key::stopRecording : L10n::Key::startRecording));
-    record_->setEnabled(stops || model_.canStart());
 }
 
 void ContentView::showSources() {

@@ -49,6 +49,17 @@ MainWindow::MainWindow(RecordingViewModel& model, LanguageSettings& language,
     showTexts();
 }
 
+void MainWindow::bringToFront(const std::string& activationToken) {
+    if (!activationToken.empty()) {
+        // Where the toolkit reads the token for a Wayland compositor; it uses each token once.
+        qputenv("XDG_ACTIVATION_TOKEN", QByteArray::fromStdString(activationToken));
+    }
+    setWindowState(windowState() & ~Qt::WindowMinimized);
+    show();
+    raise();
+    activateWindow();
+}
+
 void MainWindow::makeMenu() {
     auto* const menu = menuBar()->addMenu(productName);
     languageMenu_ = menu->addMenu(QString());

@@ -15,8 +15,7 @@
 
 namespace vantoro {
 
-/// The program's only window. It does not close itself; its owner decides. All arguments must
-/// outlive it. Main thread.
+/// The program's only window; its owner closes it. All arguments must outlive it. Main thread.
 class MainWindow final : public QMainWindow {
     Q_OBJECT
 
@@ -24,15 +23,14 @@ public:
     MainWindow(RecordingViewModel& model, LanguageSettings& language, UpdateChecker& updates,
                const Preferences& preferences);
 
+    /// Also shows a hidden or minimised window. The token is the desktop's permission, issued for a
+    /// user action; without it, some desktops only mark the window as demanding attention.
+    void bringToFront(const std::string& activationToken);
+
 Q_SIGNALS:
-    /// The user closes the window.
-    void closeRequested();
-
-    /// The user quits the program.
-    void quitRequested();
-
-    /// Emitted during the first paint; work that was deferred for the window may start after it.
-    void firstPainted();
+    void closeRequested(); ///< by the user
+    void quitRequested();  ///< by the user
+    void firstPainted();   ///< during the first paint; work deferred for it may start afterwards
 
 protected:
     void changeEvent(QEvent* event) override;

@@ -2,15 +2,47 @@
 
 #include "ui/window/status_panel.h"
 
+#include <optional>
+
 #include <QtWidgets/QHBoxLayout>
 #include <QtWidgets/QVBoxLayout>
 
 #include "control/transitions.h"
 #include "ui/style/fonts.h"
-#include "ui/style/toned_label.h"
-#include "ui/window/status_look.h"
+#include "ui/style/labels.h"
 
 namespace vantoro {
+
+namespace {
+
+/// The appearance of a state.
+struct StatusLook {
+    Tone tone = Tone::accent;
+    Symbol symbol = Symbol::recordCircle;
+    std::optional<L10n::Key> detail; ///< none for a failure, whose text is the detail
+};
+
+StatusLook lookOf(RecordingState::Case state) {
+    using enum RecordingState::Case;
+    using Key = L10n::Key;
+    switch (state) {
+    case preparing:
+        return {Tone::accent, Symbol::recordCircle, Key::checkingPermissions};
+    case recording:
+        return {Tone::recording, Symbol::waveform, Key::capturingAudio};
+    case processing:
+        return {Tone::accent, Symbol::recordCircle, Key::mixingTracks};
+    case completed:
+        return {Tone::saved, Symbol::checkmark, Key::recordingReady};
+    case failed:
+        return {Tone::attention, Symbol::exclamation, std::nullopt};
+    case idle:
+        break;
+    }
+    return {Tone::accent, Symbol::recordCircle, Key::m4aAudio};
+}
+
+} // namespace
 
 StatusPanel::StatusPanel(QWidget* parent)
     : QWidget(parent),

@@ -15,7 +15,6 @@ std::filesystem::path pathOf(const QString& name) {
     return QFile::encodeName(name).toStdString();
 }
 
-/// The chosen folder, if any.
 std::optional<std::filesystem::path> choiceOf(const QFileDialog& dialog, int result) {
     const auto files = dialog.selectedFiles();
     return result == QDialog::Accepted && !files.isEmpty() ? std::optional(pathOf(files.first()))

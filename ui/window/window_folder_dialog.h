@@ -11,14 +11,12 @@
 
 namespace vantoro {
 
-/// The desktop's file dialog, or Qt's if the desktop has none. Main thread of a program with
-/// windows.
+/// The desktop's file dialog, or else Qt's. Main thread of a program with windows.
 class WindowFolderDialog final : public FolderDialog {
 public:
     WindowFolderDialog() = default;
     WindowFolderDialog(const WindowFolderDialog&) = delete;
     WindowFolderDialog& operator=(const WindowFolderDialog&) = delete;
-    /// Closes an open dialog.
     ~WindowFolderDialog() override;
 
     /// If the dialog is already open, brings it to the front and ignores this question.

@@ -7,9 +7,8 @@
 #include <QtWidgets/QSlider>
 
 #include "tests/ui/window/main_window_fixture.h"
+#include "ui/style/decorations.h"
 #include "ui/style/fonts.h"
-#include "ui/style/header_icon.h"
-#include "ui/style/symbol_label.h"
 
 // These tests run twice: at one and at two device pixels per logical pixel.
 

@@ -1,12 +1,29 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "ui/style/symbol_label.h"
+#include "ui/style/decorations.h"
 
 #include <algorithm>
 
 #include <QtGui/QPainter>
 
 namespace vantoro {
+
+Separator::Separator(QWidget* parent) : QWidget(parent) {
+    setFixedHeight(1);
+}
+
+void Separator::paintEvent(QPaintEvent* /*event*/) {
+    QPainter(this).fillRect(rect(), lineColour(palette()));
+}
+
+HeaderIcon::HeaderIcon(QWidget* parent) : QWidget(parent) {
+    setFixedSize(38, 38);
+}
+
+void HeaderIcon::paintEvent(QPaintEvent* /*event*/) {
+    QPainter painter(this);
+    applicationIcon().paint(&painter, rect());
+}
 
 SymbolLabel::SymbolLabel(Symbol symbol, Tone tone, int size, int width, QWidget* parent)
     : QWidget(parent), symbol_(symbol), tone_(tone), size_(size) {

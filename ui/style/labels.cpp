@@ -1,10 +1,36 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "ui/style/elided_label.h"
+#include "ui/style/labels.h"
 
+#include <QtCore/QEvent>
 #include <QtGui/QPainter>
+#include <QtWidgets/QApplication>
 
 namespace vantoro {
+
+TonedLabel::TonedLabel(Tone tone, const QFont& font, QWidget* parent)
+    : QLabel(parent), tone_(tone) {
+    setFont(font);
+    applyTone();
+}
+
+void TonedLabel::setTone(Tone tone) {
+    tone_ = tone;
+    applyTone();
+}
+
+void TonedLabel::changeEvent(QEvent* event) {
+    QLabel::changeEvent(event);
+    if (event->type() == QEvent::ApplicationPaletteChange) {
+        applyTone();
+    }
+}
+
+void TonedLabel::applyTone() {
+    auto own = QApplication::palette();
+    own.setColor(QPalette::WindowText, toneColour(tone_, own));
+    setPalette(own);
+}
 
 ElidedLabel::ElidedLabel(Tone tone, const QFont& font, QWidget* parent)
     : TonedLabel(tone, font, parent) {

@@ -9,7 +9,30 @@
 
 namespace vantoro {
 
-/// A symbol beside a text with the same meaning; hidden from screen readers.
+// Widgets that only decorate: without a text, hidden from screen readers.
+
+/// A thin horizontal line between two widgets.
+class Separator final : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit Separator(QWidget* parent = nullptr);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+};
+
+class HeaderIcon final : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit HeaderIcon(QWidget* parent = nullptr);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+};
+
+/// A symbol beside a text with the same meaning.
 class SymbolLabel final : public QWidget {
     Q_OBJECT
 
