@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "app/commands/options.h"
-#include "l10n/filled.h"
+#include "l10n/texts/bilingual_text.h"
 
 namespace vantoro {
 

@@ -37,7 +37,8 @@ public:
     Placement place(std::int64_t time, std::int64_t frames) {
         const std::int64_t gap = time - position_;
         if (gap > maxGap) {
-            throw std::runtime_error("A time stamp of the captured sound is too far in the future.");
+            throw std::runtime_error(
+                "A time stamp of the captured sound is too far in the future.");
         }
         Placement placement{.take = frames};
         if (!followsBuffer_ || gap > tolerance || gap < -tolerance) {

@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "capture/graph/channel_fold.h"
-#include "capture/samples/capture_beginning.h"
 #include "capture/samples/frame_clock.h"
 
 namespace vantoro::pipewire {
@@ -206,7 +205,7 @@ void CaptureSession::close(std::unique_ptr<InputStream>& stream) {
 }
 
 void CaptureSession::reopenAfterLostMemory() {
-    if (lostPages() == std::exchange(lostPages_, lostPages())) {
+    if (posix::lostPages() == std::exchange(lostPages_, posix::lostPages())) {
         return;
     }
     // Which stream read them is not known.

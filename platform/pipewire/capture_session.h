@@ -8,7 +8,7 @@
 #include <optional>
 #include <string>
 
-#include "capture/graph/followed_microphone.h"
+#include "capture/graph/microphones.h"
 #include "capture/graph/orphaned_streams.h"
 #include "capture/samples/capture_delivery.h"
 #include "capture/samples/capture_watch.h"
@@ -19,8 +19,8 @@
 #include "platform/pipewire/input_stream.h"
 #include "platform/pipewire/linker.h"
 #include "platform/pipewire/loop_sources.h"
-#include "platform/pipewire/lost_memory.h"
 #include "platform/pipewire/pipewire_capture.h"
+#include "platform/posix/lost_memory.h"
 
 namespace vantoro::pipewire {
 
@@ -75,7 +75,7 @@ private:
     std::optional<capture::FollowedMicrophone> followed_;   // if a microphone is recorded
     std::map<AudioLevelSource, SourceCondition> obstacles_; // as reported; none if missing
     capture::CaptureWatch watch_;
-    std::uint64_t lostPages_ = lostPages();
+    std::uint64_t lostPages_ = posix::lostPages();
 
     Connection connection_;
     LoopEvent updateEvent_;

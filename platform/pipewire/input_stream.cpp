@@ -13,7 +13,7 @@
 
 #include "capture/graph/channel_fold.h"
 #include "engine/failure.h"
-#include "platform/pipewire/lost_memory.h"
+#include "platform/posix/lost_memory.h"
 
 namespace vantoro::pipewire {
 
@@ -94,7 +94,7 @@ InputStream::InputStream(pw_core* core, std::shared_ptr<capture::CaptureFeed> fe
     if (!stream_) {
         throw Failure(FailureCode::streamNotMade);
     }
-    replaceLostMemory();
+    posix::replaceLostMemory();
     pw_stream_add_listener(stream_.get(), hook_.get(), &events, this);
     connect();
 }
@@ -180,7 +180,7 @@ void InputStream::stateChanged(void* data, pw_stream_state /*before*/, pw_stream
 
 void InputStream::process(void* data) {
     auto& self = *static_cast<InputStream*>(data);
-    expectLostMemoryHere();
+    posix::expectLostMemoryHere();
     self.feed_->callbacks.fetch_add(1, std::memory_order_relaxed);
     while (pw_buffer* const buffer = pw_stream_dequeue_buffer(self.stream_.get())) {
         self.takeIn(*buffer->buffer);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "platform/pipewire/lost_memory.h"
+#include "platform/posix/lost_memory.h"
 
 #include <atomic>
 #include <csignal>
@@ -8,7 +8,7 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
-namespace vantoro::pipewire {
+namespace vantoro::posix {
 
 namespace {
 
@@ -49,4 +49,4 @@ std::uint64_t lostPages() noexcept {
     return replaced.load(std::memory_order_relaxed);
 }
 
-} // namespace vantoro::pipewire
+} // namespace vantoro::posix

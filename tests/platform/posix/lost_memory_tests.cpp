@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "platform/pipewire/lost_memory.h"
+#include "platform/posix/lost_memory.h"
 
 #include <csignal>
 #include <cstddef>
@@ -10,7 +10,7 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
-namespace vantoro::pipewire {
+namespace vantoro::posix {
 namespace {
 
 /// Two pages of shared memory, of which the second is missing.
@@ -68,4 +68,4 @@ TEST(LostMemoryDeathTest, endsTheProgramOnAnyOtherThread) {
 }
 
 } // namespace
-} // namespace vantoro::pipewire
+} // namespace vantoro::posix
