@@ -97,7 +97,7 @@ def started(name, folder):
     environment = {"HOME": str(folder), "PATH": f"{programs}:{os.environ['PATH']}", "TERM": "dumb",
                    "LC_ALL": "C.UTF-8", "COLUMNS": "1000"}
     if shutil.which(name) is None:
-        raise AssertionError(f"{name} is not installed (tools/install-dependencies installs it)")
+        raise AssertionError(f"{name} is not installed (tools/install-dependencies --tests installs it)")
     if name == "fish":
         return Fish(environment)
     return {"bash": bash, "zsh": zsh}[name](folder, environment)

@@ -93,7 +93,7 @@ class Desktop:
 
     def _start_daemon(self, *command, listen=None):
         if shutil.which(command[0]) is None:
-            raise StartError(f"{command[0]} is not installed (tools/install-dependencies installs it)")
+            raise StartError(f"{command[0]} is not installed (tools/install-dependencies --tests installs it)")
         listener = None
         if listen is not None:
             listener = socket.socket(socket.AF_UNIX, socket.SOCK_STREAM)
