@@ -22,7 +22,7 @@ Failure failedToLoad(const std::filesystem::path& file) {
 std::filesystem::path moduleBesideTheProgram(const std::string& fileName) {
     const auto folder = std::filesystem::read_symlink("/proc/self/exe").parent_path();
     const auto built = folder / fileName;
-    return exists(built) ? built : folder / ".." / "lib" / "vantoro" / fileName;
+    return exists(built) ? built : folder / ".." / VANTORO_LIBRARY_FOLDER / "vantoro" / fileName;
 }
 
 const ProgramModule& loadModule(const std::filesystem::path& file, const char* name) {
