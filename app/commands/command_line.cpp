@@ -57,7 +57,7 @@ public:
             if (!word.startsWith('-')) {
                 throw BadUsage{unexpectedArgument, word};
             }
-            const auto& option = find(command, word.section('=', 0, 0));
+            const CommandOption option = find(command, word.section('=', 0, 0));
             if (word.contains('=') && !option.takesValue) {
                 throw BadUsage{unexpectedValue, option.name};
             }
@@ -78,7 +78,7 @@ public:
     }
 
 private:
-    static const CommandOption& find(const QString& command, const QString& word) {
+    static CommandOption find(const QString& command, const QString& word) {
         for (const auto& option : commandOptions()) {
             if (command == option.command && word == QString("--") + option.name) {
                 return option;

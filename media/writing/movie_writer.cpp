@@ -39,7 +39,7 @@ private:
 };
 
 MovieWriter::MovieWriter(const AacCodec& codec, FileSystem& fileSystem,
-                         std::filesystem::path location, FragmentIntervals intervals,
+                         std::filesystem::path location, const FragmentIntervals& intervals,
                          FragmentWrittenCallback onFragmentWritten, IsPowerSaved isPowerSaved,
                          std::size_t maxBacklog)
     : codec_(codec),

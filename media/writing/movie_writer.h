@@ -34,8 +34,9 @@ public:
     /// Creates the file; throws on failure. The tracks are not ready while more than `maxBacklog`
     /// bytes wait for the disk. An expected mix is made while recording.
     MovieWriter(const AacCodec& codec, FileSystem& fileSystem, std::filesystem::path location,
-                FragmentIntervals intervals = {}, FragmentWrittenCallback onFragmentWritten = {},
-                IsPowerSaved isPowerSaved = {}, std::size_t maxBacklog = defaultMaxBacklog);
+                const FragmentIntervals& intervals = {},
+                FragmentWrittenCallback onFragmentWritten = {}, IsPowerSaved isPowerSaved = {},
+                std::size_t maxBacklog = defaultMaxBacklog);
     MovieWriter(const MovieWriter&) = delete;
     MovieWriter& operator=(const MovieWriter&) = delete;
     ~MovieWriter() override;
