@@ -33,7 +33,7 @@ void MessageAlert::show(const std::optional<std::string>& message, const Texts& 
     const bool withAction = !texts.action.isEmpty();
     if (!isOpenWith(text, withAction)) {
         delete box_.data();
-        open(text, withAction);
+        open(text, texts);
     }
     setTexts(texts);
     box_->open();
@@ -44,19 +44,20 @@ bool MessageAlert::isOpenWith(const QString& message, bool withAction) const {
            (action_ != nullptr) == withAction;
 }
 
-void MessageAlert::open(const QString& message, bool withAction) {
+void MessageAlert::open(const QString& message, const Texts& texts) {
     box_ = new QMessageBox(&window_);
     box_->setAttribute(Qt::WA_DeleteOnClose);
     box_->setTextFormat(Qt::PlainText);
     box_->setText(message);
     box_->addActions(window_.actions()); // for their shortcuts
     box_->setIconPixmap(applicationIcon().pixmap(iconSize, iconSize));
-    auto* const ok = box_->addButton(QString(), QMessageBox::AcceptRole);
+    // Qt 6.8 adds no button without a text.
+    auto* const ok = box_->addButton(texts.ok, QMessageBox::AcceptRole);
     box_->setDefaultButton(ok);
     box_->setEscapeButton(ok);
     ok_ = ok;
-    if (withAction) {
-        action_ = box_->addButton(QString(), QMessageBox::ActionRole);
+    if (!texts.action.isEmpty()) {
+        action_ = box_->addButton(texts.action, QMessageBox::ActionRole);
         QObject::connect(action_, &QAbstractButton::clicked, box_, [this] { acted_(); });
     }
     QObject::connect(

@@ -34,7 +34,7 @@ public:
 
 private:
     bool isOpenWith(const QString& message, bool withAction) const;
-    void open(const QString& message, bool withAction);
+    void open(const QString& message, const Texts& texts);
     void setTexts(const Texts& texts);
 
     QWidget& window_;
