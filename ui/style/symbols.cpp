@@ -3,6 +3,8 @@
 #include "ui/style/symbols.h"
 
 #include <cmath>
+#include <optional>
+#include <utility>
 
 #include <QtGui/QIconEngine>
 #include <QtGui/QPainter>
@@ -33,22 +35,26 @@ QString fileOf(Symbol symbol) {
     return folder + QLatin1String(names[static_cast<std::size_t>(symbol)]) + QStringLiteral(".svg");
 }
 
-/// Fills the drawing's shape with the colour.
-QImage tinted(Symbol symbol, const QColor& colour, const QSize& pixels) {
+/// A drawing in its own colours, or its shape filled with `colour`.
+QImage drawn(const QString& file, const std::optional<QColor>& colour, const QSize& pixels) {
     QImage image(pixels, QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::transparent);
     QPainter painter(&image);
-    QSvgRenderer renderer(fileOf(symbol));
+    QSvgRenderer renderer(file);
     renderer.setAspectRatioMode(Qt::KeepAspectRatio);
     renderer.render(&painter);
-    painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
-    painter.fillRect(image.rect(), colour);
+    if (colour) {
+        painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
+        painter.fillRect(image.rect(), *colour);
+    }
     return image;
 }
 
-class SymbolEngine final : public QIconEngine {
+/// Does without the toolkit's module for such files, which not every system installs.
+class DrawingEngine final : public QIconEngine {
 public:
-    SymbolEngine(Symbol symbol, const QColor& colour) : symbol_(symbol), colour_(colour) {}
+    DrawingEngine(QString file, std::optional<QColor> colour)
+        : file_(std::move(file)), colour_(std::move(colour)) {}
 
     void paint(QPainter* painter, const QRect& area, QIcon::Mode mode,
                QIcon::State /*state*/) override {
@@ -56,44 +62,44 @@ public:
         const auto pixels = QSizeF(area.size()) * scale;
         painter->save();
         painter->setRenderHint(QPainter::SmoothPixmapTransform);
-        painter->drawImage(area, tinted(symbol_, colourIn(mode), pixels.toSize()));
+        painter->drawImage(area, drawn(file_, colourIn(mode), pixels.toSize()));
         painter->restore();
     }
 
     QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State /*state*/) override {
-        return QPixmap::fromImage(tinted(symbol_, colourIn(mode), size));
+        return QPixmap::fromImage(drawn(file_, colourIn(mode), size));
     }
 
-    QIconEngine* clone() const override { return new SymbolEngine(symbol_, colour_); }
+    QIconEngine* clone() const override { return new DrawingEngine(file_, colour_); }
 
 private:
-    QColor colourIn(QIcon::Mode mode) const {
+    std::optional<QColor> colourIn(QIcon::Mode mode) const {
         auto colour = colour_;
-        if (mode == QIcon::Disabled) {
-            colour.setAlphaF(static_cast<float>(colour.alphaF() * disabledOpacity));
+        if (colour && mode == QIcon::Disabled) {
+            colour->setAlphaF(static_cast<float>(colour->alphaF() * disabledOpacity));
         }
         return colour;
     }
 
-    Symbol symbol_;
-    QColor colour_;
+    QString file_;
+    std::optional<QColor> colour_;
 };
 
 } // namespace
 
 QPixmap symbolPixmap(Symbol symbol, const QColor& colour, int size, double scale) {
     const int pixels = static_cast<int>(std::ceil(size * scale));
-    auto pixmap = QPixmap::fromImage(tinted(symbol, colour, QSize(pixels, pixels)));
+    auto pixmap = QPixmap::fromImage(drawn(fileOf(symbol), colour, QSize(pixels, pixels)));
     pixmap.setDevicePixelRatio(scale);
     return pixmap;
 }
 
 QIcon symbolIcon(Symbol symbol, const QColor& colour) {
-    return QIcon(new SymbolEngine(symbol, colour));
+    return QIcon(new DrawingEngine(fileOf(symbol), colour));
 }
 
 QIcon applicationIcon() {
-    return QIcon(folder + QStringLiteral("application.svg"));
+    return QIcon(new DrawingEngine(folder + QStringLiteral("application.svg"), std::nullopt));
 }
 
 } // namespace vantoro
