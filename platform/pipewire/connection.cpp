@@ -3,6 +3,7 @@
 #include "platform/pipewire/connection.h"
 
 #include <cerrno>
+#include <cstring>
 #include <mutex>
 #include <string>
 #include <utility>
@@ -20,22 +21,24 @@ namespace {
 /// The library looks up the user's name in a way that is not thread-safe.
 std::mutex contextMutex;
 
+/// The configuration that requests real-time scheduling. From 1.3.81 on that is the common one, and
+/// PipeWire prints a warning about the other.
+const char* realTimeConfiguration() {
+    return strverscmp(pw_get_library_version(), "1.3.81") < 0 ? "client-rt.conf" : "client.conf";
+}
+
 ContextPointer makeContext(pw_loop* loop) {
     const std::lock_guard lock(contextMutex);
-    const bool usesBuses = mayUseBuses();
-    // Old PipeWire requests real-time scheduling only with the first file; new versions may not
-    // have it and do so with the second.
-    for (const char* const configuration : {"client-rt.conf", "client.conf"}) {
-        auto* const properties = pw_properties_new(PW_KEY_CONFIG_NAME, configuration, nullptr);
-        if (properties != nullptr && !usesBuses) {
-            pw_properties_set(properties, "support.dbus", "false");
-        }
-        ContextPointer context(pw_context_new(loop, properties, 0));
-        if (context) {
-            return context;
-        }
+    auto* const properties =
+        pw_properties_new(PW_KEY_CONFIG_NAME, realTimeConfiguration(), nullptr);
+    if (properties != nullptr && !mayUseBuses()) {
+        pw_properties_set(properties, "support.dbus", "false");
     }
-    throw Failure(FailureCode::soundSystemNotInitialized);
+    ContextPointer context(pw_context_new(loop, properties, 0));
+    if (!context) {
+        throw Failure(FailureCode::soundSystemNotInitialized);
+    }
+    return context;
 }
 
 } // namespace
