@@ -30,6 +30,7 @@
 #include "platform/pipewire/bus_use.h"
 #include "platform/pipewire/sound_server.h"
 #include "platform/posix/allocation.h"
+#include "platform/posix/locale.h"
 #include "platform/posix/posix_file_system.h"
 #include "platform/posix/system_clock.h"
 
@@ -134,6 +135,7 @@ int main(int argc, char** argv) {
     try {
         // Before any thread starts.
         vantoro::posix::keepMemorySmall();
+        vantoro::posix::useUtf8();
         vantoro::StopSignals signals;
         vantoro::pipewire::useBusesIf(vantoro::desktop::realtimeServicesAnswerHere);
         if (argc <= 1) {
