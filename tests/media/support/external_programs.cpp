@@ -52,9 +52,20 @@ std::vector<std::map<std::string, std::string>> probe(const std::filesystem::pat
     return sections;
 }
 
+std::int64_t firstPacketOf(const std::filesystem::path& file, int track) {
+    return std::stoll(
+        run("ffprobe -v error -show_entries packet=pts -read_intervals %+#1 -of csv=p=0"
+            " -select_streams " +
+            std::to_string(track) + " " + file.string()));
+}
+
 std::int64_t framesOf(const std::filesystem::path& file, int track) {
     const auto stream = probe(file).at(static_cast<std::size_t>(track));
-    return std::stoll(stream.at("start_pts")) + std::stoll(stream.at("duration_ts"));
+    // Of a fragmented track, `ffprobe` adds up the packets. From FFmpeg 7 on, the track's start
+    // does not count the priming among them.
+    const bool isFragmented = stream.at("nb_frames") == "N/A";
+    return (isFragmented ? firstPacketOf(file, track) : std::stoll(stream.at("start_pts"))) +
+           std::stoll(stream.at("duration_ts"));
 }
 
 std::vector<float> decode(const std::filesystem::path& file, int track, int channel) {

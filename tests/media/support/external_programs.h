@@ -20,6 +20,9 @@ std::string run(const std::string& command);
 /// to "value"; the file itself comes last.
 std::vector<std::map<std::string, std::string>> probe(const std::filesystem::path& file);
 
+/// When an audio track's first packet begins, in frames, as the `ffprobe` program tells it.
+std::int64_t firstPacketOf(const std::filesystem::path& file, int track);
+
 /// Where an audio track ends, in frames, as the `ffprobe` program tells it.
 std::int64_t framesOf(const std::filesystem::path& file, int track);
 
