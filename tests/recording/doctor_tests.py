@@ -149,6 +149,7 @@ class Doctor(RecordingCase):
         self.assertTrue(unasked.output.startswith("ok  Sound server: PipeWire "), unasked)
 
     def test_doctorNamesAMicrophoneThatIsMutedInTheMixer(self):
+        sound.use_microphone()
         subprocess.run(["pactl", "set-source-mute", sound.MICROPHONE, "1"], check=True)
         self.assertEqual(self.problems(), ["!   Microphone: Virtual Microphone (default): muted in the mixer"])
         _, advice = self.examine()

@@ -63,6 +63,12 @@ def noise(folder, *arguments):
     return Playing("--file", file, "--amplitude", 0.3, *arguments)
 
 
+def use_microphone():
+    """Records for a moment: PipeWire 1.4 reports what the mixer is set to only after a microphone's first use."""
+    subprocess.run(f"parecord --device={MICROPHONE} --latency-msec=20 --raw | head --bytes=1", shell=True, check=True,
+                   stdout=subprocess.DEVNULL)
+
+
 def wait_for_output_ports(node):
     """Returns when a node of this name has an output port."""
     wait_for_port("-o", f"{node}:")

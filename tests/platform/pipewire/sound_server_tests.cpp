@@ -47,6 +47,7 @@ TEST(SoundServerSurvey, findsWhatTheSessionHas) {
 }
 
 TEST(SoundServerSurvey, findsAMicrophonesMixerSetting) {
+    SoundSession::useMicrophone();
     ASSERT_EQ(run({"pactl", "set-source-mute", "vantoro-microphone", "1"}), 0);
     EXPECT_EQ(mixer(), (MixerSetting{.isMuted = true}));
     ASSERT_EQ(run({"pactl", "set-source-volume", "vantoro-microphone", "0%"}), 0);

@@ -184,6 +184,12 @@ SoundSession::Player SoundSession::click(const std::string& name) {
                                  "{ node.name = " + name + " }", soundFile(name, 1, sound)});
 }
 
+void SoundSession::useMicrophone() {
+    run({"sh", "-c",
+         "parecord --device=vantoro-microphone --latency-msec=20 --raw | head --bytes=1 "
+         ">/dev/null"});
+}
+
 void SoundSession::move(const std::string& name, const std::string& output) {
     run({"pw-metadata", nodeId(name), "target.object", output});
 }

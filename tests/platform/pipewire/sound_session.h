@@ -42,6 +42,9 @@ public:
     /// Plays a single full-scale sample every half second.
     Player click(const std::string& name);
 
+    /// Records from the microphone for a moment: PipeWire 1.4 reports what its mixer is set to only
+    /// after its first use.
+    static void useMicrophone();
     /// Moves a playing stream to another output, as a user would.
     static void move(const std::string& name, const std::string& output);
     /// Links ports by name, once they exist.
