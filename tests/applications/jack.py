@@ -23,14 +23,18 @@ def keep_cycles(stage):
     stage.at_the_end(subprocess.run, [*settings, "clock.force-quantum", "0"], stdout=subprocess.DEVNULL)
 
 
-def start_source(stage, *options):
-    """Starts a client that plays the bursts and ends."""
-    return stage.start("pw-jack", "gst-launch-1.0", "-q", "filesrc", f"location={stage.sound()}", "!", "wavparse", "!",
-                       "audioconvert", "!", "audioresample", "!", "jackaudiosink", "client-name=source", *options)
+def play_into(stage, *inputs):
+    """Runs a client that plays the bursts. It would find hardware by itself, but since PipeWire 1.4 no virtual output."""
+    source = stage.start("pw-jack", "gst-launch-1.0", "-q", "filesrc", f"location={stage.sound()}", "!", "wavparse", "!",
+                         "audioconvert", "!", "audioresample", "!", "jackaudiosink", "client-name=source", "connect=none")
+    sound.wait_for_output_ports("source")
+    for number, channel in enumerate(inputs, 1):
+        link(f"source:out_jackaudiosink0_{number}", channel)
+    stage.wait_for_end(source)
 
 
 def play_with_gstreamer(stage):
-    stage.wait_for_end(start_source(stage))
+    play_into(stage, *OUTPUT)
 
 
 def play_with_mpv(stage):
@@ -54,11 +58,7 @@ def play_through_filter(stage):
     sound.wait_for_output_ports("filter")
     for number, side in enumerate(OUTPUT, 1):
         link(f"filter:out_{number}", side)
-    source = start_source(stage, "connect=none")
-    sound.wait_for_output_ports("source")
-    for number in (1, 2):
-        link(f"source:out_jackaudiosink0_{number}", f"filter:in_{number}")
-    stage.wait_for_end(source)
+    play_into(stage, "filter:in_1", "filter:in_2")
 
 
 LIGHT = (
