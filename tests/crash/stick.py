@@ -93,7 +93,9 @@ class ExFat(Stick):
         # The driver accepts only block devices; this one vanishes when the driver releases it.
         device = self._run("losetup", "--find", "--show", self._image)
         self._device = device
-        return self._open_driver("mount.exfat-fuse", "-d", "-o", "nonempty", device, self.path)
+        # What version 2 of the driver's library must be told about a folder with files, version 3 does unasked.
+        options = () if "libfuse3" in self._run("mount.exfat-fuse", "-V") else ("-o", "nonempty")
+        return self._open_driver("mount.exfat-fuse", "-d", *options, device, self.path)
 
     def _started(self):
         self._run("losetup", "--detach", self._device)

@@ -81,7 +81,10 @@ class Fish:
             env=self._environment, capture_output=True, text=True, check=True, timeout=SECONDS_TO_ANSWER)
         if result.stderr:
             raise AssertionError(f"fish complains: {result.stderr}")
-        return sorted(offer.split("\t")[0] for offer in result.stdout.splitlines())
+        offers = sorted(offer.split("\t")[0] for offer in result.stdout.splitlines())
+        # Version 4 also prints those that merely contain the letters; a user sees them only if no other fits.
+        word = line.rpartition(" ")[2]
+        return [offer for offer in offers if offer.startswith(word)] or offers
 
     def close(self):
         pass

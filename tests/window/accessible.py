@@ -175,6 +175,10 @@ class Thing:
         return self.is_(Atspi.StateType.FOCUSABLE) and self.is_showing
 
     @property
+    def is_a_choice(self):
+        return self.role == Atspi.Role.LIST_ITEM
+
+    @property
     def is_showing(self):
         return self.is_(Atspi.StateType.SHOWING)
 

@@ -40,7 +40,8 @@ class WindowRecording(WindowCase):
         self.assert_holds(self.saved_recording(window), 440, 1000)
 
     def move_focus_to(self, window, name):
-        controls = [thing for thing in window.things() if thing.is_a_control]
+        # Of a closed picker, Qt 6.8 says that its choice has the focus.
+        controls = [thing for thing in window.things() if thing.is_a_control and not thing.is_a_choice]
         for _ in controls:
             before = self.focused(controls)
             if before and before.name == name:
