@@ -109,7 +109,8 @@ class Soak:
 
     def _account(self):
         held = collections.Counter()
-        for path in [*self._kept.iterdir(), *recorder.temporary_files(self._folder)]:
+        temporary = [*self._kept.iterdir(), *recorder.temporary_files(self._folder)]
+        for path in temporary:
             data = path.read_bytes()
             if min(whole_frames(data).values(), default=0) > 0:
                 held[hashlib.sha256(packets(data)).digest()] += 1
@@ -121,8 +122,8 @@ class Soak:
         lost = sum((held - saved).values())
         if lost:
             problems.append(f"{lost} of {held.total()} recordings are lost")
-        if any(sound_ not in held for sound_ in twice):
-            problems.append("a final file is of no recording")
+        problems += [f"{path.name} is of no recording{nearest(path, temporary)}" for path in finals
+                     if hashlib.sha256(packets(path.read_bytes())).digest() not in held]
         # A death between naming the final file and removing the temporary one leaves both.
         if twice.total() > kills:
             problems.append(f"{twice.total()} were saved twice, though only {kills} processes were killed")
@@ -145,6 +146,16 @@ class Soak:
             if ended.is_recorder and ended.status == 0 and len(paths) != 1:
                 problems.append(f"a recording ended well with {len(paths)} files")
         return problems + [f"{path} was printed {times} times" for path, times in told.items() if times > 1]
+
+
+def nearest(final, temporary):
+    """Which temporary files begin with the same sound, for whoever looks for the cause."""
+    sound_ = packets(final.read_bytes())
+    contents = {path: path.read_bytes() for path in temporary}
+    return "".join(
+        f"; {path.name} begins alike: {len(packets(data))} bytes of sound instead of {len(sound_)}, "
+        f"{whole_frames(data)} frames in whole fragments, {len(data)} bytes in all"
+        for path, data in contents.items() if packets(data)[:1000] == sound_[:1000])
 
 
 def decodes(path):
