@@ -16,6 +16,8 @@ constexpr double lowestShownLevel = 0.05;
 constexpr double faint = 0.28;
 constexpr double halfLit = 0.62;
 constexpr int waves = 3;
+constexpr QRgb darkLine = 0xff000000;
+constexpr QRgb lightLine = 0xffffffff;
 
 /// Maps a 24-unit square to the pixels of a picture.
 class Grid {
@@ -140,6 +142,15 @@ LevelGlyph microphone(const Grid& grid) {
     return glyph;
 }
 
+/// A line around all parts, outside of them; about a pixel at 16 pixels.
+QPainterPath lineAround(const LevelGlyph& glyph, const Grid& grid) {
+    QPainterPath whole = glyph.body;
+    for (const auto& part : glyph.parts) {
+        whole |= part.outline;
+    }
+    return stroked(whole, 2 * grid.exact(1.3)) - whole;
+}
+
 double strength(const LevelGlyph::Part& part, int stage) {
     if (stage >= part.litAt) {
         return 1;
@@ -172,6 +183,18 @@ QImage drawLevelGlyph(LevelSymbol symbol, int stage, int size, const QColor& col
         shade.setAlphaF(shade.alphaF() * static_cast<float>(strength(part, stage)));
         painter.fillPath(part.outline, shade);
     }
+    return image;
+}
+
+QImage drawOutlinedLevelGlyph(LevelSymbol symbol, int stage, int size, const QColor& color) {
+    constexpr int middleGrey = 128;
+    QImage image(size, size, QImage::Format_ARGB32);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.fillPath(lineAround(outlineOf(symbol, size), Grid(size)),
+                     QColor::fromRgba(color.lightness() < middleGrey ? lightLine : darkLine));
+    painter.drawImage(0, 0, drawLevelGlyph(symbol, stage, size, color));
     return image;
 }
 

@@ -31,7 +31,7 @@ StatusImage LevelPictures::picture(LevelSymbol symbol, double level) {
     auto& picture = drawn_[{symbol, stage}];
     if (picture.isEmpty()) {
         for (const int size : levelGlyphSizes) {
-            picture.push_back(drawLevelGlyph(symbol, stage, size, color_));
+            picture.push_back(drawOutlinedLevelGlyph(symbol, stage, size, color_));
         }
     }
     return picture;

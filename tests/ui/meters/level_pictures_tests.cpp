@@ -2,6 +2,10 @@
 
 #include "ui/meters/level_pictures.h"
 
+#include <algorithm>
+#include <cmath>
+
+#include <QtGui/QPainter>
 #include <gtest/gtest.h>
 
 namespace vantoro::testing {
@@ -31,6 +35,45 @@ TEST(LevelPicturesTest, picturesHaveTheColorOfTheMoment) {
     const auto after = pictures.picture(LevelSymbol::loudspeaker, 1);
     EXPECT_EQ(before, LevelPictures(Qt::white).picture(LevelSymbol::loudspeaker, 1));
     EXPECT_EQ(after, LevelPictures(Qt::black).picture(LevelSymbol::loudspeaker, 1));
+}
+
+double luminance(const QColor& color) {
+    const auto linear = [](double share) {
+        return share <= 0.04045 ? share / 12.92 : std::pow((share + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) +
+           0.0722 * linear(color.blueF());
+}
+
+/// The share of the pixels whose contrast to the panel is at least 3:1, as WCAG asks of symbols.
+double visibleShare(const QImage& picture, const QColor& panel) {
+    QImage shown(picture.size(), QImage::Format_RGB32);
+    shown.fill(panel);
+    QPainter(&shown).drawImage(0, 0, picture);
+    int visible = 0;
+    for (int y = 0; y < shown.height(); ++y) {
+        for (int x = 0; x < shown.width(); ++x) {
+            const auto [darker, lighter] =
+                std::minmax({luminance(shown.pixelColor(x, y)), luminance(panel)});
+            visible += (lighter + 0.05) / (darker + 0.05) >= 3 ? 1 : 0;
+        }
+    }
+    return static_cast<double>(visible) / (shown.width() * shown.height());
+}
+
+TEST(LevelPicturesTest, picturesAreVisibleOnEveryPanel) {
+    for (const auto symbol : {LevelSymbol::loudspeaker, LevelSymbol::microphone}) {
+        for (const QColor tone : {QColor(0xf2f2f2), QColor(0x2e3436)}) {
+            const auto pictures = LevelPictures(tone).picture(symbol, 0.5);
+            for (const auto& picture : pictures) {
+                for (int grey = 0; grey < 256; grey += 5) {
+                    EXPECT_GT(visibleShare(picture, QColor(grey, grey, grey)), 0.12)
+                        << picture.width() << " px, " << tone.name().toStdString() << " on "
+                        << grey;
+                }
+            }
+        }
+    }
 }
 
 QPalette palette(const QColor& text, const QColor& window) {
