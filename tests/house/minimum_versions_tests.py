@@ -31,7 +31,9 @@ class MinimumVersionsTests(unittest.TestCase):
         for name in MINIMUM:
             place = subprocess.run(["pkg-config", "--variable=pcfiledir", name], capture_output=True, text=True,
                                    check=True).stdout.strip()
-            self.libraries[name] = Path(place, f"{name}.pc").read_text(encoding="utf-8")
+            text = Path(place, f"{name}.pc").read_text(encoding="utf-8")
+            # They would ask for each other's versions.
+            self.libraries[name] = re.sub(r"^Requires.*\n", "", text, flags=re.MULTILINE)
 
     def configure(self, versions):
         """The exit status and output of configuring where libraries have these versions."""
