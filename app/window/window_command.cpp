@@ -134,7 +134,7 @@ int runWindowCommand(int& argc, char** argv, StopSignals& signals) {
     std::cerr << silentBusMessages(silent, usersLanguage());
     QApplication::setAttribute(Qt::AA_DontUseNativeMenuBar, silent.menuRegistrar);
     Ending ending(signals);
-    const auto fonts = desktop::readFontConfigurationAhead();
+    auto fonts = desktop::readFontConfigurationAhead();
     const auto token = desktop::activationTokenOfThisStart();
     const QApplication application(argc, argv);
     QApplication::setStyle(new ApplicationStyle);
@@ -149,6 +149,9 @@ int runWindowCommand(int& argc, char** argv, StopSignals& signals) {
         if (role == ApplicationInstance::Role::another) {
             activateFirstInstance(*instance, token);
             return;
+        }
+        if (fonts.joinable()) {
+            fonts.join(); // or the toolkit would load the configuration a second time meanwhile
         }
         try {
             run = std::make_unique<WindowRun>(sessionBus, *instance, ending);
