@@ -67,6 +67,10 @@ std::string installedHelpPage() {
     return page.isEmpty() ? std::string() : fileURI(page.toStdString());
 }
 
+bool isEntryInstalled(const char* name) {
+    return !QStandardPaths::locate(QStandardPaths::ApplicationsLocation, name).isEmpty();
+}
+
 } // namespace
 
 DesktopOpener::DesktopOpener(OpenerSurroundings surroundings)
@@ -112,7 +116,7 @@ void DesktopOpener::openPage(const std::string& address) {
 }
 
 void DesktopOpener::openPrivacySettings(const std::string& anchor) {
-    const auto pages = privacySettingsPages(surroundings_.desktops, anchor);
+    const auto pages = privacySettingsPages(surroundings_.desktops, anchor, isEntryInstalled);
     if (pages.empty()) {
         return;
     }

@@ -2,6 +2,9 @@
 
 #include "platform/desktop/opening/settings_pages.h"
 
+#include <optional>
+#include <utility>
+
 #include <QtCore/QStringList>
 
 namespace vantoro::desktop {
@@ -13,11 +16,15 @@ struct Pages {
     std::vector<CommandLine> commands;
 };
 
-/// Both permissions lead to the sound settings: no desktop has a setting for system audio.
+constexpr const char* gnomeSettings = "gnome-control-center";
+constexpr const char* microphoneAnchor = "Privacy_Microphone";
+
+/// Both permissions lead to the sound settings: no desktop has a setting for system audio, and only
+/// GNOME has one for microphones.
 const std::vector<Pages>& knownDesktops() {
     static const std::vector<Pages> known{
         {.desktops = {"gnome", "unity", "pantheon", "budgie"},
-         .commands = {{"gnome-control-center", "sound"}}},
+         .commands = {{gnomeSettings, "sound"}}},
         {.desktops = {"kde"},
          .commands = {{"systemsettings", "kcm_pulseaudio"},
                       {"systemsettings6", "kcm_pulseaudio"},
@@ -43,14 +50,32 @@ std::vector<CommandLine> ownPages(const std::string& desktops) {
     return {};
 }
 
+/// GNOME's page with the switch for microphones: one of its own up to GNOME 44, since then behind
+/// the privacy page. An unknown page would open the overview.
+std::optional<CommandLine> microphoneSwitch(const std::function<bool(const char* name)>& hasEntry) {
+    for (const auto& [entry, page] : {std::pair("gnome-microphone-panel.desktop", "microphone"),
+                                      std::pair("gnome-privacy-panel.desktop", "privacy")}) {
+        if (hasEntry(entry)) {
+            return CommandLine{gnomeSettings, page};
+        }
+    }
+    return std::nullopt;
+}
+
 } // namespace
 
-std::vector<CommandLine> privacySettingsPages(const std::string& desktops,
-                                              const std::string& anchor) {
-    if (anchor != "Privacy_Microphone" && anchor != "Privacy_ScreenCapture") {
+std::vector<CommandLine>
+privacySettingsPages(const std::string& desktops, const std::string& anchor,
+                     const std::function<bool(const char* name)>& hasEntry) {
+    if (anchor != microphoneAnchor && anchor != "Privacy_ScreenCapture") {
         return {};
     }
     auto pages = ownPages(desktops);
+    if (anchor == microphoneAnchor && !pages.empty() && pages.front().front() == gnomeSettings) {
+        if (auto page = microphoneSwitch(hasEntry)) {
+            pages.insert(pages.begin(), *std::move(page));
+        }
+    }
     // Mixers for any desktop, in case its own page is missing.
     pages.push_back({"pavucontrol"});
     pages.push_back({"pwvucontrol"});

@@ -3,6 +3,7 @@
 #include "platform/desktop/opening/settings_pages.h"
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -12,6 +13,10 @@ namespace {
 
 using desktop::CommandLine;
 using desktop::privacySettingsPages;
+
+bool noEntry(const char* /*name*/) {
+    return false;
+}
 
 std::vector<CommandLine> mixersAfter(std::vector<CommandLine> pages) {
     pages.push_back({"pavucontrol"});
@@ -44,14 +49,32 @@ TEST(SettingsPagesTest, areTheDesktopsOwnFirst) {
              Case{"GNOMES:KDES", mixersAfter({})},
              Case{"KDE:GNOME", kde}, // the first name is the desktop itself
          }) {
-        EXPECT_EQ(privacySettingsPages(desktops, "Privacy_Microphone"), expected) << desktops;
-        EXPECT_EQ(privacySettingsPages(desktops, "Privacy_ScreenCapture"), expected) << desktops;
+        EXPECT_EQ(privacySettingsPages(desktops, "Privacy_Microphone", noEntry), expected)
+            << desktops;
+        EXPECT_EQ(privacySettingsPages(desktops, "Privacy_ScreenCapture", noEntry), expected)
+            << desktops;
+    }
+}
+
+TEST(SettingsPagesTest, theMicrophonesIsTheOneWithItsSwitch) {
+    const CommandLine sound{"gnome-control-center", "sound"};
+    for (const auto& [entry, page] : {std::pair("gnome-microphone-panel.desktop", "microphone"),
+                                      std::pair("gnome-privacy-panel.desktop", "privacy")}) {
+        const auto hasEntry = [installed = std::string(entry)](const char* name) {
+            return installed == name;
+        };
+        EXPECT_EQ(privacySettingsPages("GNOME", "Privacy_Microphone", hasEntry),
+                  mixersAfter({{"gnome-control-center", page}, sound}));
+        EXPECT_EQ(privacySettingsPages("GNOME", "Privacy_ScreenCapture", hasEntry),
+                  mixersAfter({sound}));
+        EXPECT_EQ(privacySettingsPages("MATE", "Privacy_Microphone", hasEntry),
+                  mixersAfter({{"mate-volume-control"}}));
     }
 }
 
 TEST(SettingsPagesTest, thereAreNoneForOtherPermissions) {
     for (const auto* anchor : {"", "Privacy", "Privacy_Camera", "privacy_microphone"}) {
-        EXPECT_TRUE(privacySettingsPages("GNOME", anchor).empty()) << anchor;
+        EXPECT_TRUE(privacySettingsPages("GNOME", anchor, noEntry).empty()) << anchor;
     }
 }
 
