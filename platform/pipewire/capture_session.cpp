@@ -205,7 +205,9 @@ void CaptureSession::close(std::unique_ptr<InputStream>& stream) {
 }
 
 void CaptureSession::reopenAfterLostMemory() {
-    if (posix::lostPages() == std::exchange(lostPages_, posix::lostPages())) {
+    // Read once: the sound thread may find another page missing at any time.
+    const auto lost = posix::lostPages();
+    if (lost == std::exchange(lostPages_, lost)) {
         return;
     }
     // Which stream read them is not known.
