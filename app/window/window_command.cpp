@@ -6,6 +6,9 @@
 #include <exception>
 #include <iostream>
 #include <memory>
+#include <string>
+#include <thread>
+#include <utility>
 
 #include <QtCore/QMetaObject>
 #include <QtWidgets/QApplication>
@@ -111,15 +114,71 @@ private:
     Ending::Handler endingHandler_;
 };
 
-/// Ends this process once the first one has shown its window, or failed to.
-void activateFirstInstance(ApplicationInstance& instance, const std::string& token) {
-    instance.activateFirst(token, firstInstancePatience, [](bool isShown) {
-        if (!isShown) {
-            std::cerr << CommandText::firstProgramSilent.in(usersLanguage()) << "\n";
+/// Opens the window, or has the program that is running already show its own.
+class WindowStart {
+public:
+    WindowStart(Ending& ending, std::string activationToken, std::jthread fonts)
+        : ending_(ending), token_(std::move(activationToken)), fonts_(std::move(fonts)) {
+        findRole();
+    }
+
+    /// Runs until the program ends; returns the exit status. Throws if the window cannot be opened.
+    int run() {
+        const int status = QApplication::exec();
+        if (failure_) {
+            std::rethrow_exception(failure_);
         }
-        QApplication::exit(isShown ? 0 : 1);
-    });
-}
+        ending_.concluded(status);
+        instance_.reset(); // so that a new start need not wait for the rest of this shutdown
+        return status;
+    }
+
+private:
+    void findRole() {
+        instance_ = std::make_unique<ApplicationInstance>(sessionBus_);
+        instance_->whenRoleIsKnown(busPatience, [this](ApplicationInstance::Role role) {
+            if (role == ApplicationInstance::Role::another) {
+                activateFirst();
+            } else {
+                openWindow();
+            }
+        });
+    }
+
+    void activateFirst() {
+        instance_->activateFirst(token_, firstInstancePatience, [this](auto answer) {
+            using enum ApplicationInstance::FirstAnswer;
+            if (answer == hasEnded) { // as when the user quits it and starts it again at once
+                findRole();
+                return;
+            }
+            if (answer == none) {
+                std::cerr << CommandText::firstProgramSilent.in(usersLanguage()) << "\n";
+            }
+            QApplication::exit(answer == windowShown ? 0 : 1);
+        });
+    }
+
+    void openWindow() {
+        if (fonts_.joinable()) {
+            fonts_.join(); // or the toolkit would load the configuration a second time meanwhile
+        }
+        try {
+            window_ = std::make_unique<WindowRun>(sessionBus_, *instance_, ending_);
+        } catch (...) { // the event loop does not support exceptions
+            failure_ = std::current_exception();
+            QApplication::exit(1);
+        }
+    }
+
+    Ending& ending_;
+    std::string token_;
+    std::jthread fonts_;
+    std::string sessionBus_ = desktop::standardBusAddresses().session;
+    std::unique_ptr<ApplicationInstance> instance_;
+    std::unique_ptr<WindowRun> window_;
+    std::exception_ptr failure_;
+};
 
 } // namespace
 
@@ -135,38 +194,13 @@ int runWindowCommand(int& argc, char** argv, StopSignals& signals) {
     QApplication::setAttribute(Qt::AA_DontUseNativeMenuBar, silent.menuRegistrar);
     Ending ending(signals);
     auto fonts = desktop::readFontConfigurationAhead();
-    const auto token = desktop::activationTokenOfThisStart();
+    auto token = desktop::activationTokenOfThisStart();
     const QApplication application(argc, argv);
     QApplication::setStyle(new ApplicationStyle);
     QApplication::setApplicationName("Vantoro");
     QApplication::setDesktopFileName(desktop::applicationID);
     QApplication::setQuitOnLastWindowClosed(false);
-    const auto sessionBus = desktop::standardBusAddresses().session;
-    auto instance = std::make_unique<ApplicationInstance>(sessionBus);
-    std::unique_ptr<WindowRun> run;
-    std::exception_ptr failure;
-    instance->whenRoleIsKnown(busPatience, [&](ApplicationInstance::Role role) {
-        if (role == ApplicationInstance::Role::another) {
-            activateFirstInstance(*instance, token);
-            return;
-        }
-        if (fonts.joinable()) {
-            fonts.join(); // or the toolkit would load the configuration a second time meanwhile
-        }
-        try {
-            run = std::make_unique<WindowRun>(sessionBus, *instance, ending);
-        } catch (...) { // the event loop does not support exceptions
-            failure = std::current_exception();
-            QApplication::exit(1);
-        }
-    });
-    const int status = QApplication::exec();
-    if (failure) {
-        std::rethrow_exception(failure);
-    }
-    ending.concluded(status);
-    instance.reset(); // so that a new start need not wait for the rest of this shutdown
-    return status;
+    return WindowStart(ending, std::move(token), std::move(fonts)).run();
 }
 
 } // namespace vantoro

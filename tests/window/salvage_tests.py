@@ -75,6 +75,7 @@ class Salvage(WindowCase):
         window = self.open_window(**disk.environment)
         disk.wait_until_it_hangs()
         press_keys("ctrl+q")
+        wait_for(lambda: not self.screen.is_managed(window.frame), "the window to be hidden")
         return window.program
 
     def test_quittingWhileSalvageHangsEndsSoon(self):

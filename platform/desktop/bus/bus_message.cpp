@@ -80,6 +80,12 @@ bool BusMessage::isError() const {
     return sd_bus_message_is_method_error(message_, nullptr) != 0;
 }
 
+bool BusMessage::saysReceiverIsGone() const {
+    return sd_bus_message_is_method_error(message_, SD_BUS_ERROR_NO_REPLY) > 0 ||
+           sd_bus_message_is_method_error(message_, SD_BUS_ERROR_SERVICE_UNKNOWN) > 0 ||
+           sd_bus_message_is_method_error(message_, SD_BUS_ERROR_NAME_HAS_NO_OWNER) > 0;
+}
+
 std::string BusMessage::sender() const {
     const char* const name = sd_bus_message_get_sender(message_);
     return name == nullptr ? "" : name;

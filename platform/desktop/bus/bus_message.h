@@ -35,6 +35,8 @@ public:
     explicit BusMessage(sd_bus_message* message) : message_(message) {}
 
     bool isError() const;
+    /// Whether it is the bus's answer that nobody has the called name, or no longer.
+    bool saysReceiverIsGone() const;
     /// The sender's unique name, which the bus guarantees.
     std::string sender() const;
 

@@ -170,22 +170,26 @@ void ApplicationInstance::deliverRequests() {
 
 void ApplicationInstance::activateFirst(const std::string& activationToken,
                                         std::chrono::milliseconds patience,
-                                        std::function<void(bool isShown)> answered) {
+                                        std::function<void(FirstAnswer answer)> answered) {
     // The older key is the one for X11.
     const BusOptions options = {{"activation-token", activationToken},
                                 {"desktop-startup-id", activationToken}};
-    isShown_ = std::make_shared<Answer<bool>>();
+    firstAnswer_ = std::make_shared<Answer<FirstAnswer>>();
     const bool asked =
         bus_.call({.service = applicationID,
                    .path = applicationObject.path,
                    .interface = applicationObject.interface,
                    .member = "Activate"},
                   {activationToken.empty() ? BusOptions() : options},
-                  [isShown = isShown_](BusMessage& reply) { isShown->set(!reply.isError()); });
+                  [answer = firstAnswer_](BusMessage& reply) {
+                      answer->set(!reply.isError()             ? FirstAnswer::windowShown
+                                  : reply.saysReceiverIsGone() ? FirstAnswer::hasEnded
+                                                               : FirstAnswer::none);
+                  });
     if (!asked) {
-        isShown_->set(false);
+        firstAnswer_->set(FirstAnswer::none);
     }
-    isShown_->await(patience, false, std::move(answered));
+    firstAnswer_->await(patience, FirstAnswer::none, std::move(answered));
 }
 
 std::string activationTokenOfThisStart() {

@@ -41,6 +41,12 @@ public:
         unknown, ///< the bus does not answer
     };
 
+    enum class FirstAnswer : std::uint8_t {
+        windowShown,
+        hasEnded, ///< so this run may now be the first
+        none,
+    };
+
     /// Tries to become the first run on this bus. Without a bus, each run is the first.
     explicit ApplicationInstance(const std::string& busAddress);
 
@@ -51,10 +57,10 @@ public:
     /// before this call; never after destruction.
     void setRequested(TakeRequest requested);
 
-    /// Asks the first run to show its window. The event loop calls `answered` when it has, or when
-    /// `patience` is over: false if it did not or could not.
+    /// Asks the first run to show its window. The event loop calls `answered` when it has, or has
+    /// ended, or when `patience` is over.
     void activateFirst(const std::string& activationToken, std::chrono::milliseconds patience,
-                       std::function<void(bool isShown)> answered);
+                       std::function<void(FirstAnswer answer)> answered);
 
 private:
     template <class Value>
@@ -78,8 +84,8 @@ private:
     std::vector<ApplicationRequest> pending_; ///< received before `setRequested`
     TakeRequest received_;                    ///< called by the bus
     Answer<Role> role_;
-    std::shared_ptr<Answer<bool>> isShown_; ///< whether the first run showed its window
-    QObject events_;                        ///< cancels pending callbacks on destruction
+    std::shared_ptr<Answer<FirstAnswer>> firstAnswer_;
+    QObject events_; ///< cancels pending callbacks on destruction
     BusConnection bus_;
 };
 

@@ -10,6 +10,7 @@
 
 #include <QtCore/QStringList>
 #include <QtCore/QVariantMap>
+#include <QtDBus/QDBusError>
 #include <QtDBus/QDBusMessage>
 #include <QtDBus/QDBusPendingCallWatcher>
 
@@ -25,6 +26,7 @@ namespace {
 using namespace std::chrono_literals;
 using desktop::ApplicationInstance;
 using Role = ApplicationInstance::Role;
+using FirstAnswer = ApplicationInstance::FirstAnswer;
 using enum desktop::ApplicationAction;
 
 constexpr auto patience = 20s; // for what is immediate unless the machine is busy
@@ -36,13 +38,13 @@ Role roleOf(ApplicationInstance& instance, std::chrono::milliseconds limit = pat
     return role.value_or(Role::unknown);
 }
 
-/// Whether the first run reports to the instance that it has shown its window.
-bool showsWindow(ApplicationInstance& instance, const std::string& token,
-                 std::chrono::milliseconds limit = patience) {
-    std::optional<bool> isShown;
-    instance.activateFirst(token, limit, [&](bool answer) { isShown = answer; });
-    EXPECT_TRUE(EventLoop::runUntil([&] { return isShown.has_value(); }, 2 * patience));
-    return isShown.value_or(false);
+/// What the first run answers when the instance asks it to show its window.
+FirstAnswer answerOfFirst(ApplicationInstance& instance, const std::string& token,
+                          std::chrono::milliseconds limit = patience) {
+    std::optional<FirstAnswer> received;
+    instance.activateFirst(token, limit, [&](FirstAnswer answer) { received = answer; });
+    EXPECT_TRUE(EventLoop::runUntil([&] { return received.has_value(); }, 2 * patience));
+    return received.value_or(FirstAnswer::none);
 }
 
 class ApplicationInstanceTest : public ::testing::Test {
@@ -113,9 +115,9 @@ TEST_F(ApplicationInstanceTest, secondRunMakesTheFirstShowItsWindow) {
     listen();
     ApplicationInstance second(address);
     ASSERT_EQ(roleOf(second), Role::another);
-    EXPECT_TRUE(showsWindow(second, "the user's leave"));
+    EXPECT_EQ(answerOfFirst(second, "the user's leave"), FirstAnswer::windowShown);
     EXPECT_TRUE(isEventuallyWanted());
-    EXPECT_TRUE(showsWindow(second, ""));
+    EXPECT_EQ(answerOfFirst(second, ""), FirstAnswer::windowShown);
     EXPECT_TRUE(isEventuallyWanted(2));
     EXPECT_EQ(tokens, std::vector<std::string>({"the user's leave", ""}));
 }
@@ -123,7 +125,7 @@ TEST_F(ApplicationInstanceTest, secondRunMakesTheFirstShowItsWindow) {
 TEST_F(ApplicationInstanceTest, earlyRequestIsDeliveredLater) {
     ASSERT_EQ(roleOf(*first), Role::first);
     ApplicationInstance second(address);
-    EXPECT_TRUE(showsWindow(second, "early"));
+    EXPECT_EQ(answerOfFirst(second, "early"), FirstAnswer::windowShown);
     listen();
     EXPECT_TRUE(isEventuallyWanted());
     EXPECT_EQ(tokens, std::vector<std::string>({"early"}));
@@ -182,7 +184,7 @@ TEST_F(ApplicationInstanceTest, earlyRequestsAreDeliveredInOrder) {
     ASSERT_EQ(roleOf(*first), Role::first);
     EXPECT_EQ(errorOfAction("start-recording"), "");
     ApplicationInstance second(address);
-    EXPECT_TRUE(showsWindow(second, "early"));
+    EXPECT_EQ(answerOfFirst(second, "early"), FirstAnswer::windowShown);
     EXPECT_EQ(errorOfAction("stop-recording"), "");
     listen();
     EXPECT_TRUE(isEventuallyAskedFor(3));
@@ -195,21 +197,32 @@ TEST(ApplicationInstanceBesideAnotherTest, firstThatDoesNotAnswerIsNotWaitedForL
     const BusService hanging(bus, desktop::applicationID, noAnswer);
     ApplicationInstance second(bus.address().toStdString());
     ASSERT_EQ(roleOf(second), Role::another);
-    EXPECT_FALSE(showsWindow(second, "", 300ms));
+    EXPECT_EQ(answerOfFirst(second, "", 300ms), FirstAnswer::none);
 }
 
-TEST_F(ApplicationInstanceTest, firstThatIsGoneHasShownNothing) {
+TEST(ApplicationInstanceBesideAnotherTest, firstThatRefusesHasNotEnded) {
+    const PrivateBus bus;
+    const BusService refusing(bus, desktop::applicationID, [](const QDBusMessage& question) {
+        return question.createErrorReply(QDBusError::Failed, "no");
+    });
+    ApplicationInstance second(bus.address().toStdString());
+    ASSERT_EQ(roleOf(second), Role::another);
+    EXPECT_EQ(answerOfFirst(second, ""), FirstAnswer::none);
+}
+
+TEST_F(ApplicationInstanceTest, firstThatIsGoneHasEnded) {
     ASSERT_EQ(roleOf(*first), Role::first);
     ApplicationInstance second(address);
     ASSERT_EQ(roleOf(second), Role::another);
     first.reset();
-    EXPECT_FALSE(showsWindow(second, ""));
+    EXPECT_EQ(answerOfFirst(second, ""), FirstAnswer::hasEnded);
 }
 
 TEST_F(ApplicationInstanceTest, nobodyIsToldAfterItsEnd) {
     listen();
     ApplicationInstance second(address);
-    EXPECT_TRUE(showsWindow(second, "")); // the first owns the name, and answers soon
+    EXPECT_EQ(answerOfFirst(second, ""),
+              FirstAnswer::windowShown); // the first owns the name, and answers soon
     tokens.clear();
     first.reset();
     QCoreApplication::processEvents();
@@ -220,7 +233,7 @@ TEST(ApplicationInstanceWithoutABusTest, eachIsTheFirst) {
     for (const std::string address : {"", "unix:path=/nowhere/at/all"}) {
         ApplicationInstance one(address);
         EXPECT_EQ(roleOf(one), Role::first);
-        EXPECT_FALSE(showsWindow(one, ""));
+        EXPECT_EQ(answerOfFirst(one, ""), FirstAnswer::none);
     }
 }
 
