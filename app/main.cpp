@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include <exception>
+#include <filesystem>
 #include <iostream>
+#include <optional>
 #include <string>
 #include <variant>
 
@@ -59,48 +61,51 @@ public:
         return 2;
     }
 
-    int operator()(const DevicesCommand& /*command*/) const {
+    int operator()(const DevicesCommand& command) {
+        language_ = command.language;
         leaveOutSilentBuses();
         const auto found = pipewire::SoundServer().find();
-        if (!found.microphones.empty()) {
-            return print(devicesText(found.microphones, found.defaultMicrophone)) ? 0 : 1;
-        }
-        if (!found.mayCapture) {
+        if (found.microphones.empty() && !found.mayCapture) {
             throw Failure(FailureCode::serverUnreachable);
         }
-        std::cerr << CommandText::noMicrophone.in(usersLanguage()) << "\n";
-        return 0;
+        if (found.microphones.empty()) {
+            std::cerr << CommandText::noMicrophone.in(language()) << "\n";
+        }
+        const auto format = command.json ? devicesJson : devicesText;
+        return print(format(found.microphones, found.defaultMicrophone)) ? 0 : 1;
     }
 
-    int operator()(const RecoverCommand& command) const {
+    int operator()(const RecoverCommand& command) {
         Ending ending(signals_);
         posix::PosixFileSystem fileSystem;
         ffmpeg::LoadedToolkit mediaToolkit(fileSystem);
         const posix::SystemClock clock;
-        const SettingsFile preferences;
+        const SettingsFile users;
+        PreferencesForOneRun preferences(users);
+        setLanguage(preferences, command.language);
         return runRecoverCommand(command, recordingFolderOf(preferences),
                                  {mediaToolkit, fileSystem, clock}, ending, L10n(preferences));
     }
 
-    int operator()(const DoctorCommand& command) const {
+    int operator()(const DoctorCommand& command) {
+        language_ = command.language;
         const auto silent = leaveOutSilentBuses();
-        const SettingsFile preferences;
-        const auto language = command.language.value_or(L10n(preferences).language());
-        return examine(recordingFolderOf(preferences), silent, [&](const DoctorFindings& findings) {
-            const auto report = doctorReport(findings, language);
-            return print(report.text) && report.isAllWell ? 0 : 1;
+        const auto folder = command.folder ? std::filesystem::absolute(*command.folder)
+                                           : recordingFolderOf(SettingsFile());
+        return examine(folder, silent, [&](const DoctorFindings& findings) {
+            const auto report = doctorReport(findings, language());
+            const auto text = command.json ? doctorJson(report) : doctorText(report, language());
+            return print(text) && isAllWell(report) ? 0 : 1;
         });
     }
 
-    int operator()(const RecordCommand& command) const {
+    int operator()(const RecordCommand& command) {
         const auto silent = leaveOutSilentBuses();
         const SettingsFile users;
         std::cerr << silentBusMessages(silent, command.language.value_or(L10n(users).language()));
         Ending ending(signals_);
         PreferencesForOneRun preferences(users);
-        if (command.language) {
-            preferences.set(Preference::appLanguage, std::string(rawValue(*command.language)));
-        }
+        setLanguage(preferences, command.language);
         if (command.folder) {
             preferences.set(Preference::outputDirectory,
                             std::filesystem::absolute(*command.folder).string());
@@ -114,7 +119,17 @@ public:
         return run.run(model);
     }
 
+    /// Of messages: the one given with the command, else the user's.
+    AppLanguage language() const { return language_.value_or(usersLanguage()); }
+
 private:
+    void setLanguage(PreferencesForOneRun& preferences, std::optional<AppLanguage> language) {
+        language_ = language;
+        if (language) {
+            preferences.set(Preference::appLanguage, std::string(rawValue(*language)));
+        }
+    }
+
     desktop::SilentBuses leaveOutSilentBuses() const {
         return desktop::leaveOutSilentBuses(desktop::BusUsers::soundAlone, signals_.descriptor());
     }
@@ -125,7 +140,20 @@ private:
     }
 
     StopSignals& signals_;
+    std::optional<AppLanguage> language_;
 };
+
+int runCommand(int& argc, char** argv, StopSignals& signals) {
+    const QCoreApplication application(argc, argv);
+    Program program(signals);
+    try {
+        return std::visit(program,
+                          parseCommandLine(QCoreApplication::arguments().mid(1), usersLanguage()));
+    } catch (const std::exception&) {
+        std::cerr << errorDescription(std::current_exception(), program.language()) << "\n";
+        return 1;
+    }
+}
 
 } // namespace
 
@@ -141,10 +169,7 @@ int main(int argc, char** argv) {
         if (argc <= 1) {
             return vantoro::runWindowCommand(argc, argv, signals);
         }
-        const QCoreApplication application(argc, argv);
-        return std::visit(vantoro::Program(signals),
-                          vantoro::parseCommandLine(QCoreApplication::arguments().mid(1),
-                                                    vantoro::usersLanguage()));
+        return vantoro::runCommand(argc, argv, signals);
     } catch (const std::exception&) {
         std::cerr << vantoro::errorDescription(std::current_exception(), vantoro::usersLanguage())
                   << "\n";

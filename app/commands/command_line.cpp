@@ -104,6 +104,10 @@ std::optional<double> number(const GivenOptions& options, const QString& name,
     return value;
 }
 
+std::optional<double> seconds(const GivenOptions& options, const QString& name) {
+    return number(options, name, [](double value) { return value > 0; }, notSeconds);
+}
+
 std::optional<float> gain(const GivenOptions& options, const QString& name) {
     const auto isGain = [](double value) {
         return value >= 0 && std::isfinite(static_cast<float>(value));
@@ -131,8 +135,8 @@ std::optional<AppLanguage> languageOption(const GivenOptions& options) {
 
 RecordCommand recordCommand(const GivenOptions& options) {
     RecordCommand command;
-    command.seconds =
-        number(options, "seconds", [](double value) { return value > 0; }, notSeconds);
+    command.seconds = seconds(options, "seconds");
+    command.silence = seconds(options, "until-silence");
     command.folder = folderOf(options);
     command.systemAudio = !options.value("no-system-audio");
     command.microphone = !options.value("no-microphone");
@@ -154,14 +158,17 @@ Command parseOrThrow(const QStringList& arguments, AppLanguage ownLanguage) {
         return recordCommand({first, others});
     }
     if (first == "devices") {
-        const GivenOptions none(first, others);
-        return DevicesCommand{};
+        const GivenOptions options(first, others);
+        return DevicesCommand{options.value("json").has_value(), languageOption(options)};
     }
     if (first == "recover") {
-        return RecoverCommand{folderOf({first, others})};
+        const GivenOptions options(first, others);
+        return RecoverCommand{folderOf(options), languageOption(options)};
     }
     if (first == "doctor") {
-        return DoctorCommand{languageOption({first, others})};
+        const GivenOptions options(first, others);
+        return DoctorCommand{options.value("json").has_value(), folderOf(options),
+                             languageOption(options)};
     }
     if (first == "--version" || first == "-v") {
         const GivenOptions none({}, others);

@@ -15,6 +15,7 @@ namespace vantoro {
 
 struct RecordCommand {
     std::optional<double> seconds; ///< above 0; absent: until a signal
+    std::optional<double> silence; ///< seconds that end the recording, above 0
     std::optional<std::filesystem::path> folder;
     bool systemAudio = true;
     bool microphone = true;
@@ -27,17 +28,23 @@ struct RecordCommand {
 };
 
 struct DevicesCommand {
+    bool json = false;
+    std::optional<AppLanguage> language; ///< of the messages; absent: the user's
+
     friend bool operator==(const DevicesCommand&, const DevicesCommand&) = default;
 };
 
 struct RecoverCommand {
     std::optional<std::filesystem::path> folder;
+    std::optional<AppLanguage> language; ///< of the messages; absent: the user's
 
     friend bool operator==(const RecoverCommand&, const RecoverCommand&) = default;
 };
 
 struct DoctorCommand {
-    std::optional<AppLanguage> language; ///< of the report; absent: the user's
+    bool json = false;
+    std::optional<std::filesystem::path> folder; ///< to check; absent: that of the recordings
+    std::optional<AppLanguage> language;         ///< of the report; absent: the user's
 
     friend bool operator==(const DoctorCommand&, const DoctorCommand&) = default;
 };

@@ -7,6 +7,12 @@
 #include <utility>
 #include <vector>
 
+#include <QtCore/QJsonArray>
+#include <QtCore/QJsonDocument>
+#include <QtCore/QJsonObject>
+#include <QtCore/QString>
+
+#include "app/commands/json_line.h"
 #include "l10n/texts/doctor_advice.h"
 #include "l10n/texts/doctor_findings.h"
 #include "l10n/texts/error_description.h"
@@ -53,30 +59,24 @@ public:
         return systemWords(reason, language_);
     }
 
-    void fine(const Line& finding) { lines_ += "ok  " + text(finding) + "\n"; }
-
-    void problem(const Line& finding, const Line& advice) {
-        lines_ += "!   " + text(finding) + "\n";
-        // One cause may show in several findings.
-        if (const auto line = "- " + text(advice) + "\n"; !("\n" + advice_).contains("\n" + line)) {
-            advice_ += line;
-        }
+    void fine(const char* check, const Line& finding) {
+        report_.push_back({.check = check, .text = text(finding), .advice = {}});
     }
 
-    void check(bool isFine, const Line& finding, const Line& problem, const Line& advice) {
-        isFine ? fine(finding) : this->problem(problem, advice);
+    void problem(const char* check, const Line& finding, const Line& advice) {
+        report_.push_back({.check = check, .text = text(finding), .advice = text(advice)});
     }
 
-    DoctorReport report() const {
-        const bool isAllWell = advice_.empty();
-        const auto conclusion = text(isAllWell ? Finding::nothingIsWrong : Finding::whatToDo);
-        return {.text = lines_ + "\n" + conclusion + "\n" + advice_, .isAllWell = isAllWell};
+    void check(const char* check, bool isFine, const Line& finding, const Line& problem,
+               const Line& advice) {
+        isFine ? fine(check, finding) : this->problem(check, problem, advice);
     }
+
+    DoctorReport report() const { return report_; }
 
 private:
     AppLanguage language_;
-    std::string lines_;
-    std::string advice_;
+    DoctorReport report_;
 };
 
 void addMicrophones(Writer& writer, const capture::SoundSurvey& sound) {
@@ -84,38 +84,41 @@ void addMicrophones(Writer& writer, const capture::SoundSurvey& sound) {
         const auto& name = device.name;
         const auto shown = isDefault ? writer.text({Finding::microphoneDefault, {name}}) : name;
         if (mixer.isMuted) {
-            writer.problem({Finding::microphoneMuted, {shown}}, {Advice::microphoneMuted, {name}});
+            writer.problem("microphone", {Finding::microphoneMuted, {shown}},
+                           {Advice::microphoneMuted, {name}});
         } else {
-            writer.check(!mixer.isVolumeZero, {Finding::microphone, {shown}},
+            writer.check("microphone", !mixer.isVolumeZero, {Finding::microphone, {shown}},
                          {Finding::microphoneAtZero, {shown}}, {Advice::microphoneAtZero, {name}});
         }
     }
     const bool hasDefault =
         std::ranges::any_of(sound.microphones, &capture::SurveyedMicrophone::isDefault);
     if (sound.microphones.empty()) {
-        writer.problem(Finding::microphoneMissing, Advice::microphoneMissing);
+        writer.problem("microphone", Finding::microphoneMissing, Advice::microphoneMissing);
     } else if (!hasDefault && sound.hasSessionManager) { // which sets the default
-        writer.problem(Finding::defaultMicrophoneMissing, Advice::defaultMicrophone);
+        writer.problem("microphone", Finding::defaultMicrophoneMissing, Advice::defaultMicrophone);
     }
 }
 
 void addSound(Writer& writer, const DoctorFindings& findings) {
     const auto& library = findings.soundLibraryVersion;
     if (!findings.sound) {
-        writer.problem({Finding::soundServerUnreachable, {library}}, Advice::soundServer);
+        writer.problem("sound-server", {Finding::soundServerUnreachable, {library}},
+                       Advice::soundServer);
         return;
     }
     const auto& sound = *findings.sound;
     const bool isSandboxed = findings.microphone && findings.microphone->sandboxed;
-    writer.fine({Finding::soundServer, {sound.serverVersion, library}});
-    writer.check(sound.hasSessionManager, Finding::sessionManager, Finding::sessionManagerMissing,
-                 Advice::sessionManager);
-    writer.check(sound.mayCapture, Finding::systemAudioAllowed, Finding::systemAudioRefused,
+    writer.fine("sound-server", {Finding::soundServer, {sound.serverVersion, library}});
+    writer.check("session-manager", sound.hasSessionManager, Finding::sessionManager,
+                 Finding::sessionManagerMissing, Advice::sessionManager);
+    writer.check("system-audio", sound.mayCapture, Finding::systemAudioAllowed,
+                 Finding::systemAudioRefused,
                  isSandboxed ? Advice::systemAudioSandbox : Advice::systemAudio);
-    writer.check(sound.outputs > 0, {Finding::outputs, {std::to_string(sound.outputs)}},
+    writer.check("outputs", sound.outputs > 0, {Finding::outputs, {std::to_string(sound.outputs)}},
                  Finding::outputsMissing, Advice::outputs);
     if (sound.playsCodedSound) {
-        writer.problem(Finding::codedSound, Advice::codedSound);
+        writer.problem("coded-sound", Finding::codedSound, Advice::codedSound);
     }
     addMicrophones(writer, sound);
 }
@@ -124,15 +127,17 @@ void addSound(Writer& writer, const DoctorFindings& findings) {
 void addMicrophonePermission(Writer& writer, const std::optional<desktop::MicrophoneFacts>& facts) {
     using desktop::StoredPermission;
     if (!facts) {
-        writer.problem(Finding::permissionUnknown, Advice::desktopSilent);
+        writer.problem("microphone-permission", Finding::permissionUnknown, Advice::desktopSilent);
     } else if (facts->disabledBySettings) {
-        writer.problem(Finding::permissionDisabledBySettings, Advice::permissionSettings);
+        writer.problem("microphone-permission", Finding::permissionDisabledBySettings,
+                       Advice::permissionSettings);
     } else if (facts->disabledByPortal) {
-        writer.problem(Finding::permissionDisabledByLockdown, Advice::permissionSettings);
+        writer.problem("microphone-permission", Finding::permissionDisabledByLockdown,
+                       Advice::permissionSettings);
     } else if (!facts->sandboxed) {
-        writer.fine(Finding::permissionNotForbidden);
+        writer.fine("microphone-permission", Finding::permissionNotForbidden);
     } else {
-        writer.check(facts->stored != StoredPermission::refused,
+        writer.check("microphone-permission", facts->stored != StoredPermission::refused,
                      facts->stored == StoredPermission::granted ? Finding::permissionGranted
                                                                 : Finding::permissionUndecided,
                      Finding::permissionRefused, Advice::permissionRefused);
@@ -140,13 +145,13 @@ void addMicrophonePermission(Writer& writer, const std::optional<desktop::Microp
 }
 
 /// A service that did not answer has no other advice.
-void addService(Writer& writer, desktop::Presence presence, const BilingualText& present,
-                const BilingualText& absent, const BilingualText& absentAdvice,
-                const BilingualText& unknown) {
+void addService(Writer& writer, const char* check, desktop::Presence presence,
+                const BilingualText& present, const BilingualText& absent,
+                const BilingualText& absentAdvice, const BilingualText& unknown) {
     if (presence == desktop::Presence::unknown) {
-        writer.problem(unknown, Advice::desktopSilent);
+        writer.problem(check, unknown, Advice::desktopSilent);
     } else {
-        writer.check(presence == desktop::Presence::present, present, absent, absentAdvice);
+        writer.check(check, presence == desktop::Presence::present, present, absent, absentAdvice);
     }
 }
 
@@ -154,26 +159,26 @@ void addSleepDelay(Writer& writer, desktop::SleepDelay delay) {
     using desktop::SleepDelay;
     switch (delay) {
     case SleepDelay::granted:
-        return writer.fine(Finding::sleepDelay);
+        return writer.fine("sleep-delay", Finding::sleepDelay);
     case SleepDelay::refused:
-        return writer.problem(Finding::sleepDelayRefused, Advice::sleepDelayRefused);
+        return writer.problem("sleep-delay", Finding::sleepDelayRefused, Advice::sleepDelayRefused);
     case SleepDelay::noLoginManager:
-        return writer.problem(Finding::loginManagerMissing, Advice::loginManager);
+        return writer.problem("sleep-delay", Finding::loginManagerMissing, Advice::loginManager);
     case SleepDelay::unknown:
-        return writer.problem(Finding::loginManagerUnknown, Advice::desktopSilent);
+        return writer.problem("sleep-delay", Finding::loginManagerUnknown, Advice::desktopSilent);
     }
 }
 
 void addDesktop(Writer& writer, const desktop::DesktopSurvey& found) {
     if (found.sessionBus == desktop::Presence::absent) {
-        writer.problem(Finding::sessionBusMissing, Advice::sessionBusMissing);
+        writer.problem("session-bus", Finding::sessionBusMissing, Advice::sessionBusMissing);
     } else if (found.sessionBus == desktop::Presence::unknown) {
-        writer.problem(Finding::sessionBusSilent, Advice::desktopSilent);
+        writer.problem("session-bus", Finding::sessionBusSilent, Advice::desktopSilent);
     } else {
-        addService(writer, found.statusArea, Finding::statusArea, Finding::statusAreaMissing,
-                   Advice::statusArea, Finding::statusAreaUnknown);
-        addService(writer, found.portal, Finding::portal, Finding::portalMissing, Advice::portal,
-                   Finding::portalUnknown);
+        addService(writer, "status-area", found.statusArea, Finding::statusArea,
+                   Finding::statusAreaMissing, Advice::statusArea, Finding::statusAreaUnknown);
+        addService(writer, "portal", found.portal, Finding::portal, Finding::portalMissing,
+                   Advice::portal, Finding::portalUnknown);
     }
     addSleepDelay(writer, found.sleepDelay);
 }
@@ -182,27 +187,28 @@ void addDesktop(Writer& writer, const desktop::DesktopSurvey& found) {
 void addFolder(Writer& writer, const DoctorFindings& findings) {
     const auto path = findings.recordingFolder.string();
     if (!findings.folder) {
-        writer.problem({Finding::folderSilent, {path}}, {Advice::folderSilent, {path}});
+        writer.problem("folder", {Finding::folderSilent, {path}}, {Advice::folderSilent, {path}});
         return;
     }
     const auto& [exists, refusal, available] = *findings.folder;
     const auto shown = exists ? path : writer.text({Finding::folderToBeMade, {path}});
     const auto space = readableSize(available.value_or(0));
     if (refusal) {
-        writer.problem({Finding::folderRefused, {path, writer.words(refusal)}},
+        writer.problem("folder", {Finding::folderRefused, {path, writer.words(refusal)}},
                        {Advice::folderRefused, {path}});
     }
     if (available && *available < enoughSpace) {
-        writer.problem({Finding::folderSpaceShort, {shown, space}}, {Advice::folderSpace, {path}});
+        writer.problem("folder", {Finding::folderSpaceShort, {shown, space}},
+                       {Advice::folderSpace, {path}});
     } else if (!refusal) {
-        writer.fine(available ? Line(Finding::folderSpace, {shown, space})
-                              : Line(Finding::folder, {shown}));
+        writer.fine("folder", available ? Line(Finding::folderSpace, {shown, space})
+                                        : Line(Finding::folder, {shown}));
     }
     if (const auto& count = findings.interruptedRecordings) {
-        writer.check(*count == 0, Finding::interruptedNone,
+        writer.check("interrupted-recordings", *count == 0, Finding::interruptedNone,
                      {Finding::interruptedWaiting, {std::to_string(*count)}}, Advice::interrupted);
     } else {
-        writer.problem(Finding::interruptedUnknown, Advice::interrupted);
+        writer.problem("interrupted-recordings", Finding::interruptedUnknown, Advice::interrupted);
     }
 }
 
@@ -215,6 +221,39 @@ DoctorReport doctorReport(const DoctorFindings& findings, AppLanguage language) 
     addDesktop(writer, findings.desktop);
     addFolder(writer, findings);
     return writer.report();
+}
+
+bool isAllWell(const DoctorReport& report) {
+    return std::ranges::all_of(report, &std::string::empty, &DoctorEntry::advice);
+}
+
+std::string doctorText(const DoctorReport& report, AppLanguage language) {
+    std::string findings;
+    std::string advice;
+    for (const auto& entry : report) {
+        findings += (entry.advice.empty() ? "ok  " : "!   ") + entry.text + "\n";
+        // One cause may show in several findings.
+        if (const auto line = "- " + entry.advice + "\n";
+            !entry.advice.empty() && !("\n" + advice).contains("\n" + line)) {
+            advice += line;
+        }
+    }
+    const auto& conclusion = isAllWell(report) ? Finding::nothingIsWrong : Finding::whatToDo;
+    return findings + "\n" + conclusion.in(language) + "\n" + advice;
+}
+
+std::string doctorJson(const DoctorReport& report) {
+    QJsonArray findings;
+    for (const auto& [check, text, advice] : report) {
+        QJsonObject finding{{"check", QString::fromStdString(check)},
+                            {"ok", advice.empty()},
+                            {"text", QString::fromStdString(text)}};
+        if (!advice.empty()) {
+            finding["advice"] = QString::fromStdString(advice);
+        }
+        findings.append(finding);
+    }
+    return jsonLine(QJsonDocument({{"ok", isAllWell(report)}, {"findings", findings}}));
 }
 
 } // namespace vantoro

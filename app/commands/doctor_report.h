@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "app/commands/folder_check.h"
 #include "capture/graph/sound_survey.h"
@@ -27,12 +28,23 @@ struct DoctorFindings {
     std::optional<std::size_t> interruptedRecordings; ///< that are not salvaged yet
 };
 
-struct DoctorReport {
-    std::string text; ///< complete lines
-    bool isAllWell = false;
+/// One thing that was checked, in the user's language.
+struct DoctorEntry {
+    std::string check;  ///< its name for programs, such as "microphone"
+    std::string text;   ///< one line, without its end
+    std::string advice; ///< empty if nothing is wrong
 };
 
-/// One line per finding, prefixed "ok  " or "!   ", then advice on each problem.
+using DoctorReport = std::vector<DoctorEntry>;
+
 DoctorReport doctorReport(const DoctorFindings& findings, AppLanguage language);
+
+bool isAllWell(const DoctorReport& report);
+
+/// One line per finding, prefixed "ok  " or "!   ", then advice on each problem.
+std::string doctorText(const DoctorReport& report, AppLanguage language);
+
+/// The same as a JSON object, one line.
+std::string doctorJson(const DoctorReport& report);
 
 } // namespace vantoro

@@ -30,6 +30,8 @@ RecordRun::RecordRun(const RecordCommand& command, Ending& ending, const Prefere
     endTimer_.setSingleShot(true);
     endTimer_.setTimerType(Qt::PreciseTimer);
     connect(&endTimer_, &QTimer::timeout, this, &RecordRun::scheduleStop);
+    silenceTimer_.setSingleShot(true);
+    connect(&silenceTimer_, &QTimer::timeout, this, &RecordRun::stopRequested);
     connect(&lineTimer_, &QTimer::timeout, this, &RecordRun::showLine);
 }
 
@@ -52,10 +54,15 @@ int RecordRun::run(RecordingViewModel& model) {
             Qt::QueuedConnection);
     connect(model_, &RecordingProperties::stateChanged, this, &RecordRun::reportProgress);
     connect(model_, &RecordingProperties::propertyChanged, this, [this](auto property) {
-        if (property == RecordingProperties::Property::errorMessage) {
+        using enum RecordingProperties::Property;
+        if (property == errorMessage) {
             showMessage(model_->values());
-        } else if (property == RecordingProperties::Property::savingProgress) {
+        } else if (property == savingProgress) {
             showSaving();
+        } else if (property == systemAudioLevel) {
+            levelChanged(model_->values().systemAudioLevel);
+        } else if (property == microphoneLevel) {
+            levelChanged(model_->values().microphoneLevel);
         }
     });
     reportProgress();
@@ -96,6 +103,15 @@ void RecordRun::stateChanged() {
         break;
     default:
         break;
+    }
+}
+
+void RecordRun::levelChanged(double level) {
+    if (command_.silence && level > 0) {
+        const auto silence =
+            std::chrono::duration<double>(std::min(*command_.silence, foreverSeconds));
+        const auto wait = std::chrono::ceil<std::chrono::milliseconds>(silence);
+        silenceTimer_.start(std::min<std::chrono::milliseconds>(wait, longestWait));
     }
 }
 

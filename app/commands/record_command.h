@@ -39,9 +39,9 @@ private:
     std::map<Preference, std::string> ofThisRun_;
 };
 
-/// Makes one recording, until its time is over, a signal arrives, the machine sleeps, capture fails
-/// or the disk is nearly full. Prints the final file's path on standard output and everything else
-/// on standard error. Main thread, before the event loop runs.
+/// Makes one recording, until its time is over, silence has lasted long enough, a signal arrives,
+/// the machine sleeps, capture fails or the disk is nearly full. Prints the final file's path on
+/// standard output and everything else on standard error. Main thread, before the event loop runs.
 class RecordRun final : public QObject {
 public:
     /// All arguments must outlive this.
@@ -56,6 +56,7 @@ private:
 
     void reportProgress();
     void stateChanged();
+    void levelChanged(double level);
     void showMessage(const RecordingProperties::Values& values);
     void recordingBegan();
     void scheduleStop();
@@ -74,6 +75,7 @@ private:
     bool hasBegun_ = false; // capture ran, so a failed recording can be salvaged
     std::optional<Clock::time_point> end_;
     QTimer endTimer_;
+    QTimer silenceTimer_; // running from the last sound on
     QTimer lineTimer_;
 };
 

@@ -2,6 +2,7 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """The command line: output, error messages and exit status."""
 
+import json
 import os
 import re
 import signal
@@ -27,14 +28,24 @@ class CommandLine(RecordingCase):
         self.assertEqual((result.status, result.errors), (0, ""))
         self.assertEqual(result.output, f"* {sound.MICROPHONE}\tVirtual Microphone\n")
 
+    def test_devicesAsJsonAreForPrograms(self):
+        result = recorder.run("devices", "--json")
+        self.assertEqual((result.status, result.errors), (0, ""))
+        self.assertEqual(json.loads(result.output),
+                         [{"id": sound.MICROPHONE, "name": "Virtual Microphone", "default": True}])
+
     def test_devicesWithoutAMicrophoneSaysSo(self):
         subprocess.run(["pw-cli", "destroy", sound.MICROPHONE], check=True, stdout=subprocess.DEVNULL)
         result = recorder.run("devices")
         self.assertEqual((result.status, result.output, result.errors), (0, "", "没有麦克风。\n"))
+        result = recorder.run("devices", "--json", "--language", "en")
+        self.assertEqual((result.status, result.output, result.errors), (0, "[]\n", "There is no microphone.\n"))
 
     def test_devicesWithoutASoundServerFails(self):
         environment = dict(os.environ, XDG_RUNTIME_DIR=str(self.folder.parent))
         self.assert_refused(recorder.run("devices", env=environment), 1, "无法连接声音服务器。")
+        self.assert_refused(recorder.run("devices", "--language", "en", env=environment), 1,
+                            "The sound server cannot be reached.")
 
     def test_versionAndHelpAreOnStandardOutput(self):
         self.assertRegex(recorder.run("--version").output, r"^vantoro \d+\.\d+\.\d+\n$")
@@ -151,6 +162,15 @@ class CommandLine(RecordingCase):
         self.assertEqual(process.wait(60), 0)
         os.close(master)
         self.assertNotIn(b"only silence!", shown.split(b"00:09", 1)[0])
+
+    def test_recordingEndsWithTheSilenceBehindASound(self):
+        recording = recorder.Recording(self.folder, "--no-microphone", "--until-silence", 1)
+        recording.wait_until_written()
+        with sound.tone(440, seconds=2):
+            samples, _ = sound.decoded(recording.finish().saved())
+        end = len(samples) / sound.RATE
+        self.assertLess(sound.peak(samples, end - 0.9), 0.01)
+        self.assertGreater(sound.peak(samples, end - 1.6, end - 1.1), 0.1)
 
     def test_twoRecordingsAtOnceAreTwoFiles(self):
         first = recorder.Recording(self.folder, "--seconds", 3)

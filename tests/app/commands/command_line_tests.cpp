@@ -29,6 +29,7 @@ TEST(CommandLine, recordAloneTakesBothSourcesAtTheirDefaultVolumes) {
 TEST(CommandLine, everyOptionOfRecordIsTaken) {
     RecordCommand expected;
     expected.seconds = 2.5;
+    expected.silence = 30;
     expected.folder = "/tmp/recordings";
     expected.systemAudio = false;
     expected.microphone = false;
@@ -36,11 +37,11 @@ TEST(CommandLine, everyOptionOfRecordIsTaken) {
     expected.systemVolume = 0.25F;
     expected.microphoneVolume = 1.25F;
     expected.language = AppLanguage::english;
-    EXPECT_EQ(
-        parsed("record --seconds 2.5 --folder /tmp/recordings --no-system-audio --language en "
-               "--no-microphone --microphone usb-microphone --system-volume=0.25 "
-               "--microphone-volume=1.25"),
-        Command(expected));
+    EXPECT_EQ(parsed("record --seconds 2.5 --until-silence 30 --folder /tmp/recordings "
+                     "--no-system-audio --language en "
+                     "--no-microphone --microphone usb-microphone --system-volume=0.25 "
+                     "--microphone-volume=1.25"),
+              Command(expected));
 }
 
 TEST(CommandLine, emptyMicrophoneIdentifierIsTakenAsItStands) {
@@ -51,10 +52,15 @@ TEST(CommandLine, emptyMicrophoneIdentifierIsTakenAsItStands) {
 
 TEST(CommandLine, otherCommandsAndVersionAndHelp) {
     EXPECT_EQ(parsed("devices"), Command(DevicesCommand{}));
+    EXPECT_EQ(parsed("devices --json --language en"),
+              Command(DevicesCommand{.json = true, .language = AppLanguage::english}));
     EXPECT_EQ(parsed("recover"), Command(RecoverCommand{}));
-    EXPECT_EQ(parsed("recover --folder /r"), Command(RecoverCommand{"/r"}));
+    EXPECT_EQ(parsed("recover --folder /r --language en"),
+              Command(RecoverCommand{.folder = "/r", .language = AppLanguage::english}));
     EXPECT_EQ(parsed("doctor"), Command(DoctorCommand{}));
-    EXPECT_EQ(parsed("doctor --language zh-Hans"), Command(DoctorCommand{AppLanguage::chinese}));
+    EXPECT_EQ(
+        parsed("doctor --json --folder /r --language zh-Hans"),
+        Command(DoctorCommand{.json = true, .folder = "/r", .language = AppLanguage::chinese}));
     EXPECT_TRUE(std::get<PrintCommand>(parsed("--version")).text.starts_with("vantoro "));
     EXPECT_TRUE(std::get<PrintCommand>(parsed("--help")).text.starts_with("Usage: vantoro "));
     EXPECT_TRUE(
@@ -62,7 +68,8 @@ TEST(CommandLine, otherCommandsAndVersionAndHelp) {
 }
 
 TEST(CommandLine, lastOfRepeatedOptionsCounts) {
-    EXPECT_EQ(parsed("recover --folder /a --folder=/b"), Command(RecoverCommand{"/b"}));
+    EXPECT_EQ(parsed("recover --folder /a --folder=/b"),
+              Command(RecoverCommand{.folder = "/b", .language = {}}));
 }
 
 TEST(CommandLine, helpIsInTheLanguageThatIsAskedForElseInTheUsers) {
@@ -109,7 +116,9 @@ TEST(CommandLine, invalidCommandLineIsOneLineThatSaysWhy) {
         {"record --seconds nan", "--seconds needs a number greater than 0, not \"nan\"."},
         {"record --seconds inf", "--seconds needs a number greater than 0, not \"inf\"."},
         {"doctor now", "Unexpected argument \"now\"."},
-        {"doctor --folder x", "Unknown option \"--folder\"."},
+        {"doctor --folder=", "--folder needs the name of a folder."},
+        {"doctor --json=yes", "--json takes no value."},
+        {"record --until-silence 0", "--until-silence needs a number greater than 0, not \"0\"."},
         {"doctor --language=", "--language needs zh-Hans or en, not \"\"."},
         {"record --language fr", "--language needs zh-Hans or en, not \"fr\"."},
         {"record --system-volume loud",

@@ -25,5 +25,12 @@ TEST(DevicesCommand, printsNothingWithoutMicrophones) {
     EXPECT_EQ(devicesText({}, std::nullopt), "");
 }
 
+TEST(DevicesCommand, jsonSaysWhichIsTheDefault) {
+    EXPECT_EQ(devicesJson({{"usb", "\"Front\" 麦克风"}, {"pci", "Laptop"}}, "pci"),
+              "[{\"default\":false,\"id\":\"usb\",\"name\":\"\\\"Front\\\" 麦克风\"},"
+              "{\"default\":true,\"id\":\"pci\",\"name\":\"Laptop\"}]\n");
+    EXPECT_EQ(devicesJson({}, std::nullopt), "[]\n");
+}
+
 } // namespace
 } // namespace vantoro::testing

@@ -4,6 +4,12 @@
 
 #include <functional>
 
+#include <QtCore/QByteArray>
+#include <QtCore/QJsonArray>
+#include <QtCore/QJsonDocument>
+#include <QtCore/QJsonObject>
+#include <QtCore/QStringList>
+
 #include <gtest/gtest.h>
 
 namespace vantoro::testing {
@@ -38,10 +44,14 @@ DoctorFindings allWell() {
         .interruptedRecordings = 0};
 }
 
+std::string textOf(const DoctorFindings& findings, AppLanguage language) {
+    return doctorText(doctorReport(findings, language), language);
+}
+
 TEST(DoctorReport, saysInEnglishThatAllIsWell) {
     const auto report = doctorReport(allWell(), AppLanguage::english);
-    EXPECT_TRUE(report.isAllWell);
-    EXPECT_EQ(report.text,
+    EXPECT_TRUE(isAllWell(report));
+    EXPECT_EQ(doctorText(report, AppLanguage::english),
               "ok  Sound server: PipeWire 0.3.65 (client library 0.3.66)\n"
               "ok  Session manager: running\n"
               "ok  Permission for system audio: granted by the sound server\n"
@@ -60,21 +70,22 @@ TEST(DoctorReport, saysInEnglishThatAllIsWell) {
 
 TEST(DoctorReport, saysInChineseThatAllIsWell) {
     const auto report = doctorReport(allWell(), AppLanguage::chinese);
-    EXPECT_TRUE(report.isAllWell);
-    EXPECT_EQ(report.text, "ok  声音服务器：PipeWire 0.3.65（客户端库 0.3.66）\n"
-                           "ok  会话管理器：正在运行\n"
-                           "ok  系统声音权限：声音服务器已允许\n"
-                           "ok  输出设备：2 个\n"
-                           "ok  麦克风：Headset（默认）\n"
-                           "ok  麦克风：Laptop\n"
-                           "ok  麦克风权限：桌面设置没有禁止\n"
-                           "ok  状态区：可用\n"
-                           "ok  桌面门户：录音时可阻止自动睡眠\n"
-                           "ok  登录管理器：允许 Vantoro 推迟睡眠，直到录音安全保存\n"
-                           "ok  录音文件夹：/home/me/Videos/Vantoro，可用空间 45.5 GiB\n"
-                           "ok  中断的录音：没有\n"
-                           "\n"
-                           "一切正常。\n");
+    EXPECT_TRUE(isAllWell(report));
+    EXPECT_EQ(doctorText(report, AppLanguage::chinese),
+              "ok  声音服务器：PipeWire 0.3.65（客户端库 0.3.66）\n"
+              "ok  会话管理器：正在运行\n"
+              "ok  系统声音权限：声音服务器已允许\n"
+              "ok  输出设备：2 个\n"
+              "ok  麦克风：Headset（默认）\n"
+              "ok  麦克风：Laptop\n"
+              "ok  麦克风权限：桌面设置没有禁止\n"
+              "ok  状态区：可用\n"
+              "ok  桌面门户：录音时可阻止自动睡眠\n"
+              "ok  登录管理器：允许 Vantoro 推迟睡眠，直到录音安全保存\n"
+              "ok  录音文件夹：/home/me/Videos/Vantoro，可用空间 45.5 GiB\n"
+              "ok  中断的录音：没有\n"
+              "\n"
+              "一切正常。\n");
 }
 
 TEST(DoctorReport, endsWithWhatToDoAboutEachProblemOnce) {
@@ -83,8 +94,8 @@ TEST(DoctorReport, endsWithWhatToDoAboutEachProblemOnce) {
     findings.desktop = {};
     findings.microphone.reset();
     const auto report = doctorReport(findings, AppLanguage::english);
-    EXPECT_FALSE(report.isAllWell);
-    EXPECT_EQ(report.text,
+    EXPECT_FALSE(isAllWell(report));
+    EXPECT_EQ(doctorText(report, AppLanguage::english),
               "!   Sound server: PipeWire does not answer (client library 0.3.66)\n"
               "!   Permission for the microphone: the desktop does not answer\n"
               "!   Session bus: does not answer\n"
@@ -96,11 +107,42 @@ TEST(DoctorReport, endsWithWhatToDoAboutEachProblemOnce) {
               "- Start the sound server: systemctl --user restart pipewire wireplumber, or log out "
               "and in.\n"
               "- Log out and in again: a service of the desktop hangs.\n");
-    EXPECT_TRUE(doctorReport(findings, AppLanguage::chinese)
-                    .text.ends_with("\n处理办法：\n"
-                                    "- 请启动声音服务器：systemctl --user restart pipewire "
-                                    "wireplumber，或注销后重新登录。\n"
-                                    "- 请注销后重新登录：桌面的某项服务没有响应。\n"));
+    EXPECT_TRUE(textOf(findings, AppLanguage::chinese)
+                    .ends_with("\n处理办法：\n"
+                               "- 请启动声音服务器：systemctl --user restart pipewire "
+                               "wireplumber，或注销后重新登录。\n"
+                               "- 请注销后重新登录：桌面的某项服务没有响应。\n"));
+}
+
+TEST(DoctorReport, namesEachCheckForPrograms) {
+    const auto json = doctorJson(doctorReport(allWell(), AppLanguage::english));
+    EXPECT_TRUE(json.ends_with("\n"));
+    const auto report = QJsonDocument::fromJson(QByteArray::fromStdString(json)).object();
+    EXPECT_TRUE(report["ok"].toBool());
+    QStringList checks;
+    for (const auto& entry : report["findings"].toArray()) {
+        const auto finding = entry.toObject();
+        EXPECT_TRUE(finding["ok"].toBool());
+        EXPECT_TRUE(finding["advice"].isUndefined());
+        checks.append(finding["check"].toString());
+    }
+    EXPECT_EQ(checks.join(' ').toStdString(),
+              "sound-server session-manager system-audio outputs microphone microphone "
+              "microphone-permission status-area portal sleep-delay folder "
+              "interrupted-recordings");
+}
+
+TEST(DoctorReport, advisesProgramsOnEachProblem) {
+    auto findings = allWell();
+    findings.sound.reset();
+    const auto json = doctorJson(doctorReport(findings, AppLanguage::chinese));
+    const auto report = QJsonDocument::fromJson(QByteArray::fromStdString(json)).object();
+    EXPECT_FALSE(report["ok"].toBool(true));
+    const auto server = report["findings"].toArray().first().toObject();
+    EXPECT_EQ(server["check"].toString(), "sound-server");
+    EXPECT_FALSE(server["ok"].toBool(true));
+    EXPECT_EQ(server["text"].toString(), "声音服务器：PipeWire 没有响应（客户端库 0.3.66）");
+    EXPECT_TRUE(server["advice"].toString().startsWith("请启动声音服务器"));
 }
 
 /// One deviation from a machine without problems.
@@ -118,9 +160,10 @@ void expectLines(const Case& one) {
          {std::pair(AppLanguage::english, one.english), {AppLanguage::chinese, one.chinese}}) {
         const auto report = doctorReport(findings, language);
         const auto expected = (one.isProblem ? "!   " : "ok  ") + std::string(line) + "\n";
-        EXPECT_NE(report.text.find(expected), std::string::npos) << expected << report.text;
-        EXPECT_EQ(report.isAllWell, !one.isProblem) << line;
-        EXPECT_EQ(report.text.find("\n- ") != std::string::npos, one.isProblem) << report.text;
+        const auto text = doctorText(report, language);
+        EXPECT_NE(text.find(expected), std::string::npos) << expected << text;
+        EXPECT_EQ(isAllWell(report), !one.isProblem) << line;
+        EXPECT_EQ(text.find("\n- ") != std::string::npos, one.isProblem) << text;
     }
 }
 
@@ -155,12 +198,12 @@ TEST(DoctorReport, advisesWhatFitsTheCause) {
     auto findings = allWell();
     findings.sound->microphones[0].mixer = {.isMuted = true, .isVolumeZero = true};
     findings.sound->mayCapture = false;
-    auto text = doctorReport(findings, AppLanguage::english).text;
+    auto text = textOf(findings, AppLanguage::english);
     EXPECT_NE(text.find("- Unmute the microphone Headset in the sound settings.\n"),
               std::string::npos);
     EXPECT_NE(text.find("- Permit Vantoro full access to PipeWire"), std::string::npos);
     findings.microphone->sandboxed = true;
-    text = doctorReport(findings, AppLanguage::english).text;
+    text = textOf(findings, AppLanguage::english);
     EXPECT_NE(text.find("- The sandbox hides what is played"), std::string::npos);
 }
 
@@ -168,8 +211,7 @@ TEST(DoctorReport, acceptsNoDefaultMicrophoneWithoutASessionManager) {
     auto findings = allWell();
     findings.sound->microphones[0].isDefault = false;
     findings.sound->hasSessionManager = false;
-    EXPECT_EQ(doctorReport(findings, AppLanguage::english).text.find("Default microphone"),
-              std::string::npos);
+    EXPECT_EQ(textOf(findings, AppLanguage::english).find("Default microphone"), std::string::npos);
 }
 
 TEST(DoctorReport, saysWhoDecidedOnTheMicrophonesPermission) {
@@ -217,7 +259,7 @@ TEST(DoctorReport, agreesWithTheRecorderOnThePermission) {
                                .stored = static_cast<StoredPermission>(number / 8),
                                .chosenSourceHidden = false};
         const auto status = microphoneAuthorization(*findings.microphone);
-        EXPECT_EQ(doctorReport(findings, AppLanguage::english).isAllWell,
+        EXPECT_EQ(isAllWell(doctorReport(findings, AppLanguage::english)),
                   status == AuthorizationStatus::authorized ||
                       status == AuthorizationStatus::notDetermined)
             << number;
@@ -293,8 +335,7 @@ TEST(DoctorReport, omitsRecordingsOnADiskThatDoesNotAnswer) {
     auto findings = allWell();
     findings.folder.reset();
     findings.interruptedRecordings.reset();
-    EXPECT_EQ(doctorReport(findings, AppLanguage::english).text.find("Interrupted"),
-              std::string::npos);
+    EXPECT_EQ(textOf(findings, AppLanguage::english).find("Interrupted"), std::string::npos);
 }
 
 } // namespace

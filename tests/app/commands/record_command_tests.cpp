@@ -3,8 +3,11 @@
 #include "app/commands/record_command.h"
 
 #include <atomic>
+#include <chrono>
 #include <csignal>
 #include <functional>
+
+#include <QtCore/QTimer>
 
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -19,6 +22,8 @@
 
 namespace vantoro::testing {
 namespace {
+
+using namespace std::chrono_literals;
 
 /// A base class, so that the signals are blocked before any thread starts.
 struct BlockedSignals {
@@ -85,6 +90,36 @@ TEST_F(RecordCommandTest, recordingEndsWhenItsTimeHasPassed) {
     command.seconds = 0.01;
     EXPECT_EQ(run([&] { captureSomething(); }), 0);
     EXPECT_EQ(output, finalFile.string() + "\n");
+}
+
+TEST_F(RecordCommandTest, silenceAfterTheLastSoundEndsTheRecording) {
+    command.silence = 0.01;
+    std::atomic<bool> hasStarted = false;
+    QTimer sound;
+    QObject::connect(&sound, &QTimer::timeout, [&, frame = std::int64_t{0}]() mutable {
+        if (hasStarted) {
+            clock.uptime += 1;
+            capture.deliver(bufferAt(frame += 256), AudioLevelSource::systemAudio);
+        }
+    });
+    QObject::connect(&levels, &AudioLevelStore::levelChanged, [&] {
+        if (levels.systemAudioLevel() > 0) {
+            sound.stop();
+        }
+    });
+    sound.start(1ms);
+    EXPECT_EQ(run([&] { hasStarted = true; }), 0);
+    EXPECT_EQ(output, finalFile.string() + "\n");
+    EXPECT_FALSE(sound.isActive());
+}
+
+TEST_F(RecordCommandTest, silenceThatNoSoundPrecededEndsNothing) {
+    command.silence = 0.01;
+    command.seconds = 0.1;
+    const auto before = std::chrono::steady_clock::now();
+    EXPECT_EQ(run([&] { capture.deliver(bufferAt(0, 2, 256, 0), AudioLevelSource::systemAudio); }),
+              0);
+    EXPECT_GE(std::chrono::steady_clock::now() - before, 0.1s);
 }
 
 TEST_F(RecordCommandTest, optionsReachTheRecorder) {
