@@ -21,7 +21,6 @@
 #include "app/window/window_command.h"
 #include "control/recording_folder.h"
 #include "engine/failure.h"
-#include "engine/recorder/audio_recorder.h"
 #include "l10n/settings_file.h"
 #include "l10n/texts/command_texts.h"
 #include "l10n/texts/error_description.h"
@@ -29,6 +28,7 @@
 #include "platform/desktop/opening/default_recording_folder.h"
 #include "platform/desktop/realtime_services.h"
 #include "platform/ffmpeg/loaded_toolkit.h"
+#include "platform/journal/journal.h"
 #include "platform/pipewire/bus_use.h"
 #include "platform/pipewire/sound_server.h"
 #include "platform/posix/allocation.h"
@@ -80,11 +80,12 @@ public:
         posix::PosixFileSystem fileSystem;
         ffmpeg::LoadedToolkit mediaToolkit(fileSystem);
         const posix::SystemClock clock;
+        journal::Journal log(journal::Journal::WithoutJournal::discard);
         const SettingsFile users;
         PreferencesForOneRun preferences(users);
         setLanguage(preferences, command.language);
         return runRecoverCommand(command, recordingFolderOf(preferences),
-                                 {mediaToolkit, fileSystem, clock}, ending, L10n(preferences));
+                                 {mediaToolkit, fileSystem, clock}, log, ending, L10n(preferences));
     }
 
     int operator()(const DoctorCommand& command) {
@@ -114,7 +115,7 @@ public:
         RecordingPlatform platform(RecordingPlatform::Meters::none);
         platform.setChosenMicrophone(command.microphoneID);
         RecordingViewModel model(
-            std::make_unique<AudioRecorder>(platform.forRecorder()),
+            platform.makeRecorder(),
             platform.forControl(preferences, [&ending] { ending.progressed(); }));
         return run.run(model);
     }

@@ -8,6 +8,7 @@
 #include <optional>
 #include <thread>
 #include <utility>
+#include <vector>
 
 #include "app/ending/ending.h"
 #include "engine/recorder/salvage.h"
@@ -22,6 +23,8 @@ namespace vantoro {
 namespace {
 
 constexpr std::chrono::seconds serviceLimit(2);
+constexpr std::size_t shownFaults = 3;
+constexpr std::chrono::days faultsOfTheLast(7);
 /// Longer than the checks' own limit, since a thread may have to wait for a processor.
 constexpr std::chrono::seconds threadLimit(3);
 
@@ -94,6 +97,10 @@ int examine(const std::filesystem::path& recordingFolder, const desktop::SilentB
     Awaited<FolderCheck> folder([recordingFolder] { return askDisk(recordingFolder); });
     Awaited<std::size_t> interrupted(
         [recordingFolder] { return askForInterrupted(recordingFolder); });
+    Awaited<std::vector<journal::Fault>> faults([] {
+        return journal::recentFaults(shownFaults,
+                                     std::chrono::system_clock::now() - faultsOfTheLast);
+    });
     const auto desktop = askDesktop(silent);
     Awaited<std::optional<desktop::MicrophoneFacts>> microphone(
         [bus = desktop.sessionBus] { return askForMicrophone(bus); });
@@ -103,9 +110,10 @@ int examine(const std::filesystem::path& recordingFolder, const desktop::SilentB
                                .microphone = microphone.get().value_or(std::nullopt),
                                .recordingFolder = recordingFolder,
                                .folder = folder.get(),
-                               .interruptedRecordings = interrupted.get()});
+                               .interruptedRecordings = interrupted.get(),
+                               .faults = faults.get().value_or(std::vector<journal::Fault>())});
     if (sound.isUnanswered() || microphone.isUnanswered() || folder.isUnanswered() ||
-        interrupted.isUnanswered()) {
+        interrupted.isUnanswered() || faults.isUnanswered()) {
         Ending::leaveProcess(status, {}); // there is no other way to end a thread that hangs
     }
     return status;

@@ -3,7 +3,10 @@
 #include "app/commands/doctor_report.h"
 
 #include <algorithm>
+#include <array>
+#include <chrono>
 #include <cstdint>
+#include <ctime>
 #include <utility>
 #include <vector>
 
@@ -65,6 +68,10 @@ public:
 
     void problem(const char* check, const Line& finding, const Line& advice) {
         report_.push_back({.check = check, .text = text(finding), .advice = text(advice)});
+    }
+
+    void past(const char* check, const Line& finding) {
+        report_.push_back({.check = check, .text = text(finding), .advice = {}, .isPast = true});
     }
 
     void check(const char* check, bool isFine, const Line& finding, const Line& problem,
@@ -212,6 +219,20 @@ void addFolder(Writer& writer, const DoctorFindings& findings) {
     }
 }
 
+std::string localTime(std::chrono::system_clock::time_point time) {
+    const auto seconds = std::chrono::system_clock::to_time_t(time);
+    std::tm local{};
+    ::localtime_r(&seconds, &local);
+    std::array<char, 32> text{};
+    return {text.data(), std::strftime(text.data(), text.size(), "%Y-%m-%d %H:%M", &local)};
+}
+
+void addFaults(Writer& writer, const std::vector<journal::Fault>& faults) {
+    for (const auto& [time, message] : faults) {
+        writer.past("earlier-fault", {Finding::earlierFault, {localTime(time), message}});
+    }
+}
+
 } // namespace
 
 DoctorReport doctorReport(const DoctorFindings& findings, AppLanguage language) {
@@ -220,6 +241,7 @@ DoctorReport doctorReport(const DoctorFindings& findings, AppLanguage language) 
     addMicrophonePermission(writer, findings.microphone);
     addDesktop(writer, findings.desktop);
     addFolder(writer, findings);
+    addFaults(writer, findings.faults);
     return writer.report();
 }
 
@@ -231,7 +253,10 @@ std::string doctorText(const DoctorReport& report, AppLanguage language) {
     std::string findings;
     std::string advice;
     for (const auto& entry : report) {
-        findings += (entry.advice.empty() ? "ok  " : "!   ") + entry.text + "\n";
+        findings += (entry.isPast           ? "    "
+                     : entry.advice.empty() ? "ok  "
+                                            : "!   ") +
+                    entry.text + "\n";
         // One cause may show in several findings.
         if (const auto line = "- " + entry.advice + "\n";
             !entry.advice.empty() && !("\n" + advice).contains("\n" + line)) {
@@ -244,9 +269,10 @@ std::string doctorText(const DoctorReport& report, AppLanguage language) {
 
 std::string doctorJson(const DoctorReport& report) {
     QJsonArray findings;
-    for (const auto& [check, text, advice] : report) {
+    for (const auto& [check, text, advice, isPast] : report) {
         QJsonObject finding{{"check", QString::fromStdString(check)},
                             {"ok", advice.empty()},
+                            {"past", isPast},
                             {"text", QString::fromStdString(text)}};
         if (!advice.empty()) {
             finding["advice"] = QString::fromStdString(advice);

@@ -13,6 +13,7 @@
 #include "l10n/app_language.h"
 #include "platform/desktop/desktop_survey.h"
 #include "platform/desktop/permission/microphone_access.h"
+#include "platform/journal/recent_faults.h"
 
 namespace vantoro {
 
@@ -26,13 +27,15 @@ struct DoctorFindings {
     std::filesystem::path recordingFolder;
     std::optional<FolderCheck> folder;
     std::optional<std::size_t> interruptedRecordings; ///< that are not salvaged yet
+    std::vector<journal::Fault> faults;               ///< of earlier recordings, newest first
 };
 
 /// One thing that was checked, in the user's language.
 struct DoctorEntry {
-    std::string check;  ///< its name for programs, such as "microphone"
-    std::string text;   ///< one line, without its end
-    std::string advice; ///< empty if nothing is wrong
+    std::string check;   ///< its name for programs, such as "microphone"
+    std::string text;    ///< one line, without its end
+    std::string advice;  ///< empty if nothing is wrong
+    bool isPast = false; ///< what went wrong earlier, for information
 };
 
 using DoctorReport = std::vector<DoctorEntry>;
@@ -41,7 +44,8 @@ DoctorReport doctorReport(const DoctorFindings& findings, AppLanguage language);
 
 bool isAllWell(const DoctorReport& report);
 
-/// One line per finding, prefixed "ok  " or "!   ", then advice on each problem.
+/// One line per finding, prefixed "ok  ", "!   " or, if it is past, "    ", then advice on each
+/// problem.
 std::string doctorText(const DoctorReport& report, AppLanguage language);
 
 /// The same as a JSON object, one line.

@@ -7,6 +7,7 @@
 #include <system_error>
 
 #include "app/commands/terminal.h"
+#include "engine/recorder/logged_recorder.h"
 #include "l10n/texts/command_texts.h"
 
 namespace vantoro {
@@ -41,7 +42,8 @@ int report(const SalvageResult& result, const std::filesystem::path& folder, Ter
 } // namespace
 
 int runRecoverCommand(const RecoverCommand& command, const std::filesystem::path& defaultFolder,
-                      const SalvagePlatform& platform, Ending& ending, const L10n& texts) {
+                      const SalvagePlatform& platform, RecordingLog& log, Ending& ending,
+                      const L10n& texts) {
     Terminal terminal;
     std::error_code unreadable;
     // The default folder may not exist yet.
@@ -59,6 +61,7 @@ int runRecoverCommand(const RecoverCommand& command, const std::filesystem::path
             ending.progressed();
             terminal.showLine(savingLine(fraction, texts));
         });
+    logSalvage(log, result);
     terminal.clearLine();
     const int status = report(result, folder, terminal, texts);
     ending.concluded(status);

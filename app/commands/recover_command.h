@@ -6,6 +6,7 @@
 
 #include "app/commands/command_line.h"
 #include "app/ending/ending.h"
+#include "engine/ports/recording_log.h"
 #include "engine/recorder/salvage.h"
 #include "l10n/l10n.h"
 
@@ -15,6 +16,7 @@ namespace vantoro {
 /// paths on standard output, one per line, and everything else on standard error. Returns the exit
 /// status: 1 if anything failed; 3 if a recording was only partly readable; else 0.
 int runRecoverCommand(const RecoverCommand& command, const std::filesystem::path& defaultFolder,
-                      const SalvagePlatform& platform, Ending& ending, const L10n& texts);
+                      const SalvagePlatform& platform, RecordingLog& log, Ending& ending,
+                      const L10n& texts);
 
 } // namespace vantoro

@@ -6,6 +6,7 @@
 #include <exception>
 #include <utility>
 
+#include "engine/recorder/logged_recorder.h"
 #include "engine/serial_queue.h"
 #include "platform/desktop/opening/default_recording_folder.h"
 
@@ -57,7 +58,9 @@ bool isHidden(AudioDevices& devices, const std::optional<std::string>& microphon
 } // namespace
 
 RecordingPlatform::RecordingPlatform(Meters meters, QtScheduler::TaskStart taskStart)
-    : captureService_(settingsFor(meters)),
+    : journal_(meters == Meters::shown ? journal::Journal::WithoutJournal::printFaults
+                                       : journal::Journal::WithoutJournal::discard),
+      captureService_(settingsFor(meters)),
       microphoneAccess_([this] { return canOpen(captureService_, chosenMicrophone()); },
                         [this] { return isHidden(soundServer_, chosenMicrophone()); }),
       scheduler_(taskStart) {}
@@ -70,6 +73,11 @@ void RecordingPlatform::setChosenMicrophone(std::optional<std::string> id) {
 std::optional<std::string> RecordingPlatform::chosenMicrophone() {
     const std::lock_guard lock(mutex_);
     return chosenMicrophone_;
+}
+
+std::unique_ptr<Recorder> RecordingPlatform::makeRecorder() {
+    return std::make_unique<LoggedRecorder>(std::make_unique<AudioRecorder>(forRecorder()),
+                                            journal_, clock_);
 }
 
 RecorderPlatform RecordingPlatform::forRecorder() {

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -16,6 +17,7 @@
 #include "platform/desktop/power/power_management.h"
 #include "platform/desktop/power/power_profile.h"
 #include "platform/ffmpeg/loaded_toolkit.h"
+#include "platform/journal/journal.h"
 #include "platform/pipewire/pipewire_capture.h"
 #include "platform/pipewire/sound_server.h"
 #include "platform/posix/posix_file_system.h"
@@ -43,6 +45,8 @@ public:
     /// Starts deferred tasks.
     void startTasks() { scheduler_.startTasks(); }
 
+    /// A recorder whose recordings are in the journal.
+    std::unique_ptr<Recorder> makeRecorder();
     RecorderPlatform forRecorder();
 
     /// `preferences` must outlive the view model. For `recorderProgressed` see `ControlPlatform`.
@@ -52,6 +56,7 @@ public:
 private:
     std::optional<std::string> chosenMicrophone();
 
+    journal::Journal journal_;
     std::mutex mutex_;
     std::optional<std::string> chosenMicrophone_; // guarded by mutex_
     pipewire::SoundServer soundServer_;

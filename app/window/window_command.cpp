@@ -17,7 +17,6 @@
 #include "app/platform/silent_bus_messages.h"
 #include "app/window/network_module.h"
 #include "app/window/vantoro_app.h"
-#include "engine/recorder/audio_recorder.h"
 #include "l10n/settings_file.h"
 #include "l10n/texts/command_texts.h"
 #include "platform/desktop/bus/silent_buses.h"
@@ -65,7 +64,7 @@ class WindowRun {
 public:
     WindowRun(const std::string& sessionBus, ApplicationInstance& instance, Ending& ending)
         : notifierArea_(sessionBus),
-          app_(std::make_unique<AudioRecorder>(platform_.forRecorder()),
+          app_(platform_.makeRecorder(),
                platform_.forControl(preferences_, [&ending] { ending.progressed(); }),
                {.statusArea = statusArea_,
                 .desktops = qgetenv("XDG_CURRENT_DESKTOP").toStdString(),

@@ -108,6 +108,8 @@ struct DoctorFinding {
     static constexpr BilingualText interruptedUnknown{
         "Interrupted recordings: their files could not be read in time",
         "中断的录音：未能及时读取文件"};
+
+    static constexpr BilingualText earlierFault{"On %1: %2", "%1：%2"};
 };
 
 } // namespace vantoro

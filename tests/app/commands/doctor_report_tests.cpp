@@ -2,6 +2,9 @@
 
 #include "app/commands/doctor_report.h"
 
+#include <chrono>
+#include <cstdlib>
+#include <ctime>
 #include <functional>
 
 #include <QtCore/QByteArray>
@@ -41,7 +44,8 @@ DoctorFindings allWell() {
         .folder = FolderCheck{.exists = true,
                               .refusal = {},
                               .availableBytes = 45 * gibibyte + gibibyte / 2},
-        .interruptedRecordings = 0};
+        .interruptedRecordings = 0,
+        .faults = {}};
 }
 
 std::string textOf(const DoctorFindings& findings, AppLanguage language) {
@@ -143,6 +147,20 @@ TEST(DoctorReport, advisesProgramsOnEachProblem) {
     EXPECT_FALSE(server["ok"].toBool(true));
     EXPECT_EQ(server["text"].toString(), "声音服务器：PipeWire 没有响应（客户端库 0.3.66）");
     EXPECT_TRUE(server["advice"].toString().startsWith("请启动声音服务器"));
+}
+
+TEST(DoctorReport, endsWithWhatWentWrongEarlierWhichIsNoProblem) {
+    ::setenv("TZ", "UTC", 1);
+    ::tzset();
+    auto findings = allWell();
+    findings.faults = {{std::chrono::sys_days(std::chrono::year(2026) / 11 / 23), "It failed."}};
+    const auto report = doctorReport(findings, AppLanguage::english);
+    EXPECT_TRUE(isAllWell(report));
+    EXPECT_NE(doctorText(report, AppLanguage::english)
+                  .find("\n    On 2026-11-23 00:00: It failed.\n\nNothing is wrong.\n"),
+              std::string::npos);
+    EXPECT_NE(doctorJson(report).find(R"({"check":"earlier-fault","ok":true,"past":true,)"),
+              std::string::npos);
 }
 
 /// One deviation from a machine without problems.
