@@ -126,9 +126,11 @@ BusService::BusService(const PrivateBus& bus, const QString& name, Answer answer
 }
 
 BusService::~BusService() {
-    QDBusConnection::disconnectFromBus(name_);
+    // The connection is closed later, on Qt's bus thread, which must not find the object then.
+    QDBusConnection(name_).unregisterObject("/");
     thread_.quit();
     thread_.wait();
+    QDBusConnection::disconnectFromBus(name_);
 }
 
 bool BusService::Object::handleMessage(const QDBusMessage& message, const QDBusConnection& bus) {
