@@ -36,7 +36,9 @@ std::int64_t CaptureTimeline::place(FeedId id, const Stamp& stamp, Planes planes
     Feed& feed = feeds_.at(id);
     const std::int64_t stamped = gridPosition(stamp.nanoseconds);
     const bool silent = isSilent(planes);
-    const std::int64_t tolerated = silent ? toleranceInSilence : tolerance;
+    const bool inSilence = silent || feed.soundEnd < feed.next;
+    const std::int64_t tolerated = inSilence ? toleranceInSilence : tolerance;
+    feed.silentFrames = silent ? stamp.frames : 0;
     if (feed.started && silent && feed.next - stamped > tolerated) {
         feed.next = std::max(feed.next, stamped + stamp.frames);
         return stamped + stamp.frames - feed.next;
@@ -49,11 +51,14 @@ std::int64_t CaptureTimeline::place(FeedId id, const Stamp& stamp, Planes planes
         const bool late = !feed.started && emitted_ > begin_ && emitted_ - stamped <= tolerance;
         feed.next = late ? std::max(stamped, emitted_) : stamped;
         feed.started = true;
-    }
-    if (!silent) { // the line is silent by default
-        lineOf(feed.source).add(feed.next, planes);
+    } else if (inSilence && feed.next - stamped > tolerated) {
+        feed.next = std::clamp(std::max(feed.soundEnd, emitted_), stamped, feed.next);
     }
     const std::int64_t error = stamped - feed.next;
+    if (!silent) { // the line is silent by default
+        lineOf(feed.source).add(feed.next, planes);
+        feed.soundEnd = feed.next + stamp.frames;
+    }
     feed.next += stamp.frames;
     return error;
 }
@@ -63,6 +68,7 @@ std::int64_t CaptureTimeline::lose(FeedId id, std::int64_t frames) {
     std::int64_t& reported = reportedLoss_[static_cast<std::size_t>(feed.source)];
     const std::int64_t first = std::max({feed.next, reported, begin_});
     feed.next += frames;
+    feed.soundEnd = feed.next; // what was lost may have been sound
     reported = std::max(reported, feed.next);
     return std::max<std::int64_t>(0, feed.next - first);
 }
@@ -72,8 +78,9 @@ std::int64_t CaptureTimeline::horizon(std::int64_t now) const {
     std::int64_t slowest = limit;
     bool waiting = false;
     for (const auto& [id, feed] : feeds_) {
-        if (feed.next > limit) {
-            slowest = waiting ? std::min(slowest, feed.next) : feed.next;
+        const std::int64_t complete = feed.next - feed.silentFrames;
+        if (complete > limit) {
+            slowest = waiting ? std::min(slowest, complete) : complete;
             waiting = true;
         }
     }

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <limits>
 #include <map>
 #include <span>
 
@@ -21,7 +22,9 @@ namespace vantoro::capture {
 ///
 /// A feed's first piece lies at its stamp; then its frames are counted, since stamps jitter.
 /// Silence fills a gap only if the count is behind the stamp by more than `tolerance`, and replaces
-/// lost frames. Pieces never overlap. Pure silence is stretched or cut to match its stamps.
+/// lost frames. Pieces never overlap. Pure silence is stretched or cut so that it and the sound
+/// after it match their stamps: an output that begins to play may have another driver, whose cycles
+/// lie differently.
 class CaptureTimeline {
 public:
     using FeedId = std::uint64_t;
@@ -50,7 +53,8 @@ public:
     /// source: simultaneous losses on two outputs count once.
     std::int64_t lose(FeedId feed, std::int64_t frames);
 
-    /// Both sources are complete up to here: the slowest feed that is within `patience`.
+    /// Both sources are complete up to here: the slowest feed that is within `patience`. The next
+    /// piece may still cut the last one, if that is silent.
     std::int64_t horizon(std::int64_t now) const;
     /// Where a recording stopped now ends: at the furthest feed, or now if all are far behind.
     std::int64_t end(std::int64_t now) const;
@@ -64,6 +68,8 @@ private:
     struct Feed {
         AudioLevelSource source;
         std::int64_t next; // position of its next frame by count
+        std::int64_t soundEnd = std::numeric_limits<std::int64_t>::min(); // silent since then
+        std::int64_t silentFrames = 0;                                    // of its last piece
         bool started = false;
     };
 

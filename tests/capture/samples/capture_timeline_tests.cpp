@@ -179,6 +179,60 @@ TEST_F(Timeline, lengthensSilenceThatIsBehindItsStamps) {
     EXPECT_EQ(place(tapA, start + 100 + CaptureTimeline::toleranceInSilence + 1, 100, 0), 0);
 }
 
+struct Onset {
+    std::int64_t stampedLater; // than the end of the silence before the sound, by count
+    std::int64_t behind;       // after the sound is placed
+};
+
+class TimelineOnset : public Timeline, public ::testing::WithParamInterface<Onset> {};
+
+TEST_P(TimelineOnset, isAtTheStampIfItFollowsSilence) {
+    timeline.addFeed(tapA, AudioLevelSource::systemAudio, start);
+    place(tapA, start, 1000, 1);
+    place(tapA, start + 1000, 2000, 0);
+    const auto [stampedLater, behind] = GetParam();
+    EXPECT_EQ(place(tapA, start + 3000 + stampedLater, 2000, 2), behind);
+    emitAll(start + 5000);
+    const auto onset = std::ranges::find(system, 2.0F) - system.begin();
+    EXPECT_EQ(onset, 3000 + stampedLater - behind);
+    EXPECT_EQ(std::ranges::count(system, 1.0F), 1000);
+}
+
+INSTANTIATE_TEST_SUITE_P(Stamps, TimelineOnset,
+                         ::testing::Values(Onset{48, 48}, Onset{49, 0}, Onset{1500, 0}, Onset{0, 0},
+                                           Onset{-48, -48}, Onset{-49, 0}, Onset{-2000, 0},
+                                           Onset{-2100, -100})); // does not overlap the first sound
+
+TEST_F(Timeline, onsetFollowsWhatWasEmitted) {
+    timeline.addFeed(tapA, AudioLevelSource::systemAudio, start);
+    place(tapA, start, 3000, 0);
+    emitAll(start + 2048);
+    EXPECT_EQ(place(tapA, start + 2000, 1000, 1), -48);
+    emitAll(start + 3048);
+    EXPECT_EQ(std::ranges::find(system, 1.0F) - system.begin(), 2048);
+    EXPECT_EQ(std::ranges::count(system, 1.0F), 1000);
+}
+
+TEST_F(Timeline, onsetIsNotDelayedByWhatWasEmittedAfterAStall) {
+    timeline.addFeed(tapA, AudioLevelSource::systemAudio, start);
+    place(tapA, start, 3000, 0);
+    emitAll(start + 4000);
+    EXPECT_EQ(place(tapA, start + 2900, 2000, 1), -100);
+    emitAll(start + 5000);
+    EXPECT_EQ(std::ranges::find(system, 1.0F) - system.begin(), 4000);
+    EXPECT_EQ(std::ranges::count(system, 1.0F), 1000);
+}
+
+TEST_F(Timeline, soundAfterTheOnsetIsCounted) {
+    timeline.addFeed(tapA, AudioLevelSource::systemAudio, start);
+    place(tapA, start, 1000, 0);
+    place(tapA, start + 700, 1000, 1);
+    EXPECT_EQ(place(tapA, start + 1700 + 100, 1000, 1), 100);
+    EXPECT_EQ(place(tapA, start + 2700 - 100, 1000, 1), -100);
+    emitAll(start + 3700);
+    EXPECT_EQ(std::ranges::count(system, 1.0F), 3000);
+}
+
 TEST_F(Timeline, leavesOutWhatWasCapturedBeforeTheBeginning) {
     timeline.addFeed(tapA, AudioLevelSource::systemAudio, start - 500);
     place(tapA, start - 60, 100, 1);
@@ -197,6 +251,18 @@ TEST_F(Timeline, waitsForTheSlowestTap) {
     EXPECT_EQ(timeline.horizon(start + 1000), start + 400);
     place(mic, start + 400, 700, 1);
     EXPECT_EQ(timeline.horizon(start + 1100), start + 1000);
+}
+
+TEST_F(Timeline, waitsForWhatFollowsSilence) {
+    timeline.addFeed(tapA, AudioLevelSource::systemAudio, start);
+    place(tapA, start, 1000, 1);
+    place(tapA, start + 1000, 400, 0);
+    EXPECT_EQ(timeline.horizon(start + 1400), start + 1000);
+    place(tapA, start + 1400, 300, 0);
+    EXPECT_EQ(timeline.horizon(start + 1700), start + 1400);
+    place(tapA, start + 1700, 300, 1);
+    EXPECT_EQ(timeline.horizon(start + 2000), start + 2000);
+    EXPECT_EQ(timeline.end(start + 2000), start + 2000);
 }
 
 TEST_F(Timeline, waitsNoLongerThanItsPatience) {
