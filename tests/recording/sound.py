@@ -84,7 +84,7 @@ def wait_for_port(direction, beginning):
     monitor = subprocess.Popen(["timeout", str(SECONDS_TO_APPEAR), "stdbuf", "-oL", "pw-link", "-m", direction],
                                stdout=subprocess.PIPE, text=True)
     try:
-        if not any(line.split()[-1:] and line.split()[-1].startswith(beginning) for line in monitor.stdout):
+        if not any(words[-1].startswith(beginning) for words in words_of(monitor.stdout)):
             raise AssertionError(f"{beginning} did not appear within {SECONDS_TO_APPEAR} s")
     finally:
         monitor.kill()
@@ -118,7 +118,7 @@ def is_linked_before_it_ends(player, output_port, input_port):
     deadline = time.monotonic() + SECONDS_TO_APPEAR
     while time.monotonic() < deadline:
         links = subprocess.run(["pw-link", "-l"], check=True, capture_output=True, text=True).stdout
-        if is_linked(output_port, input_port, (f"= {line}" for line in links.splitlines())):
+        if is_linked(output_port, input_port, links.splitlines()):
             return True
         if player.has_ended():
             return False
@@ -126,15 +126,22 @@ def is_linked_before_it_ends(player, output_port, input_port):
 
 
 def is_linked(output_port, input_port, lines):
-    """Reads until it is so: a port precedes its existing links; a new link is one line."""
+    """Reads pw-link's list until it is so: a port precedes its links; up to version 1.4, a new link is one line."""
     port = ""
-    for words in map(str.split, lines):
-        if words[1:] == ["|->", input_port] and port == output_port or \
-                words == ["+", output_port, "->", input_port]:
+    for words in words_of(lines):
+        if words == ["|->", input_port] and port == output_port or words == [output_port, "->", input_port]:
             return True
-        if words[:1] == ["="] and len(words) == 2:
-            port = words[1]
+        if len(words) == 1:
+            port = words[0]
     return False
+
+
+def words_of(lines):
+    """The words of pw-link's lines on ports and links, without the mark that its monitor sets before each."""
+    for line in lines:
+        words = line.lstrip("=+* ").split()
+        if words and not line.startswith("-"):  # removed
+            yield words
 
 
 def probe(path, *entries):

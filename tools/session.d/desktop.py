@@ -90,6 +90,11 @@ class Desktop:
         shutil.copytree(HERE / "config", configuration)
         if self._long_cycles:
             shutil.copy(HERE / "long-cycles.conf", configuration / "pipewire" / "pipewire.conf.d")
+        # WirePlumber 0.5 uses a virtual microphone as the default if the user once chose it. Choosing it only after the
+        # start may go unheard, or take the default away for a moment.
+        state = Path(self._environment["XDG_STATE_HOME"]) / "wireplumber"
+        state.mkdir()
+        (state / "default-nodes").write_text(f"[default-nodes]\ndefault.configured.audio.source={MICROPHONE}\n")
 
     def _start_daemon(self, *command, listen=None):
         if shutil.which(command[0]) is None:
@@ -143,26 +148,13 @@ class Desktop:
             stdout=subprocess.PIPE, stderr=self._log, bufsize=0,
         ) as monitor:
             try:
-                told = False
                 while missing:
                     line = self._read_line(monitor.stdout.fileno(), " and ".join(missing))
                     for key, name in METADATA_UPDATE.findall(line):
                         if missing.get(key) == name:
                             del missing[key]
-                    if list(missing) == ["default.audio.source"] and not told:
-                        self._configure_default_source(environment)
-                        told = True
             finally:
                 monitor.kill()
-
-    def _configure_default_source(self, environment):
-        # WirePlumber 0.5 uses a virtual microphone as the default only if configured to.
-        subprocess.run(
-            ["pw-metadata", "0", "default.configured.audio.source", f'{{ "name": "{MICROPHONE}" }}',
-             "Spa:String:JSON"],
-            env=environment, stdin=subprocess.DEVNULL, stdout=self._log, stderr=self._log,
-            timeout=SECONDS_TO_START, check=False,
-        )
 
     def _read_line(self, descriptor, what):
         """Reads a line from a daemon; an error if the deadline passes, a daemon dies or the session is told to end."""
