@@ -4,6 +4,8 @@
 
 #include <QtWidgets/QHBoxLayout>
 
+#include "ui/rows/wheel_passer.h"
+
 namespace vantoro {
 
 namespace {
@@ -20,6 +22,7 @@ InputRow::InputRow(QWidget* parent)
     row->addWidget(title_);
     row->addWidget(picker_, 1);
     title_->setBuddy(picker_);
+    new WheelPasser(*picker_);
     picker_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     connect(picker_, &QComboBox::activated, this, [this](int index) {
         Q_EMIT picked(picker_->itemData(index).toByteArray().toStdString());

@@ -8,6 +8,7 @@
 #include <QtWidgets/QGraphicsOpacityEffect>
 #include <QtWidgets/QHBoxLayout>
 
+#include "ui/rows/wheel_passer.h"
 #include "ui/style/decorations.h"
 #include "ui/style/fonts.h"
 #include "ui/style/labels.h"
@@ -40,6 +41,7 @@ VolumeRow::VolumeRow(Symbol symbol, QWidget* parent)
     slider_->setRange(0, static_cast<int>(loudest * stepsPerUnit));
     slider_->setSingleStep(stepsPerUnit / 100);
     slider_->setPageStep(stepsPerUnit / 10);
+    new WheelPasser(*slider_);
     percentage_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     percentage_->setText(percentageText(loudest));
     percentage_->setFixedWidth(std::max(percentageWidth, percentage_->sizeHint().width()));
