@@ -7,7 +7,6 @@
 #include <QtGui/QPainter>
 
 #include "ui/style/symbols.h"
-#include "ui/style/tones.h"
 
 namespace vantoro {
 
@@ -48,17 +47,16 @@ QSize RecordButton::sizeHint() const {
             std::max(leastHeight, fontMetrics().height() + 2 * (ringMargin + 8))};
 }
 
-RecordButton::Colours RecordButton::colours() const {
+ButtonColours RecordButton::colours() const {
     if (!isEnabled()) {
-        return {idleGround(palette()), idleInk(palette())};
+        return disabledButtonColours(palette());
     }
-    const Colours usual = stops_ ? Colours{QColor(0xd3222f), Qt::white}
-                                 : Colours{palette().color(QPalette::Highlight),
-                                           palette().color(QPalette::HighlightedText)};
-    if (isDown()) {
-        return {usual.ground.darker(118), usual.ink};
-    }
-    return {underMouse() ? usual.ground.lighter(108) : usual.ground, usual.ink};
+    auto colours = buttonColours(stops_ ? Tone::recording : Tone::accent, palette());
+    // Away from the ink, so that it stays readable.
+    const int percent = isDown() ? 120 : underMouse() ? 108 : 100;
+    colours.ground =
+        isDark(palette()) ? colours.ground.lighter(percent) : colours.ground.darker(percent);
+    return colours;
 }
 
 void RecordButton::paintEvent(QPaintEvent* /*event*/) {

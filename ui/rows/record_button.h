@@ -4,6 +4,8 @@
 
 #include <QtWidgets/QPushButton>
 
+#include "ui/style/tones.h"
+
 namespace vantoro {
 
 /// The main button: starts a recording or, in red, stops it.
@@ -24,12 +26,7 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    struct Colours {
-        QColor ground;
-        QColor ink;
-    };
-
-    Colours colours() const;
+    ButtonColours colours() const;
 
     bool stops_ = false;
 };

@@ -48,17 +48,15 @@ void ToggleSwitch::paintEvent(QPaintEvent* /*event*/) {
     painter.setOpacity(isEnabled() ? 1 : disabledOpacity);
     const QRectF track(focusMargin, focusMargin, trackWidth, trackHeight);
     const auto accent = toneColour(Tone::accent, palette());
-    auto off = toneColour(Tone::secondary, palette());
-    off.setAlphaF(0.45F);
+    const auto ground = isChecked() ? accent : offColour(palette());
     painter.setPen(Qt::NoPen);
-    painter.setBrush(isChecked() ? accent : off);
+    painter.setBrush(ground);
     painter.drawRoundedRect(track, trackHeight / 2.0, trackHeight / 2.0);
 
     const double knob = trackHeight - 2 * knobMargin;
     const bool atRight = isChecked() == (layoutDirection() == Qt::LeftToRight);
     const double left = atRight ? track.right() - knobMargin - knob : track.left() + knobMargin;
-    painter.setBrush(isChecked() && contrast(accent, Qt::white) < 2 ? QColor(Qt::black)
-                                                                    : QColor(Qt::white));
+    painter.setBrush(symbolOn(ground));
     painter.drawEllipse(QRectF(left, track.top() + knobMargin, knob, knob));
     if (hasFocus()) {
         painter.setBrush(Qt::NoBrush);

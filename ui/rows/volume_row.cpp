@@ -9,9 +9,7 @@
 #include <QtWidgets/QHBoxLayout>
 
 #include "ui/rows/wheel_passer.h"
-#include "ui/style/decorations.h"
 #include "ui/style/fonts.h"
-#include "ui/style/labels.h"
 #include "ui/style/percentage.h"
 
 namespace vantoro {
@@ -29,12 +27,13 @@ constexpr double dimmed = 0.45;
 
 VolumeRow::VolumeRow(Symbol symbol, QWidget* parent)
     : QWidget(parent),
-      title_(new QLabel(this)),
+      symbol_(new SymbolLabel(symbol, Tone::secondary, symbolSize, symbolPlace, this)),
+      title_(new TonedLabel(Tone::primary, font(), this)),
       slider_(new QSlider(Qt::Horizontal, this)),
       percentage_(new TonedLabel(Tone::secondary, digitsFont(captionFont(font())), this)) {
     auto* const row = new QHBoxLayout(this);
     row->setContentsMargins(0, 0, 0, 0);
-    row->addWidget(new SymbolLabel(symbol, Tone::secondary, symbolSize, symbolPlace, this));
+    row->addWidget(symbol_);
     row->addWidget(title_);
     row->addWidget(slider_, 1);
     row->addWidget(percentage_);
@@ -70,6 +69,9 @@ void VolumeRow::setVolume(double volume) {
 
 void VolumeRow::setUsable(bool usable) {
     setEnabled(usable);
+    symbol_->setTone(usable ? Tone::secondary : Tone::strongest);
+    title_->setTone(usable ? Tone::primary : Tone::strongest);
+    percentage_->setTone(usable ? Tone::secondary : Tone::strongest);
     auto* const effect = usable ? nullptr : new QGraphicsOpacityEffect(this);
     if (effect != nullptr) {
         effect->setOpacity(dimmed);

@@ -2,11 +2,11 @@
 
 #pragma once
 
-#include <QtWidgets/QLabel>
 #include <QtWidgets/QSlider>
 #include <QtWidgets/QWidget>
 
-#include "ui/style/symbols.h"
+#include "ui/style/decorations.h"
+#include "ui/style/labels.h"
 
 namespace vantoro {
 
@@ -33,9 +33,10 @@ Q_SIGNALS:
     void volumeMoved(double volume); ///< by the user
 
 private:
-    QLabel* title_;
+    SymbolLabel* symbol_;
+    TonedLabel* title_;
     QSlider* slider_;
-    QLabel* percentage_;
+    TonedLabel* percentage_;
 };
 
 } // namespace vantoro

@@ -42,6 +42,8 @@ public:
 
     void setSymbol(Symbol symbol, Tone tone);
 
+    void setTone(Tone tone) { setSymbol(symbol_, tone); }
+
 protected:
     void paintEvent(QPaintEvent* event) override;
 

@@ -13,8 +13,10 @@ QColor mixed(const QColor& one, const QColor& other, float shareOfOne) {
     const auto mix = [shareOfOne](float a, float b) {
         return shareOfOne * a + (1 - shareOfOne) * b;
     };
+    // As displays have it, in whole steps.
     return QColor::fromRgbF(mix(one.redF(), other.redF()), mix(one.greenF(), other.greenF()),
-                            mix(one.blueF(), other.blueF()));
+                            mix(one.blueF(), other.blueF()))
+        .rgb();
 }
 
 double luminance(const QColor& colour) {
@@ -25,18 +27,43 @@ double luminance(const QColor& colour) {
            0.0722 * linear(colour.blueF());
 }
 
-/// Moves the colour towards the text colour until it stands out from the background.
-QColor asSymbol(QColor colour, const QPalette& palette) {
-    constexpr double least = 3;
-    constexpr int steps = 10;
-    const auto isSeen = [&] {
-        return std::min(contrast(colour, palette.color(QPalette::Window)),
-                        contrast(colour, cardColour(palette))) >= least;
-    };
-    for (int step = 0; step < steps && !isSeen(); ++step) {
-        colour = mixed(palette.color(QPalette::WindowText), colour, 0.2F);
+constexpr double ofText = 4.5; // the least contrast
+constexpr double ofSymbols = 3;
+
+/// Moves the colour towards another until it meets the condition.
+template <class IsEnough>
+QColor movedTowards(const QColor& other, QColor colour, IsEnough isEnough) {
+    constexpr int steps = 32;
+    for (int step = 0; step < steps && !isEnough(colour); ++step) {
+        colour = mixed(other, colour, 0.1F);
     }
     return colour;
+}
+
+/// The colour, moved towards the text's until it stands out from the window and the boxes.
+QColor standingOut(const QColor& colour, double least, const QPalette& palette) {
+    return movedTowards(palette.color(QPalette::WindowText), colour, [&](const QColor& moved) {
+        return contrast(moved, palette.color(QPalette::Window)) >= least &&
+               contrast(moved, cardColour(palette)) >= least &&
+               contrast(moved, tintOf(moved, palette)) >= least;
+    });
+}
+
+/// Also stands out from the panel of what was saved.
+QColor secondaryText(const QPalette& palette, float share) {
+    const auto text = palette.color(QPalette::WindowText);
+    const auto saved = tintOf(toneColour(Tone::saved, palette), palette);
+    return movedTowards(
+        text, standingOut(mixed(text, palette.color(QPalette::Window), share), ofText, palette),
+        [&](const QColor& moved) { return contrast(moved, saved) >= ofText; });
+}
+
+/// The text of what looks like a button but is disabled.
+QColor paleOnButton(const QPalette& palette) {
+    constexpr int gloss = 150; // percent by which styles brighten buttons, at most
+    const auto button = palette.color(QPalette::Button).lighter(gloss);
+    return movedTowards(palette.color(QPalette::ButtonText), toneColour(Tone::secondary, palette),
+                        [&](const QColor& moved) { return contrast(moved, button) >= ofText; });
 }
 
 /// Whether this is a palette for users with impaired vision.
@@ -59,25 +86,29 @@ bool isDark(const QPalette& palette) {
 
 QColor toneColour(Tone tone, const QPalette& palette) {
     const bool dark = isDark(palette);
+    const auto symbol = [&](QRgb inDark, QRgb inLight) {
+        return standingOut(QColor(dark ? inDark : inLight), ofSymbols, palette);
+    };
     switch (tone) {
     case Tone::recording:
-        return dark ? QColor(0xff6b5f) : QColor(0xd3222f);
+        return symbol(0xff6b5f, 0xd3222f);
     case Tone::saved:
     case Tone::microphone:
-        return dark ? QColor(0x4fd483) : QColor(0x1f8f55);
+        return symbol(0x4fd483, 0x1a7f4a);
     case Tone::attention:
-        return dark ? QColor(0xffa64d) : QColor(0xc25a00);
+        return standingOut(QColor(dark ? 0xffa64d : 0xc25a00), ofText, palette);
     case Tone::systemAudio:
-        return dark ? QColor(0x6aa8ff) : QColor(0x1f6fe0);
+        return symbol(0x6aa8ff, 0x1f6fe0);
     case Tone::secondary:
-        return mixed(palette.color(QPalette::WindowText), palette.color(QPalette::Window),
-                     hasHighContrast(palette) ? 0.85F : 0.65F);
+        return secondaryText(palette, hasHighContrast(palette) ? 0.85F : 0.65F);
     case Tone::primary:
         return palette.color(QPalette::WindowText);
+    case Tone::strongest:
+        return dark ? Qt::white : Qt::black;
     case Tone::accent:
         break;
     }
-    return asSymbol(palette.color(QPalette::Highlight), palette);
+    return standingOut(palette.color(QPalette::Highlight), ofSymbols, palette);
 }
 
 QColor cardColour(const QPalette& palette) {
@@ -85,14 +116,49 @@ QColor cardColour(const QPalette& palette) {
                            : mixed(QColor(Qt::white), palette.color(QPalette::Window), 0.75F);
 }
 
-QColor idleGround(const QPalette& palette) {
-    return mixed(palette.color(QPalette::Active, QPalette::WindowText),
-                 palette.color(QPalette::Active, QPalette::Window), 0.12F);
+QColor tintOf(const QColor& colour, const QPalette& palette) {
+    return mixed(colour, palette.color(QPalette::Window), 0.15F);
 }
 
-QColor idleInk(const QPalette& palette) {
-    return mixed(palette.color(QPalette::Active, QPalette::WindowText),
-                 palette.color(QPalette::Active, QPalette::Window), 0.55F);
+ButtonColours buttonColours(Tone tone, const QPalette& palette) {
+    const QColor ink = isDark(palette) ? Qt::black : Qt::white;
+    const QColor other = isDark(palette) ? Qt::white : Qt::black;
+    return {movedTowards(other, toneColour(tone, palette),
+                         [&](const QColor& ground) { return contrast(ground, ink) >= ofText; }),
+            ink};
+}
+
+ButtonColours disabledButtonColours(const QPalette& palette) {
+    const auto text = palette.color(QPalette::Active, QPalette::WindowText);
+    const auto window = palette.color(QPalette::Active, QPalette::Window);
+    const auto ground = mixed(text, window, 0.12F);
+    return {ground, movedTowards(text, mixed(text, window, 0.55F), [&](const QColor& ink) {
+                return contrast(ink, ground) >= ofText;
+            })};
+}
+
+QColor offColour(const QPalette& palette) {
+    const auto card = cardColour(palette);
+    const auto text = palette.color(QPalette::WindowText);
+    return movedTowards(text, mixed(text, card, 0.35F),
+                        [&](const QColor& colour) { return contrast(colour, card) >= ofSymbols; });
+}
+
+QColor symbolOn(const QColor& ground) {
+    return contrast(ground, Qt::white) >= ofSymbols ? Qt::white : Qt::black;
+}
+
+QPalette readablePalette(QPalette palette) {
+    palette.setCurrentColorGroup(QPalette::Active);
+    const auto set = [&palette](QPalette::ColorRole role, const QColor& disabled) {
+        palette.setColor(QPalette::Inactive, role, palette.color(role));
+        palette.setColor(QPalette::Disabled, role, disabled);
+    };
+    const auto onButton = paleOnButton(palette);
+    set(QPalette::WindowText, toneColour(Tone::secondary, palette));
+    set(QPalette::ButtonText, onButton);
+    set(QPalette::Text, onButton); // some styles draw a picker's text so
+    return palette;
 }
 
 QColor lineColour(const QPalette& palette) {

@@ -19,17 +19,35 @@ enum class Tone : std::uint8_t {
     microphone,
     secondary, ///< less important text
     primary,   ///< all other text
+    strongest, ///< what is drawn pale, and must be readable still
 };
 
-/// Readable on the window background.
+/// Stands out from all the backgrounds below: texts and `attention` by 4.5, other tones by 3.
 QColor toneColour(Tone tone, const QPalette& palette);
 
 /// The background of a box on the window.
 QColor cardColour(const QPalette& palette);
 
-/// The background and text of a disabled button.
-QColor idleGround(const QPalette& palette);
-QColor idleInk(const QPalette& palette);
+/// The background of what is tinted in a colour.
+QColor tintOf(const QColor& colour, const QPalette& palette);
+
+struct ButtonColours {
+    QColor ground;
+    QColor ink; ///< readable on the ground
+};
+
+ButtonColours buttonColours(Tone tone, const QPalette& palette);
+ButtonColours disabledButtonColours(const QPalette& palette);
+
+/// A switch that is off; stands out from a box by 3.
+QColor offColour(const QPalette& palette);
+
+/// Black or white, for a symbol on this ground.
+QColor symbolOn(const QColor& ground);
+
+/// Makes disabled texts readable, and those of a window that is not active as clear as in the
+/// active one: users read them while they work in another window.
+QPalette readablePalette(QPalette palette);
 
 /// The line between two rows, or around a box.
 QColor lineColour(const QPalette& palette);

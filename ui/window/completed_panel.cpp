@@ -17,7 +17,6 @@ namespace {
 constexpr int symbolSize = 28;
 constexpr int margin = 12;
 constexpr double radius = 10;
-constexpr float tint = 0.14F;
 
 } // namespace
 
@@ -56,10 +55,8 @@ void CompletedPanel::setRecording(const std::filesystem::path& recording) {
 void CompletedPanel::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    auto ground = toneColour(Tone::saved, palette());
-    ground.setAlphaF(tint);
     painter.setPen(Qt::NoPen);
-    painter.setBrush(ground);
+    painter.setBrush(tintOf(toneColour(Tone::saved, palette()), palette()));
     painter.drawRoundedRect(rect(), radius, radius);
 }
 

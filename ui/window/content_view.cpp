@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+#include <QtCore/QEvent>
+#include <QtWidgets/QApplication>
 #include <QtWidgets/QHBoxLayout>
 #include <QtWidgets/QScrollArea>
 #include <QtWidgets/QVBoxLayout>
@@ -43,6 +45,7 @@ ContentView::ContentView(RecordingViewModel& model, const Preferences& preferenc
       scroll_(new QScrollArea(this)),
       record_(new RecordButton) {
     describeParts();
+    setPalette(readablePalette(QApplication::palette()));
     auto* const all = new QVBoxLayout(this);
     all->setContentsMargins(0, 0, 0, 0);
     all->setSpacing(0);
@@ -54,6 +57,13 @@ ContentView::ContentView(RecordingViewModel& model, const Preferences& preferenc
     connectUser();
     connect(&model_, &RecordingProperties::propertyChanged, this, &ContentView::showProperty);
     showAll();
+}
+
+void ContentView::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::ApplicationPaletteChange) {
+        setPalette(readablePalette(QApplication::palette()));
+    }
 }
 
 QWidget* ContentView::makeHeader() {

@@ -32,6 +32,9 @@ public:
     /// Shows everything, in the current language.
     void showAll();
 
+protected:
+    void changeEvent(QEvent* event) override;
+
 private:
     using Property = RecordingProperties::Property;
 

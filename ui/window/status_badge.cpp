@@ -11,7 +11,6 @@ namespace {
 
 constexpr int diameter = 42;
 constexpr int symbolSize = 22; // of which the drawing fills 17
-constexpr float tint = 0.16F;
 constexpr int turnMilliseconds = 1000;
 
 } // namespace
@@ -48,10 +47,8 @@ void StatusBadge::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     const auto colour = toneColour(tone_, palette());
-    auto ground = colour;
-    ground.setAlphaF(tint);
     painter.setPen(Qt::NoPen);
-    painter.setBrush(ground);
+    painter.setBrush(tintOf(colour, palette()));
     painter.drawEllipse(rect());
     const QRect middle((diameter - symbolSize) / 2, (diameter - symbolSize) / 2, symbolSize,
                        symbolSize);

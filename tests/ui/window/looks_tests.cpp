@@ -263,18 +263,5 @@ TEST_F(LooksTest, elidesTheMiddleOfALongPath) {
     expectNothingClipped(*window, "long path");
 }
 
-TEST(TonesTest, areReadableInEveryLight) {
-    for (const auto& [name, palette] : lights()) {
-        for (const auto& ground : {palette.color(QPalette::Window), cardColour(palette)}) {
-            EXPECT_GE(contrast(toneColour(Tone::secondary, palette), ground), 4.5) << name;
-            for (const auto tone : {Tone::accent, Tone::recording, Tone::saved, Tone::attention,
-                                    Tone::systemAudio, Tone::microphone}) {
-                EXPECT_GE(contrast(toneColour(tone, palette), ground), 3)
-                    << name << " " << static_cast<int>(tone);
-            }
-        }
-    }
-}
-
 } // namespace
 } // namespace vantoro::testing
