@@ -244,7 +244,8 @@ void RecordingViewModel::surveyed(const Survey& survey) {
 void RecordingViewModel::chooseOutputDirectory() {
     platform_.folderDialog.choose({.title = texts_.text(L10n::Key::chooseRecordingFolder),
                                    .prompt = texts_.text(L10n::Key::choose),
-                                   .directory = values().outputDirectory},
+                                   .directory = values().outputDirectory,
+                                   .language = texts_.language()},
                                   [model = QPointer(this)](const auto& folder) {
                                       if (model && folder) {
                                           model->moveTo(*folder);

@@ -7,12 +7,15 @@
 #include <optional>
 #include <string>
 
+#include "l10n/app_language.h"
+
 namespace vantoro {
 
 struct FolderQuestion {
     std::string title;
     std::string prompt;              ///< the label of the confirm button
-    std::filesystem::path directory; ///< where the dialog opens
+    std::filesystem::path directory; ///< where the dialog opens; may be missing
+    AppLanguage language;            ///< of everything else that the dialog says
 };
 
 /// Lets the user pick or create a folder. Main thread.

@@ -33,6 +33,11 @@ TEST_F(ViewModelTest, asksForAFolderInTheUsersLanguageStartingAtTheCurrentOne) {
     EXPECT_EQ(folderDialog.questions[0].title, "Choose Recording Folder");
     EXPECT_EQ(folderDialog.questions[0].prompt, "Choose");
     EXPECT_EQ(folderDialog.questions[0].directory, "/recordings");
+    EXPECT_EQ(folderDialog.questions[0].language, AppLanguage::english);
+    preferences.values[Preference::appLanguage] = "zh-Hans";
+    model->chooseOutputDirectory();
+    EXPECT_EQ(folderDialog.questions[1].title, "选择录音文件夹");
+    EXPECT_EQ(folderDialog.questions[1].language, AppLanguage::chinese);
 }
 
 TEST_F(ViewModelTest, storesTheChosenFolderAndSalvagesIt) {
