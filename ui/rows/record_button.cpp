@@ -41,6 +41,17 @@ void RecordButton::setStops(bool stops) {
     update();
 }
 
+void RecordButton::setUsable(bool usable) {
+    const bool hasIt = window()->focusWidget() == this;
+    setEnabled(usable);
+    auto* const focused = window()->focusWidget();
+    if (hasIt && focused != nullptr && focused != this) {
+        focused->clearFocus(); // the toolkit moves it on to the next control
+    } else if (focused == nullptr) {
+        setFocus();
+    }
+}
+
 QSize RecordButton::sizeHint() const {
     const int label = fontMetrics().horizontalAdvance(text()) + symbolSize + gap;
     return {std::max(leastWidth, label + 2 * (margin + ringMargin)),

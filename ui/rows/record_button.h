@@ -19,6 +19,9 @@ public:
     explicit RecordButton(QWidget* parent = nullptr);
 
     void setStops(bool stops);
+    /// Enables or disables the button. Keeps the keyboard's focus for itself meanwhile, and takes
+    /// it while nothing has it.
+    void setUsable(bool usable);
 
     QSize sizeHint() const override;
 

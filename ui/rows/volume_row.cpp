@@ -8,7 +8,6 @@
 #include <QtWidgets/QGraphicsOpacityEffect>
 #include <QtWidgets/QHBoxLayout>
 
-#include "ui/rows/wheel_passer.h"
 #include "ui/style/fonts.h"
 #include "ui/style/percentage.h"
 
@@ -23,13 +22,17 @@ constexpr int percentageWidth = 38;
 constexpr double loudest = 1.25;
 constexpr double dimmed = 0.45;
 
+int stepsOf(double volume) {
+    return static_cast<int>(std::lround(volume * VolumeRow::stepsPerUnit));
+}
+
 } // namespace
 
-VolumeRow::VolumeRow(Symbol symbol, QWidget* parent)
+VolumeRow::VolumeRow(Symbol symbol, double usual, QWidget* parent)
     : QWidget(parent),
       symbol_(new SymbolLabel(symbol, Tone::secondary, symbolSize, symbolPlace, this)),
       title_(new TonedLabel(Tone::primary, font(), this)),
-      slider_(new QSlider(Qt::Horizontal, this)),
+      slider_(new VolumeSlider(stepsOf(usual), stepsOf(1), this)),
       percentage_(new TonedLabel(Tone::secondary, digitsFont(captionFont(font())), this)) {
     auto* const row = new QHBoxLayout(this);
     row->setContentsMargins(0, 0, 0, 0);
@@ -37,10 +40,9 @@ VolumeRow::VolumeRow(Symbol symbol, QWidget* parent)
     row->addWidget(title_);
     row->addWidget(slider_, 1);
     row->addWidget(percentage_);
-    slider_->setRange(0, static_cast<int>(loudest * stepsPerUnit));
+    slider_->setRange(0, stepsOf(loudest));
     slider_->setSingleStep(stepsPerUnit / 100);
     slider_->setPageStep(stepsPerUnit / 10);
-    new WheelPasser(*slider_);
     percentage_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     percentage_->setText(percentageText(loudest));
     percentage_->setFixedWidth(std::max(percentageWidth, percentage_->sizeHint().width()));
@@ -63,7 +65,7 @@ void VolumeRow::setTitleWidth(int width) {
 
 void VolumeRow::setVolume(double volume) {
     const QSignalBlocker notByTheUser(slider_);
-    slider_->setValue(static_cast<int>(std::lround(volume * stepsPerUnit)));
+    slider_->setValue(stepsOf(volume));
     percentage_->setText(percentageText(volume));
 }
 

@@ -2,9 +2,9 @@
 
 #pragma once
 
-#include <QtWidgets/QSlider>
 #include <QtWidgets/QWidget>
 
+#include "ui/rows/volume_slider.h"
 #include "ui/style/decorations.h"
 #include "ui/style/labels.h"
 
@@ -18,7 +18,8 @@ public:
     /// Sliders have integer values; steps this small are invisible.
     static constexpr int stepsPerUnit = 1000;
 
-    explicit VolumeRow(Symbol symbol, QWidget* parent = nullptr);
+    /// `usual`: the volume that a double click sets.
+    VolumeRow(Symbol symbol, double usual, QWidget* parent = nullptr);
 
     void setTitle(const QString& title);
     /// The width of the title column; wider than usual only for enlarged text.
@@ -35,7 +36,7 @@ Q_SIGNALS:
 private:
     SymbolLabel* symbol_;
     TonedLabel* title_;
-    QSlider* slider_;
+    VolumeSlider* slider_;
     TonedLabel* percentage_;
 };
 

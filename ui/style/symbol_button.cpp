@@ -20,8 +20,8 @@ SymbolButton::SymbolButton(Symbol symbol, QWidget* parent) : QToolButton(parent)
     drawSymbol();
 }
 
-void SymbolButton::setHelp(const QString& help) {
-    setToolTip(help);
+void SymbolButton::setHelp(const QString& help, std::optional<QKeyCombination> keys) {
+    setToolTip(keys ? withShortcut(help, *keys) : help);
     setAccessibleName(help);
 }
 

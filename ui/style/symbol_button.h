@@ -2,20 +2,24 @@
 
 #pragma once
 
+#include <optional>
+
 #include <QtWidgets/QToolButton>
 
+#include "ui/style/keys.h"
 #include "ui/style/symbols.h"
 
 namespace vantoro {
 
-/// A small button with a symbol; its tool tip is also its accessible name.
+/// A small button with a symbol.
 class SymbolButton final : public QToolButton {
     Q_OBJECT
 
 public:
     explicit SymbolButton(Symbol symbol, QWidget* parent = nullptr);
 
-    void setHelp(const QString& help);
+    /// The tool tip, which also names the keys, if any, and the accessible name.
+    void setHelp(const QString& help, std::optional<QKeyCombination> keys = std::nullopt);
 
 protected:
     void changeEvent(QEvent* event) override;

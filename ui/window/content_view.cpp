@@ -13,6 +13,7 @@
 #include "control/transitions.h"
 #include "ui/style/decorations.h"
 #include "ui/style/fonts.h"
+#include "ui/style/keys.h"
 #include "ui/window/accessible_parts.h"
 
 namespace vantoro {
@@ -22,6 +23,7 @@ namespace {
 constexpr int padding = 20;
 constexpr int panelSpacing = 14;
 constexpr int barMargin = 12;
+const RecordingProperties::Values usual;
 
 } // namespace
 
@@ -38,8 +40,8 @@ ContentView::ContentView(RecordingViewModel& model, const Preferences& preferenc
       screenPermission_(new PermissionRow),
       microphonePermission_(new PermissionRow),
       recording_(new Card),
-      systemVolume_(new VolumeRow(Symbol::speaker)),
-      microphoneVolume_(new VolumeRow(Symbol::microphone)),
+      systemVolume_(new VolumeRow(Symbol::speaker, usual.systemVolume)),
+      microphoneVolume_(new VolumeRow(Symbol::microphone, usual.microphoneVolume)),
       folder_(new FolderRow),
       completed_(new CompletedPanel),
       scroll_(new QScrollArea(this)),
@@ -159,7 +161,7 @@ void ContentView::showAll() {
 
 void ContentView::showTexts() {
     using Key = L10n::Key;
-    refresh_->setHelp(text(Key::refreshAudioDevices));
+    refresh_->setHelp(text(Key::refreshAudioDevices), refreshKeys);
     status_->setTexts(texts_);
     sources_->setTitle(text(Key::audioSources));
     systemAudio_->setTexts(text(Key::systemAudio), text(Key::meetingAndAppSound));
@@ -251,6 +253,7 @@ void ContentView::showState() {
     const bool stops = state.which() == RecordingState::Case::recording;
     record_->setStops(stops);
     record_->setText(text(stops ? L10n::Key::stopRecording : L10n::Key::startRecording));
+    record_->setToolTip(withShortcut(record_->text(), recordKeys));
 }
 
 void ContentView::showSources() {
@@ -262,8 +265,8 @@ void ContentView::showSources() {
     input_->setVisible(values.captureMicrophone);
     input_->setMicrophones(values.microphones, values.selectedMicrophoneID);
     input_->setEnabled(!isBusy(values.state.which()) && !values.microphones.empty());
-    record_->setEnabled(values.state.which() == RecordingState::Case::recording ||
-                        model_.canStart());
+    record_->setUsable(values.state.which() == RecordingState::Case::recording ||
+                       model_.canStart());
 }
 
 void ContentView::showPermissions() {

@@ -8,6 +8,8 @@
 #include <QtGui/QShortcut>
 #include <QtWidgets/QMenuBar>
 
+#include "ui/style/keys.h"
+
 namespace vantoro {
 
 namespace {
@@ -61,8 +63,8 @@ void MainWindow::bringToFront(const std::string& activationToken) {
 }
 
 void MainWindow::makeMenu() {
-    auto* const menu = menuBar()->addMenu(productName);
-    languageMenu_ = menu->addMenu(QString());
+    menu_ = menuBar()->addMenu(withAccessKey(productName, 'V'));
+    languageMenu_ = menu_->addMenu(QString());
     auto* const choice = new QActionGroup(this);
     for (const auto one : allLanguages) {
         auto* const action = languageMenu_->addAction(qString(displayName(one)));
@@ -73,25 +75,36 @@ void MainWindow::makeMenu() {
         connect(&language_, &LanguageSettings::languageChanged, action,
                 [this, action, one] { action->setChecked(language_.language() == one); });
     }
-    menu->addSeparator();
-    checkForUpdates_ = menu->addAction(QString());
+    menu_->addSeparator();
+    checkForUpdates_ = menu_->addAction(QString());
     connect(checkForUpdates_, &QAction::triggered, &updates_, &UpdateChecker::checkForUpdates);
-    version_ = menu->addAction(QString());
+    version_ = menu_->addAction(QString());
     version_->setEnabled(false);
-    menu->addSeparator();
-    quit_ = menu->addAction(QString());
-    quit_->setShortcut(Qt::CTRL | Qt::Key_Q);
+    menu_->addSeparator();
+    close_ = menu_->addAction(QString());
+    close_->setShortcut(closeKeys);
+    connect(close_, &QAction::triggered, this, &MainWindow::close);
+    quit_ = menu_->addAction(QString());
+    quit_->setShortcut(quitKeys);
     connect(quit_, &QAction::triggered, this, &MainWindow::quitRequested);
     addAction(quit_); // alerts offer the same actions
 }
 
 void MainWindow::makeShortcuts() {
-    // Explicit keys: a desktop's standard keys may be equal for two of these, or undefined.
     const auto on = [this](const QKeySequence& keys, auto work) {
         connect(new QShortcut(keys, this), &QShortcut::activated, this, work);
     };
-    on(Qt::CTRL | Qt::Key_R, [this] { model_.toggleRecording(); });
-    on(Qt::Key_F5, [this] { model_.refreshDevicesAndPermissions(); });
+    on(recordKeys, [this] { model_.toggleRecording(); });
+    on(refreshKeys, [this] { model_.refreshDevicesAndPermissions(); });
+    on(menuKeys, [this] { openMenu(); });
+}
+
+void MainWindow::openMenu() {
+    if (menuBar()->isVisible()) {
+        menuBar()->setActiveAction(menu_->menuAction());
+    } else { // the desktop shows it elsewhere
+        menu_->popup(mapToGlobal(QPoint(0, 0)));
+    }
 }
 
 void MainWindow::changeEvent(QEvent* event) {
@@ -121,10 +134,11 @@ QString MainWindow::text(L10n::Key key) const {
 }
 
 void MainWindow::showTexts() {
-    languageMenu_->setTitle(text(L10n::Key::language));
-    checkForUpdates_->setText(text(L10n::Key::checkForUpdates));
+    languageMenu_->setTitle(withAccessKey(text(L10n::Key::language), 'L'));
+    checkForUpdates_->setText(withAccessKey(text(L10n::Key::checkForUpdates), 'U'));
     version_->setText(QString::fromStdString(texts_.runningVersion(updates_.currentVersion())));
-    quit_->setText(QString::fromStdString(texts_.quit()));
+    close_->setText(withAccessKey(text(L10n::Key::close), 'C'));
+    quit_->setText(withAccessKey(QString::fromStdString(texts_.quit()), 'Q'));
     content_->showAll();
     showUpdateState();
     showMessage();

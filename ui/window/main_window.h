@@ -40,6 +40,7 @@ protected:
 private:
     void makeMenu();
     void makeShortcuts();
+    void openMenu();
     void showTexts();
     void showUpdateState();
     void showMessage();
@@ -50,9 +51,11 @@ private:
     UpdateChecker& updates_;
     L10n texts_;
     ContentView* content_;
+    QMenu* menu_ = nullptr;
     QMenu* languageMenu_ = nullptr;
     QAction* checkForUpdates_ = nullptr;
     QAction* version_ = nullptr;
+    QAction* close_ = nullptr;
     QAction* quit_ = nullptr;
     MessageAlert messageAlert_;
     MessageAlert updateAlert_;

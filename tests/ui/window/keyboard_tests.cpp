@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
+#include <QtTest/QSignalSpy>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QComboBox>
+#include <QtWidgets/QMenuBar>
 #include <QtWidgets/QScrollArea>
 #include <QtWidgets/QSlider>
 
 #include "tests/ui/window/main_window_fixture.h"
+#include "ui/style/keys.h"
 
 namespace vantoro::testing {
 namespace {
@@ -62,6 +65,83 @@ protected:
 
     void press(const std::string& name, Qt::Key key) const { QTest::keyClick(reach(name), key); }
 };
+
+TEST_F(KeyboardTest, beginsAtTheRecordButton) {
+    show();
+    EXPECT_EQ(nameOf(*window->focusWidget()), "Start Recording");
+}
+
+TEST_F(KeyboardTest, staysAtTheRecordButtonWhileItIsDisabled) {
+    show();
+    QTest::keyClick(window->focusWidget(), Qt::Key_Space);
+    ASSERT_EQ(state(), Case::preparing);
+    EXPECT_EQ(window->focusWidget(), nullptr);
+    scheduler.settle();
+    ASSERT_EQ(state(), Case::recording);
+    ASSERT_NE(window->focusWidget(), nullptr);
+    EXPECT_EQ(nameOf(*window->focusWidget()), "Stop Recording");
+}
+
+TEST_F(KeyboardTest, goesWhereTheUserMovesItWhileTheRecordButtonIsDisabled) {
+    show();
+    QTest::keyClick(window->focusWidget(), Qt::Key_Space);
+    QTest::keyClick(window.get(), Qt::Key_Tab);
+    ASSERT_NE(window->focusWidget(), nullptr);
+    const auto chosen = nameOf(*window->focusWidget());
+    EXPECT_NE(chosen, "Start Recording");
+    scheduler.settle();
+    EXPECT_EQ(nameOf(*window->focusWidget()), chosen);
+}
+
+TEST_F(KeyboardTest, closesTheWindowByControlW) {
+    show();
+    QSignalSpy closing(window.get(), &MainWindow::closeRequested);
+    QTest::keyClick(window.get(), Qt::Key_W, Qt::ControlModifier);
+    EXPECT_EQ(closing.count(), 1);
+}
+
+TEST_F(KeyboardTest, opensTheMenuAndPicksFromItInBothLanguages) {
+    for (const std::string spoken : {"en", "zh-Hans"}) {
+        preferences = preferencesIn(spoken);
+        show();
+        auto* const menu = window->menuBar()->actions().at(0)->menu();
+        const auto picks = [&](Qt::Key key, auto signal) {
+            QTest::keyClick(window.get(), Qt::Key_F10);
+            ASSERT_TRUE(QTest::qWaitFor([&] { return menu->isVisible(); }));
+            QSignalSpy picked(window.get(), signal);
+            QTest::keyClick(menu, key);
+            EXPECT_EQ(picked.count(), 1) << spoken;
+            EXPECT_FALSE(menu->isVisible());
+        };
+        picks(Qt::Key_C, &MainWindow::closeRequested);
+        picks(Qt::Key_Q, &MainWindow::quitRequested);
+        TearDown();
+    }
+}
+
+TEST_F(KeyboardTest, namesItsShortcutsInToolTipsAndInTheMenu) {
+    show();
+    EXPECT_EQ(named<SymbolButton>(*window, "Refresh audio devices and permissions")->toolTip(),
+              "Refresh audio devices and permissions (F5)");
+    const auto* const button = visible<RecordButton>(*window).at(0);
+    EXPECT_EQ(button->toolTip(), "Start Recording (Ctrl+R)");
+    model->startRecording();
+    scheduler.settle();
+    EXPECT_EQ(button->toolTip(), "Stop Recording (Ctrl+R)");
+    std::vector<std::string> shown;
+    for (const auto* const action : window->menuBar()->actions().at(0)->menu()->actions()) {
+        if (!action->shortcut().isEmpty()) {
+            shown.push_back(action->shortcut().toString().toStdString());
+        }
+    }
+    EXPECT_EQ(shown, (Names{"Ctrl+W", "Ctrl+Q"}));
+}
+
+TEST(AccessKeyTest, isALetterOfTheTextOrFollowsIt) {
+    EXPECT_EQ(withAccessKey("Quit", 'Q'), "&Quit");
+    EXPECT_EQ(withAccessKey("Check for Updates", 'U'), "Check for &Updates");
+    EXPECT_EQ(withAccessKey("退出", 'Q'), "退出(&Q)");
+}
 
 TEST_F(KeyboardTest, reachesEverythingFromTopToBottom) {
     devices.mayCapture = false;
