@@ -51,6 +51,7 @@ public:
         bool captureMicrophone = true;
         std::optional<std::string> selectedMicrophoneID;
         std::vector<AudioInputDevice> microphones;
+        bool isSurveyed = false;       ///< whether microphones and permissions are known
         double systemVolume = 0.9;     ///< linear gain
         double microphoneVolume = 1.0; ///< linear gain
         double systemAudioLevel = 0;   ///< 0 to 1
@@ -97,6 +98,9 @@ protected:
         values_.*field = std::move(value);
         Q_EMIT propertyChanged(property);
     }
+
+    /// The properties that follow announce it.
+    void setSurveyed() { values_.isSurveyed = true; }
 
     void setState(RecordingState state);
     void setErrorMessage(std::optional<std::string> message);

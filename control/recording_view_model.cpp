@@ -231,6 +231,7 @@ void RecordingViewModel::refreshDevicesAndPermissions() {
 }
 
 void RecordingViewModel::surveyed(const Survey& survey) {
+    setSurveyed();
     set(Property::hasScreenPermission, &Values::hasScreenPermission, survey.mayCapture);
     set(Property::microphonePermission, &Values::microphonePermission, survey.microphonePermission);
     set(Property::microphones, &Values::microphones, survey.microphones);

@@ -148,6 +148,10 @@ std::string L10n::condition(SourceCondition condition) const {
     return {};
 }
 
+std::string L10n::noMicrophone() const {
+    return say({"No microphone found", "未找到麦克风"});
+}
+
 std::string L10n::quit() const {
     return say({"Quit", "退出"});
 }

@@ -78,6 +78,9 @@ public:
     /// Joins sentences; skips empty ones. A space separates them, except after a full-width stop.
     static std::string sentences(std::initializer_list<std::string> texts);
 
+    /// Stands in the list of microphones if there is none.
+    std::string noMicrophone() const;
+
     /// The label of the quit command.
     std::string quit() const;
 

@@ -12,6 +12,7 @@ namespace vantoro {
 enum class Preference : std::uint8_t {
     outputDirectory, ///< the path of the recording folder
     appLanguage,     ///< the `rawValue` of an `AppLanguage`
+    windowSize,      ///< the user's, as `ui/window/window_size.h` writes it
 };
 
 /// The user's preferences. Never fails: a value that cannot be stored lasts for this run only.

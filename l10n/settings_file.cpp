@@ -2,6 +2,7 @@
 
 #include "l10n/settings_file.h"
 
+#include <array>
 #include <utility>
 
 #include <QtCore/QByteArray>
@@ -17,9 +18,19 @@ namespace vantoro {
 
 namespace {
 
+constexpr std::array allPreferences{Preference::outputDirectory, Preference::appLanguage,
+                                    Preference::windowSize};
+
 QString keyOf(Preference preference) {
-    return preference == Preference::appLanguage ? QStringLiteral("appLanguage")
-                                                 : QStringLiteral("outputDirectory");
+    switch (preference) {
+    case Preference::appLanguage:
+        return QStringLiteral("appLanguage");
+    case Preference::windowSize:
+        return QStringLiteral("windowSize");
+    case Preference::outputDirectory:
+        break;
+    }
+    return QStringLiteral("outputDirectory");
 }
 
 /// Stores valid UTF-8 as text. Paths may be any bytes; others are stored as bytes, unchanged.
@@ -47,7 +58,7 @@ SettingsFile::SettingsFile(const std::filesystem::path& file)
     : file_(QFile::decodeName(file.c_str())) {
     writer_.setMaxThreadCount(1); // keeps writes in order
     const QSettings settings(file_, QSettings::IniFormat);
-    for (const auto preference : {Preference::outputDirectory, Preference::appLanguage}) {
+    for (const auto preference : allPreferences) {
         if (auto value = read(settings, preference)) {
             values_.emplace(preference, *std::move(value));
         }

@@ -9,7 +9,11 @@ using Devices = std::vector<AudioInputDevice>;
 
 TEST_F(ViewModelTest, knowsDevicesAndPermissionsFromTheBeginning) {
     microphone.current = AuthorizationStatus::restricted;
-    launch();
+    model =
+        std::make_unique<RecordingViewModel>(std::make_unique<FakeRecorder>(recorder), platform());
+    EXPECT_FALSE(values().isSurveyed);
+    scheduler.runTask();
+    EXPECT_TRUE(values().isSurveyed);
     EXPECT_TRUE(values().hasScreenPermission);
     EXPECT_EQ(values().microphonePermission, AuthorizationStatus::restricted);
     EXPECT_EQ(values().microphones, devices.list);

@@ -72,6 +72,10 @@ TEST_F(SettingsFileTest, whatIsSetIsInTheFileUnderItsKeyAndNothingElseIs) {
     EXPECT_EQ(read(file), "[General]\nappLanguage=zh-Hans\noutputDirectory=/home/user/Videos\n");
     EXPECT_EQ(settings.get(appLanguage), "zh-Hans");
     EXPECT_EQ(settings.get(outputDirectory), "/home/user/Videos");
+    store(settings, windowSize, "640x720");
+    EXPECT_EQ(read(file), "[General]\nappLanguage=zh-Hans\noutputDirectory=/home/user/Videos\n"
+                          "windowSize=640x720\n");
+    EXPECT_EQ(inTheNextRun(windowSize), "640x720");
 }
 
 TEST_F(SettingsFileTest, anyTextComesBackAsItWas) {

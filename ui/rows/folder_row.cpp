@@ -6,6 +6,7 @@
 #include <QtWidgets/QHBoxLayout>
 
 #include "ui/style/decorations.h"
+#include "ui/style/metrics.h"
 
 namespace vantoro {
 
@@ -13,6 +14,7 @@ namespace {
 
 constexpr int symbolSize = 18;
 constexpr int symbolPlace = 20;
+constexpr int spacing = 6;
 
 } // namespace
 
@@ -22,8 +24,10 @@ FolderRow::FolderRow(QWidget* parent)
       change_(new QPushButton(this)),
       open_(new SymbolButton(Symbol::open, this)) {
     auto* const row = new QHBoxLayout(this);
-    row->setContentsMargins(0, 0, 0, 0);
+    row->setContentsMargins(symbolMiddle - symbolPlace / 2, 0, ringMargin, 0);
+    row->setSpacing(spacing);
     row->addWidget(new SymbolLabel(Symbol::folder, Tone::secondary, symbolSize, symbolPlace, this));
+    row->addSpacing(textStart - symbolMiddle - symbolPlace / 2 - spacing);
     row->addWidget(path_, 1);
     row->addWidget(change_);
     row->addWidget(open_);

@@ -5,25 +5,19 @@
 #include <QtWidgets/QHBoxLayout>
 
 #include "ui/rows/wheel_passer.h"
+#include "ui/style/metrics.h"
 
 namespace vantoro {
 
-namespace {
-
-constexpr int indent = 38; // aligns with the title of the source above
-
-} // namespace
-
 InputRow::InputRow(QWidget* parent)
-    : QWidget(parent), title_(new QLabel(this)), picker_(new QComboBox(this)) {
+    : QWidget(parent), title_(new QLabel(this)), picker_(new DevicePicker(this)) {
     auto* const row = new QHBoxLayout(this);
-    row->setContentsMargins(indent, 0, 0, 0);
+    row->setContentsMargins(textStart, 0, ringMargin, 0);
     row->setSpacing(10);
     row->addWidget(title_);
     row->addWidget(picker_, 1);
     title_->setBuddy(picker_);
     new WheelPasser(*picker_);
-    picker_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     connect(picker_, &QComboBox::activated, this, [this](int index) {
         Q_EMIT picked(picker_->itemData(index).toByteArray().toStdString());
     });
@@ -35,11 +29,11 @@ void InputRow::setTitle(const QString& title) {
 }
 
 void InputRow::setMicrophones(const std::vector<AudioInputDevice>& microphones,
-                              const std::optional<std::string>& selected) {
+                              const std::optional<std::string>& selected, const QString& none) {
     picker_->clear();
     picker_->setCurrentIndex(-1);
     for (const auto& [id, name] : microphones) {
-        picker_->addItem(QString::fromStdString(name), QByteArray::fromStdString(id));
+        picker_->addDevice(QString::fromStdString(name), QByteArray::fromStdString(id));
         if (id == selected) {
             picker_->setCurrentIndex(picker_->count() - 1);
         }
@@ -47,6 +41,7 @@ void InputRow::setMicrophones(const std::vector<AudioInputDevice>& microphones,
     if (selected && picker_->currentData().toByteArray().toStdString() != *selected) {
         picker_->setCurrentIndex(-1); // if it is not in the list
     }
+    picker_->setPlaceholderText(microphones.empty() ? none : QString());
 }
 
 } // namespace vantoro

@@ -6,11 +6,11 @@
 #include <string>
 #include <vector>
 
-#include <QtWidgets/QComboBox>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QWidget>
 
 #include "engine/recording_types.h"
+#include "ui/rows/device_picker.h"
 
 namespace vantoro {
 
@@ -22,15 +22,16 @@ public:
     explicit InputRow(QWidget* parent = nullptr);
 
     void setTitle(const QString& title);
+    /// `none` stands in place of a microphone if the list is empty.
     void setMicrophones(const std::vector<AudioInputDevice>& microphones,
-                        const std::optional<std::string>& selected);
+                        const std::optional<std::string>& selected, const QString& none);
 
 Q_SIGNALS:
     void picked(const std::string& id); ///< by the user
 
 private:
     QLabel* title_;
-    QComboBox* picker_;
+    DevicePicker* picker_;
 };
 
 } // namespace vantoro

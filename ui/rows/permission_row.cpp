@@ -2,6 +2,7 @@
 
 #include "ui/rows/permission_row.h"
 
+#include <algorithm>
 #include <utility>
 
 #include <QtWidgets/QHBoxLayout>
@@ -9,30 +10,31 @@
 
 #include "ui/style/fonts.h"
 #include "ui/style/labels.h"
+#include "ui/style/metrics.h"
 
 namespace vantoro {
 
 namespace {
 
 constexpr int symbolSize = 18;
-constexpr int symbolPlace = 28;
+constexpr int frame = 4; // of a small button, in height
 
 } // namespace
 
 PermissionRow::PermissionRow(QWidget* parent)
     : QWidget(parent),
-      symbol_(new SymbolLabel(Symbol::exclamationCircle, Tone::attention, symbolSize, symbolPlace,
-                              this)),
+      symbol_(new SymbolLabel(Symbol::exclamationCircle, Tone::attention, symbolSize,
+                              2 * symbolMiddle, this)),
       title_(new QLabel(this)),
+      note_(new TonedLabel(Tone::secondary, captionFont(font()), this)),
       state_(new TonedLabel(Tone::secondary, captionFont(font()), this)),
-      settings_(new QPushButton(this)),
-      note_(new TonedLabel(Tone::secondary, captionFont(font()), this)) {
+      settings_(new QPushButton(this)) {
     auto* const row = new QHBoxLayout(this);
-    row->setContentsMargins(0, 0, 0, 0);
-    row->setSpacing(10);
+    row->setContentsMargins(0, 0, ringMargin, 0);
+    row->setSpacing(textStart - 2 * symbolMiddle);
     row->addWidget(symbol_);
     auto* const texts = new QVBoxLayout;
-    texts->setSpacing(1);
+    texts->setSpacing(0);
     texts->addWidget(title_);
     texts->addWidget(note_);
     row->addLayout(texts, 1);
@@ -48,6 +50,11 @@ PermissionRow::PermissionRow(QWidget* parent)
 
 void PermissionRow::setTexts(Texts texts) {
     texts_ = std::move(texts);
+    // The row's own height, so that a permission's change moves nothing.
+    const int height =
+        std::max(symbolSize, settings_->fontMetrics().size(0, texts_.settings).height() + frame);
+    settings_->setFixedHeight(height);
+    setMinimumHeight(height);
     showAll();
 }
 

@@ -44,9 +44,9 @@ private:
     Remedy remedy_ = Remedy::none;
     SymbolLabel* symbol_;
     QLabel* title_;
+    QLabel* note_;
     QLabel* state_;
     QPushButton* settings_;
-    QLabel* note_;
 };
 
 } // namespace vantoro

@@ -6,13 +6,14 @@
 
 #include <QtGui/QPainter>
 
+#include "ui/style/metrics.h"
 #include "ui/style/symbols.h"
 
 namespace vantoro {
 
 namespace {
 
-constexpr int leastWidth = 138;
+constexpr int leastWidth = 138 + 2 * ringMargin;
 constexpr int leastHeight = 36;
 constexpr int symbolSize = 18;
 constexpr int gap = 7;
@@ -36,8 +37,16 @@ RecordButton::RecordButton(QWidget* parent) : QPushButton(parent) {
     setCursor(Qt::PointingHandCursor);
 }
 
+void RecordButton::setTexts(const QString& start, const QString& stop) {
+    start_ = start;
+    stop_ = stop;
+    updateGeometry();
+    setStops(stops_);
+}
+
 void RecordButton::setStops(bool stops) {
     stops_ = stops;
+    setText(stops ? stop_ : start_);
     update();
 }
 
@@ -53,9 +62,12 @@ void RecordButton::setUsable(bool usable) {
 }
 
 QSize RecordButton::sizeHint() const {
-    const int label = fontMetrics().horizontalAdvance(text()) + symbolSize + gap;
+    const auto metrics = fontMetrics();
+    const int label =
+        std::max(metrics.horizontalAdvance(start_), metrics.horizontalAdvance(stop_)) + symbolSize +
+        gap;
     return {std::max(leastWidth, label + 2 * (margin + ringMargin)),
-            std::max(leastHeight, fontMetrics().height() + 2 * (ringMargin + 8))};
+            std::max(leastHeight, metrics.height() + 2 * (ringMargin + 6))};
 }
 
 ButtonColours RecordButton::colours() const {

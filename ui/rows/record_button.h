@@ -13,16 +13,15 @@ class RecordButton final : public QPushButton {
     Q_OBJECT
 
 public:
-    /// Around the drawn button, for the focus ring.
-    static constexpr int ringMargin = 3;
-
     explicit RecordButton(QWidget* parent = nullptr);
 
+    void setTexts(const QString& start, const QString& stop);
     void setStops(bool stops);
     /// Enables or disables the button. Keeps the keyboard's focus for itself meanwhile, and takes
     /// it while nothing has it.
     void setUsable(bool usable);
 
+    /// The same for both texts.
     QSize sizeHint() const override;
 
 protected:
@@ -31,6 +30,8 @@ protected:
 private:
     ButtonColours colours() const;
 
+    QString start_;
+    QString stop_;
     bool stops_ = false;
 };
 

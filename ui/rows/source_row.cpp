@@ -9,13 +9,13 @@
 #include "ui/style/decorations.h"
 #include "ui/style/fonts.h"
 #include "ui/style/labels.h"
+#include "ui/style/metrics.h"
 
 namespace vantoro {
 
 namespace {
 
 constexpr int symbolSize = 22;
-constexpr int symbolPlace = 28;
 
 } // namespace
 
@@ -26,10 +26,10 @@ SourceRow::SourceRow(Symbol symbol, QWidget* parent)
       switch_(new ToggleSwitch(this)) {
     auto* const row = new QHBoxLayout(this);
     row->setContentsMargins(0, 0, 0, 0);
-    row->setSpacing(10);
-    row->addWidget(new SymbolLabel(symbol, Tone::secondary, symbolSize, symbolPlace, this));
+    row->setSpacing(textStart - 2 * symbolMiddle);
+    row->addWidget(new SymbolLabel(symbol, Tone::secondary, symbolSize, 2 * symbolMiddle, this));
     auto* const texts = new QVBoxLayout;
-    texts->setSpacing(1);
+    texts->setSpacing(0);
     texts->addWidget(title_);
     texts->addWidget(subtitle_);
     row->addLayout(texts, 1);

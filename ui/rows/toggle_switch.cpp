@@ -5,6 +5,7 @@
 #include <QtGui/QPainter>
 
 #include "ui/style/enter_key.h"
+#include "ui/style/metrics.h"
 #include "ui/style/tones.h"
 
 namespace vantoro {
@@ -13,7 +14,6 @@ namespace {
 
 constexpr int trackWidth = 38;
 constexpr int trackHeight = 22;
-constexpr int focusMargin = 3; // for the focus ring
 constexpr double knobMargin = 2.5;
 constexpr double disabledOpacity = 0.45;
 
@@ -25,7 +25,7 @@ ToggleSwitch::ToggleSwitch(QWidget* parent) : QCheckBox(parent) {
 }
 
 QSize ToggleSwitch::sizeHint() const {
-    return {trackWidth + 2 * focusMargin, trackHeight + 2 * focusMargin};
+    return {trackWidth + 2 * ringMargin, trackHeight + 2 * ringMargin};
 }
 
 QSize ToggleSwitch::minimumSizeHint() const {
@@ -46,7 +46,7 @@ void ToggleSwitch::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setOpacity(isEnabled() ? 1 : disabledOpacity);
-    const QRectF track(focusMargin, focusMargin, trackWidth, trackHeight);
+    const QRectF track(ringMargin, ringMargin, trackWidth, trackHeight);
     const auto accent = toneColour(Tone::accent, palette());
     const auto ground = isChecked() ? accent : offColour(palette());
     painter.setPen(Qt::NoPen);

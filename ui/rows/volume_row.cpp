@@ -9,6 +9,8 @@
 #include <QtWidgets/QHBoxLayout>
 
 #include "ui/style/fonts.h"
+#include "ui/style/labels.h"
+#include "ui/style/metrics.h"
 #include "ui/style/percentage.h"
 
 namespace vantoro {
@@ -17,6 +19,7 @@ namespace {
 
 constexpr int symbolSize = 18;
 constexpr int symbolPlace = 20;
+constexpr int spacing = 6;
 constexpr int usualTitleWidth = 84;
 constexpr int percentageWidth = 38;
 constexpr double loudest = 1.25;
@@ -35,8 +38,10 @@ VolumeRow::VolumeRow(Symbol symbol, double usual, QWidget* parent)
       slider_(new VolumeSlider(stepsOf(usual), stepsOf(1), this)),
       percentage_(new TonedLabel(Tone::secondary, digitsFont(captionFont(font())), this)) {
     auto* const row = new QHBoxLayout(this);
-    row->setContentsMargins(0, 0, 0, 0);
+    row->setContentsMargins(symbolMiddle - symbolPlace / 2, 0, ringMargin, 0);
+    row->setSpacing(spacing);
     row->addWidget(symbol_);
+    row->addSpacing(textStart - symbolMiddle - symbolPlace / 2 - spacing);
     row->addWidget(title_);
     row->addWidget(slider_, 1);
     row->addWidget(percentage_);

@@ -8,12 +8,12 @@
 
 namespace vantoro {
 
-Separator::Separator(QWidget* parent) : QWidget(parent) {
+Separator::Separator(QWidget* parent, int endMargin) : QWidget(parent), endMargin_(endMargin) {
     setFixedHeight(1);
 }
 
 void Separator::paintEvent(QPaintEvent* /*event*/) {
-    QPainter(this).fillRect(rect(), lineColour(palette()));
+    QPainter(this).fillRect(rect().adjusted(0, 0, -endMargin_, 0), lineColour(palette()));
 }
 
 HeaderIcon::HeaderIcon(QWidget* parent) : QWidget(parent) {

@@ -16,10 +16,14 @@ class Separator final : public QWidget {
     Q_OBJECT
 
 public:
-    explicit Separator(QWidget* parent = nullptr);
+    /// Ends before its right edge by the margin.
+    explicit Separator(QWidget* parent, int endMargin = 0);
 
 protected:
     void paintEvent(QPaintEvent* event) override;
+
+private:
+    int endMargin_;
 };
 
 class HeaderIcon final : public QWidget {

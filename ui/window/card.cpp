@@ -6,6 +6,7 @@
 
 #include "ui/style/decorations.h"
 #include "ui/style/fonts.h"
+#include "ui/style/metrics.h"
 #include "ui/style/tones.h"
 
 namespace vantoro {
@@ -14,7 +15,6 @@ namespace {
 
 constexpr double radius = 10;
 constexpr int margin = 12;
-constexpr int spacing = 8;
 
 class Box final : public QWidget {
 public:
@@ -36,12 +36,14 @@ Card::Card(QWidget* parent)
     : QWidget(parent), title_(new QLabel(this)), box_(new Box(this)), rows_(new QVBoxLayout(box_)) {
     auto* const column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
-    column->setSpacing(6);
+    const int gap = rowGap(font());
+    column->setSpacing(gap * 2 / 3);
     column->addWidget(title_);
     column->addWidget(box_);
     title_->setFont(headlineFont(font()));
-    rows_->setContentsMargins(margin, margin - 1, margin, margin - 1);
-    rows_->setSpacing(spacing);
+    // The rows keep room for the ring themselves, where they end in something else.
+    rows_->setContentsMargins(margin, gap + 3, margin - ringMargin, gap + 3);
+    rows_->setSpacing(gap);
 }
 
 void Card::setTitle(const QString& title) {
@@ -51,7 +53,7 @@ void Card::setTitle(const QString& title) {
 
 void Card::addRow(QWidget* row) {
     if (rows_->count() > 0) {
-        rows_->addWidget(new Separator(box_));
+        rows_->addWidget(new Separator(box_, ringMargin));
     }
     addToLastRow(row);
 }

@@ -9,6 +9,7 @@
 
 #include "ui/style/decorations.h"
 #include "ui/style/fonts.h"
+#include "ui/style/metrics.h"
 
 namespace vantoro {
 
@@ -27,11 +28,12 @@ CompletedPanel::CompletedPanel(QWidget* parent)
       play_(new SymbolButton(Symbol::play, this)),
       reveal_(new SymbolButton(Symbol::folder, this)) {
     auto* const row = new QHBoxLayout(this);
-    row->setContentsMargins(margin, margin, margin, margin);
-    row->setSpacing(10);
+    const int inset = symbolMiddle - symbolSize / 2;
+    row->setContentsMargins(margin + inset, rowGap(font()) + 3, margin, rowGap(font()) + 3);
+    row->setSpacing(textStart - symbolSize - inset);
     row->addWidget(new SymbolLabel(Symbol::checkmarkCircle, Tone::saved, symbolSize, 0, this));
     auto* const texts = new QVBoxLayout;
-    texts->setSpacing(1);
+    texts->setSpacing(0);
     texts->addWidget(saved_);
     texts->addWidget(name_);
     row->addLayout(texts, 1);

@@ -7,22 +7,21 @@
 #include <QtCore/QEvent>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QHBoxLayout>
-#include <QtWidgets/QScrollArea>
 #include <QtWidgets/QVBoxLayout>
 
 #include "control/transitions.h"
 #include "ui/style/decorations.h"
 #include "ui/style/fonts.h"
 #include "ui/style/keys.h"
+#include "ui/style/metrics.h"
 #include "ui/window/accessible_parts.h"
 
 namespace vantoro {
 
 namespace {
 
-constexpr int padding = 20;
-constexpr int panelSpacing = 14;
-constexpr int barMargin = 12;
+constexpr int headerMargin = 5;
+constexpr int barMargin = 6;
 const RecordingProperties::Values usual;
 
 } // namespace
@@ -31,6 +30,7 @@ ContentView::ContentView(RecordingViewModel& model, const Preferences& preferenc
     : QWidget(parent),
       model_(model),
       texts_(preferences),
+      column_(new Column),
       refresh_(new SymbolButton(Symbol::refresh)),
       status_(new StatusPanel),
       sources_(new Card),
@@ -44,7 +44,6 @@ ContentView::ContentView(RecordingViewModel& model, const Preferences& preferenc
       microphoneVolume_(new VolumeRow(Symbol::microphone, usual.microphoneVolume)),
       folder_(new FolderRow),
       completed_(new CompletedPanel),
-      scroll_(new QScrollArea(this)),
       record_(new RecordButton) {
     describeParts();
     setPalette(readablePalette(QApplication::palette()));
@@ -53,7 +52,7 @@ ContentView::ContentView(RecordingViewModel& model, const Preferences& preferenc
     all->setSpacing(0);
     all->addWidget(makeHeader());
     all->addWidget(new Separator(this));
-    all->addWidget(makeColumn(), 1);
+    all->addWidget(fillColumn(), 1);
     all->addWidget(new Separator(this));
     all->addWidget(makeBar());
     connectUser();
@@ -71,7 +70,9 @@ void ContentView::changeEvent(QEvent* event) {
 QWidget* ContentView::makeHeader() {
     auto* const header = new QWidget(this);
     auto* const row = new QHBoxLayout(header);
-    row->setContentsMargins(padding, barMargin, padding, barMargin);
+    // The symbol ends at the edge, not the frame that appears around it under the mouse.
+    const int frame = (refresh_->sizeHint().width() - refresh_->iconSize().width()) / 2;
+    row->setContentsMargins(padding, headerMargin, padding - frame, headerMargin);
     row->setSpacing(10);
     row->addWidget(new HeaderIcon(header));
     auto* const title = new QLabel(QStringLiteral("Vantoro"), header);
@@ -83,7 +84,7 @@ QWidget* ContentView::makeHeader() {
     return header;
 }
 
-QWidget* ContentView::makeColumn() {
+QWidget* ContentView::fillColumn() {
     for (auto* const row : std::initializer_list<QWidget*>{systemAudio_, microphone_}) {
         sources_->addRow(row);
     }
@@ -94,29 +95,18 @@ QWidget* ContentView::makeColumn() {
          std::initializer_list<QWidget*>{systemVolume_, microphoneVolume_, folder_}) {
         recording_->addRow(row);
     }
-    auto* const content = new QWidget;
-    auto* const column = new QVBoxLayout(content);
-    column->setContentsMargins(padding, padding, padding, padding);
-    column->setSpacing(panelSpacing);
     for (auto* const panel :
          std::initializer_list<QWidget*>{status_, sources_, recording_, completed_}) {
-        column->addWidget(panel);
+        column_->addPanel(panel);
     }
-    column->addStretch();
-    scroll_->setFrameShape(QFrame::NoFrame);
-    scroll_->setWidgetResizable(true);
-    scroll_->setFocusPolicy(Qt::NoFocus); // it scrolls to the focused widget inside it
-    scroll_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    content->resize(scroll_->size()); // avoids a layout without texts
-    scroll_->setWidget(content);
-    return scroll_;
+    return column_;
 }
 
 QWidget* ContentView::makeBar() {
     auto* const bar = new QWidget(this);
     auto* const row = new QHBoxLayout(bar);
-    const int margin = padding - RecordButton::ringMargin;
-    row->setContentsMargins(margin, barMargin, margin, barMargin);
+    row->setContentsMargins(padding, barMargin - ringMargin, padding - ringMargin,
+                            barMargin - ringMargin);
     row->addStretch();
     row->addWidget(record_);
     return bar;
@@ -184,6 +174,7 @@ void ContentView::showTexts() {
     folder_->setTexts(text(Key::change), text(Key::openRecordingFolder));
     completed_->setTexts(text(Key::recordingSaved), text(Key::playRecording),
                          text(Key::showInFinder));
+    record_->setTexts(text(Key::startRecording), text(Key::stopRecording));
 }
 
 void ContentView::showProperty(Property property) {
@@ -240,19 +231,20 @@ void ContentView::showLastRecording() {
     const bool isNew = recording && completed_->isHidden();
     completed_->setVisible(recording.has_value());
     completed_->setRecording(recording.value_or(""));
-    if (isNew) { // scrolls it into view after the layout
-        QMetaObject::invokeMethod(
-            this, [this] { scroll_->ensureWidgetVisible(completed_, 0, padding); },
-            Qt::QueuedConnection);
+    if (isNew) {
+        column_->bringIntoView(completed_);
     }
 }
 
 void ContentView::showState() {
     const auto& state = model_.values().state;
+    using enum RecordingState::Case;
+    if (const auto which = state.which();
+        which == preparing || which == recording || which == failed) {
+        column_->bringIntoView(status_);
+    }
     status_->setState(state, QString::fromStdString(model_.statusText()), texts_);
-    const bool stops = state.which() == RecordingState::Case::recording;
-    record_->setStops(stops);
-    record_->setText(text(stops ? L10n::Key::stopRecording : L10n::Key::startRecording));
+    record_->setStops(state.which() == recording);
     record_->setToolTip(withShortcut(record_->text(), recordKeys));
 }
 
@@ -263,7 +255,9 @@ void ContentView::showSources() {
     systemVolume_->setUsable(values.captureSystemAudio);
     microphoneVolume_->setUsable(values.captureMicrophone);
     input_->setVisible(values.captureMicrophone);
-    input_->setMicrophones(values.microphones, values.selectedMicrophoneID);
+    input_->setMicrophones(values.microphones, values.selectedMicrophoneID,
+                           values.isSurveyed ? QString::fromStdString(texts_.noMicrophone())
+                                             : QString());
     input_->setEnabled(!isBusy(values.state.which()) && !values.microphones.empty());
     record_->setUsable(values.state.which() == RecordingState::Case::recording ||
                        model_.canStart());
@@ -275,8 +269,10 @@ void ContentView::showPermissions() {
     const auto& values = model_.values();
     screenPermission_->setGranted(values.hasScreenPermission, Remedy::settings);
     const auto status = values.microphonePermission;
+    const auto remedy = status == notDetermined ? Remedy::note : Remedy::settings;
     microphonePermission_->setGranted(status == authorized,
-                                      status == notDetermined ? Remedy::note : Remedy::settings);
+                                      values.isSurveyed ? remedy : Remedy::none);
+    column_->updateGeometry();
 }
 
 } // namespace vantoro

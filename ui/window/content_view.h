@@ -13,10 +13,9 @@
 #include "ui/rows/source_row.h"
 #include "ui/rows/volume_row.h"
 #include "ui/window/card.h"
+#include "ui/window/column.h"
 #include "ui/window/completed_panel.h"
 #include "ui/window/status_panel.h"
-
-class QScrollArea;
 
 namespace vantoro {
 
@@ -39,7 +38,7 @@ private:
     using Property = RecordingProperties::Property;
 
     QWidget* makeHeader();
-    QWidget* makeColumn();
+    QWidget* fillColumn();
     QWidget* makeBar();
     void connectUser();
     void showTexts();
@@ -54,6 +53,7 @@ private:
 
     RecordingViewModel& model_;
     L10n texts_;
+    Column* column_;
     SymbolButton* refresh_;
     StatusPanel* status_;
     Card* sources_;
@@ -67,7 +67,6 @@ private:
     VolumeRow* microphoneVolume_;
     FolderRow* folder_;
     CompletedPanel* completed_;
-    QScrollArea* scroll_;
     RecordButton* record_;
 };
 

@@ -5,10 +5,12 @@
 #include <QtCore/QEvent>
 #include <QtGui/QActionGroup>
 #include <QtGui/QCloseEvent>
+#include <QtGui/QScreen>
 #include <QtGui/QShortcut>
 #include <QtWidgets/QMenuBar>
 
 #include "ui/style/keys.h"
+#include "ui/window/window_size.h"
 
 namespace vantoro {
 
@@ -16,6 +18,7 @@ namespace {
 
 constexpr QSize leastContent(480, 560);
 constexpr QSize usualContent(500, 600);
+constexpr int settlingMilliseconds = 300; // of a size under the user's mouse
 const QString productName = QStringLiteral("Vantoro");
 
 QString qString(std::string_view text) {
@@ -25,30 +28,82 @@ QString qString(std::string_view text) {
 } // namespace
 
 MainWindow::MainWindow(RecordingViewModel& model, LanguageSettings& language,
-                       UpdateChecker& updates, const Preferences& preferences)
+                       UpdateChecker& updates, Preferences& preferences)
     : model_(model),
       language_(language),
       updates_(updates),
+      preferences_(preferences),
       texts_(preferences),
-      content_(new ContentView(model, preferences, this)),
+      content_(new ContentView(model, preferences)),
       messageAlert_(*this, [this] { model_.dismissMessage(); }),
       updateAlert_(
           *this, [this] { updates_.dismissMessage(); }, [this] { updates_.openDownload(); }) {
     setWindowTitle(productName);
     content_->setMinimumSize(leastContent);
+    makeMenu(); // screen readers read in the order of creation
     setCentralWidget(content_);
-    makeMenu();
     makeShortcuts();
-    resize(usualContent + QSize(0, menuBar()->sizeHint().height()));
-    connect(&language_, &LanguageSettings::languageChanged, this, &MainWindow::showTexts);
+    connect(&language_, &LanguageSettings::languageChanged, this, [this] {
+        showTexts();
+        growAsNeeded();
+    });
     connect(&updates_, &UpdateChecker::propertyChanged, this, &MainWindow::showUpdateState);
     connect(&model_, &RecordingProperties::propertyChanged, this,
             [this](RecordingProperties::Property property) {
                 if (property == RecordingProperties::Property::errorMessage) {
                     showMessage();
+                } else if (property == RecordingProperties::Property::microphonePermission) {
+                    growAsNeeded();
                 }
             });
+    resizing_.setSingleShot(true);
+    resizing_.setInterval(settlingMilliseconds);
+    connect(&resizing_, &QTimer::timeout, this, &MainWindow::rememberSize);
     showTexts();
+    openAtSize();
+}
+
+QSize MainWindow::neededSize() const {
+    return content_->sizeHint().expandedTo(usualContent) + QSize(0, menuBar()->sizeHint().height());
+}
+
+void MainWindow::openAtSize() {
+    const auto remembered = sizeOf(preferences_.get(Preference::windowSize).value_or(""));
+    isUsersSize_ = remembered.has_value();
+    ownSize_ = openingSize(remembered, neededSize(), screen()->availableSize());
+    resize(ownSize_);
+}
+
+void MainWindow::growAsNeeded() {
+    if (!isUsersSize_ && size() == ownSize_) {
+        ownSize_ =
+            openingSize(std::nullopt, neededSize().expandedTo(size()), screen()->availableSize());
+        resize(ownSize_);
+    }
+}
+
+void MainWindow::rememberSize() {
+    resizing_.stop();
+    const bool isOwn = !isUsersSize_ && size() == ownSize_;
+    if (isOwn || windowState() & (Qt::WindowMaximized | Qt::WindowFullScreen)) {
+        return;
+    }
+    isUsersSize_ = true;
+    if (const auto text = textOf(size()); preferences_.get(Preference::windowSize) != text) {
+        preferences_.set(Preference::windowSize, text);
+    }
+}
+
+void MainWindow::resizeEvent(QResizeEvent* event) {
+    QMainWindow::resizeEvent(event);
+    resizing_.start();
+}
+
+void MainWindow::hideEvent(QHideEvent* event) {
+    QMainWindow::hideEvent(event);
+    if (resizing_.isActive()) {
+        rememberSize();
+    }
 }
 
 void MainWindow::bringToFront(const std::string& activationToken) {

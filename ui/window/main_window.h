@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include <QtCore/QTimer>
 #include <QtGui/QAction>
 #include <QtWidgets/QMainWindow>
 #include <QtWidgets/QMenu>
@@ -21,7 +22,7 @@ class MainWindow final : public QMainWindow {
 
 public:
     MainWindow(RecordingViewModel& model, LanguageSettings& language, UpdateChecker& updates,
-               const Preferences& preferences);
+               Preferences& preferences);
 
     /// Also shows a hidden or minimised window. The token is the desktop's permission, issued for a
     /// user action; without it, some desktops only mark the window as demanding attention.
@@ -36,11 +37,18 @@ protected:
     void changeEvent(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
 
 private:
     void makeMenu();
     void makeShortcuts();
     void openMenu();
+    QSize neededSize() const;
+    void openAtSize();
+    /// Another language, or a permission that is missing, may need more.
+    void growAsNeeded();
+    void rememberSize();
     void showTexts();
     void showUpdateState();
     void showMessage();
@@ -49,6 +57,7 @@ private:
     RecordingViewModel& model_;
     LanguageSettings& language_;
     UpdateChecker& updates_;
+    Preferences& preferences_;
     L10n texts_;
     ContentView* content_;
     QMenu* menu_ = nullptr;
@@ -59,6 +68,9 @@ private:
     QAction* quit_ = nullptr;
     MessageAlert messageAlert_;
     MessageAlert updateAlert_;
+    QTimer resizing_; ///< ends when the size has settled
+    QSize ownSize_;   ///< the last that the program chose
+    bool isUsersSize_ = false;
     bool wasActive_ = false;
     bool wasPainted_ = false;
 };

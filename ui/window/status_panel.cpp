@@ -2,6 +2,7 @@
 
 #include "ui/window/status_panel.h"
 
+#include <algorithm>
 #include <optional>
 
 #include <QtWidgets/QHBoxLayout>
@@ -14,6 +15,10 @@
 namespace vantoro {
 
 namespace {
+
+constexpr int spacing = 12;
+constexpr int lineSpacing = 2;
+constexpr int leastWidth = 440; // in a window of the least width
 
 /// The appearance of a state.
 struct StatusLook {
@@ -53,16 +58,16 @@ StatusPanel::StatusPanel(QWidget* parent)
       meters_(new LevelMeterPanel(this)) {
     auto* const row = new QHBoxLayout(this);
     row->setContentsMargins(0, 0, 0, 0);
-    row->setSpacing(12);
+    row->setSpacing(spacing);
     row->addWidget(badge_, 0, Qt::AlignTop);
     auto* const texts = new QVBoxLayout;
-    texts->setSpacing(2);
+    texts->setSpacing(lineSpacing);
     texts->addWidget(headline_);
     texts->addWidget(detail_);
     texts->addStretch();
     row->addLayout(texts, 1);
     auto* const right = new QVBoxLayout;
-    right->setSpacing(6);
+    right->setSpacing(lineSpacing);
     right->addWidget(elapsed_, 0, Qt::AlignRight);
     right->addWidget(meters_, 0, Qt::AlignRight);
     right->addStretch();
@@ -79,6 +84,25 @@ void StatusPanel::setTexts(const L10n& texts) {
     const auto text = [&texts](L10n::Key key) { return QString::fromStdString(texts.text(key)); };
     meters_->setTexts(text(L10n::Key::audioInputLevels), text(L10n::Key::systemMeter),
                       text(L10n::Key::microphoneMeter));
+    keepRoom(texts);
+}
+
+void StatusPanel::keepRoom(const L10n& texts) {
+    const auto heightOf = [&texts](const QLabel& label, L10n::Key key, int width) {
+        return label.fontMetrics()
+            .boundingRect(0, 0, width, QWIDGETSIZE_MAX, Qt::TextWordWrap,
+                          QString::fromStdString(texts.text(key)))
+            .height();
+    };
+    const int width = leastWidth - badge_->width() - 2 * spacing;
+    const auto time = elapsed_->fontMetrics().size(0, QStringLiteral("00:00:00"));
+    const auto meters = meters_->sizeHint();
+    const int detail =
+        std::max(heightOf(*detail_, L10n::Key::capturingAudio, width - meters.width()),
+                 heightOf(*detail_, L10n::Key::screenPermissionDenied, width - time.width()));
+    const int left = heightOf(*headline_, L10n::Key::recording, width) + lineSpacing + detail;
+    const int right = time.height() + lineSpacing + meters.height();
+    setMinimumHeight(std::max({badge_->height(), left, right}));
 }
 
 void StatusPanel::setState(const RecordingState& state, const QString& headline,

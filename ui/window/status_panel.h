@@ -26,6 +26,9 @@ public:
     void setConditions(SourceCondition systemAudio, SourceCondition microphone, const L10n& texts);
 
 private:
+    /// For the meters and for details of usual length, so that no state moves what is below.
+    void keepRoom(const L10n& texts);
+
     StatusBadge* badge_;
     QLabel* headline_;
     QLabel* detail_;

@@ -7,6 +7,7 @@
 #include <QtWidgets/QSlider>
 
 #include "tests/ui/style/accessibility_switch.h"
+#include "tests/ui/window/clipping.h"
 #include "tests/ui/window/main_window_fixture.h"
 
 namespace vantoro::testing {
@@ -104,6 +105,47 @@ TEST_F(AccessibilityTest, leavesNothingThatCanBeUsedWithoutAName) {
             EXPECT_NE(nameOf(widget), "") << widget->metaObject()->className();
             EXPECT_TRUE(of(widget).state().focusable) << nameOf(widget);
         }
+    }
+}
+
+/// The widgets that a screen reader reads, in its order.
+void readInto(std::vector<const QWidget*>& read, QAccessibleInterface& from) {
+    const auto* const widget = qobject_cast<const QWidget*>(from.object());
+    const bool isRead = from.childCount() == 0 && !from.text(QAccessible::Name).isEmpty();
+    if (widget != nullptr && widget->isVisible() && isRead) {
+        read.push_back(widget);
+    }
+    for (int i = 0; i < from.childCount(); ++i) {
+        readInto(read, *from.child(i));
+    }
+}
+
+TEST_F(AccessibilityTest, readsFromTopToBottomAndFromLeftToRight) {
+    devices.mayCapture = false;
+    microphone.current = AuthorizationStatus::notDetermined;
+    for (const auto state : {Case::recording, Case::completed}) {
+        model.reset();
+        showIn(state);
+        std::vector<const QWidget*> read;
+        readInto(read, of(window.get()));
+        EXPECT_GT(read.size(), 20U);
+        const auto placeOf = [this](const QWidget& widget) {
+            return QRect(widget.mapTo(window.get(), QPoint(0, 0)), widget.size());
+        };
+        for (std::size_t late = 1; late < read.size(); ++late) {
+            for (std::size_t early = 0; early < late; ++early) {
+                const auto first = placeOf(*read.at(early));
+                const auto second = placeOf(*read.at(late));
+                const bool isAbove = second.bottom() < first.top();
+                const bool isRight = second.left() > first.right();
+                const bool isLeft = second.right() < first.left();
+                const bool isBeside = !isAbove && second.top() <= first.bottom();
+                EXPECT_FALSE((isAbove && !isRight) || (isBeside && isLeft))
+                    << describe(*read.at(late)) << " after " << describe(*read.at(early));
+            }
+        }
+        TearDown();
+        SetUp();
     }
 }
 

@@ -213,6 +213,17 @@ TEST_F(ContentViewTest, bringsTheRecordingThatWasSavedIntoSight) {
     }));
 }
 
+TEST_F(ContentViewTest, asksForTheMicrophoneOnceItKnowsThatThisIsNeeded) {
+    const QString note = "Click Start Recording to request microphone access.";
+    microphone.current = AuthorizationStatus::notDetermined;
+    model =
+        std::make_unique<RecordingViewModel>(std::make_unique<FakeRecorder>(recorder), platform());
+    show();
+    EXPECT_FALSE(isSeen(note));
+    scheduler.settle();
+    EXPECT_TRUE(isSeen(note));
+}
+
 TEST_F(ContentViewTest, speaksTheLanguageThatIsChosenNow) {
     show();
     preferences.values[Preference::appLanguage] = "zh-Hans";

@@ -65,11 +65,6 @@ protected:
     }
 
     QColor ground() const { return window->palette().color(QPalette::Window); }
-
-    /// A widget's geometry within an outer one.
-    static QRect placeIn(const QWidget& outer, const QWidget& widget) {
-        return {widget.mapTo(&outer, QPoint(0, 0)), widget.size()};
-    }
 };
 
 TEST_F(GeometryTest, isDrawnInTheDisplaysPixels) {
@@ -163,14 +158,12 @@ TEST_F(GeometryTest, setsTheVolumesInColumns) {
     for (const auto* const row : rows) {
         const auto labels = visible<QLabel>(*row);
         const auto* const slider = visible<QSlider>(*row).at(0);
-        EXPECT_EQ(visible<SymbolLabel>(*row).at(0)->geometry().x(), 0);
         EXPECT_EQ(visible<SymbolLabel>(*row).at(0)->width(), 20);
         EXPECT_EQ(labels.at(0)->width(), 84);
         EXPECT_EQ(labels.at(1)->width(), 38);
         EXPECT_EQ(labels.at(1)->palette().color(QPalette::WindowText),
                   toneColour(Tone::secondary, window->palette()));
         EXPECT_TRUE(labels.at(1)->alignment() & Qt::AlignRight);
-        EXPECT_EQ(labels.at(1)->geometry().right(), row->rect().right());
         EXPECT_GT(slider->geometry().left(), labels.at(0)->geometry().right());
         EXPECT_LT(slider->geometry().right(), labels.at(1)->geometry().left());
         EXPECT_EQ(slider->minimum(), 0);
@@ -207,6 +200,8 @@ TEST_F(GeometryTest, drawsAVolumeOfASourceThatIsOffPale) {
 
 TEST_F(GeometryTest, leavesRoomAroundTheColumn) {
     showIn(Case::completed);
+    window->resize(10, 10); // no free space at the end
+    settleEvents();
     const auto& column = *only<QScrollArea>()->widget();
     const auto status = placeIn(column, *only<StatusPanel>());
     EXPECT_EQ(status.topLeft(), QPoint(20, 20));
@@ -223,13 +218,16 @@ TEST_F(GeometryTest, keepsTheRecordButtonLargeAndInTheCorner) {
         preferences = preferencesIn(spoken);
         show();
         auto* const button = only<RecordButton>();
-        EXPECT_GE(button->width(), 138);
-        EXPECT_GE(Picture(*button).covered(ground()).width(), 132); // including its focus ring
+        button->clearFocus();
+        const auto drawn = Picture(*button).covered(ground());
+        EXPECT_GE(drawn.width(), 138);
         EXPECT_EQ(button->font().weight(), QFont::DemiBold);
         EXPECT_NEAR(button->font().pointSizeF() / window->font().pointSizeF(), 14.0 / 13, 0.01);
         const auto& content = *window->centralWidget();
         const auto place = placeIn(content, *button);
         EXPECT_GT(place.top(), placeIn(content, *only<QScrollArea>()).bottom());
+        EXPECT_EQ(place.right() - (button->width() - drawn.width()) / 2,
+                  content.rect().right() - 20);
         TearDown();
     }
 }

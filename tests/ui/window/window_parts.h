@@ -33,6 +33,11 @@ Widget* named(const QWidget& root, const QString& name) {
     return nullptr;
 }
 
+/// A widget's geometry within an outer one.
+inline QRect placeIn(const QWidget& outer, const QWidget& widget) {
+    return {widget.mapTo(&outer, QPoint(0, 0)), widget.size()};
+}
+
 inline bool isSeen(const QWidget& root, const QString& text) {
     for (auto* const label : visible<QLabel>(root)) {
         if (label->text() == text) {
