@@ -43,6 +43,7 @@ void AppDelegate::registerStatusItems() {
     systemAudioStatusItem_ = makeStatusItem(systemAudioItem, L10n::Key::systemAudio);
     microphoneStatusItem_ = makeStatusItem(microphoneItem, L10n::Key::microphone);
     updateStatusItems(0, 0);
+    showScene();
     levelSubscription_ = connect(&surroundings_.levels, &AudioLevelStore::levelChanged, this,
                                  &AppDelegate::showLevels, Qt::QueuedConnection);
     connect(&surroundings_.levels, &AudioLevelStore::conditionChanged, this,
@@ -55,7 +56,27 @@ std::unique_ptr<StatusItem> AppDelegate::makeStatusItem(const std::string& autos
                                                         L10n::Key toolTip) const {
     return surroundings_.statusArea.makeItem({.identifier = autosaveName,
                                               .toolTip = texts_.text(toolTip),
-                                              .clicked = surroundings_.showMainWindow});
+                                              .clicked = surroundings_.showMainWindow,
+                                              .chosen = surroundings_.carryOut});
+}
+
+void AppDelegate::setScene(const StatusScene& scene) {
+    const bool wasRecording = isRecording();
+    scene_ = scene;
+    if (!systemAudioStatusItem_) {
+        return;
+    }
+    showScene();
+    if (isRecording() != wasRecording) {
+        showLevels();
+    }
+}
+
+void AppDelegate::showScene() {
+    for (const auto& item : {systemAudioStatusItem_.get(), microphoneStatusItem_.get()}) {
+        item->setToolTipDetail(toolTipDetail(scene_, texts_));
+        item->setMenu(statusMenu(scene_, texts_));
+    }
 }
 
 void AppDelegate::showLevels() {
@@ -65,11 +86,15 @@ void AppDelegate::showLevels() {
 
 void AppDelegate::updateStatusItems(double systemLevel, double microphoneLevel) {
     systemAudioStatusItem_->setImage(
-        pictures_.picture(LevelSymbol::loudspeaker, systemLevel),
+        pictures_.picture(LevelSymbol::loudspeaker, systemLevel, isRecording()),
         description(AudioLevelSource::systemAudio, L10n::Key::systemAudio));
     microphoneStatusItem_->setImage(
-        pictures_.picture(LevelSymbol::microphone, microphoneLevel),
+        pictures_.picture(LevelSymbol::microphone, microphoneLevel, isRecording()),
         description(AudioLevelSource::microphone, L10n::Key::microphone));
+}
+
+bool AppDelegate::isRecording() const {
+    return scene_.state == RecordingState::Case::recording;
 }
 
 /// The name alone if the source delivers; otherwise with its condition.

@@ -8,6 +8,7 @@
 
 #include <QtCore/QObject>
 
+#include "app/window/status_scene.h"
 #include "control/audio_level_store.h"
 #include "l10n/l10n.h"
 #include "l10n/preferences.h"
@@ -29,6 +30,8 @@ public:
         std::string desktops;
         /// Called on a click on a meter.
         std::function<void(const std::string& activationToken)> showMainWindow;
+        /// Called for a row of a meter's menu.
+        std::function<void(StatusCommand command, const std::string& activationToken)> carryOut;
     };
 
     explicit AppDelegate(Surroundings surroundings);
@@ -40,6 +43,8 @@ public:
     static void applicationWillFinishLaunching();
     /// Call after the window was first shown.
     void applicationDidFinishLaunching();
+    /// Also shows a change of the language in the meters' menus.
+    void setScene(const StatusScene& scene);
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -50,12 +55,15 @@ private:
     std::unique_ptr<StatusItem> makeStatusItem(const std::string& autosaveName,
                                                L10n::Key toolTip) const;
     void showLevels();
+    void showScene();
+    bool isRecording() const;
     void updateStatusItems(double systemLevel, double microphoneLevel);
     std::string description(AudioLevelSource source, L10n::Key name) const;
 
     Surroundings surroundings_;
     L10n texts_;
     LevelPictures pictures_;
+    StatusScene scene_;
     std::unique_ptr<StatusItem> systemAudioStatusItem_; // both set once registered
     std::unique_ptr<StatusItem> microphoneStatusItem_;
     QMetaObject::Connection levelSubscription_;

@@ -22,11 +22,13 @@ constexpr auto longestLaunch = 2s;
 VantoroApp::VantoroApp(std::unique_ptr<Recorder> recorder, const ControlPlatform& platform,
                        WindowPlatform windowPlatform)
     : platform_(std::move(windowPlatform)),
-      appDelegate_({.statusArea = platform_.statusArea,
-                    .levels = platform.levels,
-                    .preferences = platform.preferences,
-                    .desktops = platform_.desktops,
-                    .showMainWindow = [this](const auto& token) { activate(token); }}),
+      appDelegate_(
+          {.statusArea = platform_.statusArea,
+           .levels = platform.levels,
+           .preferences = platform.preferences,
+           .desktops = platform_.desktops,
+           .showMainWindow = [this](const auto& token) { activate(token); },
+           .carryOut = [this](auto command, const auto& token) { carryOut(command, token); }}),
       viewModel_(std::move(recorder), platform),
       languageSettings_(platform.preferences),
       updateChecker_(platform.preferences, platform_.version,
@@ -69,13 +71,43 @@ void VantoroApp::followRecording() {
         platform_.progressed(values.state.which(), values.outputDirectory);
     };
     connect(&viewModel_, &RecordingProperties::propertyChanged, this,
-            [tell](RecordingProperties::Property property) {
+            [this, tell](RecordingProperties::Property property) {
                 using enum RecordingProperties::Property;
                 if (property == state || property == outputDirectory) {
                     tell();
                 }
+                if (property == state || property == elapsedSeconds ||
+                    property == captureSystemAudio || property == captureMicrophone) {
+                    showScene();
+                }
             });
+    connect(&languageSettings_, &LanguageSettings::languageChanged, this, &VantoroApp::showScene);
     tell();
+    showScene();
+}
+
+void VantoroApp::showScene() {
+    const auto& values = viewModel_.values();
+    appDelegate_.setScene({.state = values.state.which(),
+                           .canStart = viewModel_.canStart(),
+                           .elapsedSeconds = values.elapsedSeconds});
+}
+
+void VantoroApp::carryOut(StatusCommand command, const std::string& activationToken) {
+    switch (command) {
+    case StatusCommand::showWindow:
+        activate(activationToken);
+        break;
+    case StatusCommand::startRecording:
+        startRecording(activationToken);
+        break;
+    case StatusCommand::stopRecording:
+        stopRecording(activationToken);
+        break;
+    case StatusCommand::quit:
+        quit(IfNotSaved::stay);
+        break;
+    }
 }
 
 void VantoroApp::activate(const std::string& activationToken) {

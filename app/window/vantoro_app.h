@@ -68,6 +68,9 @@ public:
 private:
     void followWindow();
     void followRecording();
+    /// Tells the meters what is not about levels.
+    void showScene();
+    void carryOut(StatusCommand command, const std::string& activationToken);
     /// Starts what the window did not have to wait for.
     void endLaunch();
     /// Hides the window if a meter can bring it back, else minimises it.

@@ -31,10 +31,16 @@ public:
             description = newDescription;
         }
 
+        void setToolTipDetail(const std::string& detail) override { toolTipDetail = detail; }
+
+        void setMenu(const StatusMenu& newMenu) override { menu = newMenu; }
+
         FakeStatusArea& area;
         StatusItemTraits traits;
         StatusImage image;
         std::string description;
+        std::string toolTipDetail;
+        StatusMenu menu;
     };
 
     std::unique_ptr<StatusItem> makeItem(StatusItemTraits traits) override {

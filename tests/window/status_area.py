@@ -7,6 +7,7 @@ from events import wait_for
 
 WATCHER = "org.kde.StatusNotifierWatcher"
 ITEM = "org.kde.StatusNotifierItem"
+MENU = "com.canonical.dbusmenu"
 SYSTEM_AUDIO_ITEM = "com.vantoro.app.system-audio-level"
 MICROPHONE_ITEM = "com.vantoro.app.microphone-level"
 PROPERTIES = "org.freedesktop.DBus.Properties"
@@ -78,6 +79,24 @@ class Item:
         return self.read("ToolTip")[2]
 
     @property
+    def tool_tip_detail(self):
+        return self.read("ToolTip")[3]
+
+    @property
+    def menu(self):
+        """The labels of its rows, with None for a line."""
+        return [properties.get("label") for _, properties, _ in self._rows()]
+
+    def choose(self, label):
+        """A row of the menu."""
+        number = next(number for number, properties, _ in self._rows() if properties.get("label") == label)
+        self._call(MENU, "Event", GLib.Variant("(isvu)", (number, "clicked", GLib.Variant("i", 0), 0)), self.read("Menu"))
+
+    def _rows(self):
+        arguments = GLib.Variant("(iias)", (0, -1, []))
+        return self._call(MENU, "GetLayout", arguments, self.read("Menu"))[1][2]
+
+    @property
     def description(self):
         return self.read("IconAccessibleDesc")
 
@@ -89,6 +108,6 @@ class Item:
     def click(self):
         self._call(ITEM, "Activate", GLib.Variant("(ii)", (0, 0)))
 
-    def _call(self, interface, method, arguments):
-        answer = self._bus.call_sync(self._name, "/StatusNotifierItem", interface, method, arguments, None, 0, -1)
+    def _call(self, interface, method, arguments, path="/StatusNotifierItem"):
+        answer = self._bus.call_sync(self._name, path, interface, method, arguments, None, 0, -1)
         return answer.unpack()

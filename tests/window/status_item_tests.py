@@ -23,18 +23,41 @@ class StatusItems(WindowCase):
         return self.area.item(SYSTEM_AUDIO_ITEM), self.area.item(MICROPHONE_ITEM)
 
     def test_eachMeterShowsTheLevelOfItsSourceWhileItIsRecorded(self):
-        self.enterContext(sound.tone(440))
         window = self.open_window()
         system, microphone = self.items()
         at_rest = system.picture, microphone.picture
         self.assertNotEqual(*at_rest)
         self.record(window)
-        wait_for(lambda: system.picture != at_rest[0], "the level of the system's sound to be shown")
-        self.assertEqual(microphone.picture, at_rest[1])
+        silent = system.picture, microphone.picture
+        self.assertFalse(set(map(str, silent)) & set(map(str, at_rest)))  # a recording can be told from rest
+        with sound.tone(440):
+            wait_for(lambda: system.picture != silent[0], "the level of the system's sound to be shown")
+            self.assertEqual(microphone.picture, silent[1])
         with sound.tone(1000, "--into", sound.MICROPHONE):
-            wait_for(lambda: microphone.picture != at_rest[1], "the level of the microphone to be shown")
+            wait_for(lambda: microphone.picture != silent[1], "the level of the microphone to be shown")
         window.control(ENGLISH["stopRecording"]).press()
         wait_for(lambda: (system.picture, microphone.picture) == at_rest, "the meters to be at rest")
+
+    def test_menuMakesARecordingWhileTheWindowIsHiddenAndQuits(self):
+        self.enterContext(sound.tone(440))
+        window = self.open_window()
+        self.wait_until_ready(window)
+        item = self.items()[0]
+        self.assertEqual(item.menu, ["Show Vantoro", ENGLISH["startRecording"], None, "Quit"])
+        self.screen.ask_to_close(window.frame)
+        wait_for(lambda: not self.screen.is_managed(window.frame), "the window to be hidden")
+        with self.until_written():
+            item.choose(ENGLISH["startRecording"])
+        wait_for(lambda: item.tool_tip_detail > "Recording: 00:00", "the tool tip to say the time")
+        item.choose(ENGLISH["stopRecording"])
+        wait_for(lambda: item.menu[1] == ENGLISH["startRecording"], "the recording to end")
+        wait_for(lambda: any(path.suffix == ".m4a" for path in self.folder.iterdir()), "the recording to be saved")
+        self.assert_holds(self.only_recording(), 440)
+        self.assertEqual(item.tool_tip_detail, "")
+        item.choose("Show Vantoro")
+        wait_for(lambda: self.screen.is_in_front(window.frame), "the window to come to the front")
+        item.choose("Quit")
+        self.assertEqual(window.program.finish(), 0)
 
     def test_panelIsToldOfNothingWhileNothingIsRecorded(self):
         window = self.open_window()

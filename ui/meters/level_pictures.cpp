@@ -5,6 +5,8 @@
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 
+#include "ui/meters/recording_mark.h"
+
 namespace vantoro {
 
 namespace {
@@ -26,12 +28,15 @@ void LevelPictures::setColor(const QColor& color) {
     }
 }
 
-StatusImage LevelPictures::picture(LevelSymbol symbol, double level) {
+StatusImage LevelPictures::picture(LevelSymbol symbol, double level, bool isRecording) {
     const int stage = stageOf(level);
-    auto& picture = drawn_[{symbol, stage}];
+    auto& picture = drawn_[{symbol, stage, isRecording}];
     if (picture.isEmpty()) {
         for (const int size : levelGlyphSizes) {
             picture.push_back(drawOutlinedLevelGlyph(symbol, stage, size, color_));
+            if (isRecording) {
+                drawRecordingMark(picture.back(), color_);
+            }
         }
     }
     return picture;

@@ -4,7 +4,7 @@
 
 #include <map>
 #include <string>
-#include <utility>
+#include <tuple>
 
 #include <QtGui/QColor>
 #include <QtGui/QPalette>
@@ -21,12 +21,13 @@ public:
 
     void setColor(const QColor& color);
 
-    /// In all `levelGlyphSizes`; `level` as for `stageOf`.
-    StatusImage picture(LevelSymbol symbol, double level);
+    /// In all `levelGlyphSizes`; `level` as for `stageOf`. Marked while recording, since a silent
+    /// source looks like one that is not recorded.
+    StatusImage picture(LevelSymbol symbol, double level, bool isRecording);
 
 private:
     QColor color_;
-    std::map<std::pair<LevelSymbol, int>, StatusImage> drawn_;
+    std::map<std::tuple<LevelSymbol, int, bool>, StatusImage> drawn_;
 };
 
 /// A colour that is visible on the desktop's panel: light if the palette is dark, or if one of

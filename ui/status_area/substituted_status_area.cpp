@@ -28,12 +28,30 @@ public:
         }
     }
 
+    void setToolTipDetail(const std::string& detail) override {
+        toolTipDetail_ = detail;
+        first_->setToolTipDetail(detail);
+        if (substitute_) {
+            substitute_->setToolTipDetail(detail);
+        }
+    }
+
+    void setMenu(const StatusMenu& menu) override {
+        menu_ = menu;
+        first_->setMenu(menu);
+        if (substitute_) {
+            substitute_->setMenu(menu);
+        }
+    }
+
     void chooseArea() {
         if (!area_.substitutes()) {
             substitute_.reset();
         } else if (!substitute_) {
             substitute_ = area_.substitute_.makeItem(traits_);
             substitute_->setImage(image_, description_);
+            substitute_->setToolTipDetail(toolTipDetail_);
+            substitute_->setMenu(menu_);
         }
     }
 
@@ -42,6 +60,8 @@ private:
     StatusItemTraits traits_;
     StatusImage image_;
     std::string description_;
+    std::string toolTipDetail_;
+    StatusMenu menu_;
     std::unique_ptr<StatusItem> first_; // kept, in case the area comes back
     std::unique_ptr<StatusItem> substitute_;
 };

@@ -98,6 +98,17 @@ bool callAsync(sd_bus* bus, const BusMethod& method, const std::vector<BusArgume
            keep(slot, std::move(receive));
 }
 
+bool signalAsync(sd_bus* bus, const std::string& path, const std::string& interface,
+                 const std::string& signal, const std::vector<BusArgument>& arguments) {
+    sd_bus_message* created = nullptr;
+    if (sd_bus_message_new_signal(bus, &created, path.c_str(), interface.c_str(), signal.c_str()) <
+        0) {
+        return false;
+    }
+    const Message message(created);
+    return append(message.get(), arguments) && sd_bus_send(bus, message.get(), nullptr) >= 0;
+}
+
 bool listenAsync(sd_bus* bus, const std::string& rule, BusReceive heard) {
     auto receive = std::make_unique<BusReceive>(std::move(heard));
     sd_bus_slot* slot = nullptr;

@@ -48,6 +48,10 @@ BusAttempt startConnecting(const std::string& address);
 bool callAsync(sd_bus* bus, const BusMethod& method, const std::vector<BusArgument>& arguments,
                BusReceive answered);
 
+/// Emits a signal. False if it cannot be sent.
+bool signalAsync(sd_bus* bus, const std::string& path, const std::string& interface,
+                 const std::string& signal, const std::vector<BusArgument>& arguments);
+
 /// Subscribes to the signals that match the rule. False if the subscription cannot be sent.
 bool listenAsync(sd_bus* bus, const std::string& rule, BusReceive heard);
 

@@ -79,14 +79,14 @@ bool BusConnection::exportObject(const BusObject& object, const sd_bus_vtable* t
                                     object.interface.c_str(), table, functionsArgument) >= 0;
 }
 
-bool BusConnection::sendSignal(const BusObject& object, const std::string& signal) {
+bool BusConnection::sendSignal(const BusObject& object, const std::string& signal,
+                               const std::vector<BusArgument>& arguments) {
     if (bus_ == nullptr) {
         return false;
     }
-    const int sent = sd_bus_emit_signal(bus_.get(), object.path.c_str(), object.interface.c_str(),
-                                        signal.c_str(), nullptr);
+    const bool sent = signalAsync(bus_.get(), object.path, object.interface, signal, arguments);
     awaitEvents();
-    return sent >= 0;
+    return sent;
 }
 
 bool BusConnection::isBehind() const {

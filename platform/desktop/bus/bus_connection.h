@@ -51,8 +51,9 @@ public:
     /// receive, must live as long. False without a bus.
     bool exportObject(const BusObject& object, const sd_bus_vtable* table, void* functionsArgument);
 
-    /// Emits a signal without arguments. False if it cannot be sent.
-    bool sendSignal(const BusObject& object, const std::string& signal);
+    /// Emits a signal. False if it cannot be sent.
+    bool sendSignal(const BusObject& object, const std::string& signal,
+                    const std::vector<BusArgument>& arguments = {});
 
     /// Whether output is queued because the bus does not read it.
     bool isBehind() const;

@@ -18,14 +18,32 @@ public:
 
     bool operator()(std::uint32_t number) const { return write('u', &number); }
 
+    bool operator()(std::int32_t number) const { return write('i', &number); }
+
     bool operator()(const BusOptions& options) const {
         bool written = open('a', "{sv}");
         for (const auto& [name, value] : options) {
-            written = written && sd_bus_message_append(message_, "{sv}", name.c_str(), "s",
-                                                       value.c_str()) >= 0;
+            written = written && open('e', "sv") && (*this)(name) && writeVariant(value) && close();
         }
         return written && close();
     }
+
+    bool operator()(const BusRecords& records) const {
+        bool written = open('a', "a{sv}");
+        for (const auto& record : records) {
+            written = written && (*this)(BusOptions(record.begin(), record.end()));
+        }
+        return written && close();
+    }
+
+    bool operator()(bool flag) const {
+        const int number = flag ? 1 : 0;
+        return write('b', &number);
+    }
+
+    bool operator()(double number) const { return write('d', &number); }
+
+    bool operator()(std::uint8_t number) const { return write('y', &number); }
 
     bool operator()(const BusTexts& texts) const {
         bool written = open('a', "s");
@@ -36,6 +54,11 @@ public:
     }
 
     bool operator()(BusFile file) const { return write('h', &file.descriptor); }
+
+    bool writeVariant(const BusValue& value) const {
+        constexpr const char* types[] = {"s", "b", "d", "y", "aa{sv}"}; // of a BusValue
+        return open('v', types[value.index()]) && std::visit(*this, value) && close();
+    }
 
 private:
     bool write(char type, const void* value) const {
@@ -74,6 +97,10 @@ bool append(sd_bus_message* message, const std::vector<BusArgument>& arguments) 
         }
     }
     return true;
+}
+
+bool appendVariant(sd_bus_message* message, const BusValue& value) {
+    return Writer(message).writeVariant(value);
 }
 
 bool BusMessage::isError() const {

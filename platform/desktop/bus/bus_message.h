@@ -15,19 +15,24 @@ struct sd_bus_message;
 
 namespace vantoro::desktop {
 
-/// A dictionary of strings, as used for optional arguments.
-using BusOptions = std::vector<std::pair<std::string, std::string>>;
 using BusTexts = std::vector<std::string>;
+/// Dictionaries of strings.
+using BusRecords = std::vector<std::vector<std::pair<std::string, std::string>>>;
+/// A dictionary, as used for optional arguments.
+using BusValue = std::variant<std::string, bool, double, std::uint8_t, BusRecords>;
+using BusOptions = std::vector<std::pair<std::string, BusValue>>;
 
 /// An open file; sends a duplicate of the descriptor.
 struct BusFile {
     int descriptor = -1;
 };
 
-using BusArgument = std::variant<std::string, std::uint32_t, BusOptions, BusTexts, BusFile>;
+using BusArgument =
+    std::variant<std::string, std::uint32_t, std::int32_t, BusOptions, BusTexts, BusFile>;
 
 /// False if they cannot be sent.
 bool append(sd_bus_message* message, const std::vector<BusArgument>& arguments);
+bool appendVariant(sd_bus_message* message, const BusValue& value);
 
 /// A reply or a signal. Valid only within the callback that receives it, on its thread.
 class BusMessage {

@@ -66,11 +66,18 @@ int pixels(sd_bus* /*bus*/, const char* /*path*/, const char* /*interface*/,
 int toolTip(sd_bus* /*bus*/, const char* /*path*/, const char* /*interface*/,
             const char* /*property*/, sd_bus_message* reply, void* argument,
             sd_bus_error* /*error*/) {
-    const bool appended =
-        sd_bus_message_open_container(reply, 'r', "sa(iiay)ss") >= 0 &&
-        sd_bus_message_append(reply, "s", "") >= 0 && appendImage(reply, {}) >= 0 &&
-        sd_bus_message_append(reply, "ss", objectOf(argument).toolTip.c_str(), "") >= 0;
+    const bool appended = sd_bus_message_open_container(reply, 'r', "sa(iiay)ss") >= 0 &&
+                          sd_bus_message_append(reply, "s", "") >= 0 &&
+                          appendImage(reply, {}) >= 0 &&
+                          sd_bus_message_append(reply, "ss", objectOf(argument).toolTip.c_str(),
+                                                objectOf(argument).toolTipDetail.c_str()) >= 0;
     return appended ? sd_bus_message_close_container(reply) : -EIO;
+}
+
+int menuPath(sd_bus* /*bus*/, const char* /*path*/, const char* /*interface*/,
+             const char* /*property*/, sd_bus_message* reply, void* /*argument*/,
+             sd_bus_error* /*error*/) {
+    return sd_bus_message_append(reply, "o", ItemMenu::path);
 }
 
 int click(sd_bus_message* call, void* argument, sd_bus_error* /*error*/) {
@@ -114,6 +121,7 @@ const sd_bus_vtable table[] = {
     SD_BUS_PROPERTY("AttentionIconName", "s", text<&Object::none>, 0, 0),
     SD_BUS_PROPERTY("ToolTip", "(sa(iiay)ss)", toolTip, 0, 0),
     SD_BUS_PROPERTY("ItemIsMenu", "b", zero<'b'>, 0, constant),
+    SD_BUS_PROPERTY("Menu", "o", menuPath, 0, constant),
     SD_BUS_METHOD("Activate", "ii", "", click, anybody),
     SD_BUS_METHOD("SecondaryActivate", "ii", "", click, anybody),
     SD_BUS_METHOD("ContextMenu", "ii", "", click, anybody),
@@ -135,6 +143,16 @@ StatusNotifierItem::StatusNotifierItem(const std::string& busAddress, const std:
                                        StatusItemTraits traits)
     : clicked_(std::move(traits.clicked)),
       bus_(busAddress),
+      menu_(bus_,
+            [this, chosen = std::move(traits.chosen)](StatusCommand command) {
+                // As for a click.
+                QMetaObject::invokeMethod(
+                    &events_,
+                    [chosen, command, token = std::exchange(object_.nextActivationToken, {})] {
+                        chosen(command, token);
+                    },
+                    Qt::QueuedConnection);
+            }),
       watcher_(bus_, statusNotifierWatcher, [this] { registerWithWatcher(); }) {
     object_.identifier = std::move(traits.identifier);
     object_.description = traits.toolTip;
@@ -168,6 +186,14 @@ void StatusNotifierItem::setImage(const StatusImage& image, const std::string& d
     signalChanges();
 }
 
+void StatusNotifierItem::setToolTipDetail(const std::string& detail) {
+    if (detail != object_.toolTipDetail) {
+        object_.toolTipDetail = detail;
+        toolTipChanged_ = true;
+        signalChanges();
+    }
+}
+
 void StatusNotifierItem::registerWithWatcher() {
     if (isWatched() && !registeredName_.empty()) {
         bus_.call({.service = statusNotifierWatcher,
@@ -179,12 +205,13 @@ void StatusNotifierItem::registerWithWatcher() {
 }
 
 void StatusNotifierItem::signalChanges() {
-    if (pause_.isActive() || !(imageChanged_ || descriptionChanged_)) {
+    if (pause_.isActive() || !(imageChanged_ || descriptionChanged_ || toolTipChanged_)) {
         return;
     }
     if (!isWatched()) { // a watcher reads everything when it appears
         imageChanged_ = false;
         descriptionChanged_ = false;
+        toolTipChanged_ = false;
         return;
     }
     if (bus_.isBehind()) { // a signal would only fill the queue
@@ -192,6 +219,13 @@ void StatusNotifierItem::signalChanges() {
         return;
     }
     pause_.start(signalDistance);
+    signalEachChange();
+}
+
+void StatusNotifierItem::signalEachChange() {
+    if (std::exchange(toolTipChanged_, false)) {
+        bus_.sendSignal(itemObject, "NewToolTip");
+    }
     if (std::exchange(descriptionChanged_, false)) {
         imageChanged_ = true; // panels read the description together with the picture
         bus_.sendSignal(itemObject, "NewTitle");

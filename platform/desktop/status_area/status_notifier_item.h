@@ -11,6 +11,7 @@
 
 #include "platform/desktop/bus/bus_connection.h"
 #include "platform/desktop/bus/service_owner.h"
+#include "platform/desktop/status_area/item_menu.h"
 #include "ui/ports/status_area.h"
 
 namespace vantoro::desktop {
@@ -21,6 +22,7 @@ constexpr const char* statusNotifierWatcher = "org.kde.StatusNotifierWatcher";
 struct StatusNotifierObject {
     std::string identifier;
     std::string toolTip;
+    std::string toolTipDetail;
     std::string description;
     StatusImage image;
     /// Called by the bus with the click's activation token, or an empty one.
@@ -44,21 +46,27 @@ public:
                        StatusItemTraits traits);
 
     void setImage(const StatusImage& image, const std::string& description) override;
+    void setToolTipDetail(const std::string& detail) override;
+
+    void setMenu(const StatusMenu& menu) override { menu_.set(menu); }
 
 private:
     bool isWatched() const { return !watcher_.name().value_or("").empty(); }
 
     void registerWithWatcher();
     void signalChanges();
+    void signalEachChange();
 
     std::function<void(const std::string&)> clicked_;
     StatusNotifierObject object_;
     std::string registeredName_;      ///< the name registered with the watcher; empty until then
     bool imageChanged_ = false;       ///< not yet signalled
     bool descriptionChanged_ = false; ///< not yet signalled
+    bool toolTipChanged_ = false;     ///< not yet signalled
     QTimer pause_;                    ///< after a signal
     QObject events_;                  ///< cancels pending callbacks on destruction
     BusConnection bus_;
+    ItemMenu menu_;
     ServiceOwner watcher_;
 };
 

@@ -22,6 +22,7 @@ protected:
     AudioLevelStore levels;
     FakeStatusArea area;
     std::vector<std::string> clicks;
+    std::vector<std::pair<StatusCommand, std::string>> choices;
     QPalette usual = QApplication::palette();
     std::optional<AppDelegate> delegate{
         std::in_place,
@@ -30,7 +31,11 @@ protected:
             .levels = levels,
             .preferences = preferences,
             .desktops = "KDE",
-            .showMainWindow = [this](const std::string& token) { clicks.push_back(token); }}};
+            .showMainWindow = [this](const std::string& token) { clicks.push_back(token); },
+            .carryOut =
+                [this](StatusCommand command, const std::string& token) {
+                    choices.emplace_back(command, token);
+                }}};
 
     void TearDown() override { QApplication::setPalette(usual); }
 
@@ -43,8 +48,9 @@ protected:
 
     FakeStatusArea::Item& microphone() { return *area.items.at(1); }
 
-    static StatusImage picture(LevelSymbol symbol, double level) {
-        return LevelPictures(panelColor(QApplication::palette(), "KDE")).picture(symbol, level);
+    static StatusImage picture(LevelSymbol symbol, double level, bool isRecording = false) {
+        return LevelPictures(panelColor(QApplication::palette(), "KDE"))
+            .picture(symbol, level, isRecording);
     }
 
     /// Whether the microphone's meter eventually shows a level.
@@ -116,6 +122,41 @@ TEST_F(AppDelegateTest, descriptionSaysThatASourceDeliversNothing) {
     EXPECT_EQ(systemAudio().description, "System Audio");
     levels.setCondition(AudioLevelSource::microphone, SourceCondition::delivering);
     EXPECT_TRUE(EventLoop::runUntil([&] { return microphone().description == "Microphone"; }));
+}
+
+TEST_F(AppDelegateTest, recordingCanBeToldFromRestWhenBothAreSilent) {
+    launch();
+    delegate->setScene({.state = RecordingState::Case::recording});
+    EXPECT_EQ(systemAudio().image, picture(LevelSymbol::loudspeaker, 0, true));
+    EXPECT_EQ(microphone().image, picture(LevelSymbol::microphone, 0, true));
+    delegate->setScene({.state = RecordingState::Case::processing});
+    EXPECT_EQ(microphone().image, picture(LevelSymbol::microphone, 0));
+}
+
+TEST_F(AppDelegateTest, recordingThatBeganBeforeTheMetersIsShown) {
+    delegate->setScene({.state = RecordingState::Case::recording, .elapsedSeconds = 61});
+    launch();
+    EXPECT_EQ(microphone().image, picture(LevelSymbol::microphone, 0, true));
+    EXPECT_EQ(microphone().toolTipDetail, "Recording: 01:01");
+    EXPECT_EQ(systemAudio().menu.at(1).label, "Stop Recording");
+}
+
+TEST_F(AppDelegateTest, toolTipsSayTheRecordedTimeOnlyWhileRecording) {
+    launch();
+    EXPECT_EQ(systemAudio().toolTipDetail, "");
+    delegate->setScene({.state = RecordingState::Case::recording, .elapsedSeconds = 3600});
+    EXPECT_EQ(systemAudio().toolTipDetail, "Recording: 01:00:00");
+    EXPECT_EQ(microphone().toolTipDetail, "Recording: 01:00:00");
+    delegate->setScene({.state = RecordingState::Case::processing, .elapsedSeconds = 3600});
+    EXPECT_EQ(microphone().toolTipDetail, "");
+}
+
+TEST_F(AppDelegateTest, choiceInAMenuIsPassedOn) {
+    launch();
+    systemAudio().traits.chosen(StatusCommand::startRecording, "a token");
+    microphone().traits.chosen(StatusCommand::quit, "");
+    EXPECT_EQ(choices, (std::vector<std::pair<StatusCommand, std::string>>{
+                           {StatusCommand::startRecording, "a token"}, {StatusCommand::quit, ""}}));
 }
 
 TEST_F(AppDelegateTest, anotherLanguageAppearsInDescriptionsAtTheNextLevelButNotInToolTips) {

@@ -12,6 +12,7 @@
 #include "tests/control/event_loop.h"
 #include "tests/control/view_model_fixture.h"
 #include "tests/support/fake_status_area.h"
+#include "ui/rows/toggle_switch.h"
 
 namespace vantoro::testing {
 namespace {
@@ -165,6 +166,58 @@ TEST_F(VantoroAppTest, desktopMakesARecordingWithoutTheWindow) {
     settle();
     EXPECT_EQ(recorder.calls.back(), "stop");
     EXPECT_FALSE(window().isVisible());
+}
+
+TEST_F(VantoroAppTest, menuOfAMeterShowsTheWindowAndMakesARecordingAndQuits) {
+    start();
+    ASSERT_TRUE(stands());
+    window().close();
+    const auto choose = [this](StatusCommand command) {
+        area.items.at(0)->traits.chosen(command, "");
+        settle();
+    };
+    choose(StatusCommand::startRecording);
+    EXPECT_EQ(recorder.calls.back(), "start");
+    choose(StatusCommand::stopRecording);
+    EXPECT_EQ(recorder.calls.back(), "stop");
+    EXPECT_FALSE(window().isVisible());
+    choose(StatusCommand::showWindow);
+    EXPECT_TRUE(window().isVisible());
+    EXPECT_EQ(ends, 0);
+    choose(StatusCommand::quit);
+    EXPECT_EQ(ends, 1);
+}
+
+TEST_F(VantoroAppTest, metersFollowTheRecordingAndTheLanguage) {
+    start();
+    ASSERT_TRUE(stands());
+    const auto& meter = *area.items.at(1);
+    EXPECT_EQ(meter.menu.at(1).label, "Start Recording");
+    EXPECT_EQ(meter.toolTipDetail, "");
+    startRecording();
+    scheduler.advance(2s);
+    EXPECT_EQ(meter.menu.at(1).label, "Stop Recording");
+    EXPECT_EQ(meter.toolTipDetail, "Recording: 00:02");
+    app->stopRecording("");
+    settle();
+    EXPECT_EQ(meter.menu.at(1).label, "Start Recording");
+    EXPECT_EQ(meter.toolTipDetail, "");
+    for (auto* const action : window().findChildren<QAction*>()) {
+        if (action->text() == "中文") {
+            action->trigger();
+        }
+    }
+    EXPECT_EQ(meter.menu.at(1).label, "开始录音");
+}
+
+TEST_F(VantoroAppTest, recordingCannotBeStartedFromAMenuWithoutSources) {
+    start();
+    ASSERT_TRUE(stands());
+    for (auto* const toggle : window().findChildren<ToggleSwitch*>()) {
+        EXPECT_TRUE(area.items.at(0)->menu.at(1).isEnabled);
+        toggle->click();
+    }
+    EXPECT_FALSE(area.items.at(0)->menu.at(1).isEnabled);
 }
 
 TEST_F(VantoroAppTest, windowComesBackWhenARecordingThatTheDesktopWantsFails) {

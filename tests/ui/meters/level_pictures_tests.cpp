@@ -13,28 +13,48 @@ namespace {
 
 TEST(LevelPicturesTest, pictureComesInAllSizes) {
     LevelPictures pictures(Qt::white);
-    const auto picture = pictures.picture(LevelSymbol::microphone, 0.3);
+    const auto picture = pictures.picture(LevelSymbol::microphone, 0.3, false);
     ASSERT_EQ(picture.size(), levelGlyphSizes.size());
     for (std::size_t i = 0; i < levelGlyphSizes.size(); ++i) {
         EXPECT_EQ(picture[static_cast<int>(i)].width(), levelGlyphSizes[i]);
     }
 }
 
+TEST(LevelPicturesTest, recordingLooksDifferentAtEverySizeAndLevel) {
+    LevelPictures pictures(Qt::white);
+    for (const auto symbol : {LevelSymbol::loudspeaker, LevelSymbol::microphone}) {
+        for (int stage = 1; stage <= levelStages; ++stage) {
+            const double level = static_cast<double>(stage) / levelStages;
+            const auto marked = pictures.picture(symbol, level, true);
+            const auto plain = pictures.picture(symbol, level, false);
+            for (qsizetype i = 0; i < plain.size(); ++i) {
+                EXPECT_NE(marked[i], plain[i]);
+                const int inDot = marked[i].width() / 6;
+                EXPECT_EQ(marked[i].pixelColor(inDot, inDot), QColor(Qt::white));
+                // The level's own part stays as it is.
+                const QRect right(marked[i].width() / 2, 0, marked[i].width() / 2,
+                                  marked[i].height());
+                EXPECT_EQ(marked[i].copy(right), plain[i].copy(right));
+            }
+        }
+    }
+}
+
 TEST(LevelPicturesTest, levelsOfOneStageHaveOnePicture) {
     LevelPictures pictures(Qt::white);
-    const auto picture = pictures.picture(LevelSymbol::loudspeaker, 0);
-    EXPECT_EQ(pictures.picture(LevelSymbol::loudspeaker, 0.06), picture);
-    EXPECT_NE(pictures.picture(LevelSymbol::loudspeaker, 0.5), picture);
-    EXPECT_NE(pictures.picture(LevelSymbol::microphone, 0), picture);
+    const auto picture = pictures.picture(LevelSymbol::loudspeaker, 0, false);
+    EXPECT_EQ(pictures.picture(LevelSymbol::loudspeaker, 0.06, false), picture);
+    EXPECT_NE(pictures.picture(LevelSymbol::loudspeaker, 0.5, false), picture);
+    EXPECT_NE(pictures.picture(LevelSymbol::microphone, 0, false), picture);
 }
 
 TEST(LevelPicturesTest, picturesHaveTheColorOfTheMoment) {
     LevelPictures pictures(Qt::white);
-    const auto before = pictures.picture(LevelSymbol::loudspeaker, 1);
+    const auto before = pictures.picture(LevelSymbol::loudspeaker, 1, false);
     pictures.setColor(Qt::black);
-    const auto after = pictures.picture(LevelSymbol::loudspeaker, 1);
-    EXPECT_EQ(before, LevelPictures(Qt::white).picture(LevelSymbol::loudspeaker, 1));
-    EXPECT_EQ(after, LevelPictures(Qt::black).picture(LevelSymbol::loudspeaker, 1));
+    const auto after = pictures.picture(LevelSymbol::loudspeaker, 1, false);
+    EXPECT_EQ(before, LevelPictures(Qt::white).picture(LevelSymbol::loudspeaker, 1, false));
+    EXPECT_EQ(after, LevelPictures(Qt::black).picture(LevelSymbol::loudspeaker, 1, false));
 }
 
 double luminance(const QColor& color) {
@@ -64,7 +84,7 @@ double visibleShare(const QImage& picture, const QColor& panel) {
 TEST(LevelPicturesTest, picturesAreVisibleOnEveryPanel) {
     for (const auto symbol : {LevelSymbol::loudspeaker, LevelSymbol::microphone}) {
         for (const QColor tone : {QColor(0xf2f2f2), QColor(0x2e3436)}) {
-            const auto pictures = LevelPictures(tone).picture(symbol, 0.5);
+            const auto pictures = LevelPictures(tone).picture(symbol, 0.5, false);
             for (const auto& picture : pictures) {
                 for (int grey = 0; grey < 256; grey += 5) {
                     EXPECT_GT(visibleShare(picture, QColor(grey, grey, grey)), 0.12)

@@ -2,14 +2,18 @@
 
 #include <functional>
 #include <memory>
+#include <stdexcept>
 #include <utility>
 #include <vector>
 
 #include <QtGui/QImage>
+#include <QtWidgets/QApplication>
+#include <QtWidgets/QMenu>
 #include <QtWidgets/QSystemTrayIcon>
 
 #include <gtest/gtest.h>
 
+#include "tests/control/event_loop.h"
 #include "tests/support/fake_status_area.h"
 #include "ui/status_area/substituted_status_area.h"
 #include "ui/status_area/tray_icon_area.h"
@@ -51,12 +55,16 @@ TEST_F(SubstitutedStatusAreaTest, usesOnlyTheFirstWhileItMayAppear) {
 TEST_F(SubstitutedStatusAreaTest, usesTheSubstituteWhileTheFirstIsUnavailable) {
     const auto item = makeItem();
     item->setImage(image, "description");
+    item->setToolTipDetail("detail");
+    item->setMenu({{.label = "Row"}});
     first.setAvailable(false);
     ASSERT_EQ(substitute.items.size(), 1U);
     EXPECT_EQ(substitute.items[0]->traits.identifier, "identifier");
     EXPECT_EQ(substitute.items[0]->traits.toolTip, "tool tip");
     EXPECT_EQ(substitute.items[0]->image, image);
     EXPECT_EQ(substitute.items[0]->description, "description");
+    EXPECT_EQ(substitute.items[0]->toolTipDetail, "detail");
+    EXPECT_EQ(substitute.items[0]->menu, StatusMenu{{.label = "Row"}});
     first.setAvailable(true);
     EXPECT_TRUE(substitute.items.empty());
     EXPECT_EQ(first.items.size(), 1U);
@@ -68,10 +76,16 @@ TEST_F(SubstitutedStatusAreaTest, laterItemUsesTheSubstituteToo) {
     EXPECT_EQ(substitute.items.size(), 1U);
 }
 
-TEST_F(SubstitutedStatusAreaTest, pictureReachesBoth) {
+TEST_F(SubstitutedStatusAreaTest, everythingReachesBoth) {
     first.setAvailable(false);
     const auto item = makeItem();
     item->setImage(image, "description");
+    item->setToolTipDetail("detail");
+    item->setMenu({{.label = "Row"}});
+    for (const auto* const shown : {first.items.at(0), substitute.items.at(0)}) {
+        EXPECT_EQ(shown->toolTipDetail, "detail");
+        EXPECT_EQ(shown->menu, StatusMenu{{.label = "Row"}});
+    }
     EXPECT_EQ(first.items.at(0)->image, image);
     EXPECT_EQ(substitute.items.at(0)->image, image);
 }
@@ -115,6 +129,37 @@ TEST(TrayIconAreaTest, isAvailableIfTheToolkitSaysSo) {
     EXPECT_EQ(area.isAvailable(), QSystemTrayIcon::isSystemTrayAvailable());
     const auto item = area.makeItem({.identifier = "i", .toolTip = "t", .clicked = {}});
     item->setImage({QImage(16, 16, QImage::Format_ARGB32)}, "description");
+}
+
+/// The only menu of the program.
+QMenu& trayMenu() {
+    for (auto* const widget : QApplication::topLevelWidgets()) {
+        if (auto* const found = qobject_cast<QMenu*>(widget)) {
+            return *found;
+        }
+    }
+    throw std::runtime_error("there is no menu");
+}
+
+TEST(TrayIconAreaTest, menuHasItsRowsAndTellsOfTheChoice) {
+    TrayIconArea area;
+    std::vector<StatusCommand> choices;
+    const auto item = area.makeItem(
+        {.identifier = "i",
+         .toolTip = "t",
+         .clicked = {},
+         .chosen = [&](StatusCommand command, const auto&) { choices.push_back(command); }});
+    item->setMenu({{.command = StatusCommand::startRecording, .label = "Start", .isEnabled = false},
+                   {.command = StatusCommand::quit, .label = "Quit", .startsGroup = true}});
+    const auto actions = trayMenu().actions();
+    ASSERT_EQ(actions.size(), 3);
+    EXPECT_EQ(actions[0]->text(), "Start");
+    EXPECT_FALSE(actions[0]->isEnabled());
+    EXPECT_TRUE(actions[1]->isSeparator());
+    actions[2]->trigger();
+    EXPECT_TRUE(choices.empty());
+    EXPECT_TRUE(EventLoop::runUntil([&] { return !choices.empty(); }));
+    EXPECT_EQ(choices, std::vector{StatusCommand::quit});
 }
 
 } // namespace

@@ -44,9 +44,9 @@ void TestWatcher::setHasPanel(bool hasPanel) {
 }
 
 StatusNotifierTest::StatusNotifierTest() {
-    for (const std::string signal : {"NewIcon", "NewTitle", "NewToolTip", "NewStatus"}) {
-        ears_.listen("type='signal',interface='" + itemInterface.toStdString() + "',member='" +
-                         signal + "'",
+    for (const std::string signal :
+         {"NewIcon", "NewTitle", "NewToolTip", "NewStatus", "LayoutUpdated"}) {
+        ears_.listen("type='signal',member='" + signal + "'",
                      [this, signal](desktop::BusMessage&) { ++heard_[signal]; });
     }
     bool listening = false; // calls are answered in order
@@ -65,14 +65,18 @@ StatusNotifierTest::~StatusNotifierTest() {
 std::unique_ptr<StatusItem> StatusNotifierTest::makeItem(const std::string& identifier,
                                                          const std::string& toolTip) {
     return area.makeItem(
-        {.identifier = identifier, .toolTip = toolTip, .clicked = [this](const std::string& token) {
-             clicks.push_back(QString::fromStdString(token));
-         }});
+        {.identifier = identifier,
+         .toolTip = toolTip,
+         .clicked =
+             [this](const std::string& token) { clicks.push_back(QString::fromStdString(token)); },
+         .chosen = [this](StatusCommand command,
+                          const std::string& token) { choices.emplace_back(command, token); }});
 }
 
 QDBusMessage StatusNotifierTest::call(const QString& item, const QString& interface,
-                                      const QString& method, const QVariantList& arguments) {
-    auto question = QDBusMessage::createMethodCall(item, "/StatusNotifierItem", interface, method);
+                                      const QString& method, const QVariantList& arguments,
+                                      const QString& path) {
+    auto question = QDBusMessage::createMethodCall(item, path, interface, method);
     question.setArguments(arguments);
     // The item answers on this thread, so do not block it.
     const QDBusPendingCallWatcher watcher(panel_.asyncCall(question));

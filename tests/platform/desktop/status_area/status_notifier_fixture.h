@@ -6,6 +6,8 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include <QtCore/QStringList>
 #include <QtCore/QVariantMap>
@@ -43,7 +45,8 @@ public:
 protected:
     PrivateBus bus;
     desktop::StatusNotifierArea area{bus.address().toStdString()};
-    QStringList clicks; ///< their tokens
+    QStringList clicks;                                         ///< their tokens
+    std::vector<std::pair<StatusCommand, std::string>> choices; ///< in menus, with their tokens
 
     StatusNotifierTest();
     ~StatusNotifierTest() override;
@@ -53,7 +56,8 @@ protected:
 
     /// The item's answer.
     QDBusMessage call(const QString& item, const QString& interface, const QString& method,
-                      const QVariantList& arguments = {});
+                      const QVariantList& arguments = {},
+                      const QString& path = "/StatusNotifierItem");
     QDBusMessage callItem(const QString& item, const QString& method,
                           const QVariantList& arguments = {});
     /// Does not wait for an answer.

@@ -7,6 +7,7 @@
 
 #include <QtCore/QElapsedTimer>
 #include <QtDBus/QDBusArgument>
+#include <QtDBus/QDBusObjectPath>
 
 #include <gtest/gtest.h>
 
@@ -52,7 +53,7 @@ TEST_F(StatusNotifierItemTest, panelReadsWhatTheItemIs) {
     EXPECT_EQ(properties["IconAccessibleDesc"], "read aloud");
     EXPECT_EQ(properties["IconName"], "");
     EXPECT_EQ(properties["ItemIsMenu"], false);
-    EXPECT_FALSE(properties.contains("Menu"));
+    EXPECT_EQ(properties["Menu"].value<QDBusObjectPath>().path(), "/MenuBar");
 }
 
 TEST_F(StatusNotifierItemTest, panelReadsThePictureInEverySize) {
@@ -63,6 +64,7 @@ TEST_F(StatusNotifierItemTest, panelReadsThePictureInEverySize) {
 
 TEST_F(StatusNotifierItemTest, panelReadsTheToolTip) {
     const auto item = makeItem("identifier", "tool tip");
+    item->setToolTipDetail("detail");
     const auto property = propertiesOf(registeredItem())["ToolTip"];
     const auto toolTip = property.value<QDBusArgument>();
     ASSERT_EQ(toolTip.currentSignature(), "(sa(iiay)ss)");
@@ -77,7 +79,8 @@ TEST_F(StatusNotifierItemTest, panelReadsTheToolTip) {
     toolTip >> title >> text;
     toolTip.endStructure();
     EXPECT_EQ(title, "tool tip");
-    EXPECT_EQ(icon + text, "");
+    EXPECT_EQ(icon, "");
+    EXPECT_EQ(text, "detail");
 }
 
 TEST_F(StatusNotifierItemTest, clickHasItsActivationToken) {
@@ -176,6 +179,18 @@ TEST_F(StatusNotifierItemTest, newDescriptionIsSignalled) {
     EXPECT_EQ(heard("NewTitle"), 1);
     EXPECT_EQ(heard("NewToolTip"), 0);
     EXPECT_EQ(propertiesOf(name)["Title"], "read aloud");
+}
+
+TEST_F(StatusNotifierItemTest, newDetailOfTheToolTipIsSignalledAlone) {
+    const auto item = makeItem();
+    registeredItem();
+    item->setToolTipDetail("one");
+    ASSERT_TRUE(EventLoop::runUntil([&] { return heard("NewToolTip") == 1; }));
+    waitForPace();
+    item->setToolTipDetail("one");
+    waitForPace();
+    EXPECT_EQ(heard("NewToolTip"), 1);
+    EXPECT_EQ(heard("NewIcon"), 0);
 }
 
 TEST_F(StatusNotifierItemTest, burstIsSignalledAtItsStartAndEnd) {

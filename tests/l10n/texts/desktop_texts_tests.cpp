@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "l10n/texts/desktop_texts.h"
+
+#include <gtest/gtest.h>
+
+namespace vantoro::testing {
+namespace {
+
+TEST(DesktopTextsTest, everyTextExistsInEitherLanguageWithItsArguments) {
+    struct Row {
+        BilingualText text;
+        const char* english;
+        const char* chinese;
+    };
+
+    for (const auto& [text, english, chinese] : {
+             Row{DesktopText::showWindow, "Show Vantoro", "显示 Vantoro"},
+             Row{DesktopText::recordingFor, "Recording: 1", "录音中：1"},
+         }) {
+        EXPECT_EQ(text.in(AppLanguage::english, {"1", "2"}), english);
+        EXPECT_EQ(text.in(AppLanguage::chinese, {"1", "2"}), chinese);
+    }
+}
+
+} // namespace
+} // namespace vantoro::testing
