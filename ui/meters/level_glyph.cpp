@@ -16,6 +16,7 @@ constexpr double lowestShownLevel = 0.05;
 constexpr double faint = 0.28;
 constexpr double halfLit = 0.62;
 constexpr int waves = 3;
+constexpr double lineWidth = 1.3;
 constexpr QRgb darkLine = 0xff000000;
 constexpr QRgb lightLine = 0xffffffff;
 
@@ -142,20 +143,35 @@ LevelGlyph microphone(const Grid& grid) {
     return glyph;
 }
 
-/// A line around all parts, outside of them; about a pixel at 16 pixels.
-QPainterPath lineAround(const LevelGlyph& glyph, const Grid& grid) {
-    QPainterPath whole = glyph.body;
-    for (const auto& part : glyph.parts) {
-        whole |= part.outline;
-    }
-    return stroked(whole, 2 * grid.exact(1.3)) - whole;
-}
-
 double strength(const LevelGlyph::Part& part, int stage) {
     if (stage >= part.litAt) {
         return 1;
     }
     return stage >= part.halfLitAt ? halfLit : faint;
+}
+
+QColor faded(QColor color, double strength) {
+    color.setAlphaF(color.alphaF() * static_cast<float>(strength));
+    return color;
+}
+
+/// A line around the body and each part, outside of all of them; about a pixel at 16 pixels. As
+/// strong as what it surrounds: on a panel of the symbol's colour it alone shows the level.
+void drawLines(QPainter& painter, const LevelGlyph& glyph, int stage, double width,
+               const QColor& color) {
+    QPainterPath drawn = glyph.body;
+    for (const auto& part : glyph.parts) {
+        drawn |= part.outline;
+    }
+    const auto draw = [&](const QPainterPath& outline, double strength) {
+        const auto line = stroked(outline, 2 * width);
+        painter.fillPath(line - drawn, faded(color, strength));
+        drawn |= line;
+    };
+    draw(glyph.body, 1);
+    for (const auto& part : glyph.parts) {
+        draw(part.outline, strength(part, stage));
+    }
 }
 
 } // namespace
@@ -179,9 +195,7 @@ QImage drawLevelGlyph(LevelSymbol symbol, int stage, int size, const QColor& col
     painter.setRenderHint(QPainter::Antialiasing);
     painter.fillPath(glyph.body, color);
     for (const auto& part : glyph.parts) {
-        QColor shade = color;
-        shade.setAlphaF(shade.alphaF() * static_cast<float>(strength(part, stage)));
-        painter.fillPath(part.outline, shade);
+        painter.fillPath(part.outline, faded(color, strength(part, stage)));
     }
     return image;
 }
@@ -192,8 +206,9 @@ QImage drawOutlinedLevelGlyph(LevelSymbol symbol, int stage, int size, const QCo
     image.fill(Qt::transparent);
     QPainter painter(&image);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.fillPath(lineAround(outlineOf(symbol, size), Grid(size)),
-                     QColor::fromRgba(color.lightness() < middleGrey ? lightLine : darkLine));
+    painter.setRenderHint(QPainter::Antialiasing);
+    drawLines(painter, outlineOf(symbol, size), stage, Grid(size).exact(lineWidth),
+              QColor::fromRgba(color.lightness() < middleGrey ? lightLine : darkLine));
     painter.drawImage(0, 0, drawLevelGlyph(symbol, stage, size, color));
     return image;
 }

@@ -45,8 +45,8 @@ LevelGlyph outlineOf(LevelSymbol symbol, int size);
 /// The symbol in one colour on a transparent background; unlit parts are faint. Format_ARGB32.
 QImage drawLevelGlyph(LevelSymbol symbol, int stage, int size, const QColor& color);
 
-/// The same with a thin line of the opposite tone around it, so that it is visible on a panel of
-/// its own colour.
+/// The same with thin lines of the opposite tone around the body and each part, so that both the
+/// symbol and its level are visible on a panel of its own colour.
 QImage drawOutlinedLevelGlyph(LevelSymbol symbol, int stage, int size, const QColor& color);
 
 } // namespace vantoro

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <string>
 
 #include <QtGui/QPainter>
 #include <gtest/gtest.h>
@@ -81,19 +82,35 @@ double visibleShare(const QImage& picture, const QColor& panel) {
     return static_cast<double>(visible) / (shown.width() * shown.height());
 }
 
-TEST(LevelPicturesTest, picturesAreVisibleOnEveryPanel) {
+/// Calls with each picture of both symbols in both tones, and each grey of a panel.
+void onEveryPanel(double level, const auto& check) {
     for (const auto symbol : {LevelSymbol::loudspeaker, LevelSymbol::microphone}) {
         for (const QColor tone : {QColor(0xf2f2f2), QColor(0x2e3436)}) {
-            const auto pictures = LevelPictures(tone).picture(symbol, 0.5, false);
-            for (const auto& picture : pictures) {
+            LevelPictures pictures(tone);
+            const auto atRest = pictures.picture(symbol, 0, false);
+            const auto atLevel = pictures.picture(symbol, level, false);
+            for (qsizetype i = 0; i < atRest.size(); ++i) {
                 for (int grey = 0; grey < 256; grey += 5) {
-                    EXPECT_GT(visibleShare(picture, QColor(grey, grey, grey)), 0.12)
-                        << picture.width() << " px, " << tone.name().toStdString() << " on "
-                        << grey;
+                    SCOPED_TRACE(std::to_string(atRest[i].width()) + " px, " +
+                                 tone.name().toStdString() + " on " + std::to_string(grey));
+                    check(atRest[i], atLevel[i], QColor(grey, grey, grey));
                 }
             }
         }
     }
+}
+
+TEST(LevelPicturesTest, picturesAreVisibleOnEveryPanel) {
+    onEveryPanel(0.5, [](const QImage& atRest, const QImage& atLevel, const QColor& panel) {
+        EXPECT_GT(visibleShare(atRest, panel), 0.08);
+        EXPECT_GT(visibleShare(atLevel, panel), 0.12);
+    });
+}
+
+TEST(LevelPicturesTest, levelIsVisibleOnEveryPanel) {
+    onEveryPanel(1, [](const QImage& atRest, const QImage& atLevel, const QColor& panel) {
+        EXPECT_GT(visibleShare(atLevel, panel), visibleShare(atRest, panel) + 0.04);
+    });
 }
 
 QPalette palette(const QColor& text, const QColor& window) {
