@@ -73,6 +73,7 @@ class InstallDependenciesTests(unittest.TestCase):
             "--tests": ["session", "tests"],
             "--benchmarks": ["session", "tests", "benchmarks"],
             "--applications": ["session", "tests", "applications"],
+            "--desktops": ["session", "tests", "desktops"],
             "--coverage": ["session", "tests", "coverage"],
             "--mutants": ["session", "tests", "mutants"],
             "--packages": ["packages"],

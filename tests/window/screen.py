@@ -22,20 +22,25 @@ class Screen:
     def main_window(self, pid):
         """The window of a program, once it is managed; no transient window."""
         def found():
-            return next((window for window in self._managed() if self._is_main(window, pid)), None)
+            return next((window for window in self.windows() if self._is_main(window, pid)), None)
         return wait_for(found, "the program's window")
+
+    def windows(self):
+        """Those that the window manager has, the oldest first."""
+        return [self._window(number) for number in self._values(self._root, "_NET_CLIENT_LIST", Xatom.WINDOW)]
 
     def is_managed(self, window):
         """Whether the window manager, and so a task list, has it: shown or minimised."""
-        return window in self._managed()
+        return window in self.windows()
 
     def is_minimised(self, window):
         return self.is_managed(window) and self._atom("_NET_WM_STATE_HIDDEN") in self._values(
             window, "_NET_WM_STATE", Xatom.ATOM)
 
     def is_in_front(self, window):
-        """Whether it, or a transient window of it, is on top and has the keyboard focus."""
-        top = self._values(self._root, "_NET_CLIENT_LIST_STACKING", Xatom.WINDOW)[-1:]
+        """Whether it, or a transient window of it, is on top of all but panels and has the keyboard focus."""
+        stack = self._values(self._root, "_NET_CLIENT_LIST_STACKING", Xatom.WINDOW)
+        top = [number for number in stack if not self._is_panel(self._window(number))][-1:]
         if not top or top != self._active():
             return False
         owner = self._values(self._window(top[0]), "WM_TRANSIENT_FOR", Xatom.WINDOW)
@@ -74,8 +79,8 @@ class Screen:
     def _window(self, number):
         return self._display.create_resource_object("window", number)
 
-    def _managed(self):
-        return [self._window(number) for number in self._values(self._root, "_NET_CLIENT_LIST", Xatom.WINDOW)]
+    def _is_panel(self, window):
+        return self._atom("_NET_WM_WINDOW_TYPE_DOCK") in self._values(window, "_NET_WM_WINDOW_TYPE", Xatom.ATOM)
 
     def _is_main(self, window, pid):
         return (self._values(window, "_NET_WM_PID", Xatom.CARDINAL) == [pid]
