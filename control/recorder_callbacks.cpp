@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "control/recording_view_model.h"
+#include "control/transitions.h"
 
 namespace vantoro {
 
@@ -44,6 +45,41 @@ void RecordingViewModel::installCallbacks() {
         progressed();
         toMainThread([fraction](Model& model) { model.setSavingProgress(fraction); });
     };
+}
+
+void RecordingViewModel::handleInterruption(const std::exception_ptr& cause) {
+    interruption_ = cause;
+    handleStop(StopReason::captureInterruption);
+}
+
+/// May arrive before the recorder reports that it runs, and after a stop was requested.
+void RecordingViewModel::handleDiskRoom(DiskRoom room) {
+    if (room.advice == RoomAdvice::end) {
+        handleStop(StopReason::diskNearlyFull);
+    } else if (isUnderWay(values().state.which())) {
+        setErrorMessage(texts_.roomLeft(room.minutesLeft));
+    }
+}
+
+/// Losses while writing are reported just before the result, so its message includes them.
+void RecordingViewModel::handleSoundLoss(const SoundLoss& loss) {
+    lost_.add(loss);
+    if (isUnderWay(values().state.which())) {
+        setErrorMessage(lost_.text(texts_));
+    }
+}
+
+void RecordingViewModel::updateAudioLevel(AudioLevelSource source, float level) {
+    if (values().state.which() == RecordingState::Case::recording) {
+        setLevel(source, shownLevel(level));
+    }
+}
+
+/// May arrive before the recorder reports that it runs: a microphone may be off from the start.
+void RecordingViewModel::updateCondition(AudioLevelSource source, SourceCondition condition) {
+    if (isUnderWay(values().state.which())) {
+        setCondition(source, condition);
+    }
 }
 
 } // namespace vantoro

@@ -61,6 +61,7 @@ public:
         std::int64_t elapsedSeconds = 0;
         double savingProgress = 0; ///< 0 to 1, of saving or a salvage
         std::filesystem::path outputDirectory;
+        std::string title; ///< of the next file; empty: its name without the extension
         std::optional<std::filesystem::path> lastRecordingURL;
         /// For the user: an error, a recording saved automatically, or low disk space.
         std::optional<std::string> errorMessage;
@@ -75,6 +76,9 @@ public:
     void setSelectedMicrophoneID(std::optional<std::string> id);
     void setSystemVolume(double gain);
     void setMicrophoneVolume(double gain);
+
+    /// Not shown, so no listener hears of it.
+    void setTitle(std::string title) { values_.title = std::move(title); }
 
     void dismissMessage() { setErrorMessage(std::nullopt); }
 

@@ -74,6 +74,7 @@ void RecordingViewModel::startRecording() {
         .captureMicrophone = values().captureMicrophone,
         .microphoneDeviceID = values().selectedMicrophoneID,
         .outputDirectory = values().outputDirectory,
+        .title = values().title,
     };
     runTask(
         platform_.scheduler, QPointer(this),
@@ -185,28 +186,6 @@ void RecordingViewModel::handleStop(StopReason reason) {
     }
 }
 
-void RecordingViewModel::handleInterruption(const std::exception_ptr& cause) {
-    interruption_ = cause;
-    handleStop(StopReason::captureInterruption);
-}
-
-/// May arrive before the recorder reports that it runs, and after a stop was requested.
-void RecordingViewModel::handleDiskRoom(DiskRoom room) {
-    if (room.advice == RoomAdvice::end) {
-        handleStop(StopReason::diskNearlyFull);
-    } else if (isUnderWay(values().state.which())) {
-        setErrorMessage(texts_.roomLeft(room.minutesLeft));
-    }
-}
-
-/// Losses while writing are reported just before the result, so its message includes them.
-void RecordingViewModel::handleSoundLoss(const SoundLoss& loss) {
-    lost_.add(loss);
-    if (isUnderWay(values().state.which())) {
-        setErrorMessage(lost_.text(texts_));
-    }
-}
-
 void RecordingViewModel::recoverIncompleteRecordings() {
     if (!isBusy(values().state.which())) {
         salvage_.start(values().outputDirectory);
@@ -282,19 +261,6 @@ void RecordingViewModel::openMicrophoneSettings() {
 
 void RecordingViewModel::openScreenCaptureSettings() {
     platform_.opener.openPrivacySettings("Privacy_ScreenCapture");
-}
-
-void RecordingViewModel::updateAudioLevel(AudioLevelSource source, float level) {
-    if (values().state.which() == RecordingState::Case::recording) {
-        setLevel(source, shownLevel(level));
-    }
-}
-
-/// May arrive before the recorder reports that it runs: a microphone may be off from the start.
-void RecordingViewModel::updateCondition(AudioLevelSource source, SourceCondition condition) {
-    if (isUnderWay(values().state.which())) {
-        setCondition(source, condition);
-    }
 }
 
 } // namespace vantoro

@@ -20,6 +20,8 @@ struct RecordingOptions {
     std::optional<std::string> microphoneDeviceID;
     /// Folder of the temporary and the final file; created with its parents on start.
     std::filesystem::path outputDirectory;
+    /// Of the final file; empty: its name without the extension.
+    std::string title = {};
 
     friend bool operator==(const RecordingOptions&, const RecordingOptions&) = default;
 };

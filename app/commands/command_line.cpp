@@ -144,6 +144,7 @@ RecordCommand recordCommand(const GivenOptions& options) {
     command.systemVolume = gain(options, "system-volume").value_or(command.systemVolume);
     command.microphoneVolume =
         gain(options, "microphone-volume").value_or(command.microphoneVolume);
+    command.title = options.value("title").value_or(QString()).toStdString();
     command.language = languageOption(options);
     return command;
 }

@@ -22,6 +22,7 @@ struct RecordCommand {
     std::optional<std::string> microphoneID;
     float systemVolume = 0.9F; ///< linear gains, 0 or more
     float microphoneVolume = 1.0F;
+    std::string title;                   ///< empty: the file's name
     std::optional<AppLanguage> language; ///< of the messages; absent: the user's
 
     friend bool operator==(const RecordCommand&, const RecordCommand&) = default;

@@ -19,11 +19,12 @@ APOSTROPHE_IN_FISH = r"\'"
 LANGUAGES = "zh-Hans en"
 # What can follow an option: for bash the name of the word that lists such options, and code for zsh and fish.
 VALUES = {
-    "N": ("bash_numbers", ":seconds: ", " -x"),
-    "GAIN": ("bash_numbers", ":gain: ", " -x"),
+    "N": ("bash_words", ":seconds: ", " -x"),
+    "GAIN": ("bash_words", ":gain: ", " -x"),
     "FOLDER": ("bash_folders", ":folder:_files -/", " -x -a '(__fish_complete_directories)'"),
     "ID": ("bash_microphones", ":microphone:_vantoro_microphones", " -x -a '(__vantoro_microphones)'"),
     "LANGUAGE": ("bash_languages", f":language:({LANGUAGES})", f" -x -a '{LANGUAGES}'"),
+    "TEXT": ("bash_words", ":text: ", " -x"),
     "": ("bash_flags", "", ""),
 }
 

@@ -40,6 +40,7 @@ int RecordRun::run(RecordingViewModel& model) {
     model.setCaptureMicrophone(command_.microphone);
     model.setSystemVolume(command_.systemVolume);
     model.setMicrophoneVolume(command_.microphoneVolume);
+    model.setTitle(command_.title);
     if (!model.canStart()) {
         terminal_.message(errorDescription(RecordingError(RecordingError::Case::noAudioSource),
                                            texts_.language()));

@@ -4,6 +4,8 @@
 
 #include <ctime>
 
+#include "engine/ports/recording_tags.h"
+
 namespace vantoro {
 
 /// The recorder's time source. Any thread.
@@ -14,6 +16,8 @@ public:
     virtual double systemUptime() const = 0;
     /// The current time in the user's time zone.
     virtual std::tm localTime() const = 0;
+    /// The current moment.
+    virtual WallTime wallTime() const = 0;
 };
 
 } // namespace vantoro

@@ -6,6 +6,7 @@
 #include <functional>
 #include <memory>
 #include <stop_token>
+#include <string>
 #include <vector>
 
 #include "engine/media_time.h"
@@ -28,11 +29,13 @@ public:
     virtual bool isWhole() const noexcept = 0;
 
     /// Mixes all tracks from time zero into one M4A file, each at its linear gain (in file order),
-    /// without clamping. Returns once the file is complete, synced and closed: `staging`, or the
-    /// returned file, which has no name yet. On failure `staging` may hold part of it. A requested
-    /// stop ends the mix at once with std::errc::operation_canceled. `progress` may be empty.
-    /// Throws `RecordingError` (`exportFailed`) if nothing can be encoded.
-    virtual std::unique_ptr<OutputFile> mix(const std::vector<float>& volumes, OutputFile& staging,
+    /// without clamping, and tags it as the recording; `title` if that has none. Returns once the
+    /// file is complete, synced and closed: `staging`, or the returned file, which has no name yet.
+    /// On failure `staging` may hold part of it. A requested stop ends the mix at once with
+    /// std::errc::operation_canceled. `progress` may be empty. Throws `RecordingError`
+    /// (`exportFailed`) if nothing can be encoded.
+    virtual std::unique_ptr<OutputFile> mix(const std::vector<float>& volumes,
+                                            const std::string& title, OutputFile& staging,
                                             const ExportProgress& progress,
                                             const std::stop_token& stop) = 0;
 };

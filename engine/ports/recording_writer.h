@@ -10,6 +10,7 @@
 
 #include "engine/media_time.h"
 #include "engine/ports/recording.h"
+#include "engine/ports/recording_tags.h"
 #include "engine/sample_buffer.h"
 
 namespace vantoro {
@@ -56,6 +57,9 @@ public:
     /// Null if the track cannot be encoded. Tracks appear in the file in call order. The track
     /// lives as long as the writer.
     virtual RecordingTrack* addTrack(TrackFormat format) = 0;
+
+    /// What the file tells about the recording. Before the first buffer.
+    virtual void setTags(RecordingTags tags) = 0;
 
     /// All tracks start at this time; silence fills a track whose first buffer is later. False on
     /// failure; `error` says why, if known.

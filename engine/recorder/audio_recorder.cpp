@@ -101,6 +101,7 @@ void AudioRecorder::prepareWriter(const RecordingOptions& options) {
             room->check(recorded, waitingBytes);
         });
     temporaryURL_ = temporaryURL; // from here on, a failure removes it
+    writer->setTags({.start = platform_.clock.wallTime(), .title = options.title});
     room->checkBeforeStart();
     RecordingTrack* const systemAudioInput =
         options.captureSystemAudio ? makeWriterInput(*writer, systemAudioTrack) : nullptr;

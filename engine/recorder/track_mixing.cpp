@@ -28,7 +28,8 @@ FinalFile mixTracks(Recording& recording, OutputPlace place, const TrackVolume& 
 
 FinalFile exportM4A(Recording& recording, const std::vector<float>& volumes, OutputPlace place,
                     const ExportProgress& progress, const std::stop_token& stop) {
-    auto other = recording.mix(volumes, place.stagingFile(), progress, stop);
+    const auto title = place.location().stem().string();
+    auto other = recording.mix(volumes, title, place.stagingFile(), progress, stop);
     return place.publish(std::move(other));
 }
 

@@ -52,9 +52,9 @@ void M4aFile::sync() {
     file_.sync();
 }
 
-void M4aFile::finish(std::int64_t frames) {
+void M4aFile::finish(std::int64_t frames, const RecordingTags& tags) {
     const std::uint64_t contentEnd = written_ + buffer_.size();
-    put(m4aIndex(track_, frames, packetSizes_.size(), chunkOffsets_));
+    put(m4aIndex(track_, frames, packetSizes_.size(), chunkOffsets_, tags));
     for (const auto size : packetSizes_) {
         makeRoomFor(4);
         buffer_.u32(size);

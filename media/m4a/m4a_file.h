@@ -11,6 +11,7 @@
 
 #include "engine/ports/file_system.h"
 #include "engine/ports/recording.h"
+#include "engine/ports/recording_tags.h"
 #include "media/boxes/box_writer.h"
 #include "media/codec/aac.h"
 #include "media/movie/movie.h"
@@ -30,7 +31,7 @@ public:
     void sync();
     /// Writes the index after the packets, of which there must be at least one, syncs and closes
     /// the file. `frames`: audible frames, without priming and padding.
-    void finish(std::int64_t frames);
+    void finish(std::int64_t frames, const RecordingTags& tags);
 
 private:
     void put(std::span<const std::byte> bytes);

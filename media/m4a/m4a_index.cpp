@@ -8,6 +8,7 @@
 
 #include "media/boxes/box_writer.h"
 #include "media/boxes/elementary_stream.h"
+#include "media/boxes/tags.h"
 #include "media/codec/aac.h"
 
 namespace vantoro::media {
@@ -17,18 +18,21 @@ namespace {
 class IndexWriter {
 public:
     IndexWriter(const AacTrack& track, std::int64_t frames, std::size_t packetCount,
-                std::span<const std::uint64_t> chunkOffsets)
+                std::span<const std::uint64_t> chunkOffsets, const RecordingTags& tags)
         : track_(track),
           packetCount_(packetCount),
           chunkOffsets_(chunkOffsets),
+          tags_(tags),
+          created_(boxTime(tags.start)),
           frames_(static_cast<std::uint64_t>(frames)),
           encodedFrames_(std::min<std::uint64_t>(packetCount * std::uint64_t{packetFrames},
                                                  frames_ + primingFrames)),
-          long_(encodedFrames_ > std::numeric_limits<std::uint32_t>::max()) {}
+          long_(std::max(encodedFrames_, created_) > std::numeric_limits<std::uint32_t>::max()) {}
 
     std::vector<std::byte> write() {
         out_.box("moov", [this] {
             movieHeader();
+            writeTags(out_, tags_);
             out_.box("trak", [this] {
                 trackHeader();
                 editList();
@@ -39,16 +43,21 @@ public:
     }
 
 private:
-    /// A frame count, in this file's width.
+    /// A time or a frame count, in this file's width.
     void frames(std::uint64_t count) { long_ ? out_.u64(count) : out_.u32(count); }
 
-    /// The version of boxes with frame counts.
+    /// Of creation and modification.
+    void times() {
+        frames(created_);
+        frames(created_);
+    }
+
+    /// The version of boxes with times or frame counts.
     std::uint32_t version() const noexcept { return long_ ? 1U << 24U : 0; }
 
     void movieHeader() {
         out_.fullBox("mvhd", version(), [this] {
-            frames(0); // creation time: the file system knows
-            frames(0);
+            times();
             out_.u32(framesPerSecond);
             frames(frames_);
             out_.u32(fixedPointOne); // speed
@@ -63,8 +72,7 @@ private:
     void trackHeader() {
         constexpr std::uint32_t enabledAndUsed = 7;
         out_.fullBox("tkhd", version() | enabledAndUsed, [this] {
-            frames(0);
-            frames(0);
+            times();
             out_.u32(1); // track number
             out_.u32(0);
             frames(frames_);
@@ -90,8 +98,7 @@ private:
 
     void media() {
         out_.fullBox("mdhd", version(), [this] {
-            frames(0);
-            frames(0);
+            times();
             out_.u32(framesPerSecond);
             frames(encodedFrames_);
             out_.u16(0x55c4); // undetermined language
@@ -201,6 +208,8 @@ private:
     const AacTrack& track_;
     const std::size_t packetCount_;
     const std::span<const std::uint64_t> chunkOffsets_;
+    const RecordingTags& tags_;
+    const std::uint64_t created_; // in seconds since 1904
     const std::uint64_t frames_;
     const std::uint64_t encodedFrames_; // including the priming
     const bool long_;
@@ -222,8 +231,9 @@ std::vector<std::byte> m4aFileType() {
 }
 
 std::vector<std::byte> m4aIndex(const AacTrack& track, std::int64_t frames, std::size_t packetCount,
-                                std::span<const std::uint64_t> chunkOffsets) {
-    return IndexWriter(track, frames, packetCount, chunkOffsets).write();
+                                std::span<const std::uint64_t> chunkOffsets,
+                                const RecordingTags& tags) {
+    return IndexWriter(track, frames, packetCount, chunkOffsets, tags).write();
 }
 
 } // namespace vantoro::media

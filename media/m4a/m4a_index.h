@@ -7,6 +7,7 @@
 #include <span>
 #include <vector>
 
+#include "engine/ports/recording_tags.h"
 #include "media/codec/aac.h"
 
 namespace vantoro::media {
@@ -21,6 +22,7 @@ std::vector<std::byte> m4aFileType();
 /// big-endian 32-bit numbers. `frames`: audible frames, without priming and padding. `packetCount`:
 /// at least one. `chunkOffsets`: each chunk's offset in the file.
 std::vector<std::byte> m4aIndex(const AacTrack& track, std::int64_t frames, std::size_t packetCount,
-                                std::span<const std::uint64_t> chunkOffsets);
+                                std::span<const std::uint64_t> chunkOffsets,
+                                const RecordingTags& tags);
 
 } // namespace vantoro::media

@@ -70,15 +70,15 @@ std::shared_ptr<const Movie> FollowingMix::finishedMovie() {
     }
 }
 
-std::unique_ptr<OutputFile> FollowingMix::complete(const Mix& mix, unsigned threads,
-                                                   const ExportProgress& progress,
+std::unique_ptr<OutputFile> FollowingMix::complete(const Mix& mix, const RecordingTags& tags,
+                                                   unsigned threads, const ExportProgress& progress,
                                                    const std::stop_token& stop) {
     stopFollowing();
     if (!mix_) {
         return nullptr;
     }
     try {
-        return std::exchange(mix_, nullptr)->complete(mix, threads, progress, stop);
+        return std::exchange(mix_, nullptr)->complete(mix, tags, threads, progress, stop);
     } catch (const std::exception&) {
         return nullptr;
     }

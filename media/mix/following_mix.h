@@ -14,6 +14,7 @@
 
 #include "engine/ports/file_system.h"
 #include "engine/ports/power_saving.h"
+#include "engine/ports/recording_tags.h"
 #include "media/mix/growing_mix.h"
 
 namespace vantoro::media {
@@ -45,8 +46,8 @@ public:
 
     /// Completes the finished movie's mix in an unnamed file. Null if there is no mix or it has
     /// other volumes, and on a stop request. No call may follow.
-    std::unique_ptr<OutputFile> complete(const Mix& mix, unsigned threads,
-                                         const ExportProgress& progress,
+    std::unique_ptr<OutputFile> complete(const Mix& mix, const RecordingTags& tags,
+                                         unsigned threads, const ExportProgress& progress,
                                          const std::stop_token& stop);
 
 private:

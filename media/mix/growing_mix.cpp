@@ -77,8 +77,8 @@ std::int64_t GrowingMix::readFragments() {
     return std::ranges::min(movie_->scan.ends) - primingFrames;
 }
 
-std::unique_ptr<OutputFile> GrowingMix::complete(const Mix& mix, unsigned threads,
-                                                 const ExportProgress& progress,
+std::unique_ptr<OutputFile> GrowingMix::complete(const Mix& mix, const RecordingTags& tags,
+                                                 unsigned threads, const ExportProgress& progress,
                                                  const std::stop_token& stop) {
     readFragments();
     const auto isTheSame = [this](const MixedTrack& begun, const MixedTrack& wanted) {
@@ -98,7 +98,7 @@ std::unique_ptr<OutputFile> GrowingMix::complete(const Mix& mix, unsigned thread
         spliceSegment();
     }
     encodeInParallel(codec_, mix, segment_, threads, splicer_, progress, stop);
-    file_.finish(framesOf(mix));
+    file_.finish(framesOf(mix), tags);
     return std::move(unnamed_);
 }
 

@@ -11,6 +11,7 @@
 
 #include "engine/ports/file_system.h"
 #include "engine/ports/recording.h"
+#include "engine/ports/recording_tags.h"
 #include "media/m4a/m4a_file.h"
 #include "media/mix/encoded_segment.h"
 
@@ -35,8 +36,8 @@ public:
     /// Mixes the rest of the finished movie and returns the file: complete, synced, closed and
     /// unnamed. `mix`: the whole mix. Throws std::runtime_error if that differs from the mix begun.
     /// No call may follow.
-    std::unique_ptr<OutputFile> complete(const Mix& mix, unsigned threads,
-                                         const ExportProgress& progress,
+    std::unique_ptr<OutputFile> complete(const Mix& mix, const RecordingTags& tags,
+                                         unsigned threads, const ExportProgress& progress,
                                          const std::stop_token& stop);
 
 private:

@@ -57,19 +57,21 @@ bool RecordedMovie::isWhole() const noexcept {
 }
 
 std::unique_ptr<OutputFile> RecordedMovie::mix(const std::vector<float>& volumes,
-                                               OutputFile& staging, const ExportProgress& progress,
+                                               const std::string& title, OutputFile& staging,
+                                               const ExportProgress& progress,
                                                const std::stop_token& stop) {
     if (!codec_.hasEncoder()) {
         throw RecordingError(RecordingError::Case::exportFailed);
     }
     const Mix mix = mixAt(volumes);
+    const RecordingTags tags = tagsOr(title);
     std::unique_ptr<OutputFile> madeAhead;
     if (const MixedTrack* const track = unchangedTrack(mix, stop)) {
         M4aFile file(staging, *movie_->codecs[track->track], track->frames);
         copyPackets(movie_, track->track, track->frames, file, progress, stop);
-        file.finish(track->frames);
+        file.finish(track->frames, tags);
     } else {
-        madeAhead = mixInto(staging, mix, progress, stop);
+        madeAhead = mixInto(staging, mix, tags, progress, stop);
     }
     if (progress) {
         progress(1.0);
@@ -90,8 +92,18 @@ Mix RecordedMovie::mixAt(const std::vector<float>& volumes) const {
     return mix;
 }
 
+/// The movie's tags, with this title if they have none.
+RecordingTags RecordedMovie::tagsOr(const std::string& title) const {
+    RecordingTags tags = movie_->scan.tags;
+    if (tags.title.empty()) {
+        tags.title = title;
+    }
+    return tags;
+}
+
 /// Null if the mix is in `staging`.
 std::unique_ptr<OutputFile> RecordedMovie::mixInto(OutputFile& staging, const Mix& mix,
+                                                   const RecordingTags& tags,
                                                    const ExportProgress& progress,
                                                    const std::stop_token& stop) {
     const std::int64_t frames = framesOf(mix);
@@ -108,14 +120,14 @@ std::unique_ptr<OutputFile> RecordedMovie::mixInto(OutputFile& staging, const Mi
         }
     };
     if (following_) {
-        if (auto complete = following_->complete(mix, threads, rising, stop)) {
+        if (auto complete = following_->complete(mix, tags, threads, rising, stop)) {
             return complete;
         }
     }
     M4aFile file(staging, makeMixEncoder(codec_).track(), frames);
     SegmentSplicer splicer([&file](std::span<const std::byte> packet) { file.add(packet); });
     encodeInParallel(codec_, mix, 0, threads, splicer, rising, stop);
-    file.finish(frames);
+    file.finish(frames, tags);
     return nullptr;
 }
 

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <memory>
 #include <stop_token>
+#include <string>
 #include <vector>
 
 #include "engine/ports/file_system.h"
@@ -36,14 +37,15 @@ public:
 
     /// Throws std::invalid_argument unless each track has a finite volume, DamagedMovie if the
     /// movie has changed, and what the files throw.
-    std::unique_ptr<OutputFile> mix(const std::vector<float>& volumes, OutputFile& staging,
-                                    const ExportProgress& progress,
+    std::unique_ptr<OutputFile> mix(const std::vector<float>& volumes, const std::string& title,
+                                    OutputFile& staging, const ExportProgress& progress,
                                     const std::stop_token& stop) override;
 
 private:
     Mix mixAt(const std::vector<float>& volumes) const;
+    RecordingTags tagsOr(const std::string& title) const;
     std::unique_ptr<OutputFile> mixInto(OutputFile& staging, const Mix& mix,
-                                        const ExportProgress& progress,
+                                        const RecordingTags& tags, const ExportProgress& progress,
                                         const std::stop_token& stop);
 
     const AacCodec& codec_;

@@ -9,6 +9,7 @@
 
 #include "media/boxes/box_reader.h"
 #include "media/boxes/box_search.h"
+#include "media/boxes/tags.h"
 #include "media/codec/aac.h"
 #include "media/movie/fragment_checksum.h"
 #include "media/movie/fragment_parser.h"
@@ -229,6 +230,7 @@ MovieScan scanMovie(const InputFile& file) {
 
     MovieScan scan;
     scan.tracks = parseHeader(bytes);
+    scan.tags = readTags(bytes);
     scan.headerEnd = header.end;
     scan.fragmentsEnd = header.end;
     scan.ends.resize(scan.tracks.size());

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "engine/ports/file_system.h"
+#include "engine/ports/recording_tags.h"
 #include "media/codec/aac.h"
 
 namespace vantoro::media {
@@ -35,6 +36,7 @@ std::vector<TrackHeader> parseHeader(std::span<const std::byte> content);
 /// have held the packets that each track is missing; the track then has a gap.
 struct MovieScan {
     std::vector<TrackHeader> tracks;      ///< in file order, at most 16
+    RecordingTags tags;                   ///< empty if damaged or missing
     std::uint64_t headerEnd = 0;          ///< offset after the header
     std::vector<std::uint64_t> fragments; ///< offset of each whole fragment
     std::vector<std::int64_t> starts;     ///< fragments × tracks, in frames, including the priming

@@ -26,7 +26,7 @@ bool FragmentMuxer::hasPackets() const noexcept {
 }
 
 std::vector<std::byte> FragmentMuxer::closeFragment(std::int64_t end) {
-    auto bytes = fragments_ == 0 ? movieHeader(descriptions_) : std::vector<std::byte>();
+    auto bytes = fragments_ == 0 ? movieHeader(descriptions_, tags_) : std::vector<std::byte>();
     std::vector<FragmentTrack> parts;
     for (std::size_t index = 0; index < tracks_.size(); ++index) {
         auto& packets = tracks_[index].packets;

@@ -4,8 +4,10 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <utility>
 #include <vector>
 
+#include "engine/ports/recording_tags.h"
 #include "media/codec/aac.h"
 #include "media/writing/movie_boxes.h"
 
@@ -17,6 +19,9 @@ class FragmentMuxer {
 public:
     /// Call before the first fragment, in file order.
     void addTrack(AacTrack description);
+
+    /// Call before the first fragment.
+    void setTags(RecordingTags tags) { tags_ = std::move(tags); }
 
     /// A track's packets must be added in order and without gaps.
     void add(std::size_t track, AacPacket packet);
@@ -38,6 +43,7 @@ private:
         std::int64_t end = 0;
     };
 
+    RecordingTags tags_;
     std::vector<Track> tracks_;
     std::vector<AacTrack> descriptions_;            // of the tracks
     std::vector<std::vector<FragmentEntry>> index_; // by track

@@ -9,6 +9,7 @@
 
 #include "media/boxes/box_writer.h"
 #include "media/boxes/elementary_stream.h"
+#include "media/boxes/tags.h"
 #include "media/codec/aac.h"
 
 namespace vantoro::media {
@@ -18,6 +19,8 @@ namespace {
 /// Writes everything before the first fragment. The fragments give the durations.
 class HeaderWriter {
 public:
+    explicit HeaderWriter(const RecordingTags& tags) : tags_(tags) {}
+
     std::vector<std::byte> write(std::span<const AacTrack> tracks) {
         out_.box("ftyp", [this] {
             out_.text("qt  ");
@@ -26,6 +29,7 @@ public:
         });
         out_.box("moov", [&] {
             movie();
+            writeTags(out_, tags_);
             for (std::uint32_t number = 1; const AacTrack& track : tracks) {
                 out_.box("trak", [&] { this->track(number, track); });
                 ++number;
@@ -44,9 +48,17 @@ public:
     }
 
 private:
+    /// Of creation and modification, none if it does not fit.
+    void times() {
+        const std::uint64_t created = boxTime(tags_.start);
+        const bool fits = created <= std::numeric_limits<std::uint32_t>::max();
+        out_.u32(fits ? created : 0);
+        out_.u32(fits ? created : 0);
+    }
+
     void movie() {
         out_.fullBox("mvhd", 0, [this] {
-            out_.zeros(8); // creation time: the file system knows
+            times();
             out_.u32(framesPerSecond);
             out_.u32(0);             // duration
             out_.u32(fixedPointOne); // speed
@@ -61,7 +73,7 @@ private:
     void track(std::uint32_t number, const AacTrack& track) {
         // Used in the movie; only the first is enabled, for players that play one track.
         out_.fullBox("tkhd", number == 1 ? 3 : 2, [&] {
-            out_.zeros(8);
+            times();
             out_.u32(number);
             out_.zeros(4 + 4 + 8); // and duration
             out_.u16(0);
@@ -94,7 +106,7 @@ private:
 
     void media(std::uint32_t number, const AacTrack& track) {
         out_.fullBox("mdhd", 0, [this] {
-            out_.zeros(8);
+            times();
             out_.u32(framesPerSecond);
             out_.u32(0);
             out_.u16(0x7fff); // undetermined language
@@ -154,6 +166,7 @@ private:
         });
     }
 
+    const RecordingTags& tags_;
     BoxWriter out_;
 };
 
@@ -196,8 +209,8 @@ void writeTrack(BoxWriter& out, const FragmentTrack& track, std::uint64_t conten
 
 } // namespace
 
-std::vector<std::byte> movieHeader(std::span<const AacTrack> tracks) {
-    return HeaderWriter().write(tracks);
+std::vector<std::byte> movieHeader(std::span<const AacTrack> tracks, const RecordingTags& tags) {
+    return HeaderWriter(tags).write(tracks);
 }
 
 std::vector<std::byte> movieFragment(std::uint32_t number, std::span<const FragmentTrack> tracks) {

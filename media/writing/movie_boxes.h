@@ -7,6 +7,7 @@
 #include <span>
 #include <vector>
 
+#include "engine/ports/recording_tags.h"
 #include "media/codec/aac.h"
 
 namespace vantoro::media {
@@ -25,8 +26,8 @@ struct FragmentEntry {
     std::uint64_t offset = 0; ///< of the fragment in the file
 };
 
-/// The movie's first bytes: file type and tracks.
-std::vector<std::byte> movieHeader(std::span<const AacTrack> tracks);
+/// The movie's first bytes: file type, tags and tracks.
+std::vector<std::byte> movieHeader(std::span<const AacTrack> tracks, const RecordingTags& tags);
 
 /// A fragment with its content. Fragment numbers start at 1. Throws std::runtime_error if it is too
 /// large for its size field.

@@ -10,6 +10,7 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <utility>
 #include <vector>
 
 #include "engine/ports/file_system.h"
@@ -43,6 +44,9 @@ public:
 
     /// Also null after `start`.
     RecordingTrack* addTrack(TrackFormat format) override;
+
+    void setTags(RecordingTags tags) override { muxer_.setTags(std::move(tags)); }
+
     bool start(MediaTime time) override;
     void finish(std::function<void()> completion) override;
     void expectMix(std::vector<float> volumes) override;

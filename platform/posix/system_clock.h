@@ -12,6 +12,7 @@ public:
     double systemUptime() const override;
     /// Follows time zone changes while the program runs.
     std::tm localTime() const override;
+    WallTime wallTime() const override;
 };
 
 } // namespace vantoro::posix

@@ -16,16 +16,18 @@ protected:
 TEST_F(StartTest, handsTheRecorderTheChoicesOfTheMoment) {
     model->setCaptureSystemAudio(false);
     model->setSelectedMicrophoneID("headset");
+    model->setTitle("Interview");
     model->startRecording();
     model->setCaptureSystemAudio(true);
     model->setCaptureMicrophone(false);
     model->setSelectedMicrophoneID("built-in");
     scheduler.settle();
-    EXPECT_EQ(recorder.options, (std::vector<RecordingOptions>{
-                                    {.captureSystemAudio = false,
-                                     .captureMicrophone = true,
-                                     .microphoneDeviceID = "headset",
-                                     .outputDirectory = "/home/somebody/Movies/Vantoro"}}));
+    EXPECT_EQ(recorder.options,
+              (std::vector<RecordingOptions>{{.captureSystemAudio = false,
+                                              .captureMicrophone = true,
+                                              .microphoneDeviceID = "headset",
+                                              .outputDirectory = "/home/somebody/Movies/Vantoro",
+                                              .title = "Interview"}}));
 }
 
 TEST_F(StartTest, isAskedOfTheRecorderOnceHoweverOftenTheButtonIsPressed) {

@@ -61,7 +61,7 @@ protected:
         if (files.exists("mix.m4a")) {
             files.remove("mix.m4a");
         }
-        opened->mix(std::vector(opened->trackCount(), 1.0F),
+        opened->mix(std::vector(opened->trackCount(), 1.0F), "",
                     *files.create("mix.m4a", FileAudience::asUserPrefers), {}, {});
         const auto file = folder.put("mix.m4a", files.contentOf("mix.m4a"));
         EXPECT_EQ(framesOf(file, 0), duration);

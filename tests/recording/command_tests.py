@@ -8,6 +8,8 @@ import re
 import signal
 import subprocess
 import sys
+import time
+from datetime import datetime
 
 sys.dont_write_bytecode = True
 
@@ -113,6 +115,18 @@ class CommandLine(RecordingCase):
         environment = dict(os.environ, XDG_RUNTIME_DIR=str(self.folder.parent))
         self.assert_refused(recorder.record(self.folder, env=environment), 1,
                             "Screen & System Audio Recording permission is required.")
+
+    def test_fileTellsWhenItWasRecordedAndItsTitle(self):
+        before = int(time.time())
+        titled = recorder.record(self.folder, "--seconds", 1, "--title", "访谈").saved()
+        after = time.time()
+        untitled = recorder.record(self.folder, "--seconds", 1).saved()
+        tags = sound.probe(titled)["format"]["tags"]
+        self.assertEqual(tags["title"], "访谈")
+        started = datetime.fromisoformat(tags["creation_time"].replace("Z", "+00:00"))
+        self.assertTrue(before <= started.timestamp() <= after, tags)
+        self.assertEqual(datetime.fromisoformat(tags["date"]), started)
+        self.assertEqual(sound.probe(untitled)["format"]["tags"]["title"], untitled.stem)
 
     def test_missingFolderIsMadeWithItsParents(self):
         path = recorder.record(self.folder / "a/b", "--seconds", 1).saved()

@@ -22,9 +22,13 @@ public:
         return time;
     }();
 
+    WallTime wall{.seconds = 1740792615, .utcOffset = 28800}; // 2025-03-01 09:30:15, UTC+8
+
     double systemUptime() const override { return uptime; }
 
     std::tm localTime() const override { return local; }
+
+    WallTime wallTime() const override { return wall; }
 };
 
 } // namespace vantoro::testing

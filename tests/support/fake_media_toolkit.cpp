@@ -57,6 +57,8 @@ public:
         return tracks_.back().get();
     }
 
+    void setTags(RecordingTags tags) override { toolkit_.tags = std::move(tags); }
+
     bool start(MediaTime time) override {
         toolkit_.log().add("start " + std::to_string(time.inUnitsOf(48000)));
         status_ = toolkit_.writing.startSucceeds ? WriterStatus::writing : WriterStatus::failed;
@@ -112,10 +114,11 @@ public:
 
     bool isWhole() const noexcept override { return toolkit_.exporting.isWhole; }
 
-    std::unique_ptr<OutputFile> mix(const std::vector<float>& volumes, OutputFile& staging,
-                                    const ExportProgress& progress,
+    std::unique_ptr<OutputFile> mix(const std::vector<float>& volumes, const std::string& title,
+                                    OutputFile& staging, const ExportProgress& progress,
                                     const std::stop_token& stop) override {
         toolkit_.exportedGains = volumes;
+        toolkit_.exportedTitle = title;
         staging.writeAt(0, {});
         if (toolkit_.exporting.duringExport) {
             toolkit_.exporting.duringExport();

@@ -50,7 +50,9 @@ public:
     std::size_t trackCount = 0;              ///< of the last writer
     FragmentIntervals intervals;             ///< of the last writer
     FragmentWrittenCallback fragmentWritten; ///< of the last writer
+    RecordingTags tags;                      ///< of the last writer
     std::vector<float> exportedGains;        ///< of the last export, in track order
+    std::string exportedTitle;               ///< of the last export
 
     std::unique_ptr<RecordingWriter> makeWriter(const std::filesystem::path& location,
                                                 FragmentIntervals fragmentIntervals,

@@ -36,9 +36,10 @@ TEST(CommandLine, everyOptionOfRecordIsTaken) {
     expected.microphoneID = "usb-microphone";
     expected.systemVolume = 0.25F;
     expected.microphoneVolume = 1.25F;
+    expected.title = "Interview";
     expected.language = AppLanguage::english;
     EXPECT_EQ(parsed("record --seconds 2.5 --until-silence 30 --folder /tmp/recordings "
-                     "--no-system-audio --language en "
+                     "--no-system-audio --language en --title Interview "
                      "--no-microphone --microphone usb-microphone --system-volume=0.25 "
                      "--microphone-volume=1.25"),
               Command(expected));

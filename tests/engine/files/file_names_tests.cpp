@@ -49,6 +49,8 @@ public:
         return time_;
     }
 
+    WallTime wallTime() const override { return {}; }
+
 private:
     mutable std::tm time_ = FakeClock{}.local;
 };

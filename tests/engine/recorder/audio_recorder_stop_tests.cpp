@@ -49,6 +49,23 @@ TEST_F(AudioRecorderStop, returnsTheFinalFileAndRemovesTheTemporaryOne) {
     expectIdle();
 }
 
+TEST_F(AudioRecorderStop, filesTellWhenTheRecordingStartedAndItsTitle) {
+    auto options = bothSources();
+    options.title = "Interview";
+    const WallTime started = clock.wall;
+    startAndCapture(options);
+    clock.wall.seconds += 60;
+    recorder.stop(1, 1);
+    EXPECT_EQ(toolkit.tags, (RecordingTags{.start = started, .title = "Interview"}));
+}
+
+TEST_F(AudioRecorderStop, finalFileIsTitledAfterItsName) {
+    fileSystem.put(finalFile);
+    startAndCapture(bothSources());
+    recorder.stop(1, 1);
+    EXPECT_EQ(toolkit.exportedTitle, "Vantoro-2025-03-01-093015-2");
+}
+
 TEST_F(AudioRecorderStop, saysThatTheRecordingIsSafeBetweenFinishingAndMixing) {
     recorder.onRecordingSafe = [this] { log.add("safe"); };
     startAndCapture(bothSources());

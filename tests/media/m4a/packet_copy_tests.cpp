@@ -27,7 +27,7 @@ protected:
         }
         ffmpeg::FfmpegToolkit toolkit(files);
         const auto recording = toolkit.openRecording("movie.mov");
-        recording->mix(std::vector(recording->trackCount(), volume),
+        recording->mix(std::vector(recording->trackCount(), volume), "",
                        *files.create("mix.m4a", FileAudience::asUserPrefers), progress, {});
         file = folder.put("mix.m4a", files.contentOf("mix.m4a"));
     }

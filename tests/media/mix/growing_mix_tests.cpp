@@ -74,7 +74,7 @@ TEST_F(GrowingMixTest, equalsAnExportWheneverItAdvances) {
         record(from, std::min(from + (7 * second), length));
     }
     recording.finish();
-    mix.complete(wholeMix(), 2, {}, {})->takeName("followed.m4a");
+    mix.complete(wholeMix(), movieTags, 2, {}, {})->takeName("followed.m4a");
     expectTheSameFile();
 }
 
@@ -87,7 +87,7 @@ TEST_F(GrowingMixTest, equalsAnExportIfOneSourceEndsEarly) {
     ASSERT_TRUE(recording.append(0, 20 * second, 26 * second, melody));
     mix.advance({});
     recording.finish();
-    mix.complete(wholeMix(), 1, {}, {})->takeName("followed.m4a");
+    mix.complete(wholeMix(), movieTags, 1, {}, {})->takeName("followed.m4a");
     expectTheSameFile();
 }
 
@@ -95,7 +95,7 @@ TEST_F(GrowingMixTest, equalsAnExportIfNothingWasMixedYet) {
     record(0, 40 * second);
     recording.finish();
     GrowingMix mix(ffmpeg::codec(), files, "movie.mov", volumes);
-    mix.complete(wholeMix(), 2, {}, {})->takeName("followed.m4a");
+    mix.complete(wholeMix(), movieTags, 2, {}, {})->takeName("followed.m4a");
     expectTheSameFile();
 }
 
@@ -105,7 +105,8 @@ TEST_F(GrowingMixTest, failsForOtherVolumes) {
     GrowingMix mix(ffmpeg::codec(), files, "movie.mov", volumes);
     mix.advance({});
     volumes[1] = 0.5F;
-    EXPECT_THROW(mix.complete(wholeMix(), 2, {}, {})->takeName("followed.m4a"), std::runtime_error);
+    EXPECT_THROW(mix.complete(wholeMix(), movieTags, 2, {}, {})->takeName("followed.m4a"),
+                 std::runtime_error);
     EXPECT_FALSE(files.exists("followed.m4a"));
 }
 
@@ -114,7 +115,8 @@ TEST_F(GrowingMixTest, doesNotReplaceAnExistingFile) {
     recording.finish();
     files.put("followed.m4a", std::vector<std::byte>(7));
     GrowingMix mix(ffmpeg::codec(), files, "movie.mov", volumes);
-    EXPECT_THROW(mix.complete(wholeMix(), 2, {}, {})->takeName("followed.m4a"), std::system_error);
+    EXPECT_THROW(mix.complete(wholeMix(), movieTags, 2, {}, {})->takeName("followed.m4a"),
+                 std::system_error);
     EXPECT_EQ(files.contentOf("followed.m4a").size(), 7U);
 }
 

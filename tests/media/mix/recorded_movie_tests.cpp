@@ -54,7 +54,7 @@ protected:
 
     void mixAt(const std::vector<float>& volumes, const ExportProgress& progress = {}) {
         OutputPlace place(files, "", "mix");
-        toolkit.openRecording("movie.mov")->mix(volumes, place.stagingFile(), progress, {});
+        toolkit.openRecording("movie.mov")->mix(volumes, "", place.stagingFile(), progress, {});
         place.publish(nullptr);
     }
 
@@ -247,7 +247,7 @@ TEST_F(MovieMix, failsWithoutACoder) {
     const NoCodec none;
     media::RecordedMovie movie(none, files, "movie.mov");
     const auto file = files.create("mix.m4a", FileAudience::asUserPrefers);
-    EXPECT_THAT([&] { movie.mix({1.0F}, *file, {}, {}); },
+    EXPECT_THAT([&] { movie.mix({1.0F}, "", *file, {}, {}); },
                 ::testing::Throws<RecordingError>(::testing::Property(
                     &RecordingError::which, RecordingError::Case::exportFailed)));
 }
@@ -267,7 +267,7 @@ TEST(MovieMixOnDisk, writesAndReadsRealFiles) {
     recording.finish();
     ffmpeg::FfmpegToolkit toolkit(files);
     const auto file = files.create(folder.path() / "mix.m4a", FileAudience::asUserPrefers);
-    toolkit.openRecording(recording.location())->mix({1.0F, 1.0F}, *file, {}, {});
+    toolkit.openRecording(recording.location())->mix({1.0F, 1.0F}, "", *file, {}, {});
     const auto samples = decode(folder.path() / "mix.m4a", 0);
     EXPECT_EQ(framesOf(folder.path() / "mix.m4a", 0), 3 * second);
     EXPECT_NEAR(levelOf(middleOf(samples), 440), 20 * std::log10(0.8), 0.1);

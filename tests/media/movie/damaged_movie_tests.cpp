@@ -25,7 +25,7 @@ void readAll(const std::vector<std::byte>& movie) {
     ffmpeg::FfmpegToolkit toolkit(files);
     const auto recording = toolkit.openRecording("movie.mov");
     if (recording->trackCount() > 0) {
-        recording->mix(std::vector(recording->trackCount(), 1.0F),
+        recording->mix(std::vector(recording->trackCount(), 1.0F), "",
                        *files.create("mix.m4a", FileAudience::asUserPrefers), {}, {});
     }
 }

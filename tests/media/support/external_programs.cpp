@@ -52,6 +52,11 @@ std::vector<std::map<std::string, std::string>> probe(const std::filesystem::pat
     return sections;
 }
 
+std::string exifTag(const std::filesystem::path& file, const std::string& tag) {
+    const auto text = run("exiftool -s3 -" + tag + " " + file.string());
+    return text.substr(0, text.find('\n'));
+}
+
 std::int64_t firstPacketOf(const std::filesystem::path& file, int track) {
     return std::stoll(
         run("ffprobe -v error -show_entries packet=pts -read_intervals %+#1 -of csv=p=0"

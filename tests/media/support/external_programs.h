@@ -20,6 +20,9 @@ std::string run(const std::string& command);
 /// to "value"; the file itself comes last.
 std::vector<std::map<std::string, std::string>> probe(const std::filesystem::path& file);
 
+/// What the `exiftool` program says about one tag of a file; empty if there is none.
+std::string exifTag(const std::filesystem::path& file, const std::string& tag);
+
 /// When an audio track's first packet begins, in frames, as the `ffprobe` program tells it.
 std::int64_t firstPacketOf(const std::filesystem::path& file, int track);
 

@@ -20,6 +20,7 @@ MovieRecording::MovieRecording(FileSystem& fileSystem, std::filesystem::path loc
       tracks_(std::move(tracks)),
       writer_(ffmpeg::FfmpegToolkit(fileSystem, std::move(isPowerSaved))
                   .makeWriter(location_, intervals, {})) {
+    writer_->setTags(movieTags);
     for (const TrackFormat& track : tracks_) {
         written_.push_back(writer_->addTrack(track));
         EXPECT_NE(written_.back(), nullptr);

@@ -20,6 +20,10 @@ namespace vantoro::testing {
 inline constexpr TrackFormat systemTrack{.channels = 2, .bitRate = 192000};
 inline constexpr TrackFormat microphoneTrack{.channels = 1, .bitRate = 96000};
 
+/// The tags of a `MovieRecording`.
+inline const RecordingTags movieTags{
+    .start = WallTime{.seconds = 1'740'792'615, .utcOffset = 8 * 3600}, .title = "A recording"};
+
 /// Drives a writer as the recorder does: tracks, start, then buffers at their times.
 class MovieRecording {
 public:

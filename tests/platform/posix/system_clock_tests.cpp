@@ -71,5 +71,15 @@ TEST(SystemClockTest, localTimeFollowsTheZoneEvenWhenItChanges) {
     }
 }
 
+TEST(SystemClockTest, wallTimeIsTheMomentAndTheZone) {
+    const posix::SystemClock clock;
+    const TimeZone current("EAST-5:30");
+    const std::time_t before = std::time(nullptr);
+    const WallTime wall = clock.wallTime();
+    EXPECT_LE(before, wall.seconds);
+    EXPECT_GE(std::time(nullptr), wall.seconds);
+    EXPECT_EQ(wall.utcOffset, 19800);
+}
+
 } // namespace
 } // namespace vantoro::testing
