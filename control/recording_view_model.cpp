@@ -111,6 +111,7 @@ void RecordingViewModel::stopRecording(StopReason reason) {
     if (values().state.which() != RecordingState::Case::recording) {
         return;
     }
+    lastStopReason_ = reason;
     timer_.reset();
     if (values().errorMessage) {
         setErrorMessage(std::nullopt); // clears the warning about disk space

@@ -54,6 +54,9 @@ public:
     /// Whether the current or last recording lacks sound that was captured.
     bool hasLostSound() const noexcept { return lost_.isAny(); }
 
+    /// Why the last recording ended.
+    StopReason lastStopReason() const noexcept { return lastStopReason_; }
+
     /// The status line, in the user's language.
     std::string statusText() const;
 
@@ -110,9 +113,10 @@ private:
     SurveyTask survey_;
     std::unique_ptr<RepeatingTimer> timer_;       // while recording
     std::optional<StopReason> pendingStopReason_; // arrived while starting
-    LostSound lost_;                              // of the current or last recording
-    std::exception_ptr interruption_;             // why it broke, or null
-    std::unique_ptr<SleepHold> sleepHold_;        // held until the recording is on the disk
+    StopReason lastStopReason_ = StopReason::user;
+    LostSound lost_;                       // of the current or last recording
+    std::exception_ptr interruption_;      // why it broke, or null
+    std::unique_ptr<SleepHold> sleepHold_; // held until the recording is on the disk
     std::unique_ptr<PowerObservation> powerObservation_;
 };
 

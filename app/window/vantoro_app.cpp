@@ -7,6 +7,7 @@
 #include <QtCore/QEventLoop>
 #include <QtCore/QPointer>
 #include <QtCore/QTimer>
+#include <QtWidgets/QApplication>
 
 namespace vantoro {
 
@@ -22,6 +23,8 @@ constexpr auto longestLaunch = 2s;
 VantoroApp::VantoroApp(std::unique_ptr<Recorder> recorder, const ControlPlatform& platform,
                        WindowPlatform windowPlatform)
     : platform_(std::move(windowPlatform)),
+      opener_(platform.opener),
+      preferences_(platform.preferences),
       appDelegate_(
           {.statusArea = platform_.statusArea,
            .levels = platform.levels,
@@ -50,7 +53,27 @@ void VantoroApp::endLaunch() {
     if (!std::exchange(hasLaunched_, true)) {
         platform_.launched();
         appDelegate_.applicationDidFinishLaunching();
+        startNotices();
     }
+}
+
+void VantoroApp::startNotices() {
+    notices_ = std::make_unique<Notices>(
+        Notices::Surroundings{.model = viewModel_,
+                              .notifications = platform_.notifications,
+                              .opener = opener_,
+                              .preferences = preferences_,
+                              .isWindowInFront = [this] { return isWindowInFront(); },
+                              .showMainWindow = [this](const auto& token) { activate(token); }});
+    connect(qApp, &QGuiApplication::applicationStateChanged, notices_.get(), [this] {
+        if (isWindowInFront()) {
+            notices_->windowCameToFront();
+        }
+    });
+}
+
+bool VantoroApp::isWindowInFront() const {
+    return window_.isVisible() && !window_.isMinimized() && QApplication::activeWindow() != nullptr;
 }
 
 void VantoroApp::followWindow() {
@@ -112,6 +135,9 @@ void VantoroApp::carryOut(StatusCommand command, const std::string& activationTo
 
 void VantoroApp::activate(const std::string& activationToken) {
     window_.bringToFront(activationToken);
+    if (notices_) {
+        notices_->windowCameToFront();
+    }
 }
 
 void VantoroApp::startRecording(const std::string& activationToken) {

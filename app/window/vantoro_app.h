@@ -12,10 +12,12 @@
 #include <QtCore/QObject>
 
 #include "app/window/app_delegate.h"
+#include "app/window/notices.h"
 #include "app/window/remote_recording.h"
 #include "app/window/saving_first.h"
 #include "control/recording_view_model.h"
 #include "l10n/language_settings.h"
+#include "ui/ports/notifications.h"
 #include "ui/ports/status_area.h"
 #include "ui/window/main_window.h"
 #include "update/update_checker.h"
@@ -25,6 +27,7 @@ namespace vantoro {
 /// The platform services around the window. All must outlive the `VantoroApp`.
 struct WindowPlatform {
     StatusArea& statusArea;
+    Notifications& notifications;
     /// In the form of XDG_CURRENT_DESKTOP.
     std::string desktops;
     std::string version;            ///< of this program
@@ -75,8 +78,13 @@ private:
     void endLaunch();
     /// Hides the window if a meter can bring it back, else minimises it.
     void hideOrMinimise();
+    void startNotices();
+    /// Whether the user is in the window, or in a dialog of it.
+    bool isWindowInFront() const;
 
     WindowPlatform platform_;
+    Opener& opener_;
+    const Preferences& preferences_;
     AppDelegate appDelegate_;
     RecordingViewModel viewModel_;
     LanguageSettings languageSettings_;
@@ -84,6 +92,7 @@ private:
     SavingFirst savingFirst_;
     MainWindow window_;
     RemoteRecording remoteRecording_;
+    std::unique_ptr<Notices> notices_; ///< once launched
     bool hasLaunched_ = false;
 };
 

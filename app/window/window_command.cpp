@@ -22,6 +22,9 @@
 #include "platform/desktop/bus/silent_buses.h"
 #include "platform/desktop/font_configuration.h"
 #include "platform/desktop/instance/application_instance.h"
+#include "platform/desktop/notifications/desktop_notifications.h"
+#include "platform/desktop/permission/microphone_access.h"
+#include "platform/desktop/permission/sandbox.h"
 #include "platform/desktop/status_area/status_notifier_area.h"
 #include "ui/status_area/substituted_status_area.h"
 #include "ui/status_area/tray_icon_area.h"
@@ -46,6 +49,10 @@ bool hasDisplay() {
            !qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM");
 }
 
+bool isSandboxed() {
+    return desktop::sandboxedApplicationID(desktop::standardSandboxDescription).has_value();
+}
+
 /// Loads the network's part of the program on first use.
 AskForRecord askOverLoadedNetwork() {
     return [ask = AskForRecord()](const QUrl& location, std::chrono::milliseconds limit,
@@ -64,9 +71,11 @@ class WindowRun {
 public:
     WindowRun(const std::string& sessionBus, ApplicationInstance& instance, Ending& ending)
         : notifierArea_(sessionBus),
+          notifications_(sessionBus, isSandboxed()),
           app_(platform_.makeRecorder(),
                platform_.forControl(preferences_, [&ending] { ending.progressed(); }),
                {.statusArea = statusArea_,
+                .notifications = notifications_,
                 .desktops = qgetenv("XDG_CURRENT_DESKTOP").toStdString(),
                 .version = VANTORO_VERSION,
                 .askForRecord = askOverLoadedNetwork(),
@@ -109,6 +118,7 @@ private:
     desktop::StatusNotifierArea notifierArea_;
     TrayIconArea trayIconArea_;
     SubstitutedStatusArea statusArea_{notifierArea_, trayIconArea_};
+    desktop::DesktopNotifications notifications_;
     VantoroApp app_;
     Ending::Handler endingHandler_;
 };

@@ -9,6 +9,7 @@
 #include <QtCore/QTimer>
 #include <QtWidgets/QApplication>
 
+#include "tests/app/window/fake_notifications.h"
 #include "tests/control/event_loop.h"
 #include "tests/control/view_model_fixture.h"
 #include "tests/support/fake_status_area.h"
@@ -25,6 +26,7 @@ constexpr auto patience = 20s; // far longer than needed
 class VantoroAppTest : public ViewModelTest {
 protected:
     FakeStatusArea area;
+    FakeNotifications notifications;
     int launches = 0;
     int ends = 0;
     int quits = 0;            ///< not called off
@@ -37,6 +39,7 @@ protected:
     void start() {
         app.emplace(std::make_unique<FakeRecorder>(recorder), platform(),
                     WindowPlatform{.statusArea = area,
+                                   .notifications = notifications,
                                    .desktops = "KDE",
                                    .version = "1.2.3",
                                    .askForRecord = {},
@@ -218,6 +221,31 @@ TEST_F(VantoroAppTest, recordingCannotBeStartedFromAMenuWithoutSources) {
         toggle->click();
     }
     EXPECT_FALSE(area.items.at(0)->menu.at(1).isEnabled);
+}
+
+TEST_F(VantoroAppTest, nothingIsNotifiedWhileTheWindowIsInFront) {
+    start();
+    ASSERT_TRUE(stands());
+    ASSERT_TRUE(EventLoop::runUntil([] { return QApplication::activeWindow() != nullptr; }));
+    startRecording();
+    app->stopRecording("");
+    settle();
+    EXPECT_EQ(recorder.calls.back(), "stop");
+    EXPECT_EQ(notifications.shows, 0);
+}
+
+TEST_F(VantoroAppTest, notificationOfAHiddenWindowIsTakenBackWhenTheWindowIsInFront) {
+    start();
+    ASSERT_TRUE(stands());
+    startRecording();
+    window().close();
+    app->stopRecording("");
+    settle();
+    ASSERT_EQ(notifications.shown.size(), 1U);
+    notifications.chosen(notifications.shown.begin()->first, "", "");
+    EXPECT_TRUE(window().isVisible());
+    EXPECT_TRUE(EventLoop::runUntil([this] { return notifications.shown.empty(); }));
+    EXPECT_EQ(notifications.shows, 1);
 }
 
 TEST_F(VantoroAppTest, windowComesBackWhenARecordingThatTheDesktopWantsFails) {
