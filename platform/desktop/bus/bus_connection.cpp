@@ -3,6 +3,7 @@
 #include "platform/desktop/bus/bus_connection.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <chrono>
 #include <cstdint>
 #include <utility>
@@ -79,14 +80,20 @@ bool BusConnection::exportObject(const BusObject& object, const sd_bus_vtable* t
                                     object.interface.c_str(), table, functionsArgument) >= 0;
 }
 
-bool BusConnection::sendSignal(const BusObject& object, const std::string& signal,
-                               const std::vector<BusArgument>& arguments) {
+bool BusConnection::send(const std::function<int(sd_bus* bus)>& function) {
     if (bus_ == nullptr) {
         return false;
     }
-    const bool sent = signalAsync(bus_.get(), object.path, object.interface, signal, arguments);
+    const int sent = function(bus_.get());
     awaitEvents();
-    return sent;
+    return sent >= 0;
+}
+
+bool BusConnection::sendSignal(const BusObject& object, const std::string& signal,
+                               const std::vector<BusArgument>& arguments) {
+    return send([&](sd_bus* bus) {
+        return signalAsync(bus, object.path, object.interface, signal, arguments) ? 0 : -EIO;
+    });
 }
 
 bool BusConnection::isBehind() const {

@@ -51,6 +51,10 @@ public:
     /// receive, must live as long. False without a bus.
     bool exportObject(const BusObject& object, const sd_bus_vtable* table, void* functionsArgument);
 
+    /// Calls the function with the connection, to send what no function here sends. False without a
+    /// bus, or if the function returns a negative number.
+    bool send(const std::function<int(sd_bus* bus)>& function);
+
     /// Emits a signal. False if it cannot be sent.
     bool sendSignal(const BusObject& object, const std::string& signal,
                     const std::vector<BusArgument>& arguments = {});

@@ -2,6 +2,8 @@
 
 #include "platform/desktop/bus/bus_message.h"
 
+#include <string_view>
+
 #include <fcntl.h>
 
 #include <systemd/sd-bus.h>
@@ -45,6 +47,8 @@ public:
 
     bool operator()(std::uint8_t number) const { return write('y', &number); }
 
+    bool operator()(std::int64_t number) const { return write('x', &number); }
+
     bool operator()(const BusTexts& texts) const {
         bool written = open('a', "s");
         for (const auto& text : texts) {
@@ -56,7 +60,7 @@ public:
     bool operator()(BusFile file) const { return write('h', &file.descriptor); }
 
     bool writeVariant(const BusValue& value) const {
-        constexpr const char* types[] = {"s", "b", "d", "y", "aa{sv}"}; // of a BusValue
+        constexpr const char* types[] = {"s", "b", "d", "y", "x", "u", "aa{sv}"}; // of a BusValue
         return open('v', types[value.index()]) && std::visit(*this, value) && close();
     }
 
@@ -87,6 +91,43 @@ std::optional<std::string> copyOf(std::optional<const char*> text) {
     return text ? std::optional<std::string>(*text) : std::nullopt;
 }
 
+/// Reads the value of a variant with this signature; skips one that no interface here has as a
+/// property.
+std::optional<BusValue> readVariant(sd_bus_message* message, const std::string& type) {
+    constexpr std::string_view known = "sbdxu";
+    if (type.size() != 1 || known.find(type.front()) == known.npos) {
+        sd_bus_message_skip(message, "v");
+        return std::nullopt;
+    }
+    if (sd_bus_message_enter_container(message, 'v', type.c_str()) <= 0) {
+        return std::nullopt;
+    }
+    std::optional<BusValue> value;
+    const auto take = [&](const auto& read) {
+        if (read) {
+            value = *read;
+        }
+    };
+    switch (type.front()) {
+    case 's':
+        take(copyOf(read<const char*>(message, 's')));
+        break;
+    case 'b':
+        take(read<int>(message, 'b').transform([](int flag) { return flag != 0; }));
+        break;
+    case 'd':
+        take(read<double>(message, 'd'));
+        break;
+    case 'x':
+        take(read<std::int64_t>(message, 'x'));
+        break;
+    default:
+        take(read<std::uint32_t>(message, 'u'));
+    }
+    sd_bus_message_exit_container(message);
+    return value;
+}
+
 } // namespace
 
 bool append(sd_bus_message* message, const std::vector<BusArgument>& arguments) {
@@ -97,6 +138,10 @@ bool append(sd_bus_message* message, const std::vector<BusArgument>& arguments) 
         }
     }
     return true;
+}
+
+bool appendValue(sd_bus_message* message, const BusValue& value) {
+    return std::visit(Writer(message), value);
 }
 
 bool appendVariant(sd_bus_message* message, const BusValue& value) {
@@ -111,6 +156,16 @@ bool BusMessage::saysReceiverIsGone() const {
     return sd_bus_message_is_method_error(message_, SD_BUS_ERROR_NO_REPLY) > 0 ||
            sd_bus_message_is_method_error(message_, SD_BUS_ERROR_SERVICE_UNKNOWN) > 0 ||
            sd_bus_message_is_method_error(message_, SD_BUS_ERROR_NAME_HAS_NO_OWNER) > 0;
+}
+
+std::string BusMessage::errorName() const {
+    const sd_bus_error* const error = sd_bus_message_get_error(message_);
+    return error == nullptr || error->name == nullptr ? "" : error->name;
+}
+
+std::string BusMessage::errorText() const {
+    const sd_bus_error* const error = sd_bus_message_get_error(message_);
+    return error == nullptr || error->message == nullptr ? "" : error->message;
 }
 
 std::string BusMessage::sender() const {
@@ -145,6 +200,27 @@ std::optional<std::string> BusMessage::readTextInVariant() {
 
 std::optional<std::uint32_t> BusMessage::readNumber() {
     return read<std::uint32_t>(message_, 'u');
+}
+
+std::optional<BusProperties> BusMessage::readProperties() {
+    if (sd_bus_message_enter_container(message_, 'a', "{sv}") <= 0) {
+        return std::nullopt;
+    }
+    BusProperties properties;
+    while (sd_bus_message_enter_container(message_, 'e', "sv") > 0) {
+        const auto name = readText();
+        const char* type = nullptr;
+        if (!name || sd_bus_message_peek_type(message_, nullptr, &type) <= 0) {
+            return std::nullopt;
+        }
+        if (const auto value = readVariant(message_, type)) {
+            properties[*name] = *value;
+        }
+        if (sd_bus_message_exit_container(message_) < 0) {
+            return std::nullopt;
+        }
+    }
+    return sd_bus_message_exit_container(message_) < 0 ? std::nullopt : std::optional(properties);
 }
 
 std::optional<BusTexts> BusMessage::readTexts() {

@@ -7,6 +7,7 @@
 #include <span>
 #include <stop_token>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <poll.h>
@@ -41,6 +42,11 @@ public:
     /// False if the call cannot be sent. `answered` also receives errors, and may call `ask`.
     bool ask(const BusMethod& method, const std::vector<BusArgument>& arguments,
              BusReceive answered);
+
+    /// As `listenAsync`.
+    bool listen(const std::string& rule, BusReceive heard) {
+        return bus_ != nullptr && listenAsync(bus_.get(), rule, std::move(heard));
+    }
 
     /// Adds the events to poll for, if any.
     void addTo(std::vector<pollfd>& awaited) const;

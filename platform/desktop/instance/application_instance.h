@@ -13,6 +13,7 @@
 #include <QtCore/QObject>
 
 #include "platform/desktop/bus/bus_connection.h"
+#include "platform/desktop/remote/control_service.h"
 
 namespace vantoro::desktop {
 
@@ -53,6 +54,9 @@ public:
     /// The event loop calls `known` when the role is known, or when `patience` is over.
     void whenRoleIsKnown(std::chrono::milliseconds patience, std::function<void(Role role)> known);
 
+    /// The recording's control, on the same object. It takes calls from construction on.
+    ControlService& control() { return control_; }
+
     /// The event loop calls `requested` for each request, in order, including those that came
     /// before this call; never after destruction.
     void setRequested(TakeRequest requested);
@@ -87,6 +91,7 @@ private:
     std::shared_ptr<Answer<FirstAnswer>> firstAnswer_;
     QObject events_; ///< cancels pending callbacks on destruction
     BusConnection bus_;
+    ControlService control_{bus_}; ///< before the name is requested
 };
 
 /// What this process was started with; empty for none. Read it before the toolkit consumes it.

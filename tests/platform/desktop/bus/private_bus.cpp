@@ -106,6 +106,12 @@ bool PrivateBus::startedAService() const {
     return QFile::exists(folder_.filePath("started"));
 }
 
+void PrivateBus::end() const {
+    if (::kill(process_, SIGTERM) != 0) {
+        throw std::runtime_error("the bus cannot be ended");
+    }
+}
+
 void PrivateBus::freeze() const {
     if (::kill(process_, SIGSTOP) != 0) {
         throw std::runtime_error("the private bus cannot be frozen");

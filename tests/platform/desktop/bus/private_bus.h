@@ -47,6 +47,8 @@ public:
     bool startedAService() const;
     /// Stops the daemon; existing connections stay open but get no answers.
     void freeze() const;
+    /// Ends the daemon, and with it all connections.
+    void end() const;
 
 private:
     /// The daemon's error output, which may be about irrelevant rights and limits.
