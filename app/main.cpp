@@ -18,6 +18,9 @@
 #include "app/ending/stop_signals.h"
 #include "app/platform/recording_platform.h"
 #include "app/platform/silent_bus_messages.h"
+#include "app/remote/recording_on_the_bus.h"
+#include "app/remote/remote_command.h"
+#include "app/remote/status_command.h"
 #include "app/window/window_command.h"
 #include "control/recording_folder.h"
 #include "engine/failure.h"
@@ -100,6 +103,16 @@ public:
         });
     }
 
+    int operator()(const RemoteCommand& command) {
+        language_ = command.language;
+        return runRemoteCommand(command, language(), signals_.descriptor());
+    }
+
+    int operator()(const StatusCommand& command) {
+        language_ = command.language;
+        return runStatusCommand(command, language(), signals_.descriptor());
+    }
+
     int operator()(const RecordCommand& command) {
         const auto silent = leaveOutSilentBuses();
         const SettingsFile users;
@@ -117,6 +130,7 @@ public:
         RecordingViewModel model(
             platform.makeRecorder(),
             platform.forControl(preferences, [&ending] { ending.progressed(); }));
+        const RecordingOnTheBus onTheBus(model);
         return run.run(model);
     }
 

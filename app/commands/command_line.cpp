@@ -149,6 +149,17 @@ RecordCommand recordCommand(const GivenOptions& options) {
     return command;
 }
 
+std::optional<RemoteCommand::Action> remoteAction(const QString& command) {
+    using enum RemoteCommand::Action;
+    if (command == "start") {
+        return start;
+    }
+    if (command == "stop") {
+        return stop;
+    }
+    return command == "toggle" ? std::optional(toggle) : std::nullopt;
+}
+
 Command parseOrThrow(const QStringList& arguments, AppLanguage ownLanguage) {
     if (arguments.contains("--help") || arguments.contains("-h")) {
         return PrintCommand{std::string(helpText(ownLanguage))};
@@ -170,6 +181,15 @@ Command parseOrThrow(const QStringList& arguments, AppLanguage ownLanguage) {
         const GivenOptions options(first, others);
         return DoctorCommand{options.value("json").has_value(), folderOf(options),
                              languageOption(options)};
+    }
+    if (const auto action = remoteAction(first)) {
+        return RemoteCommand{.action = *action, .language = languageOption({first, others})};
+    }
+    if (first == "status") {
+        const GivenOptions options(first, others);
+        return StatusCommand{.isJSON = options.value("json").has_value(),
+                             .isFollowed = options.value("follow").has_value(),
+                             .language = languageOption(options)};
     }
     if (first == "--version" || first == "-v") {
         const GivenOptions none({}, others);

@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -50,6 +51,29 @@ struct DoctorCommand {
     friend bool operator==(const DoctorCommand&, const DoctorCommand&) = default;
 };
 
+/// Controls a running program; see `RemoteCommand::Action`.
+struct RemoteCommand {
+    enum class Action : std::uint8_t {
+        start, ///< a recording, also in a program that has to be started first
+        stop,  ///< and print the recording's path
+        toggle,
+    };
+
+    Action action = Action::start;
+    std::optional<AppLanguage> language; ///< of the messages; absent: the user's
+
+    friend bool operator==(const RemoteCommand&, const RemoteCommand&) = default;
+};
+
+/// Print what a running program does.
+struct StatusCommand {
+    bool isJSON = false;
+    bool isFollowed = false;             ///< print each change, until a signal
+    std::optional<AppLanguage> language; ///< absent: the user's
+
+    friend bool operator==(const StatusCommand&, const StatusCommand&) = default;
+};
+
 /// Print this text on standard output and exit.
 struct PrintCommand {
     std::string text;
@@ -65,7 +89,7 @@ struct UsageError {
 };
 
 using Command = std::variant<RecordCommand, DevicesCommand, RecoverCommand, DoctorCommand,
-                             PrintCommand, UsageError>;
+                             RemoteCommand, StatusCommand, PrintCommand, UsageError>;
 
 /// `arguments` exclude the program's name. Help and usage errors are in the language that
 /// `--language` selects, else in `usersLanguage`.

@@ -31,7 +31,7 @@ public:
         /// Called on a click on a meter.
         std::function<void(const std::string& activationToken)> showMainWindow;
         /// Called for a row of a meter's menu.
-        std::function<void(StatusCommand command, const std::string& activationToken)> carryOut;
+        std::function<void(StatusAreaCommand command, const std::string& activationToken)> carryOut;
     };
 
     explicit AppDelegate(Surroundings surroundings);

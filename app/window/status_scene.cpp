@@ -9,17 +9,17 @@
 namespace vantoro {
 
 StatusMenu statusMenu(const StatusScene& scene, const L10n& texts) {
-    StatusMenuRow recording{.command = StatusCommand::startRecording,
+    StatusMenuRow recording{.command = StatusAreaCommand::startRecording,
                             .label = texts.text(L10n::Key::startRecording),
                             .isEnabled = scene.canStart};
     if (isUnderWay(scene.state)) {
-        recording = {.command = StatusCommand::stopRecording,
+        recording = {.command = StatusAreaCommand::stopRecording,
                      .label = texts.text(L10n::Key::stopRecording)};
     }
-    return {{.command = StatusCommand::showWindow,
+    return {{.command = StatusAreaCommand::showWindow,
              .label = DesktopText::showWindow.in(texts.language())},
             recording,
-            {.command = StatusCommand::quit, .label = texts.quit(), .startsGroup = true}};
+            {.command = StatusAreaCommand::quit, .label = texts.quit(), .startsGroup = true}};
 }
 
 std::string toolTipDetail(const StatusScene& scene, const L10n& texts) {

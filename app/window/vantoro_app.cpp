@@ -116,18 +116,18 @@ void VantoroApp::showScene() {
                            .elapsedSeconds = values.elapsedSeconds});
 }
 
-void VantoroApp::carryOut(StatusCommand command, const std::string& activationToken) {
+void VantoroApp::carryOut(StatusAreaCommand command, const std::string& activationToken) {
     switch (command) {
-    case StatusCommand::showWindow:
+    case StatusAreaCommand::showWindow:
         activate(activationToken);
         break;
-    case StatusCommand::startRecording:
+    case StatusAreaCommand::startRecording:
         startRecording(activationToken);
         break;
-    case StatusCommand::stopRecording:
+    case StatusAreaCommand::stopRecording:
         stopRecording(activationToken);
         break;
-    case StatusCommand::quit:
+    case StatusAreaCommand::quit:
         quit(IfNotSaved::stay);
         break;
     }

@@ -51,6 +51,8 @@ public:
     /// Brings the window to the front. Some desktops require the token; it may be empty.
     void activate(const std::string& activationToken);
 
+    RecordingViewModel& recording() { return viewModel_; }
+
     /// See `RemoteRecording`.
     void startRecording(const std::string& activationToken);
     void stopRecording(const std::string& activationToken);
@@ -73,7 +75,7 @@ private:
     void followRecording();
     /// Tells the meters what is not about levels.
     void showScene();
-    void carryOut(StatusCommand command, const std::string& activationToken);
+    void carryOut(StatusAreaCommand command, const std::string& activationToken);
     /// Starts what the window did not have to wait for.
     void endLaunch();
     /// Hides the window if a meter can bring it back, else minimises it.

@@ -13,8 +13,10 @@
 #include <QtCore/QMetaObject>
 #include <QtWidgets/QApplication>
 
+#include "app/platform/display.h"
 #include "app/platform/recording_platform.h"
 #include "app/platform/silent_bus_messages.h"
+#include "app/remote/remote_control.h"
 #include "app/window/network_module.h"
 #include "app/window/vantoro_app.h"
 #include "l10n/settings_file.h"
@@ -42,12 +44,6 @@ constexpr auto busPatience = 1s;
 constexpr auto firstInstancePatience = 10s;
 // A save that hangs must not block the end of the session.
 constexpr auto sessionEndPatience = 60s;
-
-bool hasDisplay() {
-    return !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") ||
-           !qEnvironmentVariableIsEmpty("DISPLAY") ||
-           !qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM");
-}
 
 bool isSandboxed() {
     return desktop::sandboxedApplicationID(desktop::standardSandboxDescription).has_value();
@@ -89,6 +85,10 @@ public:
                 .quits = [&ending] { ending.userQuits(); },
                 .stays = [&ending] { ending.userStays(); },
                 .end = [] { QApplication::exit(); }}),
+          remoteControl_(
+              app_.recording(), instance.control(),
+              [this](const auto& token) { app_.startRecording(token); },
+              [this](const auto& token) { app_.stopRecording(token); }),
           endingHandler_(ending, [this] { quitOnMainThread(); }) {
         instance.setRequested([this](const auto& request) { carryOut(request); });
         QObject::connect(qApp, &QGuiApplication::commitDataRequest, &app_,
@@ -120,6 +120,7 @@ private:
     SubstitutedStatusArea statusArea_{notifierArea_, trayIconArea_};
     desktop::DesktopNotifications notifications_;
     VantoroApp app_;
+    RemoteControl remoteControl_;
     Ending::Handler endingHandler_;
 };
 

@@ -23,6 +23,37 @@ struct CommandText {
         "没有可显示窗口的桌面。不需要窗口的用法请见 vantoro --help。"};
     static constexpr BilingualText firstProgramSilent{
         "Vantoro is running already, and does not answer.", "Vantoro 已在运行，但没有响应。"};
+    static constexpr BilingualText notRunning{"Vantoro is not running.", "Vantoro 没有运行。"};
+    static constexpr BilingualText notRecording{"Vantoro is not recording.",
+                                                "Vantoro 没有在录音。"};
+    static constexpr BilingualText programSilent{"Vantoro is running, but does not answer.",
+                                                 "Vantoro 正在运行，但没有响应。"};
+    static constexpr BilingualText otherProgramSilent{
+        "Another Vantoro is running, but does not answer.",
+        "另一个 Vantoro 正在运行，但没有响应。"};
+    static constexpr BilingualText alreadyRecording{"Vantoro is already recording.",
+                                                    "Vantoro 已经在录音。"};
+    static constexpr BilingualText stillSaving{"Vantoro is still saving the last recording.",
+                                               "Vantoro 仍在保存上一个录音。"};
+    static constexpr BilingualText startedTooLate{
+        "Vantoro did not start the recording in time. It may still start it.",
+        "Vantoro 没有及时开始录音，稍后仍可能开始。"};
+    static constexpr BilingualText programEnded{
+        "Vantoro ended before it answered. If it was recording, its next start saves what is on "
+        "disk, and so does vantoro recover.",
+        "Vantoro 在响应之前退出。如果当时正在录音，下次启动或运行 vantoro recover "
+        "时会保存已写入磁盘"
+        "的内容。"};
+    static constexpr BilingualText stopInterrupted{
+        "The recording was stopped. It will be saved in %1.", "录音已停止，将保存在 %1。"};
+    static constexpr BilingualText commandInterrupted{"Interrupted before Vantoro answered.",
+                                                      "在 Vantoro 响应之前被中断。"};
+    static constexpr BilingualText sessionBusMissing{
+        "There is no session bus, through which a running Vantoro could be reached.",
+        "没有会话总线，无法与正在运行的 Vantoro 通信。"};
+    static constexpr BilingualText sessionBusHangs{
+        "The session bus does not answer, so a running Vantoro cannot be reached.",
+        "会话总线没有响应，无法与正在运行的 Vantoro 通信。"};
     static constexpr BilingualText sessionBusSilent{
         "The session bus does not answer. Vantoro goes on without the desktop's services.",
         "会话总线没有响应。Vantoro 将在没有桌面服务的情况下继续运行。"};

@@ -30,6 +30,8 @@ class CompletionTests(unittest.TestCase):
         for typed, offered in (
             ("vantoro re", ["record", "recover"]),
             ("vantoro dev", ["devices"]),
+            ("vantoro st", ["start", "status", "stop"]),
+            ("vantoro status --", ["--follow", "--json", "--language"]),
             ("vantoro --", ["--help", "--version"]),
             ("vantoro recover --", ["--folder", "--language"]),
             ("vantoro devices --", ["--json", "--language"]),

@@ -18,11 +18,11 @@ namespace vantoro {
 using StatusImage = QList<QImage>;
 
 /// What a row of an item's menu does.
-enum class StatusCommand : std::uint8_t { showWindow, startRecording, stopRecording, quit };
+enum class StatusAreaCommand : std::uint8_t { showWindow, startRecording, stopRecording, quit };
 
 /// A row of an item's menu; each command has at most one.
 struct StatusMenuRow {
-    StatusCommand command = StatusCommand::showWindow;
+    StatusAreaCommand command = StatusAreaCommand::showWindow;
     std::string label;
     bool isEnabled = true;
     bool startsGroup = false; ///< set apart from the rows above
@@ -39,7 +39,7 @@ struct StatusItemTraits {
     /// Some desktops need the token to bring a window to the front; empty if there is none.
     std::function<void(const std::string& activationToken)> clicked;
     /// Of the menu's rows; called like `clicked`.
-    std::function<void(StatusCommand command, const std::string& activationToken)> chosen = {};
+    std::function<void(StatusAreaCommand command, const std::string& activationToken)> chosen = {};
 };
 
 /// A small picture, shown while this exists; no `clicked` or `chosen` after destruction. Main

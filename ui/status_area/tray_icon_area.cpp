@@ -71,7 +71,7 @@ public:
     }
 
 private:
-    void tellOfChoice(StatusCommand command) {
+    void tellOfChoice(StatusAreaCommand command) {
         const auto chosen = chosen_;
         chosen(command, {});
     }
@@ -82,7 +82,7 @@ private:
     }
 
     std::function<void(const std::string&)> clicked_;
-    std::function<void(StatusCommand, const std::string&)> chosen_;
+    std::function<void(StatusAreaCommand, const std::string&)> chosen_;
     QString toolTip_;
     StatusImage image_;
     StatusMenu rows_;

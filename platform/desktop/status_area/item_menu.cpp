@@ -30,7 +30,7 @@ std::vector<MenuNode> menuNodes(const StatusMenu& menu) {
     return nodes;
 }
 
-ItemMenu::ItemMenu(BusConnection& bus, std::function<void(StatusCommand)> chosen)
+ItemMenu::ItemMenu(BusConnection& bus, std::function<void(StatusAreaCommand)> chosen)
     : bus_(bus), chosen_(std::move(chosen)) {
     bus_.exportObject(menuObject, menuCalls(), this);
 }
@@ -53,7 +53,7 @@ const MenuNode* ItemMenu::find(std::int32_t id) const {
 bool ItemMenu::happened(std::int32_t id, const std::string& event) {
     const auto* const node = find(id);
     if (node != nullptr && node->isEnabled && !node->isSeparator && event == "clicked") {
-        chosen_(static_cast<StatusCommand>(id - firstRow));
+        chosen_(static_cast<StatusAreaCommand>(id - firstRow));
     }
     return node != nullptr || id == root;
 }

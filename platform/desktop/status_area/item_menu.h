@@ -31,7 +31,7 @@ public:
     static constexpr std::int32_t root = 0; ///< the menu's own ID
 
     /// The bus calls `chosen`, with the ID of a row that is enabled. The bus must outlive this.
-    ItemMenu(BusConnection& bus, std::function<void(StatusCommand)> chosen);
+    ItemMenu(BusConnection& bus, std::function<void(StatusAreaCommand)> chosen);
     ItemMenu(const ItemMenu&) = delete;
     ItemMenu& operator=(const ItemMenu&) = delete;
     ~ItemMenu() = default;
@@ -51,7 +51,7 @@ public:
 
 private:
     BusConnection& bus_;
-    std::function<void(StatusCommand)> chosen_;
+    std::function<void(StatusAreaCommand)> chosen_;
     std::vector<MenuNode> nodes_;
     std::uint32_t revision_ = 1;
 };

@@ -144,7 +144,7 @@ StatusNotifierItem::StatusNotifierItem(const std::string& busAddress, const std:
     : clicked_(std::move(traits.clicked)),
       bus_(busAddress),
       menu_(bus_,
-            [this, chosen = std::move(traits.chosen)](StatusCommand command) {
+            [this, chosen = std::move(traits.chosen)](StatusAreaCommand command) {
                 // As for a click.
                 QMetaObject::invokeMethod(
                     &events_,

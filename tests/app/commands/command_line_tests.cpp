@@ -68,6 +68,20 @@ TEST(CommandLine, otherCommandsAndVersionAndHelp) {
         std::get<PrintCommand>(parsed("record --help")).text.starts_with("Usage: vantoro "));
 }
 
+TEST(CommandLine, remoteCommandsAndTheirOptions) {
+    using enum RemoteCommand::Action;
+    EXPECT_EQ(parsed("start"), Command(RemoteCommand{start, std::nullopt}));
+    EXPECT_EQ(parsed("stop --language en"), Command(RemoteCommand{stop, AppLanguage::english}));
+    EXPECT_EQ(parsed("toggle"), Command(RemoteCommand{toggle, std::nullopt}));
+    EXPECT_EQ(parsed("status"), Command(StatusCommand{}));
+    EXPECT_EQ(parsed("status --follow --json --language=zh-Hans"),
+              Command(StatusCommand{true, true, AppLanguage::chinese}));
+    for (const auto* const line : {"start --json", "stop now", "toggle --seconds 2",
+                                   "status --json=yes", "status --folder /r"}) {
+        EXPECT_NE(usageErrorOf(parsed(line)), "no usage error") << line;
+    }
+}
+
 TEST(CommandLine, lastOfRepeatedOptionsCounts) {
     EXPECT_EQ(parsed("recover --folder /a --folder=/b"),
               Command(RecoverCommand{.folder = "/b", .language = {}}));

@@ -22,7 +22,7 @@ protected:
     AudioLevelStore levels;
     FakeStatusArea area;
     std::vector<std::string> clicks;
-    std::vector<std::pair<StatusCommand, std::string>> choices;
+    std::vector<std::pair<StatusAreaCommand, std::string>> choices;
     QPalette usual = QApplication::palette();
     std::optional<AppDelegate> delegate{
         std::in_place,
@@ -33,7 +33,7 @@ protected:
             .desktops = "KDE",
             .showMainWindow = [this](const std::string& token) { clicks.push_back(token); },
             .carryOut =
-                [this](StatusCommand command, const std::string& token) {
+                [this](StatusAreaCommand command, const std::string& token) {
                     choices.emplace_back(command, token);
                 }}};
 
@@ -153,10 +153,11 @@ TEST_F(AppDelegateTest, toolTipsSayTheRecordedTimeOnlyWhileRecording) {
 
 TEST_F(AppDelegateTest, choiceInAMenuIsPassedOn) {
     launch();
-    systemAudio().traits.chosen(StatusCommand::startRecording, "a token");
-    microphone().traits.chosen(StatusCommand::quit, "");
-    EXPECT_EQ(choices, (std::vector<std::pair<StatusCommand, std::string>>{
-                           {StatusCommand::startRecording, "a token"}, {StatusCommand::quit, ""}}));
+    systemAudio().traits.chosen(StatusAreaCommand::startRecording, "a token");
+    microphone().traits.chosen(StatusAreaCommand::quit, "");
+    EXPECT_EQ(choices,
+              (std::vector<std::pair<StatusAreaCommand, std::string>>{
+                  {StatusAreaCommand::startRecording, "a token"}, {StatusAreaCommand::quit, ""}}));
 }
 
 TEST_F(AppDelegateTest, anotherLanguageAppearsInDescriptionsAtTheNextLevelButNotInToolTips) {

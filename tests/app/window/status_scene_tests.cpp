@@ -17,30 +17,30 @@ TEST(StatusSceneTest, menuOffersWhatTheStateAllows) {
     struct Row {
         Case state;
         bool canStart;
-        StatusCommand command;
+        StatusAreaCommand command;
         bool isEnabled;
     };
 
     const auto preferences = preferencesIn("en");
     const L10n texts(preferences);
     for (const auto& row : {
-             Row{Case::idle, true, StatusCommand::startRecording, true},
-             Row{Case::idle, false, StatusCommand::startRecording, false},
-             Row{Case::preparing, false, StatusCommand::stopRecording, true},
-             Row{Case::recording, false, StatusCommand::stopRecording, true},
-             Row{Case::processing, false, StatusCommand::startRecording, false},
-             Row{Case::completed, true, StatusCommand::startRecording, true},
-             Row{Case::failed, true, StatusCommand::startRecording, true},
+             Row{Case::idle, true, StatusAreaCommand::startRecording, true},
+             Row{Case::idle, false, StatusAreaCommand::startRecording, false},
+             Row{Case::preparing, false, StatusAreaCommand::stopRecording, true},
+             Row{Case::recording, false, StatusAreaCommand::stopRecording, true},
+             Row{Case::processing, false, StatusAreaCommand::startRecording, false},
+             Row{Case::completed, true, StatusAreaCommand::startRecording, true},
+             Row{Case::failed, true, StatusAreaCommand::startRecording, true},
          }) {
         const auto menu = statusMenu({.state = row.state, .canStart = row.canStart}, texts);
         ASSERT_EQ(menu.size(), 3U);
-        EXPECT_EQ(menu[0],
-                  (StatusMenuRow{.command = StatusCommand::showWindow, .label = "Show Vantoro"}));
+        EXPECT_EQ(menu[0], (StatusMenuRow{.command = StatusAreaCommand::showWindow,
+                                          .label = "Show Vantoro"}));
         EXPECT_EQ(menu[1].command, row.command) << static_cast<int>(row.state);
         EXPECT_EQ(menu[1].isEnabled, row.isEnabled) << static_cast<int>(row.state);
-        EXPECT_EQ(
-            menu[2],
-            (StatusMenuRow{.command = StatusCommand::quit, .label = "Quit", .startsGroup = true}));
+        EXPECT_EQ(menu[2],
+                  (StatusMenuRow{
+                      .command = StatusAreaCommand::quit, .label = "Quit", .startsGroup = true}));
     }
 }
 

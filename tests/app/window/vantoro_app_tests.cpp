@@ -175,19 +175,19 @@ TEST_F(VantoroAppTest, menuOfAMeterShowsTheWindowAndMakesARecordingAndQuits) {
     start();
     ASSERT_TRUE(stands());
     window().close();
-    const auto choose = [this](StatusCommand command) {
+    const auto choose = [this](StatusAreaCommand command) {
         area.items.at(0)->traits.chosen(command, "");
         settle();
     };
-    choose(StatusCommand::startRecording);
+    choose(StatusAreaCommand::startRecording);
     EXPECT_EQ(recorder.calls.back(), "start");
-    choose(StatusCommand::stopRecording);
+    choose(StatusAreaCommand::stopRecording);
     EXPECT_EQ(recorder.calls.back(), "stop");
     EXPECT_FALSE(window().isVisible());
-    choose(StatusCommand::showWindow);
+    choose(StatusAreaCommand::showWindow);
     EXPECT_TRUE(window().isVisible());
     EXPECT_EQ(ends, 0);
-    choose(StatusCommand::quit);
+    choose(StatusAreaCommand::quit);
     EXPECT_EQ(ends, 1);
 }
 

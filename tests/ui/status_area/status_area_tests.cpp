@@ -143,14 +143,15 @@ QMenu& trayMenu() {
 
 TEST(TrayIconAreaTest, menuHasItsRowsAndTellsOfTheChoice) {
     TrayIconArea area;
-    std::vector<StatusCommand> choices;
+    std::vector<StatusAreaCommand> choices;
     const auto item = area.makeItem(
         {.identifier = "i",
          .toolTip = "t",
          .clicked = {},
-         .chosen = [&](StatusCommand command, const auto&) { choices.push_back(command); }});
-    item->setMenu({{.command = StatusCommand::startRecording, .label = "Start", .isEnabled = false},
-                   {.command = StatusCommand::quit, .label = "Quit", .startsGroup = true}});
+         .chosen = [&](StatusAreaCommand command, const auto&) { choices.push_back(command); }});
+    item->setMenu(
+        {{.command = StatusAreaCommand::startRecording, .label = "Start", .isEnabled = false},
+         {.command = StatusAreaCommand::quit, .label = "Quit", .startsGroup = true}});
     const auto actions = trayMenu().actions();
     ASSERT_EQ(actions.size(), 3);
     EXPECT_EQ(actions[0]->text(), "Start");
@@ -159,7 +160,7 @@ TEST(TrayIconAreaTest, menuHasItsRowsAndTellsOfTheChoice) {
     actions[2]->trigger();
     EXPECT_TRUE(choices.empty());
     EXPECT_TRUE(EventLoop::runUntil([&] { return !choices.empty(); }));
-    EXPECT_EQ(choices, std::vector{StatusCommand::quit});
+    EXPECT_EQ(choices, std::vector{StatusAreaCommand::quit});
 }
 
 } // namespace

@@ -21,9 +21,9 @@ using desktop::MenuNode;
 using desktop::menuNodes;
 
 const StatusMenu usualMenu{
-    {.command = StatusCommand::showWindow, .label = "Show"},
-    {.command = StatusCommand::startRecording, .label = "Start_now", .isEnabled = false},
-    {.command = StatusCommand::quit, .label = "Quit", .startsGroup = true}};
+    {.command = StatusAreaCommand::showWindow, .label = "Show"},
+    {.command = StatusAreaCommand::startRecording, .label = "Start_now", .isEnabled = false},
+    {.command = StatusAreaCommand::quit, .label = "Quit", .startsGroup = true}};
 
 constexpr int showID = 1;
 constexpr int startID = 2;
@@ -31,16 +31,19 @@ constexpr int stopID = 3;
 constexpr int quitID = 4;
 
 TEST(MenuNodesTest, idsFollowFromTheCommands) {
-    const auto before = menuNodes({{.command = StatusCommand::startRecording, .label = "Start"}});
-    const auto after = menuNodes({{.command = StatusCommand::stopRecording, .label = "Stop"}});
+    const auto before =
+        menuNodes({{.command = StatusAreaCommand::startRecording, .label = "Start"}});
+    const auto after = menuNodes({{.command = StatusAreaCommand::stopRecording, .label = "Stop"}});
     EXPECT_EQ(before, (std::vector<MenuNode>{{.id = startID, .label = "Start"}}));
     EXPECT_EQ(after, (std::vector<MenuNode>{{.id = stopID, .label = "Stop"}}));
 }
 
 TEST(MenuNodesTest, lineIsBetweenGroupsOnly) {
-    const StatusMenuRow quit{.command = StatusCommand::quit, .label = "Quit", .startsGroup = true};
+    const StatusMenuRow quit{
+        .command = StatusAreaCommand::quit, .label = "Quit", .startsGroup = true};
     EXPECT_EQ(menuNodes({quit}).size(), 1U);
-    const auto nodes = menuNodes({{.command = StatusCommand::showWindow, .label = "Show"}, quit});
+    const auto nodes =
+        menuNodes({{.command = StatusAreaCommand::showWindow, .label = "Show"}, quit});
     ASSERT_EQ(nodes.size(), 3U);
     EXPECT_TRUE(nodes[1].isSeparator);
     EXPECT_NE(nodes[1].id, nodes[2].id);
@@ -158,8 +161,9 @@ TEST_F(ItemMenuTest, clickOnARowIsItsCommandWithThePanelsToken) {
     EXPECT_EQ(happen(showID, "clicked").type(), QDBusMessage::ReplyMessage);
     EXPECT_EQ(happen(quitID, "clicked").type(), QDBusMessage::ReplyMessage);
     ASSERT_TRUE(EventLoop::runUntil([&] { return choices.size() == 2; }));
-    EXPECT_EQ(choices, (std::vector<std::pair<StatusCommand, std::string>>{
-                           {StatusCommand::showWindow, "token"}, {StatusCommand::quit, ""}}));
+    EXPECT_EQ(choices,
+              (std::vector<std::pair<StatusAreaCommand, std::string>>{
+                  {StatusAreaCommand::showWindow, "token"}, {StatusAreaCommand::quit, ""}}));
     EXPECT_TRUE(clicks.isEmpty());
 }
 
@@ -176,7 +180,7 @@ TEST_F(ItemMenuTest, onlyAnotherMenuIsSignalled) {
     ASSERT_TRUE(EventLoop::runUntil([&] { return heard("LayoutUpdated") == 1; }));
     item->setMenu(usualMenu);
     auto other = usualMenu;
-    other[1] = {.command = StatusCommand::stopRecording, .label = "Stop"};
+    other[1] = {.command = StatusAreaCommand::stopRecording, .label = "Stop"};
     item->setMenu(other);
     ASSERT_TRUE(EventLoop::runUntil([&] { return heard("LayoutUpdated") == 2; }));
     EXPECT_EQ(layout().children.at(1).id, stopID);
@@ -196,7 +200,7 @@ TEST_F(ItemMenuTest, choiceMayDestroyTheItem) {
     item = area.makeItem({.identifier = "another",
                           .toolTip = "",
                           .clicked = {},
-                          .chosen = [&](StatusCommand, const auto&) {
+                          .chosen = [&](StatusAreaCommand, const auto&) {
                               ++count;
                               item.reset();
                           }});

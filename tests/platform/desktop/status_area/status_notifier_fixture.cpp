@@ -69,7 +69,7 @@ std::unique_ptr<StatusItem> StatusNotifierTest::makeItem(const std::string& iden
          .toolTip = toolTip,
          .clicked =
              [this](const std::string& token) { clicks.push_back(QString::fromStdString(token)); },
-         .chosen = [this](StatusCommand command,
+         .chosen = [this](StatusAreaCommand command,
                           const std::string& token) { choices.emplace_back(command, token); }});
 }
 

@@ -45,8 +45,8 @@ public:
 protected:
     PrivateBus bus;
     desktop::StatusNotifierArea area{bus.address().toStdString()};
-    QStringList clicks;                                         ///< their tokens
-    std::vector<std::pair<StatusCommand, std::string>> choices; ///< in menus, with their tokens
+    QStringList clicks;                                             ///< their tokens
+    std::vector<std::pair<StatusAreaCommand, std::string>> choices; ///< in menus, with their tokens
 
     StatusNotifierTest();
     ~StatusNotifierTest() override;
