@@ -147,6 +147,7 @@ void ContentView::showAll() {
                                 Property::outputDirectory, Property::lastRecordingURL}) {
         showProperty(property);
     }
+    column_->updateGeometry(); // it has another height in each language
 }
 
 void ContentView::showTexts() {
@@ -272,7 +273,6 @@ void ContentView::showPermissions() {
     const auto remedy = status == notDetermined ? Remedy::note : Remedy::settings;
     microphonePermission_->setGranted(status == authorized,
                                       values.isSurveyed ? remedy : Remedy::none);
-    column_->updateGeometry();
 }
 
 } // namespace vantoro

@@ -52,8 +52,6 @@ MainWindow::MainWindow(RecordingViewModel& model, LanguageSettings& language,
             [this](RecordingProperties::Property property) {
                 if (property == RecordingProperties::Property::errorMessage) {
                     showMessage();
-                } else if (property == RecordingProperties::Property::microphonePermission) {
-                    growAsNeeded();
                 }
             });
     resizing_.setSingleShot(true);

@@ -46,7 +46,7 @@ private:
     void openMenu();
     QSize neededSize() const;
     void openAtSize();
-    /// Another language, or a permission that is missing, may need more.
+    /// Another language may need more.
     void growAsNeeded();
     void rememberSize();
     void showTexts();

@@ -204,6 +204,7 @@ TEST_F(ContentViewTest, offersTheRecordingThatWasSavedUntilTheNextBegins) {
 
 TEST_F(ContentViewTest, bringsTheRecordingThatWasSavedIntoSight) {
     showIn(Case::recording);
+    view->resize(500, 300);
     model->toggleRecording();
     scheduler.settle();
     auto* const panel = view->findChild<CompletedPanel*>();

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <functional>
+#include <ostream>
 #include <string>
 
 #include <QtWidgets/QApplication>
@@ -16,6 +17,8 @@ struct DesktopFont {
     std::string name; ///< as in the pictures' names
     QString family;
     double points = 0;
+
+    friend void PrintTo(const DesktopFont& font, std::ostream* out) { *out << font.name; }
 };
 
 /// One window, led through all its states as a user does it.
