@@ -55,6 +55,21 @@ class Screen:
         translated = window.translate_coords(self._root, 0, 0)
         return -translated.x, -translated.y
 
+    @property
+    def root(self):
+        """The whole screen."""
+        return self._root
+
+    def size(self, window):
+        """Without its frame."""
+        geometry = window.get_geometry()
+        return geometry.width, geometry.height
+
+    def resize(self, window, width, height):
+        """As its user does with the mouse."""
+        window.configure(width=width, height=height)
+        self._display.flush()
+
     def ask_to_close(self, window):
         """As the close button in the title bar does."""
         self._ask(window, "_NET_CLOSE_WINDOW", [X.CurrentTime, 2, 0, 0, 0])
