@@ -21,6 +21,7 @@
 #include "app/window/vantoro_app.h"
 #include "l10n/settings_file.h"
 #include "l10n/texts/command_texts.h"
+#include "platform/desktop/appearance/dark_preference.h"
 #include "platform/desktop/bus/silent_buses.h"
 #include "platform/desktop/font_configuration.h"
 #include "platform/desktop/instance/application_instance.h"
@@ -31,6 +32,7 @@
 #include "ui/status_area/substituted_status_area.h"
 #include "ui/status_area/tray_icon_area.h"
 #include "ui/style/application_style.h"
+#include "ui/style/dark_colours.h"
 
 namespace vantoro {
 
@@ -65,7 +67,8 @@ AskForRecord askOverLoadedNetwork() {
 /// All parts of a program with a window.
 class WindowRun {
 public:
-    WindowRun(const std::string& sessionBus, ApplicationInstance& instance, Ending& ending)
+    WindowRun(const std::string& sessionBus, desktop::DarkPreference& darkness,
+              ApplicationInstance& instance, Ending& ending)
         : notifierArea_(sessionBus),
           notifications_(sessionBus, isSandboxed()),
           app_(platform_.makeRecorder(),
@@ -75,7 +78,11 @@ public:
                 .desktops = qgetenv("XDG_CURRENT_DESKTOP").toStdString(),
                 .version = VANTORO_VERSION,
                 .askForRecord = askOverLoadedNetwork(),
-                .launched = [this] { platform_.startTasks(); },
+                .launched =
+                    [this, &darkness] {
+                        platform_.startTasks();
+                        darkness.startPortal();
+                    },
                 .progressed =
                     [this, &ending](RecordingState::Case state, const auto& folder) {
                         ending.progressed({.state = state,
@@ -174,7 +181,7 @@ private:
             fonts_.join(); // or the toolkit would load the configuration a second time meanwhile
         }
         try {
-            window_ = std::make_unique<WindowRun>(sessionBus_, *instance_, ending_);
+            window_ = std::make_unique<WindowRun>(sessionBus_, darkness_, *instance_, ending_);
         } catch (...) { // the event loop does not support exceptions
             failure_ = std::current_exception();
             QApplication::exit(1);
@@ -185,6 +192,10 @@ private:
     std::string token_;
     std::jthread fonts_;
     std::string sessionBus_ = desktop::standardBusAddresses().session;
+    DarkColours colours_;
+    // Asked before the window is built, which need not change its colours if the answer comes soon.
+    desktop::DarkPreference darkness_{sessionBus_,
+                                      [this](bool isDark) { colours_.prefer(isDark); }};
     std::unique_ptr<ApplicationInstance> instance_;
     std::unique_ptr<WindowRun> window_;
     std::exception_ptr failure_;

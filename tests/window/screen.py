@@ -70,6 +70,10 @@ class Screen:
         window.configure(width=width, height=height)
         self._display.flush()
 
+    def brightness(self, window, left, top):
+        """Of one of its pixels, from 0 to 1; it must be in front."""
+        return sum(window.get_image(left, top, 1, 1, X.ZPixmap, 0xffffffff).data[:3]) / (3 * 255)
+
     def ask_to_close(self, window):
         """As the close button in the title bar does."""
         self._ask(window, "_NET_CLOSE_WINDOW", [X.CurrentTime, 2, 0, 0, 0])

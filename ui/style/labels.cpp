@@ -21,14 +21,14 @@ void TonedLabel::setTone(Tone tone) {
 
 void TonedLabel::changeEvent(QEvent* event) {
     QLabel::changeEvent(event);
-    if (event->type() == QEvent::ApplicationPaletteChange) {
+    if (event->type() == QEvent::PaletteChange) {
         applyTone();
     }
 }
 
 void TonedLabel::applyTone() {
-    auto own = QApplication::palette();
-    own.setColor(QPalette::WindowText, toneColour(tone_, own));
+    QPalette own; // all but the text follows the application's
+    own.setColor(QPalette::WindowText, toneColour(tone_, QApplication::palette()));
     setPalette(own);
 }
 

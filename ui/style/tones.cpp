@@ -150,6 +150,7 @@ QColor symbolOn(const QColor& ground) {
 
 QPalette readablePalette(QPalette palette) {
     palette.setCurrentColorGroup(QPalette::Active);
+    palette.setResolveMask(0); // all else follows the application's
     const auto set = [&palette](QPalette::ColorRole role, const QColor& disabled) {
         palette.setColor(QPalette::Inactive, role, palette.color(role));
         palette.setColor(QPalette::Disabled, role, disabled);

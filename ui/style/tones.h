@@ -46,7 +46,7 @@ QColor offColour(const QPalette& palette);
 QColor symbolOn(const QColor& ground);
 
 /// Makes disabled texts readable, and those of a window that is not active as clear as in the
-/// active one: users read them while they work in another window.
+/// active one: users read them while they work in another window. To set on a widget.
 QPalette readablePalette(QPalette palette);
 
 /// The line between two rows, or around a box.

@@ -62,7 +62,7 @@ ContentView::ContentView(RecordingViewModel& model, const Preferences& preferenc
 
 void ContentView::changeEvent(QEvent* event) {
     QWidget::changeEvent(event);
-    if (event->type() == QEvent::ApplicationPaletteChange) {
+    if (event->type() == QEvent::PaletteChange) {
         setPalette(readablePalette(QApplication::palette()));
     }
 }

@@ -198,6 +198,14 @@ std::optional<std::string> BusMessage::readTextInVariant() {
     return isRead ? std::optional<std::string>(text) : std::nullopt;
 }
 
+std::optional<std::uint32_t> BusMessage::readNumberInVariant() {
+    const char* contents = nullptr;
+    while (sd_bus_message_peek_type(message_, nullptr, &contents) > 0 && contents != nullptr &&
+           sd_bus_message_enter_container(message_, SD_BUS_TYPE_VARIANT, contents) > 0) {
+    }
+    return readNumber();
+}
+
 std::optional<std::uint32_t> BusMessage::readNumber() {
     return read<std::uint32_t>(message_, 'u');
 }

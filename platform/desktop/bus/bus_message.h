@@ -61,6 +61,8 @@ public:
     /// Reads a boolean in a variant, the form of a property's value.
     std::optional<bool> readFlagInVariant();
     std::optional<std::string> readTextInVariant();
+    /// Also from a variant in a variant.
+    std::optional<std::uint32_t> readNumberInVariant();
     std::optional<std::uint32_t> readNumber();
     /// Reads a dictionary of variants; leaves out all but texts, flags and wide numbers.
     std::optional<BusProperties> readProperties();

@@ -4,6 +4,11 @@
 
 #include <cstdint>
 
+#include <QtWidgets/QApplication>
+#include <QtWidgets/QStyle>
+
+#include "ui/style/dark_colours.h"
+
 namespace vantoro::testing {
 
 namespace {
@@ -22,14 +27,10 @@ struct Row {
     std::uint32_t highlightedText;
 };
 
-// Fusion's are the toolkit's own; Breeze's are from KDE's colour schemes, the disabled text
+// Breeze's are from KDE's colour schemes, the disabled text
 // computed by the effect named there; Adwaita's and its high contrast from GNOME's style sheets;
 // the last two have the greatest contrast that there is.
 constexpr Row rows[] = {
-    {"Fusion", 0xefefef, 0x000000, 0x000000, 0xbebebe, 0xffffff, 0xefefef, 0x000000, 0x308cc6,
-     0xffffff},
-    {"Fusion dark", 0x323232, 0xf0f0f0, 0xf0f0f0, 0x828282, 0x242424, 0x323232, 0xf0f0f0, 0x308cc6,
-     0xf0f0f0},
     {"Breeze", 0xeff0f1, 0x232629, 0x232629, 0xa8a9aa, 0xffffff, 0xfcfcfc, 0x232629, 0x3daee9,
      0xffffff},
     {"Breeze dark", 0x2a2e32, 0xfcfcfc, 0xfcfcfc, 0x737679, 0x1b1e20, 0x31363b, 0xfcfcfc, 0x3daee9,
@@ -70,7 +71,9 @@ QPalette paletteOf(const Row& row) {
 
 const std::vector<NamedPalette>& desktopPalettes() {
     static const auto all = [] {
-        std::vector<NamedPalette> palettes;
+        std::vector<NamedPalette> palettes{
+            {"the toolkit's", QApplication::style()->standardPalette()},
+            {"the toolkit's, dark", darkPalette()}};
         for (const auto& row : rows) {
             palettes.push_back({row.name, paletteOf(row)});
         }
