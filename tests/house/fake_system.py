@@ -12,7 +12,7 @@ SCRIPT = Path(__file__).resolve().parents[2] / "tools/install-dependencies"
 REAL = ["awk", "cat", "echo", "env", "grep", "mktemp", "rm", "sed", "sh", "tr", "xargs"]
 SECONDS = 60
 
-# $calls gets a line per call; $installed holds a line per package.
+# $calls gets a line per call; $installed holds a line per package, and $release one per package that there is.
 FAKES = {
     "id": 'echo "$user"',
     "sudo": 'echo "sudo $*" >>"$calls"; exec "$@"',
@@ -31,6 +31,7 @@ FAKES = {
                 echo "dlstatus:1:37.5:Retrieving file 1 of 2" >&3
                 echo "pmstatus:libfoo1:amd64:64.2857:Unpacking libfoo1:amd64 (1:2.3)" >&3 ;;
         esac""",
+    "apt-cache": '[ "$1" = show ] && grep -qxF -- "$2" "$release"',
     "rpm": 'for name; do :; done; grep -qxF -- "$name" "$installed"',
     "dnf": 'echo "dnf $*" >>"$calls"',
     "zypper": 'echo "zypper $*" >>"$calls"',
@@ -43,19 +44,21 @@ FAKES = {
 
 
 class FakeSystem:
-    def __init__(self, *programs, user=0, installed=(), broken="nothing"):
+    def __init__(self, *programs, user=0, installed=(), release=(), broken="nothing"):
         self._folder = tempfile.TemporaryDirectory()
         folder = Path(self._folder.name)
         self._calls = folder / "calls"
         self._calls.touch()
         (folder / "installed").write_text("\n".join(installed), encoding="utf-8")
+        (folder / "release").write_text("\n".join(release), encoding="utf-8")
         for program in REAL:
             (folder / program).symlink_to(shutil.which(program))
         for program in ("id", *programs):
             (folder / program).write_text(f"#!/bin/bash\n{FAKES[program]}\n", encoding="utf-8")
             (folder / program).chmod(0o755)
         self._environment = {"PATH": str(folder), "TMPDIR": str(folder), "user": str(user), "broken": broken,
-                             "calls": str(self._calls), "installed": str(folder / "installed")}
+                             "calls": str(self._calls), "installed": str(folder / "installed"),
+                             "release": str(folder / "release")}
 
     def close(self):
         self._folder.cleanup()

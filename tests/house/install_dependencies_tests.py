@@ -11,7 +11,7 @@ sys.dont_write_bytecode = True
 sys.path.insert(0, str(Path(__file__).resolve().parent))
 from fake_system import SCRIPT, FakeSystem  # noqa: E402
 
-DEBIAN = ["apt-get", "dpkg-query"]
+DEBIAN = ["apt-cache", "apt-get", "dpkg-query"]
 
 
 def rows():
@@ -20,8 +20,9 @@ def rows():
 
 
 def named(column, *purposes):
-    """The table's packages in a column, each once."""
-    return list(dict.fromkeys(row[column] for row in rows() if row[0] in purposes))
+    """The table's packages in a column, each once, without those that only some releases have."""
+    names = (row[column] for row in rows() if row[0] in purposes)
+    return list(dict.fromkeys(name for name in names if not name.startswith("?")))
 
 
 def words(command):
@@ -80,6 +81,20 @@ class InstallDependenciesTests(unittest.TestCase):
         }.items():
             with self.subTest(option):
                 self.assertEqual(self.installed_with(option), named(1, "program", *purposes))
+
+    def test_whatOnlySomeReleasesHaveIsInstalledThere(self):
+        needed = named(1, "program", "session", "tests")
+        for release, installed, command in (
+            ([], needed, None),
+            (["ffplay"], needed, "ffplay"),
+            (["ffplay"], needed[1:], f"{needed[0]} ffplay"),
+            (["ffplay"], [*needed, "ffplay"], None),
+        ):
+            with self.subTest(release=release, installed=len(installed)):
+                system = self.system(*DEBIAN, installed=installed, release=release)
+                self.assertEqual(system.run("--tests").returncode, 0)
+                installing = [call.partition("--yes install --no-install-recommends ")[2] for call in system.calls()]
+                self.assertEqual(installing[-1:], [command] if command else [])
 
     def test_optionsAddUp(self):
         self.assertEqual(set(self.installed_with("--session", "--packages")), set(named(1, "program", "session", "packages")))
