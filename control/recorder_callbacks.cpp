@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "control/recording_view_model.h"
+
 #include "control/transitions.h"
 
 namespace vantoro {
@@ -43,7 +44,13 @@ void RecordingViewModel::installCallbacks() {
     };
     recorder_->onExportProgress = [toMainThread, progressed](double fraction) {
         progressed();
-        toMainThread([fraction](Model& model) { model.setSavingProgress(fraction); });
+        toMainThread(
+            [fraction](Model& model) { model.advance(WorkProgress::Work::saving, fraction); });
+    };
+    recorder_->onSalvageProgress = [toMainThread, progressed](double fraction) {
+        progressed();
+        toMainThread(
+            [fraction](Model& model) { model.advance(WorkProgress::Work::salvage, fraction); });
     };
 }
 
@@ -80,6 +87,40 @@ void RecordingViewModel::updateCondition(AudioLevelSource source, SourceConditio
     if (isUnderWay(values().state.which())) {
         setCondition(source, condition);
     }
+}
+
+void RecordingViewModel::beginWork(WorkProgress::Work work) {
+    endWork();
+    work_.emplace(work);
+    workTimer_ = platform_.scheduler.startTimer(unshownWork, [this] {
+        platform_.scheduler.runOnMainThread([model = QPointer(this)] {
+            if (model && model->work_) {
+                model->workTimer_.reset();
+                model->setProgress(model->work_->progress());
+            }
+        });
+    });
+}
+
+/// A salvage begins with its first progress: most find nothing. While a recording is made, what a
+/// cancelled salvage still reports does not count.
+void RecordingViewModel::advance(WorkProgress::Work work, double fraction) {
+    if (work == WorkProgress::Work::salvage && !work_ && !isBusy(values().state.which())) {
+        beginWork(work);
+    }
+    if (!work_ || work_->progress().work != work) {
+        return;
+    }
+    work_->advance(fraction, std::chrono::steady_clock::now());
+    if (!workTimer_) {
+        setProgress(work_->progress());
+    }
+}
+
+void RecordingViewModel::endWork() {
+    workTimer_.reset();
+    work_.reset();
+    setProgress(std::nullopt);
 }
 
 } // namespace vantoro

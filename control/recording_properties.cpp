@@ -69,9 +69,9 @@ void RecordingProperties::resetLevels() {
     setLevel(AudioLevelSource::microphone, 0);
 }
 
-void RecordingProperties::setSavingProgress(double progress) {
-    if (values_.savingProgress != progress) {
-        set(Property::savingProgress, &Values::savingProgress, progress);
+void RecordingProperties::setProgress(std::optional<WorkProgress> progress) {
+    if (values_.progress != progress) {
+        set(Property::progress, &Values::progress, progress);
     }
 }
 

@@ -13,6 +13,7 @@
 
 #include "control/audio_level_store.h"
 #include "control/recording_state.h"
+#include "control/work_progress.h"
 #include "engine/ports/permissions.h"
 #include "engine/recorder/source_watch.h"
 #include "engine/recording_types.h"
@@ -37,7 +38,7 @@ public:
         systemAudioCondition,
         microphoneCondition,
         elapsedSeconds,
-        savingProgress,
+        progress,
         outputDirectory,
         lastRecordingURL,
         errorMessage,
@@ -59,7 +60,8 @@ public:
         SourceCondition systemAudioCondition = SourceCondition::delivering;
         SourceCondition microphoneCondition = SourceCondition::delivering;
         std::int64_t elapsedSeconds = 0;
-        double savingProgress = 0; ///< 0 to 1, of saving or a salvage
+        /// Of saving or a salvage, if it takes long.
+        std::optional<WorkProgress> progress;
         std::filesystem::path outputDirectory;
         std::string title; ///< of the next file; empty: its name without the extension
         std::optional<std::filesystem::path> lastRecordingURL;
@@ -113,7 +115,7 @@ protected:
     void resetConditions();
     /// These two notify only on a change.
     void setCondition(AudioLevelSource source, SourceCondition condition);
-    void setSavingProgress(double progress);
+    void setProgress(std::optional<WorkProgress> progress);
 
 private:
     AudioLevelStore& levels_;

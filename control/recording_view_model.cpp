@@ -59,6 +59,7 @@ void RecordingViewModel::startRecording() {
         return;
     }
     salvage_.suspend();
+    endWork();
     setState(RecordingState::Case::preparing);
     setErrorMessage(std::nullopt);
     set(Property::lastRecordingURL, &Values::lastRecordingURL, std::nullopt);
@@ -116,7 +117,7 @@ void RecordingViewModel::stopRecording(StopReason reason) {
     if (values().errorMessage) {
         setErrorMessage(std::nullopt); // clears the warning about disk space
     }
-    setSavingProgress(0);
+    beginWork(WorkProgress::Work::saving);
     setState(RecordingState::Case::processing);
     resetLevels();
     resetConditions();
@@ -140,6 +141,7 @@ void RecordingViewModel::finishRecording(StopReason reason) {
 }
 
 void RecordingViewModel::saved(const std::filesystem::path& recording, StopReason reason) {
+    endWork();
     set(Property::lastRecordingURL, &Values::lastRecordingURL, recording);
     setState(RecordingState::Case::completed);
     if (lost_.isAny()) {
@@ -152,6 +154,7 @@ void RecordingViewModel::saved(const std::filesystem::path& recording, StopReaso
 }
 
 void RecordingViewModel::stopFailed(const std::exception_ptr& error) {
+    endWork();
     fail(error, recorder_->hasKeptRecording());
     recoverIncompleteRecordings();
 }
@@ -189,11 +192,15 @@ void RecordingViewModel::handleStop(StopReason reason) {
 
 void RecordingViewModel::recoverIncompleteRecordings() {
     if (!isBusy(values().state.which())) {
+        endWork(); // of a salvage that this one replaces
         salvage_.start(values().outputDirectory);
     }
 }
 
 void RecordingViewModel::recovered(const SalvageResult& result) {
+    if (!isBusy(values().state.which())) {
+        endWork();
+    }
     if (!result.recordings.empty() && !isBusy(values().state.which())) {
         // After a failed stop, the salvaged recording is the one that failed.
         const bool isOfTheFailed = values().state.which() == RecordingState::Case::failed;

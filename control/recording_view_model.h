@@ -103,6 +103,9 @@ private:
     void moveTo(const std::filesystem::path& outputDirectory);
     void recoverIncompleteRecordings();
     void recovered(const SalvageResult& result);
+    void beginWork(WorkProgress::Work work);
+    void advance(WorkProgress::Work work, double fraction);
+    void endWork();
     void updateAudioLevel(AudioLevelSource source, float level);
     void updateCondition(AudioLevelSource source, SourceCondition condition);
 
@@ -113,6 +116,8 @@ private:
     SurveyTask survey_;
     std::unique_ptr<RepeatingTimer> timer_;       // while recording
     std::optional<StopReason> pendingStopReason_; // arrived while starting
+    std::optional<ProgressAccount> work_;         // while saving or salvaging
+    std::unique_ptr<RepeatingTimer> workTimer_;   // until the work has taken long
     StopReason lastStopReason_ = StopReason::user;
     LostSound lost_;                       // of the current or last recording
     std::exception_ptr interruption_;      // why it broke, or null

@@ -58,7 +58,7 @@ int RecordRun::run(RecordingViewModel& model) {
         using enum RecordingProperties::Property;
         if (property == errorMessage) {
             showMessage(model_->values());
-        } else if (property == savingProgress) {
+        } else if (property == progress) {
             showSaving();
         } else if (property == systemAudioLevel) {
             levelChanged(model_->values().systemAudioLevel);
@@ -94,7 +94,7 @@ void RecordRun::stateChanged() {
     case Case::processing:
         hasBegun_ = true;
         lineTimer_.stop();
-        showSaving();
+        terminal_.clearLine();
         break;
     case Case::completed:
         QCoreApplication::exit(printResult());
@@ -177,8 +177,10 @@ void RecordRun::showLine() {
 }
 
 void RecordRun::showSaving() {
-    if (state_ == Case::processing || state_ == Case::failed) { // not an earlier one's
-        terminal_.showLine(savingLine(model_->values().savingProgress, texts_));
+    const auto& progress = model_->values().progress;
+    if (progress &&
+        (state_ == Case::processing || state_ == Case::failed)) { // not an earlier one's
+        terminal_.showLine(savingLine(*progress, texts_));
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include "app/commands/recover_command.h"
 
+#include <chrono>
 #include <iostream>
 #include <stop_token>
 #include <system_error>
@@ -56,10 +57,16 @@ int runRecoverCommand(const RecoverCommand& command, const std::filesystem::path
     std::stop_source stop;
     ending.progressed({.folder = folder, .language = texts.language()});
     const Ending::Handler handler(ending, [&stop] { stop.request_stop(); });
+    const auto begin = std::chrono::steady_clock::now();
+    ProgressAccount work(WorkProgress::Work::salvage);
     const auto result =
         recoverIncompleteRecordings(platform, folder, stop.get_token(), [&](double fraction) {
             ending.progressed();
-            terminal.showLine(savingLine(fraction, texts));
+            const auto now = std::chrono::steady_clock::now();
+            work.advance(fraction, now);
+            if (now - begin >= unshownWork) {
+                terminal.showLine(savingLine(work.progress(), texts));
+            }
         });
     logSalvage(log, result);
     terminal.clearLine();

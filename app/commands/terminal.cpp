@@ -60,9 +60,10 @@ std::string recordingLine(const RecordingProperties::Values& values, const L10n&
     return line;
 }
 
-std::string savingLine(double fraction, const L10n& texts) {
-    return texts.text(L10n::Key::saving) + " " +
-           std::to_string(std::clamp(std::lround(fraction * 100), 0L, 100L)) + " %";
+std::string savingLine(const WorkProgress& progress, const L10n& texts) {
+    const auto text = progressText(progress, texts);
+    return progress.work == WorkProgress::Work::saving ? texts.text(L10n::Key::saving) + " " + text
+                                                       : text;
 }
 
 } // namespace vantoro

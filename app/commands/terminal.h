@@ -36,7 +36,7 @@ private:
 /// The progress line while recording: the time, and the levels of the enabled sources.
 std::string recordingLine(const RecordingProperties::Values& values, const L10n& texts);
 
-/// The progress line while the final file is written; `fraction` is 0 to 1.
-std::string savingLine(double fraction, const L10n& texts);
+/// The progress line while final files are written.
+std::string savingLine(const WorkProgress& progress, const L10n& texts);
 
 } // namespace vantoro

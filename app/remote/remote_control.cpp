@@ -29,8 +29,8 @@ std::int64_t now() {
 /// Whether a change of it is signalled by itself, rather than read by whoever follows it.
 bool isSignalled(RecordingProperties::Property property) {
     using enum RecordingProperties::Property;
-    return property != elapsedSeconds && property != savingProgress &&
-           property != systemAudioLevel && property != microphoneLevel;
+    return property != elapsedSeconds && property != progress && property != systemAudioLevel &&
+           property != microphoneLevel;
 }
 
 } // namespace
@@ -101,7 +101,7 @@ desktop::ControlStatus RemoteControl::status() const {
     return {.state = controlWord(state()),
             .startedAt = startedAt_,
             .elapsedSeconds = values.elapsedSeconds,
-            .savingProgress = values.savingProgress,
+            .savingProgress = values.progress ? values.progress->fraction : 0,
             .systemAudio = {.isOn = values.captureSystemAudio,
                             .level = values.systemAudioLevel,
                             .condition = controlWord(values.systemAudioCondition)},

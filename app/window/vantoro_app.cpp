@@ -99,6 +99,9 @@ void VantoroApp::followRecording() {
                 if (property == state || property == outputDirectory) {
                     tell();
                 }
+                if (property == progress) {
+                    showProgress();
+                }
                 if (property == state || property == elapsedSeconds ||
                     property == captureSystemAudio || property == captureMicrophone) {
                     showScene();
@@ -114,6 +117,11 @@ void VantoroApp::showScene() {
     appDelegate_.setScene({.state = values.state.which(),
                            .canStart = viewModel_.canStart(),
                            .elapsedSeconds = values.elapsedSeconds});
+}
+
+void VantoroApp::showProgress() {
+    const auto& progress = viewModel_.values().progress;
+    platform_.taskBarEntry.setProgress(progress ? std::optional(progress->fraction) : std::nullopt);
 }
 
 void VantoroApp::carryOut(StatusAreaCommand command, const std::string& activationToken) {

@@ -19,6 +19,7 @@
 #include "l10n/language_settings.h"
 #include "ui/ports/notifications.h"
 #include "ui/ports/status_area.h"
+#include "ui/ports/task_bar_entry.h"
 #include "ui/window/main_window.h"
 #include "update/update_checker.h"
 
@@ -28,6 +29,7 @@ namespace vantoro {
 struct WindowPlatform {
     StatusArea& statusArea;
     Notifications& notifications;
+    TaskBarEntry& taskBarEntry;
     /// In the form of XDG_CURRENT_DESKTOP.
     std::string desktops;
     std::string version;            ///< of this program
@@ -75,6 +77,7 @@ private:
     void followRecording();
     /// Tells the meters what is not about levels.
     void showScene();
+    void showProgress();
     void carryOut(StatusAreaCommand command, const std::string& activationToken);
     /// Starts what the window did not have to wait for.
     void endLaunch();

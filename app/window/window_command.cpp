@@ -29,6 +29,7 @@
 #include "platform/desktop/permission/microphone_access.h"
 #include "platform/desktop/permission/sandbox.h"
 #include "platform/desktop/status_area/status_notifier_area.h"
+#include "platform/desktop/task_bar/launcher_entry.h"
 #include "ui/status_area/substituted_status_area.h"
 #include "ui/status_area/tray_icon_area.h"
 #include "ui/style/application_style.h"
@@ -71,10 +72,12 @@ public:
               ApplicationInstance& instance, Ending& ending)
         : notifierArea_(sessionBus),
           notifications_(sessionBus, isSandboxed()),
+          launcherEntry_(sessionBus),
           app_(platform_.makeRecorder(),
                platform_.forControl(preferences_, [&ending] { ending.progressed(); }),
                {.statusArea = statusArea_,
                 .notifications = notifications_,
+                .taskBarEntry = launcherEntry_,
                 .desktops = qgetenv("XDG_CURRENT_DESKTOP").toStdString(),
                 .version = VANTORO_VERSION,
                 .askForRecord = askOverLoadedNetwork(),
@@ -126,6 +129,7 @@ private:
     TrayIconArea trayIconArea_;
     SubstitutedStatusArea statusArea_{notifierArea_, trayIconArea_};
     desktop::DesktopNotifications notifications_;
+    desktop::LauncherEntry launcherEntry_;
     VantoroApp app_;
     RemoteControl remoteControl_;
     Ending::Handler endingHandler_;

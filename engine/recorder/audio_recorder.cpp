@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "engine/recorder/audio_recorder.h"
+#include "engine/recorder/progress_pace.h"
 
 #include <algorithm>
 #include <future>
@@ -172,7 +173,8 @@ std::filesystem::path AudioRecorder::exportFinal(const TrackVolume& volumeOfTrac
     auto place =
         uniqueOutputURL(temporaryURL_.parent_path(), platform_.fileSystem, platform_.clock);
     const auto recording = writer.openRecording();
-    const auto final = mixTracks(*recording, std::move(place), volumeOfTrack, onExportProgress, {});
+    const auto final = mixTracks(*recording, std::move(place), volumeOfTrack,
+                                 ProgressPace(onExportProgress, platform_.clock), {});
     try {
         if (isAllWritten && recording->isWhole()) {
             platform_.fileSystem.remove(temporaryURL_);
@@ -189,7 +191,7 @@ SalvageResult AudioRecorder::recoverIncompleteRecordings(const std::filesystem::
                                                          const std::stop_token& stop) {
     return vantoro::recoverIncompleteRecordings(
         {platform_.mediaToolkit, platform_.fileSystem, platform_.clock}, folder, stop,
-        onExportProgress);
+        onSalvageProgress);
 }
 
 void AudioRecorder::stopStream() {

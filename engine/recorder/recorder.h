@@ -63,8 +63,10 @@ public:
     DiskRoomCallback onDiskRoom;
     /// During `stop`, on its thread: everything captured is on disk.
     std::function<void()> onRecordingSafe;
-    /// Progress of `stop` or a salvage on the final file. On its thread.
+    /// Progress of `stop` on the final file, at most ten times a second. On its thread.
     ExportProgress onExportProgress;
+    /// Likewise of a salvage on all its files.
+    ExportProgress onSalvageProgress;
 };
 
 } // namespace vantoro

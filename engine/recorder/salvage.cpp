@@ -14,6 +14,7 @@
 
 #include "engine/files/file_names.h"
 #include "engine/files/output_place.h"
+#include "engine/recorder/progress_pace.h"
 #include "engine/recorder/track_mixing.h"
 
 namespace vantoro {
@@ -149,12 +150,18 @@ SalvageResult recoverIncompleteRecordings(const SalvagePlatform& platform,
     } catch (const std::exception& error) {
         noteFailure(folder, error);
     }
+    ProgressPace pace(progress, platform.clock);
+    std::size_t begun = 0;
     for (const auto& candidate : candidates) {
         if (stop.stop_requested()) {
             break;
         }
+        const auto before = static_cast<double>(begun++);
+        const auto ofAll = [&](double ofThis) {
+            pace((before + ofThis) / static_cast<double>(candidates.size()));
+        };
         try {
-            if (auto recovered = recover(platform, candidate, stop, progress)) {
+            if (auto recovered = recover(platform, candidate, stop, ofAll)) {
                 result.recordings.push_back(std::move(recovered->recording));
                 if (recovered->keptOriginal) {
                     result.keptOriginals.push_back(std::move(*recovered->keptOriginal));

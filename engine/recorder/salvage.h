@@ -54,7 +54,8 @@ std::size_t recordingsToRecover(MediaToolkit& mediaToolkit, FileSystem& fileSyst
 /// Exports each unfinished recording in the folder at full volume, then deletes its original, or
 /// sets it aside if not all of it could be read. Blocks; task threads only. Never throws: an
 /// original that is in use, or where anything fails, stays, and the attempt leaves nothing behind.
-/// A requested stop has the same effect at once. `progress` reports each export; may be empty.
+/// A requested stop has the same effect at once. `progress`, which may be empty, is that of all
+/// files, reported at most ten times a second.
 SalvageResult recoverIncompleteRecordings(const SalvagePlatform& platform,
                                           const std::filesystem::path& folder,
                                           const std::stop_token& stop,

@@ -130,16 +130,6 @@ TEST_F(EngineTest, announcesTheVolumesOfTheMix) {
         << ::testing::PrintToString(log.startingWith("expectMix"));
 }
 
-TEST_F(EngineTest, showsTheSavingProgress) {
-    startRecording();
-    ASSERT_TRUE(reaches(Case::recording));
-    capture.deliver(bufferAt(0), AudioLevelSource::systemAudio);
-    model->toggleRecording();
-    EXPECT_EQ(model->values().savingProgress, 0);
-    ASSERT_TRUE(reaches(Case::completed));
-    EXPECT_EQ(model->values().savingProgress, 1);
-}
-
 TEST_F(EngineTest, failsAsTheEngineDoes) {
     captureAccess.isAllowed = false;
     devices.mayCapture = false;

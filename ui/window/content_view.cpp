@@ -143,8 +143,9 @@ void ContentView::showAll() {
     showSources();
     showPermissions();
     showMeters();
-    for (const auto property : {Property::systemVolume, Property::elapsedSeconds,
-                                Property::outputDirectory, Property::lastRecordingURL}) {
+    for (const auto property :
+         {Property::systemVolume, Property::elapsedSeconds, Property::progress,
+          Property::outputDirectory, Property::lastRecordingURL}) {
         showProperty(property);
     }
     column_->updateGeometry(); // it has another height in each language
@@ -215,7 +216,9 @@ void ContentView::showProperty(Property property) {
     case Property::microphonePermission:
         showPermissions();
         break;
-    case Property::savingProgress:
+    case Property::progress:
+        status_->setProgress(values.progress, texts_);
+        break;
     case Property::errorMessage: // shown in an alert
         break;
     }

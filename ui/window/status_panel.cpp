@@ -54,6 +54,7 @@ StatusPanel::StatusPanel(QWidget* parent)
       badge_(new StatusBadge(this)),
       headline_(new QLabel(this)),
       detail_(new TonedLabel(Tone::secondary, captionFont(font()), this)),
+      progress_(new ProgressRow(this)),
       elapsed_(new QLabel(this)),
       meters_(new LevelMeterPanel(this)) {
     auto* const row = new QHBoxLayout(this);
@@ -64,6 +65,7 @@ StatusPanel::StatusPanel(QWidget* parent)
     texts->setSpacing(lineSpacing);
     texts->addWidget(headline_);
     texts->addWidget(detail_);
+    texts->addWidget(progress_);
     texts->addStretch();
     row->addLayout(texts, 1);
     auto* const right = new QVBoxLayout;
@@ -115,6 +117,10 @@ void StatusPanel::setState(const RecordingState& state, const QString& headline,
     detail_->setText(
         QString::fromStdString(look.detail ? texts.text(*look.detail) : state.description()));
     meters_->setVisible(state.which() == RecordingState::Case::recording);
+}
+
+void StatusPanel::setProgress(const std::optional<WorkProgress>& progress, const L10n& texts) {
+    progress_->setProgress(progress, texts);
 }
 
 void StatusPanel::setElapsed(const QString& time) {

@@ -8,6 +8,7 @@
 #include "control/recording_properties.h"
 #include "l10n/l10n.h"
 #include "ui/meters/level_meter_panel.h"
+#include "ui/window/progress_row.h"
 #include "ui/window/status_badge.h"
 
 namespace vantoro {
@@ -21,6 +22,7 @@ public:
 
     void setTexts(const L10n& texts);
     void setState(const RecordingState& state, const QString& headline, const L10n& texts);
+    void setProgress(const std::optional<WorkProgress>& progress, const L10n& texts);
     void setElapsed(const QString& time);
     void setLevels(double systemAudio, double microphone);
     void setConditions(SourceCondition systemAudio, SourceCondition microphone, const L10n& texts);
@@ -32,6 +34,7 @@ private:
     StatusBadge* badge_;
     QLabel* headline_;
     QLabel* detail_;
+    ProgressRow* progress_;
     QLabel* elapsed_;
     LevelMeterPanel* meters_;
 };

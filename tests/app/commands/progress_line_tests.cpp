@@ -38,7 +38,7 @@ TEST_F(ProgressLineTest, showsTheTimeAndTheLevelsOfTheSourcesThatAreOn) {
 TEST_F(ProgressLineTest, speaksTheUsersLanguage) {
     values.captureSystemAudio = false;
     EXPECT_EQ(recordingLine(values, L10n(chinese)), "00:05  麦克风 [####################]");
-    EXPECT_EQ(savingLine(0.5, L10n(chinese)), "保存中 50 %");
+    EXPECT_EQ(savingLine({.fraction = 0.5, .left = {}}, L10n(chinese)), "保存中 50 %");
 }
 
 TEST_F(ProgressLineTest, namesASourceThatDeliversNothing) {
@@ -53,11 +53,13 @@ TEST_F(ProgressLineTest, namesASourceThatDeliversNothing) {
                                                     "  麦克风 [--------------------] 已静音!");
 }
 
-TEST_F(ProgressLineTest, savingIsAPercentage) {
+TEST_F(ProgressLineTest, saysHowFarTheSavingOrTheSalvageIs) {
     const L10n texts(english);
-    EXPECT_EQ(savingLine(0, texts), "Saving 0 %");
-    EXPECT_EQ(savingLine(0.426, texts), "Saving 43 %");
-    EXPECT_EQ(savingLine(1.2, texts), "Saving 100 %");
+    EXPECT_EQ(savingLine({.fraction = 0, .left = {}}, texts), "Saving 0 %");
+    EXPECT_EQ(savingLine({.fraction = 0.426, .left = std::chrono::seconds(5)}, texts),
+              "Saving 43 %, 00:05 left");
+    EXPECT_EQ(savingLine({.work = WorkProgress::Work::salvage, .fraction = 1, .left = {}}, texts),
+              "Recovering interrupted recordings: 100 %");
 }
 
 } // namespace

@@ -22,11 +22,19 @@ using namespace std::chrono_literals;
 
 constexpr auto patience = 20s; // far longer than needed
 
+/// Records what it shows.
+struct FakeTaskBarEntry final : TaskBarEntry {
+    std::vector<std::optional<double>> shown;
+
+    void setProgress(std::optional<double> fraction) override { shown.push_back(fraction); }
+};
+
 /// The whole program, on a desktop where only the test causes events.
 class VantoroAppTest : public ViewModelTest {
 protected:
     FakeStatusArea area;
     FakeNotifications notifications;
+    FakeTaskBarEntry taskBarEntry;
     int launches = 0;
     int ends = 0;
     int quits = 0;            ///< not called off
@@ -40,6 +48,7 @@ protected:
         app.emplace(std::make_unique<FakeRecorder>(recorder), platform(),
                     WindowPlatform{.statusArea = area,
                                    .notifications = notifications,
+                                   .taskBarEntry = taskBarEntry,
                                    .desktops = "KDE",
                                    .version = "1.2.3",
                                    .askForRecord = {},
@@ -246,6 +255,21 @@ TEST_F(VantoroAppTest, notificationOfAHiddenWindowIsTakenBackWhenTheWindowIsInFr
     EXPECT_TRUE(window().isVisible());
     EXPECT_TRUE(EventLoop::runUntil([this] { return notifications.shown.empty(); }));
     EXPECT_EQ(notifications.shows, 1);
+}
+
+TEST_F(VantoroAppTest, longSavingIsShownInTheTaskBar) {
+    start();
+    startRecording();
+    recorder.duringStop = [this] {
+        scheduler.runMain();
+        scheduler.advance(1s);
+        recorder.recorder->onExportProgress(0.25);
+        scheduler.runMain();
+    };
+    EXPECT_TRUE(taskBarEntry.shown.empty());
+    app->stopRecording("");
+    settle();
+    EXPECT_EQ(taskBarEntry.shown, (std::vector<std::optional<double>>{0.0, 0.25, std::nullopt}));
 }
 
 TEST_F(VantoroAppTest, windowComesBackWhenARecordingThatTheDesktopWantsFails) {

@@ -86,6 +86,18 @@ TEST(IncompleteRecording, sameDatesKeepTheirOrder) {
                      "b.partial.mov"}));
 }
 
+TEST_F(SalvageTest, progressIsThatOfAllFiles) {
+    for (const char* name : {"a.partial.mov", "b.partial.mov", "c.partial.mov", "d.partial.mov"}) {
+        put(name, daysAgo(1));
+    }
+    std::vector<double> told;
+    recoverIncompleteRecordings({toolkit, fileSystem, clock}, "/r", {}, [&](double fraction) {
+        told.push_back(fraction);
+        clock.uptime += 1; // each export takes that long
+    });
+    EXPECT_EQ(told, (std::vector{0.25, 0.5, 0.75, 1.0}));
+}
+
 TEST_F(SalvageTest, finishesTheOldestFirstAndDeletesTheOriginals) {
     put("b.partial.MOV", daysAgo(0));
     put("a.partial.mov", daysAgo(1));

@@ -50,6 +50,21 @@ protected:
     QComboBox* picker() const { return find<QComboBox>("Input"); }
 };
 
+TEST_F(ContentViewTest, showsHowFarALongSavingIs) {
+    showIn(Case::processing);
+    recorder.recorder->onExportProgress(0.25);
+    scheduler.runMain();
+    EXPECT_FALSE(isSeen("25 %"));
+    scheduler.advance(std::chrono::seconds(1));
+    EXPECT_TRUE(isSeen("25 %"));
+    const auto* const bar = find<QProgressBar>("25 %");
+    ASSERT_NE(bar, nullptr);
+    EXPECT_EQ(bar->value() * 4, bar->maximum());
+    scheduler.settle();
+    EXPECT_FALSE(isSeen("25 %"));
+    EXPECT_FALSE(bar->isVisible());
+}
+
 TEST_F(ContentViewTest, dimsTheVolumesOfSourcesThatAreOff) {
     show();
     QTest::mouseClick(find<ToggleSwitch>("System Audio"), Qt::LeftButton);
