@@ -35,7 +35,7 @@ class Notifying(WindowCase):
         os.kill(int(os.environ["VANTORO_SESSION_PIPEWIRE_PID"]), signal.SIGKILL)
         number, text = self.notifications.wait_for("The recording ended by itself")
         self.assertIn("The connection to the sound server was lost.", text)
-        self.assertEqual(self.only_recording().suffix, ".m4a")
+        self.only_recording()
         self.notifications.choose(number, "default")
         wait_for(lambda: self.screen.is_in_front(window.frame), "the window to come to the front")
         wait_for(lambda: not self.notifications.shown, "the notification to be taken back")

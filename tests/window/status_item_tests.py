@@ -51,7 +51,7 @@ class StatusItems(WindowCase):
         wait_for(lambda: item.tool_tip_detail > "Recording: 00:00", "the tool tip to say the time")
         item.choose(ENGLISH["stopRecording"])
         wait_for(lambda: item.menu[1] == ENGLISH["startRecording"], "the recording to end")
-        wait_for(lambda: any(path.suffix == ".m4a" for path in self.folder.iterdir()), "the recording to be saved")
+        wait_for(lambda: [path.suffix for path in self.folder.iterdir()] == [".m4a"], "the recording to be saved")
         self.assert_holds(self.only_recording(), 440)
         self.assertEqual(item.tool_tip_detail, "")
         item.choose("Show Vantoro")
