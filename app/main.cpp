@@ -27,6 +27,7 @@
 #include "l10n/settings_file.h"
 #include "l10n/texts/command_texts.h"
 #include "l10n/texts/error_description.h"
+#include "l10n/track_names.h"
 #include "platform/desktop/bus/silent_buses.h"
 #include "platform/desktop/opening/default_recording_folder.h"
 #include "platform/desktop/realtime_services.h"
@@ -87,7 +88,10 @@ public:
         const SettingsFile users;
         PreferencesForOneRun preferences(users);
         setLanguage(preferences, command.language);
-        return runRecoverCommand(command, recordingFolderOf(preferences),
+        if (command.tracks) {
+            preferences.set(Preference::keepTracks, "true");
+        }
+        return runRecoverCommand(command, recordingFolderOf(preferences), trackNames(preferences),
                                  {mediaToolkit, fileSystem, clock}, log, ending, L10n(preferences));
     }
 
@@ -123,6 +127,9 @@ public:
         if (command.folder) {
             preferences.set(Preference::outputDirectory,
                             std::filesystem::absolute(*command.folder).string());
+        }
+        if (command.tracks) {
+            preferences.set(Preference::keepTracks, "true");
         }
         RecordRun run(command, ending, preferences);
         RecordingPlatform platform(RecordingPlatform::Meters::none);

@@ -35,6 +35,9 @@ void RecordingViewModel::installCallbacks() {
     recorder_->onSoundLoss = [toMainThread](const SoundLoss& loss) {
         toMainThread([loss](Model& model) { model.handleSoundLoss(loss); });
     };
+    recorder_->onTracksNotKept = [toMainThread](const TracksNotKept& failure) {
+        toMainThread([failure](Model& model) { model.lost_.add(failure); });
+    };
     recorder_->onDiskRoom = [toMainThread](DiskRoom room) {
         toMainThread([room](Model& model) { model.handleDiskRoom(room); });
     };

@@ -9,6 +9,7 @@
 #include "control/recording_folder.h"
 #include "control/transitions.h"
 #include "l10n/texts/error_description.h"
+#include "l10n/track_names.h"
 
 namespace vantoro {
 
@@ -20,7 +21,10 @@ RecordingViewModel::RecordingViewModel(std::unique_ptr<Recorder> recorder,
       platform_(platform),
       texts_(platform.preferences),
       recorder_(std::move(recorder)),
-      salvage_(platform.scheduler, recorder_, [this](const auto& result) { recovered(result); }),
+      salvage_(
+          platform.scheduler, recorder_,
+          [&preferences = platform.preferences] { return trackNames(preferences); },
+          [this](const auto& result) { recovered(result); }),
       survey_(platform.scheduler, platform.audioDevices, platform.microphoneAccess,
               [this](const auto& survey) { surveyed(survey); }) {
     installCallbacks();
@@ -76,6 +80,7 @@ void RecordingViewModel::startRecording() {
         .microphoneDeviceID = values().selectedMicrophoneID,
         .outputDirectory = values().outputDirectory,
         .title = values().title,
+        .trackNames = trackNames(platform_.preferences),
     };
     runTask(
         platform_.scheduler, QPointer(this),
@@ -144,11 +149,15 @@ void RecordingViewModel::saved(const std::filesystem::path& recording, StopReaso
     endWork();
     set(Property::lastRecordingURL, &Values::lastRecordingURL, recording);
     setState(RecordingState::Case::completed);
+    const auto onTracks = lost_.textOnTracks(texts_);
     if (lost_.isAny()) {
-        setErrorMessage(L10n::sentences({lost_.text(texts_), texts_.restSaved()}));
+        setErrorMessage(L10n::sentences({lost_.text(texts_), texts_.restSaved(), onTracks}));
     } else if (const auto key = savedMessageKey(reason)) {
         const bool isBroken = reason == StopReason::captureInterruption;
-        setErrorMessage(L10n::sentences({texts_.text(*key), isBroken ? interruptionText() : ""}));
+        setErrorMessage(
+            L10n::sentences({texts_.text(*key), isBroken ? interruptionText() : "", onTracks}));
+    } else if (!onTracks.empty()) {
+        setErrorMessage(onTracks);
     }
     salvage_.resume(values().outputDirectory);
 }
@@ -206,9 +215,10 @@ void RecordingViewModel::recovered(const SalvageResult& result) {
         const bool isOfTheFailed = values().state.which() == RecordingState::Case::failed;
         set(Property::lastRecordingURL, &Values::lastRecordingURL, result.recordings.back());
         setState(RecordingState::Case::completed);
-        setErrorMessage(L10n::sentences({texts_.recovered(result.recordings.size()),
-                                         texts_.originalsKept(result.keptOriginals),
-                                         isOfTheFailed ? lost_.text(texts_) : ""}));
+        setErrorMessage(L10n::sentences(
+            {texts_.recovered(result.recordings.size()), texts_.originalsKept(result.keptOriginals),
+             result.tracksNotKept.empty() ? "" : texts_.tracksNotKept(result.tracksNotKept.back()),
+             isOfTheFailed ? lost_.text(texts_) : ""}));
     }
     Q_EMIT salvageEnded();
 }

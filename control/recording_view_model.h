@@ -51,8 +51,8 @@ public:
     /// Salvages what an earlier run left in the recording folder.
     RecordingViewModel(std::unique_ptr<Recorder> recorder, const ControlPlatform& platform);
 
-    /// Whether the current or last recording lacks sound that was captured.
-    bool hasLostSound() const noexcept { return lost_.isAny(); }
+    /// Whether the current or last recording lacks captured sound, or the sources' own files.
+    bool isIncomplete() const noexcept { return lost_.isAny() || lost_.lacksTracks(); }
 
     /// Why the last recording ended.
     StopReason lastStopReason() const noexcept { return lastStopReason_; }

@@ -12,6 +12,14 @@
 
 namespace vantoro {
 
+/// What tells the sources' own files apart: what follows the final file's name, in brackets.
+struct TrackNames {
+    std::string systemAudio;
+    std::string microphone;
+
+    friend bool operator==(const TrackNames&, const TrackNames&) = default;
+};
+
 /// What to record and where; copied into the recorder at each start.
 struct RecordingOptions {
     bool captureSystemAudio; ///< what the computer plays, except this program
@@ -22,6 +30,8 @@ struct RecordingOptions {
     std::filesystem::path outputDirectory;
     /// Of the final file; empty: its name without the extension.
     std::string title = {};
+    /// If present, each source is also kept in a file of its own.
+    std::optional<TrackNames> trackNames = {};
 
     friend bool operator==(const RecordingOptions&, const RecordingOptions&) = default;
 };
@@ -99,6 +109,16 @@ struct SoundLoss {
 
     friend bool operator==(const SoundLoss&, const SoundLoss&) = default;
 };
+
+/// The recording was saved, but not the sources' own files.
+struct TracksNotKept {
+    std::filesystem::path original; ///< the temporary file, which has all of them
+    std::exception_ptr reason;
+
+    friend bool operator==(const TracksNotKept&, const TracksNotKept&) = default;
+};
+
+using TracksNotKeptCallback = std::function<void(const TracksNotKept&)>;
 
 using SoundLossCallback = std::function<void(const SoundLoss&)>;
 

@@ -110,6 +110,13 @@ std::string L10n::originalKept(const std::filesystem::path& original) const {
                {original.string()});
 }
 
+std::string L10n::tracksNotKept(const TracksNotKept& failure) const {
+    return say(
+        {"The sources could not be saved separately: %1. A file with all of them was kept: %2",
+         "各声音来源未能单独保存：%1。包含全部来源的文件已保留：%2"},
+        {errorReason(failure.reason, language()), failure.original.string()});
+}
+
 std::string L10n::newVersionAvailable(std::string_view version) const {
     return say({"Version %1 is available.", "发现新版本 %1。"}, {std::string(version)});
 }

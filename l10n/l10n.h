@@ -64,6 +64,9 @@ public:
     /// As above for one recording, as a separate sentence with the full path.
     std::string originalKept(const std::filesystem::path& original) const;
 
+    /// Says that the sources' own files could not be saved, why, and which file has all of them.
+    std::string tracksNotKept(const TracksNotKept& failure) const;
+
     /// Says that a newer version is available.
     std::string newVersionAvailable(std::string_view version) const;
 

@@ -13,6 +13,7 @@ enum class Preference : std::uint8_t {
     outputDirectory, ///< the path of the recording folder
     appLanguage,     ///< the `rawValue` of an `AppLanguage`
     windowSize,      ///< the user's, as `ui/window/window_size.h` writes it
+    keepTracks,      ///< "true" if each source is also kept in a file of its own
 };
 
 /// The user's preferences. Never fails: a value that cannot be stored lasts for this run only.

@@ -19,7 +19,7 @@ namespace vantoro {
 namespace {
 
 constexpr std::array allPreferences{Preference::outputDirectory, Preference::appLanguage,
-                                    Preference::windowSize};
+                                    Preference::windowSize, Preference::keepTracks};
 
 QString keyOf(Preference preference) {
     switch (preference) {
@@ -27,6 +27,8 @@ QString keyOf(Preference preference) {
         return QStringLiteral("appLanguage");
     case Preference::windowSize:
         return QStringLiteral("windowSize");
+    case Preference::keepTracks:
+        return QStringLiteral("keepTracks");
     case Preference::outputDirectory:
         break;
     }

@@ -145,6 +145,7 @@ RecordCommand recordCommand(const GivenOptions& options) {
     command.microphoneVolume =
         gain(options, "microphone-volume").value_or(command.microphoneVolume);
     command.title = options.value("title").value_or(QString()).toStdString();
+    command.tracks = options.value("tracks").has_value();
     command.language = languageOption(options);
     return command;
 }
@@ -175,7 +176,9 @@ Command parseOrThrow(const QStringList& arguments, AppLanguage ownLanguage) {
     }
     if (first == "recover") {
         const GivenOptions options(first, others);
-        return RecoverCommand{folderOf(options), languageOption(options)};
+        return RecoverCommand{.folder = folderOf(options),
+                              .tracks = options.value("tracks").has_value(),
+                              .language = languageOption(options)};
     }
     if (first == "doctor") {
         const GivenOptions options(first, others);

@@ -24,6 +24,7 @@ struct RecordCommand {
     float systemVolume = 0.9F; ///< linear gains, 0 or more
     float microphoneVolume = 1.0F;
     std::string title;                   ///< empty: the file's name
+    bool tracks = false;                 ///< keep them, whatever the user's preference
     std::optional<AppLanguage> language; ///< of the messages; absent: the user's
 
     friend bool operator==(const RecordCommand&, const RecordCommand&) = default;
@@ -38,6 +39,7 @@ struct DevicesCommand {
 
 struct RecoverCommand {
     std::optional<std::filesystem::path> folder;
+    bool tracks = false;                 ///< as above
     std::optional<AppLanguage> language; ///< of the messages; absent: the user's
 
     friend bool operator==(const RecoverCommand&, const RecoverCommand&) = default;

@@ -196,7 +196,7 @@ int RecordRun::printResult() {
         terminal_.message(CommandText::recordingNotPrinted.in(texts_.language(), {place}));
         return 1;
     }
-    return model_->hasLostSound() ? 1 : 0;
+    return model_->isIncomplete() ? 1 : 0;
 }
 
 } // namespace vantoro

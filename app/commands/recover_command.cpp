@@ -27,6 +27,9 @@ int report(const SalvageResult& result, const std::filesystem::path& folder, Ter
     for (const auto& original : result.keptOriginals) {
         terminal.message(texts.originalKept(original));
     }
+    for (const auto& failure : result.tracksNotKept) {
+        terminal.message(texts.tracksNotKept(failure));
+    }
     for (const auto& file : result.recordings) {
         std::cout << file.string() << "\n";
     }
@@ -34,7 +37,7 @@ int report(const SalvageResult& result, const std::filesystem::path& folder, Ter
         terminal.message(CommandText::recordingsNotPrinted.in(texts.language(), {folder.string()}));
         return 1;
     }
-    if (!result.failures.empty()) {
+    if (!result.failures.empty() || !result.tracksNotKept.empty()) {
         return 1;
     }
     return result.keptOriginals.empty() ? 0 : partlyUnreadable;
@@ -43,8 +46,8 @@ int report(const SalvageResult& result, const std::filesystem::path& folder, Ter
 } // namespace
 
 int runRecoverCommand(const RecoverCommand& command, const std::filesystem::path& defaultFolder,
-                      const SalvagePlatform& platform, RecordingLog& log, Ending& ending,
-                      const L10n& texts) {
+                      const std::optional<TrackNames>& trackNames, const SalvagePlatform& platform,
+                      RecordingLog& log, Ending& ending, const L10n& texts) {
     Terminal terminal;
     std::error_code unreadable;
     // The default folder may not exist yet.
@@ -59,8 +62,8 @@ int runRecoverCommand(const RecoverCommand& command, const std::filesystem::path
     const Ending::Handler handler(ending, [&stop] { stop.request_stop(); });
     const auto begin = std::chrono::steady_clock::now();
     ProgressAccount work(WorkProgress::Work::salvage);
-    const auto result =
-        recoverIncompleteRecordings(platform, folder, stop.get_token(), [&](double fraction) {
+    const auto result = recoverIncompleteRecordings(
+        platform, folder, trackNames, stop.get_token(), [&](double fraction) {
             ending.progressed();
             const auto now = std::chrono::steady_clock::now();
             work.advance(fraction, now);

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <filesystem>
+#include <optional>
 
 #include "app/commands/command_line.h"
 #include "app/ending/ending.h"
@@ -16,7 +17,7 @@ namespace vantoro {
 /// paths on standard output, one per line, and everything else on standard error. Returns the exit
 /// status: 1 if anything failed; 3 if a recording was only partly readable; else 0.
 int runRecoverCommand(const RecoverCommand& command, const std::filesystem::path& defaultFolder,
-                      const SalvagePlatform& platform, RecordingLog& log, Ending& ending,
-                      const L10n& texts);
+                      const std::optional<TrackNames>& trackNames, const SalvagePlatform& platform,
+                      RecordingLog& log, Ending& ending, const L10n& texts);
 
 } // namespace vantoro

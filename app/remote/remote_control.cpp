@@ -183,7 +183,7 @@ void RemoteControl::answerStops() {
         const auto& values = model_.values();
         const desktop::SavedRecording saved{
             .uri = values.lastRecordingURL.transform(desktop::fileURI).value_or(""),
-            .isComplete = !model_.hasLostSound(),
+            .isComplete = !model_.isIncomplete(),
             .message = values.errorMessage.value_or("")};
         for (const auto& told : std::exchange(stops_, {})) {
             told(saved);

@@ -42,8 +42,8 @@ void salvageFolder(const std::filesystem::path& folder) {
     posix::PosixFileSystem files;
     ffmpeg::FfmpegToolkit toolkit(files);
     const posix::SystemClock clock;
-    if (recoverIncompleteRecordings({toolkit, files, clock}, folder, {}, {}).recordings.size() !=
-        1) {
+    if (recoverIncompleteRecordings({toolkit, files, clock}, folder, {}, {}, {})
+            .recordings.size() != 1) {
         throw std::runtime_error("the recording was not salvaged");
     }
 }

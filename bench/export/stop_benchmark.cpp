@@ -17,6 +17,7 @@
 
 #include "bench/support/table.h"
 #include "bench/support/test_movie.h"
+#include "engine/recorder/track_keeping.h"
 #include "engine/recorder/track_mixing.h"
 #include "platform/ffmpeg/toolkit.h"
 #include "platform/posix/posix_file_system.h"
@@ -72,6 +73,27 @@ void measure(int minutes) {
              "the whole export, " + digits(plain.count(), 2) + " s");
 }
 
+void measureTracks() {
+    constexpr int minutes = 10;
+    const testing::TemporaryFolder folder;
+    posix::PosixFileSystem files;
+    ffmpeg::FfmpegToolkit toolkit(files);
+    TestMovie movie(toolkit, folder / "movie.mov");
+    movie.writer().expectMix(volumes);
+    movie.record(minutes);
+    waitUntilTheMixHasCaughtUp();
+    movie.finish();
+    const auto recording = movie.writer().openRecording();
+    mix(*recording, files, folder / "followed.m4a");
+    const Seconds tracks = timeOf([&] {
+        keepTracks(*recording, files, folder / "followed.m4a",
+                   {.systemAudio = "system audio", .microphone = "microphone"}, {}, {});
+    });
+    printRow(digits(tracks.count(), 3) + " s", "0.1 s",
+             "each source's own file at the stop, " + std::to_string(minutes) + " min of both", "",
+             "");
+}
+
 } // namespace
 
 } // namespace vantoro::bench
@@ -82,6 +104,7 @@ int main(int argumentCount, char** arguments) {
         for (const char* const minutes : lengths) {
             vantoro::bench::measure(std::atoi(minutes));
         }
+        vantoro::bench::measureTracks();
         return EXIT_SUCCESS;
     } catch (const std::exception& error) {
         std::cerr << error.what() << '\n';

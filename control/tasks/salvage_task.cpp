@@ -7,8 +7,12 @@
 namespace vantoro {
 
 SalvageTask::SalvageTask(Scheduler& scheduler, std::shared_ptr<Recorder> recorder,
+                         TrackNamesSource trackNames,
                          std::function<void(const SalvageResult&)> onEnded)
-    : scheduler_(scheduler), recorder_(std::move(recorder)), onEnded_(std::move(onEnded)) {}
+    : scheduler_(scheduler),
+      recorder_(std::move(recorder)),
+      trackNames_(std::move(trackNames)),
+      onEnded_(std::move(onEnded)) {}
 
 SalvageTask::~SalvageTask() {
     cancel();
@@ -45,8 +49,8 @@ void SalvageTask::begin(const std::filesystem::path& folder) {
     stop_ = std::stop_source();
     runTask(
         scheduler_, QPointer(this),
-        [recorder = recorder_, folder, stop = stop_.get_token()] {
-            return recorder->recoverIncompleteRecordings(folder, stop);
+        [recorder = recorder_, folder, names = trackNames_(), stop = stop_.get_token()] {
+            return recorder->recoverIncompleteRecordings(folder, names, stop);
         },
         &SalvageTask::finish);
 }

@@ -20,9 +20,12 @@ namespace vantoro {
 /// for a moment more, and the next one waits for that. Main thread.
 class SalvageTask final : public QObject {
 public:
+    /// Gives the names for the sources' own files, if wanted, at the start of each salvage.
+    using TrackNamesSource = std::function<std::optional<TrackNames>()>;
+
     /// `onEnded` receives the result of each salvage that was not cancelled, even an empty one.
     SalvageTask(Scheduler& scheduler, std::shared_ptr<Recorder> recorder,
-                std::function<void(const SalvageResult&)> onEnded);
+                TrackNamesSource trackNames, std::function<void(const SalvageResult&)> onEnded);
     SalvageTask(const SalvageTask&) = delete;
     SalvageTask& operator=(const SalvageTask&) = delete;
     ~SalvageTask() override;
@@ -42,6 +45,7 @@ private:
 
     Scheduler& scheduler_;
     std::shared_ptr<Recorder> recorder_;
+    TrackNamesSource trackNames_;
     std::function<void(const SalvageResult&)> onEnded_;
     bool running_ = false;
     bool isSuspended_ = false;

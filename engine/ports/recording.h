@@ -17,6 +17,12 @@ namespace vantoro {
 /// Fraction done, 0 to 1, never decreasing. Called on the exporting thread.
 using ExportProgress = std::function<void(double)>;
 
+/// The title of a single track's file.
+struct TrackTitle {
+    std::string title;  ///< unless the recording has its own
+    std::string suffix; ///< follows either
+};
+
 /// A recording open for reading. Task threads, one at a time. Errors carry a text for the user.
 class Recording {
 public:
@@ -38,6 +44,13 @@ public:
                                             const std::string& title, OutputFile& staging,
                                             const ExportProgress& progress,
                                             const std::stop_token& stop) = 0;
+
+    virtual int channelsOf(std::size_t track) const = 0;
+
+    /// Copies one track from time zero into an M4A file without coding it again, with silence for
+    /// damaged packets. Otherwise as `mix`; the file is always `staging`.
+    virtual void copyTrack(std::size_t track, const TrackTitle& title, OutputFile& staging,
+                           const ExportProgress& progress, const std::stop_token& stop) = 0;
 };
 
 } // namespace vantoro

@@ -9,6 +9,7 @@
 
 #include "engine/files/disk_room.h"
 #include "engine/files/file_names.h"
+#include "engine/recorder/track_keeping.h"
 
 namespace vantoro {
 
@@ -29,15 +30,6 @@ RecordingTrack* makeWriterInput(RecordingWriter& writer, TrackFormat format) {
 int totalBitRate(const RecordingOptions& options) {
     return (options.captureSystemAudio ? systemAudioTrack.bitRate : 0) +
            (options.captureMicrophone ? microphoneTrack.bitRate : 0);
-}
-
-/// Whether salvage will find anything in the file.
-bool holdsSound(MediaToolkit& toolkit, const std::filesystem::path& file) {
-    try {
-        return zeroTime < toolkit.openRecording(file)->duration();
-    } catch (const std::exception&) {
-        return false;
-    }
 }
 
 CaptureRequest captureRequest(const RecordingOptions& options) {
@@ -110,6 +102,7 @@ void AudioRecorder::prepareWriter(const RecordingOptions& options) {
         options.captureMicrophone ? makeWriterInput(*writer, microphoneTrack) : nullptr;
 
     outputDirectory_ = options.outputDirectory;
+    trackNames_ = options.trackNames;
     hasSystemAudioTrack_ = options.captureSystemAudio;
     captureQueue_.sync([&] {
         samplePath_.arm(std::move(writer), systemAudioInput, microphoneInput);
@@ -173,24 +166,32 @@ std::filesystem::path AudioRecorder::exportFinal(const TrackVolume& volumeOfTrac
     auto place =
         uniqueOutputURL(temporaryURL_.parent_path(), platform_.fileSystem, platform_.clock);
     const auto recording = writer.openRecording();
-    const auto final = mixTracks(*recording, std::move(place), volumeOfTrack,
-                                 ProgressPace(onExportProgress, platform_.clock), {});
+    const ProgressPace progress(onExportProgress, platform_.clock);
+    const auto final = mixTracks(*recording, std::move(place), volumeOfTrack, progress, {});
+    const auto tracksFailure = failureToKeepTracks(*recording, platform_.fileSystem, final.location,
+                                                   trackNames_, progress);
+    auto original = temporaryURL_;
     try {
-        if (isAllWritten && recording->isWhole()) {
+        if (isAllWritten && !tracksFailure && recording->isWhole()) {
             platform_.fileSystem.remove(temporaryURL_);
         } else {
-            setAside(platform_.fileSystem, temporaryURL_, final.location);
+            original = setAside(platform_.fileSystem, temporaryURL_, final.location);
         }
     } catch (const std::exception&) { // NOLINT(bugprone-empty-catch)
         // The file stays for salvage: better twice than never.
     }
+    if (tracksFailure && onTracksNotKept) {
+        onTracksNotKept({.original = original, .reason = tracksFailure});
+    }
     return final.location;
 }
 
-SalvageResult AudioRecorder::recoverIncompleteRecordings(const std::filesystem::path& folder,
-                                                         const std::stop_token& stop) {
+SalvageResult
+AudioRecorder::recoverIncompleteRecordings(const std::filesystem::path& folder,
+                                           const std::optional<TrackNames>& trackNames,
+                                           const std::stop_token& stop) {
     return vantoro::recoverIncompleteRecordings(
-        {platform_.mediaToolkit, platform_.fileSystem, platform_.clock}, folder, stop,
+        {platform_.mediaToolkit, platform_.fileSystem, platform_.clock}, folder, trackNames, stop,
         onSalvageProgress);
 }
 
@@ -256,6 +257,7 @@ void AudioRecorder::reset(bool removeTemporaryFile) {
     }
     temporaryURL_.clear();
     outputDirectory_.clear();
+    trackNames_.reset();
     hasSystemAudioTrack_ = false;
     std::shared_ptr<CaptureStream> stream;
     std::unique_ptr<RecordingWriter> writer;

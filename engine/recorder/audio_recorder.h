@@ -53,6 +53,7 @@ public:
     bool hasKeptRecording() const noexcept override { return hasKeptRecording_; }
 
     SalvageResult recoverIncompleteRecordings(const std::filesystem::path& folder,
+                                              const std::optional<TrackNames>& trackNames,
                                               const std::stop_token& stop) override;
 
 private:
@@ -82,6 +83,7 @@ private:
     // The current recording's; empty when idle. Set by `start` and `stop`.
     std::filesystem::path temporaryURL_;
     std::filesystem::path outputDirectory_;
+    std::optional<TrackNames> trackNames_;
     bool hasSystemAudioTrack_ = false;
     bool hasKeptRecording_ = false; // after the latest stop
 

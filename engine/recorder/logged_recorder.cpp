@@ -68,6 +68,10 @@ std::string lossOf(const SoundLoss& loss) {
            (loss.reason ? ": " + causeOf(loss.reason) : ".");
 }
 
+std::string tracksNotKept(const TracksNotKept& tracks) {
+    return "The sources could not be written to files of their own. " + causeOf(tracks.reason);
+}
+
 } // namespace
 
 LoggedRecorder::LoggedRecorder(std::unique_ptr<Recorder> recorder, RecordingLog& log,
@@ -100,9 +104,11 @@ std::filesystem::path LoggedRecorder::stop(float systemVolume, float microphoneV
     }
 }
 
-SalvageResult LoggedRecorder::recoverIncompleteRecordings(const std::filesystem::path& folder,
-                                                          const std::stop_token& stop) {
-    auto result = recorder_->recoverIncompleteRecordings(folder, stop);
+SalvageResult
+LoggedRecorder::recoverIncompleteRecordings(const std::filesystem::path& folder,
+                                            const std::optional<TrackNames>& trackNames,
+                                            const std::stop_token& stop) {
+    auto result = recorder_->recoverIncompleteRecordings(folder, trackNames, stop);
     logSalvage(log_, result);
     return result;
 }
@@ -141,6 +147,12 @@ void LoggedRecorder::followCallbacks() {
             onDiskRoom(room);
         }
     };
+    recorder_->onTracksNotKept = [this](const TracksNotKept& tracks) {
+        write(Level::error, tracksNotKept(tracks));
+        if (onTracksNotKept) {
+            onTracksNotKept(tracks);
+        }
+    };
     recorder_->onRecordingSafe = [this] {
         if (onRecordingSafe) {
             onRecordingSafe();
@@ -165,6 +177,9 @@ void logSalvage(RecordingLog& log, const SalvageResult& result) {
     for (const auto& file : result.keptOriginals) {
         log.write(Level::warning,
                   "It could be read only in part: " + file.filename().string() + " is kept.", {});
+    }
+    for (const auto& tracks : result.tracksNotKept) {
+        log.write(Level::error, tracksNotKept(tracks), {});
     }
     for (const auto& failure : result.failures) {
         log.write(Level::error, "An interrupted recording was not saved. " + causeOf(failure.error),

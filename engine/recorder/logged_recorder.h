@@ -3,6 +3,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "engine/ports/clock.h"
@@ -29,6 +30,7 @@ public:
     bool hasKeptRecording() const noexcept override { return recorder_->hasKeptRecording(); }
 
     SalvageResult recoverIncompleteRecordings(const std::filesystem::path& folder,
+                                              const std::optional<TrackNames>& trackNames,
                                               const std::stop_token& stop) override;
 
 private:

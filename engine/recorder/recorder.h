@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <functional>
+#include <optional>
 #include <stop_token>
 
 #include "engine/files/disk_room.h"
@@ -45,8 +46,10 @@ public:
     /// next `start`; not during `stop`.
     virtual bool hasKeptRecording() const noexcept = 0;
 
-    /// Finishes interrupted recordings in the folder; see `salvage.h`.
+    /// Finishes interrupted recordings in the folder; `trackNames` as in the options, otherwise see
+    /// `salvage.h`.
     virtual SalvageResult recoverIncompleteRecordings(const std::filesystem::path& folder,
+                                                      const std::optional<TrackNames>& trackNames,
                                                       const std::stop_token& stop) = 0;
 
     // Set before `start`, not during a recording. Each may be empty.
@@ -59,6 +62,8 @@ public:
     SourceConditionCallback onSourceCondition;
     /// Sound was lost. On the capture queue, or the thread of `stop`.
     SoundLossCallback onSoundLoss;
+    /// The sources' own files could not be written. On the thread of `stop`.
+    TracksNotKeptCallback onTracksNotKept;
     /// The disk is filling up. Once only the final file fits, the receiver must call `stop`.
     DiskRoomCallback onDiskRoom;
     /// During `stop`, on its thread: everything captured is on disk.

@@ -15,6 +15,7 @@
 #include "engine/files/file_names.h"
 #include "engine/files/output_place.h"
 #include "engine/recorder/progress_pace.h"
+#include "engine/recorder/track_keeping.h"
 #include "engine/recorder/track_mixing.h"
 
 namespace vantoro {
@@ -39,7 +40,7 @@ bool isToBeRecovered(MediaToolkit& mediaToolkit, FileSystem& fileSystem,
                      const std::filesystem::path& candidate) {
     try {
         const auto lock = fileSystem.lock(candidate);
-        return lock && openUnlessSilent(mediaToolkit, candidate);
+        return lock && holdsSound(mediaToolkit, candidate);
     } catch (const std::exception&) {
         return false;
     }
@@ -62,11 +63,30 @@ std::unique_ptr<Recording> openIfReadable(MediaToolkit& mediaToolkit,
 struct Recovered {
     std::filesystem::path recording;
     std::optional<std::filesystem::path> keptOriginal;
+    std::optional<TracksNotKept> tracksNotKept;
 };
+
+/// Deletes the original, or sets it aside if it has more than the final files.
+void conclude(FileSystem& fileSystem, Recording& recording, const std::filesystem::path& original,
+              const std::exception_ptr& tracksFailure, Recovered& recovered) {
+    const bool isWhole = recording.isWhole();
+    if (isWhole && !tracksFailure) {
+        fileSystem.remove(original);
+        return;
+    }
+    const auto kept = setAside(fileSystem, original, recovered.recording);
+    if (!isWhole) {
+        recovered.keptOriginal = kept;
+    }
+    if (tracksFailure) {
+        recovered.tracksNotKept = {.original = kept, .reason = tracksFailure};
+    }
+}
 
 /// Absent if the candidate is to stay. Throws the attempt's error.
 std::optional<Recovered> recover(const SalvagePlatform& platform,
                                  const std::filesystem::path& candidate,
+                                 const std::optional<TrackNames>& trackNames,
                                  const std::stop_token& stop, const ExportProgress& progress) {
     const auto lock = platform.fileSystem.lock(candidate);
     if (!lock) {
@@ -78,20 +98,27 @@ std::optional<Recovered> recover(const SalvagePlatform& platform,
     }
     auto place = uniqueOutputURL(candidate.parent_path(), platform.fileSystem, platform.clock);
     auto final = exportRecoveredAsset(*recording, std::move(place), progress, stop);
-    Recovered recovered{.recording = final.location, .keptOriginal = {}};
+    Recovered recovered{.recording = final.location, .keptOriginal = {}, .tracksNotKept = {}};
+    std::vector<FinalFile> files;
+    std::exception_ptr failure;
     try {
-        if (stop.stop_requested()) {
-            final.file->discard();
-            return std::nullopt;
-        }
-        if (recording->isWhole()) {
-            platform.fileSystem.remove(candidate);
-        } else {
-            recovered.keptOriginal = setAside(platform.fileSystem, candidate, final.location);
+        if (trackNames) {
+            files = keepTracks(*recording, platform.fileSystem, final.location, *trackNames,
+                               progress, stop);
         }
     } catch (...) {
+        failure = std::current_exception();
+    }
+    files.push_back(std::move(final));
+    try {
+        if (stop.stop_requested()) {
+            discard(files);
+            return std::nullopt;
+        }
+        conclude(platform.fileSystem, *recording, candidate, failure, recovered);
+    } catch (...) {
         // Never both keep a recording for another attempt and finish it.
-        final.file->discard();
+        discard(files);
         throw;
     }
     return recovered;
@@ -104,6 +131,14 @@ bool isFailure(const std::exception& error) {
 }
 
 } // namespace
+
+bool holdsSound(MediaToolkit& mediaToolkit, const std::filesystem::path& file) noexcept {
+    try {
+        return openUnlessSilent(mediaToolkit, file) != nullptr;
+    } catch (const std::exception&) {
+        return false;
+    }
+}
 
 bool isIncompleteRecording(const std::filesystem::path& file) {
     const auto extension = file.extension().string();
@@ -135,6 +170,7 @@ std::size_t recordingsToRecover(MediaToolkit& mediaToolkit, FileSystem& fileSyst
 
 SalvageResult recoverIncompleteRecordings(const SalvagePlatform& platform,
                                           const std::filesystem::path& folder,
+                                          const std::optional<TrackNames>& trackNames,
                                           const std::stop_token& stop,
                                           const ExportProgress& progress) {
     SalvageResult result;
@@ -161,10 +197,13 @@ SalvageResult recoverIncompleteRecordings(const SalvagePlatform& platform,
             pace((before + ofThis) / static_cast<double>(candidates.size()));
         };
         try {
-            if (auto recovered = recover(platform, candidate, stop, ofAll)) {
+            if (auto recovered = recover(platform, candidate, trackNames, stop, ofAll)) {
                 result.recordings.push_back(std::move(recovered->recording));
                 if (recovered->keptOriginal) {
                     result.keptOriginals.push_back(std::move(*recovered->keptOriginal));
+                }
+                if (recovered->tracksNotKept) {
+                    result.tracksNotKept.push_back(std::move(*recovered->tracksNotKept));
                 }
             }
         } catch (const std::exception& error) {

@@ -5,12 +5,14 @@
 #include <cstddef>
 #include <exception>
 #include <filesystem>
+#include <optional>
 #include <stop_token>
 #include <vector>
 
 #include "engine/ports/clock.h"
 #include "engine/ports/file_system.h"
 #include "engine/ports/media_toolkit.h"
+#include "engine/recording_types.h"
 
 namespace vantoro {
 
@@ -36,6 +38,8 @@ struct SalvageResult {
     std::vector<std::filesystem::path> keptOriginals;
     /// Files left for another attempt that may hold sound.
     std::vector<SalvageFailure> failures;
+    /// Recordings whose sources' own files could not be written.
+    std::vector<TracksNotKept> tracksNotKept = {};
 
     friend bool operator==(const SalvageResult&, const SalvageResult&) = default;
 };
@@ -51,13 +55,17 @@ std::vector<std::filesystem::path> incompleteRecordings(std::vector<FolderEntry>
 std::size_t recordingsToRecover(MediaToolkit& mediaToolkit, FileSystem& fileSystem,
                                 const std::filesystem::path& folder);
 
-/// Exports each unfinished recording in the folder at full volume, then deletes its original, or
-/// sets it aside if not all of it could be read. Blocks; task threads only. Never throws: an
-/// original that is in use, or where anything fails, stays, and the attempt leaves nothing behind.
-/// A requested stop has the same effect at once. `progress`, which may be empty, is that of all
-/// files, reported at most ten times a second.
+/// Whether the file holds readable sound. Blocks; task threads only.
+bool holdsSound(MediaToolkit& mediaToolkit, const std::filesystem::path& file) noexcept;
+
+/// Exports each unfinished recording in the folder at full volume, with its tracks if they are
+/// named, then deletes its original, or sets it aside if not all of it could be read or kept.
+/// Blocks; task threads only. Never throws: an original that is in use, or where anything fails,
+/// stays, and the attempt leaves nothing behind. A requested stop has the same effect at once.
+/// `progress`, which may be empty, is that of all files, reported at most ten times a second.
 SalvageResult recoverIncompleteRecordings(const SalvagePlatform& platform,
                                           const std::filesystem::path& folder,
+                                          const std::optional<TrackNames>& trackNames,
                                           const std::stop_token& stop,
                                           const ExportProgress& progress);
 

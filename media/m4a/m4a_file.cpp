@@ -84,17 +84,18 @@ void M4aFile::flush() {
 }
 
 void copyPackets(const std::shared_ptr<const Movie>& movie, std::size_t track, std::int64_t frames,
-                 M4aFile& file, const ExportProgress& progress, const std::stop_token& stop) {
+                 PacketRepair* repair, M4aFile& file, const ExportProgress& progress,
+                 const std::stop_token& stop) {
     constexpr std::int64_t progressInterval = 1000;
     const std::int64_t count = 1 + ((frames + packetFrames - 1) / packetFrames);
     PacketReader packets(movie, track);
     packets.seek(0);
     for (std::int64_t done = 0; done < count; ++done) {
         const auto packet = packets.next();
-        if (!packet || packet->empty()) {
+        if (!packet || (packet->empty() && repair == nullptr)) {
             throw DamagedMovie("the file is shorter than before");
         }
-        file.add(*packet);
+        file.add(repair != nullptr ? repair->repaired(*packet) : *packet);
         if (done % progressInterval != 0) {
             continue;
         }

@@ -14,6 +14,7 @@
 #include "engine/ports/recording_tags.h"
 #include "media/boxes/box_writer.h"
 #include "media/codec/aac.h"
+#include "media/m4a/packet_repair.h"
 #include "media/movie/movie.h"
 
 namespace vantoro::media {
@@ -47,10 +48,12 @@ private:
     std::vector<std::uint64_t> chunkOffsets_;
 };
 
-/// Copies the priming and the first `frames` of an intact movie's track without re-encoding:
-/// lossless, and a fraction of a second for an hour. Throws DamagedMovie if the movie has changed,
-/// what either file throws, and std::errc::operation_canceled on a stop request.
+/// Copies the priming and the first `frames` of a movie's track without re-encoding: lossless, and
+/// a fraction of a second for an hour. `repair` may be null if the movie is intact. Throws
+/// DamagedMovie if the movie has changed, what either file throws, and
+/// std::errc::operation_canceled on a stop request.
 void copyPackets(const std::shared_ptr<const Movie>& movie, std::size_t track, std::int64_t frames,
-                 M4aFile& file, const ExportProgress& progress, const std::stop_token& stop);
+                 PacketRepair* repair, M4aFile& file, const ExportProgress& progress,
+                 const std::stop_token& stop);
 
 } // namespace vantoro::media

@@ -4,12 +4,15 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 #include <stdexcept>
 #include <thread>
 #include <utility>
 
+#include "engine/failure.h"
 #include "engine/recording_types.h"
 #include "media/m4a/m4a_file.h"
+#include "media/m4a/packet_repair.h"
 #include "media/mix/encoded_segment.h"
 #include "media/mix/parallel_encoding.h"
 
@@ -68,7 +71,7 @@ std::unique_ptr<OutputFile> RecordedMovie::mix(const std::vector<float>& volumes
     std::unique_ptr<OutputFile> madeAhead;
     if (const MixedTrack* const track = unchangedTrack(mix, stop)) {
         M4aFile file(staging, *movie_->codecs[track->track], track->frames);
-        copyPackets(movie_, track->track, track->frames, file, progress, stop);
+        copyPackets(movie_, track->track, track->frames, nullptr, file, progress, stop);
         file.finish(track->frames, tags);
     } else {
         madeAhead = mixInto(staging, mix, tags, progress, stop);
@@ -77,6 +80,29 @@ std::unique_ptr<OutputFile> RecordedMovie::mix(const std::vector<float>& volumes
         progress(1.0);
     }
     return madeAhead;
+}
+
+int RecordedMovie::channelsOf(std::size_t track) const {
+    return movie_->codecs[tracks_.at(track)]->channels;
+}
+
+void RecordedMovie::copyTrack(std::size_t track, const TrackTitle& title, OutputFile& staging,
+                              const ExportProgress& progress, const std::stop_token& stop) {
+    const std::size_t index = tracks_.at(track);
+    const AacTrack& coding = *movie_->codecs[index];
+    const std::int64_t frames = framesIn(*movie_, index);
+    if (frames == 0) {
+        throw Failure(FailureCode::noSoundWritten);
+    }
+    std::optional<PacketRepair> repair;
+    if (!isJustWritten_ && !isIntact(*movie_, stop)) {
+        repair.emplace(codec_, coding);
+    }
+    RecordingTags tags = tagsOr(title.title);
+    tags.title += title.suffix;
+    M4aFile file(staging, coding, frames);
+    copyPackets(movie_, index, frames, repair ? &*repair : nullptr, file, progress, stop);
+    file.finish(frames, tags);
 }
 
 Mix RecordedMovie::mixAt(const std::vector<float>& volumes) const {

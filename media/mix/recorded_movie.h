@@ -41,6 +41,12 @@ public:
                                     OutputFile& staging, const ExportProgress& progress,
                                     const std::stop_token& stop) override;
 
+    int channelsOf(std::size_t track) const override;
+
+    /// Throws as `mix`.
+    void copyTrack(std::size_t track, const TrackTitle& title, OutputFile& staging,
+                   const ExportProgress& progress, const std::stop_token& stop) override;
+
 private:
     Mix mixAt(const std::vector<float>& volumes) const;
     RecordingTags tagsOr(const std::string& title) const;

@@ -39,7 +39,7 @@ TEST_F(LostSoundTest, isReportedWithTheSavedRecording) {
     EXPECT_EQ(state(), Case::completed);
     EXPECT_EQ(message(), "About 8 seconds of sound could not be written to the disk: No room. "
                          "Everything else was saved.");
-    EXPECT_TRUE(model->hasLostSound());
+    EXPECT_TRUE(model->isIncomplete());
 }
 
 TEST_F(LostSoundTest, isReportedWithAFailureAndAgainWithItsSalvage) {
@@ -50,7 +50,7 @@ TEST_F(LostSoundTest, isReportedWithAFailureAndAgainWithItsSalvage) {
     scheduler.settle();
     EXPECT_EQ(message(), "A previously interrupted recording was recovered and saved. About 3 "
                          "seconds of sound could not be written to the disk: No room.");
-    EXPECT_TRUE(model->hasLostSound());
+    EXPECT_TRUE(model->isIncomplete());
 }
 
 TEST_F(LostSoundTest, ofBothSourcesCountsOnceAndIsReportedAtOnceAndAtTheEnd) {
@@ -69,7 +69,7 @@ TEST_F(LostSoundTest, isClearedByTheNextRecording) {
     model->toggleRecording();
     scheduler.settle();
     record();
-    EXPECT_FALSE(model->hasLostSound());
+    EXPECT_FALSE(model->isIncomplete());
     EXPECT_EQ(message(), "(none)");
     model->toggleRecording();
     scheduler.settle();

@@ -51,7 +51,7 @@ protected:
 
     std::vector<std::filesystem::path> salvage(const std::filesystem::path& folder,
                                                const ExportProgress& progress = {}) {
-        return recoverIncompleteRecordings({toolkit, fileSystem, clock}, folder, {}, progress)
+        return recoverIncompleteRecordings({toolkit, fileSystem, clock}, folder, {}, {}, progress)
             .recordings;
     }
 };

@@ -119,6 +119,22 @@ class MixedAhead(Recording):
         return call.role == "unnamed" or call.kind in ("link", "statvfs")
 
 
+class Tracks(Recording):
+    """A recording whose sources are kept apart, too."""
+
+    name = "tracks"
+
+    def command(self, folder):
+        return [*super().command(folder), "tracks"]
+
+    def is_in_the_table(self, call):
+        return call.role.startswith("track")
+
+    def problems(self, folder, fault, outcome):
+        of_tracks = problems_of_tracks(folder, outcome, [FRAMES])  # before the salvage that follows
+        return of_tracks + super().problems(folder, fault, outcome)
+
+
 class IntoANewFolder(Recording):
     """A recording into a folder that does not exist yet."""
 
@@ -141,10 +157,11 @@ class Salvage:
 
     name = "salvage"
 
+    deaths = {FRAMES: "pwrite temporary 3", 2 * sound.RATE: "pwrite temporary 2"}
+
     def __init__(self, place):
         self._place = place / self.name
-        self._leftovers = faults.Leftovers(
-            place / "leftovers", {FRAMES: "pwrite temporary 3", 2 * sound.RATE: "pwrite temporary 2"})
+        self._leftovers = faults.Leftovers(place / "leftovers", self.deaths)
 
     def folder(self, name):
         folder = Folder(self._place / name)
@@ -192,6 +209,37 @@ class Salvage:
         return problems
 
 
+class SalvageOfTracks(Salvage):
+    """A salvage that keeps the sources apart, too."""
+
+    name = "salvage of tracks"
+    deaths = {FRAMES: "pwrite temporary 3"}
+
+    def command(self, folder):
+        return [*super().command(folder), "--tracks"]
+
+    def calls(self):
+        return [call for call in super().calls() if call.split()[1].startswith("track")]
+
+    def problems(self, folder, fault, outcome):
+        of_tracks = problems_of_tracks(folder, outcome, self._leftovers.frames)
+        return of_tracks + super().problems(folder, fault, outcome)
+
+
+def problems_of_tracks(folder, outcome, lengths):
+    """Each recording has both of its tracks, whole, or a file that has them; or it is to be salvaged."""
+    tracks, kept = folder.tracks(), folder.kept()
+    if outcome.status == 0 and (len(tracks) != 2 * len(lengths) or kept):
+        return [f"it says that all is well with {len(tracks)} tracks and {len(kept)} originals"]
+    if outcome.status == 1 and len(tracks) < 2 * len(lengths) and not kept and not folder.with_sound():
+        return ["the tracks are lost"]
+    problems = []
+    for path in tracks:
+        attempts = [faults.problems_of_track(path, frames) for frames in lengths]
+        problems += min(attempts, key=len)
+    return problems
+
+
 def problems_of_what_is_left(folder, fault):
     problems = folder.foreigners.problems()
     if fault.how in ONCE:
@@ -228,7 +276,7 @@ class FaultTable(RecordingCase):
         self.assertEqual(problems, [], "\n" + "\n".join(problems))
 
     def test_everyCallOfTheTableIsMet(self):
-        scenarios = [kind(self.folder) for kind in (Recording, MixedAhead, IntoANewFolder, Salvage)]
+        scenarios = [kind(self.folder) for kind in (Recording, MixedAhead, Tracks, IntoANewFolder, Salvage)]
         calls = [call for scenario in scenarios for call in scenario.calls()]
         folder = Folder(self.folder / "failed write")
         failed = faults.run([FED_RECORDER, folder.path, FRAMES], folder.path, Fault("pwrite temporary 2", "EIO"))
@@ -280,6 +328,21 @@ class FaultTable(RecordingCase):
 
     def test_salvageThatDiesAtAnyCallCanBeRepeated(self):
         self.go_through("die", Salvage)
+
+    def test_tracksWithAnyCallFailingAreKeptTogether(self):
+        self.go_through("EIO", Tracks, SalvageOfTracks)
+
+    def test_tracksWithAnyCallFindingNoSpaceAreKeptTogether(self):
+        self.go_through("ENOSPC", Tracks, SalvageOfTracks)
+
+    def test_tracksWithAnyCallHangingLoseNothing(self):
+        self.go_through("hang", Tracks, SalvageOfTracks)
+
+    def test_tracksWhoseDiskVanishesAtAnyCallAreNotLost(self):
+        self.go_through("gone", Tracks, SalvageOfTracks)
+
+    def test_tracksOfARecordingThatDiesAtAnyCallAreNotLost(self):
+        self.go_through("die", Tracks, SalvageOfTracks)
 
 
 if __name__ == "__main__":

@@ -26,7 +26,7 @@ constexpr std::int64_t second = 48000;
 std::vector<std::filesystem::path> salvage(JournalingDisk& disk) {
     ffmpeg::FfmpegToolkit toolkit(disk);
     const posix::SystemClock clock;
-    return recoverIncompleteRecordings({toolkit, disk, clock}, recordings, {}, {}).recordings;
+    return recoverIncompleteRecordings({toolkit, disk, clock}, recordings, {}, {}, {}).recordings;
 }
 
 /// Cuts the power after each operation of a run, with each possible outcome.

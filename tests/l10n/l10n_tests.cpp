@@ -261,6 +261,18 @@ TEST_F(ComposedTextTest, keptOriginalIsToldWithItsPath) {
               "有一段录音的一部分内容无法读取，损坏的原始文件已保留：/r/a.incomplete.mov");
 }
 
+TEST_F(ComposedTextTest, tracksThatWereNotKeptAreToldWithTheReasonAndThePathOfAll) {
+    const TracksNotKept failure{
+        .original = "/r/a.incomplete.mov",
+        .reason = std::make_exception_ptr(FileFailure(FileAction::write, "/r/a.m4a", ENOSPC))};
+    EXPECT_EQ(english.tracksNotKept(failure),
+              "The sources could not be saved separately: Cannot write a.m4a: No space left on "
+              "device. A file with all of them was kept: /r/a.incomplete.mov");
+    EXPECT_EQ(chinese.tracksNotKept(failure),
+              "各声音来源未能单独保存：无法写入 a.m4a：磁盘空间不足。"
+              "包含全部来源的文件已保留：/r/a.incomplete.mov");
+}
+
 TEST_F(ComposedTextTest, newVersionIsInsertedUnchanged) {
     EXPECT_EQ(english.newVersionAvailable("1.2.0"), "Version 1.2.0 is available.");
     EXPECT_EQ(chinese.newVersionAvailable("1.2.0"), "发现新版本 1.2.0。");

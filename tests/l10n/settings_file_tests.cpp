@@ -78,6 +78,14 @@ TEST_F(SettingsFileTest, whatIsSetIsInTheFileUnderItsKeyAndNothingElseIs) {
     EXPECT_EQ(inTheNextRun(windowSize), "640x720");
 }
 
+TEST_F(SettingsFileTest, wishForTracksIsReadAsWrittenByHand) {
+    write(file, "[General]\nappLanguage=en\nkeepTracks=true\n");
+    SettingsFile settings(file);
+    EXPECT_EQ(settings.get(Preference::keepTracks), "true");
+    store(settings, appLanguage, "zh-Hans");
+    EXPECT_EQ(read(file), "[General]\nappLanguage=zh-Hans\nkeepTracks=true\n");
+}
+
 TEST_F(SettingsFileTest, anyTextComesBackAsItWas) {
     using namespace std::string_literals;
     for (const auto& text : {

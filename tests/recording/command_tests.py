@@ -128,6 +128,35 @@ class CommandLine(RecordingCase):
         self.assertEqual(datetime.fromisoformat(tags["date"]), started)
         self.assertEqual(sound.probe(untitled)["format"]["tags"]["title"], untitled.stem)
 
+    def tracks_of(self, path, names):
+        return [path.with_name(f"{path.stem} ({name}).m4a") for name in names]
+
+    def test_tracksAreKeptApartInStepWithTheMix(self):
+        with sound.tone(440), sound.tone(1000, "--into", sound.MICROPHONE):
+            path = recorder.record(self.folder, "--seconds", 3, "--tracks").saved()
+        system, microphone = self.tracks_of(path, ("system audio", "microphone"))
+        self.assertEqual(set(self.folder.iterdir()), {path, system, microphone})
+        self.assertEqual([sound.probe(file)["streams"][0]["channels"] for file in (system, microphone)], [2, 1])
+        mixed, computers, spoken = (sound.decoded(file)[0] for file in (path, system, microphone))
+        self.assertEqual(max(len(computers), len(spoken)), len(mixed))
+        for sounds, present, absent in ((computers, 440, 1000), (spoken, 1000, 440)):
+            self.assertGreater(sound.usual_amplitude(sounds, present, 1, 2.5), 0.05)
+            self.assertLess(sound.usual_amplitude(sounds, absent, 1, 2.5), 0.005)
+        self.assert_sumsUp(mixed, computers, spoken)
+
+    def assert_sumsUp(self, mixed, computers, spoken):
+        """The mix is the sum of the tracks at its gains, frame by frame."""
+        for frame in range(sound.RATE, 2 * sound.RATE):
+            self.assertAlmostEqual(mixed[frame], 0.9 * computers[frame] + spoken[frame], delta=0.03)
+
+    def test_tracksAreKeptAsThePreferencesSayAndNamedInTheLanguage(self):
+        preferences = self.folder.parent / "vantoro/vantoro.conf"
+        preferences.parent.mkdir()
+        preferences.write_text("[General]\nkeepTracks=true\n")
+        environment = dict(os.environ, XDG_CONFIG_HOME=str(self.folder.parent))
+        path = recorder.run("record", "--seconds", 1, "--folder", self.folder, env=environment).saved()
+        self.assertEqual(set(self.folder.iterdir()), {path, *self.tracks_of(path, ("系统声音", "麦克风"))})
+
     def test_missingFolderIsMadeWithItsParents(self):
         path = recorder.record(self.folder / "a/b", "--seconds", 1).saved()
         self.assertEqual(path.parent, self.folder / "a/b")

@@ -135,6 +135,28 @@ public:
                    : nullptr;
     }
 
+    int channelsOf(std::size_t track) const override {
+        return track == 0 && trackCount() == 2 ? 2 : 1;
+    }
+
+    void copyTrack(std::size_t track, const TrackTitle& title, OutputFile& staging,
+                   const ExportProgress& progress, const std::stop_token& stop) override {
+        toolkit_.copiedTracks.emplace_back(track, title.title + title.suffix);
+        staging.writeAt(0, {});
+        if (toolkit_.exporting.duringCopy) {
+            toolkit_.exporting.duringCopy();
+        }
+        if (toolkit_.exporting.failingTrack == track) {
+            throw std::runtime_error("the disk is full");
+        }
+        if (stop.stop_requested()) {
+            throw std::system_error(std::make_error_code(std::errc::operation_canceled));
+        }
+        if (progress) {
+            progress(0);
+        }
+    }
+
 private:
     FakeMediaToolkit& toolkit_;
 };

@@ -10,6 +10,7 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "engine/ports/media_toolkit.h"
@@ -38,6 +39,8 @@ struct ExportBehaviour {
     std::optional<std::size_t> trackCount; ///< absent: as many as the writer had
     bool isMadeAhead = false;              ///< in a file without a name
     std::function<void()> duringExport;
+    std::function<void()> duringCopy;        ///< of each track
+    std::optional<std::size_t> failingTrack; ///< which cannot be copied
 };
 
 class FakeMediaToolkit final : public MediaToolkit {
@@ -53,6 +56,8 @@ public:
     RecordingTags tags;                      ///< of the last writer
     std::vector<float> exportedGains;        ///< of the last export, in track order
     std::string exportedTitle;               ///< of the last export
+    /// Of all exports: number and title.
+    std::vector<std::pair<std::size_t, std::string>> copiedTracks;
 
     std::unique_ptr<RecordingWriter> makeWriter(const std::filesystem::path& location,
                                                 FragmentIntervals fragmentIntervals,

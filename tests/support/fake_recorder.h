@@ -5,6 +5,7 @@
 #include <exception>
 #include <filesystem>
 #include <functional>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -23,6 +24,7 @@ struct RecorderScript {
     std::vector<std::pair<float, float>> volumes; ///< of each stop: system, microphone
     std::vector<std::pair<float, float>> expectedVolumes;
     std::vector<std::filesystem::path> foldersSought; ///< of each salvage
+    std::vector<std::optional<TrackNames>> tracksSought;
     std::vector<bool> stopRequested; ///< whether each salvage was cancelled by then
 
     std::exception_ptr startError;
@@ -31,6 +33,7 @@ struct RecorderScript {
     std::filesystem::path recording = "/music/recorded.m4a";
     Recordings salvaged; ///< the result of each salvage, even if a stop was requested
     Recordings keptOriginals;
+    std::vector<TracksNotKept> tracksNotKept; ///< of each salvage
     std::function<void()> duringStart;
     std::function<void()> duringStop;
     std::function<void()> duringSalvage;
@@ -74,12 +77,14 @@ public:
     bool hasKeptRecording() const noexcept override { return script_.keepsRecording; }
 
     SalvageResult recoverIncompleteRecordings(const std::filesystem::path& folder,
+                                              const std::optional<TrackNames>& trackNames,
                                               const std::stop_token& stop) override {
         script_.calls.emplace_back("salvage");
         script_.foldersSought.push_back(folder);
+        script_.tracksSought.push_back(trackNames);
         meanwhile(script_.duringSalvage);
         script_.stopRequested.push_back(stop.stop_requested());
-        return {script_.salvaged, script_.keptOriginals, {}};
+        return {script_.salvaged, script_.keptOriginals, {}, script_.tracksNotKept};
     }
 
 private:

@@ -37,9 +37,10 @@ TEST(CommandLine, everyOptionOfRecordIsTaken) {
     expected.systemVolume = 0.25F;
     expected.microphoneVolume = 1.25F;
     expected.title = "Interview";
+    expected.tracks = true;
     expected.language = AppLanguage::english;
     EXPECT_EQ(parsed("record --seconds 2.5 --until-silence 30 --folder /tmp/recordings "
-                     "--no-system-audio --language en --title Interview "
+                     "--no-system-audio --language en --title Interview --tracks "
                      "--no-microphone --microphone usb-microphone --system-volume=0.25 "
                      "--microphone-volume=1.25"),
               Command(expected));
@@ -56,8 +57,9 @@ TEST(CommandLine, otherCommandsAndVersionAndHelp) {
     EXPECT_EQ(parsed("devices --json --language en"),
               Command(DevicesCommand{.json = true, .language = AppLanguage::english}));
     EXPECT_EQ(parsed("recover"), Command(RecoverCommand{}));
-    EXPECT_EQ(parsed("recover --folder /r --language en"),
-              Command(RecoverCommand{.folder = "/r", .language = AppLanguage::english}));
+    EXPECT_EQ(
+        parsed("recover --folder /r --language en --tracks"),
+        Command(RecoverCommand{.folder = "/r", .tracks = true, .language = AppLanguage::english}));
     EXPECT_EQ(parsed("doctor"), Command(DoctorCommand{}));
     EXPECT_EQ(
         parsed("doctor --json --folder /r --language zh-Hans"),
@@ -84,7 +86,7 @@ TEST(CommandLine, remoteCommandsAndTheirOptions) {
 
 TEST(CommandLine, lastOfRepeatedOptionsCounts) {
     EXPECT_EQ(parsed("recover --folder /a --folder=/b"),
-              Command(RecoverCommand{.folder = "/b", .language = {}}));
+              Command(RecoverCommand{.folder = "/b", .tracks = false, .language = {}}));
 }
 
 TEST(CommandLine, helpIsInTheLanguageThatIsAskedForElseInTheUsers) {

@@ -66,13 +66,14 @@ std::string FailurePlan::role(std::string path) const {
             return "unnamed";
         }
     }
+    const bool isTrack = path.find(" (", path.rfind('/')) != std::string::npos;
     if (path.ends_with(".partial.mov")) {
         return "temporary";
     }
     if (path.ends_with(".exporting.m4a")) {
-        return "staging";
+        return isTrack ? "track-staging" : "staging";
     }
-    return path.ends_with(".m4a") ? "final" : "other";
+    return !path.ends_with(".m4a") ? "other" : isTrack ? "track" : "final";
 }
 
 Fate FailurePlan::meet(std::string& name) {

@@ -31,9 +31,10 @@
 #include "tests/support/fake_power.h"
 #include "tests/support/memory_preferences.h"
 
-// fed_recorder FOLDER FRAMES [ahead]: as "vantoro record --folder FOLDER" except for the capture:
-// it delivers that many frames faster than real time, then presses Ctrl-C. With "ahead" the mix is
-// made while recording, otherwise at the stop.
+// fed_recorder FOLDER FRAMES [ahead | tracks]: as "vantoro record --folder FOLDER" except for the
+// capture: it delivers that many frames faster than real time, then presses Ctrl-C. With "ahead"
+// the mix is made while recording, otherwise at the stop. With "tracks" the sources are kept apart,
+// too.
 
 namespace vantoro::testing {
 
@@ -52,9 +53,9 @@ void waitForSalvage(const RecordingViewModel& model) {
 class FedRecorder {
 public:
     FedRecorder(Ending& ending, const std::filesystem::path& folder, std::int64_t frames,
-                bool isMixedAhead)
+                const std::string& option)
         : frames_(frames),
-          isMixedAhead_(isMixedAhead),
+          isMixedAhead_(option == "ahead"),
           toolkit_(fileSystem_,
                    [this] {
                        mixBegins_.release(); // queried last
@@ -64,7 +65,9 @@ public:
           model_(std::make_unique<AudioRecorder>(RecorderPlatform{
                      captureAccess_, microphone_, capture_, toolkit_, fileSystem_, clock_}),
                  {scheduler_, power_, devices_, microphone_, opener_, folderDialog_, preferences_,
-                  levels_, folder, [&ending] { ending.progressed(); }}) {}
+                  levels_, folder, [&ending] { ending.progressed(); }}) {
+        preferences_.values[Preference::keepTracks] = option == "tracks" ? "true" : "false";
+    }
 
     int run() {
         waitForSalvage(model_);
@@ -130,8 +133,8 @@ int main(int argc, char** argv) {
         vantoro::StopSignals signals;
         vantoro::Ending ending(signals);
         const QCoreApplication application(argc, argv);
-        const bool isMixedAhead = argc > 3 && std::string(argv[3]) == "ahead";
-        return vantoro::testing::FedRecorder(ending, argv[1], std::stoll(argv[2]), isMixedAhead)
+        return vantoro::testing::FedRecorder(ending, argv[1], std::stoll(argv[2]),
+                                             argc > 3 ? argv[3] : "")
             .run();
     } catch (const std::exception& error) {
         std::cerr << error.what() << "\n";

@@ -90,12 +90,17 @@ TEST_F(LoggedRecorderTest, tellsOfSourcesLossesAndTheDiskWithoutAnybodyListening
                          .source = std::nullopt,
                          .reason = nullptr});
     inner().onDiskRoom({.advice = RoomAdvice::tell, .minutesLeft = 9});
+    inner().onTracksNotKept({.original = "/home/me/private/one.mov",
+                             .reason = std::make_exception_ptr(
+                                 FileFailure(FileAction::create, "/home/me/private", ENOSPC))});
     inner().onAudioLevel(AudioLevelSource::microphone, 0.5F);
     inner().onExportProgress(0.5);
     inner().onRecordingSafe();
     EXPECT_EQ(logged(), (Lines{"5  The microphone is muted.", "5  System audio delivers sound.",
                                "3  1.3 s of sound were not taken in time.",
-                               "4  The disk has room for 9 more minutes."}));
+                               "4  The disk has room for 9 more minutes.",
+                               "3  The sources could not be written to files of their own. A file "
+                               "could not be used: No space left on device."}));
 }
 
 TEST_F(LoggedRecorderTest, passesLevelsProgressAndSafetyOn) {
@@ -116,7 +121,7 @@ TEST_F(LoggedRecorderTest, passesLevelsProgressAndSafetyOn) {
 TEST_F(LoggedRecorderTest, tellsWhatASalvageFound) {
     script.salvaged = {"/music/one.m4a"};
     script.keptOriginals = {"/music/two.incomplete.mov"};
-    recorder.recoverIncompleteRecordings("/music", {});
+    recorder.recoverIncompleteRecordings("/music", std::nullopt, {});
     logSalvage(log, {.recordings = {},
                      .keptOriginals = {},
                      .failures = {{.location = "/music/.three",

@@ -26,6 +26,7 @@ protected:
     FakeMediaToolkit toolkit{log, fileSystem};
     FakeClock clock;
     std::stop_source stop;
+    std::optional<TrackNames> trackNames;
     const Files finalFiles = {"/r/Vantoro-2025-03-01-093015.m4a",
                               "/r/Vantoro-2025-03-01-093015-2.m4a"};
 
@@ -36,8 +37,8 @@ protected:
     }
 
     SalvageResult salvage() {
-        return recoverIncompleteRecordings({toolkit, fileSystem, clock}, "/r", stop.get_token(),
-                                           {});
+        return recoverIncompleteRecordings({toolkit, fileSystem, clock}, "/r", trackNames,
+                                           stop.get_token(), {});
     }
 
     Files recover() { return salvage().recordings; }
@@ -91,10 +92,11 @@ TEST_F(SalvageTest, progressIsThatOfAllFiles) {
         put(name, daysAgo(1));
     }
     std::vector<double> told;
-    recoverIncompleteRecordings({toolkit, fileSystem, clock}, "/r", {}, [&](double fraction) {
-        told.push_back(fraction);
-        clock.uptime += 1; // each export takes that long
-    });
+    recoverIncompleteRecordings({toolkit, fileSystem, clock}, "/r", std::nullopt, {},
+                                [&](double fraction) {
+                                    told.push_back(fraction);
+                                    clock.uptime += 1; // each export takes that long
+                                });
     EXPECT_EQ(told, (std::vector{0.25, 0.5, 0.75, 1.0}));
 }
 
@@ -263,6 +265,45 @@ TEST_F(SalvageTest, originalIsSetAsideOnlyWhenTheFinalFilesNameIsOnTheDisk) {
     ASSERT_NE(moved, calls.end());
     EXPECT_LT(synced, moved);
     EXPECT_EQ(calls.back(), "unlock a.partial.mov");
+}
+
+TEST_F(SalvageTest, keepsTheTracksThatAreNamed) {
+    put("a.partial.mov", daysAgo(1));
+    trackNames = {"system audio", "microphone"};
+    EXPECT_EQ(salvage(), (SalvageResult{{finalFiles[0]}, {}, {}}));
+    EXPECT_EQ(fileSystem.paths(),
+              (std::set<std::filesystem::path>{finalFiles[0],
+                                               "/r/Vantoro-2025-03-01-093015 (system audio).m4a",
+                                               "/r/Vantoro-2025-03-01-093015 (microphone).m4a"}));
+}
+
+TEST_F(SalvageTest, originalIsSetAsideIfItsTracksCannotBeKept) {
+    put("a.partial.mov", daysAgo(1));
+    trackNames = {"system audio", "microphone"};
+    toolkit.exporting.failingTrack = 1;
+    const std::filesystem::path kept = "/r/Vantoro-2025-03-01-093015.incomplete.mov";
+    const auto result = salvage();
+    EXPECT_EQ(result.recordings, Files{finalFiles[0]});
+    EXPECT_EQ(result.keptOriginals, Files());
+    ASSERT_EQ(result.tracksNotKept.size(), 1U);
+    EXPECT_EQ(result.tracksNotKept[0].original, kept);
+    EXPECT_EQ(fileSystem.paths(), (std::set{finalFiles[0], kept}));
+}
+
+TEST_F(SalvageTest, stopDuringATracksCopyRemovesAllFilesAndKeepsTheRecording) {
+    put("a.partial.mov", daysAgo(1));
+    trackNames = {"system audio", "microphone"};
+    for (const std::size_t until : {1U, 2U}) { // in the first track's copy, and in the second's
+        stop = std::stop_source();
+        toolkit.copiedTracks.clear();
+        toolkit.exporting.duringCopy = [this, until] {
+            if (toolkit.copiedTracks.size() == until) {
+                stop.request_stop();
+            }
+        };
+        expectUntouched();
+        EXPECT_EQ(toolkit.copiedTracks.size(), until);
+    }
 }
 
 TEST_F(SalvageTest, stopBeforeTheFirstTouchesNothing) {
