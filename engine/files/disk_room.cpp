@@ -28,8 +28,9 @@ constexpr std::int64_t bytesPerSecond(std::int64_t bitRate) {
 }
 
 /// Until the recording must end; negative if that is past.
-std::chrono::seconds timeLeft(std::uint64_t available, std::chrono::seconds recorded, int bitRate) {
-    constexpr std::int64_t finalRate = bytesPerSecond(finalBitRate);
+std::chrono::seconds timeLeft(std::uint64_t available, std::chrono::seconds recorded, int bitRate,
+                              int copiedBitRate) {
+    const std::int64_t finalRate = bytesPerSecond(finalBitRate + copiedBitRate);
     const std::int64_t rate = bytesPerSecond(bitRate) + finalRate;
     const auto room = static_cast<std::int64_t>(
         std::min<std::uint64_t>(available, std::numeric_limits<std::int64_t>::max()));
@@ -40,8 +41,9 @@ std::chrono::seconds timeLeft(std::uint64_t available, std::chrono::seconds reco
 
 } // namespace
 
-DiskRoom diskRoom(std::uint64_t available, std::chrono::seconds recorded, int bitRate) {
-    const auto left = timeLeft(available, recorded, bitRate);
+DiskRoom diskRoom(std::uint64_t available, std::chrono::seconds recorded, int bitRate,
+                  int copiedBitRate) {
+    const auto left = timeLeft(available, recorded, bitRate, copiedBitRate);
     if (left.count() < 0) {
         return {.advice = RoomAdvice::end, .minutesLeft = 0};
     }
@@ -49,15 +51,16 @@ DiskRoom diskRoom(std::uint64_t available, std::chrono::seconds recorded, int bi
             .minutesLeft = std::chrono::floor<std::chrono::minutes>(left).count()};
 }
 
-bool hasRoomToStart(std::uint64_t available, int bitRate) {
-    return timeLeft(available, {}, bitRate) >= minimumTime;
+bool hasRoomToStart(std::uint64_t available, int bitRate, int copiedBitRate) {
+    return timeLeft(available, {}, bitRate, copiedBitRate) >= minimumTime;
 }
 
 RoomWatch::RoomWatch(const FileSystem& fileSystem, std::filesystem::path folder, int bitRate,
-                     const DiskRoomCallback& onDiskRoom)
+                     int copiedBitRate, const DiskRoomCallback& onDiskRoom)
     : fileSystem_(fileSystem),
       folder_(std::move(folder)),
       bitRate_(bitRate),
+      copiedBitRate_(copiedBitRate),
       onDiskRoom_(onDiskRoom) {}
 
 void RoomWatch::checkBeforeStart() {
@@ -65,10 +68,10 @@ void RoomWatch::checkBeforeStart() {
     if (!available) {
         return;
     }
-    if (!hasRoomToStart(*available, bitRate_)) {
+    if (!hasRoomToStart(*available, bitRate_, copiedBitRate_)) {
         throw RecordingError(RecordingError::Case::diskTooFull);
     }
-    report(diskRoom(*available, {}, bitRate_));
+    report(diskRoom(*available, {}, bitRate_, copiedBitRate_));
 }
 
 void RoomWatch::check(MediaTime recorded, std::uint64_t waitingBytes) {
@@ -78,7 +81,8 @@ void RoomWatch::check(MediaTime recorded, std::uint64_t waitingBytes) {
     if (const auto available = availableSpace()) {
         const auto length = std::chrono::ceil<std::chrono::seconds>(
             std::chrono::duration<double>(recorded.seconds()));
-        report(diskRoom(*available - std::min(*available, waitingBytes), length, bitRate_));
+        report(diskRoom(*available - std::min(*available, waitingBytes), length, bitRate_,
+                        copiedBitRate_));
     }
 }
 

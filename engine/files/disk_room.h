@@ -32,20 +32,22 @@ struct DiskRoom {
 using DiskRoomCallback = std::function<void(DiskRoom room)>;
 
 /// What `available` bytes mean for a recording of this length, whose tracks together take `bitRate`
-/// bits per second: the temporary file grows, and the whole final file comes beside it.
-DiskRoom diskRoom(std::uint64_t available, std::chrono::seconds recorded, int bitRate);
+/// bits per second: the temporary file grows, and the whole final file comes beside it, with copies
+/// of the tracks at `copiedBitRate`, if any.
+DiskRoom diskRoom(std::uint64_t available, std::chrono::seconds recorded, int bitRate,
+                  int copiedBitRate = 0);
 
 /// Whether there is space for at least 30 seconds of recording and its final file.
-bool hasRoomToStart(std::uint64_t available, int bitRate);
+bool hasRoomToStart(std::uint64_t available, int bitRate, int copiedBitRate = 0);
 
 /// Monitors the free disk space for one recording and reports when it runs short. May block on the
 /// disk: one thread at a time that may wait.
 class RoomWatch {
 public:
-    /// `folder` exists. `bitRate`: bits per second of all tracks together. The referenced objects
+    /// `folder` exists. The bit rates are as above. The referenced objects
     /// outlive the watch; the callback may be empty.
     RoomWatch(const FileSystem& fileSystem, std::filesystem::path folder, int bitRate,
-              const DiskRoomCallback& onDiskRoom);
+              int copiedBitRate, const DiskRoomCallback& onDiskRoom);
 
     /// Throws `RecordingError` if there is too little space to start.
     void checkBeforeStart();
@@ -60,6 +62,7 @@ private:
     const FileSystem& fileSystem_;
     const std::filesystem::path folder_;
     const int bitRate_;
+    const int copiedBitRate_;
     const DiskRoomCallback& onDiskRoom_;
     RoomAdvice reported_ = RoomAdvice::enough; // latest
 };

@@ -86,8 +86,10 @@ bool AudioRecorder::requestMicrophonePermission() {
 
 void AudioRecorder::prepareWriter(const RecordingOptions& options) {
     const auto temporaryURL = options.outputDirectory / temporaryFileName();
-    const auto room = std::make_shared<RoomWatch>(platform_.fileSystem, options.outputDirectory,
-                                                  totalBitRate(options), onDiskRoom);
+    const int bitRate = totalBitRate(options);
+    const auto room =
+        std::make_shared<RoomWatch>(platform_.fileSystem, options.outputDirectory, bitRate,
+                                    options.trackNames ? bitRate : 0, onDiskRoom);
     auto writer = platform_.mediaToolkit.makeWriter(
         temporaryURL, {.first = initialCheckpointInterval, .others = checkpointInterval},
         [room](MediaTime recorded, std::uint64_t waitingBytes) {

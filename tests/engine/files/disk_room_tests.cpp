@@ -58,6 +58,8 @@ TEST(DiskRoomTest, recordingMayStartIfHalfAMinuteFits) {
     EXPECT_FALSE(hasRoomToStart(5'300'000, bothTracks));
     EXPECT_TRUE(hasRoomToStart(4'000'000, microphoneAlone));
     EXPECT_FALSE(hasRoomToStart(0, microphoneAlone));
+    EXPECT_FALSE(hasRoomToStart(5'500'000, bothTracks, bothTracks));
+    EXPECT_TRUE(hasRoomToStart(7'900'000, bothTracks, bothTracks));
 }
 
 TEST(DiskRoomTest, recordingThatEndsInTimeHasRoomForItsFinalFile) {

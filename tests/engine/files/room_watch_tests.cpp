@@ -22,7 +22,7 @@ protected:
     MemoryFileSystem fileSystem{log};
     std::vector<DiskRoom> reported;
     DiskRoomCallback callback = [this](DiskRoom room) { reported.push_back(room); };
-    RoomWatch watch{fileSystem, "/recordings", 288000, callback};
+    RoomWatch watch{fileSystem, "/recordings", 288000, 0, callback};
 
     void lookWith(std::uint64_t available, std::uint64_t waiting = 0) {
         fileSystem.setCapacity(available);

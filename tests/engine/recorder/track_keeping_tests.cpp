@@ -74,6 +74,15 @@ TEST_F(TrackKeeping, replacesNothing) {
                      stem + "-2 (system audio).m4a", stem + "-2 (microphone)-2.m4a"}));
 }
 
+TEST_F(TrackKeeping, startsOnlyIfTheTracksFitToo) {
+    fileSystem.setCapacity(7'000'000);
+    auto options = bothSources();
+    options.trackNames = names;
+    EXPECT_EQ(errorOf([&] { recorder.start(options); }), RecordingError::Case::diskTooFull);
+    options.trackNames.reset();
+    EXPECT_EQ(errorOf([&] { recorder.start(options); }), std::nullopt);
+}
+
 TEST_F(TrackKeeping, failureKeepsTheMixAndAllTracksInTheTemporaryFile) {
     for (const std::size_t failing : {0U, 1U}) {
         toolkit.exporting.failingTrack = failing;
