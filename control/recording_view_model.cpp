@@ -58,6 +58,16 @@ void RecordingViewModel::stopRecording() {
     handleStop(StopReason::user);
 }
 
+int RecordingViewModel::mark(std::string text) {
+    constexpr int maxMarks = 255;
+    if (values().state.which() != RecordingState::Case::recording || marks_ == maxMarks) {
+        return 0;
+    }
+    ++marks_;
+    recorder_->mark(text.empty() ? texts_.mark(marks_) : std::move(text));
+    return marks_;
+}
+
 void RecordingViewModel::startRecording() {
     if (!canStart()) {
         return;
@@ -69,6 +79,7 @@ void RecordingViewModel::startRecording() {
     set(Property::lastRecordingURL, &Values::lastRecordingURL, std::nullopt);
     pendingStopReason_.reset();
     lost_ = {};
+    marks_ = 0;
     interruption_ = nullptr;
     sleepHold_ = platform_.power.holdOffSleep(texts_.text(L10n::Key::recording));
     resetLevels();

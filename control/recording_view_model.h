@@ -9,37 +9,17 @@
 #include <optional>
 #include <string>
 
+#include "control/control_platform.h"
 #include "control/lost_sound.h"
-#include "control/ports/audio_devices.h"
-#include "control/ports/folder_dialog.h"
-#include "control/ports/opener.h"
 #include "control/ports/power_management.h"
 #include "control/ports/scheduler.h"
 #include "control/recording_properties.h"
 #include "control/tasks/salvage_task.h"
 #include "control/tasks/survey_task.h"
-#include "engine/ports/permissions.h"
 #include "engine/recorder/recorder.h"
 #include "l10n/l10n.h"
-#include "l10n/preferences.h"
 
 namespace vantoro {
-
-/// The view model's dependencies. All must outlive the view model; the scheduler must finish its
-/// work before the others are destroyed.
-struct ControlPlatform {
-    Scheduler& scheduler;
-    PowerManagement& power;
-    AudioDevices& audioDevices;
-    MicrophoneAccess& microphoneAccess;
-    Opener& opener;
-    FolderDialog& folderDialog;
-    Preferences& preferences;
-    AudioLevelStore& levels;
-    std::filesystem::path defaultRecordingFolder;
-    /// For a watchdog: called when a stop or a salvage makes progress, on its thread; may be empty.
-    std::function<void()> recorderProgressed = {};
-};
 
 /// Starts and stops the recorder, and turns every failure into a state and a message. Main thread;
 /// never throws. Its destruction cancels a salvage; what a running recording has captured stays in
@@ -66,6 +46,9 @@ public:
     void stopRecording();
     /// Stops a running recording; otherwise does what `startRecording` does.
     void toggleRecording();
+    /// Marks this moment, with this text or else its number. Returns the number; 0 if nothing is
+    /// being recorded, or there are 255 marks already, which is all that a file can hold.
+    int mark(std::string text);
     /// Updates the properties soon after. Never prompts the user.
     void refreshDevicesAndPermissions();
 
@@ -119,6 +102,7 @@ private:
     std::optional<ProgressAccount> work_;         // while saving or salvaging
     std::unique_ptr<RepeatingTimer> workTimer_;   // until the work has taken long
     StopReason lastStopReason_ = StopReason::user;
+    int marks_ = 0;                        // in the current recording
     LostSound lost_;                       // of the current or last recording
     std::exception_ptr interruption_;      // why it broke, or null
     std::unique_ptr<SleepHold> sleepHold_; // held until the recording is on the disk

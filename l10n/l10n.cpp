@@ -75,6 +75,10 @@ std::string L10n::notRecovered(const std::filesystem::path& recording,
                {errorReason(reason, language()), recording.string()});
 }
 
+std::string L10n::mark(int number) const {
+    return say({"Mark %1", "标记 %1"}, {std::to_string(number)});
+}
+
 std::string L10n::roomLeft(std::int64_t minutes) const {
     if (minutes < 1) {
         return say({"The disk is nearly full: there is room for less than a minute of recording.",

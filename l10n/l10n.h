@@ -54,6 +54,9 @@ public:
     std::string notRecovered(const std::filesystem::path& recording,
                              const std::exception_ptr& reason) const;
 
+    /// The title of a mark without a text.
+    std::string mark(int number) const;
+
     /// How many minutes of recording fit on the disk; may be less than one.
     std::string roomLeft(std::int64_t minutes) const;
 

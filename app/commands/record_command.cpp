@@ -32,6 +32,7 @@ RecordRun::RecordRun(const RecordCommand& command, Ending& ending, const Prefere
     connect(&endTimer_, &QTimer::timeout, this, &RecordRun::scheduleStop);
     silenceTimer_.setSingleShot(true);
     connect(&silenceTimer_, &QTimer::timeout, this, &RecordRun::stopRequested);
+    connect(&markNotifier_, &QSocketNotifier::activated, this, &RecordRun::markRequested);
     connect(&lineTimer_, &QTimer::timeout, this, &RecordRun::showLine);
 }
 
@@ -145,6 +146,15 @@ void RecordRun::scheduleStop() {
         stopRequested();
     } else {
         endTimer_.start(std::min<std::chrono::milliseconds>(left, longestWait));
+    }
+}
+
+void RecordRun::markRequested() {
+    for (int signals = markSignal_.take(); signals > 0; --signals) {
+        if (const int number = model_->mark({}); number > 0) {
+            terminal_.message(CommandText::marked.in(
+                texts_.language(), {std::to_string(number), model_->formattedElapsedTime()}));
+        }
     }
 }
 

@@ -8,9 +8,11 @@
 #include <string>
 
 #include <QtCore/QObject>
+#include <QtCore/QSocketNotifier>
 #include <QtCore/QTimer>
 
 #include "app/commands/command_line.h"
+#include "app/commands/mark_signal.h"
 #include "app/commands/terminal.h"
 #include "app/ending/ending.h"
 #include "control/recording_view_model.h"
@@ -40,8 +42,9 @@ private:
 };
 
 /// Makes one recording, until its time is over, silence has lasted long enough, a signal arrives,
-/// the machine sleeps, capture fails or the disk is nearly full. Prints the final file's path on
-/// standard output and everything else on standard error. Main thread, before the event loop runs.
+/// the machine sleeps, capture fails or the disk is nearly full. SIGUSR1 sets a mark. Prints the
+/// final file's path on standard output and everything else on standard error. Main thread, before
+/// the event loop runs.
 class RecordRun final : public QObject {
 public:
     /// All arguments must outlive this.
@@ -60,6 +63,7 @@ private:
     void showMessage(const RecordingProperties::Values& values);
     void recordingBegan();
     void scheduleStop();
+    void markRequested();
     void stopRequested();
     void recordingFailed();
     void showLine();
@@ -70,6 +74,8 @@ private:
     Ending& ending_;
     L10n texts_;
     Terminal terminal_;
+    MarkSignal markSignal_;
+    QSocketNotifier markNotifier_{markSignal_.descriptor(), QSocketNotifier::Read};
     RecordingViewModel* model_ = nullptr; // from `run` on
     RecordingState::Case state_ = RecordingState::Case::idle;
     bool hasBegun_ = false; // capture ran, so a failed recording can be salvaged

@@ -5,6 +5,9 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
+
+#include "engine/media_time.h"
 
 namespace vantoro {
 
@@ -16,10 +19,19 @@ struct WallTime {
     friend bool operator==(const WallTime&, const WallTime&) = default;
 };
 
+/// A moment that the user marked.
+struct RecordingMark {
+    MediaTime time;   ///< from the recording's start
+    std::string text; ///< UTF-8
+
+    friend bool operator==(const RecordingMark&, const RecordingMark&) = default;
+};
+
 /// What a recording's files tell players and libraries about it.
 struct RecordingTags {
-    std::optional<WallTime> start; ///< of the recording
-    std::string title;             ///< UTF-8; if empty, each file is titled after its name
+    std::optional<WallTime> start;         ///< of the recording
+    std::string title;                     ///< UTF-8; if empty, each file is titled after its name
+    std::vector<RecordingMark> marks = {}; ///< a file's chapters
 
     friend bool operator==(const RecordingTags&, const RecordingTags&) = default;
 };

@@ -6,6 +6,7 @@
 #include <exception>
 #include <functional>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "engine/media_time.h"
@@ -64,6 +65,9 @@ public:
     /// All tracks start at this time; silence fills a track whose first buffer is later. False on
     /// failure; `error` says why, if known.
     virtual bool start(MediaTime time) = 0;
+    /// Marks a time, in the same clock as the buffers' times; on disk with the next fragment. Does
+    /// not block.
+    virtual void addMark(MediaTime time, std::string text) = 0;
     /// Writes and syncs the rest in the background, then calls `completion` exactly once, on a
     /// thread of the writer. By then `status` is `completed` or `failed`.
     virtual void finish(std::function<void()> completion) = 0;

@@ -32,12 +32,6 @@ int totalBitRate(const RecordingOptions& options) {
            (options.captureMicrophone ? microphoneTrack.bitRate : 0);
 }
 
-CaptureRequest captureRequest(const RecordingOptions& options) {
-    return {.systemAudio = options.captureSystemAudio,
-            .microphone = options.captureMicrophone,
-            .microphoneID = options.captureMicrophone ? options.microphoneDeviceID : std::nullopt};
-}
-
 } // namespace
 
 AudioRecorder::AudioRecorder(const RecorderPlatform& platform)
@@ -126,9 +120,18 @@ void AudioRecorder::forwardExpectedVolumes() {
     }
 }
 
+void AudioRecorder::mark(std::string text) {
+    captureQueue_.async([this, now = platform_.clock.systemUptime(), text = std::move(text)] {
+        samplePath_.mark(now, text);
+    });
+}
+
 void AudioRecorder::startStream(const RecordingOptions& options) {
-    auto stream =
-        platform_.captureService.makeStream(captureRequest(options), captureQueue_, *this);
+    const CaptureRequest request{
+        .systemAudio = options.captureSystemAudio,
+        .microphone = options.captureMicrophone,
+        .microphoneID = options.captureMicrophone ? options.microphoneDeviceID : std::nullopt};
+    auto stream = platform_.captureService.makeStream(request, captureQueue_, *this);
     captureQueue_.sync([&] { stream_ = stream; });
     stream->startCapture();
 }

@@ -8,6 +8,7 @@
 #include <memory>
 #include <optional>
 #include <stop_token>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -48,6 +49,7 @@ public:
 
     void start(const RecordingOptions& options) override;
     void expectVolumes(float systemVolume, float microphoneVolume) override;
+    void mark(std::string text) override;
     std::filesystem::path stop(float systemVolume, float microphoneVolume) override;
 
     bool hasKeptRecording() const noexcept override { return hasKeptRecording_; }

@@ -163,6 +163,11 @@ void LoggedRecorder::followCallbacks() {
             onExportProgress(fraction);
         }
     };
+    recorder_->onSalvageProgress = [this](double fraction) {
+        if (onSalvageProgress) {
+            onSalvageProgress(fraction);
+        }
+    };
 }
 
 void LoggedRecorder::write(Level level, const std::string& message) {

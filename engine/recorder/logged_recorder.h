@@ -5,6 +5,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "engine/ports/clock.h"
 #include "engine/ports/recording_log.h"
@@ -24,6 +25,8 @@ public:
     void expectVolumes(float systemVolume, float microphoneVolume) override {
         recorder_->expectVolumes(systemVolume, microphoneVolume);
     }
+
+    void mark(std::string text) override { recorder_->mark(std::move(text)); }
 
     std::filesystem::path stop(float systemVolume, float microphoneVolume) override;
 

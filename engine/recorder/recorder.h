@@ -6,6 +6,7 @@
 #include <functional>
 #include <optional>
 #include <stop_token>
+#include <string>
 
 #include "engine/files/disk_room.h"
 #include "engine/ports/media_toolkit.h"
@@ -36,6 +37,10 @@ public:
     /// The gains that `stop` will probably use, so that the mix can be made ahead. Any thread, at
     /// any time; does not block.
     virtual void expectVolumes(float systemVolume, float microphoneVolume) = 0;
+
+    /// Marks this moment of a running recording, for its file's chapters. The mark is as safe as
+    /// the sound of that moment. Any thread; does not block.
+    virtual void mark(std::string text) = 0;
 
     /// Ends the recording, mixes it with these linear gains, and returns the final file's path.
     /// Throws like `start`, and then keeps the temporary file if it holds sound. Another recording

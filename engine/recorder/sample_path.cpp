@@ -3,6 +3,8 @@
 #include "engine/recorder/sample_path.h"
 
 #include <algorithm>
+#include <cmath>
+#include <cstdint>
 #include <utility>
 #include <vector>
 
@@ -143,6 +145,13 @@ void SamplePath::finish(std::function<void(std::exception_ptr)> completion) {
                        : std::make_exception_ptr(RecordingError::writerFailed(
                              causeOf(&writer, FailureCode::recordingNotFinished))));
     });
+}
+
+void SamplePath::mark(double uptime, const std::string& text) {
+    constexpr std::int32_t microseconds = 1'000'000;
+    if (writer_) {
+        writer_->addMark({std::llround(uptime * microseconds), microseconds}, text);
+    }
 }
 
 void SamplePath::expectMix(float systemVolume, float microphoneVolume) {

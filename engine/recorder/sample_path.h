@@ -7,6 +7,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <string>
 
 #include "engine/failure.h"
 #include "engine/ports/recording_writer.h"
@@ -48,6 +49,9 @@ public:
 
     /// After `finish`: captured sound that is not in the file.
     std::optional<SoundLoss> loss() const;
+
+    /// Marks a time, in seconds since boot, of the recording, if one runs.
+    void mark(double uptime, const std::string& text);
 
     /// The probable mixing gain of each source.
     void expectMix(float systemVolume, float microphoneVolume);

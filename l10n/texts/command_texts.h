@@ -17,6 +17,7 @@ struct CommandText {
     static constexpr BilingualText recordingsNotPrinted{
         "The recovered recordings are in %1; their names could not be printed.",
         "恢复的录音在 %1 中，但无法输出文件名。"};
+    static constexpr BilingualText marked{"Mark %1 at %2", "标记 %1：%2"};
     static constexpr BilingualText folderMissing{"There is no folder %1.", "文件夹 %1 不存在。"};
     static constexpr BilingualText desktopMissing{
         "There is no desktop to show a window on. See vantoro --help for what can be done without.",

@@ -13,6 +13,8 @@
 #include <string_view>
 #include <system_error>
 
+#include "media/boxes/marks.h"
+
 namespace vantoro::media {
 
 namespace {
@@ -154,6 +156,7 @@ void writeTags(BoxWriter& out, const RecordingTags& tags) {
                 writeTag(out, programTag, "Vantoro " VANTORO_VERSION);
             });
         });
+        writeChapters(out, tags.marks);
     });
 }
 
@@ -169,7 +172,8 @@ RecordingTags readTags(ByteSpan header) {
             return {};
         }
         return {.start = timeOf(readTag(*list, boxType(dateTag))),
-                .title = readTag(*list, boxType(titleTag))};
+                .title = readTag(*list, boxType(titleTag)),
+                .marks = {}};
     } catch (const DamagedMovie&) {
         return {};
     }

@@ -12,8 +12,8 @@
 
 namespace vantoro::media {
 
-// The recorder's files carry their tags in the form that music libraries know: title, date and
-// program in `udta`, inside the movie's header.
+// The recorder's files carry their tags in the form that music libraries know: title, date,
+// program and chapters in `udta`, inside the movie's header.
 
 /// Seconds since 1904, as headers count; 0 if unknown.
 std::uint64_t boxTime(const std::optional<WallTime>& time) noexcept;
@@ -26,7 +26,8 @@ std::optional<WallTime> timeOf(const std::string& dateText);
 
 void writeTags(BoxWriter& out, const RecordingTags& tags);
 
-/// The tags in the content of a movie's header. A tag that is missing or damaged stays empty.
+/// The tags in the content of a movie's header, except marks. A tag that is missing or damaged
+/// stays empty.
 RecordingTags readTags(ByteSpan header);
 
 } // namespace vantoro::media

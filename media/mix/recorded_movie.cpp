@@ -67,7 +67,7 @@ std::unique_ptr<OutputFile> RecordedMovie::mix(const std::vector<float>& volumes
         throw RecordingError(RecordingError::Case::exportFailed);
     }
     const Mix mix = mixAt(volumes);
-    const RecordingTags tags = tagsOr(title);
+    const RecordingTags tags = tagsOr(title, framesOf(mix));
     std::unique_ptr<OutputFile> madeAhead;
     if (const MixedTrack* const track = unchangedTrack(mix, stop)) {
         M4aFile file(staging, *movie_->codecs[track->track], track->frames);
@@ -98,7 +98,7 @@ void RecordedMovie::copyTrack(std::size_t track, const TrackTitle& title, Output
     if (!isJustWritten_ && !isIntact(*movie_, stop)) {
         repair.emplace(codec_, coding);
     }
-    RecordingTags tags = tagsOr(title.title);
+    RecordingTags tags = tagsOr(title.title, frames);
     tags.title += title.suffix;
     M4aFile file(staging, coding, frames);
     copyPackets(movie_, index, frames, repair ? &*repair : nullptr, file, progress, stop);
@@ -118,9 +118,14 @@ Mix RecordedMovie::mixAt(const std::vector<float>& volumes) const {
     return mix;
 }
 
-/// The movie's tags, with this title if they have none.
-RecordingTags RecordedMovie::tagsOr(const std::string& title) const {
+/// The movie's tags, with this title if they have none, for a file of this length.
+RecordingTags RecordedMovie::tagsOr(const std::string& title, std::int64_t frames) const {
     RecordingTags tags = movie_->scan.tags;
+    for (RecordingMark& mark : tags.marks) {
+        const MediaTime last{.value = std::max<std::int64_t>(frames - 1, 0),
+                             .timescale = framesPerSecond};
+        mark.time = mark.time < last ? mark.time : last;
+    }
     if (tags.title.empty()) {
         tags.title = title;
     }

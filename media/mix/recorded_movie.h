@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <stop_token>
 #include <string>
@@ -49,7 +50,7 @@ public:
 
 private:
     Mix mixAt(const std::vector<float>& volumes) const;
-    RecordingTags tagsOr(const std::string& title) const;
+    RecordingTags tagsOr(const std::string& title, std::int64_t frames) const;
     std::unique_ptr<OutputFile> mixInto(OutputFile& staging, const Mix& mix,
                                         const RecordingTags& tags, const ExportProgress& progress,
                                         const std::stop_token& stop);

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "media/boxes/box_reader.h"
+#include "media/boxes/marks.h"
 #include "media/movie/fragment_checksum.h"
 
 namespace vantoro::media {
@@ -173,10 +174,14 @@ Fragment readFragment(const InputFile& file, std::uint64_t offset,
     Fragment fragment{.contentEnd = data.end,
                       .end = checksum ? checksum->end : data.end,
                       .checksum = checksum ? std::optional(checksum->value) : std::nullopt,
-                      .parts = {}};
+                      .parts = {},
+                      .marks = {}};
     std::vector<bool> described(tracks.size());
     BoxReader boxes(bytes);
     while (const auto box = boxes.next()) {
+        if (box->type == boxType("uuid")) {
+            fragment.marks = readMarks(box->content);
+        }
         if (box->type != boxType("traf")) {
             continue;
         }

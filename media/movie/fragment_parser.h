@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "engine/ports/file_system.h"
+#include "engine/ports/recording_tags.h"
 #include "media/movie/movie_scan.h"
 
 namespace vantoro::media {
@@ -35,6 +36,7 @@ struct Fragment {
     std::uint64_t end = 0;                 ///< offset after its checksum
     std::optional<std::uint32_t> checksum; ///< of the bytes up to `contentEnd`, if stored
     std::vector<TrackFragment> parts;
+    std::vector<RecordingMark> marks;
 };
 
 /// Reads the description of the fragment at `offset`. Throws DamagedMovie if it is incomplete, if a

@@ -94,10 +94,18 @@ private:
     std::vector<bool> ended_;
 };
 
+/// Bounds the memory that a damaged file takes.
+void addMarks(const std::vector<RecordingMark>& marks, std::vector<RecordingMark>& all) {
+    constexpr std::size_t maxMarks = 255;
+    const std::size_t count = std::min(marks.size(), maxMarks - std::min(maxMarks, all.size()));
+    all.insert(all.end(), marks.begin(), marks.begin() + static_cast<std::ptrdiff_t>(count));
+}
+
 void addFragment(std::uint64_t offset, const Fragment& fragment, Progress progress,
                  MovieScan& scan) {
     std::move(progress).addTo(scan);
     scan.fragments.push_back(offset);
+    addMarks(fragment.marks, scan.tags.marks);
     scan.skipped += offset - std::min(offset, scan.fragmentsEnd);
     scan.fragmentsEnd = fragment.end;
 }

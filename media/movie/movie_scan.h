@@ -35,9 +35,9 @@ std::vector<TrackHeader> parseHeader(std::span<const std::byte> content);
 /// ended. After damage, a fragment with a matching checksum counts too if the skipped bytes could
 /// have held the packets that each track is missing; the track then has a gap.
 struct MovieScan {
-    std::vector<TrackHeader> tracks;      ///< in file order, at most 16
-    RecordingTags tags;                   ///< empty if damaged or missing
-    std::uint64_t headerEnd = 0;          ///< offset after the header
+    std::vector<TrackHeader> tracks; ///< in file order, at most 16
+    RecordingTags tags;              ///< empty if damaged or missing; marks of the whole fragments
+    std::uint64_t headerEnd = 0;     ///< offset after the header
     std::vector<std::uint64_t> fragments; ///< offset of each whole fragment
     std::vector<std::int64_t> starts;     ///< fragments × tracks, in frames, including the priming
     std::vector<std::int64_t> ends;       ///< of each track, after the last whole fragment

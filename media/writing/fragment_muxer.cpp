@@ -21,8 +21,9 @@ void FragmentMuxer::add(std::size_t track, AacPacket packet) {
     tracks_[track].packets.push_back(std::move(packet));
 }
 
-bool FragmentMuxer::hasPackets() const noexcept {
-    return std::ranges::any_of(tracks_, [](const Track& track) { return !track.packets.empty(); });
+bool FragmentMuxer::hasContent() const noexcept {
+    return !marks_.empty() ||
+           std::ranges::any_of(tracks_, [](const Track& track) { return !track.packets.empty(); });
 }
 
 std::vector<std::byte> FragmentMuxer::closeFragment(std::int64_t end) {
@@ -42,7 +43,7 @@ std::vector<std::byte> FragmentMuxer::closeFragment(std::int64_t end) {
              .packets = {std::move_iterator(packets.begin()), std::move_iterator(last)}});
         packets.erase(packets.begin(), last);
     }
-    const auto fragment = movieFragment(++fragments_, parts);
+    const auto fragment = movieFragment(++fragments_, parts, std::exchange(marks_, {}));
     const auto checksum = checksumBox(fragment);
     bytes.insert(bytes.end(), fragment.begin(), fragment.end());
     bytes.insert(bytes.end(), checksum.begin(), checksum.end());

@@ -29,7 +29,11 @@ public:
     /// The end of the track's packets, in frames from the session's start.
     std::int64_t end(std::size_t track) const noexcept { return tracks_[track].end; }
 
-    bool hasPackets() const noexcept;
+    /// For the next fragment.
+    void addMark(RecordingMark mark) { marks_.push_back(std::move(mark)); }
+
+    /// Whether another fragment has anything to hold.
+    bool hasContent() const noexcept;
 
     /// The next fragment, with all packets that begin before `end`. The movie's header precedes the
     /// first fragment.
@@ -44,6 +48,7 @@ private:
     };
 
     RecordingTags tags_;
+    std::vector<RecordingMark> marks_; // for the next fragment
     std::vector<Track> tracks_;
     std::vector<AacTrack> descriptions_;            // of the tracks
     std::vector<std::vector<FragmentEntry>> index_; // by track

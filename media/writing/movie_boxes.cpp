@@ -9,6 +9,7 @@
 
 #include "media/boxes/box_writer.h"
 #include "media/boxes/elementary_stream.h"
+#include "media/boxes/marks.h"
 #include "media/boxes/tags.h"
 #include "media/codec/aac.h"
 
@@ -213,12 +214,14 @@ std::vector<std::byte> movieHeader(std::span<const AacTrack> tracks, const Recor
     return HeaderWriter(tags).write(tracks);
 }
 
-std::vector<std::byte> movieFragment(std::uint32_t number, std::span<const FragmentTrack> tracks) {
+std::vector<std::byte> movieFragment(std::uint32_t number, std::span<const FragmentTrack> tracks,
+                                     std::span<const RecordingMark> marks) {
     constexpr std::uint64_t contentHeader = 8;
     const auto description = [&](std::uint64_t size) {
         BoxWriter out;
         out.box("moof", [&] {
             out.fullBox("mfhd", 0, [&] { out.u32(number); });
+            writeMarks(out, marks);
             std::uint64_t content = size + contentHeader;
             for (const FragmentTrack& track : tracks) {
                 out.box("traf", [&] { writeTrack(out, track, content); });

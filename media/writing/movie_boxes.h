@@ -31,7 +31,8 @@ std::vector<std::byte> movieHeader(std::span<const AacTrack> tracks, const Recor
 
 /// A fragment with its content. Fragment numbers start at 1. Throws std::runtime_error if it is too
 /// large for its size field.
-std::vector<std::byte> movieFragment(std::uint32_t number, std::span<const FragmentTrack> tracks);
+std::vector<std::byte> movieFragment(std::uint32_t number, std::span<const FragmentTrack> tracks,
+                                     std::span<const RecordingMark> marks);
 
 /// The movie's last bytes: the index of each track's fragments.
 std::vector<std::byte> fragmentIndex(std::span<const std::vector<FragmentEntry>> tracks);

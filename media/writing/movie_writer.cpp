@@ -80,6 +80,9 @@ bool MovieWriter::start(MediaTime time) {
             std::move(created_), [this](std::exception_ptr error) { fail(std::move(error)); },
             [this](std::size_t backlog) { fragmentWritten(backlog); });
         sessionStart_ = time.inUnitsOf(framesPerSecond);
+        for (RecordingMark& mark : std::exchange(marks_, {})) {
+            addMark(mark.time, std::move(mark.text));
+        }
         const std::lock_guard lock(mutex_);
         status_ = WriterStatus::writing;
     });
@@ -119,6 +122,17 @@ void MovieWriter::end(Track& track) {
     });
 }
 
+void MovieWriter::addMark(MediaTime time, std::string text) {
+    if (!file_) {
+        marks_.push_back({.time = time, .text = std::move(text)});
+        return;
+    }
+    const std::int64_t frame = time.inUnitsOf(framesPerSecond) - sessionStart_;
+    muxer_.addMark(
+        {.time = {.value = std::max<std::int64_t>(frame, 0), .timescale = framesPerSecond},
+         .text = std::move(text)});
+}
+
 void MovieWriter::finish(std::function<void()> completion) {
     if (!file_) {
         fail(std::make_exception_ptr(std::logic_error("Nothing was written.")));
@@ -130,7 +144,7 @@ void MovieWriter::finish(std::function<void()> completion) {
     }
     attempt([this] {
         if (longestTrack() > 0) {
-            if (muxer_.hasPackets()) {
+            if (muxer_.hasContent()) {
                 file_->append(muxer_.closeFragment(std::numeric_limits<std::int64_t>::max()),
                               longestTrack());
             }

@@ -10,6 +10,7 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -48,6 +49,7 @@ public:
     void setTags(RecordingTags tags) override { muxer_.setTags(std::move(tags)); }
 
     bool start(MediaTime time) override;
+    void addMark(MediaTime time, std::string text) override;
     void finish(std::function<void()> completion) override;
     void expectMix(std::vector<float> volumes) override;
     std::unique_ptr<Recording> openRecording() override;
@@ -79,6 +81,7 @@ private:
     const IsPowerSaved isPowerSaved_;
     const FragmentWrittenCallback onFragmentWritten_;
     std::vector<float> expectedVolumes_;
+    std::vector<RecordingMark> marks_;  // made before the start, at times of the session's clock
     std::shared_ptr<FollowingMix> mix_; // after `start`, if its thread can be started
     FragmentSchedule schedule_;
     std::atomic<std::int64_t> closedFrames_{0}; // end of the last closed fragment, written or not

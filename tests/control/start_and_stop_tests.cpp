@@ -30,6 +30,30 @@ TEST_F(StartTest, handsTheRecorderTheChoicesOfTheMoment) {
                                               .title = "Interview"}}));
 }
 
+TEST_F(StartTest, marksAreNumberedInEachRecordingAndTitledByTheirNumbersIfByNothingElse) {
+    EXPECT_EQ(model->mark("too early"), 0);
+    record();
+    EXPECT_EQ(model->mark(""), 1);
+    EXPECT_EQ(model->mark("Answer"), 2);
+    preferences.values[Preference::appLanguage] = "zh-Hans";
+    EXPECT_EQ(model->mark(""), 3);
+    model->toggleRecording();
+    EXPECT_EQ(model->mark("too late"), 0);
+    scheduler.settle();
+    record();
+    EXPECT_EQ(model->mark("Again"), 1);
+    EXPECT_EQ(recorder.marks, (Seen{"Mark 1", "Answer", "标记 3", "Again"}));
+}
+
+TEST_F(StartTest, marksAreAsManyAsAFileCanHold) {
+    record();
+    for (int number = 1; number <= 255; ++number) {
+        ASSERT_EQ(model->mark(""), number);
+    }
+    EXPECT_EQ(model->mark(""), 0);
+    EXPECT_EQ(recorder.marks.size(), 255U);
+}
+
 TEST_F(StartTest, isAskedOfTheRecorderOnceHoweverOftenTheButtonIsPressed) {
     model->toggleRecording();
     model->toggleRecording();

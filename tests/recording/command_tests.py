@@ -128,6 +128,39 @@ class CommandLine(RecordingCase):
         self.assertEqual(datetime.fromisoformat(tags["date"]), started)
         self.assertEqual(sound.probe(untitled)["format"]["tags"]["title"], untitled.stem)
 
+    def chapters_of(self, path):
+        return [(float(chapter["start_time"]), chapter["tags"]["title"])
+                for chapter in sound.probe(path, "-show_chapters")["chapters"]]
+
+    def mark(self, recording):
+        os.kill(recording.pid, signal.SIGUSR1)
+        return time.monotonic()
+
+    def test_signalMarksTheMomentWithAChapter(self):
+        recording = recorder.Recording(self.folder)
+        recording.wait_until_written()
+        marked = [self.mark(recording)]
+        recording.watch.wait_for_fragments(1)
+        marked.append(self.mark(recording))
+        stopped = time.monotonic()
+        result = recording.stop()
+        length = float(sound.probe(result.saved())["format"]["duration"])
+        chapters = self.chapters_of(result.saved())
+        self.assertEqual([title for _, title in chapters], ["Mark 1", "Mark 2"])
+        for (begin, _), moment in zip(chapters, marked, strict=True):
+            self.assertAlmostEqual(length - begin, stopped - moment, delta=0.5)
+        self.assertRegex(result.errors, r"^Mark 1 at 00:0\d\nMark 2 at 00:1\d\n$")
+
+    def test_markSurvivesTheDeathOfTheRecorder(self):
+        recording = recorder.Recording(self.folder)
+        recording.wait_until_written()
+        self.mark(recording)
+        recording.watch.wait_for_fragments(1)
+        recording.kill()
+        (begin, title), = self.chapters_of(recorder.run("recover", "--folder", self.folder).saved())
+        self.assertEqual(title, "Mark 1")
+        self.assertTrue(0.9 < begin < 5, begin)
+
     def tracks_of(self, path, names):
         return [path.with_name(f"{path.stem} ({name}).m4a") for name in names]
 

@@ -65,6 +65,10 @@ public:
         return toolkit_.writing.startSucceeds;
     }
 
+    void addMark(MediaTime time, std::string text) override {
+        toolkit_.log().add("mark " + std::to_string(time.inUnitsOf(48000)) + " " + text);
+    }
+
     void finish(std::function<void()> completion) override {
         toolkit_.log().add("finish");
         finisher_ = std::thread([this, completion = std::move(completion)] {

@@ -23,6 +23,7 @@ struct RecorderScript {
     std::vector<RecordingOptions> options;        ///< of each start
     std::vector<std::pair<float, float>> volumes; ///< of each stop: system, microphone
     std::vector<std::pair<float, float>> expectedVolumes;
+    std::vector<std::string> marks;
     std::vector<std::filesystem::path> foldersSought; ///< of each salvage
     std::vector<std::optional<TrackNames>> tracksSought;
     std::vector<bool> stopRequested; ///< whether each salvage was cancelled by then
@@ -64,6 +65,8 @@ public:
     void expectVolumes(float systemVolume, float microphoneVolume) override {
         script_.expectedVolumes.emplace_back(systemVolume, microphoneVolume);
     }
+
+    void mark(std::string text) override { script_.marks.push_back(std::move(text)); }
 
     std::filesystem::path stop(float systemVolume, float microphoneVolume) override {
         script_.calls.emplace_back("stop");

@@ -59,6 +59,17 @@ TEST_F(AudioRecorderStop, filesTellWhenTheRecordingStartedAndItsTitle) {
     EXPECT_EQ(toolkit.tags, (RecordingTags{.start = started, .title = "Interview"}));
 }
 
+TEST_F(AudioRecorderStop, marksGoToTheWriterWithTheMomentAtWhichTheyWereMade) {
+    recorder.mark("too early");
+    startAndCapture(bothSources());
+    clock.uptime = 1234.5;
+    recorder.mark("Answer");
+    clock.uptime = 1300;
+    recorder.stop(1, 1);
+    recorder.mark("too late");
+    EXPECT_EQ(log.startingWith("mark"), (std::vector<std::string>{"mark 59256000 Answer"}));
+}
+
 TEST_F(AudioRecorderStop, finalFileIsTitledAfterItsName) {
     fileSystem.put(finalFile);
     startAndCapture(bothSources());

@@ -111,11 +111,15 @@ TEST_F(LoggedRecorderTest, passesLevelsProgressAndSafetyOn) {
     recorder.onExportProgress = [&](double fraction) {
         received += " progress " + std::to_string(fraction > 0.4);
     };
+    recorder.onSalvageProgress = [&](double fraction) {
+        received += " salvage " + std::to_string(fraction > 0.4);
+    };
     recorder.onRecordingSafe = [&] { received += " safe"; };
     inner().onAudioLevel(AudioLevelSource::microphone, 0.5F);
     inner().onExportProgress(0.5);
+    inner().onSalvageProgress(0.5);
     inner().onRecordingSafe();
-    EXPECT_EQ(received, "level 1 progress 1 safe");
+    EXPECT_EQ(received, "level 1 progress 1 salvage 1 safe");
 }
 
 TEST_F(LoggedRecorderTest, tellsWhatASalvageFound) {

@@ -72,7 +72,7 @@ class PacketFields : public ::testing::TestWithParam<FieldsCase> {};
 TEST_P(PacketFields, arePresentOnlyIfThePacketsDiffer) {
     const auto& [name, packets, flags, expected] = GetParam();
     const std::vector<FragmentTrack> tracks{{.number = 2, .packets = packetsOf(48128, packets)}};
-    const auto bytes = movieFragment(5, tracks);
+    const auto bytes = movieFragment(5, tracks, {});
     const std::uint64_t run = 20 + (4 * expected.size());
     const std::uint64_t description = 8 + 16 + 8 + 28 + 20 + run;
     ByteReader fields(bytes);
@@ -116,7 +116,7 @@ INSTANTIATE_TEST_SUITE_P(
 TEST(MovieBoxes, secondTracksContentFollowsTheFirsts) {
     const std::vector<FragmentTrack> tracks{{.number = 1, .packets = packetsOf(0, {{7, 1024}})},
                                             {.number = 2, .packets = packetsOf(0, {{9, 1024}})}};
-    const auto bytes = movieFragment(1, tracks);
+    const auto bytes = movieFragment(1, tracks, {});
     constexpr std::uint64_t traf = 8 + 28 + 20 + 20;
     ByteReader fields(bytes);
     fields.take(8 + 16 + traf - 4);
