@@ -33,7 +33,7 @@ class CompletionTests(unittest.TestCase):
             ("vantoro st", ["start", "status", "stop"]),
             ("vantoro status --", ["--follow", "--json", "--language"]),
             ("vantoro --", ["--help", "--version"]),
-            ("vantoro recover --", ["--folder", "--language"]),
+            ("vantoro recover --", ["--folder", "--language", "--tracks"]),
             ("vantoro devices --", ["--json", "--language"]),
             ("vantoro record --no", ["--no-microphone", "--no-system-audio"]),
             ("vantoro record --microphone ", ["front", "rear:0"]),
