@@ -39,6 +39,20 @@ class WindowRecording(WindowCase):
         press_keys("ctrl+r")
         self.assert_holds(self.saved_recording(window), 440, 1000)
 
+    def test_sourcesAreKeptApartIfThePreferencesSaySo(self):
+        self.set_preferences(appLanguage="en", keepTracks="true")
+        self.both_tones()
+        window = self.open_window()
+        self.record(window)
+        window.control(ENGLISH["stopRecording"]).press()
+        window.text(ENGLISH["recordingSaved"])
+        microphone, computers, mixed = sorted(self.folder.iterdir())
+        window.text(mixed.name)
+        self.assertEqual(microphone.name, f"{mixed.stem} (microphone).m4a")
+        self.assertEqual(computers.name, f"{mixed.stem} (system audio).m4a")
+        for path, *frequencies in ((mixed, 440, 1000), (computers, 440), (microphone, 1000)):
+            self.assert_holds(path, *frequencies)
+
     def move_focus_to(self, window, name):
         # Of a closed picker, Qt 6.8 says that its choice has the focus.
         controls = [thing for thing in window.things() if thing.is_a_control and not thing.is_a_choice]
