@@ -105,10 +105,14 @@ void RecordingViewModel::beginWork(WorkProgress::Work work) {
     });
 }
 
-/// A salvage begins with its first progress: most find nothing. While a recording is made, what a
-/// cancelled salvage still reports does not count.
+/// Work begins with its first progress: most salvages find nothing. What a salvage reports that a
+/// recording has cancelled does not count.
 void RecordingViewModel::advance(WorkProgress::Work work, double fraction) {
-    if (work == WorkProgress::Work::salvage && !work_ && !isBusy(values().state.which())) {
+    const auto state = values().state.which();
+    const bool isExpected = work == WorkProgress::Work::saving
+                                ? state == RecordingState::Case::processing
+                                : !isBusy(state);
+    if (!work_ && isExpected) {
         beginWork(work);
     }
     if (!work_ || work_->progress().work != work) {

@@ -133,7 +133,7 @@ void RecordingViewModel::stopRecording(StopReason reason) {
     if (values().errorMessage) {
         setErrorMessage(std::nullopt); // clears the warning about disk space
     }
-    beginWork(WorkProgress::Work::saving);
+    endWork();
     setState(RecordingState::Case::processing);
     resetLevels();
     resetConditions();

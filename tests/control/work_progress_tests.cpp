@@ -112,6 +112,7 @@ TEST_F(ProgressTest, savingThatIsSoonOverIsNeverShown) {
 TEST_F(ProgressTest, failedSavingShowsNoneAndThenThatOfItsSalvage) {
     recorder.stopError = failure("disk full");
     lead(Case::processing);
+    reportSaving(0);
     scheduler.advance(1s);
     EXPECT_EQ(shown(), 0);
     scheduler.runTask();
@@ -148,7 +149,11 @@ TEST_F(ProgressTest, salvageThatIsBeingCancelledIsNotTakenForTheSaving) {
     lead(Case::processing);
     reportSalvage(0.9);
     scheduler.advance(1s);
-    EXPECT_EQ(shown(), 0);
+    EXPECT_EQ(shown(), -1);
+    reportSaving(0.1);
+    reportSalvage(0.9);
+    scheduler.advance(1s);
+    EXPECT_EQ(shown(), 0.1);
 }
 
 } // namespace

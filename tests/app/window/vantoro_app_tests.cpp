@@ -261,6 +261,7 @@ TEST_F(VantoroAppTest, longSavingIsShownInTheTaskBar) {
     start();
     startRecording();
     recorder.duringStop = [this] {
+        recorder.recorder->onExportProgress(0);
         scheduler.runMain();
         scheduler.advance(1s);
         recorder.recorder->onExportProgress(0.25);
