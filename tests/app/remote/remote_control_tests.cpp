@@ -173,6 +173,7 @@ TEST_F(RemoteControlTest, stopThatFailsIsAnsweredWithWhatTheSalvageMakesOfIt) {
     begin(Case::recording);
     recorder.stopError = failure("disk full");
     recorder.salvaged = {"/music/salvaged.m4a"};
+    recorder.duringSalvage = [] { QCoreApplication::processEvents(); };
     stop();
     settle();
     expectAnswers(
@@ -183,7 +184,10 @@ TEST_F(RemoteControlTest, stopThatFailsForGoodIsToldAfterTheSalvage) {
     begin(Case::recording);
     recorder.stopError = failure("disk full");
     recorder.keepsRecording = false;
-    recorder.duringSalvage = [this] { expectAnswers({"stopping leave"}); };
+    recorder.duringSalvage = [this] {
+        QCoreApplication::processEvents();
+        expectAnswers({"stopping leave"});
+    };
     stop();
     settle();
     expectAnswers({"com.vantoro.Error.Failed: disk full"});
