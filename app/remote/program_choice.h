@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include <cstdint>
 #include <vector>
 
 #include "platform/desktop/remote/control_client.h"
@@ -9,7 +10,7 @@
 namespace vantoro {
 
 /// What the commands make of the running programs.
-enum class ProgramUse {
+enum class ProgramUse : std::uint8_t {
     none,      ///< no program answers
     other,     ///< it neither records nor saves
     saving,    ///< it saves a recording

@@ -66,6 +66,10 @@ public:
     }
 
 private:
+    static desktop::ControlStatus statusOf(const RunningProgram& program) {
+        return program.status.value_or(desktop::ControlStatus());
+    }
+
     static bool isToggle(RemoteCommand::Action action) {
         return action == RemoteCommand::Action::toggle;
     }
@@ -81,7 +85,7 @@ private:
 
     /// One that is being started may still fail.
     int startAgain(const RunningProgram& program) {
-        if (program.status->state == "recording") {
+        if (statusOf(program).state == "recording") {
             say(text(CommandText::alreadyRecording));
             return 0;
         }
@@ -114,7 +118,7 @@ private:
         if (!saved) {
             return fail(
                 saved.error().noAnswer == NoAnswer::interrupted
-                    ? CommandText::stopInterrupted.in(language_, {pathOf(program.status->folder)})
+                    ? CommandText::stopInterrupted.in(language_, {pathOf(statusOf(program).folder)})
                     : messageOf(saved.error()));
         }
         if (!saved->message.empty()) {

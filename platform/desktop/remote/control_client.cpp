@@ -252,10 +252,7 @@ std::expected<void, CallFailure> ControlClient::call(const BusMethod& method,
             return failed(NoAnswer::interrupted);
         }
     }
-    if (!waiting->answer) {
-        return failed(NoAnswer::noBus);
-    }
-    return *waiting->answer;
+    return waiting->answer.value_or(std::expected<void, CallFailure>(failed(NoAnswer::noBus)));
 }
 
 std::chrono::milliseconds ControlClient::pingInterval() const {

@@ -44,10 +44,12 @@ struct ControlStatus {
     double savingProgress = 0; ///< 0 to 1
     ControlSource systemAudio = {};
     ControlSource microphone = {};
+    // NOLINTBEGIN(readability-redundant-member-init): callers may leave these out
     std::string microphoneID = {};
     std::string folder = {};        ///< URI; of the current recording, else of the next
     std::string lastRecording = {}; ///< URI; empty for none
     std::string message = {};       ///< for the user; may be empty
+    // NOLINTEND(readability-redundant-member-init)
 
     friend bool operator==(const ControlStatus&, const ControlStatus&) = default;
 };

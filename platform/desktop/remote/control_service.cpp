@@ -134,6 +134,7 @@ void ControlService::publish() {
         return;
     }
     std::vector<char*> names;
+    names.reserve(changed.size() + 1);
     for (auto& name : changed) {
         names.push_back(name.data());
     }
@@ -148,7 +149,7 @@ void ControlService::publish() {
 void ControlService::take(sd_bus_message* call,
                           std::function<void(ControlledProgram&, const Call&)> carryOut) {
     const Call kept(sd_bus_message_ref(call), [](sd_bus_message* m) { sd_bus_message_unref(m); });
-    waiting_.push_back([kept, carryOut = std::move(carryOut)](ControlledProgram& program) {
+    waiting_.emplace_back([kept, carryOut = std::move(carryOut)](ControlledProgram& program) {
         carryOut(program, kept);
     });
     carryOutCalls();
