@@ -68,8 +68,7 @@ AskForRecord askOverLoadedNetwork() {
 /// All parts of a program with a window.
 class WindowRun {
 public:
-    WindowRun(const std::string& sessionBus, desktop::DarkPreference& darkness,
-              ApplicationInstance& instance, Ending& ending)
+    WindowRun(const std::string& sessionBus, ApplicationInstance& instance, Ending& ending)
         : notifierArea_(sessionBus),
           notifications_(sessionBus, isSandboxed()),
           launcherEntry_(sessionBus),
@@ -81,11 +80,7 @@ public:
                 .desktops = qgetenv("XDG_CURRENT_DESKTOP").toStdString(),
                 .version = VANTORO_VERSION,
                 .askForRecord = askOverLoadedNetwork(),
-                .launched =
-                    [this, &darkness] {
-                        platform_.startTasks();
-                        darkness.startPortal();
-                    },
+                .launched = [this] { platform_.startTasks(); },
                 .progressed =
                     [this, &ending](RecordingState::Case state, const auto& folder) {
                         ending.progressed({.state = state,
@@ -185,7 +180,7 @@ private:
             fonts_.join(); // or the toolkit would load the configuration a second time meanwhile
         }
         try {
-            window_ = std::make_unique<WindowRun>(sessionBus_, darkness_, *instance_, ending_);
+            window_ = std::make_unique<WindowRun>(sessionBus_, *instance_, ending_);
         } catch (...) { // the event loop does not support exceptions
             failure_ = std::current_exception();
             QApplication::exit(1);
@@ -198,8 +193,8 @@ private:
     std::string sessionBus_ = desktop::standardBusAddresses().session;
     DarkColours colours_;
     // Asked before the window is built, which need not change its colours if the answer comes soon.
-    desktop::DarkPreference darkness_{sessionBus_,
-                                      [this](bool isDark) { colours_.prefer(isDark); }};
+    const desktop::DarkPreference darkness_{sessionBus_,
+                                            [this](bool isDark) { colours_.prefer(isDark); }};
     std::unique_ptr<ApplicationInstance> instance_;
     std::unique_ptr<WindowRun> window_;
     std::exception_ptr failure_;

@@ -32,14 +32,12 @@ DarkPreference::DarkPreference(const std::string& busAddress, std::function<void
                 });
 }
 
-void DarkPreference::startPortal() {
-    if (portal_.name().value_or("").empty()) {
-        ask("ReadOne");
-    }
-}
-
 void DarkPreference::ask(const std::string& member) {
-    bus_.call({.service = portal, .path = path, .interface = settings, .member = member},
+    bus_.call({.service = portal,
+               .path = path,
+               .interface = settings,
+               .member = member,
+               .startsService = false},
               {appearance, colourScheme}, [this, member](BusMessage& reply) {
                   if (!reply.isError()) {
                       heard(reply);

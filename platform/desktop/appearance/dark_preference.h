@@ -18,10 +18,6 @@ public:
     /// change; it must not destroy this.
     DarkPreference(const std::string& busAddress, std::function<void(bool isDark)> changed);
 
-    /// Starts the portal if it is not running. Call when the window is shown: on a machine that is
-    /// still busy with that, it would be in the way.
-    void startPortal();
-
 private:
     void ask(const std::string& member);
     void heard(BusMessage& value);

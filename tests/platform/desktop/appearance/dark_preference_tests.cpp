@@ -149,13 +149,6 @@ TEST_F(DarkPreferenceTest, isReadFromAPortalThatComesLater) {
     EXPECT_TRUE(changesAre({true, false}));
 }
 
-TEST_F(DarkPreferenceTest, startsThePortalWhenTold) {
-    bus.addStartableService(portalName);
-    watch();
-    preference->startPortal();
-    EXPECT_TRUE(eventually([this] { return bus.startedAService(); }));
-}
-
 TEST_F(DarkPreferenceTest, keepsNobodyWaitingWithoutAnAnswer) {
     const SilentBus silent;
     QElapsedTimer timer;
