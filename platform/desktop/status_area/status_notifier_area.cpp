@@ -4,8 +4,6 @@
 
 #include <utility>
 
-#include <unistd.h>
-
 #include <QtCore/QMetaObject>
 
 #include "platform/desktop/status_area/status_notifier_item.h"
@@ -41,9 +39,7 @@ StatusNotifierArea::StatusNotifierArea(std::string busAddress)
 }
 
 std::unique_ptr<StatusItem> StatusNotifierArea::makeItem(StatusItemTraits traits) {
-    const auto busName = "org.kde.StatusNotifierItem-" + std::to_string(::getpid()) + "-" +
-                         std::to_string(++itemsMade_);
-    return std::make_unique<StatusNotifierItem>(busAddress_, busName, std::move(traits));
+    return std::make_unique<StatusNotifierItem>(busAddress_, std::move(traits));
 }
 
 void StatusNotifierArea::setAvailabilityChanged(std::function<void()> changed) {

@@ -43,7 +43,6 @@ private:
     std::string busAddress_;
     std::function<void()> changed_;
     std::optional<bool> isAvailable_;
-    int itemsMade_ = 0;
     QObject events_; ///< cancels pending callbacks on destruction
     BusConnection bus_;
     ServiceOwner watcher_;

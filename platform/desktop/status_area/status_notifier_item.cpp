@@ -139,8 +139,7 @@ const BusObject itemObject{.path = "/StatusNotifierItem",
 
 } // namespace
 
-StatusNotifierItem::StatusNotifierItem(const std::string& busAddress, const std::string& busName,
-                                       StatusItemTraits traits)
+StatusNotifierItem::StatusNotifierItem(const std::string& busAddress, StatusItemTraits traits)
     : clicked_(std::move(traits.clicked)),
       bus_(busAddress),
       menu_(bus_,
@@ -165,13 +164,7 @@ StatusNotifierItem::StatusNotifierItem(const std::string& busAddress, const std:
     pause_.setSingleShot(true);
     pause_.setTimerType(Qt::PreciseTimer); // coarse timers may be early
     QObject::connect(&pause_, &QTimer::timeout, &events_, [this] { signalChanges(); });
-    if (bus_.exportObject(itemObject, table, &object_)) {
-        bus_.requestName(busName, [this, busName](std::optional<bool> isOurs) {
-            // A path in place of a name registers an object of the calling connection.
-            registeredName_ = isOurs.value_or(false) ? busName : itemObject.path;
-            registerWithWatcher();
-        });
-    }
+    isExported_ = bus_.exportObject(itemObject, table, &object_);
 }
 
 void StatusNotifierItem::setImage(const StatusImage& image, const std::string& description) {
@@ -194,13 +187,15 @@ void StatusNotifierItem::setToolTipDetail(const std::string& detail) {
     }
 }
 
+// By its path, which stands for an object of this connection: GNOME's extension loses items that
+// are registered by a bus name.
 void StatusNotifierItem::registerWithWatcher() {
-    if (isWatched() && !registeredName_.empty()) {
+    if (isWatched() && isExported_) {
         bus_.call({.service = statusNotifierWatcher,
                    .path = "/StatusNotifierWatcher",
                    .interface = statusNotifierWatcher,
                    .member = "RegisterStatusNotifierItem"},
-                  {registeredName_}, [](BusMessage& /*reply*/) {});
+                  {itemObject.path}, [](BusMessage& /*reply*/) {});
     }
 }
 

@@ -35,15 +35,13 @@ struct StatusNotifierObject {
 };
 
 /// One status notifier item (org.kde.StatusNotifierItem), on its own session bus connection, since
-/// panels identify items by bus name. Registers with each watcher that comes. Main thread.
+/// panels identify items by connection. Registers with each watcher that comes. Main thread.
 class StatusNotifierItem final : public StatusItem {
 public:
     /// Between two signals: at most 15 per second.
     static constexpr std::chrono::milliseconds signalDistance{67};
 
-    /// `busName` should be unique; if it is taken, the connection's name identifies the item.
-    StatusNotifierItem(const std::string& busAddress, const std::string& busName,
-                       StatusItemTraits traits);
+    StatusNotifierItem(const std::string& busAddress, StatusItemTraits traits);
 
     void setImage(const StatusImage& image, const std::string& description) override;
     void setToolTipDetail(const std::string& detail) override;
@@ -59,7 +57,7 @@ private:
 
     std::function<void(const std::string&)> clicked_;
     StatusNotifierObject object_;
-    std::string registeredName_;      ///< the name registered with the watcher; empty until then
+    bool isExported_ = false;
     bool imageChanged_ = false;       ///< not yet signalled
     bool descriptionChanged_ = false; ///< not yet signalled
     bool toolTipChanged_ = false;     ///< not yet signalled

@@ -28,7 +28,9 @@ TestWatcher::TestWatcher(const PrivateBus& bus, bool hasPanel)
                        return question.createReply(
                            QVariant::fromValue(QDBusVariant(panel->load())));
                    }
-                   const auto item = question.arguments().value(0).toString();
+                   const auto name = question.arguments().value(0).toString();
+                   // The path stands for an object of the caller.
+                   const auto item = name == "/StatusNotifierItem" ? question.service() : name;
                    QMetaObject::invokeMethod(
                        QCoreApplication::instance(), [items, item] { items->push_back(item); },
                        Qt::QueuedConnection);

@@ -25,7 +25,7 @@ class TestWatcher {
 public:
     explicit TestWatcher(const PrivateBus& bus, bool hasPanel = true);
 
-    /// As registered: bus names or paths.
+    /// The names of the connections that registered an item.
     const QStringList& items() const { return *items_; }
 
     void setHasPanel(bool hasPanel);
