@@ -1,10 +1,10 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """The base of the test cases: the parts of a desktop, and what a user sees of the program in them."""
 
+import contextlib
 import os
 import subprocess
 import sys
-import time
 from pathlib import Path
 
 sys.path.insert(0, str(Path(__file__).resolve().parents[1] / "window"))
@@ -18,19 +18,19 @@ PICTURES = Path(os.environ.get("VANTORO_DESKTOP_PICTURES", sound.ROOT / "build/d
 SECONDS_TO_RETURN = 10
 # Of a symbol: the least of it that changes with the level, and that stands out, in pixels.
 LEAST_CHANGE = 8
+MOST_CHANGE = 2000
 LEAST_SEEN = 24
 LEAST_CONTRAST = 2
 ATTEMPTS = 3
+PICTURES_OF_REST = 5
 SYSTEM_AUDIO, MICROPHONE = "the computer's sound", "the microphone"
 TONES = {SYSTEM_AUDIO: (440,), MICROPHONE: (1000, "--into", sound.MICROPHONE)}
 
 
 class DesktopCase(WindowCase):
     def start_part(self, *command, **environment):
-        """Starts a part of the desktop, which ends with the case.
-
-        It is not accessible: the screen reader waits long for panels that ask it something while they start.
-        """
+        """Starts a part of the desktop, which ends with the case."""
+        # A screen reader and a starting panel would wait for each other.
         log = self.home / "desktop.log"
         with log.open("a") as output:
             process = subprocess.Popen(list(map(str, command)), env={**os.environ, "NO_AT_BRIDGE": "1", **environment},
@@ -53,22 +53,32 @@ class DesktopCase(WindowCase):
 
         The symbol is what changes with the source's sound, and changes back.
         """
-        others = set()
+        others = set()  # what changes by itself, such as a clock
         for _ in range(ATTEMPTS):
-            at_rest, loud = self._pictures(source, others)
+            at_rest = self.still_picture()
+            with sound.tone(*TONES[source]):
+                loud = wait_for(lambda: self._other_picture(at_rest, others), f"a change with {source}")
             changed = at_rest.differences(loud) - others
-            still_changed = self._wait_for_return(at_rest, changed)
-            places = picture.places(changed - still_changed)
-            if len(places) == 1 and len(changed - still_changed) >= LEAST_CHANGE:
+            remains = self._what_remains(at_rest, changed)
+            others |= remains
+            places = picture.places(changed - remains) if len(changed - remains) <= MOST_CHANGE else []
+            if len(places) == 1:
                 return places[0], at_rest, loud
-            others |= still_changed  # a clock's
         raise AssertionError(f"{source} has no symbol whose level changes: {places}")
 
-    def _pictures(self, source, others):
-        at_rest = picture.of_screen()
-        with sound.tone(*TONES[source]):
-            loud = wait_for(lambda: self._other_picture(at_rest, others), f"a change with {source}")
-        return at_rest, loud
+    @staticmethod
+    def still_picture():
+        """What the screen shows when movements have ended."""
+        shown = [picture.of_screen()]
+
+        def stands_still():
+            shown.append(picture.of_screen())
+            if shown[-1].differences(shown[0]):
+                del shown[:-1]
+            return len(shown) == PICTURES_OF_REST
+
+        wait_for(stands_still, "the screen to stand still")
+        return shown[-1]
 
     @staticmethod
     def _other_picture(at_rest, others):
@@ -77,14 +87,10 @@ class DesktopCase(WindowCase):
         return shown if len(at_rest.differences(shown) - others) >= LEAST_CHANGE else None
 
     @staticmethod
-    def _wait_for_return(at_rest, changed):
-        """What of the change remains."""
-        deadline = time.monotonic() + SECONDS_TO_RETURN
-        try:
-            wait_for(lambda: not at_rest.differences(picture.of_screen()) & changed, "the change to end",
-                     SECONDS_TO_RETURN)
-        except AssertionError:
-            assert time.monotonic() >= deadline
+    def _what_remains(at_rest, changed):
+        """Waits for the change to end; returns what of it does not."""
+        with contextlib.suppress(AssertionError):
+            wait_for(lambda: not at_rest.differences(picture.of_screen()) & changed, "its end", SECONDS_TO_RETURN)
         return at_rest.differences(picture.of_screen()) & changed
 
     def assert_seen(self, place, at_rest, loud, source):
@@ -92,13 +98,14 @@ class DesktopCase(WindowCase):
         left, top, right, bottom = place
         size = max(right - left, bottom - top)
         around = (left - 2 * size, top - 2, right + 4, bottom + 2)
-        seen = []
+        contrasts = []
         for shown in (at_rest, loud):
             pixels = shown.pixels_in(around)
             panel = picture.background(pixels)
-            seen.append(sum(picture.contrast(pixel, panel) >= LEAST_CONTRAST for pixel in pixels))
-        self.assertGreaterEqual(seen[0], LEAST_SEEN, f"{source} at rest")
-        self.assertGreater(seen[1], seen[0], f"{source} in sound")
+            contrasts.append([picture.contrast(pixel, panel) for pixel in pixels])
+        seen = sum(contrast >= LEAST_CONTRAST for contrast in contrasts[0])
+        self.assertGreaterEqual(seen, LEAST_SEEN, f"{source} at rest")
+        self.assertGreater(sum(contrasts[1]), sum(contrasts[0]) + LEAST_CHANGE, f"{source} in sound")
 
 
 def click_at(place):

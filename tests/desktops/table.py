@@ -20,13 +20,22 @@ class Row:
     packages: tuple  # whose versions the table shows
     file: str
     case: str
+    bus: tuple = ()  # the command for a session bus that starts services
 
+
+SERVICES = ("dbus-run-session", "--")
 
 ROWS = (
     Row("Xfce: both meters in the panel", ("xfce4-panel",), "panel_tests.py", "xfceShowsBothMeters"),
     Row("LXQt: both meters in the panel", ("lxqt-panel",), "panel_tests.py", "lxqtShowsBothMeters"),
     Row("sway and Waybar: both meters in the panel", ("sway", "waybar"), "wayland_tests.py", "waybarShowsBothMeters"),
     Row("sway: a closed window comes back", ("sway",), "wayland_tests.py", "closedWindowComesBackOnASecondStart"),
+    Row("KDE: both meters in the panel", ("plasma-workspace",), "large_desktop_tests.py", "plasmaShowsBothMeters",
+        SERVICES),
+    Row("KDE, dark panel above light windows: both meters", ("plasma-workspace",), "large_desktop_tests.py",
+        "darkPlasmaShowsBothMeters", SERVICES),
+    Row("GNOME with AppIndicator: both meters and their menu", ("gnome-shell", "gnome-shell-extension-appindicator"),
+        "large_desktop_tests.py", "gnomeShowsBothMetersWithTheExtension", SERVICES),
     Row("sway: a screen at 150 %", ("sway",), "wayland_tests.py", "windowIsOperatedOnAScreenOfFractionalScale"),
 )
 
@@ -43,7 +52,7 @@ def outcome(row):
     with log.open("w") as output:
         try:
             result = subprocess.run(
-                [ROOT / "tools/session", "--screen", "--long-cycles", "--", HERE / row.file, row.case],
+                [ROOT / "tools/session", "--screen", "--long-cycles", "--", *row.bus, HERE / row.file, row.case],
                 stdin=subprocess.DEVNULL, stdout=output, stderr=output, timeout=SECONDS, check=False,
                 env={**os.environ, "VANTORO_DESKTOP_PICTURES": str(ROOT / "build/desktops")})
         except subprocess.TimeoutExpired:

@@ -12,12 +12,16 @@ from desktop_case import click_at  # noqa: E402
 from events import wait_for  # noqa: E402
 from sway import Sway, WaylandScreen  # noqa: E402
 from texts import ENGLISH  # noqa: E402
-from window_case import main  # noqa: E402
+from window_case import WindowCase, main  # noqa: E402
 
 BAR = '{ "height": 30, "modules-right": ["tray"] }'  # the height that it comes with
 
 
 class Wayland(PanelCase):
+    @classmethod
+    def setUpClass(cls):
+        WindowCase.setUpClass.__func__(cls)
+
     def setUp(self):
         super().setUp()
         self.sway = Sway(self)
@@ -35,11 +39,12 @@ class Wayland(PanelCase):
 
     def test_closedWindowComesBackOnASecondStart(self):
         self.start_bar()
-        window = self.open_window(**self.sway.environment)
-        self.close(window)
+        program = self.start_program(**self.sway.environment)
+        frame = self.screen.main_window(program.pid)
+        self.close_to_panel(frame)
         self.assertEqual(self.start_program(**self.sway.environment).finish(), 0)
-        wait_for(lambda: self.screen.is_in_front(window.frame), "the window to come to the front")
-        self.assertFalse(window.program.has_ended)
+        wait_for(lambda: self.screen.is_in_front(frame), "the window to come to the front")
+        self.assertFalse(program.has_ended)
 
     def test_windowIsOperatedOnAScreenOfFractionalScale(self):
         self.sway.scale(1.5)
