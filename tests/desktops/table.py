@@ -10,6 +10,7 @@ from pathlib import Path
 
 HERE = Path(__file__).resolve().parent
 ROOT = HERE.parents[1]
+PICTURES = ROOT / "build/desktops"
 LOGS = ROOT / "build/logs/desktops"
 SECONDS = 180
 
@@ -36,6 +37,8 @@ ROWS = (
         "darkPlasmaShowsBothMeters", SERVICES),
     Row("GNOME with AppIndicator: both meters and their menu", ("gnome-shell", "gnome-shell-extension-appindicator"),
         "large_desktop_tests.py", "gnomeShowsBothMetersWithTheExtension", SERVICES),
+    Row("elogind: sleep waits for the sound", ("elogind",), "login_tests.py",
+        "elogindsSuspendWaitsForTheSoundWhichIsSaved"),
     Row("sway: a screen at 150 %", ("sway",), "wayland_tests.py", "windowIsOperatedOnAScreenOfFractionalScale"),
 )
 
@@ -43,7 +46,12 @@ ROWS = (
 def version(package):
     found = subprocess.run(["dpkg-query", "--show", "--showformat", "${Version}", package], capture_output=True,
                            text=True, check=False)
-    return f"{package} {found.stdout or '?'}"
+    return f"{package} {found.stdout or unpacked_version(package)}"
+
+
+def unpacked_version(package):
+    """Of a package that cannot be installed."""
+    return next((path.name.split("_")[1] for path in PICTURES.glob(f"{package}_*.deb")), "?")
 
 
 def outcome(row):
@@ -54,7 +62,7 @@ def outcome(row):
             result = subprocess.run(
                 [ROOT / "tools/session", "--screen", "--long-cycles", "--", *row.bus, HERE / row.file, row.case],
                 stdin=subprocess.DEVNULL, stdout=output, stderr=output, timeout=SECONDS, check=False,
-                env={**os.environ, "VANTORO_DESKTOP_PICTURES": str(ROOT / "build/desktops")})
+                env={**os.environ, "VANTORO_DESKTOP_PICTURES": str(PICTURES)})
         except subprocess.TimeoutExpired:
             return f"not finished after {SECONDS} s", False
     if result.returncode == 0:
