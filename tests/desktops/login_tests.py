@@ -53,9 +53,11 @@ class Elogind:
             process.wait()
         self._bus_daemon.stdout.close()
 
+    def inhibitors(self, kind, of):
+        return [str(who) for what, who, _, mode, _, _ in self._manager.ListInhibitors() if (what, mode) == (of, kind)]
+
     def delays(self):
-        return [str(who) for what, who, _, mode, _, _ in self._manager.ListInhibitors()
-                if (what, mode) == ("sleep", "delay")]
+        return self.inhibitors("delay", "sleep")
 
     def suspend(self):
         subprocess.run([ELOGIND / "bin/loginctl", "suspend"], env=self._tools, check=True, timeout=60)
@@ -93,6 +95,22 @@ class Login(RecordingCase):
                          "Recording was interrupted by sleep. The captured audio was saved successfully.\n")
         left, _ = sound.decoded(result.saved())
         self.assertGreater(sound.usual_amplitude(left, 440, 0.2, 0.9), 0.2)
+
+    def test_idleMachineStaysAwakeWhereThePortalsBackEndRefuses(self):
+        """GTK's back end keeps no machine awake outside GNOME, which the portal tells only after it has agreed."""
+        self.start_portal()
+        recording = recorder.Recording(self.folder, env=self.login.environment)
+        recording.wait_until_written()
+        self.login.wait_until(lambda: self.login.inhibitors("block", "idle") == ["Vantoro"])
+        recording.stop().saved()
+        self.login.wait_until(lambda: self.login.inhibitors("block", "idle") == [])
+
+    def start_portal(self):
+        portal = subprocess.Popen(["/usr/libexec/xdg-desktop-portal"], env={**os.environ, "XDG_CURRENT_DESKTOP": "XFCE"})
+        self.addCleanup(portal.wait)
+        self.addCleanup(portal.kill)
+        bus = dbus.SessionBus()
+        self.login.wait_until(lambda: bus.name_has_owner("org.freedesktop.portal.Desktop"))
 
 
 if __name__ == "__main__":

@@ -39,6 +39,9 @@ ROWS = (
         "large_desktop_tests.py", "gnomeShowsBothMetersWithTheExtension", SERVICES),
     Row("elogind: sleep waits for the sound", ("elogind",), "login_tests.py",
         "elogindsSuspendWaitsForTheSoundWhichIsSaved"),
+    Row("The desktop portal with GTK's back end: an idle machine stays awake",
+        ("xdg-desktop-portal", "xdg-desktop-portal-gtk", "elogind"), "login_tests.py",
+        "idleMachineStaysAwakeWhereThePortalsBackEndRefuses", SERVICES),
     Row("sway: a screen at 150 %", ("sway",), "wayland_tests.py", "windowIsOperatedOnAScreenOfFractionalScale"),
 )
 

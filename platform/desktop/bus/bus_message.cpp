@@ -173,6 +173,11 @@ std::string BusMessage::sender() const {
     return name == nullptr ? "" : name;
 }
 
+std::string BusMessage::path() const {
+    const char* const path = sd_bus_message_get_path(message_);
+    return path == nullptr ? "" : path;
+}
+
 std::optional<std::string> BusMessage::readText() {
     return copyOf(read<const char*>(message_, 's'));
 }

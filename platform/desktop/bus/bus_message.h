@@ -53,6 +53,8 @@ public:
     std::string errorText() const;
     /// The sender's unique name, which the bus guarantees.
     std::string sender() const;
+    /// The object that sends a signal; empty for a reply.
+    std::string path() const;
 
     /// Each reads the next argument; nothing if it has another type.
     std::optional<std::string> readText();

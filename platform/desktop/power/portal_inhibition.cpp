@@ -10,6 +10,7 @@ namespace vantoro::desktop {
 namespace {
 
 constexpr std::uint32_t suspend = 4; // the portal's flag; the other flags concern the session
+constexpr std::uint32_t success = 0;
 
 } // namespace
 
@@ -30,6 +31,15 @@ struct PortalInhibition::Request {
         } else if (!handle.empty()) {
             patience->stop();
         } else if (patience->isActive()) {
+            patience->start(0);
+        }
+    }
+
+    void ended(BusMessage& response) {
+        const bool isOurs =
+            !handle.empty() && response.sender() == portal && response.path() == handle;
+        if (isOurs && response.readNumber() != success) {
+            handle.clear();
             patience->start(0);
         }
     }
@@ -66,6 +76,10 @@ PortalInhibition::PortalInhibition(BusConnection& sessionBus, const std::string&
 PortalInhibition::~PortalInhibition() {
     request_->patience = nullptr;
     request_->release();
+}
+
+void PortalInhibition::heardResponse(BusMessage& response) {
+    request_->ended(response);
 }
 
 } // namespace vantoro::desktop

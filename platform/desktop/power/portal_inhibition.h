@@ -13,6 +13,10 @@
 
 namespace vantoro::desktop {
 
+/// The rule for the answers of the portal's back ends.
+inline constexpr const char* portalResponse =
+    "type='signal',interface='org.freedesktop.portal.Request',member='Response'";
+
 /// Keeps the machine from suspending when idle, through the desktop portal; the screen may still
 /// lock and turn off. Main thread.
 class PortalInhibition {
@@ -25,6 +29,9 @@ public:
     PortalInhibition& operator=(const PortalInhibition&) = delete;
     /// Releases the inhibition, even one that is granted later. `refused` is not called any more.
     ~PortalInhibition();
+
+    /// To be told of every `portalResponse` signal: the portal grants before its back end answers.
+    void heardResponse(BusMessage& response);
 
 private:
     struct Request;

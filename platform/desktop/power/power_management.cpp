@@ -3,6 +3,7 @@
 #include "platform/desktop/power/power_management.h"
 
 #include <map>
+#include <set>
 #include <utility>
 
 #include <QtCore/QByteArray>
@@ -26,7 +27,13 @@ struct DesktopPowerManagement::Services {
                   if (shuttingDown) { // cancelled, so there is nothing to do
                       notify(true);
                   }
-              }) {}
+              }) {
+        sessionBus.listen(portalResponse, [this](BusMessage& response) {
+            for (auto* const portal : portals) {
+                portal->heardResponse(response);
+            }
+        });
+    }
 
     void notify(bool sleeping) {
         for (const auto& [observation, tell] : observations) {
@@ -37,6 +44,7 @@ struct DesktopPowerManagement::Services {
     BusConnection systemBus;
     BusConnection sessionBus;
     std::map<const PowerObservation*, std::function<void(bool sleeping)>> observations;
+    std::set<PortalInhibition*> portals;
     Logind logind;
 };
 
@@ -70,7 +78,14 @@ public:
           sleep_(services_->logind.inhibit("sleep", reason, "delay")),
           shutdown_(services_->logind.inhibit("shutdown", reason, "delay")),
           portal_(services_->sessionBus, reason, portalPatience,
-                  [this, reason] { idle_ = services_->logind.inhibit("idle", reason, "block"); }) {}
+                  [this, reason] { idle_ = services_->logind.inhibit("idle", reason, "block"); }) {
+        services_->portals.insert(&portal_);
+    }
+
+    Hold(const Hold&) = delete;
+    Hold& operator=(const Hold&) = delete;
+
+    ~Hold() override { services_->portals.erase(&portal_); }
 
 private:
     std::shared_ptr<Services> services_;

@@ -107,6 +107,37 @@ TEST_F(PortalInhibitionTest, loginManagerIsAskedWhereThePortalRefuses) {
     }
 }
 
+/// What the portal says when its back end has answered, which takes longer than to grant.
+void sayResponse(unsigned code) {
+    auto response =
+        QDBusMessage::createSignal(handle, "org.freedesktop.portal.Request", "Response");
+    response.setArguments({code, QVariantMap()});
+    QDBusConnection(portalName).send(response);
+}
+
+TEST_F(PortalInhibitionTest, loginManagerIsAskedWhereThePortalsBackEndRefuses) {
+    const Portal portal(sessionBus, granted);
+    start();
+    auto held = hold();
+    EXPECT_TRUE(portal.isEventuallyTold({inhibit}));
+    EXPECT_TRUE(logind.eventuallyHas(sleepOnly));
+    sayResponse(2);
+    EXPECT_TRUE(logind.eventuallyHas(sleepAndIdle));
+    held.reset();
+    EXPECT_TRUE(logind.eventuallyHas({}));
+    EXPECT_EQ(portal.calls, QStringList{inhibit}); // nothing to close
+}
+
+TEST_F(PortalInhibitionTest, loginManagerIsNotAskedWhereThePortalsBackEndAgrees) {
+    const Portal portal(sessionBus, granted);
+    start();
+    auto held = hold();
+    EXPECT_TRUE(portal.isEventuallyTold({inhibit}));
+    sayResponse(0);
+    held.reset();
+    EXPECT_TRUE(portal.isEventuallyTold({inhibit, close}));
+}
+
 TEST_F(PortalInhibitionTest, loginManagerIsAskedWhereThePortalIsSilent) {
     const Portal portal(sessionBus, noAnswer);
     portalPatience = std::chrono::milliseconds(50);
