@@ -114,6 +114,11 @@ def click_at(place):
                    check=True)
 
 
+def leave():
+    """Moves the mouse where no panel is."""
+    subprocess.run(["xdotool", "mousemove", "640", "512"], check=True)
+
+
 def end(process):
     process.terminate()
     try:

@@ -5,7 +5,7 @@ import subprocess
 
 from gi.repository import Gio, GLib
 
-from desktop_case import MICROPHONE, SYSTEM_AUDIO, DesktopCase, click_at
+from desktop_case import MICROPHONE, SYSTEM_AUDIO, DesktopCase, click_at, leave
 from events import wait_for
 
 WATCHER = "org.kde.StatusNotifierWatcher"
@@ -29,6 +29,7 @@ class PanelCase(DesktopCase):
             self.assert_seen(place, at_rest, loud, source)
             self.choose(place)
             self.wait_for_front(frame)
+            leave()  # or the tool tip would show each second
 
     choose = staticmethod(click_at)
 
