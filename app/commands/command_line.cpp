@@ -158,7 +158,22 @@ std::optional<RemoteCommand::Action> remoteAction(const QString& command) {
     if (command == "stop") {
         return stop;
     }
+    if (command == "mark") {
+        return mark;
+    }
     return command == "toggle" ? std::optional(toggle) : std::nullopt;
+}
+
+/// The text of a mark comes first, unless it looks like an option.
+RemoteCommand remoteCommand(RemoteCommand::Action action, const QString& name, QStringList words) {
+    RemoteCommand command{.action = action, .language = {}};
+    const bool hasText =
+        action == RemoteCommand::Action::mark && !words.isEmpty() && !words.first().startsWith('-');
+    if (hasText) {
+        command.text = words.takeFirst().toStdString();
+    }
+    command.language = languageOption({name, words});
+    return command;
 }
 
 Command parseOrThrow(const QStringList& arguments, AppLanguage ownLanguage) {
@@ -186,7 +201,7 @@ Command parseOrThrow(const QStringList& arguments, AppLanguage ownLanguage) {
                              languageOption(options)};
     }
     if (const auto action = remoteAction(first)) {
-        return RemoteCommand{.action = *action, .language = languageOption({first, others})};
+        return remoteCommand(*action, first, others);
     }
     if (first == "status") {
         const GivenOptions options(first, others);

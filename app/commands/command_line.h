@@ -59,9 +59,11 @@ struct RemoteCommand {
         start, ///< a recording, also in a program that has to be started first
         stop,  ///< and print the recording's path
         toggle,
+        mark, ///< this moment of the recording
     };
 
     Action action = Action::start;
+    std::string text = {};               ///< of a mark; empty for the usual one
     std::optional<AppLanguage> language; ///< of the messages; absent: the user's
 
     friend bool operator==(const RemoteCommand&, const RemoteCommand&) = default;

@@ -72,10 +72,11 @@ def add_option(texts, command, name, option):
 
 def add_command(texts, name, command):
     texts["names"].append(name)
-    texts["synopsis"].append(f".B {name}")
+    argument = command.get("argument", "")
+    texts["synopsis"].append(f".B {name}" + (f"\n{roff(argument, argument.strip('[]'))}" if argument else ""))
     for language in HEADINGS:
-        texts[f"help_commands_{language}"].append(f"  {name:<28}{command[language][0]}")
-        texts[f"commands_{language}"].append(in_manual(f"`{name}`", command, language))
+        texts[f"help_commands_{language}"].append(f"  {f'{name} {argument}':<28}{command[language][0]}")
+        texts[f"commands_{language}"].append(in_manual(f"`{name}` {argument}".strip(), command, language))
     texts["zsh_commands"].append(f"        '{name}:{in_shell(command, APOSTROPHE_IN_ZSH)}'")
     texts["fish"].append(f"complete -c vantoro -n __fish_use_subcommand -a {name}"
                          f" -d '{in_shell(command, APOSTROPHE_IN_FISH)}'")

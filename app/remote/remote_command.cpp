@@ -41,7 +41,8 @@ public:
     RemoteRun(AppLanguage language, int interruption)
         : language_(language), client_(desktop::standardBusAddresses().session, interruption) {}
 
-    int run(RemoteCommand::Action action) {
+    int run(const RemoteCommand& command) {
+        const auto action = command.action;
         const auto programs = client_.programs();
         if (!programs) {
             return fail(errorText(programs.error(), language_));
@@ -58,9 +59,13 @@ public:
         if (action == RemoteCommand::Action::start || (!isRecording && isToggle(action))) {
             return isRecording ? startAgain(*chosen) : start();
         }
-        if (use < ProgramUse::saving) {
+        const bool isMark = action == RemoteCommand::Action::mark;
+        if (use < (isMark ? ProgramUse::recording : ProgramUse::saving)) {
             return fail(
                 text(programs->empty() ? CommandText::notRunning : CommandText::notRecording));
+        }
+        if (isMark) {
+            return mark(*chosen, command.text);
         }
         return stop(*chosen);
     }
@@ -109,6 +114,15 @@ private:
         return report(started);
     }
 
+    int mark(const RunningProgram& program, const std::string& words) {
+        const auto number = client_.mark(program.service, words);
+        if (!number) {
+            return fail(messageOf(number.error()));
+        }
+        std::cout << *number << std::endl; // NOLINT(performance-avoid-endl): checked below
+        return std::cout ? 0 : fail(text(CommandText::resultNotPrinted));
+    }
+
     int report(const std::expected<void, desktop::CallFailure>& started) {
         return started ? 0 : fail(messageOf(started.error()));
     }
@@ -142,6 +156,9 @@ private:
         }
         if (error == desktop::notRecordingError) {
             return text(CommandText::notRecording);
+        }
+        if (error == desktop::fullError) {
+            return text(CommandText::noMoreMarks);
         }
         if (error == desktop::noSourceError) {
             return L10n::text(L10n::Key::noAudioSource, language_);
@@ -184,7 +201,7 @@ std::string errorText(NoAnswer reason, AppLanguage language) {
 }
 
 int runRemoteCommand(const RemoteCommand& command, AppLanguage language, int interruption) {
-    return RemoteRun(language, interruption).run(command.action);
+    return RemoteRun(language, interruption).run(command);
 }
 
 } // namespace vantoro

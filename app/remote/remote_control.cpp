@@ -143,6 +143,16 @@ void RemoteControl::stop(const std::string& activationToken, desktop::StopAnswer
     stop_(activationToken);
 }
 
+std::expected<std::uint32_t, desktop::ControlFailure> RemoteControl::mark(const std::string& text) {
+    if (state() != Case::recording) {
+        return failure(desktop::notRecordingError, "nothing is being recorded");
+    }
+    if (const int number = model_.mark(text); number > 0) {
+        return static_cast<std::uint32_t>(number);
+    }
+    return failure(desktop::fullError, "the recording holds no more marks");
+}
+
 /// At once, so that no state is missed.
 void RemoteControl::noteState() {
     switch (state()) {

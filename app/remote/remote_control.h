@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <expected>
 #include <filesystem>
 #include <functional>
 #include <string>
@@ -37,6 +38,7 @@ public:
     desktop::ControlStatus status() const override;
     void start(const std::string& activationToken, desktop::StartAnswer answered) override;
     void stop(const std::string& activationToken, desktop::StopAnswer answered) override;
+    std::expected<std::uint32_t, desktop::ControlFailure> mark(const std::string& text) override;
 
 private:
     RecordingState::Case state() const { return model_.values().state.which(); }

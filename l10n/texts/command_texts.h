@@ -27,6 +27,8 @@ struct CommandText {
     static constexpr BilingualText notRunning{"Vantoro is not running.", "Vantoro 没有运行。"};
     static constexpr BilingualText notRecording{"Vantoro is not recording.",
                                                 "Vantoro 没有在录音。"};
+    static constexpr BilingualText noMoreMarks{"The recording holds no more marks.",
+                                               "录音中不能再添加标记。"};
     static constexpr BilingualText programSilent{"Vantoro is running, but does not answer.",
                                                  "Vantoro 正在运行，但没有响应。"};
     static constexpr BilingualText otherProgramSilent{

@@ -121,6 +121,15 @@ class Remote(RecordingCase):
         path = remote("toggle").saved()
         self.assertEqual(recording.finish().saved(), path)
 
+    def test_marksAreChaptersOfTheFile(self):
+        recording = self.record()
+        self.assertEqual([recorder.run("mark", *text, *ENGLISH).output for text in (["What for?"], [])],
+                         ["1\n", "2\n"])
+        chapters = sound.probe(remote("stop").saved(), "-show_chapters")["chapters"]
+        self.assertEqual([chapter["tags"]["title"] for chapter in chapters], ["What for?", "Mark 2"])
+        recording.finish()
+        self.assert_fails(remote("mark"), NOT_RUNNING)
+
     def test_startBesideARecordingStartsNoOther(self):
         recording = self.record()
         result = remote("start")

@@ -160,7 +160,7 @@ class Remote(WindowCase):
         shown = subprocess.run(["gdbus", "introspect", "--session", "--dest", NAME, "--object-path", PLACE],
                                check=True, capture_output=True, text=True, timeout=60).stdout
         for line in ("interface com.vantoro.Control1", "Start(in  a{sv} options)", "out s recording",
-                     "readonly s State = 'idle'", "readonly u Version = 1", "interface org.freedesktop.Application"):
+                     "readonly s State = 'idle'", "readonly u Version = 2", "interface org.freedesktop.Application"):
             self.assertIn(line, shown)
 
 

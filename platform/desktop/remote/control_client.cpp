@@ -48,6 +48,10 @@ CallFailure failureOf(const BusMessage& reply) {
             .told = {.error = reply.errorName(), .text = reply.errorText()}};
 }
 
+BusOptions optionsWith(const std::string& token) {
+    return token.empty() ? BusOptions() : BusOptions{{"activation-token", token}};
+}
+
 } // namespace
 
 /// Shared with the bus's callbacks, which may outlast the wait.
@@ -171,7 +175,7 @@ std::expected<void, CallFailure> ControlClient::start(const std::string& service
                                                       const std::string& token) {
     auto asked = method(service, "Start");
     asked.startsService = service == applicationService;
-    return call(asked, token, Clock::now() + limits_.start, {});
+    return call(asked, {optionsWith(token)}, Clock::now() + limits_.start, {});
 }
 
 std::expected<void, NoAnswer> ControlClient::awaitService(const std::string& service) {
@@ -206,38 +210,48 @@ std::expected<void, NoAnswer> ControlClient::awaitService(const std::string& ser
 std::expected<SavedRecording, CallFailure> ControlClient::stop(const std::string& service,
                                                                const std::string& token) {
     const auto saved = std::make_shared<SavedRecording>();
-    const auto result =
-        call(method(service, "Stop"), token, std::nullopt, [saved](BusMessage& reply) {
-            saved->uri = reply.readText().value_or("");
-            saved->isComplete = reply.readFlag().value_or(true);
-            saved->message = reply.readText().value_or("");
-        });
+    const auto result = call(method(service, "Stop"), {optionsWith(token)}, std::nullopt,
+                             [saved](BusMessage& reply) {
+                                 saved->uri = reply.readText().value_or("");
+                                 saved->isComplete = reply.readFlag().value_or(true);
+                                 saved->message = reply.readText().value_or("");
+                             });
     if (!result) {
         return std::unexpected(result.error());
     }
     return *saved;
 }
 
+std::expected<std::uint32_t, CallFailure> ControlClient::mark(const std::string& service,
+                                                              const std::string& text) {
+    const auto number = std::make_shared<std::uint32_t>(0);
+    const auto result =
+        call(method(service, "Mark"), {text, BusOptions()}, std::nullopt,
+             [number](BusMessage& reply) { *number = reply.readNumber().value_or(0); });
+    if (!result) {
+        return std::unexpected(result.error());
+    }
+    return *number;
+}
+
 std::expected<void, CallFailure> ControlClient::call(const BusMethod& method,
-                                                     const std::string& token,
+                                                     const std::vector<BusArgument>& arguments,
                                                      std::optional<Clock::time_point> limit,
                                                      const BusReceive& read) {
     const auto failed = [](NoAnswer reason) {
         return std::unexpected(CallFailure{.noAnswer = reason, .told = {}});
     };
     const auto waiting = std::make_shared<Waiting>();
-    const bool isSent =
-        bus_.ask(method, {token.empty() ? BusOptions() : BusOptions{{"activation-token", token}}},
-                 [waiting, read](BusMessage& reply) {
-                     if (reply.isError()) {
-                         waiting->answer = std::unexpected(failureOf(reply));
-                     } else {
-                         if (read) {
-                             read(reply);
-                         }
-                         waiting->answer.emplace();
-                     }
-                 });
+    const bool isSent = bus_.ask(method, arguments, [waiting, read](BusMessage& reply) {
+        if (reply.isError()) {
+            waiting->answer = std::unexpected(failureOf(reply));
+        } else {
+            if (read) {
+                read(reply);
+            }
+            waiting->answer.emplace();
+        }
+    });
     while (isSent && !bus_.isGone() && !waiting->answer) {
         const auto now = Clock::now();
         if (now - waiting->lastSign >= limits_.silence) {

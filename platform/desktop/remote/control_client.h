@@ -70,6 +70,10 @@ public:
     /// Waits until a program has the name.
     std::expected<void, NoAnswer> awaitService(const std::string& service);
 
+    /// Marks this moment of the recording; the mark's number. Empty for the usual text.
+    std::expected<std::uint32_t, CallFailure> mark(const std::string& service,
+                                                   const std::string& text);
+
     /// Returns when the recording is saved, however long that takes, while the program answers.
     std::expected<SavedRecording, CallFailure> stop(const std::string& service,
                                                     const std::string& token);
@@ -85,7 +89,8 @@ private:
     bool awaitConnection(Clock::time_point deadline);
 
     /// Waits for the answer to a method; `limit` is for the answer itself, apart from hanging.
-    std::expected<void, CallFailure> call(const BusMethod& method, const std::string& token,
+    std::expected<void, CallFailure> call(const BusMethod& method,
+                                          const std::vector<BusArgument>& arguments,
                                           std::optional<Clock::time_point> limit,
                                           const BusReceive& read);
     std::chrono::milliseconds pingInterval() const;

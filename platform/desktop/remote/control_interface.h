@@ -19,13 +19,15 @@ inline const BusObject controlObject{.path = "/com/vantoro/app",
 constexpr const char* recordingServices = "com.vantoro.app.recording.";
 
 /// The value of the interface's property `Version`; greater with each addition.
-constexpr std::uint32_t controlVersion = 1;
+constexpr std::uint32_t controlVersion = 2; // 2: Mark
 
 // The errors of its methods.
-constexpr const char* notRecordingError = "com.vantoro.Error.NotRecording"; ///< nothing to stop
-constexpr const char* savingError = "com.vantoro.Error.Saving";             ///< cannot start now
+constexpr const char* notRecordingError =
+    "com.vantoro.Error.NotRecording";                               ///< nothing to stop or mark
+constexpr const char* savingError = "com.vantoro.Error.Saving";     ///< cannot start now
 constexpr const char* noSourceError = "com.vantoro.Error.NoSource"; ///< both sources are off
 constexpr const char* failedError = "com.vantoro.Error.Failed";     ///< with a text for the user
+constexpr const char* fullError = "com.vantoro.Error.Full";         ///< no more marks can be kept
 
 /// One of the two sources of a recording.
 struct ControlSource {

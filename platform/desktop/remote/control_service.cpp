@@ -41,6 +41,19 @@ struct ControlService::Handlers {
         });
     }
 
+    static int mark(sd_bus_message* call, void* argument, sd_bus_error* /*error*/) {
+        const char* text = nullptr;
+        if (const int read = sd_bus_message_read(call, "s", &text); read < 0) {
+            return read;
+        }
+        auto* const service = static_cast<ControlService*>(argument);
+        service->take(call, [service, words = std::string(text)](ControlledProgram& program,
+                                                                 const Call& taken) {
+            service->answer(taken, program.mark(words));
+        });
+        return 1; // answered later
+    }
+
     static int property(sd_bus* /*bus*/, const char* /*path*/, const char* /*interface*/,
                         const char* name, sd_bus_message* reply, void* service,
                         sd_bus_error* /*error*/) {
@@ -85,6 +98,8 @@ ControlService::ControlService(BusConnection& bus) : bus_(bus) {
                                  unprivileged),
         SD_BUS_METHOD_WITH_NAMES("Stop", "a{sv}", "options\0", "sbs",
                                  "recording\0is_complete\0message\0", Handlers::stop, unprivileged),
+        SD_BUS_METHOD_WITH_NAMES("Mark", "sa{sv}", "text\0options\0", "u", "number\0",
+                                 Handlers::mark, unprivileged),
         SD_BUS_PROPERTY("State", "s", Handlers::property, 0, signalled),
         SD_BUS_PROPERTY("StartedAt", "x", Handlers::property, 0, signalled),
         SD_BUS_PROPERTY("ElapsedSeconds", "x", Handlers::property, 0, 0),
@@ -188,6 +203,16 @@ void ControlService::answer(const Call& call,
                                           result->isComplete ? 1 : 0,
                                           validText(result->message).c_str());
     }));
+}
+
+void ControlService::answer(const Call& call,
+                            const std::expected<std::uint32_t, ControlFailure>& result) {
+    if (!result) {
+        answer(call, std::expected<void, ControlFailure>(std::unexpected(result.error())));
+        return;
+    }
+    static_cast<void>(bus_.send(
+        [&](sd_bus* /*bus*/) { return sd_bus_reply_method_return(call.get(), "u", *result); }));
 }
 
 BusProperties ControlService::properties() const {

@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include <cstdint>
 #include <expected>
 #include <functional>
 #include <memory>
@@ -35,6 +36,8 @@ public:
     virtual void start(const std::string& activationToken, StartAnswer answered) = 0;
     /// Call `answered` once: when the recording is saved, or cannot be.
     virtual void stop(const std::string& activationToken, StopAnswer answered) = 0;
+    /// Marks this moment of the recording; the mark's number, from 1 on. Empty for the usual text.
+    virtual std::expected<std::uint32_t, ControlFailure> mark(const std::string& text) = 0;
 };
 
 /// Serves the interface on a bus connection: answers calls when the program does, and signals
@@ -64,6 +67,7 @@ private:
     void carryOutCalls();
     void answer(const Call& call, const std::expected<void, ControlFailure>& result);
     void answer(const Call& call, const std::expected<SavedRecording, ControlFailure>& result);
+    void answer(const Call& call, const std::expected<std::uint32_t, ControlFailure>& result);
     BusProperties properties() const;
 
     BusConnection& bus_;

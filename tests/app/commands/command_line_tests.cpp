@@ -72,14 +72,19 @@ TEST(CommandLine, otherCommandsAndVersionAndHelp) {
 
 TEST(CommandLine, remoteCommandsAndTheirOptions) {
     using enum RemoteCommand::Action;
-    EXPECT_EQ(parsed("start"), Command(RemoteCommand{start, std::nullopt}));
-    EXPECT_EQ(parsed("stop --language en"), Command(RemoteCommand{stop, AppLanguage::english}));
-    EXPECT_EQ(parsed("toggle"), Command(RemoteCommand{toggle, std::nullopt}));
+    EXPECT_EQ(parsed("start"), Command(RemoteCommand{.action = start, .language = {}}));
+    EXPECT_EQ(parsed("stop --language en"),
+              Command(RemoteCommand{.action = stop, .language = AppLanguage::english}));
+    EXPECT_EQ(parsed("toggle"), Command(RemoteCommand{.action = toggle, .language = {}}));
+    EXPECT_EQ(parsed("mark"), Command(RemoteCommand{.action = mark, .language = {}}));
+    EXPECT_EQ(parsed("mark question --language en"),
+              Command(RemoteCommand{
+                  .action = mark, .text = "question", .language = AppLanguage::english}));
     EXPECT_EQ(parsed("status"), Command(StatusCommand{}));
     EXPECT_EQ(parsed("status --follow --json --language=zh-Hans"),
               Command(StatusCommand{true, true, AppLanguage::chinese}));
-    for (const auto* const line : {"start --json", "stop now", "toggle --seconds 2",
-                                   "status --json=yes", "status --folder /r"}) {
+    for (const auto* const line : {"start --json", "stop now", "toggle --seconds 2", "mark one two",
+                                   "mark --text", "status --json=yes", "status --folder /r"}) {
         EXPECT_NE(usageErrorOf(parsed(line)), "no usage error") << line;
     }
 }

@@ -35,6 +35,7 @@ public:
     std::vector<std::string> calls; ///< with their tokens
     desktop::StartAnswer answerStart;
     desktop::StopAnswer answerStop;
+    std::expected<std::uint32_t, ControlFailure> markAnswer = 7U;
 
     ControlStatus status() const override { return shown; }
 
@@ -46,6 +47,11 @@ public:
     void stop(const std::string& token, desktop::StopAnswer answered) override {
         calls.push_back("stop " + token);
         answerStop = std::move(answered);
+    }
+
+    std::expected<std::uint32_t, ControlFailure> mark(const std::string& text) override {
+        calls.push_back("mark " + text);
+        return markAnswer;
     }
 };
 
@@ -119,6 +125,16 @@ TEST_F(ControlServiceTest, stopReturnsTheRecordingItsCompletenessAndTheMessage) 
         SavedRecording{.uri = "file:///a.m4a", .isComplete = false, .message = "some is missing"});
     EXPECT_EQ(answerOf(asked).arguments(),
               QVariantList({"file:///a.m4a", false, "some is missing"}));
+}
+
+TEST_F(ControlServiceTest, markReturnsItsNumberOrWhyThereIsNone) {
+    control->serve(&program);
+    EXPECT_EQ(answerOf(call("Mark", {"a question", QVariantMap()})).arguments(),
+              QVariantList({7U}));
+    EXPECT_EQ(program.calls, std::vector<std::string>({"mark a question"}));
+    program.markAnswer = std::unexpected(
+        ControlFailure{.error = desktop::notRecordingError, .text = "nothing is recorded"});
+    EXPECT_EQ(answerOf(call("Mark", {"", QVariantMap()})).errorName(), desktop::notRecordingError);
 }
 
 TEST_F(ControlServiceTest, failureIsAnErrorWithItsTextWhateverBytesItHas) {
