@@ -17,24 +17,13 @@ sys.dont_write_bytecode = True
 import hanging_bus  # noqa: E402
 import recorder  # noqa: E402
 import sound  # noqa: E402
-from bus_monitor import FirstCall  # noqa: E402
-from case import RecordingCase, main  # noqa: E402
-from hanging_disk import HangingDisk  # noqa: E402
+from case import main  # noqa: E402
+from remote_case import ENGLISH, SECONDS_TO_ANSWER, RemoteCase, remote, status  # noqa: E402
 
-ENGLISH = ("--language", "en")
-SECONDS_TO_ANSWER = 30
 # Five seconds of silence, and a margin for a busy machine.
 SECONDS_TO_GIVE_UP = 10
 SILENT = "Vantoro is running, but does not answer.\n"
 NOT_RUNNING = "Vantoro is not running.\n"
-
-
-def remote(command, *arguments, **options):
-    return recorder.run(command, *ENGLISH, *arguments, **options)
-
-
-def status():
-    return json.loads(remote("status", "--json").output)
 
 
 class Follower:
@@ -73,13 +62,7 @@ class Follower:
         return code
 
 
-class Remote(RecordingCase):
-    def record(self, *arguments, folder=None, **options):
-        """A recording that other processes can find, and whose first second is on disk."""
-        recording = recorder.Recording(folder or self.folder, *arguments, **options)
-        recording.wait_until_written()
-        return recording
-
+class Remote(RemoteCase):
     def follow(self, *arguments):
         follower = Follower(*arguments)
         self.addCleanup(lambda: follower.process.poll() is None and follower.end())
@@ -215,45 +198,6 @@ class Remote(RecordingCase):
         self.assertEqual(result.saved(), recording.finish().saved())
         os.kill(hanging.pid, signal.SIGCONT)
         hanging.stop().saved()
-
-    def stopping(self, recording):
-        """A `stop` whose call has arrived at the recording, which saves for ever."""
-        call = FirstCall("Stop")
-        self.addCleanup(call.close)
-        process = subprocess.Popen([recorder.PROGRAM, "stop", *ENGLISH], stdout=subprocess.PIPE, stderr=subprocess.PIPE,
-                                   text=True)
-        call.wait(SECONDS_TO_ANSWER)
-        return process
-
-    def hanging_recording(self):
-        """A recording whose disk will hang when the recording is moved to its final name."""
-        place = self.folder.parent
-        self.folder.mkdir()
-        disk = HangingDisk(self.folder, place, "rename")
-        self.addCleanup(disk.close)
-        return disk, self.record(env={**os.environ, **disk.environment})
-
-    def test_recorderThatIsKilledWhileItSavesIsTold(self):
-        disk, recording = self.hanging_recording()
-        process = self.stopping(recording)
-        disk.wait_until_it_hangs()
-        recording.kill()
-        output, errors = process.communicate(timeout=SECONDS_TO_ANSWER)
-        self.assertEqual((process.returncode, output), (1, ""))
-        self.assertIn("Vantoro ended before it answered.", errors)
-        recorder.run("recover", "--folder", self.folder).saved()
-
-    def test_interruptedStopStopsTheRecordingAllTheSameAndSaysWhereItWillBe(self):
-        disk, recording = self.hanging_recording()
-        for number in signal.SIGINT, signal.SIGTERM:
-            process = self.stopping(recording)
-            disk.wait_until_it_hangs() if number == signal.SIGINT else None
-            process.send_signal(number)
-            output, errors = process.communicate(timeout=SECONDS_TO_ANSWER)
-            self.assertEqual((process.returncode, output), (1, ""))
-            self.assertEqual(errors, f"The recording was stopped. It will be saved in {self.folder}.\n")
-        self.assertEqual(status()["state"], "processing")
-        recording.kill()
 
     def test_withoutABusARecordingRunsAndTheCommandsSayWhy(self):
         environment = dict(os.environ, DBUS_SESSION_BUS_ADDRESS="unix:path=/nowhere/at/all")
