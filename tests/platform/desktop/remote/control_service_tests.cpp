@@ -130,7 +130,7 @@ TEST_F(ControlServiceTest, stopReturnsTheRecordingItsCompletenessAndTheMessage) 
 TEST_F(ControlServiceTest, markReturnsItsNumberOrWhyThereIsNone) {
     control->serve(&program);
     EXPECT_EQ(answerOf(call("Mark", {"a question", QVariantMap()})).arguments(),
-              QVariantList({7U}));
+              QVariantList(1, QVariant(7U)));
     EXPECT_EQ(program.calls, std::vector<std::string>({"mark a question"}));
     program.markAnswer = std::unexpected(
         ControlFailure{.error = desktop::notRecordingError, .text = "nothing is recorded"});
