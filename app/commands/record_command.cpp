@@ -162,6 +162,7 @@ void RecordRun::stopRequested() {
     if (state_ == Case::failed) {
         QCoreApplication::exit(1); // what is still being salvaged stays for the next time
     } else {
+        markRequested(); // what was marked before the stop counts
         model_->stopRecording();
     }
 }
